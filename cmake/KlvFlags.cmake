@@ -1,0 +1,24 @@
+# Compiler settings that every target of this project shares, carried by one interface target.
+# Nothing is set globally, so a target that does not link it shows at once.
+
+add_library(klv_flags INTERFACE)
+target_compile_options(klv_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  # The same bytes on every machine: no fused multiply-add that one machine has and another has not.
+  -ffp-contract=off
+  # Exceptions carry source paths; these name files within the project, wherever it was built.
+  -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  target_compile_options(klv_flags INTERFACE -msse2 -mfpmath=sse)
+endif()
+if(KLV_WERROR)
+  target_compile_options(klv_flags INTERFACE -Werror)
+endif()
+if(KLV_SANITIZE)
+  target_compile_options(klv_flags INTERFACE
+    -fsanitize=${KLV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(klv_flags INTERFACE -fsanitize=${KLV_SANITIZE})
+endif()
+target_compile_definitions(klv_flags INTERFACE
+  BOOST_ALL_NO_LIB
+  $<$<BOOL:${KLV_SCALAR}>:HWY_COMPILE_ONLY_SCALAR>)
