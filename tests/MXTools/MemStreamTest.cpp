@@ -1,0 +1,308 @@
+// Streams in memory: byte order, arrays, strings, growth and bounds.
+#include "MXTools/MemStream.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+#include "MXTools/Exception.h"
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using testing::ElementsAre;
+
+Bytes Content(const ClMemStream& oStream) {
+  const unsigned char* pData = oStream.GetData();
+  return pData == nullptr ? Bytes() : Bytes(pData, pData + oStream.Size());
+}
+
+template <typename TCall>
+long NumberOf(TCall&& oCall) {
+  try {
+    oCall();
+  } catch (const ClException& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+template <typename TCall>
+std::string TextOf(TCall&& oCall) {
+  try {
+    oCall();
+  } catch (const ClException& e) {
+    return e.What();
+  }
+  return "";
+}
+
+TEST(Stream, NumbersOfEveryWidthAreBigEndianOnANewStream) {
+  ClMemStream oStream;
+  EXPECT_TRUE(oStream.GetBigEndian());
+  EXPECT_EQ(oStream.WriteAutoSwap<uint8_t>(0xAB), 1u);
+  EXPECT_EQ(oStream.WriteAutoSwap<uint16_t>(0x0102), 2u);
+  EXPECT_EQ(oStream.WriteAutoSwap<uint32_t>(1), 4u);
+  EXPECT_EQ(oStream.WriteAutoSwap(1.0), 8u);
+  EXPECT_THAT(Content(oStream), ElementsAre(0xAB, 1, 2, 0, 0, 0, 1, 0x3F, 0xF0, 0, 0, 0, 0, 0, 0));
+
+  oStream.Seek(3u);
+  uint32_t nValue = 0;
+  double dValue = 0;
+  EXPECT_EQ(oStream.ReadAutoSwap(nValue), 4u);
+  EXPECT_EQ(oStream.ReadAutoSwap(dValue), 8u);
+  EXPECT_EQ(nValue, 1u);
+  EXPECT_EQ(dValue, 1.0);
+}
+
+TEST(Stream, EachDirectionObeysItsOwnByteOrder) {
+  ClMemStream oStream;
+  EXPECT_TRUE(oStream.SetBigEndian4Read(false));
+  EXPECT_FALSE(oStream.GetBigEndian());
+  EXPECT_TRUE(oStream.GetBigEndian4Write());
+  oStream.WriteAutoSwap<uint16_t>(0x0102);
+  oStream.Seek(0u);
+  uint16_t nValue = 0;
+  oStream.ReadAutoSwap(nValue);
+  EXPECT_EQ(nValue, 0x0201);
+  EXPECT_FALSE(oStream.SetBigEndian(true));
+  EXPECT_TRUE(oStream.SetBigEndian4Write(false));
+}
+
+// More elements than one block of the transfer holds, so that block borders are crossed.
+TEST(Stream, ArraysSurviveBothByteOrdersAndAreTurnedElementByElement) {
+  std::vector<uint32_t> aValues(3000);
+  for (size_t n = 0; n < aValues.size(); ++n) aValues[n] = static_cast<uint32_t>(n * 2654435761u);
+  for (bool bBigEndian : {true, false}) {
+    ClMemStream oStream;
+    oStream.SetBigEndian(bBigEndian);
+    EXPECT_EQ(oStream.WriteNumericArray(aValues.data(), 3000, 4), 12000u);
+    const uint32_t nSecond = aValues[1];
+    const unsigned int nShift = bBigEndian ? 24 : 0;
+    EXPECT_EQ(oStream.GetData()[4], static_cast<unsigned char>(nSecond >> nShift));
+    oStream.Seek(0u);
+    std::vector<uint32_t> aRead(3000);
+    EXPECT_EQ(oStream.ReadNumericArray(aRead.data(), 3000, 4), 12000u);
+    EXPECT_EQ(aRead, aValues);
+  }
+}
+
+TEST(Stream, AnElementSizeThatIsNoneMovesNothing) {
+  ClMemStream oStream(16, true);
+  unsigned char aData[16];
+  EXPECT_EQ(oStream.ReadNumericArray(aData, 4, 3), 0xFFFFFFFFu);
+  EXPECT_EQ(oStream.WriteNumericArray(aData, 4, 0), 0xFFFFFFFFu);
+  EXPECT_EQ(oStream.Pos(), 0);
+}
+
+TEST(Stream, AnArrayCutAtEveryByteGivesTheBytesSoFarOrRaises) {
+  const unsigned char aStored[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+  for (unsigned int nCut = 0; nCut < 8; ++nCut) {
+    for (bool bBigEndian : {true, false}) {
+      ClMemStream oStream(aStored, nCut);
+      oStream.SetBigEndian(bBigEndian);
+      uint16_t aValues[4] = {};
+      EXPECT_EQ(oStream.ReadNumericArray(aValues, 4, 2), nCut);
+      if (nCut >= 2) {
+        EXPECT_EQ(aValues[0], bBigEndian ? 0x0102 : 0x0201);
+      }
+      oStream.Seek(0u);
+      oStream.m_bFailureFlag = true;
+      EXPECT_EQ(NumberOf([&] { oStream.ReadNumericArray(aValues, 4, 2); }), -201) << nCut;
+    }
+  }
+}
+
+TEST(Stream, StringsAreCountedWithTheirZero) {
+  ClMemStream oStream;
+  EXPECT_EQ(oStream.WriteString("ab"), 7u);
+  EXPECT_EQ(oStream.WriteString(nullptr), 5u);
+  EXPECT_THAT(Content(oStream), ElementsAre(0, 0, 0, 3, 'a', 'b', 0, 0, 0, 0, 1, 0));
+  oStream.Seek(0u);
+  char* szText = new char[1];
+  EXPECT_EQ(oStream.ReadString(&szText), 7u);
+  EXPECT_STREQ(szText, "ab");
+  EXPECT_EQ(oStream.ReadString(&szText), 5u);
+  EXPECT_STREQ(szText, "");
+  delete[] szText;
+}
+
+TEST(Stream, ALongStringIsCutToTheBufferAndPassedAsAWhole) {
+  ClMemStream oStream;
+  oStream.WriteString("0123456789012345678");
+  oStream.WriteAutoSwap<uint8_t>(77);
+  oStream.Seek(0u);
+  char szBuffer[8];
+  EXPECT_EQ(oStream.ReadString(szBuffer, sizeof(szBuffer)), 24u);
+  EXPECT_STREQ(szBuffer, "0123456");
+  uint8_t nNext = 0;
+  oStream.ReadAutoSwap(nNext);
+  EXPECT_EQ(nNext, 77);
+}
+
+TEST(Stream, AStoredLengthBeyondTheEndIsRefusedBeforeAnythingIsAllocated) {
+  const unsigned char aStored[] = {0xFF, 0xFF, 0xFF, 0xFF, 'a', 0};
+  for (unsigned int nCut = 4; nCut <= sizeof(aStored); ++nCut) {
+    ClMemStream oStream(aStored, nCut);
+    char* szText = nullptr;
+    EXPECT_EQ(NumberOf([&] { oStream.ReadString(&szText); }), -201);
+    EXPECT_EQ(szText, nullptr);
+  }
+}
+
+TEST(MemStream, OneMadeWithASizeIsReadableFromTheStartAndZero) {
+  ClMemStream oStream(1000, true);
+  EXPECT_EQ(oStream.Size(), 1000);
+  EXPECT_EQ(oStream.Pos(), 0);
+  unsigned char nByte = 9;
+  EXPECT_EQ(oStream.Read(&nByte, 1), 1u);
+  EXPECT_EQ(nByte, 0);
+  EXPECT_STREQ(oStream.Name(), "Mem Stream");
+  EXPECT_TRUE(oStream.IsSeekable());
+}
+
+TEST(MemStream, TheGapOfASeekPastTheEndIsZeroAndCountsOnlyWithAWrite) {
+  ClMemStream oStream;
+  EXPECT_EQ(oStream.GetData(), nullptr);
+  oStream.Write("ab", 2);
+  EXPECT_EQ(oStream.Seek(3L, 2), 0);
+  EXPECT_EQ(oStream.Size(), 2);
+  unsigned char nByte;
+  EXPECT_EQ(oStream.Read(&nByte, 1), 0u) << "nothing can be read behind the used size";
+  const Bytes aMany(500, 7);
+  oStream.Write(aMany.data(), 500);
+  EXPECT_EQ(oStream.Size(), 505);
+  const Bytes aContent = Content(oStream);
+  EXPECT_EQ(Bytes(aContent.begin(), aContent.begin() + 6), (Bytes{'a', 'b', 0, 0, 0, 7}));
+}
+
+TEST(MemStream, SeekReachesWhatIsThereAndRefusesTheRest) {
+  unsigned char aData[4] = {};
+  ClMemStream oReadOnly(static_cast<const unsigned char*>(aData), 4);
+  EXPECT_EQ(oReadOnly.Seek(4L, 0), 0);
+  EXPECT_EQ(oReadOnly.Seek(5L, 0), -1);
+  EXPECT_EQ(oReadOnly.Seek(-5L, 2), -1);
+  EXPECT_EQ(oReadOnly.Seek(0L, 3), -1);
+  EXPECT_EQ(oReadOnly.Pos(), 4) << "a refused seek does not move";
+  EXPECT_EQ(oReadOnly.Seek(-1L, 1), 0);
+  EXPECT_EQ(oReadOnly.Pos(), 3);
+  EXPECT_EQ(NumberOf([&] { oReadOnly.Seek(0x80000000u); }), -35);
+  EXPECT_EQ(NumberOf([&] { oReadOnly.Write("x", 1); }), -204);
+}
+
+TEST(MemStream, AnAttachedBlockIsWrittenInPlaceAndNeverGrows) {
+  unsigned char aData[4] = {};
+  ClMemStream oStream(aData, 4, true);
+  oStream.WriteAutoSwap<uint32_t>(0x01020304);
+  EXPECT_EQ(aData[3], 4);
+  const std::string szText = TextOf([&] { oStream.Write("x", 1); });
+  EXPECT_THAT(szText, testing::EndsWith("\nClMemStream::ExpandData. Stream too small"));
+  oStream.Close();
+  EXPECT_EQ(oStream.Size(), 0);
+  oStream.Write("now its own block", 17);
+  EXPECT_EQ(oStream.Size(), 17);
+  EXPECT_EQ(aData[0], 1);
+}
+
+TEST(StreamBits, BitsJoinMostSignificantFirstAndBlockByteTransfers) {
+  ClMemStream oStream;
+  for (unsigned int nValue : {5u, 2u, 7u}) oStream.WriteBits(nValue, 3);
+  EXPECT_EQ(oStream.BitPos(), 9u);
+  EXPECT_THAT(TextOf([&] { oStream.Write("x", 1); }),
+              testing::EndsWith("the last bit I/O was finish with out bitflush."));
+  oStream.Flush();
+  // 101 010 111 -> 10101011 1.......
+  EXPECT_THAT(Content(oStream), ElementsAre(0xAB, 0x80));
+  EXPECT_EQ(oStream.BitPos(), 16u);
+}
+
+TEST(StreamBits, EveryWidthAtEveryOffsetComesBack) {
+  for (unsigned int nOffset = 0; nOffset < 8; ++nOffset) {
+    for (unsigned int nCount = 0; nCount <= 32; ++nCount) {
+      const unsigned int nMask = nCount == 32 ? 0xFFFFFFFFu : (1u << nCount) - 1;
+      const unsigned int nValue = 0xDEADBEEFu & nMask;
+      ClMemStream oStream;
+      oStream.WriteBits(0, nOffset);
+      oStream.WriteBits(nValue, nCount);
+      oStream.WriteBits(1, 1);
+      ASSERT_EQ(oStream.BitPos(), nOffset + nCount + 1);
+      oStream.Flush();
+      oStream.Seek(0u);
+      unsigned int nLead = 9, nRead = 9, nLast = 9;
+      oStream.ReadBits(nLead, nOffset);
+      oStream.ReadBits(nRead, nCount);
+      ASSERT_EQ(oStream.BitPos(), nOffset + nCount);
+      oStream.ReadBits(nLast, 1);
+      ASSERT_EQ(nLead, 0u);
+      ASSERT_EQ(nRead, nValue) << nCount << " bits at " << nOffset;
+      ASSERT_EQ(nLast, 1u);
+    }
+  }
+}
+
+TEST(StreamBits, ThirtyTwoBitsBehindFivePendingWriteFourBytes) {
+  ClMemStream oStream;
+  oStream.WriteBits(0x1F, 5);
+  oStream.WriteBits(0, 32);
+  EXPECT_EQ(oStream.Size(), 4);
+  EXPECT_EQ(oStream.BitPos(), 37u);
+}
+
+TEST(StreamBits, AFlushKeepsTheBitsThatStandBehind) {
+  unsigned char aData[2] = {0xFF, 0xFF};
+  ClMemStream oStream(aData, 2, true);
+  oStream.WriteBits(0, 3);
+  oStream.Flush();
+  EXPECT_EQ(aData[0], 0x1F);
+  EXPECT_EQ(oStream.Pos(), 1);
+
+  oStream.BitPosSet(11);
+  EXPECT_EQ(oStream.BitPos(), 11u);
+  oStream.WriteBits(0, 2);
+  EXPECT_EQ(oStream.BitPos(), 13u);
+  oStream.Close();
+  EXPECT_EQ(aData[1], 0xE7) << "11100111: only bits 3 and 4 were written";
+}
+
+TEST(StreamBits, SettingABitPositionAtTheEndDoesNotStepBack) {
+  ClMemStream oStream;
+  oStream.Write("\xFF", 1);
+  oStream.BitPosSet(10);
+  oStream.WriteBits(1, 1);
+  oStream.Flush();
+  EXPECT_THAT(Content(oStream), ElementsAre(0xFF, 0x20));
+}
+
+TEST(StreamBits, ABitPositionServesReadersOfReadOnlyStreamsToo) {
+  const unsigned char aData[3] = {0x00, 0x1A, 0x80};
+  ClMemStream oStream(aData, 3);
+  oStream.BitSeek(11, 0);
+  unsigned int nValue = 0;
+  oStream.ReadBits(nValue, 6);
+  EXPECT_EQ(nValue, 0x35u) << "11010 1";
+  oStream.BitSeek(-8, 2);
+  oStream.ReadBits(nValue, 1);
+  EXPECT_EQ(nValue, 1u);
+  oStream.ReadBitFlush();
+  EXPECT_EQ(oStream.BitPos(), 24u);
+}
+
+TEST(StreamBits, TheEndRaisesWhateverTheFailureFlagSays) {
+  const unsigned char aData[2] = {1, 2};
+  ClMemStream oStream(aData, 2);
+  unsigned int nValue = 0;
+  oStream.ReadBits(nValue, 5);
+  EXPECT_EQ(NumberOf([&] { oStream.ReadBits(nValue, 12); }), -201);
+}
+
+TEST(StreamBits, ANumberNeedsTheBitsUpToItsHighest) {
+  EXPECT_EQ(ClStream::BitsNeedForWrite(0), 0u);
+  EXPECT_EQ(ClStream::BitsNeedForWrite(1), 1u);
+  EXPECT_EQ(ClStream::BitsNeedForWrite(255), 8u);
+  EXPECT_EQ(ClStream::BitsNeedForWrite(0x7FFFFFFF), 31u);
+  EXPECT_EQ(ClStream::BitsNeedForWrite(-1), 32u);
+}
+
+}  // namespace
