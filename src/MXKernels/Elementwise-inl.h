@@ -1,0 +1,41 @@
+// The loop that all sample-by-sample kernels share, compiled once for each target.
+#if defined(MXKERNELS_ELEMENTWISE_INL_H) == defined(HWY_TARGET_TOGGLE)
+#ifdef MXKERNELS_ELEMENTWISE_INL_H
+#undef MXKERNELS_ELEMENTWISE_INL_H
+#else
+#define MXKERNELS_ELEMENTWISE_INL_H
+#endif
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace MXKernels {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+/// pOut[i] = oRule(d, i) for i in [0, nCount), a vector at a time; false when nCount is less than a vector.
+///
+/// The last vector overlaps the one before it. It is worked out first and stored last, so that pOut may
+/// be one of the inputs: no sample that was already replaced is read again.
+template <class D, class TRule>
+HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size_t nCount) {
+  const size_t nLanes = hn::Lanes(d);
+  if (nCount < nLanes) return false;
+  const auto vLast = oRule(d, nCount - nLanes);
+  for (size_t i = 0; i + nLanes <= nCount; i += nLanes) hn::StoreU(oRule(d, i), d, pOut + i);
+  hn::StoreU(vLast, d, pOut + nCount - nLanes);
+  return true;
+}
+
+/// 32-bit numbers limited to 0 .. 255. The limit above comes first because x86 narrows by way of 16 bits,
+/// where a number from 32768 on would turn into 0.
+template <class D, class V>
+HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
+  return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace MXKernels
+HWY_AFTER_NAMESPACE();
+
+#endif

@@ -1,0 +1,123 @@
+// Vector variants of the kernels that move samples.
+#include "MXKernels/LayoutRows.h"
+
+#include "KernelTargets.h"
+#include "MXKernels/Level.h"
+#include "MXKernels/Reference.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "LayoutRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "Elementwise-inl.h"
+
+#if MXKERNELS_VECTOR_TARGET
+HWY_BEFORE_NAMESPACE();
+namespace MXKernels {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Bytes = hn::ScalableTag<uint8_t>;
+
+alignas(16) constexpr uint8_t g_aBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
+
+struct RuleReverse {
+  const uint8_t* m_pIn;
+  size_t m_nCount;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const auto v = hn::LoadU(d, m_pIn + m_nCount - i - hn::Lanes(d));
+    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, g_aBackwards)));
+  }
+};
+
+void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleReverse{pIn, nCount}, pOut, nCount)) {
+    Reference::ReverseRow(pIn, pOut, nCount);
+  }
+}
+
+void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
+  const Bytes d;
+  const size_t nLanes = hn::Lanes(d);
+  size_t i = 0;
+  for (; i + nLanes <= nPairs; i += nLanes) {
+    hn::Vec<Bytes> vEven, vOdd;
+    hn::LoadInterleaved2(d, pIn + 2 * i, vEven, vOdd);
+    hn::StoreU(vEven, d, pEven + i);
+    hn::StoreU(vOdd, d, pOdd + i);
+  }
+  Reference::SplitPairsRow(pIn + 2 * i, pEven + i, pOdd + i, nPairs - i);
+}
+
+void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
+                  uint8_t* pMin) noexcept {
+  const Bytes d;
+  const hn::Half<Bytes> dHalf;
+  const hn::Repartition<uint16_t, Bytes> d16;
+  const hn::Repartition<int16_t, Bytes> dSigned16;
+  const size_t nLanes = hn::Lanes(d);
+  size_t i = 0;
+  for (; i + nLanes <= nCells; i += nLanes) {
+    hn::Vec<Bytes> vA, vB, vC, vD;
+    hn::LoadInterleaved2(d, pUpper + 2 * i, vA, vB);
+    hn::LoadInterleaved2(d, pLower + 2 * i, vC, vD);
+    hn::StoreU(hn::Max(hn::Max(vA, vB), hn::Max(vC, vD)), d, pMax + i);
+    hn::StoreU(hn::Min(hn::Min(vA, vB), hn::Min(vC, vD)), d, pMin + i);
+    const auto vLow =
+        hn::PromoteTo(d16, hn::LowerHalf(dHalf, vA)) + hn::PromoteTo(d16, hn::LowerHalf(dHalf, vB)) +
+        hn::PromoteTo(d16, hn::LowerHalf(dHalf, vC)) + hn::PromoteTo(d16, hn::LowerHalf(dHalf, vD));
+    const auto vHigh =
+        hn::PromoteTo(d16, hn::UpperHalf(dHalf, vA)) + hn::PromoteTo(d16, hn::UpperHalf(dHalf, vB)) +
+        hn::PromoteTo(d16, hn::UpperHalf(dHalf, vC)) + hn::PromoteTo(d16, hn::UpperHalf(dHalf, vD));
+    hn::StoreU(hn::DemoteTo(dHalf, hn::BitCast(dSigned16, hn::ShiftRight<2>(vLow))), dHalf, pMean + i);
+    hn::StoreU(hn::DemoteTo(dHalf, hn::BitCast(dSigned16, hn::ShiftRight<2>(vHigh))), dHalf,
+               pMean + i + nLanes / 2);
+  }
+  Reference::ScaleDownRow(pUpper + 2 * i, pLower + 2 * i, nCells - i, pMean + i, pMax + i, pMin + i);
+}
+
+void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  const Bytes d;
+  const size_t nLanes = hn::Lanes(d);
+  size_t i = 0;
+  for (; i + nLanes <= nCount; i += nLanes) {
+    const auto v = hn::LoadU(d, pIn + i);
+    hn::StoreInterleaved2(v, v, d, pOut + 2 * i);
+  }
+  Reference::ScaleUpRow(pIn + i, pOut + 2 * i, nCount - i);
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace MXKernels
+HWY_AFTER_NAMESPACE();
+#endif
+
+#if HWY_ONCE
+namespace MXKernels {
+
+MXKERNELS_TABLE(ReverseRow);
+MXKERNELS_TABLE(SplitPairsRow);
+MXKERNELS_TABLE(ScaleDownRow);
+MXKERNELS_TABLE(ScaleUpRow);
+
+void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(ReverseRow)(pIn, pOut, nCount);
+}
+
+void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
+  MXKERNELS_CALL(SplitPairsRow)(pIn, pEven, pOdd, nPairs);
+}
+
+void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
+                  uint8_t* pMin) noexcept {
+  MXKERNELS_CALL(ScaleDownRow)(pUpper, pLower, nCells, pMean, pMax, pMin);
+}
+
+void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(ScaleUpRow)(pIn, pOut, nCount);
+}
+
+}  // namespace MXKernels
+#endif

@@ -1,0 +1,152 @@
+// Vector variants of the kernels that treat each sample by itself.
+#include "MXKernels/PointRows.h"
+
+#include "KernelTargets.h"
+#include "MXKernels/Level.h"
+#include "MXKernels/Reference.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "PointRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "Elementwise-inl.h"
+
+#if MXKERNELS_VECTOR_TARGET
+HWY_BEFORE_NAMESPACE();
+namespace MXKernels {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Bytes = hn::ScalableTag<uint8_t>;
+
+struct RuleSubtract {
+  const uint8_t* m_pLit;
+  const uint8_t* m_pDark;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    return hn::SaturatedSub(hn::LoadU(d, m_pLit + i), hn::LoadU(d, m_pDark + i));
+  }
+};
+
+void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleSubtract{pLit, pDark}, pOut, nCount)) {
+    Reference::SubtractSaturated(pLit, pDark, pOut, nCount);
+  }
+}
+
+struct RuleClamp {
+  const uint8_t* m_pIn;
+  uint8_t m_nLower, m_nUpper;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    return hn::Min(hn::Max(hn::LoadU(d, m_pIn + i), hn::Set(d, m_nLower)), hn::Set(d, m_nUpper));
+  }
+};
+
+void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept {
+  if (!ForEachVector(Bytes(), RuleClamp{pIn, nLower, nUpper}, pOut, nCount)) {
+    Reference::ClampRow(pIn, pOut, nCount, nLower, nUpper);
+  }
+}
+
+struct RuleThreshold {
+  const uint8_t* m_pIn;
+  uint8_t m_nThreshold, m_nBelow, m_nAbove;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const auto vIn = hn::LoadU(d, m_pIn + i);
+    // x86 has no unsigned comparison of bytes, but an unsigned maximum.
+    const auto bAbove = hn::Max(vIn, hn::Set(d, m_nThreshold)) == vIn;
+    return hn::IfThenElse(bAbove, hn::Set(d, m_nAbove), hn::Set(d, m_nBelow));
+  }
+};
+
+void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThreshold, uint8_t nBelow,
+                  uint8_t nAbove) noexcept {
+  if (!ForEachVector(Bytes(), RuleThreshold{pIn, nThreshold, nBelow, nAbove}, pOut, nCount)) {
+    Reference::ThresholdRow(pIn, pOut, nCount, nThreshold, nBelow, nAbove);
+  }
+}
+
+struct RuleEqual {
+  const uint8_t* m_pIn;
+  uint8_t m_nValue;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    return hn::VecFromMask(d, hn::LoadU(d, m_pIn + i) == hn::Set(d, m_nValue));
+  }
+};
+
+void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept {
+  if (!ForEachVector(Bytes(), RuleEqual{pIn, nValue}, pOut, nCount)) {
+    Reference::EqualRow(pIn, pOut, nCount, nValue);
+  }
+}
+
+struct RuleBlend {
+  const uint8_t* m_pIn;
+  const uint8_t* m_pMask;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const hn::Repartition<uint16_t, D> d16;
+    const hn::Repartition<int16_t, D> dSigned16;
+    const hn::Half<D> dHalf;
+    const auto vOne = hn::Set(d16, 1);
+    const auto vAll = hn::Set(d16, 255);
+    // (x + 1 + (x >> 8)) >> 8 is x / 255 truncated for every x up to 65534.
+    const auto vLow =
+        hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + i)) * hn::PromoteTo(d16, hn::LoadU(dHalf, m_pMask + i));
+    const size_t nHigh = i + hn::Lanes(dHalf);
+    const auto vHigh = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + nHigh)) *
+                       hn::PromoteTo(d16, hn::LoadU(dHalf, m_pMask + nHigh));
+    const auto vLowOut = vAll - hn::ShiftRight<8>(vLow + vOne + hn::ShiftRight<8>(vLow));
+    const auto vHighOut = vAll - hn::ShiftRight<8>(vHigh + vOne + hn::ShiftRight<8>(vHigh));
+    return hn::Combine(d, hn::DemoteTo(dHalf, hn::BitCast(dSigned16, vHighOut)),
+                       hn::DemoteTo(dHalf, hn::BitCast(dSigned16, vLowOut)));
+  }
+};
+
+void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleBlend{pIn, pMask}, pOut, nCount)) {
+    Reference::InvertedBlendRow(pIn, pMask, pOut, nCount);
+  }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace MXKernels
+HWY_AFTER_NAMESPACE();
+#endif
+
+#if HWY_ONCE
+namespace MXKernels {
+
+MXKERNELS_TABLE(SubtractSaturated);
+MXKERNELS_TABLE(ClampRow);
+MXKERNELS_TABLE(ThresholdRow);
+MXKERNELS_TABLE(EqualRow);
+MXKERNELS_TABLE(InvertedBlendRow);
+
+void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(SubtractSaturated)(pLit, pDark, pOut, nCount);
+}
+
+void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept {
+  MXKERNELS_CALL(ClampRow)(pIn, pOut, nCount, nLower, nUpper);
+}
+
+void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThreshold, uint8_t nBelow,
+                  uint8_t nAbove) noexcept {
+  MXKERNELS_CALL(ThresholdRow)(pIn, pOut, nCount, nThreshold, nBelow, nAbove);
+}
+
+void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept {
+  MXKERNELS_CALL(EqualRow)(pIn, pOut, nCount, nValue);
+}
+
+void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(InvertedBlendRow)(pIn, pMask, pOut, nCount);
+}
+
+}  // namespace MXKernels
+#endif

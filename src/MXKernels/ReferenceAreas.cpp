@@ -1,0 +1,153 @@
+// The plain twins of the kernels that look at more than one place: windows, cells, neighbours, the warp.
+#include <algorithm>
+
+#include "MXKernels/Reference.h"
+
+namespace MXKernels::Reference {
+namespace {
+
+template <typename T>
+void AddToColumnSums(const T* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] += pRow[i];
+}
+
+template <typename T>
+void TakeFromColumnSums(const T* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] -= pRow[i];
+}
+
+template <typename T>
+void MoveColumnSums(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] += static_cast<uint32_t>(pEnter[i]) - pLeave[i];
+}
+
+template <typename T>
+void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, T* pOut) noexcept {
+  uint32_t nSum = 0;
+  for (size_t x = 0; x < std::min(nHalf, nCount); ++x) nSum += pSums[x];
+  for (size_t x = 0; x < nCount; ++x) {
+    if (x + nHalf < nCount) nSum += pSums[x + nHalf];
+    if (x > nHalf) nSum -= pSums[x - nHalf - 1];
+    const size_t nColumns = std::min(x + nHalf + 1, nCount) - (x > nHalf ? x - nHalf : 0);
+    pOut[x] = static_cast<T>(nSum / (nRows * static_cast<uint32_t>(nColumns)));
+  }
+}
+
+template <typename TPick>
+void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut,
+               TPick oPick) noexcept {
+  std::copy(pIn, pIn + nCount, pWork);
+  for (size_t x = 0; x < nCount; ++x) {
+    const size_t nEnd = nHalf < nCount - x ? x + nHalf + 1 : nCount;
+    uint8_t nBest = pWork[x];
+    for (size_t i = x > nHalf ? x - nHalf : 0; i < nEnd; ++i) nBest = oPick(nBest, pWork[i]);
+    pOut[x] = nBest;
+  }
+}
+
+}  // namespace
+
+void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  AddToColumnSums(pRow, pSums, nCount);
+}
+
+void AddToColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  AddToColumnSums(pRow, pSums, nCount);
+}
+
+void TakeFromColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  TakeFromColumnSums(pRow, pSums, nCount);
+}
+
+void TakeFromColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
+  TakeFromColumnSums(pRow, pSums, nCount);
+}
+
+void MoveColumnSumsU8(const uint8_t* pEnter, const uint8_t* pLeave, uint32_t* pSums, size_t nCount) noexcept {
+  MoveColumnSums(pEnter, pLeave, pSums, nCount);
+}
+
+void MoveColumnSumsU16(const uint16_t* pEnter, const uint16_t* pLeave, uint32_t* pSums,
+                       size_t nCount) noexcept {
+  MoveColumnSums(pEnter, pLeave, pSums, nCount);
+}
+
+void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
+                      uint8_t* pOut) noexcept {
+  SlidingMeanRow(pSums, nCount, nHalf, nRows, pOut);
+}
+
+void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
+                       uint16_t* pOut) noexcept {
+  SlidingMeanRow(pSums, nCount, nHalf, nRows, pOut);
+}
+
+void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = std::min(pA[i], pB[i]);
+}
+
+void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = std::max(pA[i], pB[i]);
+}
+
+void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
+  WindowRow(pIn, nCount, nHalf, pWork, pOut, [](uint8_t nA, uint8_t nB) { return std::min(nA, nB); });
+}
+
+void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
+  WindowRow(pIn, nCount, nHalf, pWork, pOut, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
+}
+
+void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  std::reverse_copy(pIn, pIn + nCount, pOut);
+}
+
+void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
+  for (size_t i = 0; i < nPairs; ++i) {
+    pEven[i] = pIn[2 * i];
+    pOdd[i] = pIn[2 * i + 1];
+  }
+}
+
+void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
+                  uint8_t* pMin) noexcept {
+  for (size_t i = 0; i < nCells; ++i) {
+    const uint8_t nA = pUpper[2 * i], nB = pUpper[2 * i + 1], nC = pLower[2 * i], nD = pLower[2 * i + 1];
+    pMean[i] = static_cast<uint8_t>((nA + nB + nC + nD) >> 2);
+    pMax[i] = std::max(std::max(nA, nB), std::max(nC, nD));
+    pMin[i] = std::min(std::min(nA, nB), std::min(nC, nD));
+  }
+}
+
+void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[2 * i] = pOut[2 * i + 1] = pIn[i];
+}
+
+void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
+             const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    if (pMap[i].m_nOffset < 0) {
+      pOut[i] = nBackground;
+      continue;
+    }
+    const uint8_t* pWindow = pSource + pMap[i].m_nOffset;
+    const int16_t(&aWeights)[4][4] = pWeights[pMap[i].m_nPhase];
+    int32_t nSum = 1023;
+    for (size_t r = 0; r < 4; ++r) {
+      for (size_t k = 0; k < 4; ++k) nSum += aWeights[r][k] * pWindow[r * nRowBytes + k];
+    }
+    pOut[i] = static_cast<uint8_t>(std::min(std::max(nSum >> 10, 0), 255));
+  }
+}
+
+void TextureClassRow(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow, uint8_t* pOut,
+                     size_t nCount, const uint8_t* pClasses) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const uint8_t nCentre = pCentre[i];
+    const int nPattern = (pAbove[i] > nCentre ? 1 : 0) | (pCentre[i + 1] > nCentre ? 2 : 0) |
+                         (pBelow[i] > nCentre ? 4 : 0) | (*(pCentre + i - 1) > nCentre ? 8 : 0);
+    pOut[i] = pClasses[nPattern];
+  }
+}
+
+}  // namespace MXKernels::Reference

@@ -1,0 +1,100 @@
+// The plain twins of the kernels that treat samples one by one, and the kernels that have no other form.
+#include <algorithm>
+#include <cstring>
+
+#include "MXKernels/Reference.h"
+
+namespace MXKernels {
+
+void LookUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, const uint8_t* pTable) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = pTable[pIn[i]];
+}
+
+void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
+  // Two sets of bins: a run of one value would otherwise wait for its own last store each time.
+  int32_t aOdd[256];
+  std::memset(aOdd, 0, sizeof(aOdd));
+  size_t i = 0;
+  for (; i + 2 <= nCount; i += 2) {
+    ++pBins[pIn[i]];
+    ++aOdd[pIn[i + 1]];
+  }
+  if (i < nCount) ++pBins[pIn[i]];
+  for (int n = 0; n < 256; ++n) pBins[n] += aOdd[n];
+}
+
+void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
+                           const BrightnessDecision& oDecision) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    // Looked up in each case: the choice is then free of branches, which ridges would mispredict.
+    const uint16_t nRoot = oDecision.m_pRoot[pDistance[i]];
+    const uint16_t nInner = pSignal[i] > oDecision.m_nFront ? uint16_t{0} : nRoot;
+    pDistance[i] = pSignal[i] < oDecision.m_nBack ? oDecision.m_nLimit : nInner;
+  }
+}
+
+namespace Reference {
+
+void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pOut[i] = static_cast<uint8_t>(pLit[i] > pDark[i] ? pLit[i] - pDark[i] : 0);
+  }
+}
+
+void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = std::min(std::max(pIn[i], nLower), nUpper);
+}
+
+void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThreshold, uint8_t nBelow,
+                  uint8_t nAbove) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] < nThreshold ? nBelow : nAbove;
+}
+
+void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] == nValue ? 255 : 0;
+}
+
+void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = static_cast<uint8_t>(255 - pIn[i] * pMask[i] / 255);
+}
+
+void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t* pOut, size_t nCount,
+                         uint8_t nValue, uint8_t nMinimum) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const int nResult = pIn[i] * nValue / std::max(pReference[i], nMinimum);
+    pOut[i] = static_cast<uint8_t>(std::min(nResult, 255));
+  }
+}
+
+void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept {
+  for (size_t i = 0; i < nCells; ++i) {
+    int aMean[4];
+    for (int k = 0; k < 4; ++k) aMean[k] = oCells.m_apMean[k][i] + 1;
+    const int nTarget = (aMean[0] + aMean[1] + aMean[2] + aMean[3]) / 4;
+    for (int k = 0; k < 4; ++k) {
+      const size_t nAt = 2 * i + static_cast<size_t>(k & 1);
+      const uint8_t nSample = k < 2 ? oCells.m_pUpper[nAt] : oCells.m_pLower[nAt];
+      const int nResult = (nSample + 1) * nTarget / aMean[k] - 1;
+      uint8_t* pOut = k < 2 ? oCells.m_pOutUpper : oCells.m_pOutLower;
+      pOut[nAt] = static_cast<uint8_t>(std::min(std::max(nResult, 0), 255));
+    }
+  }
+}
+
+void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
+                           size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const int nDifference = pShare[i] - nReference;
+    pDistance[i] = static_cast<uint16_t>(pDistance[i] + nDifference * nDifference / 6);
+  }
+}
+
+void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
+               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pMask[i] = pDistance[i] < nDistanceLimit && pNear[i] * 100 > pFar[i] * nFog ? 255 : 0;
+  }
+}
+
+}  // namespace Reference
+}  // namespace MXKernels

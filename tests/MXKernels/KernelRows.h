@@ -1,0 +1,91 @@
+// What all kernel tests share: levels, row lengths, guarded outputs and a fixed source of samples.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "MXKernels/Level.h"
+#include "MXKernels/Reference.h"
+
+/// Restores the level that was in force.
+class ClLevelGuard {
+ public:
+  ClLevelGuard() : m_eLevel(MXKernels::Level()) {}
+  ~ClLevelGuard() { MXKernels::SetLevel(m_eLevel); }
+  ClLevelGuard(const ClLevelGuard&) = delete;
+  ClLevelGuard& operator=(const ClLevelGuard&) = delete;
+
+ private:
+  MXKernels::ELevel m_eLevel;
+};
+
+/// An output row between guard elements that a kernel must leave alone.
+template <typename T>
+class TpGuardedRow {
+ public:
+  explicit TpGuardedRow(size_t nCount) : m_aData(nCount + 2 * cnGuard, static_cast<T>(cnPattern)) {}
+  /// The row begins as a copy of another one, for kernels that add to it or work in place.
+  explicit TpGuardedRow(const std::vector<T>& aStart) : TpGuardedRow(aStart.size()) {
+    std::copy(aStart.begin(), aStart.end(), Data());
+  }
+
+  T* Data() { return m_aData.data() + cnGuard; }
+  std::vector<T> Row() const { return {m_aData.begin() + cnGuard, m_aData.end() - cnGuard}; }
+  bool GuardsIntact() const {
+    for (size_t i = 0; i < cnGuard; ++i) {
+      if (m_aData[i] != static_cast<T>(cnPattern)) return false;
+      if (m_aData[m_aData.size() - 1 - i] != static_cast<T>(cnPattern)) return false;
+    }
+    return true;
+  }
+
+ private:
+  static constexpr size_t cnGuard = 64;
+  static constexpr unsigned cnPattern = 0xA5;
+  std::vector<T> m_aData;
+};
+
+/// Rows of samples with many extremes; each row is a block of exactly its size, so that a sanitizer
+/// sees every read past it.
+class ClSamples {
+ public:
+  template <typename T>
+  std::vector<T> Row(size_t nCount, unsigned nMax = static_cast<T>(~T{0})) {
+    std::vector<T> aRow(nCount);
+    for (T& nSample : aRow) {
+      const unsigned nKind = m_oRandom() % 8;
+      nSample = static_cast<T>(nKind == 0 ? 0 : nKind == 1 ? nMax : m_oRandom() % (nMax + 1U));
+    }
+    return aRow;
+  }
+  unsigned Number(unsigned nMax) { return static_cast<unsigned>(m_oRandom() % (nMax + 1U)); }
+
+ private:
+  std::mt19937 m_oRandom{20240229};
+};
+
+/// Calls oTest(nCount, oSamples) at every level for counts from 0 to three vectors of 64 and one more.
+template <typename TTest>
+void ForEveryLevelAndTail(TTest oTest) {
+  const ClLevelGuard oGuard;
+  for (int n = 0; n < MXKernels::eLevelCount; ++n) {
+    const auto eLevel = static_cast<MXKernels::ELevel>(n);
+    if (!MXKernels::SetLevel(eLevel)) continue;
+    ClSamples oSamples;
+    for (size_t nCount = 0; nCount <= 3 * 64 + 1 && !testing::Test::HasFailure(); ++nCount) {
+      SCOPED_TRACE(std::string(MXKernels::LevelName(eLevel)) + ", count " + std::to_string(nCount));
+      oTest(nCount, oSamples);
+    }
+  }
+}
+
+template <typename T>
+void ExpectSameAndGuarded(const TpGuardedRow<T>& oActual, const TpGuardedRow<T>& oExpected) {
+  EXPECT_EQ(oActual.Row(), oExpected.Row());
+  EXPECT_TRUE(oActual.GuardsIntact());
+}
