@@ -6,8 +6,9 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include <hwy/highway.h>
 #include "KernelTargets.h"
+
+#include <hwy/highway.h>
 
 namespace MXKernels {
 namespace {
