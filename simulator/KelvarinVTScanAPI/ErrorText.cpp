@@ -1,0 +1,52 @@
+// The scan library's texts of its numbers.
+#include "KelvarinVTScanAPI/VTScanAPI.h"
+
+namespace {
+
+struct ClText {
+  long nNumber;
+  const char* szText;
+  const wchar_t* wszText;
+};
+
+#define VTSIM_TEXT(nNumber, szText) \
+  { nNumber, szText, L##szText }
+
+constexpr ClText g_caTexts[] = {
+    VTSIM_TEXT(0, "No error."),
+    VTSIM_TEXT(-2, "The library is not initialized."),
+    VTSIM_TEXT(-43, "The handle is no open device."),
+    VTSIM_TEXT(-44, "A parameter is invalid."),
+    VTSIM_TEXT(-47, "The property can't be set."),
+    VTSIM_TEXT(-50, "The call is not possible in the present state."),
+    VTSIM_TEXT(-60, "The device is disconnected or does not answer."),
+    VTSIM_TEXT(-61, "The device can't be opened."),
+    VTSIM_TEXT(-101, "Internal error."),
+    VTSIM_TEXT(-102, "Out of memory."),
+    VTSIM_TEXT(-200, "The file can't be opened."),
+    VTSIM_TEXT(-203, "The file can't be read."),
+    VTSIM_TEXT(-206, "The name is unknown."),
+    VTSIM_TEXT(-701, "A pointer is NULL."),
+    VTSIM_TEXT(-702, "The given size is too small."),
+};
+constexpr ClText g_coUnknown = VTSIM_TEXT(1, "Unknown error code.");
+
+const ClText& Find(long nNumber) {
+  for (const ClText& oText : g_caTexts)
+    if (oText.nNumber == nNumber) return oText;
+  return g_coUnknown;
+}
+
+}  // namespace
+
+extern "C" {
+
+// The interface hands out writable pointers by its type; nobody may write through them.
+char* VTScanAPIGetErrorDescriptionA(long nError) {
+  return const_cast<char*>(Find(nError).szText);
+}
+wchar_t* VTScanAPIGetErrorDescriptionW(long nError) {
+  return const_cast<wchar_t*>(Find(nError).wszText);
+}
+
+}  // extern "C"

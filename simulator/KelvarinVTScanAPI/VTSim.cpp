@@ -1,0 +1,188 @@
+// The exported functions of the control side.
+#include "KelvarinVTScanAPI/VTSim.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "KelvarinVTScanAPI/Guard.h"
+#include "scene/Platen.h"
+
+using namespace Simulator;
+
+namespace {
+
+template <class F>
+long On(const char* szSerial, F&& fnOperation) noexcept {
+  return Guarded([&] {
+    const ClBus::ScannerPointer pScanner = ClBus::Get().BySerial(szSerial);
+    fnOperation(*pScanner);
+  });
+}
+
+void NeedTime(double dSeconds) {
+  if (!(dSeconds >= 0.0 && dSeconds <= 1e6))
+    throw ClSimError(eBadValue, "a time lies between 0 and 1000000 seconds");
+}
+
+}  // namespace
+
+extern "C" {
+
+const char* VTSimLastError(void) {
+  return GetLastErrorText();
+}
+
+long VTSimLoadScene(const char* szScene) {
+  return Guarded([&] {
+    NeedPointer(szScene);
+    ClBus::Get().LoadScene(szScene);
+  });
+}
+
+long VTSimReset(void) {
+  return Guarded([] { ClBus::Get().Reset(); });
+}
+
+long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture, unsigned char* pMask,
+                         unsigned int* pnSize) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pnSize);
+    const unsigned nRoom = *pnSize;
+    *pnSize = VTSIM_PICTURE_SIDE * VTSIM_PICTURE_SIDE;
+    if (nRoom < *pnSize)
+      throw ClSimError(eTooSmall, "the picture has " + std::to_string(*pnSize) + " pixels");
+    NeedPointer(pPicture);
+    oScanner.GroundTruth(pPicture, pMask);
+  });
+}
+
+long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX, double* pdSensorY) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pdSensorX);
+    NeedPointer(pdSensorY);
+    if (!std::isfinite(dX) || !std::isfinite(dY)) throw ClSimError(eBadValue, "the point is not finite");
+    const ClPoint oPoint = oScanner.PictureToSensor(dX, dY);
+    *pdSensorX = oPoint.dX;
+    *pdSensorY = oPoint.dY;
+  });
+}
+
+long VTSimGetState(const char* szSerial, VTSimState* pState) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pState);
+    if (pState->nStructSize != sizeof(VTSimState)) throw ClSimError(eBadValue, "nStructSize is wrong");
+    oScanner.State(*pState);
+  });
+}
+
+long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    const std::vector<VTSimBeep> aBeeps = oScanner.Beeps();
+    HandOut(aBeeps.data(), aBeeps.size(), pBeeps, pnCount);
+  });
+}
+
+long VTSimAdvance(const char* szSerial, double dSeconds) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dSeconds);
+    oScanner.Advance(dSeconds);
+  });
+}
+
+long VTSimUnplug(const char* szSerial) {
+  return On(szSerial, [](ClScanner& oScanner) { oScanner.SetPlugged(false); });
+}
+
+long VTSimPlug(const char* szSerial) {
+  return On(szSerial, [](ClScanner& oScanner) { oScanner.SetPlugged(true); });
+}
+
+long VTSimUnplugAt(const char* szSerial, double dTime) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    oScanner.PlanPlug(dTime, false);
+  });
+}
+
+long VTSimPlugAt(const char* szSerial, double dTime) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    oScanner.PlanPlug(dTime, true);
+  });
+}
+
+long VTSimSetEpromFile(const char* szSerial, const char* szName, const void* pData, unsigned int nSize) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(szName);
+    const auto* pBytes = static_cast<const uint8_t*>(pData);
+    const ByteBlock aData(pBytes, pData ? pBytes + nSize : pBytes);
+    oScanner.SetEprom(szName, pData ? &aData : nullptr);
+  });
+}
+
+long VTSimRestoreEpromFile(const char* szSerial, const char* szName) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(szName);
+    oScanner.RestoreEprom(szName);
+  });
+}
+
+long VTSimSetDeviceVersion(const char* szSerial, const char* szVersion) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(szVersion);
+    oScanner.SetVersion(szVersion);
+  });
+}
+
+long VTSimSetLibraryVersion(const char* szVersion) {
+  return Guarded([&] {
+    NeedPointer(szVersion);
+    ClBus::Get().SetLibraryVersion(szVersion);
+  });
+}
+
+long VTSimHoldSequences(const char* szSerial, int bHold) {
+  return On(szSerial, [&](ClScanner& oScanner) { oScanner.Hold(bHold != 0); });
+}
+
+long VTSimPassSequences(const char* szSerial, unsigned int nCount) {
+  return On(szSerial, [&](ClScanner& oScanner) { oScanner.Pass(nCount); });
+}
+
+long VTSimDelaySequence(const char* szSerial, unsigned int nMilliseconds) {
+  return On(szSerial, [&](ClScanner& oScanner) { oScanner.Delay(nMilliseconds); });
+}
+
+long VTSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRepeat, long nResult) {
+  return Guarded([&] {
+    NeedPointer(szFunction);
+    if (nFirst == 0) throw ClSimError(eBadValue, "calls are counted from 1");
+    ClBus::Get().Faults().FailCall(szFunction, nFirst, nRepeat, nResult);
+  });
+}
+
+long VTSimFailRandomly(const char* szFunction, unsigned long long nSeed, double dProbability, long nResult) {
+  return Guarded([&] {
+    if (!(dProbability >= 0.0 && dProbability <= 1.0))
+      throw ClSimError(eBadValue, "a probability lies between 0 and 1");
+    ClBus::Get().Faults().FailRandomly(szFunction ? szFunction : "*", nSeed, dProbability, nResult);
+  });
+}
+
+long VTSimClearFaults(void) {
+  return Guarded([] { ClBus::Get().ClearFaults(); });
+}
+
+long VTSimGetFaultLog(char* pszLog, unsigned int* pnSize) {
+  return Guarded([&] { HandOutText(ClBus::Get().Faults().Log(), pszLog, pnSize); });
+}
+
+long VTSimGetCallCount(const char* szFunction, unsigned long long* pnCount) {
+  return Guarded([&] {
+    NeedPointer(szFunction);
+    NeedPointer(pnCount);
+    *pnCount = ClBus::Get().Faults().CallCount(szFunction);
+  });
+}
+
+}  // extern "C"

@@ -1,0 +1,135 @@
+/* The control side of the simulated scanner: scenes, ground truth, what the host has set, and faults.
+ *
+ * Plain C; usable from a program that opens the simulated scan library with dlopen and looks the functions
+ * up. All functions are thread-safe and may be called before the scan library is initialised. They answer 0
+ * for success and a negative number otherwise; VTSimLastError tells the reason in words.
+ *
+ * szSerial names a scanner of the scene; NULL is the first one. Times are seconds on the scanner's own time
+ * line, which stands at 0 until its capture is first enabled. With the pacing "real" it then runs with the
+ * clock; with the pacing "consumer" each delivered sequence moves it on by the time that sequence takes.
+ */
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#define VTSIM_API __attribute__((visibility("default")))
+#else
+#define VTSIM_API
+#endif
+
+/* Side of the ground-truth picture in pixels; it has 19685 pels per metre (500 dots per inch). */
+#define VTSIM_PICTURE_SIDE 1600
+
+/* What the host has set on one scanner and what it has got from it. */
+typedef struct VTSimState {
+  unsigned int nStructSize;      /* in: sizeof(VTSimState) */
+  int bPlugged;                  /* 1 while the scanner hangs on the bus */
+  int bOpen;                     /* 1 while a device handle exists */
+  int bCaptureEnabled;           /* last VTScanAPIEnableCapture */
+  int nSensorMode;               /* 0 when no mode is set or the last change failed */
+  unsigned int nPlanes;          /* planes of a sequence; 0 when none is defined */
+  unsigned int nExposure;        /* VSYNC length */
+  unsigned int anGain[3];        /* channel gains */
+  unsigned int nIllumination;    /* last VTScanAPISetLEDEx or VTScanAPISetLED */
+  unsigned long long nStatusLed; /* status LED word */
+  unsigned int nStatusWrites;    /* how often the status LED word was written */
+  unsigned long long nSequences; /* sequences handed out since the scene was loaded */
+  unsigned int nLockedSequences; /* sequences handed out and not given back */
+  unsigned int nBeeps;           /* beeps since the scene was loaded */
+  double dTime;                  /* the scanner's time line now */
+} VTSimState;
+
+/* One call of VTScanAPIBeep. */
+typedef struct VTSimBeep {
+  double dTime;
+  unsigned int nArg1;
+  unsigned int nArg2;
+} VTSimBeep;
+
+/* Why the last failing call of this thread failed; "" when there was none. Valid until the thread's next
+ * call. */
+VTSIM_API const char* VTSimLastError(void);
+
+/* Loads a scene: the name of a built-in one, the path of a JSON file, or JSON text (first character '{').
+ * Open handles of scanners whose serial is in the new scene stay good and show the new scene from time 0;
+ * other scanners count as unplugged. Faults of the old scene are forgotten. A scene that can't be read
+ * changes nothing. A loaded scene holds until the next load or VTSimReset; without one, VTScanAPIInitialize
+ * reads the environment variable KELVARIN_VTSIM_SCENE. */
+VTSIM_API long VTSimLoadScene(const char* szScene);
+
+/* Forgets the loaded scene and all faults, unplugs what is open, and starts afresh from the environment. */
+VTSIM_API long VTSimReset(void);
+
+/* The ideal picture of what lies on the platen at the moment of the last sequence: black ridges on white,
+ * right way round, VTSIM_PICTURE_SIDE squared pixels. pMask (may be NULL) gets 255 where skin is near the
+ * glass and 0 elsewhere. *pnSize: in, the room of each buffer; out, the need. -702 when the room is too
+ * small. */
+VTSIM_API long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture, unsigned char* pMask,
+                                   unsigned int* pnSize);
+
+/* Where a point of the ground-truth picture falls on the full sensor (3840 x 2720), in pixels; whole numbers
+ * are pixel centres on both sides. */
+VTSIM_API long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX,
+                                    double* pdSensorY);
+
+VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
+
+/* Copies the latest beeps, oldest first (the scanner remembers 256). *pnCount: in, the room; out, the number.
+ */
+VTSIM_API long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCount);
+
+/* Moves the scanner's time line on. */
+VTSIM_API long VTSimAdvance(const char* szSerial, double dSeconds);
+
+/* Takes a scanner off the bus or puts it back, now or at a time of its time line (a bus time: it is looked at
+ * in every call on the scanner). A handle that was open when the scanner went stays dead after it is back. */
+VTSIM_API long VTSimUnplug(const char* szSerial);
+VTSIM_API long VTSimPlug(const char* szSerial);
+VTSIM_API long VTSimUnplugAt(const char* szSerial, double dTime);
+VTSIM_API long VTSimPlugAt(const char* szSerial, double dTime);
+
+/* Replaces a file of the scanner's EEPROM by nSize bytes; pData NULL takes the file away. Restore brings the
+ * scanner's own file back. */
+VTSIM_API long VTSimSetEpromFile(const char* szSerial, const char* szName, const void* pData,
+                                 unsigned int nSize);
+VTSIM_API long VTSimRestoreEpromFile(const char* szSerial, const char* szName);
+
+/* Version texts, any: of one device (VTScanAPIGetVersion) and of the library (properties "version",
+ * "Version"). */
+VTSIM_API long VTSimSetDeviceVersion(const char* szSerial, const char* szVersion);
+VTSIM_API long VTSimSetLibraryVersion(const char* szVersion);
+
+/* Holds back all further sequences (bHold not 0) or lets them flow again. While they are held,
+ * VTSimPassSequences lets nCount of them through. */
+VTSIM_API long VTSimHoldSequences(const char* szSerial, int bHold);
+VTSIM_API long VTSimPassSequences(const char* szSerial, unsigned int nCount);
+
+/* The next sequence comes nMilliseconds later than it would. */
+VTSIM_API long VTSimDelaySequence(const char* szSerial, unsigned int nMilliseconds);
+
+/* Calls nFirst to nFirst + nRepeat - 1 of a scan-library function, counted from 1 from now on, do nothing and
+ * answer nResult. nRepeat 0: all from nFirst on. */
+VTSIM_API long VTSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRepeat, long nResult);
+
+/* From now on each call fails with the given probability and answers nResult; szFunction NULL means any
+ * function that takes a device handle. The choice follows from seed, function and the number of the call
+ * alone. */
+VTSIM_API long VTSimFailRandomly(const char* szFunction, unsigned long long nSeed, double dProbability,
+                                 long nResult);
+
+/* Forgets call faults, random faults and planned plugging; held sequences flow. Swapped EEPROM files stay. */
+VTSIM_API long VTSimClearFaults(void);
+
+/* What was injected, one line each, since the scene was loaded. *pnSize: in, the room; out, the need with the
+ * terminating zero. -702 when the room is too small. */
+VTSIM_API long VTSimGetFaultLog(char* pszLog, unsigned int* pnSize);
+
+/* How often a scan-library function was called since the scene was loaded. */
+VTSIM_API long VTSimGetCallCount(const char* szFunction, unsigned long long* pnCount);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,62 @@
+// The scenes that need no file.
+#include "scene/BuiltInScenes.h"
+
+namespace Simulator {
+namespace {
+
+struct ClRow {
+  const char* szScene;
+  uint64_t nSeed;
+  EPattern ePattern;
+  double dWidth, dHeight;  // of the print
+  double dX, dY, dAngle;   // place of its middle; the tip leans to the left for positive angles
+};
+
+// Right hands have the index finger on the left of the picture, left hands on the right; slanted loops run
+// out towards the little finger. Places follow a relaxed hand.
+constexpr ClRow g_caRows[] = {
+    {"finger", 11, ePatternWhorl, 16.5, 23.0, 40.6, 40.6, 0.0},
+    {"slap-right", 21, ePatternRightLoop, 15.4, 22.0, 14.5, 42.5, -2.0},
+    {"slap-right", 22, ePatternWhorl, 16.2, 23.5, 33.2, 27.5, 2.0},
+    {"slap-right", 23, ePatternWhorl, 15.6, 22.5, 51.0, 31.0, 7.0},
+    {"slap-right", 24, ePatternRightLoop, 13.2, 19.5, 68.5, 48.5, 13.0},
+    {"slap-left", 34, ePatternLeftLoop, 13.2, 19.5, 12.8, 48.5, -13.0},
+    {"slap-left", 33, ePatternWhorl, 15.6, 22.5, 30.3, 31.0, -7.0},
+    {"slap-left", 32, ePatternLeftLoop, 16.2, 23.5, 48.1, 27.5, -2.0},
+    {"slap-left", 31, ePatternArch, 15.4, 22.0, 66.8, 42.5, 2.0},
+    {"thumbs", 41, ePatternLeftLoop, 19.5, 27.0, 27.5, 41.0, -6.0},
+    {"thumbs", 42, ePatternWhorl, 19.5, 27.0, 53.8, 41.0, 6.0},
+};
+
+constexpr const char* g_caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
+
+}  // namespace
+
+bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
+  bool bFound = false;
+  for (const char* szName : g_caszNames) bFound = bFound || sName == szName;
+  if (!bFound) return false;
+  oScene = ClSceneDescription();
+  oScene.aScanners.emplace_back();
+  for (const ClRow& oRow : g_caRows) {
+    if (sName != oRow.szScene) continue;
+    ClFingerDescription oFinger;
+    oFinger.oPrint.nSeed = oRow.nSeed;
+    oFinger.oPrint.ePattern = oRow.ePattern;
+    oFinger.oPrint.dWidthMm = oRow.dWidth;
+    oFinger.oPrint.dHeightMm = oRow.dHeight;
+    oFinger.dXMm = oRow.dX;
+    oFinger.dYMm = oRow.dY;
+    oFinger.dAngle = oRow.dAngle;
+    oScene.aScanners[0].aFingers.push_back(oFinger);
+  }
+  return true;
+}
+
+std::string BuiltInSceneNames() {
+  std::string sNames;
+  for (const char* szName : g_caszNames) sNames += (sNames.empty() ? "" : ", ") + std::string(szName);
+  return sNames;
+}
+
+}  // namespace Simulator

@@ -1,0 +1,130 @@
+// A finger on the platen: laid down, pressed on, lifted.
+#include "scene/FingerContent.h"
+
+#include <cmath>
+
+#include "scene/PrintCache.h"
+#include "scene/Random.h"
+
+namespace Simulator {
+namespace {
+
+// A finger takes a quarter of a second to lie down fully and less to come off.
+constexpr double g_cdTouchSeconds = 0.25;
+constexpr double g_cdLiftSeconds = 0.15;
+constexpr int g_cnSteps = 16;
+
+// The place at which the pressed-on area ends under ordinary pressure, on the scale of ClPrint::oDepth.
+constexpr double g_cdOrdinaryPressure = 0.6;
+constexpr double g_cdOrdinaryEdge = 61.0;
+
+/// Bilinear sample in 1/256 steps; 0 outside.
+int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
+  const int nX = nX256 >> 8, nY = nY256 >> 8;
+  if (nX < 0 || nY < 0 || nX >= oPlane.Width() || nY >= oPlane.Height()) return 0;
+  const int nRight = nX + 1 < oPlane.Width() ? 1 : 0;
+  const int nBelow = nY + 1 < oPlane.Height() ? oPlane.Width() : 0;
+  const uint8_t* p = oPlane.Row(nY) + nX;
+  const int nA = nX256 & 255, nB = nY256 & 255;
+  const int nTop = p[0] * (256 - nA) + p[nRight] * nA;
+  const int nLow = p[nBelow] * (256 - nA) + p[nBelow + nRight] * nA;
+  return (nTop * (256 - nB) + nLow * nB + 32768) >> 16;
+}
+
+/// What pressure makes of the print: a table from skin height to contact, and the edge of the pressed-on
+/// area.
+struct ClPress {
+  ClPress(const ClPrint& oPrint, double dPressure) {
+    const double dBias = (dPressure - g_cdOrdinaryPressure) * 90.0;
+    for (int i = 0; i < g_cnHeights; ++i) {
+      // Heights below 0 are those that dryness has taken down.
+      const double dContact = 128.0 + (i - g_cnSunken - 128.0 + dBias) * oPrint.dSlope;
+      aContact[i] = static_cast<uint8_t>(std::clamp(dContact, 0.0, 255.0));
+    }
+    const double dEdge = g_cdOrdinaryEdge + (g_cdOrdinaryPressure - dPressure) * 150.0;
+    for (int i = 0; i < 256; ++i) {
+      const double dIn = std::clamp((i - dEdge + 14.0) / 28.0, 0.0, 1.0);
+      aCover[i] = static_cast<uint8_t>(i == 0 ? 0.0 : 255.0 * dIn * dIn * (3.0 - 2.0 * dIn));
+    }
+  }
+
+  static constexpr int g_cnSunken = 128;
+  static constexpr int g_cnHeights = 256 + g_cnSunken;
+  uint8_t aContact[g_cnHeights];
+  uint8_t aCover[256];
+};
+
+/// Dry skin touches in patches: a fixed texture of 64 by 64 values, repeated.
+class ClDryness {
+ public:
+  ClDryness(uint64_t nSeed, double dDryness) : m_aSink(64 * 64) {
+    ClRandom oRandom(Mix(nSeed, 0x447279));
+    for (int8_t& nSink : m_aSink) {
+      const double d = oRandom.Uniform();
+      nSink = static_cast<int8_t>(std::min(127.0, dDryness * 190.0 * d * d * d));
+    }
+  }
+  int At(int nX, int nY) const {
+    return m_aSink[static_cast<size_t>(((nY >> 1) & 63) * 64 + ((nX >> 1) & 63))];
+  }
+
+ private:
+  std::vector<int8_t> m_aSink;
+};
+
+}  // namespace
+
+ClFingerContent::ClFingerContent(const ClFingerDescription& oDescription)
+    : m_oDescription(oDescription), m_pPrint(GetPrint(oDescription.oPrint)) {}
+
+int ClFingerContent::StepAt(double dSeconds) const {
+  double dDown = 1.0;
+  if (m_oDescription.dTouch >= 0.0)
+    dDown = std::min(dDown, (dSeconds - m_oDescription.dTouch) / g_cdTouchSeconds);
+  if (m_oDescription.dLift < g_cdNever)
+    dDown = std::min(dDown, 1.0 - (dSeconds - m_oDescription.dLift) / g_cdLiftSeconds);
+  return static_cast<int>(std::ceil(std::clamp(dDown, 0.0, 1.0) * g_cnSteps));
+}
+
+uint64_t ClFingerContent::StateAt(double dSeconds) const {
+  return static_cast<uint64_t>(StepAt(dSeconds));
+}
+
+void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
+  const int nStep = StepAt(dSeconds);
+  if (nStep == 0) return;
+  const double dDown = static_cast<double>(nStep) / g_cnSteps;
+  const ClPress oPress(*m_pPrint, nStep == g_cnSteps
+                                      ? m_oDescription.dPressure
+                                      : m_oDescription.dPressure * (0.4 + 0.6 * dDown) - 0.4 * (1.0 - dDown));
+  const ClDryness oDry(m_oDescription.oPrint.nSeed, m_oDescription.dDryness);
+  const TpPlane<uint8_t>& oRidge = m_pPrint->oRidge;
+  const double dTurn = m_oDescription.dAngle * 3.14159265358979323846 / 180.0;
+  const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
+  const double dMidX = MmToPixel(m_oDescription.dXMm), dMidY = MmToPixel(m_oDescription.dYMm);
+  const double dHalfX = 0.5 * (oRidge.Width() * std::fabs(dCos) + oRidge.Height() * std::fabs(dSin)) + 1.0;
+  const double dHalfY = 0.5 * (oRidge.Width() * std::fabs(dSin) + oRidge.Height() * std::fabs(dCos)) + 1.0;
+  const int nLeft = std::max(0, static_cast<int>(std::floor(dMidX - dHalfX)));
+  const int nRight = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidX + dHalfX)) + 1);
+  const int nTop = std::max(0, static_cast<int>(std::floor(dMidY - dHalfY)));
+  const int nEnd = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
+  for (int y = nTop; y < nEnd; ++y) {
+    uint8_t* pContact = oMap.oContact.Row(y);
+    uint8_t* pCover = oMap.oCover.Row(y);
+    for (int x = nLeft; x < nRight; ++x) {
+      // Back from the platen into the print: a turn the other way, y running down.
+      const double dX = (x - dMidX) * dCos - (y - dMidY) * dSin + 0.5 * (oRidge.Width() - 1);
+      const double dY = (x - dMidX) * dSin + (y - dMidY) * dCos + 0.5 * (oRidge.Height() - 1);
+      const int nX256 = static_cast<int>(std::floor(dX * 256.0 + 0.5));
+      const int nY256 = static_cast<int>(std::floor(dY * 256.0 + 0.5));
+      const int nCover = oPress.aCover[Sample(m_pPrint->oDepth, nX256, nY256)];
+      if (nCover == 0) continue;
+      const int nHeight = Sample(oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
+      const int nContact = oPress.aContact[nHeight + ClPress::g_cnSunken] * nCover / 255;
+      pContact[x] = std::max(pContact[x], static_cast<uint8_t>(nContact));
+      pCover[x] = std::max(pCover[x], static_cast<uint8_t>(nCover));
+    }
+  }
+}
+
+}  // namespace Simulator

@@ -1,0 +1,26 @@
+// A finger on the platen: laid down, pressed on, lifted.
+#pragma once
+
+#include "scene/PlatenContent.h"
+#include "scene/Print.h"
+#include "scene/SceneDescription.h"
+
+namespace Simulator {
+
+class ClFingerContent : public ClPlatenContent {
+ public:
+  /// Errors     those of GetPrint.
+  explicit ClFingerContent(const ClFingerDescription& oDescription);
+
+  uint64_t StateAt(double dSeconds) const override;
+  void Draw(double dSeconds, ClPlatenMap& oMap) const override;
+
+ private:
+  /// How far the finger is down, in [0, g_cnSteps].
+  int StepAt(double dSeconds) const;
+
+  ClFingerDescription m_oDescription;
+  PrintPointer m_pPrint;
+};
+
+}  // namespace Simulator

@@ -1,0 +1,40 @@
+// The platen: its measures, and the map of what touches it.
+#pragma once
+
+#include <cstdint>
+
+#include "scene/Plane.h"
+
+namespace Simulator {
+
+/// Side of the square platen and of its picture. The picture is what a caller of the scanner should see:
+/// right way round, x from left to right, y from top to bottom, 500 dots per inch.
+constexpr double g_cdPlatenMm = 81.28;
+constexpr int g_cnPictureSide = 1600;
+constexpr double g_cdPixelMm = g_cdPlatenMm / g_cnPictureSide;
+
+/// Millimetres from the left or top edge to pixels, whole numbers being pixel centres.
+constexpr double MmToPixel(double dMm) {
+  return dMm / g_cdPixelMm - 0.5;
+}
+
+/// What lies on the glass at one moment, at picture resolution.
+///
+/// oContact   255 where skin touches the glass, 0 where it doesn't, values between on the flanks of ridges.
+/// oCover     255 where skin is close to the glass, valleys included, 0 where there is none.
+struct ClPlatenMap {
+  TpPlane<uint8_t> oContact;
+  TpPlane<uint8_t> oCover;
+
+  void Clear() {
+    if (oContact.Empty()) {
+      oContact.Resize(g_cnPictureSide, g_cnPictureSide);
+      oCover.Resize(g_cnPictureSide, g_cnPictureSide);
+      return;
+    }
+    oContact.Fill(0);
+    oCover.Fill(0);
+  }
+};
+
+}  // namespace Simulator

@@ -1,0 +1,24 @@
+// The one question that the optics put to a scene: what lies on the platen at a time?
+#pragma once
+
+#include <cstdint>
+
+#include "scene/Platen.h"
+
+namespace Simulator {
+
+/// Something that can lie on the platen: fingers, and whatever else a scene may know.
+///
+/// Threads    const operations are thread-safe.
+class ClPlatenContent {
+ public:
+  virtual ~ClPlatenContent() = default;
+
+  /// Two times with the same number show the same picture, so that it needn't be drawn again.
+  virtual uint64_t StateAt(double dSeconds) const = 0;
+
+  /// Adds what lies there at that time to the map.
+  virtual void Draw(double dSeconds, ClPlatenMap& oMap) const = 0;
+};
+
+}  // namespace Simulator

@@ -1,0 +1,24 @@
+// All that lies on one platen.
+#include "scene/PlatenScene.h"
+
+#include "scene/FingerContent.h"
+#include "scene/Random.h"
+
+namespace Simulator {
+
+ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
+  for (const ClFingerDescription& oFinger : oScanner.aFingers)
+    m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
+}
+
+uint64_t ClPlatenScene::StateAt(double dSeconds) const {
+  uint64_t nState = m_aContent.size();
+  for (const auto& pContent : m_aContent) nState = Mix(nState, pContent->StateAt(dSeconds));
+  return nState;
+}
+
+void ClPlatenScene::Draw(double dSeconds, ClPlatenMap& oMap) const {
+  for (const auto& pContent : m_aContent) pContent->Draw(dSeconds, oMap);
+}
+
+}  // namespace Simulator

@@ -1,0 +1,26 @@
+// All that lies on one platen.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "scene/PlatenContent.h"
+#include "scene/SceneDescription.h"
+
+namespace Simulator {
+
+/// Threads    const operations are thread-safe.
+class ClPlatenScene : public ClPlatenContent {
+ public:
+  ClPlatenScene() = default;
+  /// Errors     those of GetPrint.
+  explicit ClPlatenScene(const ClScannerDescription& oScanner);
+
+  uint64_t StateAt(double dSeconds) const override;
+  void Draw(double dSeconds, ClPlatenMap& oMap) const override;
+
+ private:
+  std::vector<std::unique_ptr<const ClPlatenContent>> m_aContent;
+};
+
+}  // namespace Simulator

@@ -1,0 +1,37 @@
+// Keeps the prints that a process has made, so that scenes that share them pay once.
+#include "scene/PrintCache.h"
+
+#include <map>
+#include <mutex>
+#include <tuple>
+
+#include "scene/PrintFile.h"
+#include "scene/PrintGenerator.h"
+
+namespace Simulator {
+namespace {
+
+using Key = std::tuple<std::string, uint64_t, int, double, double, double, double>;
+
+Key KeyOf(const ClPrintSpecification& o) {
+  if (!o.sFile.empty()) return Key(o.sFile, 0, 0, 0.0, 0.0, 0.0, 0.0);
+  return Key("", o.nSeed, o.ePattern, o.dWidthMm, o.dHeightMm, o.dRidgePeriodMm, o.dPores);
+}
+
+}  // namespace
+
+PrintPointer GetPrint(const ClPrintSpecification& oSpecification) {
+  static std::mutex s_oMutex;
+  static std::map<Key, std::weak_ptr<const ClPrint>> s_mapPrints;
+  std::lock_guard<std::mutex> oLock(s_oMutex);
+  std::weak_ptr<const ClPrint>& pWeak = s_mapPrints[KeyOf(oSpecification)];
+  PrintPointer pPrint = pWeak.lock();
+  if (!pPrint) {
+    pPrint = std::make_shared<const ClPrint>(
+        oSpecification.sFile.empty() ? GeneratePrint(oSpecification) : ReadPrintFile(oSpecification.sFile));
+    pWeak = pPrint;
+  }
+  return pPrint;
+}
+
+}  // namespace Simulator

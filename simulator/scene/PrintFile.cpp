@@ -1,0 +1,142 @@
+// Reads a print from a PNG file.
+#include "scene/PrintFile.h"
+
+#include <png.h>
+
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include "scene/Platen.h"
+#include "scene/SimError.h"
+
+namespace Simulator {
+namespace {
+
+constexpr uint32_t g_cnLargestSide = 4096;
+
+struct ClFileCloser {
+  void operator()(std::FILE* pFile) const { std::fclose(pFile); }
+};
+
+/// Pixels per metre that the file tells, 19685 when it tells none.
+double PelsOf(png_structp pPng, png_infop pInfo) {
+  const png_uint_32 nPels = png_get_x_pixels_per_meter(pPng, pInfo);
+  return nPels >= 3000 && nPels <= 80000 ? static_cast<double>(nPels) : 19685.0;
+}
+
+class ClPngReader {
+ public:
+  explicit ClPngReader(const std::string& sPath) : m_sPath(sPath) {}
+  ClPngReader(const ClPngReader&) = delete;
+  ClPngReader& operator=(const ClPngReader&) = delete;
+  ~ClPngReader() { png_destroy_read_struct(&m_pPng, &m_pInfo, nullptr); }
+
+  TpPlane<uint8_t> Read(double& dPels) {
+    std::unique_ptr<std::FILE, ClFileCloser> pFile(std::fopen(m_sPath.c_str(), "rb"));
+    if (!pFile) throw ClSimError(eFileOpen, "can't open print file \"" + m_sPath + "\"");
+    m_pPng =
+        png_create_read_struct(PNG_LIBPNG_VER_STRING, this, &ClPngReader::OnError, &ClPngReader::OnWarning);
+    if (m_pPng) m_pInfo = png_create_info_struct(m_pPng);
+    if (!m_pInfo) throw ClSimError(eOutOfMemory, "no memory for reading \"" + m_sPath + "\"");
+    png_init_io(m_pPng, pFile.get());
+    png_set_user_limits(m_pPng, g_cnLargestSide, g_cnLargestSide);
+    png_read_info(m_pPng, m_pInfo);
+    const png_uint_32 nWidth = png_get_image_width(m_pPng, m_pInfo);
+    const png_uint_32 nHeight = png_get_image_height(m_pPng, m_pInfo);
+    dPels = PelsOf(m_pPng, m_pInfo);
+    ToGrey();
+    TpPlane<uint8_t> oGrey(static_cast<int>(nWidth), static_cast<int>(nHeight));
+    if (png_get_rowbytes(m_pPng, m_pInfo) != nWidth)
+      throw ClSimError(eFileRead, "print file \"" + m_sPath + "\" has a pixel format that can't be read");
+    std::vector<png_bytep> aRows(nHeight);
+    for (png_uint_32 y = 0; y < nHeight; ++y) aRows[y] = oGrey.Row(static_cast<int>(y));
+    png_read_image(m_pPng, aRows.data());
+    return oGrey;
+  }
+
+ private:
+  void ToGrey() {
+    png_set_expand(m_pPng);
+    png_set_scale_16(m_pPng);
+    png_color_16 oWhite{0, 255, 255, 255, 255};
+    png_set_background(m_pPng, &oWhite, PNG_BACKGROUND_GAMMA_SCREEN, 0, 1.0);
+    if (png_get_color_type(m_pPng, m_pInfo) & PNG_COLOR_MASK_COLOR)
+      png_set_rgb_to_gray_fixed(m_pPng, 1, -1, -1);
+    png_set_interlace_handling(m_pPng);
+    png_read_update_info(m_pPng, m_pInfo);
+  }
+
+  // Errors leave libpng as C++ exceptions; Debian builds it with unwind tables.
+  [[noreturn]] static void OnError(png_structp pPng, png_const_charp szText) {
+    const auto* pThis = static_cast<const ClPngReader*>(png_get_error_ptr(pPng));
+    throw ClSimError(eFileRead, "can't read print file \"" + pThis->m_sPath + "\": " + szText);
+  }
+  static void OnWarning(png_structp, png_const_charp) {}
+
+  std::string m_sPath;
+  png_structp m_pPng = nullptr;
+  png_infop m_pInfo = nullptr;
+};
+
+/// Mean darkness in a square window, by running sums over rows, then columns; the window is cut at the
+/// borders.
+TpPlane<uint8_t> BoxMean(const TpPlane<uint8_t>& oIn, int nReach) {
+  TpPlane<uint8_t> oRows(oIn.Width(), oIn.Height()), oOut(oIn.Width(), oIn.Height());
+  const auto Run = [nReach](const uint8_t* pIn, uint8_t* pOut, int nCount, ptrdiff_t nStep) {
+    int nSum = 0, nHeld = 0;
+    for (int i = -nReach; i < nCount; ++i) {
+      if (i + nReach < nCount) nSum += pIn[(i + nReach) * nStep], ++nHeld;
+      if (i - nReach - 1 >= 0) nSum -= pIn[(i - nReach - 1) * nStep], --nHeld;
+      if (i >= 0) pOut[i * nStep] = static_cast<uint8_t>(nSum / nHeld);
+    }
+  };
+  for (int y = 0; y < oIn.Height(); ++y) Run(oIn.Row(y), oRows.Row(y), oIn.Width(), 1);
+  for (int x = 0; x < oIn.Width(); ++x) Run(oRows.Data() + x, oOut.Data() + x, oIn.Height(), oIn.Width());
+  return oOut;
+}
+
+TpPlane<uint8_t> Rescale(const TpPlane<uint8_t>& oIn, double dFactor) {
+  const int nWidth = std::max(1, static_cast<int>(std::lround(oIn.Width() * dFactor)));
+  const int nHeight = std::max(1, static_cast<int>(std::lround(oIn.Height() * dFactor)));
+  TpPlane<uint8_t> oOut(nWidth, nHeight);
+  for (int y = 0; y < nHeight; ++y) {
+    const double dY = std::clamp((y + 0.5) / dFactor - 0.5, 0.0, oIn.Height() - 1.0);
+    const int nY = std::min(static_cast<int>(dY), std::max(0, oIn.Height() - 2));
+    const int nBelow = std::min(nY + 1, oIn.Height() - 1);
+    for (int x = 0; x < nWidth; ++x) {
+      const double dX = std::clamp((x + 0.5) / dFactor - 0.5, 0.0, oIn.Width() - 1.0);
+      const int nX = std::min(static_cast<int>(dX), std::max(0, oIn.Width() - 2));
+      const int nRight = std::min(nX + 1, oIn.Width() - 1);
+      const double dA = dX - nX, dB = dY - nY;
+      const double dTop = oIn.At(nX, nY) * (1.0 - dA) + oIn.At(nRight, nY) * dA;
+      const double dLow = oIn.At(nX, nBelow) * (1.0 - dA) + oIn.At(nRight, nBelow) * dA;
+      oOut.At(x, y) = static_cast<uint8_t>(dTop * (1.0 - dB) + dLow * dB + 0.5);
+    }
+  }
+  return oOut;
+}
+
+}  // namespace
+
+ClPrint ReadPrintFile(const std::string& sPath) {
+  double dPels = 0.0;
+  TpPlane<uint8_t> oGrey = ClPngReader(sPath).Read(dPels);
+  const double dFactor = 19685.0 / dPels;
+  if (std::fabs(dFactor - 1.0) > 0.005) oGrey = Rescale(oGrey, dFactor);
+  if (oGrey.Width() > static_cast<int>(g_cnLargestSide) || oGrey.Height() > static_cast<int>(g_cnLargestSide))
+    throw ClSimError(eFileRead,
+                     "print file \"" + sPath + "\" is larger than 4096 pixels at 500 dots per inch");
+  ClPrint oPrint;
+  oPrint.oRidge.Resize(oGrey.Width(), oGrey.Height());
+  for (size_t i = 0; i < oGrey.Count(); ++i)
+    oPrint.oRidge.Data()[i] = static_cast<uint8_t>(255 - oGrey.Data()[i]);
+  // Skin is where the neighbourhood of a ridge period in each direction is dark; scanning dirt is not.
+  const TpPlane<uint8_t> oMean = BoxMean(oPrint.oRidge, 9);
+  oPrint.oDepth.Resize(oMean.Width(), oMean.Height());
+  for (size_t i = 0; i < oMean.Count(); ++i)
+    oPrint.oDepth.Data()[i] = static_cast<uint8_t>(std::clamp((oMean.Data()[i] - 12) * 8, 0, 255));
+  return oPrint;
+}
+
+}  // namespace Simulator

@@ -1,0 +1,21 @@
+// What a scene says about a print: a seed and a pattern, or a file.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace Simulator {
+
+enum EPattern { ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch };
+
+struct ClPrintSpecification {
+  std::string sFile;  ///< PNG file; empty for a generated print
+  uint64_t nSeed = 1;
+  EPattern ePattern = ePatternWhorl;
+  double dWidthMm = 16.0;
+  double dHeightMm = 23.0;
+  double dRidgePeriodMm = 0.457;  ///< 9 pixels at 500 dots per inch
+  double dPores = 0.5;            ///< share of the pore places that hold one, 0 to 1
+};
+
+}  // namespace Simulator

@@ -1,0 +1,279 @@
+// Reads scenes from JSON.
+#include "scene/SceneReader.h"
+
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "scene/BuiltInScenes.h"
+#include "scene/SimError.h"
+
+namespace Simulator {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr size_t g_cnMostScanners = 127;
+constexpr size_t g_cnMostFingers = 32;
+
+/// One JSON object being read. Each key is asked for once; Done complains about keys that nobody asked for.
+class ClObject {
+ public:
+  ClObject(const Json& oJson, std::string sPlace) : m_oJson(oJson), m_sPlace(std::move(sPlace)) {
+    if (!oJson.is_object()) Fail("must be an object");
+  }
+
+  const Json* Find(const char* szKey) {
+    m_aKnown.emplace_back(szKey);
+    const auto it = m_oJson.find(szKey);
+    return it == m_oJson.end() ? nullptr : &*it;
+  }
+
+  std::string Text(const char* szKey, const std::string& sDefault) {
+    const Json* p = Find(szKey);
+    if (!p) return sDefault;
+    if (!p->is_string()) Fail("must be a text", szKey);
+    return p->get<std::string>();
+  }
+
+  bool Flag(const char* szKey, bool bDefault) {
+    const Json* p = Find(szKey);
+    if (!p) return bDefault;
+    if (!p->is_boolean()) Fail("must be true or false", szKey);
+    return p->get<bool>();
+  }
+
+  double Number(const char* szKey, double dDefault, double dLow, double dHigh) {
+    const Json* p = Find(szKey);
+    if (!p) return dDefault;
+    if (!p->is_number()) Fail("must be a number", szKey);
+    const double d = p->get<double>();
+    if (!(d >= dLow && d <= dHigh)) FailRange(szKey, p->dump(), dLow, dHigh);
+    return d;
+  }
+
+  int64_t Whole(const char* szKey, int64_t nDefault, int64_t nLow, int64_t nHigh) {
+    const Json* p = Find(szKey);
+    if (!p) return nDefault;
+    if (!p->is_number_integer()) Fail("must be a whole number", szKey);
+    const double d = p->get<double>();
+    if (!(d >= static_cast<double>(nLow) && d <= static_cast<double>(nHigh)))
+      FailRange(szKey, p->dump(), static_cast<double>(nLow), static_cast<double>(nHigh));
+    return p->get<int64_t>();
+  }
+
+  /// The position of a text in a list.
+  size_t Choice(const char* szKey, size_t nDefault, const std::vector<std::string>& aChoices) {
+    const std::string sText = Text(szKey, aChoices[nDefault]);
+    std::string sList;
+    for (size_t i = 0; i < aChoices.size(); ++i) {
+      if (aChoices[i] == sText) return i;
+      sList += (i ? ", \"" : "\"") + aChoices[i] + "\"";
+    }
+    Fail("is \"" + sText + "\" and must be one of " + sList, szKey);
+  }
+
+  void Each(const char* szKey, size_t nMost,
+            const std::function<void(const Json&, const std::string&)>& fnRead) {
+    const Json* p = Find(szKey);
+    if (!p) return;
+    if (!p->is_array()) Fail("must be a list", szKey);
+    if (p->size() > nMost)
+      Fail("has " + std::to_string(p->size()) + " entries; at most " + std::to_string(nMost) + " are allowed",
+           szKey);
+    for (size_t i = 0; i < p->size(); ++i) fnRead((*p)[i], Place(szKey) + "[" + std::to_string(i) + "]");
+  }
+
+  void Done() const {
+    for (const auto& oItem : m_oJson.items()) {
+      bool bKnown = false;
+      for (const std::string& sKey : m_aKnown) bKnown = bKnown || sKey == oItem.key();
+      if (!bKnown) Fail("is not a known key", oItem.key().c_str());
+    }
+  }
+
+  std::string Place(const char* szKey = nullptr) const {
+    if (!szKey) return m_sPlace.empty() ? "scene" : m_sPlace;
+    return m_sPlace.empty() ? szKey : m_sPlace + "." + szKey;
+  }
+
+  [[noreturn]] void Fail(const std::string& sReason, const char* szKey = nullptr) const {
+    throw ClSimError(eBadValue, "scene: \"" + Place(szKey) + "\" " + sReason);
+  }
+
+ private:
+  [[noreturn]] void FailRange(const char* szKey, const std::string& sValue, double dLow, double dHigh) const {
+    std::ostringstream oText;
+    oText << "is " << sValue << " and must lie between " << dLow << " and " << dHigh;
+    Fail(oText.str(), szKey);
+  }
+
+  const Json& m_oJson;
+  std::string m_sPlace;
+  std::vector<std::string> m_aKnown;
+};
+
+constexpr int64_t g_cnMostSeed = 9007199254740992;
+
+ClPrintSpecification ReadPrint(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
+  ClObject o(oJson, sPlace);
+  ClPrintSpecification oPrint;
+  oPrint.sFile = o.Text("file", "");
+  if (!oPrint.sFile.empty()) {
+    if (oPrint.sFile[0] != '/' && !sFolder.empty()) oPrint.sFile = sFolder + "/" + oPrint.sFile;
+    o.Done();
+    return oPrint;
+  }
+  oPrint.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed));
+  oPrint.ePattern =
+      static_cast<EPattern>(o.Choice("pattern", ePatternWhorl, {"left-loop", "right-loop", "whorl", "arch"}));
+  oPrint.dWidthMm = o.Number("width", oPrint.dWidthMm, 4.0, 40.0);
+  oPrint.dHeightMm = o.Number("height", oPrint.dHeightMm, 4.0, 60.0);
+  oPrint.dRidgePeriodMm = o.Number("ridgePeriod", oPrint.dRidgePeriodMm, 0.3, 0.8);
+  oPrint.dPores = o.Number("pores", oPrint.dPores, 0.0, 1.0);
+  o.Done();
+  return oPrint;
+}
+
+ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
+  ClObject o(oJson, sPlace);
+  ClFingerDescription oFinger;
+  if (const Json* p = o.Find("print")) oFinger.oPrint = ReadPrint(*p, o.Place("print"), sFolder);
+  oFinger.dXMm = o.Number("x", oFinger.dXMm, -50.0, 130.0);
+  oFinger.dYMm = o.Number("y", oFinger.dYMm, -50.0, 130.0);
+  oFinger.dAngle = o.Number("angle", oFinger.dAngle, -180.0, 180.0);
+  oFinger.dPressure = o.Number("pressure", oFinger.dPressure, 0.0, 1.0);
+  // A picture of a real print is as dry as it is.
+  oFinger.dDryness = o.Number("dryness", oFinger.oPrint.sFile.empty() ? oFinger.dDryness : 0.0, 0.0, 1.0);
+  oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, 1e6);
+  oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, 1e6);
+  if (oFinger.dLift < oFinger.dTouch) o.Fail("comes before the touch", "lift");
+  o.Done();
+  return oFinger;
+}
+
+ClEpromChange ReadEpromChange(const Json& oJson, const std::string& sPlace) {
+  ClObject o(oJson, sPlace);
+  ClEpromChange oChange;
+  oChange.bMissing = o.Flag("missing", false);
+  oChange.nCut = static_cast<long>(o.Whole("cut", -1, 0, 8192));
+  o.Each("flip", 64, [&](const Json& oOffset, const std::string& sWhere) {
+    if (!oOffset.is_number_unsigned() || oOffset.get<uint64_t>() > 8191)
+      throw ClSimError(eBadValue, "scene: \"" + sWhere + "\" must be an offset from 0 to 8191");
+    oChange.aFlips.push_back(oOffset.get<unsigned>());
+  });
+  o.Done();
+  return oChange;
+}
+
+ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
+  ClObject o(oJson, sPlace);
+  ClScannerDescription oScanner;
+  oScanner.sSerial = o.Text("serial", oScanner.sSerial);
+  if (oScanner.sSerial.empty() || oScanner.sSerial.size() > 15)
+    o.Fail("is \"" + oScanner.sSerial + "\" and must have 1 to 15 characters", "serial");
+  oScanner.nProduct = static_cast<unsigned>(o.Whole("product", oScanner.nProduct, 1, 65535));
+  oScanner.bUsbPowered = o.Flag("usbPowered", oScanner.bUsbPowered);
+  oScanner.sVersion = o.Text("version", oScanner.sVersion);
+  if (oScanner.sVersion.size() > 255) o.Fail("must not be longer than 255 characters", "version");
+  oScanner.eOrder =
+      static_cast<EPlaneOrder>(o.Choice("planeOrder", eOrderMixed, {"mixed", "dark-first", "lit-first"}));
+  oScanner.dAmbient = o.Number("ambient", oScanner.dAmbient, 0.0, 200.0);
+  oScanner.dNoise = o.Number("noise", oScanner.dNoise, 0.0, 10.0);
+  if (const Json* p = o.Find("eprom")) {
+    ClObject oEprom(*p, o.Place("eprom"));
+    oScanner.bLegacyEprom = oEprom.Choice("form", 0, {"current", "legacy"}) == 1;
+    for (const char* szName : {"GEOCAL", "BRGHTCAL", "GAINSET"})
+      if (const Json* pFile = oEprom.Find(szName))
+        oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName));
+    oEprom.Done();
+  }
+  o.Each("fingers", g_cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
+    oScanner.aFingers.push_back(ReadFinger(oFinger, sWhere, sFolder));
+  });
+  o.Done();
+  return oScanner;
+}
+
+ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
+  ClObject o(oJson, sPlace);
+  ClFaultDescription oFault;
+  int nKinds = 0;
+  const auto Kind = [&](const char* szKey, ClFaultDescription::EKind eKind) {
+    const std::string sName = o.Text(szKey, "");
+    if (sName.empty()) return;
+    oFault.sName = sName;
+    oFault.eKind = eKind;
+    ++nKinds;
+  };
+  Kind("call", ClFaultDescription::eCall);
+  Kind("random", ClFaultDescription::eRandom);
+  Kind("unplug", ClFaultDescription::eUnplug);
+  Kind("plug", ClFaultDescription::ePlug);
+  if (nKinds != 1) o.Fail("must have exactly one of \"call\", \"random\", \"unplug\" and \"plug\"");
+  if (oFault.eKind == ClFaultDescription::eUnplug || oFault.eKind == ClFaultDescription::ePlug) {
+    oFault.dAt = o.Number("at", 0.0, 0.0, 1e6);
+  } else {
+    oFault.nResult = static_cast<long>(o.Whole("result", oFault.nResult, -2147483647, 2147483647));
+    if (oFault.eKind == ClFaultDescription::eCall) {
+      oFault.nFirst = static_cast<unsigned>(o.Whole("first", 1, 1, 1000000000));
+      oFault.nRepeat = static_cast<unsigned>(o.Whole("repeat", 1, 0, 1000000000));
+    } else {
+      oFault.dProbability = o.Number("probability", 0.0, 0.0, 1.0);
+    }
+  }
+  o.Done();
+  return oFault;
+}
+
+}  // namespace
+
+ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolder) {
+  Json oJson;
+  try {
+    oJson = Json::parse(sText);
+  } catch (const Json::exception& oError) {
+    throw ClSimError(eBadValue, std::string("scene: not JSON: ") + oError.what());
+  }
+  ClObject o(oJson, "");
+  ClSceneDescription oScene;
+  oScene.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed));
+  oScene.bRealTime = o.Choice("pacing", 0, {"consumer", "real"}) == 1;
+  oScene.sLibraryVersion = o.Text("libraryVersion", oScene.sLibraryVersion);
+  if (oScene.sLibraryVersion.size() > 255) o.Fail("must not be longer than 255 characters", "libraryVersion");
+  o.Each("scanners", g_cnMostScanners, [&](const Json& oScanner, const std::string& sWhere) {
+    oScene.aScanners.push_back(ReadScanner(oScanner, sWhere, sFolder));
+    for (size_t i = 0; i + 1 < oScene.aScanners.size(); ++i)
+      if (oScene.aScanners[i].sSerial == oScene.aScanners.back().sSerial)
+        throw ClSimError(eBadValue, "scene: \"" + sWhere + ".serial\" is \"" + oScene.aScanners[i].sSerial +
+                                        "\", which another scanner has already");
+  });
+  o.Each("faults", 256, [&](const Json& oFault, const std::string& sWhere) {
+    oScene.aFaults.push_back(ReadFault(oFault, sWhere));
+  });
+  oScene.nFaultSeed = static_cast<uint64_t>(o.Whole("faultSeed", 1, 0, g_cnMostSeed));
+  o.Done();
+  return oScene;
+}
+
+ClSceneDescription FindScene(const std::string& sScene) {
+  const size_t nFirst = sScene.find_first_not_of(" \t\r\n");
+  if (nFirst != std::string::npos && sScene[nFirst] == '{') return ReadScene(sScene, "");
+  ClSceneDescription oScene;
+  if (FindBuiltInScene(sScene, oScene)) return oScene;
+  std::ifstream oFile(sScene, std::ios::binary);
+  if (!oFile)
+    throw ClSimError(eFileOpen, "scene \"" + sScene + "\" is neither a built-in scene (" +
+                                    BuiltInSceneNames() + ") nor a file that can be opened");
+  std::ostringstream oText;
+  oText << oFile.rdbuf();
+  if (!oFile || !oText) throw ClSimError(eFileRead, "can't read scene file \"" + sScene + "\"");
+  const size_t nSlash = sScene.rfind('/');
+  return ReadScene(oText.str(), nSlash == std::string::npos ? ""
+                                : nSlash == 0               ? "/"
+                                                            : sScene.substr(0, nSlash));
+}
+
+}  // namespace Simulator

@@ -1,0 +1,13 @@
+// The levels that the light of the scanner gives: what the calibration was made for.
+#pragma once
+
+namespace Simulator {
+
+/// Levels above dark at full illumination, nominal gain and nominal exposure.
+constexpr double g_cdRidgeLevel = 150.0;
+/// Light that clean glass scatters into the sensor, in levels.
+constexpr double g_cdStrayLevel = 4.0;
+/// Light from a valley as a part of that from a ridge.
+constexpr double g_cdValleyPart = 0.2;
+
+}  // namespace Simulator

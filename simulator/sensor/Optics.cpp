@@ -1,0 +1,67 @@
+// Where the light from a place on the platen meets the sensor, and how brightly the platen is lit.
+#include "sensor/Optics.h"
+
+#include <cmath>
+
+#include "scene/Platen.h"
+#include "scene/Random.h"
+#include "sensor/SensorMode.h"
+
+namespace Simulator {
+namespace {
+
+constexpr double g_cdPictureMid = 0.5 * (g_cnPictureSide - 1);
+constexpr double g_cdHalfPicture = 0.5 * g_cnPictureSide;
+constexpr double g_cdHalfPlatenInch = 0.5 * g_cdPlatenMm / 25.4;
+
+}  // namespace
+
+ClOptics::ClOptics(uint64_t nSeed) {
+  ClRandom oRandom(Mix(nSeed, 0x4F707469));
+  m_dMidX = 0.5 * (g_cnSensorWidth - 1) + oRandom.Range(-12.0, 12.0);
+  m_dMidY = 0.5 * (g_cnSensorHeight - 1) + oRandom.Range(-10.0, 10.0);
+  m_dScaleX = 1052.0 * g_cdHalfPlatenInch * oRandom.Range(1.006, 1.014);
+  m_dScaleY = 768.0 * g_cdHalfPlatenInch * oRandom.Range(1.006, 1.014);
+  m_dKeystoneX = oRandom.Range(-0.006, 0.006);
+  m_dKeystoneY = oRandom.Range(0.012, 0.026);
+  m_dBarrel = oRandom.Range(0.010, 0.020);
+  const double dTwist = oRandom.Range(-0.005, 0.005);
+  m_dCos = std::cos(dTwist);
+  m_dSin = std::sin(dTwist);
+  m_dFallX = oRandom.Range(0.15, 0.18);
+  m_dFallY = oRandom.Range(0.11, 0.14);
+  m_dTiltX = oRandom.Range(-0.003, 0.003);
+  m_dTiltY = oRandom.Range(-0.03, 0.03);
+}
+
+ClPoint ClOptics::PictureToSensor(double dX, double dY) const noexcept {
+  const double dU = (g_cdPictureMid - dX) / g_cdHalfPicture, dV = (dY - g_cdPictureMid) / g_cdHalfPicture;
+  const double dDepth = 1.0 + m_dKeystoneX * dU + m_dKeystoneY * dV;
+  const double dA = (dU * m_dCos - dV * m_dSin) / dDepth, dB = (dU * m_dSin + dV * m_dCos) / dDepth;
+  const double dPull = 1.0 - m_dBarrel * (dA * dA + dB * dB);
+  return {m_dMidX + m_dScaleX * dA * dPull, m_dMidY + m_dScaleY * dB * dPull};
+}
+
+ClPoint ClOptics::SensorToPicture(double dX, double dY) const noexcept {
+  double dA = (dX - m_dMidX) / m_dScaleX, dB = (dY - m_dMidY) / m_dScaleY;
+  // The barrel pulls a radius r in to r * (1 - barrel * r * r); Newton's method undoes that in a few steps.
+  const double dPulled = std::sqrt(dA * dA + dB * dB);
+  double dRadius = dPulled;
+  for (int i = 0; i < 5; ++i)
+    dRadius -= (dRadius * (1.0 - m_dBarrel * dRadius * dRadius) - dPulled) /
+               (1.0 - 3.0 * m_dBarrel * dRadius * dRadius);
+  if (dPulled > 0.0) {
+    dA *= dRadius / dPulled;
+    dB *= dRadius / dPulled;
+  }
+  const double dU = dA * m_dCos + dB * m_dSin, dV = dB * m_dCos - dA * m_dSin;
+  const double dDepth = 1.0 / (1.0 - m_dKeystoneX * dU - m_dKeystoneY * dV);
+  return {g_cdPictureMid - dU * dDepth * g_cdHalfPicture, g_cdPictureMid + dV * dDepth * g_cdHalfPicture};
+}
+
+double ClOptics::Illumination(double dX, double dY) const noexcept {
+  const double dU = (dX - g_cdPictureMid) / g_cdHalfPicture, dV = (dY - g_cdPictureMid) / g_cdHalfPicture;
+  return 1.0 - m_dFallX * dU * dU - m_dFallY * dV * dV + m_dTiltX * dU + m_dTiltY * dV;
+}
+
+}  // namespace Simulator

@@ -1,0 +1,49 @@
+// How brightly each place of the platen shines back: the map of the scene in the terms of light.
+#include "sensor/Reflectance.h"
+
+#include <algorithm>
+
+#include "sensor/Light.h"
+
+namespace Simulator {
+
+void ClReflectance::Update(const ClPlatenMap& oMap) {
+  constexpr int nBlocks = (g_cnPictureSide + nBlock - 1) / nBlock;
+  if (m_oPicture.Empty()) m_oPicture.Resize(g_cnPictureSide, g_cnPictureSide);
+  m_oOccupied.Resize(nBlocks, nBlocks, 0);
+  // Contact adds to the light of the skin what that leaves of full light.
+  constexpr unsigned nValley = static_cast<unsigned>(g_cdValleyPart * 65536.0 + 0.5);
+  for (int y = 0; y < g_cnPictureSide; ++y) {
+    const uint8_t* pContact = oMap.oContact.Row(y);
+    const uint8_t* pCover = oMap.oCover.Row(y);
+    uint8_t* pOut = m_oPicture.Row(y);
+    for (int b = 0; b < nBlocks; ++b) {
+      unsigned nAny = 0;
+      const int nEnd = std::min(g_cnPictureSide, (b + 1) * nBlock);
+      for (int x = b * nBlock; x < nEnd; ++x) {
+        const unsigned nSkin = (pCover[x] * nValley + 32768) >> 16;
+        const unsigned nLight = nSkin + (pContact[x] * (255 - nSkin) + 127) / 255;
+        pOut[x] = static_cast<uint8_t>(nLight);
+        nAny |= nLight;
+      }
+      if (nAny) m_oOccupied.At(b, y / nBlock) = 1;
+    }
+  }
+}
+
+void ClReflectance::Free() {
+  m_oPicture.Free();
+  m_oOccupied.Free();
+}
+
+bool ClReflectance::Occupied(int nLeft, int nTop, int nRight, int nBottom) const noexcept {
+  if (m_oOccupied.Empty() || nRight < 0 || nBottom < 0) return false;
+  const int nLastX = std::min(nRight / nBlock, m_oOccupied.Width() - 1);
+  const int nLastY = std::min(nBottom / nBlock, m_oOccupied.Height() - 1);
+  for (int y = std::max(nTop, 0) / nBlock; y <= nLastY; ++y)
+    for (int x = std::max(nLeft, 0) / nBlock; x <= nLastX; ++x)
+      if (m_oOccupied.At(x, y)) return true;
+  return false;
+}
+
+}  // namespace Simulator

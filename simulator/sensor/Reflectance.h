@@ -1,0 +1,33 @@
+// How brightly each place of the platen shines back: the map of the scene in the terms of light.
+#pragma once
+
+#include <cstdint>
+
+#include "scene/Platen.h"
+
+namespace Simulator {
+
+/// Light from each place of the picture, 255 being a ridge in full contact, 0 bare glass; with a coarse map
+/// of where anything lies at all, so that bare places cost nothing.
+///
+/// Threads    thread-bound.
+class ClReflectance {
+ public:
+  static constexpr int nBlock = 32;
+
+  /// From contact and nearness of skin: valleys shine with the part g_cdValleyPart.
+  void Update(const ClPlatenMap& oMap);
+  void Free();
+
+  const TpPlane<uint8_t>& Picture() const noexcept { return m_oPicture; }
+
+  /// Whether anything lies in the rectangle of pixels [nLeft, nRight] x [nTop, nBottom], which may reach
+  /// beyond the picture. May say yes for a bare place near skin, never no for skin.
+  bool Occupied(int nLeft, int nTop, int nRight, int nBottom) const noexcept;
+
+ private:
+  TpPlane<uint8_t> m_oPicture;
+  TpPlane<uint8_t> m_oOccupied;
+};
+
+}  // namespace Simulator
