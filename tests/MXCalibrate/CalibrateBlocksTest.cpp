@@ -1,0 +1,137 @@
+// Brightness and gain blocks in both of their forms, and cut at every byte.
+#include <gtest/gtest.h>
+
+#include "CalibrationBlocks.h"
+#include "MXCalibrate/CalibrateBrightnessData.h"
+#include "MXCalibrate/CalibrateGainData.h"
+#include "MXTools/Exception.h"
+#include "MXTools/MemStream.h"
+
+namespace {
+
+template <class TData>
+long Read(TData& oData, const Bytes& aBytes) {
+  ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
+  try {
+    oData.Read(oStream);
+  } catch (const ClException& e) {
+    return e.Number();
+  }
+  return 0;
+}
+
+template <class TData>
+Bytes Written(TData& oData) {
+  ClMemStream oStream;
+  oData.Write(oStream);
+  return Bytes(oStream.GetData(), oStream.GetData() + oStream.Size());
+}
+
+Bytes Cut(const Bytes& aBytes, size_t nLength) {
+  return Bytes(aBytes.begin(), aBytes.begin() + static_cast<long>(nLength));
+}
+
+TEST(BrightnessData, ReadsTheLegacyFormAndWritesItBackBehind128Zeros) {
+  const Bytes aBlock = LegacyBrightnessBlock();
+  ClCalibrateBrightnessData oData;
+  EXPECT_FALSE(oData.IsValid());
+  ASSERT_EQ(Read(oData, aBlock), 0);
+  EXPECT_EQ(oData.GetVersion(), 0u);
+  EXPECT_EQ(oData.NumberOfSamplePoints(), 64u);
+  Bytes aSamples(192);
+  oData.GetSamples(1, aSamples.data());
+  EXPECT_EQ(aSamples, Bytes(aBlock.begin() + 320, aBlock.begin() + 512));
+  const Bytes aWritten = Written(oData);
+  ASSERT_EQ(aWritten.size(), 1088u);
+  EXPECT_EQ(Cut(aWritten, 128), Bytes(128, 0));
+  EXPECT_TRUE(std::equal(aBlock.begin() + 128, aBlock.end(), aWritten.begin() + 128));
+}
+
+TEST(BrightnessData, ReadsTheCurrentFormAndALaterRecordOfAKeyWins) {
+  Bytes aBlock = CurrentBrightnessBlock();
+  AppendLittle(aBlock, 4, 8);
+  AppendAll(aBlock, Bytes(192, 42));
+  ClCalibrateBrightnessData oData;
+  ASSERT_EQ(Read(oData, aBlock), 0);
+  EXPECT_EQ(oData.GetVersion(), 3u);
+  Bytes aSamples(192);
+  oData.GetSamples(1, aSamples.data());
+  EXPECT_EQ(aSamples, IlluminationSamples());
+  oData.GetSamples(4, aSamples.data());
+  EXPECT_EQ(aSamples, Bytes(192, 42));
+  EXPECT_FALSE(oData.HasSamples(2));
+  oData.GetSamples(2, aSamples.data());
+  EXPECT_TRUE(oData.HasSamples(2));
+  EXPECT_EQ(aSamples, Bytes(192, 42)) << "an absent key copies nothing";
+}
+
+TEST(BrightnessData, FewerThan64PointsAreWrittenInFrontOfZerosAndMoreAreRefused) {
+  for (const uint32_t nPoints : {2u, 65u}) {
+    Bytes aBlock;
+    Append(aBlock, "CBD");
+    AppendLittle(aBlock, 1, 2);
+    AppendLittle(aBlock, nPoints, 2);
+    AppendLittle(aBlock, 16, 8);
+    AppendAll(aBlock, Bytes(3 * nPoints, 5));
+    ClCalibrateBrightnessData oData;
+    ASSERT_EQ(Read(oData, aBlock), 0);
+    if (nPoints > 64) {
+      EXPECT_THROW(Written(oData), ClException);
+      continue;
+    }
+    const Bytes aWritten = Written(oData);
+    EXPECT_EQ(Bytes(aWritten.begin() + 128, aWritten.begin() + 136), (Bytes{5, 5, 5, 5, 5, 5, 0, 0}));
+  }
+}
+
+TEST(BrightnessData, EveryCutOfEitherFormLeavesNoData) {
+  const size_t cnRecord = 200;
+  for (const Bytes& aBlock : {LegacyBrightnessBlock(), CurrentBrightnessBlock()}) {
+    for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {
+      ClCalibrateBrightnessData oData;
+      ASSERT_EQ(Read(oData, LegacyBrightnessBlock()), 0);
+      const bool bWholeRecords = aBlock[0] == 'C' && nLength >= 8 && (nLength - 8) % cnRecord == 0;
+      EXPECT_EQ(Read(oData, Cut(aBlock, nLength)), bWholeRecords ? 0 : -201) << nLength;
+      EXPECT_EQ(oData.IsValid(), bWholeRecords) << nLength;
+    }
+  }
+}
+
+TEST(GainData, BothFormsGiveTheSameLevels) {
+  for (const Bytes& aBlock : {LegacyGainBlock(), CurrentGainBlock()}) {
+    ClCalibrateGainData oData;
+    ASSERT_EQ(Read(oData, aBlock), 0);
+    EXPECT_EQ(oData.GetGain(16), 0x112233u);
+    EXPECT_EQ(oData.GetGain(1), 0x224466u);
+    EXPECT_EQ(oData.GetWhitePatchGrey(8), 0x030609u);
+    EXPECT_EQ(oData.GetWhitePatchGrey(4), 0x050A0Fu);
+    EXPECT_EQ(oData.GetGain(3), 0u);
+    EXPECT_EQ(Written(oData), LegacyGainBlock());
+  }
+}
+
+TEST(GainData, AReadKeepsKeysThatItDoesNotBring) {
+  ClCalibrateGainData oData;
+  ASSERT_EQ(Read(oData, LegacyGainBlock()), 0);
+  const Bytes aEmpty = {'C', 'G', 'D', 0, 1, 0};
+  ASSERT_EQ(Read(oData, aEmpty), 0);
+  EXPECT_EQ(oData.GetVersion(), 1u);
+  EXPECT_TRUE(oData.IsValid());
+  EXPECT_EQ(oData.GetGain(16), 0x112233u);
+  oData.Clear();
+  EXPECT_FALSE(oData.IsValid());
+  EXPECT_EQ(oData.GetGain(16), 0u);
+}
+
+TEST(GainData, EveryCutOfEitherFormChangesNothing) {
+  for (const Bytes& aBlock : {LegacyGainBlock(), CurrentGainBlock()}) {
+    for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {
+      ClCalibrateGainData oData;
+      const bool bWholeRecords = aBlock[0] == 'C' && nLength >= 6 && (nLength - 6) % 14 == 0;
+      EXPECT_EQ(Read(oData, Cut(aBlock, nLength)), bWholeRecords ? 0 : -201) << nLength;
+      EXPECT_EQ(oData.IsValid(), bWholeRecords) << nLength;
+    }
+  }
+}
+
+}  // namespace
