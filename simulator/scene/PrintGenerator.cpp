@@ -202,7 +202,7 @@ class ClGrower {
         for (int y = nTop; y < nTop + nCell; ++y)
           if (oRidge.At(nBestX, y) > oRidge.At(nBestX, nBestY)) nBestY = y;
         if (oRidge.At(nBestX, nBestY) < 215) continue;
-        Dent(oRidge, nBestX, nBestY, oRandom.Range(0.8, 1.5));
+        Dent(oRidge, nBestX, nBestY, oRandom.Range(0.6, 1.15));
       }
     }
   }

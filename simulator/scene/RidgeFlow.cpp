@@ -56,7 +56,11 @@ double ClRidgeFlow::Direction(double dX, double dY) const {
     dAngle += std::atan2(dY - m_aCore[i].dY, dX - m_aCore[i].dX);
     dAngle -= std::atan2(dY - m_aDelta[i].dY, dX - m_aDelta[i].dX);
   }
-  const double dBow = m_nSingularities == 1 ? 0.45 : 0.15;
+  // A loop has only one delta, so that its open side would lack the steepness that the other side gets from
+  // it.
+  double dBow = 0.15;
+  if (m_ePattern == ePatternRightLoop) dBow = dX > 0.0 ? 0.95 : 0.2;
+  if (m_ePattern == ePatternLeftLoop) dBow = dX < 0.0 ? 0.95 : 0.2;
   return 0.5 * dAngle - dBow * dUp * dAcross;
 }
 
