@@ -1,0 +1,70 @@
+// The frame of every exported function: its log lines, and the point where exceptions become numbers.
+#pragma once
+
+#include <exception>
+#include <new>
+
+#include "KelvarinLiveScannerVT40/LiveScannerVT40.h"
+#include "KelvarinLiveScannerVT40/VT40Handle.h"
+#include "MXTools/ErrorTable.h"
+#include "MXTools/Exception.h"
+
+/// The three log formats of a function, all beginning with the same form of its name and arguments.
+struct StCallFormats {
+  const char* szEnter;
+  const char* szLeave;
+  const char* szError;
+};
+#define KLV_CALL_FORMATS(form) (StCallFormats{form " Enter", form " Leave", form " Error(%d): %s"})
+/// The formats of the functions that log no argument: the second text stands where the arguments would.
+#define KLV_PLAIN_FORMATS KLV_CALL_FORMATS("%s%s")
+
+// The formats reach the log through a structure; each one is a literal that was written beside its arguments.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-security"
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+/// Writes the Error line of a call and returns its number. A line that cannot be written is given up.
+template <typename... TArguments>
+long LeaveWithError(const StCallFormats& oFormats, long nNumber, TArguments... aArguments) noexcept {
+  try {
+    ClLiveScannerVT40::LogF(eLogError, oFormats.szError, aArguments..., static_cast<int>(nNumber),
+                            GetErrorDescriptionIntern(nNumber));
+  } catch (...) {
+    // The caller's failure counts, not the log's.
+  }
+  return nNumber;
+}
+
+/// Runs the body of an exported function. The body's result, when it has one that is not 0, is returned
+/// without a further log line; nothing that is raised leaves this function.
+template <typename TBody, typename... TArguments>
+long ExportedCall(const StCallFormats& oFormats, TBody&& oBody, TArguments... aArguments) noexcept {
+  try {
+    ClLiveScannerVT40::LogF(eLogDebug, oFormats.szEnter, aArguments...);
+    if constexpr (std::is_void_v<decltype(oBody())>) {
+      oBody();
+    } else if (const long nResult = oBody()) {
+      return nResult;
+    }
+    ClLiveScannerVT40::LogF(eLogDebug, oFormats.szLeave, aArguments...);
+    return 0;
+  } catch (const ClException& oFailure) {
+    return LeaveWithError(oFormats, oFailure.Number(), aArguments...);
+  } catch (const std::bad_alloc&) {
+    return LeaveWithError(oFormats, -102, aArguments...);
+  } catch (const std::exception&) {
+    return LeaveWithError(oFormats, -721, aArguments...);
+  } catch (...) {
+    return LeaveWithError(oFormats, -722, aArguments...);
+  }
+}
+
+#pragma GCC diagnostic pop
+
+/// Runs the body with the object of a scanner handle. Errors: -42, -43.
+template <typename TBody, typename... TArguments>
+long HandleCall(void* h, const StCallFormats& oFormats, TBody&& oBody, TArguments... aArguments) noexcept {
+  return ExportedCall(
+      oFormats, [&] { oBody(*ClVT40Handle::GetClassBase(h)); }, aArguments...);
+}

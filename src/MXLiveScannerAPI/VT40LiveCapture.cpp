@@ -1,0 +1,209 @@
+// Set-up of the ten-finger engine and switching between its capture modes.
+#include "MXLiveScannerAPI/VT40LiveCapture.h"
+
+#include <cmath>
+
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/Exception.h"
+#include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
+
+namespace {
+
+/// How often a worker that must end is woken again until it has.
+constexpr long cnWakeIntervalMs = 20;
+
+void NewFrame(ClImage& oImage, int nWidth, int nHeight) {
+  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+}
+
+int AsInt(unsigned int n) {
+  return static_cast<int>(n);
+}
+
+}  // namespace
+
+ClVT40LiveCapture::ClVT40LiveCapture() {
+  m_nScannerCondition = 100;
+}
+
+ClVT40LiveCapture::~ClVT40LiveCapture() {
+  StopAllThreads();
+}
+
+void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData) {
+  m_pSetup = static_cast<ClVT40SetupCalibrationData*>(pData);
+  const ClCalibrateGeometricData& oPreview = m_pSetup->GetGeometricDataPreview(m_bSmallImages);
+  const ClCalibrateGeometricData& oFull = m_pSetup->GetGeometricDataFull(m_bSmallImages);
+  NewFrame(m_oPreviewRaw, AsInt(oPreview.m_nSourceWidth), AsInt(oPreview.m_nSourceHeight));
+  NewFrame(m_oPreviewCalibrated, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
+  NewFrame(m_oFullRaw, AsInt(oFull.m_nSourceWidth), AsInt(oFull.m_nSourceHeight));
+  NewFrame(m_oFullCalibrated, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
+  NewFrame(m_oFullMask, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
+  NewFrame(m_oPreviewMask, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
+  m_oPreviewMask = static_cast<unsigned char>(255);
+  // No mode, so that the switch to "off" is not skipped.
+  m_eCaptureMode = static_cast<ECaptureMode>(0);
+  SetCaptureMode(eCaptureModeOff);
+}
+
+void ClVT40LiveCapture::SetCaptureMode(ECaptureMode eMode) {
+  if (eMode == m_eCaptureMode) return;
+  Lock oImageLock(m_oImageMutex);
+  Lock oModeLock(m_oModeMutex);
+  StopAllThreads();
+  SensorLock oSensorLock(m_oSensorMutex);
+  try {
+    if (m_eCaptureMode == eCaptureModeOff) m_pScanner->EnableCaptureThread(true);
+    m_eCaptureMode = eMode;
+    StartMode(eMode);
+  } catch (...) {
+    m_eCaptureMode = eCaptureModeOff;
+    // A worker that was started already waits for the sensor in front of its first frame.
+    oSensorLock.unlock();
+    StopAllThreads();
+    try {
+      m_pScanner->EnableCaptureThread(false);
+    } catch (...) {
+      // The first failure is the one to report.
+    }
+    throw;
+  }
+}
+
+void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
+  const ClCalibrateGeometricData& oPreview = m_pSetup->GetGeometricDataPreview(m_bSmallImages);
+  const ClCalibrateGeometricData& oFull = m_pSetup->GetGeometricDataFull(m_bSmallImages);
+  switch (eMode) {
+    case eCaptureModeOff:
+      m_pScanner->EnableCaptureThread(false);
+      Reset(false);
+      break;
+    case eCaptureModeFull:
+      Reset(true);
+      StartStream(AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight), m_oFullThread,
+                  &ClVT40LiveCapture::CalibrateFullThread);
+      break;
+    case eCaptureModePreview:
+      Reset(true);
+      StartStream(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight), m_oPreviewThread,
+                  &ClVT40LiveCapture::CalibratePreviewThread);
+      break;
+    case eCaptureModeAutoLive:
+      KLV_RAISE(ClException, "LiveDetection not available in this release.", -103);
+    case eCaptureModeAuto:
+    case eCaptureModeRoll:
+    case eCaptureModeSignature:
+      KLV_RAISE(ClException, "Capture mode not available in this release.", -103);
+    default:
+      KLV_RAISE(ClException, "Unknown capture mode.", -103);
+  }
+}
+
+void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCalibrating,
+                                    void (ClVT40LiveCapture::*pfnCalibrate)()) {
+  for (ClImage& oImage : m_aCalibratedImages) NewFrame(oImage, nWidth, nHeight);
+  for (ClImage& oImage : m_aMaskedImages) NewFrame(oImage, nWidth, nHeight);
+  m_oCalibratedBuffer.SetBuffer(&m_aCalibratedImages[0], &m_aCalibratedImages[1], &m_aCalibratedImages[2]);
+  m_oMaskedBuffer.SetBuffer(&m_aMaskedImages[0], &m_aMaskedImages[1], &m_aMaskedImages[2]);
+  oCalibrating = boost::thread(pfnCalibrate, this);
+  m_oMaskThread = boost::thread(&ClVT40LiveCapture::MaskThread, this);
+}
+
+void ClVT40LiveCapture::StopAllThreads() {
+  boost::this_thread::disable_interruption oNoInterruption;
+  boost::thread* const aThreads[] = {&m_oFullThread, &m_oPreviewThread, &m_oMaskThread};
+  for (boost::thread* pThread : aThreads) pThread->interrupt();
+  for (boost::thread* pThread : aThreads) {
+    if (!pThread->joinable()) continue;
+    do {
+      m_oCalibratedBuffer.InterruptWait();
+      m_oMaskedBuffer.InterruptWait();
+    } while (!pThread->timed_join(boost::posix_time::milliseconds(cnWakeIntervalMs)));
+  }
+  m_oCalibratedBuffer.InterruptWait();
+  m_oMaskedBuffer.InterruptWait();
+}
+
+void ClVT40LiveCapture::Reset(bool bReset) {
+  if (bReset) {
+    m_eDetectState = eCaptureStateNoFinger;
+    m_dScore = 0.0;
+    Lock oFullImageLock(m_oFullImageMutex);
+    m_oFullMask = static_cast<unsigned char>(255);
+    m_oFullRaw = static_cast<unsigned char>(0);
+  }
+  InitializeSensor();
+}
+
+void ClVT40LiveCapture::InitializeSensor() {
+  const unsigned int nGain = m_pSetup->GetGainLevel(1);
+  m_pScanner->SetGain(AsInt(nGain & 0xFF), AsInt(nGain >> 8 & 0xFF), AsInt(nGain >> 16 & 0xFF));
+  m_nScannerCondition = 0;
+  switch (m_eCaptureMode) {
+    case eCaptureModeOff:
+      break;
+    case eCaptureModeFull:
+      ApplySensorRow(FullRow());
+      break;
+    case eCaptureModePreview:
+      ApplySensorRow(PreviewRow());
+      break;
+    default:
+      KLV_RAISE(ClException, "Capture mode not implemented (should never happen.", -103);
+  }
+}
+
+ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::PreviewRow() const {
+  const unsigned int nExposure = m_pSetup->GetExposure();
+  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure), 35, 2};
+  return {static_cast<unsigned short>(nExposure / 2), 32, 2};
+}
+
+ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::FullRow() const {
+  const unsigned int nExposure = m_pSetup->GetExposure();
+  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 2), 34, 2};
+  return {static_cast<unsigned short>(nExposure), 7, 2};
+}
+
+void ClVT40LiveCapture::ApplySensorRow(const StSensorRow& oRow) {
+  // One dark and one lit frame: their difference cancels the ambient light.
+  unsigned long long aMasks[] = {0, 1};
+  m_pScanner->SetVSYNCLength(oRow.nExposure);
+  const long nResult = m_pScanner->SetCaptureMode(
+      static_cast<ClMXVTScanAPIHandleBase::EScanMode_t>(oRow.nScanMode), oRow.nEntries, aMasks, 2);
+  // Frames of another size than the one asked for would be read past their end.
+  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+}
+
+void ClVT40LiveCapture::Capture() {
+  switch (m_eCaptureMode) {
+    case eCaptureModeOff:
+    case eCaptureModeAutoLive:
+    case eCaptureModeAuto:
+    case eCaptureModeRoll:
+    case eCaptureModeFull:
+    case eCaptureModePreview:
+    case eCaptureModeSignature:
+      boost::this_thread::sleep(boost::posix_time::milliseconds(10));
+      return;
+  }
+  KLV_RAISE(ClException, "Current capture mode is not impolemented yet. (should never happen)", -103);
+}
+
+void ClVT40LiveCapture::SetSignatureSensorMode(unsigned int nMode) {
+  if (m_eCaptureMode == eCaptureModeSignature) {
+    KLV_RAISE(ClException, "Mode must not be switched while signature mode is active.", -50);
+  }
+  m_nSignatureSensorMode = nMode;
+}
+
+void ClVT40LiveCapture::SetSignatureDetectTime(double dTime) {
+  if (!(dTime >= 0.0)) KLV_RAISE(ClException, "Illegal time delta.", -44);
+  m_dSignatureDetectTime = dTime;
+}
+
+void ClVT40LiveCapture::SetSignatureFilterSigma(double dSigma) {
+  if (!(dSigma >= 0.5)) KLV_RAISE(ClException, "Sigma must be >= 0.5.", -44);
+  if (dSigma > 100.0) KLV_RAISE(ClException, "Sigma must be <= 100.", -44);
+  m_dSignatureFilterSigma = dSigma;
+}

@@ -1,0 +1,112 @@
+// The opaque handles of the exported functions: records that tell a valid handle from a wrong one.
+#pragma once
+
+#include <boost/thread/mutex.hpp>
+#include <cstring>
+#include <deque>
+#include <memory>
+#include <new>
+
+#include "MXTools/Exception.h"
+
+/// The memory behind an application's void*.
+///
+/// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and kept
+/// for a while,
+///            so that a handle that was closed is recognised instead of being read from freed memory.
+/// Threads    thread-safe as long as no handle is used while it is deleted.
+/// Errors     -42 NULL, -43 no handle of this kind.
+template <typename T, const char (&aSignature1)[8], const char (&aSignature2)[8]>
+class TpSafeHandle {
+ public:
+  /// Makes a record with a new T. Errors: -44 ph NULL. Returns -102 when memory ran out.
+  static long CreateHandle(void** ph) {
+    if (ph == nullptr) KLV_RAISE_NUMBER(-44);
+    try {
+      auto pObject = std::make_unique<T>();
+      TpSafeHandle* pRecord = NewRecord();
+      pRecord->m_pObject = pObject.release();
+      std::memcpy(pRecord->m_szSignature1, aSignature1, sizeof(aSignature1));
+      std::memcpy(pRecord->m_szSignature2, aSignature2, sizeof(aSignature2));
+      *ph = pRecord;
+      return 0;
+    } catch (const ClExBadAlloc&) {
+      return -102;
+    } catch (const std::bad_alloc&) {
+      return -102;
+    }
+  }
+
+  /// The object of a handle.
+  static void CheckHandle(void* h, T** ppObject) {
+    if (h == nullptr) KLV_RAISE_NUMBER(-42);
+    *ppObject = nullptr;
+    const TpSafeHandle* pRecord = static_cast<const TpSafeHandle*>(h);
+    const bool bValid = std::memcmp(pRecord->m_szSignature1, aSignature1, sizeof(aSignature1)) == 0 &&
+                        std::memcmp(pRecord->m_szSignature2, aSignature2, sizeof(aSignature2)) == 0 &&
+                        pRecord->m_pObject != nullptr;
+    if (!bValid) KLV_RAISE_NUMBER(-43);
+    *ppObject = pRecord->m_pObject;
+  }
+
+  /// Deletes the object and wipes the record.
+  static void DeleteHandle(void* h) {
+    T* pObject = nullptr;
+    CheckHandle(h, &pObject);
+    TpSafeHandle* pRecord = static_cast<TpSafeHandle*>(h);
+    pRecord->Wipe();
+    delete pObject;
+    RetireRecord(pRecord);
+  }
+
+  /// The same with the number as result; *ph becomes NULL on success.
+  static long DeleteHandle(void** ph) {
+    try {
+      DeleteHandle(*ph);
+    } catch (const ClException& oFailure) {
+      return oFailure.Number();
+    }
+    *ph = nullptr;
+    return 0;
+  }
+
+ private:
+  /// So many closed handles stay recognisable before the first of their records serves again.
+  static constexpr size_t cnRetired = 64;
+
+  struct StRetired {
+    boost::mutex oMutex;
+    std::deque<TpSafeHandle*> aRecords;  // guarded by oMutex
+  };
+
+  static StRetired& Retired() {
+    // Never destroyed: handles may be closed while the process ends.
+    static StRetired& oRetired = *new StRetired;
+    return oRetired;
+  }
+
+  static TpSafeHandle* NewRecord() {
+    StRetired& oRetired = Retired();
+    boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
+    if (oRetired.aRecords.size() < cnRetired) return new TpSafeHandle;
+    TpSafeHandle* pRecord = oRetired.aRecords.front();
+    oRetired.aRecords.pop_front();
+    return pRecord;
+  }
+
+  static void RetireRecord(TpSafeHandle* pRecord) {
+    StRetired& oRetired = Retired();
+    boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
+    oRetired.aRecords.push_back(pRecord);
+  }
+
+  void Wipe() {
+    std::memset(m_szSignature1, 0, sizeof(m_szSignature1));
+    std::memset(m_szSignature2, 0, sizeof(m_szSignature2));
+    m_pObject = nullptr;
+  }
+
+  char m_szSignature1[8] = {};
+  T* m_pObject = nullptr;
+  char m_szSignature2[8] = {};
+};

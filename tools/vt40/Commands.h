@@ -1,0 +1,27 @@
+// The tool's commands. Each prints what it has found out and returns the exit code.
+#pragma once
+
+#include <string>
+
+/// What several commands share.
+struct StCommonOptions {
+  std::string sSerial;     ///< empty: the only scanner
+  std::string sScene;      ///< for the simulated scanner
+  std::string sPrintFile;  ///< likewise
+  bool bJson = false;
+};
+
+struct StCaptureOptions {
+  std::string sMode = "preview";
+  std::string sFolder = "out";
+  std::string sFormat = "png";
+  unsigned int nFrames = 5;  ///< frames of the stream to see before the capture
+};
+
+int RunList(const StCommonOptions& oCommon);
+int RunInfo(const StCommonOptions& oCommon);
+int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions);
+int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
+int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
+int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);
+int RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2);

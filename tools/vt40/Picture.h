@@ -1,0 +1,34 @@
+// A grey picture and its file formats.
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// 8-bit grey values, top row first, without padding. Units: resolution in pels per metre.
+struct ClPicture {
+  unsigned int nWidth = 0;
+  unsigned int nHeight = 0;
+  unsigned int nPelsX = 0;
+  unsigned int nPelsY = 0;
+  std::vector<unsigned char> aPixels;
+
+  const unsigned char* Row(unsigned int nY) const {
+    return aPixels.data() + static_cast<size_t>(nY) * nWidth;
+  }
+};
+
+/// Each writes the picture with its resolution. Errors: ClToolError eExitFile.
+void WritePng(const ClPicture& oPicture, const std::string& sFile);
+void WriteBmp(const ClPicture& oPicture, const std::string& sFile);
+void WriteKif(const ClPicture& oPicture, const std::string& sFile);
+
+/// Writes <folder>/<name>.<format>, format being "png", "bmp" or "kif", makes the folder when it is missing,
+/// and returns the file's path.
+std::string WritePicture(const ClPicture& oPicture, const std::string& sFolder, const std::string& sName,
+                         const std::string& sFormat);
+
+/// Appends a number of nBytes bytes, lowest byte first or last.
+void AppendLittleEndian(std::vector<unsigned char>& aBytes, unsigned long long nValue, unsigned int nBytes);
+void AppendBigEndian(std::vector<unsigned char>& aBytes, unsigned long long nValue, unsigned int nBytes);
+/// Writes a whole file. Errors: ClToolError eExitFile, with the system's reason.
+void WriteFile(const std::vector<unsigned char>& aBytes, const std::string& sFile);

@@ -1,0 +1,48 @@
+// PNG files of 8-bit grey with the chunk that tells the resolution.
+#include <png.h>
+
+#include "Picture.h"
+#include "ToolError.h"
+
+namespace {
+
+void Collect(png_structp pPng, png_bytep pData, size_t nBytes) {
+  auto* pBytes = static_cast<std::vector<unsigned char>*>(png_get_io_ptr(pPng));
+  pBytes->insert(pBytes->end(), pData, pData + nBytes);
+}
+
+[[noreturn]] void Fail(png_structp, png_const_charp szReason) {
+  throw ClToolError(eExitFile, std::string("PNG: ") + szReason);
+}
+
+void Ignore(png_structp, png_const_charp) {}
+
+/// The two structures of the PNG library for a scope.
+struct ClPngWriter {
+  ClPngWriter() {
+    pPng = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, Fail, Ignore);
+    if (pPng != nullptr) pInfo = png_create_info_struct(pPng);
+    if (pInfo == nullptr) throw ClToolError(eExitFile, "PNG: out of memory");
+  }
+  ClPngWriter(const ClPngWriter&) = delete;
+  ClPngWriter& operator=(const ClPngWriter&) = delete;
+  ~ClPngWriter() { png_destroy_write_struct(&pPng, &pInfo); }
+
+  png_structp pPng = nullptr;
+  png_infop pInfo = nullptr;
+};
+
+}  // namespace
+
+void WritePng(const ClPicture& oPicture, const std::string& sFile) {
+  std::vector<unsigned char> aBytes;
+  ClPngWriter oWriter;
+  png_set_write_fn(oWriter.pPng, &aBytes, Collect, nullptr);
+  png_set_IHDR(oWriter.pPng, oWriter.pInfo, oPicture.nWidth, oPicture.nHeight, 8, PNG_COLOR_TYPE_GRAY,
+               PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+  png_set_pHYs(oWriter.pPng, oWriter.pInfo, oPicture.nPelsX, oPicture.nPelsY, PNG_RESOLUTION_METER);
+  png_write_info(oWriter.pPng, oWriter.pInfo);
+  for (unsigned int y = 0; y < oPicture.nHeight; ++y) png_write_row(oWriter.pPng, oPicture.Row(y));
+  png_write_end(oWriter.pPng, oWriter.pInfo);
+  WriteFile(aBytes, sFile);
+}

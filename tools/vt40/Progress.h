@@ -1,0 +1,21 @@
+// The line that tells a person what the tool waits for.
+#pragma once
+
+#include <string>
+
+/// Rewrites one line on the standard error when that is a terminal; silent otherwise. NO_COLOR is respected.
+class ClProgress {
+ public:
+  ClProgress();
+  ClProgress(const ClProgress&) = delete;
+  ClProgress& operator=(const ClProgress&) = delete;
+  /// Clears the line.
+  ~ClProgress();
+
+  void Show(const std::string& sText);
+
+ private:
+  bool m_bTerminal;
+  bool m_bColor;
+  bool m_bShown = false;
+};

@@ -1,0 +1,62 @@
+// The library as the tool uses it: initialisation and an open scanner for a scope each.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Picture.h"
+
+/// Keeps the library initialised.
+///
+/// Errors  ClToolError eExitNoScanner when the scan library is missing or does not start.
+class ClLibrary {
+ public:
+  ClLibrary();
+  ClLibrary(const ClLibrary&) = delete;
+  ClLibrary& operator=(const ClLibrary&) = delete;
+  ~ClLibrary();
+
+  /// Serial numbers of the connected scanners.
+  std::vector<std::string> Serials() const;
+  static std::string Version();
+};
+
+/// The outcome of an image call.
+struct StDelivery {
+  bool bDone = false;
+  long nResult = 0;
+  double dScore = 0.0;
+};
+
+/// An open scanner.
+///
+/// Errors  ClToolError with the exit code that suits the library's number, and its text.
+class ClScanner {
+ public:
+  /// An empty serial number takes the only scanner there is.
+  ClScanner(const ClLibrary& oLibrary, const std::string& sSerial);
+  ClScanner(const ClScanner&) = delete;
+  ClScanner& operator=(const ClScanner&) = delete;
+  ~ClScanner();
+
+  const std::string& Serial() const { return m_sSerial; }
+  std::string Versions() const;
+  unsigned int Condition() const;
+
+  void SetMode(int nMode);
+  StDelivery GetImage(ClPicture& oPicture);
+  StDelivery GetPreview(ClPicture& oPicture);
+
+  void SetLed(unsigned int nIndex, unsigned int nState);
+  void Beep(unsigned int nArg1, unsigned int nArg2);
+  std::string GetProperty(const std::string& sName) const;
+  void SetProperty(const std::string& sName, const std::string& sValue);
+
+  /// Size and resolution of the full image and of the preview, without pixels.
+  ClPicture ImageForm() const;
+  ClPicture PreviewForm() const;
+
+ private:
+  std::string m_sSerial;
+  void* m_hScanner = nullptr;
+};
