@@ -49,6 +49,19 @@ long Called(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept
   });
 }
 
+/// The same for a function that gives something back: it does so even when it is to fail, since no host could
+/// do it again.
+template <class F>
+long CalledToGiveBack(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept {
+  long nResult = 0;
+  bool bStruck = false;
+  const long nOutcome = Guarded([&] {
+    bStruck = ClBus::Get().Faults().Strikes(szFunction, bTakesDevice, nResult);
+    fnOperation();
+  });
+  return bStruck ? nResult : nOutcome;
+}
+
 /// The same for a function of an open device, which the operation gets.
 template <class F>
 long CalledOn(const char* szFunction, void* hDevice, F&& fnOperation) noexcept {

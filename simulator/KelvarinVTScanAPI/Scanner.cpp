@@ -125,6 +125,7 @@ bool ClScanner::Plugged(Session nSession) {
 }
 
 ClScanner::Session ClScanner::Open() {
+  std::lock_guard<std::mutex> oRender(m_oRender);
   Guard oGuard(m_oState);
   FollowPlans();
   if (!m_bPlugged) throw ClSimError(eDisconnected, "scanner " + m_sSerial + " is not connected");

@@ -45,7 +45,7 @@ long VTScanAPIInitialize(void*) {
 }
 
 long VTScanAPIUninitialize(void) {
-  return Called("VTScanAPIUninitialize", false, [] { ClBus::Get().Uninitialize(); });
+  return CalledToGiveBack("VTScanAPIUninitialize", false, [] { ClBus::Get().Uninitialize(); });
 }
 
 long VTScanAPIQueryDevices(unsigned int* pIds, unsigned int* pnCount, unsigned int nProductId) {
@@ -82,7 +82,7 @@ long VTScanAPICreateHandle(unsigned int nId, void** phDevice) {
 }
 
 long VTScanAPIDestroyHandle(void** phDevice) {
-  return Called("VTScanAPIDestroyHandle", true, [&] {
+  return CalledToGiveBack("VTScanAPIDestroyHandle", true, [&] {
     NeedPointer(phDevice);
     void* hDevice = *phDevice;
     *phDevice = nullptr;

@@ -180,13 +180,13 @@ long VTScanAPILockRawSequence(void* hDevice, void** ppSequence) {
 }
 
 long VTScanAPIReleaseRawSequence(void* hDevice, void** ppSequence) {
-  return CalledOn("VTScanAPIReleaseRawSequence", hDevice,
-                  [&](ClScanner& oScanner, ClScanner::Session nSession) {
-                    NeedPointer(ppSequence);
-                    void* pSequence = *ppSequence;
-                    *ppSequence = nullptr;
-                    oScanner.ReleaseSequence(nSession, pSequence);
-                  });
+  return CalledToGiveBack("VTScanAPIReleaseRawSequence", true, [&] {
+    const ClBus::ClDevice oDevice = ClBus::Get().Device(hDevice);
+    NeedPointer(ppSequence);
+    void* pSequence = *ppSequence;
+    *ppSequence = nullptr;
+    oDevice.pScanner->ReleaseSequence(oDevice.nSession, pSequence);
+  });
 }
 
 long VTScanAPISetCaptureMode(void* hDevice, EVTScanMode_t eMode, unsigned int nCount,

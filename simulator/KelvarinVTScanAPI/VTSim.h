@@ -63,10 +63,10 @@ VTSIM_API long VTSimLoadScene(const char* szScene);
 /* Forgets the loaded scene and all faults, unplugs what is open, and starts afresh from the environment. */
 VTSIM_API long VTSimReset(void);
 
-/* The ideal picture of what lies on the platen at the moment of the last sequence: black ridges on white,
- * right way round, VTSIM_PICTURE_SIDE squared pixels. pMask (may be NULL) gets 255 where skin is near the
- * glass and 0 elsewhere. *pnSize: in, the room of each buffer; out, the need. -702 when the room is too
- * small. */
+/* The ideal picture of what lies on the platen at the moment of the last sequence (or VTSimAdvance): black
+ * ridges on white, right way round, VTSIM_PICTURE_SIDE squared pixels. pMask (may be NULL) gets 255 where
+ * skin is near the glass and 0 elsewhere. *pnSize: in, the room of each buffer; out, the need. -702 when the
+ * room is too small. */
 VTSIM_API long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture, unsigned char* pMask,
                                    unsigned int* pnSize);
 
@@ -111,7 +111,9 @@ VTSIM_API long VTSimPassSequences(const char* szSerial, unsigned int nCount);
 VTSIM_API long VTSimDelaySequence(const char* szSerial, unsigned int nMilliseconds);
 
 /* Calls nFirst to nFirst + nRepeat - 1 of a scan-library function, counted from 1 from now on, do nothing and
- * answer nResult. nRepeat 0: all from nFirst on. */
+ * answer nResult. nRepeat 0: all from nFirst on. Functions that give something back (VTScanAPIDestroyHandle,
+ * VTScanAPIReleaseRawSequence, VTScanAPIUninitialize) do so all the same, since a host couldn't do it again.
+ */
 VTSIM_API long VTSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRepeat, long nResult);
 
 /* From now on each call fails with the given probability and answers nResult; szFunction NULL means any

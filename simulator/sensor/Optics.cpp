@@ -20,11 +20,11 @@ ClOptics::ClOptics(uint64_t nSeed) {
   ClRandom oRandom(Mix(nSeed, 0x4F707469));
   m_dMidX = 0.5 * (g_cnSensorWidth - 1) + oRandom.Range(-12.0, 12.0);
   m_dMidY = 0.5 * (g_cnSensorHeight - 1) + oRandom.Range(-10.0, 10.0);
-  m_dScaleX = 1052.0 * g_cdHalfPlatenInch * oRandom.Range(1.006, 1.014);
-  m_dScaleY = 768.0 * g_cdHalfPlatenInch * oRandom.Range(1.006, 1.014);
+  m_dScaleX = 1052.0 * g_cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
+  m_dScaleY = 768.0 * g_cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
   m_dKeystoneX = oRandom.Range(-0.006, 0.006);
   m_dKeystoneY = oRandom.Range(0.012, 0.026);
-  m_dBarrel = oRandom.Range(0.010, 0.020);
+  m_dBarrel = oRandom.Range(0.006, 0.012);
   const double dTwist = oRandom.Range(-0.005, 0.005);
   m_dCos = std::cos(dTwist);
   m_dSin = std::sin(dTwist);
