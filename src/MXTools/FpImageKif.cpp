@@ -27,8 +27,9 @@ struct StKifHeader {
 
 void ReadMagic(ClStream& oStream, const char* szText) {
   unsigned int nMagic = 0;
-  oStream.ReadAutoSwap(nMagic);
-  if (nMagic != cnMagic) KLV_RAISE(ClException, szText, -101);
+  // The last byte is 0: a mark cut by one byte would look whole.
+  const unsigned int nRead = oStream.ReadAutoSwap(nMagic);
+  if (nRead != sizeof(nMagic) || nMagic != cnMagic) KLV_RAISE(ClException, szText, -101);
 }
 
 StKifHeader ReadHeader(ClStream& oStream) {

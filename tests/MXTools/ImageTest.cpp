@@ -1,0 +1,224 @@
+// Images: shapes, sharing, copying, filling and the rules of validity.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+#include "MXTools/ImageTypeDispatch.h"
+
+namespace {
+
+long NumberOf(const std::function<void()>& fnCall) {
+  try {
+    fnCall();
+  } catch (const ClException& oFailure) {
+    return oFailure.Number();
+  }
+  return 0;
+}
+
+TEST(Image, AnEmptyOneIsValidAndHoldsNothing) {
+  const ClImage oImage;
+  EXPECT_TRUE(oImage.IsValid());
+  EXPECT_EQ(oImage.Data(), nullptr);
+  EXPECT_EQ(oImage.ElementsPerRow(), 0);
+  EXPECT_TRUE(oImage.AlignedRows());
+  EXPECT_TRUE(std::isnan(oImage.Black()) && std::isnan(oImage.White()));
+}
+
+TEST(Image, RowsArePaddedToFourBytesOnlyWhenAligned) {
+  ClImage oImage;
+  oImage.NewWithType(ClImage::eUint8, 3, 2, 1, 0, 0, true);
+  EXPECT_EQ(oImage.RowBytes(), 4u);
+  oImage.NewWithType(ClImage::eUint8, 3, 2, 1, 0, 0, false);
+  EXPECT_EQ(oImage.RowBytes(), 3u);
+  oImage.NewWithType(ClImage::eInt16, 3, 2, 3, 0, 0, true);
+  EXPECT_EQ(oImage.RowBytes(), 20u);
+  EXPECT_EQ(oImage.ElementsPerRow(), 10);
+  EXPECT_EQ(oImage.SamplesPerRow(), 9);
+}
+
+TEST(Image, TypeAndPlanesDecideBlackWhiteAndContent) {
+  ClImage oImage;
+  oImage.NewWithType(ClImage::eInt16, 2, 2, 3, 0, 0, true);
+  EXPECT_EQ(oImage.Black(), -32768.0);
+  EXPECT_EQ(oImage.White(), 32767.0);
+  EXPECT_EQ(oImage.Content(), ClImage::eRGB);
+  oImage.NewWithType(ClImage::eFloat32, 2, 2, 2, 0, 0, true);
+  EXPECT_EQ(oImage.Black(), -1.0);
+  EXPECT_EQ(oImage.White(), 1.0);
+  EXPECT_EQ(oImage.Content(), ClImage::eUnknown);
+}
+
+TEST(Image, ABlockOfTheSameSizeIsKeptByItsOnlyHolder) {
+  ClImage oImage;
+  oImage.NewWithType(ClImage::eUint8, 100, 12, 1, 0, 0, true);
+  oImage = static_cast<unsigned char>(7);
+  const unsigned char* pBlock = oImage.Data();
+  oImage.NewWithType(ClImage::eUint8, 12, 100, 1, 9, 9, true);
+  EXPECT_EQ(oImage.Data(), pBlock);
+  EXPECT_EQ(oImage.Row<unsigned char>(99)[11], 7);
+  oImage.NewWithType(ClImage::eUint8, 13, 100, 1, 9, 9, true);
+  EXPECT_NE(oImage.RowBytes(), 12u);
+}
+
+TEST(Image, ASharedBlockIsLeftToTheOtherHolder) {
+  ClImage oImage(8, 4, 1, 0, 0);
+  oImage = static_cast<unsigned char>(5);
+  ClImage oOther;
+  oOther.Attach(oImage);
+  EXPECT_EQ(oOther.Data(), oImage.Data());
+  oImage.NewWithType(ClImage::eUint8, 8, 4, 1, 0, 0, true);
+  EXPECT_NE(oOther.Data(), oImage.Data());
+  EXPECT_EQ(oOther.Row<unsigned char>(3)[7], 5);
+}
+
+TEST(Image, ABlockOfTheCallersIsUsedAndNotFreed) {
+  std::vector<unsigned char> aBlock(3 * 2, 9);
+  {
+    ClImage oImage;
+    oImage.AttachIntern(aBlock.data(), ClImage::eUint8, 3, 2, 1, 1, 2, false);
+    oImage.Row<unsigned char>(1)[2] = 1;
+    EXPECT_EQ(oImage.Content(), ClImage::eGrayscale);
+    ClImage oCopy;
+    oCopy = oImage;
+    EXPECT_EQ(oCopy.RowBytes(), 4u);
+    EXPECT_EQ(oCopy.Row<unsigned char>(1)[2], 1);
+    EXPECT_EQ(oCopy.Row<unsigned char>(1)[0], 9);
+  }
+  EXPECT_EQ(aBlock, (std::vector<unsigned char>{9, 9, 9, 9, 9, 1}));
+}
+
+TEST(Image, HostileSizesAreRefusedWithoutOverflow) {
+  ClImage oImage;
+  const auto New = [&](int nWidth, int nHeight, int nPlanes) {
+    return NumberOf([&] { oImage.NewWithType(ClImage::eDouble64, nWidth, nHeight, nPlanes, 0, 0, true); });
+  };
+  EXPECT_EQ(New(10, -1, 1), -101);
+  EXPECT_EQ(New(-10, 10, 1), -101);
+  EXPECT_EQ(New(-10, 10, -1), -101);
+  EXPECT_EQ(New(INT_MAX, INT_MAX, INT_MAX), -102);
+  EXPECT_EQ(New(INT_MAX, 1, 1), -102);
+  EXPECT_EQ(oImage.Data(), nullptr);
+  EXPECT_EQ(New(0, 5, 1), 0);
+  EXPECT_EQ(oImage.Data(), nullptr);
+  EXPECT_EQ(New(5, 0, 0), 0);
+  EXPECT_TRUE(oImage.IsValid());
+}
+
+TEST(Image, AModelGivesShapeAndMetadataButNoPixels) {
+  ClImage oModel(4, 3, 1, 100, 200);
+  oModel.SetTag(77);
+  oModel.SetContent(ClImage::eHSV);
+  oModel.SetBlackWhite(0, 255);
+  ClImage oImage;
+  oImage.New(oModel);
+  EXPECT_TRUE(oImage.HasSize(4, 3));
+  EXPECT_EQ(oImage.Tag(), 77u);
+  EXPECT_EQ(oImage.Content(), ClImage::eHSV);
+  EXPECT_EQ(oImage.PelsY(), 200);
+  ClImage oFloat;
+  oFloat.NewWithType(oModel, ClImage::eFloat32);
+  EXPECT_EQ(oFloat.White(), 1.0);
+  EXPECT_EQ(oFloat.Tag(), 77u);
+  EXPECT_EQ(NumberOf([&] { oImage.NewWithType(oImage, ClImage::eUint8); }), -44);
+  oImage.New(oImage);
+  EXPECT_TRUE(oImage.HasSize(4, 3));
+}
+
+TEST(Image, FillingTakesOnlyValuesOfItsType) {
+  ClImage oBytes(3, 2, 1, 0, 0);
+  oBytes = static_cast<unsigned char>(200);
+  EXPECT_EQ(oBytes.Row<unsigned char>(1)[2], 200);
+  EXPECT_EQ(oBytes.Row<unsigned char>(1)[3], 200) << "the padding is filled too";
+  oBytes.FillAligment(0x1FF);
+  EXPECT_EQ(oBytes.Row<unsigned char>(0)[3], 0xFF);
+  EXPECT_EQ(oBytes.Row<unsigned char>(0)[2], 200);
+  EXPECT_EQ(NumberOf([&] { oBytes = 5; }), -101);
+  ClImage oInts;
+  oInts.NewWithType(ClImage::eInt32, 3, 2, 1, 0, 0, true);
+  oInts = -6;
+  EXPECT_EQ(oInts.Row<int32_t>(1)[2], -6);
+  EXPECT_EQ(NumberOf([&] { oInts = static_cast<unsigned char>(1); }), -101);
+  ClImage oDoubles;
+  oDoubles.NewWithType(ClImage::eDouble64, 2, 2, 1, 0, 0, true);
+  oDoubles = 0;
+  EXPECT_EQ(oDoubles.Row<double>(1)[1], 0.0);
+}
+
+TEST(Image, EveryTypeGivesItsPlanes) {
+  for (const unsigned char nType :
+       {ClImage::eUint8, ClImage::eInt8, ClImage::eUint16, ClImage::eInt16, ClImage::eUint32, ClImage::eInt32,
+        ClImage::eFloat32, ClImage::eDouble64}) {
+    ClImage oImage;
+    oImage.NewWithType(nType, 5, 3, 3, 11, 12, true);
+    DispatchElementType(nType, 0, [&](auto oElement) {
+      using T = typename decltype(oElement)::Type;
+      for (int n = 0; n < 15; ++n) oImage.Row<T>(2)[n] = static_cast<T>(n);
+      ClImage oPlane;
+      oImage.GetPlane(1, oPlane);
+      EXPECT_EQ(oPlane.DataType(), nType);
+      EXPECT_EQ(oPlane.Row<T>(2)[4], static_cast<T>(13));
+      EXPECT_EQ(oPlane.Content(), ClImage::eGrayscale);
+      return 0L;
+    });
+  }
+}
+
+TEST(Image, SwapExchangesEverythingWithoutMovingPixels) {
+  ClImage oFirst(4, 4, 1, 1, 2);
+  ClImage oSecond;
+  const unsigned char* pBlock = oFirst.Data();
+  oFirst.Swap(oSecond);
+  EXPECT_EQ(oSecond.Data(), pBlock);
+  EXPECT_EQ(oSecond.PelsY(), 2);
+  EXPECT_EQ(oFirst.Data(), nullptr);
+  oSecond.Swap(oSecond);
+  EXPECT_EQ(oSecond.Data(), pBlock);
+}
+
+TEST(Image, ValidityNamesTheFirstBrokenRule) {
+  ClImage oImage(4, 4, 1, 1, 1);
+  const auto Rule = [&] {
+    try {
+      oImage.CheckValid();
+    } catch (const ClException& oFailure) {
+      return std::string(std::strchr(oFailure.What(), '\n') + 1);
+    }
+    return std::string();
+  };
+  EXPECT_EQ(Rule(), "");
+  oImage.SetPels(-1, 1);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. Wrong width, height or dpi");
+  oImage.SetPels(1, 1);
+  oImage.SetBlackWhite(2, 1);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. value of Black should be < than value of White");
+  oImage.SetBlackWhite(-1, 1);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. Unsigned require data range >= 0");
+  oImage.SetBlackWhite(0, 254);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. Char require data range 0...255");
+  oImage.NewWithType(ClImage::eInt8, 4, 4, 1, 0, 0, true);
+  oImage.SetBlackWhite(-127, 127);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. Signed Char require data range -128...127");
+  oImage.NewWithType(ClImage::eUint8, 4, 4, 5, 0, 0, true);
+  EXPECT_EQ(Rule(), "ClImage::IsValid. Wrong Image Size or wrong number of planes");
+  EXPECT_FALSE(oImage.IsValid());
+}
+
+TEST(ElementFromDouble, CutsTowardZeroAndStaysInTheType) {
+  EXPECT_EQ(ElementFromDouble<int8_t>(-1.9), -1);
+  EXPECT_EQ(ElementFromDouble<int8_t>(-1000.0), -128);
+  EXPECT_EQ(ElementFromDouble<uint8_t>(255.9), 255);
+  EXPECT_EQ(ElementFromDouble<uint8_t>(-3.0), 0);
+  EXPECT_EQ(ElementFromDouble<uint32_t>(1e20), UINT32_MAX);
+  EXPECT_EQ(ElementFromDouble<int32_t>(std::nan("")), 0);
+  EXPECT_EQ(ElementFromDouble<float>(1e300), std::numeric_limits<float>::max());
+}
+
+}  // namespace
