@@ -14,7 +14,12 @@ constexpr size_t g_cnMostBlocks = 4;
 
 }  // namespace
 
+/// Without a clock, a scanner that is to go while the next sequence is exposed goes now.
 void ClScanner::CheckCanDeliver(Session nSession) {
+  if (!m_bRealTime)
+    for (const ClPlan& oPlan : m_aPlans)
+      if (!oPlan.bPlug && oPlan.dTime < m_dTime + m_oSettings.Seconds())
+        m_dTime = std::max(m_dTime, oPlan.dTime);
   CheckLocked(nSession);
   if (!m_bCapture) throw ClSimError(eBadState, "capture is off");
   if (!m_oSettings.pMode || m_oSettings.aMasks.empty()) throw ClSimError(eBadState, "no capture mode is set");

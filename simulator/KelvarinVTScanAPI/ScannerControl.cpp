@@ -1,0 +1,147 @@
+// One scanner on the bus: what the control side reads of it and does to it.
+#include <algorithm>
+
+#include "KelvarinVTScanAPI/Scanner.h"
+
+namespace Simulator {
+
+void ClScanner::TakeDescription(const ClScannerDescription& oDescription, const ClSceneDescription& oScene) {
+  m_bRealTime = oScene.bRealTime;
+  m_bUsbPowered = oDescription.bUsbPowered;
+  m_sVersion = oDescription.sVersion;
+  m_mapEprom.clear();
+  for (const auto& oEntry : oDescription.mapEprom) {
+    ClChange oChange{oEntry.second.bMissing, *m_oSensor.EpromFile(oEntry.first)};
+    for (const unsigned nOffset : oEntry.second.aFlips)
+      if (nOffset < oChange.aData.size())
+        oChange.aData[nOffset] = static_cast<uint8_t>(~oChange.aData[nOffset]);
+    if (oEntry.second.nCut >= 0)
+      oChange.aData.resize(std::min(oChange.aData.size(), static_cast<size_t>(oEntry.second.nCut)));
+    m_mapEprom[oEntry.first] = oChange;
+  }
+  m_aPlans.clear();
+  for (const ClFaultDescription& oFault : oScene.aFaults) {
+    const bool bPlug = oFault.eKind == ClFaultDescription::ePlug;
+    if ((bPlug || oFault.eKind == ClFaultDescription::eUnplug) && oFault.sName == m_sSerial)
+      m_aPlans.push_back({oFault.dAt, bPlug});
+  }
+  m_aBeeps.clear();
+  m_nBeeps = m_nStatusWrites = 0;
+  m_nSequences = m_nFrames = 0;
+  m_bHold = false;
+  m_nPasses = 0;
+  m_oDelay = Clock::duration(0);
+  m_dTime = m_dShownTime = 0.0;
+  m_oStart = m_oDue = Clock::now();
+  m_bStarted = m_bCapture;
+}
+
+void ClScanner::SetScene(const ClScannerDescription& oDescription, const ClSceneDescription& oScene) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  m_oSensor.SetScene(oDescription, oScene.nSeed);
+  Guard oGuard(m_oState);
+  TakeDescription(oDescription, oScene);
+  if (!m_bPlugged) Plug(true);
+  Restart();
+}
+
+void ClScanner::GroundTruth(uint8_t* pPicture, uint8_t* pCover) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  double dTime;
+  {
+    Guard oGuard(m_oState);
+    dTime = m_dShownTime;
+  }
+  m_oSensor.GroundTruth(dTime, pPicture, pCover);
+}
+
+void ClScanner::State(VTSimState& oState) {
+  Guard oGuard(m_oState);
+  FollowPlans();
+  oState.bPlugged = m_bPlugged;
+  oState.bOpen = m_nSession != 0;
+  oState.bCaptureEnabled = m_bCapture;
+  oState.nSensorMode = m_oSettings.pMode ? m_oSettings.pMode->nMode : 0;
+  oState.nPlanes = static_cast<unsigned>(m_oSettings.aMasks.size());
+  oState.nExposure = m_oSettings.nExposure;
+  std::copy(m_oSettings.anGain.begin(), m_oSettings.anGain.end(), oState.anGain);
+  oState.nIllumination = m_nIllumination;
+  oState.nStatusLed = m_nStatusLed;
+  oState.nStatusWrites = m_nStatusWrites;
+  oState.nSequences = m_nSequences;
+  oState.nLockedSequences = static_cast<unsigned>(
+      std::count_if(m_aBlocks.begin(), m_aBlocks.end(), [](const auto& pBlock) { return pBlock->bOut; }));
+  oState.nBeeps = m_nBeeps;
+  oState.dTime = Time();
+}
+
+std::vector<VTSimBeep> ClScanner::Beeps() {
+  Guard oGuard(m_oState);
+  return {m_aBeeps.begin(), m_aBeeps.end()};
+}
+
+void ClScanner::Advance(double dSeconds) {
+  Guard oGuard(m_oState);
+  m_dTime += dSeconds;
+  m_dShownTime = Time();
+  FollowPlans();
+  m_oChanged.notify_all();
+}
+
+void ClScanner::SetPlugged(bool bPlugged) {
+  Guard oGuard(m_oState);
+  Plug(bPlugged);
+}
+
+void ClScanner::PlanPlug(double dTime, bool bPlugged) {
+  Guard oGuard(m_oState);
+  m_aPlans.push_back({dTime, bPlugged});
+  m_oChanged.notify_all();
+}
+
+void ClScanner::SetEprom(const std::string& sName, const ByteBlock* pData) {
+  Guard oGuard(m_oState);
+  m_mapEprom[sName] = pData ? ClChange{false, *pData} : ClChange{true, {}};
+  m_fnNote("file " + sName + " of " + m_sSerial +
+           (pData ? " replaced by " + std::to_string(pData->size()) + " bytes" : " taken away"));
+}
+
+void ClScanner::RestoreEprom(const std::string& sName) {
+  Guard oGuard(m_oState);
+  m_mapEprom.erase(sName);
+}
+
+void ClScanner::SetVersion(const std::string& sVersion) {
+  Guard oGuard(m_oState);
+  m_sVersion = sVersion;
+}
+
+void ClScanner::Hold(bool bHold) {
+  Guard oGuard(m_oState);
+  m_bHold = bHold;
+  m_nPasses = 0;
+  m_oChanged.notify_all();
+}
+
+void ClScanner::Pass(unsigned nCount) {
+  Guard oGuard(m_oState);
+  m_nPasses += nCount;
+  m_oChanged.notify_all();
+}
+
+void ClScanner::Delay(unsigned nMilliseconds) {
+  Guard oGuard(m_oState);
+  m_oDelay = std::chrono::milliseconds(nMilliseconds);
+  m_fnNote("a sequence of " + m_sSerial + " delayed by " + std::to_string(nMilliseconds) + " ms");
+}
+
+void ClScanner::ClearFaults() {
+  Guard oGuard(m_oState);
+  m_aPlans.clear();
+  m_bHold = false;
+  m_nPasses = 0;
+  m_oDelay = Clock::duration(0);
+  m_oChanged.notify_all();
+}
+
+}  // namespace Simulator

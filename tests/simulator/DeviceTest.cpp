@@ -1,0 +1,301 @@
+// The scan library's functions: devices, handles, files, registers, and what they answer to misuse.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <thread>
+
+#include "KelvarinVTScanAPI/VTScanAPI.h"
+#include "SimulatorFixture.h"
+
+namespace {
+
+using testing::HasSubstr;
+
+TEST_F(SimulatorTest, NothingWorksBeforeInitialisationAndInitialisationsAreCounted) {
+  unsigned nCount = 0;
+  void* hDevice = nullptr;
+  EXPECT_EQ(VTScanAPIQueryDevices(nullptr, &nCount, 17), -2);
+  EXPECT_EQ(VTScanAPICreateHandle(1, &hDevice), -2);
+  EXPECT_EQ(VTScanAPIUninitialize(), -2);
+  ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
+  ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
+  hDevice = Open();
+  EXPECT_EQ(VTScanAPIUninitialize(), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), 0) << "one user is left";
+  EXPECT_EQ(VTScanAPIUninitialize(), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -2);
+  ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -43) << "the old handle";
+  EXPECT_NE(Open(), nullptr);
+}
+
+TEST_F(SimulatorTest, DevicesAreListedByProductAndSizesAreNegotiated) {
+  Start(
+      R"({"scanners": [{"serial": "VT40-AB0001"}, {"serial": "VT4AB0002", "product": 16}, {"serial": "VT40-AC0003"}]})");
+  unsigned aIds[4] = {}, nCount = 0;
+  EXPECT_EQ(VTScanAPIQueryDevices(nullptr, &nCount, 17), -702);
+  EXPECT_EQ(nCount, 2u);
+  nCount = 1;
+  EXPECT_EQ(VTScanAPIQueryDevices(aIds, &nCount, 17), -702);
+  nCount = 4;
+  ASSERT_EQ(VTScanAPIQueryDevices(aIds, &nCount, 17), 0);
+  EXPECT_EQ(nCount, 2u);
+  EXPECT_EQ(VTScanAPIQueryDevices(aIds, nullptr, 17), -701);
+  nCount = 4;
+  EXPECT_EQ(VTScanAPIQueryDevices(aIds + 2, &nCount, 99), 0);
+  EXPECT_EQ(nCount, 0u);
+  char szSerial[16] = {};
+  unsigned nSize = 16;
+  ASSERT_EQ(VTScanAPIGetDeviceSerial(aIds[1], szSerial, &nSize), 0);
+  EXPECT_STREQ(szSerial, "VT40-AC0003");
+  EXPECT_EQ(nSize, 12u);
+  nSize = 11;
+  EXPECT_EQ(VTScanAPIGetDeviceSerial(aIds[1], szSerial, &nSize), -702);
+  EXPECT_EQ(VTScanAPIGetDeviceSerial(4711, szSerial, &nSize), -44);
+  void* hDevice = nullptr;
+  ASSERT_EQ(VTScanAPICreateHandle(aIds[1], &hDevice), 0);
+  nSize = 0;
+  EXPECT_EQ(VTScanAPIGetHandleSerial(hDevice, nullptr, &nSize), -702);
+  ASSERT_EQ(nSize, 12u);
+  EXPECT_EQ(VTScanAPIGetHandleSerial(hDevice, szSerial, &nSize), 0);
+  unsigned nIndex = 9;
+  EXPECT_EQ(VTScanAPIGetDeviceIndex(hDevice, &nIndex), 0);
+  EXPECT_EQ(nIndex, 2u);
+}
+
+TEST_F(SimulatorTest, ADeviceOpensOnceAndItsHandleDiesWithTheClose) {
+  Start("empty");
+  void* hFirst = Open();
+  void* hSecond = hFirst;
+  EXPECT_EQ(VTScanAPICreateHandle(FirstId(), &hSecond), -61);
+  EXPECT_EQ(hSecond, nullptr);
+  void* hCopy = hFirst;
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hFirst), 0);
+  EXPECT_EQ(hFirst, nullptr);
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hCopy), -43);
+  EXPECT_EQ(hCopy, nullptr) << "cleared whatever the answer";
+  EXPECT_NE(Open(), nullptr);
+}
+
+TEST_F(SimulatorTest, EveryFunctionOfADeviceRefusesForeignHandlesAndMissingPointers) {
+  Start("empty");
+  void* hDevice = Open();
+  int nLocal = 0;
+  unsigned n = 0;
+  double d = 0;
+  long l = 0;
+  for (void* h : {static_cast<void*>(nullptr), static_cast<void*>(&nLocal)}) {
+    void* hCopy = h;
+    EXPECT_EQ(VTScanAPIGetVersion(h, nullptr, &n), -43);
+    EXPECT_EQ(VTScanAPILockRawSequence(h, &hCopy), -43);
+    EXPECT_EQ(VTScanAPIReleaseRawSequence(h, &hCopy), -43);
+    EXPECT_EQ(VTScanAPISetCaptureMode(h, 35, 0, nullptr, 0), -43);
+    EXPECT_EQ(VTScanAPIEnableCapture(h, 1), -43);
+    EXPECT_EQ(VTScanAPIBeep(h, 1, 1), -43);
+  }
+  EXPECT_EQ(VTScanAPICreateHandle(FirstId(), nullptr), -701);
+  EXPECT_EQ(VTScanAPIDestroyHandle(nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetVersion(hDevice, nullptr, nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetPlugStatus(hDevice, nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetResolution(hDevice, &n, nullptr), -701);
+  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, nullptr, &n, &n), -701);
+  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, "GEOCAL", nullptr, nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetPropertyA(hDevice, nullptr, nullptr, &n), -701);
+  EXPECT_EQ(VTScanAPIGetPropertyLongA(hDevice, "USBPowered", nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetPropertyDoubleA(hDevice, nullptr, &d), -701);
+  EXPECT_EQ(VTScanAPISetCaptureMode(hDevice, 35, 2, nullptr, 2), -701);
+  EXPECT_EQ(VTScanAPISetCaptureSequence(hDevice, 2, nullptr, nullptr), -701);
+  EXPECT_EQ(VTScanAPILockRawSequence(hDevice, nullptr), -701);
+  EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 1, nullptr, nullptr), -701);
+  EXPECT_EQ(VTScanAPIGetImage(hDevice, nullptr, 1, 0), -701);
+  EXPECT_EQ(VTScanAPISetGain(hDevice, 1, 256, 1), -44);
+  EXPECT_EQ(VTScanAPISetResolution(hDevice, 37), -44);
+  EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 5, &n, &n), -44);
+  EXPECT_EQ(VTScanAPIGetPropertyLongA(hDevice, "usbpowered", &l), -206);
+  EXPECT_EQ(VTScanAPISetPropertyA(hDevice, "version", "2.0"), -47);
+  EXPECT_EQ(VTScanAPISetPropertyLongA(hDevice, "colour", 2), -206);
+}
+
+TEST_F(SimulatorTest, VersionsPropertiesAndTextsAreThoseOfTheScene) {
+  Start(
+      R"({"libraryVersion": "1.12", "scanners": [{"version": "FW:1 FPGA:2.10 HW:1", "usbPowered": true}]})");
+  void* hDevice = Open();
+  char szText[256];
+  unsigned nSize = sizeof szText;
+  ASSERT_EQ(VTScanAPIGetVersion(hDevice, szText, &nSize), 0);
+  EXPECT_STREQ(szText, "FW:1 FPGA:2.10 HW:1");
+  EXPECT_EQ(nSize, 20u);
+  for (const char* szName : {"version", "Version"}) {
+    nSize = sizeof szText;
+    ASSERT_EQ(VTScanAPIGetPropertyA(hDevice, szName, szText, &nSize), 0);
+    EXPECT_STREQ(szText, "1.12");
+  }
+  wchar_t wszText[16];
+  nSize = 16;
+  ASSERT_EQ(VTScanAPIGetPropertyW(hDevice, L"version", wszText, &nSize), 0);
+  EXPECT_STREQ(wszText, L"1.12");
+  long nValue = 0;
+  ASSERT_EQ(VTScanAPIGetPropertyLongA(hDevice, "USBPowered", &nValue), 0);
+  EXPECT_EQ(nValue, 1);
+  ASSERT_EQ(VTSimSetDeviceVersion(nullptr, "no marker"), 0);
+  ASSERT_EQ(VTSimSetLibraryVersion("7"), 0);
+  nSize = sizeof szText;
+  EXPECT_EQ(VTScanAPIGetVersion(hDevice, szText, &nSize), 0);
+  EXPECT_STREQ(szText, "no marker");
+  EXPECT_STREQ(VTScanAPIGetErrorDescriptionA(-60), "The device is disconnected or does not answer.");
+  EXPECT_STREQ(VTScanAPIGetErrorDescriptionW(12345), L"Unknown error code.");
+}
+
+TEST_F(SimulatorTest, FilesOfTheEepromCanBeReadCutReplacedTakenAwayAndRestored) {
+  Start(
+      R"({"scanners": [{"eprom": {"form": "legacy", "GEOCAL": {"flip": [0, 5000]}, "BRGHTCAL": {"cut": 100}}}]})");
+  void* hDevice = Open();
+  std::vector<unsigned char> aGeo = ReadEprom(hDevice, "GEOCAL");
+  ASSERT_EQ(aGeo.size(), 49u + 2 * (4 + 8 * 64) + 4);
+  EXPECT_EQ(aGeo[0], 'C' ^ 0xFF);
+  EXPECT_EQ(ReadEprom(hDevice, "BRGHTCAL").size(), 100u);
+  EXPECT_EQ(ReadEprom(hDevice, "GAINSET").size(), 30u);
+  unsigned nSize = 29;
+  unsigned char aRoom[30];
+  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, "GAINSET", aRoom, &nSize), -702);
+  EXPECT_EQ(nSize, 30u);
+  ASSERT_EQ(VTSimRestoreEpromFile(nullptr, "BRGHTCAL"), 0);
+  EXPECT_EQ(ReadEprom(hDevice, "BRGHTCAL").size(), 1088u);
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GAINSET", nullptr, 0), 0);
+  nSize = sizeof aRoom;
+  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, "GAINSET", aRoom, &nSize), -200);
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GAINSET", "CGD", 4), 0);
+  EXPECT_EQ(ReadEprom(hDevice, "GAINSET"), (std::vector<unsigned char>{'C', 'G', 'D', 0}));
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GAINSET", nullptr, 0), 0);
+  char szList[64];
+  nSize = sizeof szList;
+  ASSERT_EQ(VTScanAPIListEPROMFile(hDevice, szList, &nSize), 0);
+  EXPECT_STREQ(szList, "GEOCAL;BRGHTCAL");
+}
+
+TEST_F(SimulatorTest, WhatTheHostSetsShowsOnTheControlSide) {
+  Start("empty");
+  void* hDevice = Open();
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 600), 0);
+  EXPECT_EQ(VTScanAPISetGain(hDevice, 10, 20, 30), 0);
+  EXPECT_EQ(VTScanAPISetLEDEx(hDevice, 0x1234), 0);
+  EXPECT_EQ(VTScanAPISetStatusLED(hDevice, 0x0007000000000002ull), 0);
+  EXPECT_EQ(VTScanAPIBeep(hDevice, 300, 100), 0);
+  SetMode(hDevice, 35, {0, 1});
+  VTSimState o = State();
+  EXPECT_EQ(o.nExposure, 600u);
+  EXPECT_THAT(o.anGain, testing::ElementsAre(10, 20, 30));
+  EXPECT_EQ(o.nIllumination, 0x1234u);
+  EXPECT_EQ(o.nStatusLed, 0x0007000000000002ull);
+  EXPECT_EQ(o.nSensorMode, 35);
+  EXPECT_EQ(o.nPlanes, 2u);
+  EXPECT_EQ(o.bCaptureEnabled, 0);
+  unsigned char aBytes[6] = {1, 2, 0, 0, 0, 0xF7};
+  unsigned nSize = 6;
+  EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 1, aBytes, &nSize), 0);
+  EXPECT_EQ(State().nStatusLed, 0xF70000000201ull);
+  EXPECT_EQ(State().nStatusWrites, 2u);
+  EXPECT_EQ(VTScanAPISetGlobalGain(hDevice, 77), 0);
+  EXPECT_THAT(State().anGain, testing::ElementsAre(77, 77, 77));
+  VTSimBeep aBeeps[2];
+  unsigned nBeeps = 2;
+  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nBeeps), 0);
+  ASSERT_EQ(nBeeps, 1u);
+  EXPECT_EQ(aBeeps[0].nArg1, 300u);
+  EXPECT_EQ(aBeeps[0].nArg2, 100u);
+}
+
+TEST_F(SimulatorTest, AnUnpluggedScannerAnswersNothingAndItsHandleStaysDead) {
+  Start("empty");
+  void* hDevice = Open();
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  unsigned n = 1, nCount = 1, nId = 0;
+  int nStatus = 1;
+  EXPECT_EQ(VTScanAPIGetVersion(hDevice, nullptr, &n), -60);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -60);
+  EXPECT_EQ(VTScanAPIEnableCapture(hDevice, 0), -60);
+  EXPECT_EQ(VTScanAPIGetPlugStatus(hDevice, &nStatus), 0);
+  EXPECT_EQ(nStatus, 0);
+  EXPECT_EQ(VTScanAPIQueryDevices(&nId, &nCount, 17), 0);
+  EXPECT_EQ(nCount, 0u);
+  ASSERT_EQ(VTSimPlug(nullptr), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -60);
+  void* hNew = Open();
+  EXPECT_EQ(VTScanAPISetVSYNC(hNew, 1), 0);
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hDevice), 0) << "leaves the new session alone";
+  EXPECT_EQ(VTScanAPISetVSYNC(hNew, 1), 0);
+  EXPECT_THAT(FaultLog(), HasSubstr("unplugged VT40-AB0001"));
+}
+
+TEST_F(SimulatorTest, TheChosenCallFailsAndWhatGivesBackDoesSoAllTheSame) {
+  Start("empty");
+  void* hDevice = Open();
+  ASSERT_EQ(VTScanAPISetVSYNC(hDevice, 100), 0);
+  ASSERT_EQ(VTSimFailCall("VTScanAPISetVSYNC", 2, 2, -101), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 101), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 102), -101);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 103), -101);
+  EXPECT_EQ(State().nExposure, 101u) << "a failing call does nothing";
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 104), 0);
+  EXPECT_EQ(FaultLog(),
+            "call 3 of VTScanAPISetVSYNC answered -101\ncall 4 of VTScanAPISetVSYNC answered -101\n");
+  unsigned long long nCalls = 0;
+  EXPECT_EQ(VTSimGetCallCount("VTScanAPISetVSYNC", &nCalls), 0);
+  EXPECT_EQ(nCalls, 5u);
+  ASSERT_EQ(VTSimFailCall("VTScanAPIDestroyHandle", 1, 0, -105), 0);
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hDevice), -105);
+  EXPECT_EQ(hDevice, nullptr);
+  EXPECT_NE(Open(), nullptr);
+}
+
+TEST_F(SimulatorTest, RandomFaultsFollowFromTheirSeed) {
+  const auto Run = [this](unsigned long long nSeed) {
+    Start("empty");
+    void* hDevice = Open();
+    EXPECT_EQ(VTSimFailRandomly(nullptr, nSeed, 0.25, -60), 0);
+    std::string sPattern;
+    for (int i = 0; i < 200; ++i) sPattern += VTScanAPISetVSYNC(hDevice, 1) ? 'x' : '.';
+    VTSimClearFaults();
+    EXPECT_EQ(VTScanAPIDestroyHandle(&hDevice), 0);
+    VTScanAPIUninitialize();
+    return sPattern;
+  };
+  const std::string sFirst = Run(5);
+  EXPECT_EQ(sFirst, Run(5));
+  EXPECT_NE(sFirst, Run(6));
+  EXPECT_NEAR(static_cast<double>(std::count(sFirst.begin(), sFirst.end(), 'x')), 50.0, 25.0);
+}
+
+TEST_F(SimulatorTest, ABadSceneChangesNothingAndAGoodOneKeepsTheHandles) {
+  Start("empty");
+  void* hDevice = Open();
+  EXPECT_EQ(VTSimLoadScene("{\"sead\": 1}"), -44);
+  EXPECT_THAT(VTSimLastError(), HasSubstr("sead"));
+  EXPECT_EQ(VTSimLoadScene("{\"scanners\": [{\"fingers\": [{\"print\": {\"file\": \"/none.png\"}}]}]}"),
+            -200);
+  EXPECT_THAT(VTSimLastError(), HasSubstr("/none.png"));
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), 0);
+  EXPECT_EQ(VTSimLoadScene("finger"), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), 0);
+  EXPECT_EQ(VTSimLoadScene(R"({"scanners": [{"serial": "VT40-AB0002"}]})"), 0);
+  EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -60);
+  EXPECT_EQ(VTSimUnplug("VT40-AB0001"), -44);
+}
+
+TEST_F(SimulatorTest, TheEnvironmentChoosesTheSceneAndABadOneFailsTheInitialisation) {
+  ASSERT_EQ(setenv("KELVARIN_VTSIM_SCENE", R"({"scanners": [{"serial": "VT40-AC0077"}]})", 1), 0);
+  ASSERT_EQ(VTSimReset(), 0);
+  ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
+  char szSerial[16];
+  unsigned nSize = sizeof szSerial;
+  EXPECT_EQ(VTScanAPIGetDeviceSerial(FirstId(), szSerial, &nSize), 0);
+  EXPECT_STREQ(szSerial, "VT40-AC0077");
+  EXPECT_EQ(VTScanAPIUninitialize(), 0);
+  ASSERT_EQ(setenv("KELVARIN_VTSIM_SCENE", "no-such-scene", 1), 0);
+  EXPECT_EQ(VTScanAPIInitialize(nullptr), -200);
+  EXPECT_THAT(VTSimLastError(), HasSubstr("no-such-scene"));
+  ASSERT_EQ(unsetenv("KELVARIN_VTSIM_SCENE"), 0);
+  EXPECT_EQ(VTScanAPIInitialize(nullptr), 0);
+}
+
+}  // namespace

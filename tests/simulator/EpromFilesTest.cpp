@@ -1,0 +1,127 @@
+// The calibration files, byte for byte, and what they say about the optics.
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+#include "scene/Random.h"
+#include "sensor/EpromFiles.h"
+
+namespace Simulator {
+namespace {
+
+/// The checksum bit by bit, most significant bit first.
+uint32_t SlowCrc(const uint8_t* pBytes, size_t nCount) {
+  uint32_t nCrc = 0xFFFFFFFFu;
+  for (size_t i = 0; i < nCount; ++i) {
+    nCrc ^= static_cast<uint32_t>(pBytes[i]) << 24;
+    for (int k = 0; k < 8; ++k) nCrc = (nCrc & 0x80000000u) ? (nCrc << 1) ^ 0x04C11DB7u : nCrc << 1;
+  }
+  return ~nCrc;
+}
+
+TEST(EncodeGeometry, TheRecordOfOnePointIsThisByteForByte) {
+  ASSERT_EQ(SlowCrc(reinterpret_cast<const uint8_t*>("123456789"), 9), 0xFC891918u);
+  const ClGeometry oGeometry{3840,  2720,  41417, 30236,         1600,          1600,
+                             19685, 19685, 7,     {{1.0, -2.0}}, {{0.5, 100.0}}};
+  const ByteBlock aRecord = EncodeGeometry(oGeometry);
+  const ByteBlock aExpected = {
+      'C', 'A', 'L',  0,    'G',  'E',  'O',  0,    '0',  '0',  '6', 0,   //
+      0,   0,   0x0F, 0x00, 0,    0,    0x0A, 0xA0,                       // source size
+      0,   0,   0xA1, 0xC9, 0,    0,    0x76, 0x1C,                       // source pels
+      0,   0,   0x06, 0x40, 0,    0,    0x06, 0x40,                       // target size
+      0,   0,   0x4C, 0xE5, 0,    0,    0x4C, 0xE5,                       // target pels
+      0,   0,   0,    1,    7,                                            // planes, background
+      0,   0,   0,    1,    0x3F, 0x80, 0,    0,    0xC0, 0x00, 0,   0,   // target: 1.0, -2.0
+      0,   0,   0,    1,    0x3F, 0x00, 0,    0,    0x42, 0xC8, 0,   0};  // actual: 0.5, 100.0
+  ASSERT_EQ(aRecord.size(), aExpected.size() + 4);
+  EXPECT_TRUE(std::equal(aExpected.begin(), aExpected.end(), aRecord.begin()));
+  const uint32_t nCrc = SlowCrc(aExpected.data(), aExpected.size());
+  EXPECT_THAT(ByteBlock(aRecord.end() - 4, aRecord.end()),
+              testing::ElementsAre(nCrc >> 24, (nCrc >> 16) & 255, (nCrc >> 8) & 255, nCrc & 255));
+}
+
+TEST(EncodeBrightness, BothFormsHoldTheSamplesWhereTheyBelong) {
+  BrightnessTable oTable;
+  for (const unsigned nKey : g_caIlluminationKeys)
+    for (size_t c = 0; c < 3; ++c) oTable[nKey][c].assign(64, static_cast<uint8_t>(nKey * 10 + c));
+  const ByteBlock aLegacy = EncodeBrightness(oTable, true);
+  ASSERT_EQ(aLegacy.size(), 1088u);
+  EXPECT_EQ(aLegacy[127], 0);
+  EXPECT_EQ(aLegacy[128], 160);       // key 16, plane 0
+  EXPECT_EQ(aLegacy[320 + 64], 11);   // key 1, plane 1
+  EXPECT_EQ(aLegacy[512 + 128], 82);  // key 8, plane 2
+  EXPECT_EQ(aLegacy[704], 20);        // key 2
+  EXPECT_EQ(aLegacy[1087], 42);       // key 4, last sample of plane 2
+  const ByteBlock aCurrent = EncodeBrightness(oTable, false);
+  ASSERT_EQ(aCurrent.size(), 8u + 5 * (8 + 192));
+  EXPECT_THAT(ByteBlock(aCurrent.begin(), aCurrent.begin() + 18),
+              testing::ElementsAre('C', 'B', 'D', 0, 1, 0, 64, 0, 1, 0, 0, 0, 0, 0, 0, 0, 10, 10));
+}
+
+TEST(EncodeGains, BothFormsInterleaveGainAndWhitePatch) {
+  GainTable oTable;
+  oTable[1] = {{0x11, 0x22, 0x33}, {0xA1, 0xA2, 0xA3}};
+  oTable[16] = {{0x44, 0x55, 0x66}, {0xB1, 0xB2, 0xB3}};
+  const ByteBlock aLegacy = EncodeGains(oTable, true);
+  ASSERT_EQ(aLegacy.size(), 30u);
+  EXPECT_THAT(
+      ByteBlock(aLegacy.begin(), aLegacy.begin() + 13),
+      testing::ElementsAre(0x44, 0xB1, 0x55, 0xB2, 0x66, 0xB3, 0x11, 0xA1, 0x22, 0xA2, 0x33, 0xA3, 0));
+  EXPECT_THAT(EncodeGains({{1, oTable[1]}}, false),
+              testing::ElementsAre('C', 'G', 'D', 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0x11, 0xA1, 0x22, 0xA2,
+                                   0x33, 0xA3));
+}
+
+TEST(MeasureGeometry, TheDotGridRunsColumnByColumnAndSeesTheMirroredPlaten) {
+  for (const char* szSerial : {"VT40-AB0001", "VT40-AC0002", "VT40-AA0003"}) {
+    const ClOptics oOptics(MixText(szSerial));
+    const ClGeometry o = MeasureGeometry(oOptics);
+    ASSERT_EQ(o.aTarget.size(), 64u);
+    ASSERT_EQ(o.aActual.size(), 64u);
+    EXPECT_NEAR(o.aTarget[9].dX - o.aTarget[1].dX, 196.85, 0.01);  // one column on: 10 mm
+    EXPECT_NEAR(o.aTarget[1].dY - o.aTarget[0].dY, 196.85, 0.01);  // one row on
+    EXPECT_NEAR(o.aTarget[0].dX + o.aTarget[63].dX, 1599.0, 0.01);
+    for (size_t e = 0; e < 64; ++e) {
+      // A dot is seen where the optics show the mirrored place of the picture.
+      const ClPoint oBack = oOptics.SensorToPicture(o.aActual[e].dX, o.aActual[e].dY);
+      EXPECT_NEAR(1599.0 - oBack.dX, o.aTarget[e].dX, 1e-5);
+      // Ten millimetres are 414 sensor pixels across and 302 down, give or take the distortion.
+      if (e + 8 < 64) {
+        EXPECT_NEAR(o.aActual[e + 8].dX - o.aActual[e].dX, 414.0, 25.0);
+      }
+      if (e % 8 < 7) {
+        EXPECT_NEAR(o.aActual[e + 1].dY - o.aActual[e].dY, 302.0, 20.0);
+      }
+    }
+  }
+}
+
+TEST(MeasureGeometry, NoDotStraysFarFromTheMiddleOfItsNeighbours) {
+  // Hosts repair points that lie more than 15 pixels off, so a good scanner must stay well below.
+  for (const char* szSerial : {"VT40-AB0001", "VT40-AC0002", "VT40-AA0003"}) {
+    const std::vector<ClPoint> a = MeasureGeometry(ClOptics(MixText(szSerial))).aActual;
+    for (size_t c = 1; c < 7; ++c) {
+      for (size_t r = 1; r < 7; ++r) {
+        const size_t e = 8 * c + r;
+        EXPECT_LT(std::hypot(a[e].dX - 0.5 * (a[e - 1].dX + a[e + 1].dX),
+                             a[e].dY - 0.5 * (a[e - 8].dY + a[e + 8].dY)),
+                  5.0);
+      }
+    }
+  }
+}
+
+TEST(MeasureBrightness, TheLuminanceOfKeyOneIsTheLevelOfARidge) {
+  const ClOptics oOptics(MixText("VT40-AB0001"));
+  const BrightnessTable oTable = MeasureBrightness(oOptics);
+  const std::vector<ClPoint> aTarget = MeasureGeometry(oOptics).aTarget;
+  ASSERT_EQ(oTable.size(), 5u);
+  const auto& aPlanes = oTable.at(1);
+  for (size_t i = 0; i < 64; ++i) {
+    const int nLuminance = (30 * aPlanes[0][i] + 59 * aPlanes[1][i] + 11 * aPlanes[2][i]) / 100;
+    EXPECT_NEAR(nLuminance, 150.0 * oOptics.Illumination(1599.0 - aTarget[i].dX, aTarget[i].dY), 1.5);
+  }
+}
+
+}  // namespace
+}  // namespace Simulator

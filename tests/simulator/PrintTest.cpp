@@ -1,0 +1,199 @@
+// Prints: what grows from a seed, what comes from a file, and what a finger shows of them.
+#include <gmock/gmock.h>
+
+#include "TestFiles.h"
+#include "scene/FingerContent.h"
+#include "scene/PrintCache.h"
+#include "scene/PrintFile.h"
+#include "scene/PrintGenerator.h"
+#include "scene/RidgeFlow.h"
+#include "scene/SimError.h"
+
+namespace Simulator {
+namespace {
+
+ClPrintSpecification Specification(uint64_t nSeed, EPattern ePattern) {
+  ClPrintSpecification o;
+  o.nSeed = nSeed;
+  o.ePattern = ePattern;
+  return o;
+}
+
+/// Rows from one ridge to the next, averaged over columns near the middle in the upper part of a print, where
+/// ridges run across.
+double RidgePeriod(const ClPrint& oPrint) {
+  const TpPlane<uint8_t>& o = oPrint.oRidge;
+  int nCrossings = 0, nRows = 0;
+  for (int x = o.Width() / 2 - 20; x <= o.Width() / 2 + 20; x += 5) {
+    for (int y = o.Height() / 8; y < o.Height() / 8 + 80; ++y) {
+      nCrossings += (o.At(x, y) < 128) != (o.At(x, y + 1) < 128);
+      ++nRows;
+    }
+  }
+  return 2.0 * nRows / nCrossings;
+}
+
+struct ClAreas {
+  int nContact = 0, nCover = 0;
+};
+
+ClAreas Areas(const ClFingerContent& oFinger, double dSeconds) {
+  ClPlatenMap oMap;
+  oMap.Clear();
+  oFinger.Draw(dSeconds, oMap);
+  ClAreas oAreas;
+  for (size_t i = 0; i < oMap.oContact.Count(); ++i) {
+    oAreas.nContact += oMap.oContact.Data()[i] >= 128;
+    oAreas.nCover += oMap.oCover.Data()[i] >= 128;
+  }
+  return oAreas;
+}
+
+TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
+  for (const EPattern ePattern : {ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch}) {
+    ClPrintSpecification oSpecification = Specification(17, ePattern);
+    oSpecification.dPores = 0.0;
+    const ClPrint oPrint = GeneratePrint(oSpecification);
+    EXPECT_NEAR(RidgePeriod(oPrint), 9.0, 1.0) << ePattern;
+    double dRidge = 0.0, dSkin = 0.0;
+    for (size_t i = 0; i < oPrint.oRidge.Count(); ++i) {
+      if (oPrint.oDepth.Data()[i] < 100) continue;
+      dSkin += 1.0;
+      dRidge += oPrint.oRidge.Data()[i] >= 128;
+    }
+    EXPECT_NEAR(dRidge / dSkin, 0.5, 0.06) << ePattern;
+  }
+}
+
+TEST(PrintGenerator, TheSpacingFollowsTheSpecification) {
+  ClPrintSpecification oWide = Specification(17, ePatternArch);
+  oWide.dRidgePeriodMm *= 1.2;
+  EXPECT_NEAR(RidgePeriod(GeneratePrint(oWide)) / RidgePeriod(GeneratePrint(Specification(17, ePatternArch))),
+              1.2, 0.1);
+}
+
+TEST(PrintGenerator, ASeedAlwaysGivesTheSamePrintAndAnotherSeedAnother) {
+  const ClPrint oFirst = GeneratePrint(Specification(3, ePatternWhorl));
+  const ClPrint oAgain = GeneratePrint(Specification(3, ePatternWhorl));
+  const ClPrint oOther = GeneratePrint(Specification(4, ePatternWhorl));
+  ASSERT_EQ(oFirst.oRidge.Count(), oOther.oRidge.Count());
+  size_t nSame = 0, nLike = 0;
+  for (size_t i = 0; i < oFirst.oRidge.Count(); ++i) {
+    nSame += oFirst.oRidge.Data()[i] == oAgain.oRidge.Data()[i];
+    nLike += (oFirst.oRidge.Data()[i] < 128) == (oOther.oRidge.Data()[i] < 128);
+  }
+  EXPECT_EQ(nSame, oFirst.oRidge.Count());
+  EXPECT_LT(static_cast<double>(nLike), 0.65 * static_cast<double>(oFirst.oRidge.Count()));
+}
+
+TEST(RidgeFlow, GoingRoundACoreTurnsTheRidgeByHalfATurn) {
+  // Two cores close together turn it by a whole turn, an arch not at all.
+  const auto Turn = [](EPattern ePattern) {
+    const ClRidgeFlow oFlow(Specification(5, ePattern));
+    double dSum = 0.0, dLast = oFlow.Direction(3.5, 1.0);
+    for (int i = 1; i <= 720; ++i) {
+      const double dNow = oFlow.Direction(3.5 * std::cos(i * 3.14159265358979 / 360.0),
+                                          1.0 + 3.5 * std::sin(i * 3.14159265358979 / 360.0));
+      dSum += std::remainder(dNow - dLast, 3.14159265358979);
+      dLast = dNow;
+    }
+    return dSum / 3.14159265358979;
+  };
+  EXPECT_NEAR(Turn(ePatternRightLoop), 1.0, 1e-6);
+  EXPECT_NEAR(Turn(ePatternLeftLoop), 1.0, 1e-6);
+  EXPECT_NEAR(Turn(ePatternWhorl), 2.0, 1e-6);
+  EXPECT_NEAR(Turn(ePatternArch), 0.0, 1e-6);
+}
+
+TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
+  const ClTestFolder oFolder;
+  // Stripes of 8 pixels, never light enough to count as bare.
+  const auto Pixel = [](unsigned x, unsigned y) { return (x / 4 + y / 64) % 2 ? 30u + y % 7 : 200u; };
+  ClFingerDescription oFinger;
+  oFinger.oPrint.sFile = oFolder.WritePng("stripes.png", 1200, 800, Pixel);
+  oFinger.dDryness = 0.0;
+  ClPlatenMap oMap;
+  oMap.Clear();
+  ClFingerContent(oFinger).Draw(0.0, oMap);
+  for (unsigned y = 0; y < 800; y += 3)
+    for (unsigned x = 0; x < 1200; ++x)
+      ASSERT_EQ(oMap.oContact.At(static_cast<int>(x) + 200, static_cast<int>(y) + 400), 255 - Pixel(x, y))
+          << x << " " << y;
+  EXPECT_EQ(oMap.oContact.At(199, 700), 0);
+  EXPECT_EQ(oMap.oCover.At(199, 700), 0);
+}
+
+TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
+  const ClTestFolder oFolder;
+  const auto NumberOf = [](const std::string& sPath) -> std::pair<long, std::string> {
+    try {
+      ReadPrintFile(sPath);
+      return {0, ""};
+    } catch (const ClSimError& oError) {
+      return {oError.Number(), oError.what()};
+    }
+  };
+  const std::string sGood = oFolder.WritePng("good.png", 64, 64, [](unsigned x, unsigned) { return x; });
+  EXPECT_EQ(NumberOf(sGood).first, 0);
+  std::ifstream oFile(sGood, std::ios::binary);
+  const std::string sBytes((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
+  const std::string sCut = oFolder.Write("cut.png", sBytes.substr(0, sBytes.size() / 2));
+  EXPECT_EQ(NumberOf(sCut).first, -203);
+  EXPECT_THAT(NumberOf(sCut).second, testing::HasSubstr(sCut));
+  EXPECT_EQ(NumberOf(oFolder.Write("text.png", "no picture")).first, -203);
+  EXPECT_EQ(NumberOf(oFolder.Path("none.png")).first, -200);
+}
+
+TEST(FingerContent, AFingerIsThereFromTouchToLiftAndGrowsInBetween) {
+  ClFingerDescription oDescription;
+  oDescription.dTouch = 1.0;
+  oDescription.dLift = 2.0;
+  const ClFingerContent oFinger(oDescription);
+  EXPECT_EQ(Areas(oFinger, 0.9).nCover, 0);
+  const ClAreas oLanding = Areas(oFinger, 1.05), oDown = Areas(oFinger, 1.5);
+  EXPECT_GT(oLanding.nCover, 0);
+  EXPECT_LT(oLanding.nContact, oDown.nContact);
+  EXPECT_LT(oLanding.nCover, oDown.nCover);
+  EXPECT_EQ(Areas(oFinger, 2.2).nCover, 0);
+  EXPECT_EQ(oFinger.StateAt(1.4), oFinger.StateAt(1.9)) << "a still finger needs no new drawing";
+  EXPECT_NE(oFinger.StateAt(1.05), oFinger.StateAt(1.5));
+}
+
+TEST(FingerContent, PressureWidensTheContactAndDrynessBreaksIt) {
+  const auto With = [](double dPressure, double dDryness) {
+    ClFingerDescription o;
+    o.dPressure = dPressure;
+    o.dDryness = dDryness;
+    return Areas(ClFingerContent(o), 0.0);
+  };
+  EXPECT_GT(With(1.0, 0.1).nContact, With(0.6, 0.1).nContact * 11 / 10);
+  EXPECT_GT(With(1.0, 0.1).nCover, With(0.6, 0.1).nCover);
+  EXPECT_LT(With(0.2, 0.1).nContact, With(0.6, 0.1).nContact * 9 / 10);
+  EXPECT_LT(With(0.6, 0.8).nContact, With(0.6, 0.1).nContact * 9 / 10);
+  EXPECT_EQ(With(0.6, 0.8).nCover, With(0.6, 0.1).nCover);
+}
+
+TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
+  // A picture with one dark bar at its top.
+  const ClTestFolder oFolder;
+  ClFingerDescription oDescription;
+  oDescription.oPrint.sFile =
+      oFolder.WritePng("bar.png", 401, 401, [](unsigned, unsigned y) { return y < 60 ? 0u : 255u; });
+  oDescription.dAngle = 90.0;
+  oDescription.dDryness = 0.0;
+  ClPlatenMap oMap;
+  oMap.Clear();
+  ClFingerContent(oDescription).Draw(0.0, oMap);
+  EXPECT_EQ(oMap.oContact.At(800 - 180, 800), 255);
+  EXPECT_EQ(oMap.oContact.At(800 + 180, 800), 0);
+  EXPECT_EQ(oMap.oContact.At(800, 800 - 180), 0);
+}
+
+TEST(PrintCache, APrintIsMadeOnceWhileItIsInUse) {
+  const PrintPointer pFirst = GetPrint(Specification(77, ePatternArch));
+  EXPECT_EQ(pFirst.get(), GetPrint(Specification(77, ePatternArch)).get());
+  EXPECT_NE(pFirst.get(), GetPrint(Specification(78, ePatternArch)).get());
+}
+
+}  // namespace
+}  // namespace Simulator

@@ -1,0 +1,323 @@
+// Raw frames: what each mode shows, how bright it is, how noisy, and in which order the planes come.
+#include "sensor/Sensor.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <numeric>
+
+#include "TestFiles.h"
+#include "scene/SceneReader.h"
+
+namespace Simulator {
+namespace {
+
+using Plane = std::vector<int>;
+
+ClScannerDescription Quiet(const ClScannerDescription& oFrom) {
+  ClScannerDescription o = oFrom;
+  o.dNoise = 0.0;
+  o.eOrder = eOrderDarkFirst;
+  return o;
+}
+
+ClScannerDescription Scene(const char* szName) {
+  return FindScene(szName).aScanners[0];
+}
+
+/// The whole platen covered by one ridge: the level is that of the light alone.
+ClScannerDescription FullContact(const ClTestFolder& oFolder) {
+  ClScannerDescription o;
+  ClFingerDescription oFinger;
+  oFinger.oPrint.sFile = oFolder.WritePng("black.png", 2000, 2000, [](unsigned, unsigned) { return 0; });
+  oFinger.dDryness = 0.0;
+  o.aFingers.push_back(oFinger);
+  return o;
+}
+
+/// Settings as a host makes them: exposure dFactor times that of full readout, nominal gain, one dark and one
+/// lit frame.
+ClSensorSettings Settings(const ClSensor& oSensor, int nMode, double dFactor) {
+  ClSensorSettings o;
+  o.pMode = FindSensorMode(nMode);
+  o.nExposure = static_cast<unsigned>(oSensor.NominalExposure() * dFactor);
+  o.anGain = oSensor.NominalGain();
+  o.aMasks = {0, 1};
+  return o;
+}
+
+std::vector<uint8_t> Sequence(ClSensor& oSensor, const ClSensorSettings& oSettings, uint64_t nNumber = 1) {
+  std::vector<uint8_t> aBytes(oSettings.PlaneBytes() * oSettings.aMasks.size());
+  oSensor.Render(oSettings, 0.0, nNumber, aBytes.data());
+  return aBytes;
+}
+
+/// Lit minus dark, in the order that the tag tells, 0 where that would be negative.
+Plane Difference(const std::vector<uint8_t>& aBytes) {
+  const size_t nPlane = aBytes.size() / 2;
+  const bool bLitFirst = (aBytes[0] & 15) != 0;
+  Plane aOut(nPlane);
+  for (size_t i = 0; i < nPlane; ++i) {
+    const int nStep = aBytes[i + nPlane] - aBytes[i];
+    aOut[i] = std::max(0, bLitFirst ? -nStep : nStep);
+  }
+  return aOut;
+}
+
+double Mean(const Plane& a) {
+  return std::accumulate(a.begin(), a.end(), 0.0) / static_cast<double>(a.size());
+}
+
+double Deviation(const Plane& a) {
+  const double dMean = Mean(a);
+  double dSum = 0.0;
+  for (const int n : a) dSum += (n - dMean) * (n - dMean);
+  return std::sqrt(dSum / static_cast<double>(a.size()));
+}
+
+/// Mean of the pixels of a tap (row and column parity) in the middle of a frame.
+double TapMean(const Plane& a, const ClSensorMode& oMode, int nRow, int nColumn) {
+  double dSum = 0.0;
+  for (int y = oMode.nHeight / 2 - 40 + nRow; y < oMode.nHeight / 2 + 40; y += 2)
+    for (int x = oMode.nWidth / 2 - 40 + nColumn; x < oMode.nWidth / 2 + 40; x += 2)
+      dSum += a[static_cast<size_t>(y * oMode.nWidth + x)];
+  return dSum / 1600.0;
+}
+
+TEST(SensorMode, SizesAreThoseOfTheScanner) {
+  const int anSizes[][3] = {{1, 1920, 1360}, {2, 3840, 2720},  {6, 960, 680},    {7, 3840, 2720},
+                            {8, 1920, 1362}, {32, 1920, 1360}, {34, 1920, 2720}, {35, 960, 1360},
+                            {36, 960, 1362}, {38, 960, 340}};
+  for (const auto& an : anSizes) {
+    const ClSensorMode* p = FindSensorMode(an[0]);
+    ASSERT_TRUE(p);
+    EXPECT_EQ(p->nWidth, an[1]);
+    EXPECT_EQ(p->nHeight, an[2]);
+    EXPECT_LE(p->nLeft + p->nWidth * p->nMergeX, g_cnSensorWidth) << an[0];
+    EXPECT_LE(p->nTop + p->nHeight * p->nMergeY, g_cnSensorHeight) << an[0];
+  }
+  EXPECT_FALSE(FindSensorMode(37));
+}
+
+TEST(Sensor, EveryModeShowsItsPartOfTheFullSensorMerged) {
+  ClSensor oSensor(Quiet(Scene("finger")), 1);
+  const Plane aFull = Difference(Sequence(oSensor, Settings(oSensor, 7, 1.0)));
+  const double adExposure[][2] = {{8, 2.0},  {32, 0.5},      {34, 2.0},      {35, 1.0},
+                                  {36, 4.0}, {6, 1.0 / 3.0}, {38, 1.0 / 3.0}};
+  for (const auto& ad : adExposure) {
+    const ClSensorMode& oMode = *FindSensorMode(static_cast<int>(ad[0]));
+    const Plane a = Difference(Sequence(oSensor, Settings(oSensor, oMode.nMode, ad[1])));
+    double dSum = 0.0, dWorst = 0.0;
+    for (int y = 0; y < oMode.nHeight; ++y) {
+      for (int x = 0; x < oMode.nWidth; ++x) {
+        double dMerged = 0.0;
+        for (int v = 0; v < oMode.nMergeY; ++v)
+          for (int u = 0; u < oMode.nMergeX; ++u)
+            dMerged += aFull[static_cast<size_t>((oMode.nTop + y * oMode.nMergeY + v) * g_cnSensorWidth +
+                                                 oMode.nLeft + x * oMode.nMergeX + u)];
+        const double dError = std::fabs(a[static_cast<size_t>(y * oMode.nWidth + x)] -
+                                        dMerged / (oMode.nMergeX * oMode.nMergeY));
+        dSum += dError;
+        dWorst = std::max(dWorst, dError);
+      }
+    }
+    // The taps differ by up to 7 %, and belong to other pixels in a merged mode.
+    EXPECT_LT(dSum / (oMode.nWidth * oMode.nHeight), 0.8) << "mode " << oMode.nMode;
+    EXPECT_LT(dWorst, 26.0) << "mode " << oMode.nMode;
+  }
+}
+
+TEST(Sensor, TheExposuresOfAllModesGiveTheSameGreyWhateverThePowerAndTheRevision) {
+  const ClTestFolder oFolder;
+  struct ClCase {
+    const char* szSerial;
+    bool bUsb;
+    const char* szVersion;
+    unsigned nExposure;
+  };
+  for (const ClCase& oCase :
+       {ClCase{"VT40-AB0001", false, "FPGA:2.07", 300}, ClCase{"VT40-AB0001", true, "FPGA:2.07", 400},
+        ClCase{"VT40-AB0001", true, "FPGA:2.06", 300}, ClCase{"VT40-AA0001", false, "", 150}}) {
+    ClScannerDescription oDescription = Quiet(FullContact(oFolder));
+    oDescription.sSerial = oCase.szSerial;
+    oDescription.bUsbPowered = oCase.bUsb;
+    oDescription.sVersion = oCase.szVersion;
+    ClSensor oSensor(oDescription, 1);
+    EXPECT_EQ(oSensor.NominalExposure(), oCase.nExposure);
+    const double adModes[][2] = {{35, 1.0}, {32, 0.5}, {36, 4.0},      {8, 2.0},
+                                 {34, 2.0}, {7, 1.0},  {6, 1.0 / 3.0}, {38, 1.0 / 3.0}};
+    for (const auto& ad : adModes) {
+      const ClSensorSettings oSettings = Settings(oSensor, static_cast<int>(ad[0]), ad[1]);
+      const Plane a = Difference(Sequence(oSensor, oSettings));
+      // 150 levels of a ridge and 4 of stray light, falling off from the middle; the sheet's middle has 0.95
+      // to 1.
+      double dTaps = 0.0;
+      for (int i = 0; i < 4; ++i) dTaps += 0.25 * TapMean(a, *oSettings.pMode, i / 2, i % 2);
+      const ClSensorMode& oMode = *oSettings.pMode;
+      const ClPoint oMid = oSensor.Optics().SensorToPicture(oMode.nLeft + 0.5 * oMode.nWidth * oMode.nMergeX,
+                                                            oMode.nTop + 0.5 * oMode.nHeight * oMode.nMergeY);
+      EXPECT_NEAR(dTaps, 154.0 * oSensor.Optics().Illumination(oMid.dX, oMid.dY), 4.0)
+          << "mode " << oMode.nMode;
+    }
+  }
+}
+
+TEST(Sensor, RidgesAreBrightValleysDimAndBareGlassIsDark) {
+  ClSensor oSensor(Quiet(Scene("finger")), 1);
+  const Plane a = Difference(Sequence(oSensor, Settings(oSensor, 34, 2.0)));
+  std::vector<int> aSkin, aBare;
+  for (int y = 1250; y < 1450; ++y)
+    for (int x = 900; x < 1000; ++x) aSkin.push_back(a[static_cast<size_t>(y * 1920 + x)]);
+  for (int y = 2300; y < 2400; ++y)
+    for (int x = 900; x < 1000; ++x) aBare.push_back(a[static_cast<size_t>(y * 1920 + x)]);
+  std::sort(aSkin.begin(), aSkin.end());
+  EXPECT_NEAR(aSkin[aSkin.size() * 9 / 10], 154, 8);
+  EXPECT_NEAR(aSkin[aSkin.size() / 10], 34, 5);
+  EXPECT_NEAR(Mean(aBare), 4.0, 1.0);
+}
+
+TEST(Sensor, AnEmptyPlatenIsQuietEnoughForTheMeasuresOfHosts) {
+  ClSensor oSensor(Scene("empty"), 1);
+  for (const auto& oMode : {std::pair<int, double>{35, 1.0}, {34, 2.0}, {7, 1.0}}) {
+    Plane a = Difference(Sequence(oSensor, Settings(oSensor, oMode.first, oMode.second)));
+    EXPECT_LE(Deviation(a), 2.0) << "mode " << oMode.first;  // 3.0 counts as a finger
+    std::sort(a.begin(), a.end(), std::greater<int>());
+    EXPECT_LT(Mean(Plane(a.begin(), a.begin() + static_cast<ptrdiff_t>(a.size() / 10))),
+              12.0);  // 24 counts as a finger
+  }
+}
+
+TEST(Sensor, SixteenFramesOfACleanPlatenShowNoSpeck) {
+  ClSensor oSensor(Scene("empty"), 1);
+  const ClSensorSettings oSettings = Settings(oSensor, 35, 1.0);
+  Plane aSum(oSettings.PlaneBytes());
+  for (uint64_t n = 0; n < 16; ++n) {
+    const Plane a = Difference(Sequence(oSensor, oSettings, n));
+    for (size_t i = 0; i < a.size(); ++i) aSum[i] += a[i];
+  }
+  // Against the mean of 11 by 11 pixels, in the middle four fifths; 23 counts as dirt.
+  int nWorst = 0;
+  for (int y = 136; y < 1224; y += 1) {
+    Plane aColumns(960);
+    for (int x = 0; x < 960; ++x)
+      for (int v = -5; v <= 5; ++v)
+        aColumns[static_cast<size_t>(x)] += aSum[static_cast<size_t>((y + v) * 960 + x)];
+    for (int x = 96; x < 864; ++x) {
+      const int nMean = std::accumulate(aColumns.begin() + x - 5, aColumns.begin() + x + 6, 0) / 121;
+      nWorst = std::max(nWorst, std::abs(aSum[static_cast<size_t>(y * 960 + x)] - nMean));
+    }
+  }
+  EXPECT_LT(nWorst, 23);
+}
+
+TEST(Sensor, NoiseIsAboutOneLevelAndTheTapsDifferByAFewPercent) {
+  const ClTestFolder oFolder;
+  ClSensor oSensor(FullContact(oFolder), 1);
+  const ClSensorSettings oSettings = Settings(oSensor, 7, 1.0);
+  const Plane aFirst = Difference(Sequence(oSensor, oSettings, 1)),
+              aSecond = Difference(Sequence(oSensor, oSettings, 2));
+  Plane aStep;
+  for (int y = 1300; y < 1400; ++y)
+    for (int x = 1800; x < 2000; ++x)
+      aStep.push_back(aFirst[static_cast<size_t>(y * 3840 + x)] - aSecond[static_cast<size_t>(y * 3840 + x)]);
+  const double dNoise = Deviation(aStep) / std::sqrt(2.0);  // of a lit and a dark frame together
+  EXPECT_GT(dNoise, 1.0);
+  EXPECT_LT(dNoise, 2.5);
+  double dLow = 1e9, dHigh = 0.0;
+  for (int i = 0; i < 4; ++i) {
+    const double d = TapMean(aFirst, *oSettings.pMode, i / 2, i % 2);
+    dLow = std::min(dLow, d);
+    dHigh = std::max(dHigh, d);
+  }
+  EXPECT_GT(dHigh / dLow, 1.01);
+  EXPECT_LT(dHigh / dLow, 1.08);
+}
+
+TEST(Sensor, GainExposureAndMaskScaleTheLightAndWhiteIsTheEnd) {
+  const ClTestFolder oFolder;
+  ClSensor oSensor(Quiet(FullContact(oFolder)), 1);
+  ClSensorSettings oSettings = Settings(oSensor, 35, 0.5);
+  const Plane aHalf = Difference(Sequence(oSensor, oSettings));
+  const double dHalf = TapMean(aHalf, *oSettings.pMode, 0, 0);
+  EXPECT_NEAR(dHalf, 77.0, 5.0);
+  // The first channel reads odd columns of even rows; the others stay as they are.
+  oSettings.anGain[0] *= 2;
+  const Plane aRed = Difference(Sequence(oSensor, oSettings));
+  EXPECT_NEAR(TapMean(aRed, *oSettings.pMode, 0, 1), 2.0 * TapMean(aHalf, *oSettings.pMode, 0, 1), 2.0);
+  EXPECT_EQ(TapMean(aRed, *oSettings.pMode, 0, 0), dHalf);
+  oSettings = Settings(oSensor, 35, 4.0);
+  std::vector<uint8_t> aBytes = Sequence(oSensor, oSettings);
+  EXPECT_EQ(aBytes[oSettings.PlaneBytes() + 680 * 960 + 480], 255);
+  oSettings = Settings(oSensor, 35, 1.0);
+  oSettings.aMasks = {0x200, 0x400, 0x1000, 0x800, 0, 0};
+  aBytes = Sequence(oSensor, oSettings);
+  ASSERT_EQ(aBytes.size(), 6u * 960 * 1360);
+  const size_t nMid = 680 * 960 + 480;
+  EXPECT_NEAR(aBytes[nMid] - aBytes[nMid + 4 * oSettings.PlaneBytes()], 0.4 * 154, 5);
+  EXPECT_EQ(aBytes[nMid + 4 * oSettings.PlaneBytes()], aBytes[nMid + 5 * oSettings.PlaneBytes()]);
+}
+
+TEST(Sensor, BothPlaneOrdersOccurAndGiveTheSameDifference) {
+  ClScannerDescription oMixed = Scene("finger");
+  ClSensor oSensor(oMixed, 1);
+  const ClSensorSettings oSettings = Settings(oSensor, 38, 1.0 / 3.0);
+  int nLitFirst = 0;
+  for (uint64_t n = 0; n < 40; ++n) {
+    const auto aBytes = Sequence(oSensor, oSettings, n);
+    nLitFirst += (aBytes[0] & 15) != 0;
+    ASSERT_GT(Mean(Difference(aBytes)), 5.0);  // a wrong tag leaves next to nothing
+  }
+  EXPECT_GT(nLitFirst, 10);
+  EXPECT_LT(nLitFirst, 30);
+  for (const EPlaneOrder eOrder : {eOrderDarkFirst, eOrderLitFirst}) {
+    oMixed.eOrder = eOrder;
+    ClSensor oOrdered(oMixed, 1);
+    for (uint64_t n = 0; n < 20; ++n)
+      ASSERT_EQ((Sequence(oOrdered, oSettings, n)[0] & 15) != 0, eOrder == eOrderLitFirst);
+  }
+}
+
+TEST(Sensor, TheSameSeedAndNumberGiveTheSameBytesWhateverCameBefore) {
+  ClSensor oFirst(Scene("finger"), 5), oSecond(Scene("finger"), 5), oOther(Scene("finger"), 6);
+  const ClSensorSettings oSettings = Settings(oFirst, 35, 1.0);
+  const auto aFirst = Sequence(oFirst, oSettings, 9);
+  Sequence(oSecond, Settings(oSecond, 34, 2.0), 3);
+  Sequence(oSecond, Settings(oSecond, 38, 0.3), 4);
+  oSecond.Free();
+  EXPECT_TRUE(aFirst == Sequence(oSecond, oSettings, 9));
+  EXPECT_FALSE(aFirst == Sequence(oSecond, oSettings, 10));
+  EXPECT_FALSE(aFirst == Sequence(oOther, oSettings, 9));
+}
+
+TEST(Sensor, ANewSceneIsSeenAndTheTruthFollowsIt) {
+  ClSensor oSensor(Scene("empty"), 1);
+  const ClSensorSettings oSettings = Settings(oSensor, 35, 1.0);
+  EXPECT_LT(Mean(Difference(Sequence(oSensor, oSettings))), 5.0);
+  oSensor.SetScene(Scene("slap-right"), 1);
+  EXPECT_GT(Mean(Difference(Sequence(oSensor, oSettings))), 10.0);
+  std::vector<uint8_t> aPicture(1600 * 1600), aCover(1600 * 1600);
+  oSensor.GroundTruth(0.0, aPicture.data(), aCover.data());
+  size_t nBlack = 0, nSkin = 0, nOutside = 0;
+  for (size_t i = 0; i < aPicture.size(); ++i) {
+    nBlack += aPicture[i] < 128;
+    nSkin += aCover[i] == 255;
+    nOutside += aPicture[i] < 128 && aCover[i] == 0;
+  }
+  EXPECT_GT(nSkin, 300000u);
+  EXPECT_NEAR(static_cast<double>(nBlack) / static_cast<double>(nSkin), 0.5, 0.1);
+  EXPECT_LT(nOutside, nBlack / 100);
+  // The index finger of a right hand lies on the left of the picture, and so on the right of the mirrored
+  // sensor.
+  const ClPoint oIndex = oSensor.Optics().PictureToSensor(14.5 / 0.0508, 42.5 / 0.0508);
+  EXPECT_GT(oIndex.dX, 2500.0);
+  const Plane a = Difference(Sequence(oSensor, oSettings));
+  double dSeen = 0.0;
+  for (int v = -20; v < 20; ++v)
+    for (int u = -20; u < 20; ++u)
+      dSeen += a[static_cast<size_t>((static_cast<int>(oIndex.dY / 2) + v) * 960 +
+                                     static_cast<int>(oIndex.dX / 4) + u)];
+  EXPECT_GT(dSeen / 1600.0, 40.0);
+}
+
+}  // namespace
+}  // namespace Simulator

@@ -1,0 +1,60 @@
+// Files that tests write for themselves, in a folder that goes with the test.
+#pragma once
+
+#include <png.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Simulator {
+
+class ClTestFolder {
+ public:
+  ClTestFolder() {
+    std::string sName = (std::filesystem::temp_directory_path() / "simulatorXXXXXX").string();
+    if (!mkdtemp(sName.data())) throw std::runtime_error("no folder for test files");
+    m_oFolder = sName;
+  }
+  ClTestFolder(const ClTestFolder&) = delete;
+  ClTestFolder& operator=(const ClTestFolder&) = delete;
+  ~ClTestFolder() {
+    std::error_code oIgnored;
+    std::filesystem::remove_all(m_oFolder, oIgnored);
+  }
+
+  std::string Path(const std::string& sName) const { return (m_oFolder / sName).string(); }
+
+  std::string Write(const std::string& sName, const std::string& sText) const {
+    std::ofstream(Path(sName), std::ios::binary) << sText;
+    return Path(sName);
+  }
+
+  /// A grey PNG whose pixels a function of x and y gives.
+  template <class F>
+  std::string WritePng(const std::string& sName, unsigned nWidth, unsigned nHeight, F&& fnPixel) const {
+    std::vector<uint8_t> aPixels;
+    for (unsigned y = 0; y < nHeight; ++y)
+      for (unsigned x = 0; x < nWidth; ++x) aPixels.push_back(static_cast<uint8_t>(fnPixel(x, y)));
+    png_image oImage;
+    std::memset(&oImage, 0, sizeof oImage);
+    oImage.version = PNG_IMAGE_VERSION;
+    oImage.width = nWidth;
+    oImage.height = nHeight;
+    oImage.format = PNG_FORMAT_GRAY;
+    if (!png_image_write_to_file(&oImage, Path(sName).c_str(), 0, aPixels.data(), 0, nullptr))
+      throw std::runtime_error(oImage.message);
+    return Path(sName);
+  }
+
+ private:
+  std::filesystem::path m_oFolder;
+};
+
+}  // namespace Simulator
