@@ -1,0 +1,77 @@
+// Base of the filters whose output depends on a window round each pixel.
+#pragma once
+
+#include "MXTools/FpImage.h"
+#include "MXTools/ProcessorBase.h"
+
+class ClParameterContainer;
+
+/// Runs a filter along the rows, along the columns or both.
+///
+/// Domain     input and output are two images. Images of several planes are filtered plane by plane. A width
+///            below 2 copies.
+/// Ownership  the output is allocated on the image handed in; scratch is kept from run to run.
+/// Threads    thread-bound.
+/// Errors     ClExKelvarin -10 no input, -35 unknown mode; ClException -701 no output. Returned: -10 input
+/// and
+///            output are one object.
+class ClIpFilterBase : public ClProcessorBase {
+ public:
+  enum EMode : long { eModeX = 1, eModeY = 2, eModeXY = 3, eModeDirected = 8, eModeDirectedOrtho = 16 };
+
+  long ApplyParam(ClImage& oIn, ClImage& oOut, long nWidth, long nFilterMode);
+
+  bool CanApply() override;
+  void SetParametersToDefault() override;
+  void PublishParameters(ClParameterContainer& oContainer) override;
+  void ParameterString(char* szText, unsigned int nSize) const override;
+
+  ClImage* m_pInImage = nullptr;
+  ClImage* m_pOutImage = nullptr;
+  long nFilterWidth = 3;
+  long nMode = eModeXY;
+  /// Direction of each pixel, signed 8-bit components, for the directed modes.
+  ClImage* pInDxImage = nullptr;
+  ClImage* pInDyImage = nullptr;
+
+ protected:
+  long Process() override;
+
+  virtual long ProcessMultiPlane();
+  virtual long DoProcess();
+  virtual long ProcessX();
+  virtual long ProcessY();
+  virtual long ProcessXY();
+  virtual long ProcessSignedX();
+  virtual long ProcessSignedY();
+  virtual long ProcessSignedXY();
+  virtual long ProcessDirected(bool bOrtho);
+  virtual long ProcessSignedDirected(bool bOrtho);
+
+  /// Runs fnFirst, then fnSecond on its result as the input; the pointers are as before in the end.
+  template <typename TFirst, typename TSecond>
+  long ProcessTwice(TFirst&& fnFirst, TSecond&& fnSecond) {
+    long nResult = fnFirst();
+    if (nResult != 0) return nResult;
+    // Between runs this image keeps a block of the right size, which the second pass then writes into.
+    m_oIntermediate.Swap(*m_pOutImage);
+    ClInputGuard oGuard(*this);
+    m_pInImage = &m_oIntermediate;
+    return fnSecond();
+  }
+
+ private:
+  class ClInputGuard {
+   public:
+    explicit ClInputGuard(ClIpFilterBase& oFilter) : m_oFilter(oFilter), m_pInput(oFilter.m_pInImage) {}
+    ~ClInputGuard() { m_oFilter.m_pInImage = m_pInput; }
+    ClInputGuard(const ClInputGuard&) = delete;
+    ClInputGuard& operator=(const ClInputGuard&) = delete;
+
+   private:
+    ClIpFilterBase& m_oFilter;
+    ClImage* m_pInput;
+  };
+
+  ClImage m_oIntermediate;
+};

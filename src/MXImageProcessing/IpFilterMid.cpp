@@ -1,0 +1,272 @@
+// Column sums that move down the image and a window that slides along them.
+#include "MXImageProcessing/IpFilterMid.h"
+
+#include <algorithm>
+#include <limits>
+#include <type_traits>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/BoxRows.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+template <typename T>
+struct TpBoxKernels;
+
+template <>
+struct TpBoxKernels<uint8_t> {
+  static constexpr auto Add = MXKernels::AddToColumnSumsU8;
+  static constexpr auto Take = MXKernels::TakeFromColumnSumsU8;
+  static constexpr auto Move = MXKernels::MoveColumnSumsU8;
+  static constexpr auto Mean = MXKernels::SlidingMeanRowU8;
+};
+
+template <>
+struct TpBoxKernels<uint16_t> {
+  static constexpr auto Add = MXKernels::AddToColumnSumsU16;
+  static constexpr auto Take = MXKernels::TakeFromColumnSumsU16;
+  static constexpr auto Move = MXKernels::MoveColumnSumsU16;
+  static constexpr auto Mean = MXKernels::SlidingMeanRowU16;
+};
+
+/// Whether the sum of a whole window fits the 32 bits of the kernels.
+template <typename T>
+bool FitsKernels(long nWindowWidth, long nWindowHeight) {
+  const uint64_t nArea = static_cast<uint64_t>(nWindowWidth) * static_cast<uint64_t>(nWindowHeight);
+  return nArea <= std::numeric_limits<uint32_t>::max() / std::numeric_limits<T>::max();
+}
+
+template <typename T, typename S>
+T TruncatedMean(S oSum, int64_t nArea) {
+  return static_cast<T>(oSum / static_cast<S>(nArea));
+}
+
+}  // namespace
+
+long ClIpFilterMid::ApplyParam(ClImage& oIn, ClImage& oOut, long nWidth) {
+  return ApplyParam(oIn, oOut, nWidth, nMode);
+}
+
+ClProcessorBase* ClIpFilterMid::Create() const {
+  return NewProcessor<ClIpFilterMid>();
+}
+
+long ClIpFilterMid::Initialize() {
+  nFilterWidth |= 1;
+  return 0;
+}
+
+long ClIpFilterMid::DoProcess() {
+  if (m_pInImage == nullptr) KLV_RAISE_NUMBER(-10);
+  switch (m_pInImage->DataType()) {
+    case ClImage::eUint8:
+      return ClIpFilterBase::DoProcess();
+    case ClImage::eInt8:
+      return ProcessT<int8_t, int64_t>();
+    case ClImage::eUint16:
+      return ProcessT<uint16_t, int64_t>();
+    case ClImage::eInt16:
+      return ProcessT<int16_t, int64_t>();
+    case ClImage::eUint32:
+      return ProcessT<uint32_t, int64_t>();
+    case ClImage::eInt32:
+      return ProcessT<int32_t, int64_t>();
+    case ClImage::eFloat32:
+      return ProcessT<float, double>();
+    case ClImage::eDouble64:
+      return ProcessT<double, double>();
+    default:
+      KLV_RAISE_NUMBER(-35);
+  }
+}
+
+long ClIpFilterMid::ProcessX() {
+  return ProcessT_X<uint8_t, int64_t>();
+}
+long ClIpFilterMid::ProcessY() {
+  return ProcessT_Y<uint8_t, int64_t>();
+}
+long ClIpFilterMid::ProcessSignedX() {
+  return ProcessT_X<int8_t, int64_t>();
+}
+long ClIpFilterMid::ProcessSignedY() {
+  return ProcessT_Y<int8_t, int64_t>();
+}
+long ClIpFilterMid::ProcessSignedXY() {
+  return ProcessT_XY<int8_t, int64_t>();
+}
+
+long ClIpFilterMid::ProcessXY() {
+  const bool bFits = m_pInImage->Width() >= nFilterWidth && m_pInImage->Height() >= nFilterWidth;
+  return bFits && nFilterWidth == 3 ? Process3x3() : ProcessT_XY<uint8_t, int64_t>();
+}
+
+template <typename T, typename S>
+long ClIpFilterMid::ProcessT() {
+  switch (nMode) {
+    case eModeX:
+      return ProcessT_X<T, S>();
+    case eModeY:
+      return ProcessT_Y<T, S>();
+    case eModeXY:
+      return ProcessT_XY<T, S>();
+    case eModeDirected:
+    case eModeDirectedOrtho:
+      return -33;
+    default:
+      KLV_RAISE_NUMBER(-35);
+  }
+}
+
+/// 0 where there is no room for a window at all.
+long ClIpFilterMid::WidthOnAxis(long nExtent) const {
+  if (nFilterWidth < nExtent) return nFilterWidth;
+  const long nShrunk = nExtent - 1;
+  return nShrunk % 2 == 0 ? std::max(nShrunk - 1, 0L) : nShrunk;
+}
+
+template <typename T, typename S>
+long ClIpFilterMid::ProcessT_X() {
+  const long nWidth = WidthOnAxis(m_pInImage->Width());
+  if (nWidth < 1) return -101;
+  MeanOfWindows<T, S>(nWidth / 2, 0);
+  return 0;
+}
+
+template <typename T, typename S>
+long ClIpFilterMid::ProcessT_Y() {
+  const long nWidth = WidthOnAxis(m_pInImage->Height());
+  if (nWidth < 1) return -101;
+  MeanOfWindows<T, S>(0, nWidth / 2);
+  return 0;
+}
+
+template <typename T, typename S>
+long ClIpFilterMid::ProcessT_XY() {
+  if (m_pInImage->Width() < nFilterWidth || m_pInImage->Height() < nFilterWidth) {
+    *m_pOutImage = *m_pInImage;
+    return 0;
+  }
+  MeanOfWindows<T, S>(nFilterWidth / 2, nFilterWidth / 2);
+  return 0;
+}
+
+template <typename T, typename S>
+void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
+  if (nHalfX == 0 && nHalfY == 0) {
+    *m_pOutImage = *m_pInImage;
+    return;
+  }
+  m_pOutImage->New(*m_pInImage);
+  if constexpr (std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t>) {
+    if (FitsKernels<T>(2 * nHalfX + 1, 2 * nHalfY + 1)) return MeanOfWindowsByKernels<T>(nHalfX, nHalfY);
+  }
+  MeanOfWindowsPlain<T, S>(nHalfX, nHalfY);
+}
+
+template <typename T>
+void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY) {
+  using Kernels = TpBoxKernels<T>;
+  const ClImage& oIn = *m_pInImage;
+  const long nHeight = oIn.Height();
+  const auto nCount = static_cast<unsigned int>(oIn.Width());
+  m_aSums.SetEntries(nCount);
+  m_aPrefix.SetEntries(nCount + 1);
+  std::fill_n(m_aSums.Data(), nCount, 0U);
+  const auto Row = [&oIn](long y) { return oIn.Row<T>(static_cast<int>(y)); };
+  long nRows = std::min(nHalfY, nHeight);
+  for (long y = 0; y < nRows; ++y) Kernels::Add(Row(y), m_aSums.Data(), nCount);
+  for (long y = 0; y < nHeight; ++y) {
+    const bool bEnters = y + nHalfY < nHeight;
+    const bool bLeaves = y - nHalfY - 1 >= 0;
+    if (bEnters && bLeaves) {
+      Kernels::Move(Row(y + nHalfY), Row(y - nHalfY - 1), m_aSums.Data(), nCount);
+    } else if (bEnters) {
+      Kernels::Add(Row(y + nHalfY), m_aSums.Data(), nCount);
+      ++nRows;
+    } else if (bLeaves) {
+      Kernels::Take(Row(y - nHalfY - 1), m_aSums.Data(), nCount);
+      --nRows;
+    }
+    Kernels::Mean(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), static_cast<uint32_t>(nRows),
+                  m_aPrefix.Data(), m_pOutImage->Row<T>(static_cast<int>(y)));
+  }
+}
+
+template <typename T, typename S>
+void ClIpFilterMid::MeanOfWindowsPlain(long nHalfX, long nHalfY) {
+  const ClImage& oIn = *m_pInImage;
+  const long nHeight = oIn.Height();
+  const long nWidth = oIn.Width();
+  TpArrayDynamic<S, 1>& aSums = Sums<S>();
+  aSums.SetEntries(static_cast<unsigned int>(nWidth));
+  S* pSums = aSums.Data();
+  std::fill_n(pSums, nWidth, S{0});
+  long nRows = 0;
+  const auto AddRow = [&](long y, S oSign) {
+    if (y < 0 || y >= nHeight) return;
+    const T* pRow = oIn.Row<T>(static_cast<int>(y));
+    for (long x = 0; x < nWidth; ++x) pSums[x] += oSign * static_cast<S>(pRow[x]);
+    nRows += oSign > 0 ? 1 : -1;
+  };
+  for (long y = 0; y < nHalfY; ++y) AddRow(y, S{1});
+  for (long y = 0; y < nHeight; ++y) {
+    AddRow(y + nHalfY, S{1});
+    AddRow(y - nHalfY - 1, S{-1});
+    T* pOut = m_pOutImage->Row<T>(static_cast<int>(y));
+    S oSum{0};
+    long nColumns = 0;
+    for (long x = 0; x < std::min(nHalfX, nWidth); ++x, ++nColumns) oSum += pSums[x];
+    for (long x = 0; x < nWidth; ++x) {
+      if (x + nHalfX < nWidth) {
+        oSum += pSums[x + nHalfX];
+        ++nColumns;
+      }
+      if (x > nHalfX) {
+        oSum -= pSums[x - nHalfX - 1];
+        --nColumns;
+      }
+      pOut[x] = TruncatedMean<T>(oSum, int64_t{nRows} * nColumns);
+    }
+  }
+}
+
+template <typename S>
+TpArrayDynamic<S, 1>& ClIpFilterMid::Sums() {
+  if constexpr (std::is_same_v<S, double>) {
+    return m_aRealSums;
+  } else {
+    return m_aLongSums;
+  }
+}
+
+/// Rounded means of the 3 by 3 window without a division: the factors are 2048 / 6 and 4096 / 9, rounded.
+long ClIpFilterMid::Process3x3() {
+  const ClImage& oIn = *m_pInImage;
+  m_pOutImage->New(oIn);
+  const int nLastRow = oIn.Height() - 1;
+  const long nLast = oIn.Width() - 1;
+  m_aSums.SetEntries(static_cast<unsigned int>(oIn.Width()));
+  uint32_t* pSums = m_aSums.Data();
+  for (int y = 0; y <= nLastRow; ++y) {
+    const bool bBorderRow = y == 0 || y == nLastRow;
+    const uint8_t* pHere = oIn.Row<uint8_t>(y);
+    const uint8_t* pAbove = oIn.Row<uint8_t>(y == 0 ? 1 : y - 1);
+    const uint8_t* pBelow = oIn.Row<uint8_t>(y == nLastRow ? nLastRow - 1 : y + 1);
+    // A border row has one neighbour row, which both pointers lead to.
+    for (long x = 0; x <= nLast; ++x) {
+      pSums[x] = static_cast<uint32_t>(pHere[x] + pAbove[x] + (bBorderRow ? 0 : pBelow[x]));
+    }
+    uint8_t* pOut = m_pOutImage->Row<uint8_t>(y);
+    const uint32_t nFirst = pSums[0] + pSums[1];
+    const uint32_t nEnd = pSums[nLast - 1] + pSums[nLast];
+    pOut[0] = static_cast<uint8_t>(bBorderRow ? (nFirst + 2) >> 2 : ((nFirst + 3) * 341) >> 11);
+    pOut[nLast] = static_cast<uint8_t>(bBorderRow ? (nEnd + 2) >> 2 : ((nEnd + 3) * 341) >> 11);
+    for (long x = 1; x < nLast; ++x) {
+      const uint32_t nSum = pSums[x - 1] + pSums[x] + pSums[x + 1];
+      pOut[x] = static_cast<uint8_t>(bBorderRow ? ((nSum + 3) * 341) >> 11 : ((nSum + 4) * 455) >> 12);
+    }
+  }
+  return 0;
+}

@@ -1,0 +1,21 @@
+// Compiles the rank filter for the minimum.
+#include "MXImageProcessing/IpFilterMin.h"
+
+#include "IpFilterRankImpl.h"
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/RankRows.h"
+
+struct ClRankMin {
+  template <typename T>
+  static T Pick(T nA, T nB) {
+    return nB < nA ? nB : nA;
+  }
+  static constexpr auto Rows = MXKernels::MinRows;
+  static constexpr auto WindowRow = MXKernels::MinWindowRow;
+};
+
+template class TpIpFilterRank<ClRankMin>;
+
+ClProcessorBase* ClIpFilterMin::Create() const {
+  return NewProcessor<ClIpFilterMin>();
+}

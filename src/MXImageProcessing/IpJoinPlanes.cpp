@@ -1,0 +1,126 @@
+// Strided copies into the pixels.
+#include "MXImageProcessing/IpJoinPlanes.h"
+
+#include <cstdio>
+#include <limits>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/PublishImage.h"
+#include "MXTools/Exception.h"
+#include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterContainer.h"
+
+long ClIpJoinPlanes::ApplyParam(ClImage& oOut, ClImage* pPlane0, ClImage* pPlane1, ClImage* pPlane2,
+                                ClImage* pPlane3) {
+  m_pOutImage = &oOut;
+  m_apInPlanes[0] = pPlane0;
+  m_apInPlanes[1] = pPlane1;
+  m_apInPlanes[2] = pPlane2;
+  m_apInPlanes[3] = pPlane3;
+  return Apply();
+}
+
+ClProcessorBase* ClIpJoinPlanes::Create() const {
+  return NewProcessor<ClIpJoinPlanes>();
+}
+
+bool ClIpJoinPlanes::CanApply() {
+  return m_pOutImage != nullptr && PlanesOfContent() >= 0;
+}
+
+void ClIpJoinPlanes::SetParametersToDefault() {
+  for (double& dColor : dInFillcolors) dColor = std::numeric_limits<double>::quiet_NaN();
+  eOutContent = ClImage::eUnknown;
+  bFillEmptyPlanes = true;
+}
+
+void ClIpJoinPlanes::PublishParameters(ClParameterContainer& oContainer) {
+  char szName[24];
+  for (int n = 0; n < 4; ++n) {
+    std::snprintf(szName, sizeof(szName), "pInPlane[%d]", n);
+    PublishInputImage(oContainer, szName, &m_apInPlanes[n]);
+  }
+  for (int n = 0; n < 4; ++n) {
+    std::snprintf(szName, sizeof(szName), "dInFillcolors[%d]", n);
+    oContainer.AddNumeric(szName, &dInFillcolors[n]);
+  }
+  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
+  auto* pContent = oContainer.AddParam<TpParameterEnumPointer<ClImage::EContent, ClParameter>>("eOutContent");
+  pContent->BindVariable(&eOutContent);
+  pContent->AddValue(ClImage::eUnknown, "eUnknown");
+  pContent->AddValue(ClImage::eGrayscale, "eGrayscale");
+  pContent->AddValue(ClImage::eRGB, "eRGB");
+  pContent->AddValue(ClImage::eRGBA, "eRGBA");
+  pContent->AddValue(ClImage::eHSV, "eHSV");
+  pContent->AddValue(ClImage::eXYZ, "eXYZ");
+  pContent->AddValue(ClImage::eCIELab, "eCIELab");
+  pContent->AddValue(ClImage::eCIELUV, "eCIELUV");
+  auto* pFill = oContainer.AddParam<TpParameterEnumPointer<bool, ClParameter>>("bFillEmptyPlanes");
+  pFill->BindVariable(&bFillEmptyPlanes);
+  pFill->AddValue(false, "False");
+  pFill->AddValue(true, "True");
+}
+
+long ClIpJoinPlanes::PlanesOfContent() const {
+  switch (eOutContent) {
+    case ClImage::eUnknown:
+      return nOutPlanes > 0 ? nOutPlanes : 0;
+    case ClImage::eGrayscale:
+      return 1;
+    case ClImage::eRGB:
+    case ClImage::eHSV:
+    case ClImage::eCIELUV:
+      return 3;
+    case ClImage::eRGBA:
+      return 4;
+    default:
+      return -1;
+  }
+}
+
+const ClImage* ClIpJoinPlanes::FirstPlane() const {
+  for (const ClImage* pPlane : m_apInPlanes) {
+    if (pPlane != nullptr) return pPlane;
+  }
+  return nullptr;
+}
+
+void ClIpJoinPlanes::CheckPlanes(const ClImage& oFirst) const {
+  for (const ClImage* pPlane : m_apInPlanes) {
+    if (pPlane == nullptr) continue;
+    if (pPlane->DataType() != oFirst.DataType() || !pPlane->HasSize(oFirst.Width(), oFirst.Height()) ||
+        pPlane->Planes() != oFirst.Planes() || pPlane == m_pOutImage) {
+      KLV_RAISE(ClException, "planes must be alike and differ from the output", -44);
+    }
+  }
+}
+
+long ClIpJoinPlanes::Process() {
+  if (m_pOutImage == nullptr) KLV_RAISE(ClException, "m_pOutImage is not set", -701);
+  const long nPlanes = PlanesOfContent();
+  if (nPlanes < 0) return -35;
+  const ClImage* pFirst = FirstPlane();
+  if (nPlanes == 0 || pFirst == nullptr) return 0;
+  if (nPlanes > 4) KLV_RAISE(ClException, "Image has more than 4 planes.", -44);
+  CheckPlanes(*pFirst);
+  m_pOutImage->NewWithType(pFirst->DataType(), pFirst->Width(), pFirst->Height(), static_cast<int>(nPlanes),
+                           pFirst->PelsX(), pFirst->PelsY(), true);
+  if (eOutContent != ClImage::eUnknown) m_pOutImage->SetContent(eOutContent);
+  return DispatchElementType(pFirst->DataType(), 0, [&](auto oElement) {
+    for (int n = 0; n < nPlanes; ++n) JoinPlane<typename decltype(oElement)::Type>(n);
+    return 0L;
+  });
+}
+
+template <typename T>
+void ClIpJoinPlanes::JoinPlane(int nPlane) {
+  const ClImage* pPlane = m_apInPlanes[nPlane];
+  if (pPlane == nullptr && !bFillEmptyPlanes) return;
+  const int nStep = m_pOutImage->Planes();
+  const T nFill = ElementFromDouble<T>(dInFillcolors[nPlane]);
+  for (int y = 0; y < m_pOutImage->Height(); ++y) {
+    T* pOut = m_pOutImage->Row<T>(y) + nPlane;
+    const T* pIn = pPlane != nullptr ? pPlane->Row<T>(y) : nullptr;
+    for (int x = 0; x < m_pOutImage->Width(); ++x) pOut[x * nStep] = pIn != nullptr ? pIn[x] : nFill;
+  }
+}

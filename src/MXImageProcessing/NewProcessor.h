@@ -1,0 +1,14 @@
+// How processors make new instances of themselves.
+#pragma once
+
+#include <new>
+
+#include "MXTools/Exception.h"
+
+/// A new instance, owned by the caller. Errors: ClExBadAlloc -102.
+template <class TProcessor>
+TProcessor* NewProcessor() {
+  TProcessor* pProcessor = new (std::nothrow) TProcessor;
+  if (pProcessor == nullptr) KlvRaiseBadAlloc();
+  return pProcessor;
+}

@@ -1,0 +1,115 @@
+// Phases, their local means and the balanced mosaic.
+#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/BalanceRows.h"
+#include "MXKernels/LayoutRows.h"
+#include "MXTools/Exception.h"
+#include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterContainer.h"
+
+ClIpLocalWhiteBalance::ClIpLocalWhiteBalance() {
+  EnableDataType(ClImage::eUint8);
+  EnableDataType(ClImage::eUint16);
+  EnableDataType(ClImage::eInt8);
+  EnableDataType(ClImage::eInt16);
+  ClIpLocalWhiteBalance::SetParametersToDefault();
+}
+
+ClProcessorBase* ClIpLocalWhiteBalance::Create() const {
+  return NewProcessor<ClIpLocalWhiteBalance>();
+}
+
+void ClIpLocalWhiteBalance::PublishParameters(ClParameterContainer& oContainer) {
+  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
+  oContainer.AddNumeric("nInFilterWidth", &m_nInFilterWidth);
+}
+
+void ClIpLocalWhiteBalance::CheckImages() const {
+  if (m_pInImage == nullptr) KLV_RAISE(ClException, "Pointer to input image not assigned.", -701);
+  const int nWidth = m_pInImage->Width(), nHeight = m_pInImage->Height();
+  if (nWidth % 2 != 0 || nHeight % 2 != 0) {
+    KLV_RAISE(ClException, "image must have even width and height", -44);
+  }
+  if (nWidth < 1 || nHeight < 1) KLV_RAISE(ClException, "Image dimensions must be positive.", -14);
+  if (m_nInFilterWidth < 1) KLV_RAISE(ClException, "invalid filter width", -44);
+  if (m_pOutImage == nullptr) KLV_RAISE(ClException, "Pointer to output image not assigned.", -701);
+  if (m_pInImage->Planes() != 1) KLV_RAISE(ClException, "only single plane images supported", -44);
+}
+
+long ClIpLocalWhiteBalance::Process() {
+  CheckImages();
+  ClImage& oTarget = m_pOutImage == m_pInImage ? m_oScratch : *m_pOutImage;
+  oTarget.New(*m_pInImage);
+  constexpr long cnUnknown = 1;
+  const long nResult = DispatchElementType(m_pInImage->DataType(), cnUnknown, [&](auto oElement) {
+    using T = typename decltype(oElement)::Type;
+    if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
+      SplitPhases<T>();
+      for (int k = 0; k < 4; ++k) m_oMean.ApplyParam(m_aPhases[k], m_aMeans[k], m_nInFilterWidth);
+      Balance<T>(oTarget);
+      return 0L;
+    } else {
+      return cnUnknown;
+    }
+  });
+  if (nResult == cnUnknown) KLV_RAISE(ClException, "illegal input image type; should never happen", -103);
+  m_pOutImage->Swap(oTarget);
+  return nResult;
+}
+
+template <typename T>
+void ClIpLocalWhiteBalance::SplitPhases() {
+  const ClImage& oIn = *m_pInImage;
+  const int nCells = oIn.Width() / 2;
+  for (ClImage& oPhase : m_aPhases) {
+    oPhase.NewWithType(oIn.DataType(), nCells, oIn.Height() / 2, 1, oIn.PelsX(), oIn.PelsY(), true);
+  }
+  for (int y = 0; y < oIn.Height(); ++y) {
+    const T* pIn = oIn.Row<T>(y);
+    T* pEven = m_aPhases[2 * (y % 2)].Row<T>(y / 2);
+    T* pOdd = m_aPhases[2 * (y % 2) + 1].Row<T>(y / 2);
+    if constexpr (std::is_same_v<T, uint8_t>) {
+      MXKernels::SplitPairsRow(pIn, pEven, pOdd, static_cast<size_t>(nCells));
+    } else {
+      for (int x = 0; x < nCells; ++x) {
+        pEven[x] = pIn[2 * x];
+        pOdd[x] = pIn[2 * x + 1];
+      }
+    }
+  }
+}
+
+template <typename T>
+void ClIpLocalWhiteBalance::Balance(ClImage& oTarget) {
+  using Limits = std::numeric_limits<T>;
+  constexpr int64_t cnOffset = 1 - int64_t{Limits::lowest()};
+  const int nCells = oTarget.Width() / 2;
+  for (int y = 0; y < oTarget.Height() / 2; ++y) {
+    if constexpr (std::is_same_v<T, uint8_t>) {
+      const MXKernels::BalanceCells oCells{
+          {m_aMeans[0].Row<T>(y), m_aMeans[1].Row<T>(y), m_aMeans[2].Row<T>(y), m_aMeans[3].Row<T>(y)},
+          m_pInImage->Row<T>(2 * y),
+          m_pInImage->Row<T>(2 * y + 1),
+          oTarget.Row<T>(2 * y),
+          oTarget.Row<T>(2 * y + 1)};
+      MXKernels::BalanceCellsRow(oCells, static_cast<size_t>(nCells));
+    } else {
+      for (int x = 0; x < nCells; ++x) {
+        int64_t aMeans[4];
+        for (int k = 0; k < 4; ++k) aMeans[k] = m_aMeans[k].Row<T>(y)[x] + cnOffset;
+        const int64_t nTarget = (aMeans[0] + aMeans[1] + aMeans[2] + aMeans[3]) / 4;
+        for (int k = 0; k < 4; ++k) {
+          const int64_t nSample = m_aPhases[k].Row<T>(y)[x] + cnOffset;
+          const int64_t nOut = nSample * nTarget / aMeans[k] - cnOffset;
+          oTarget.Row<T>(2 * y + k / 2)[2 * x + k % 2] =
+              static_cast<T>(std::min<int64_t>(std::max<int64_t>(nOut, Limits::lowest()), Limits::max()));
+        }
+      }
+    }
+  }
+}

@@ -1,0 +1,44 @@
+// Evens out the four phases of a colour filter mosaic.
+#pragma once
+
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/NewIp1to1Base.h"
+
+/// Draws each phase of the 2 by 2 cell to the mean of all four in its neighbourhood; a uniform grey passes
+/// unchanged.
+///
+/// Domain     one plane of eUint8, eInt8, eUint16 or eInt16 with even width and height; the output may be the
+/// input. Range      all samples and means are shifted by 1 - black, so that nothing divided by is 0 or
+/// below; then each
+///            sample of phase k becomes sample * target / mean[k], target being a quarter of the sum of the
+///            means. Divisions truncate; the result is limited to the range of the type.
+/// Ownership  the output is allocated on the image handed in; the images of the phases are kept from run to
+/// run. Threads    thread-bound. Errors     ClException -701 an image is missing; -44 odd sizes, several
+/// planes, a filter width below 1; -14 an
+///            empty image; -33 other types.
+/// Cost       four mean filters at half size and one pass with a division a sample.
+class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
+ public:
+  ClIpLocalWhiteBalance();
+
+  ClProcessorBase* Create() const override;
+  const char* Name() const override { return "ClIpLocalWhiteBalance"; }
+  void SetParametersToDefault() override { m_nInFilterWidth = 51; }
+  void PublishParameters(ClParameterContainer& oContainer) override;
+
+ protected:
+  long Process() override;
+
+ private:
+  void CheckImages() const;
+  template <typename T>
+  void SplitPhases();
+  template <typename T>
+  void Balance(ClImage& oTarget);
+
+  int m_nInFilterWidth;
+  ClIpFilterMid m_oMean;
+  ClImage m_aPhases[4];
+  ClImage m_aMeans[4];
+  ClImage m_oScratch;
+};

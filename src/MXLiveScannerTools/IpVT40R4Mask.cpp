@@ -1,0 +1,134 @@
+// Parameters and the order of the steps of the finger mask.
+#include "MXLiveScannerTools/IpVT40R4Mask.h"
+
+#include <cmath>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/LayoutRows.h"
+#include "MXKernels/PointRows.h"
+#include "MXTools/Exception.h"
+#include "MXTools/ParameterContainer.h"
+
+ClIpVT40R4Mask::ClIpVT40R4Mask() {
+  ClIpVT40R4Mask::SetParametersToDefault();
+  for (int i = 0; i < 65536; ++i) {
+    m_anSquareRoot[i] = static_cast<uint16_t>(std::sqrt(static_cast<double>(i)) * 256);
+  }
+}
+
+ClProcessorBase* ClIpVT40R4Mask::Create() const {
+  return NewProcessor<ClIpVT40R4Mask>();
+}
+
+void ClIpVT40R4Mask::SetParametersToDefault() {
+  ClIpLiveScannerMask::SetParametersToDefault();
+  m_nInWidth500dpi = 1600;
+  m_nInSignalBack = 14;
+  m_nInSignalFront = 64;
+  m_dInLBPThresh = 0.135;
+  m_dInFogThresh = 0.8;
+  m_nInMaskThresh = 8200;
+  m_nInLeftFade = 10;
+  m_nInRightFade = 10;
+  m_nInTopFade = 20;
+  m_nInBottomFade = 100;
+}
+
+void ClIpVT40R4Mask::PublishParameters(ClParameterContainer& oContainer) {
+  ClIpLiveScannerMask::PublishParameters(oContainer);
+  oContainer.AddNumeric("nInWidth500dpi", &m_nInWidth500dpi);
+  oContainer.AddNumeric("nInSignalBack", &m_nInSignalBack);
+  oContainer.AddNumeric("nInSignalFront", &m_nInSignalFront);
+  oContainer.AddNumeric("dInLBPThresh", &m_dInLBPThresh);
+  oContainer.AddNumeric("dInFogThresh", &m_dInFogThresh);
+  oContainer.AddNumeric("nInMaskThresh", &m_nInMaskThresh);
+  oContainer.AddNumeric("nInLeftFade", &m_nInLeftFade);
+  oContainer.AddNumeric("nInRightFade", &m_nInRightFade);
+  oContainer.AddNumeric("nInTopFade", &m_nInTopFade);
+  oContainer.AddNumeric("nInBottomFade", &m_nInBottomFade);
+}
+
+void ClIpVT40R4Mask::ScaleDown(ClImage& oIn, ClImage& oMean, ClImage& oMax, ClImage& oMin) const {
+  const int nWidth = oIn.Width() / 2, nHeight = oIn.Height() / 2;
+  for (ClImage* pOut : {&oMean, &oMax, &oMin}) {
+    pOut->NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  }
+  for (int y = 0; y < nHeight; ++y) {
+    MXKernels::ScaleDownRow(oIn.Row<uint8_t>(2 * y), oIn.Row<uint8_t>(2 * y + 1), static_cast<size_t>(nWidth),
+                            oMean.Row<uint8_t>(y), oMax.Row<uint8_t>(y), oMin.Row<uint8_t>(y));
+  }
+}
+
+void ClIpVT40R4Mask::ScaleUp(ClImage& oIn, ClImage& oOut) const {
+  oOut.NewWithType(ClImage::eUint8, 2 * oIn.Width(), 2 * oIn.Height(), 1, 0, 0, true);
+  for (int y = 0; y < oIn.Height(); ++y) {
+    const auto nCount = static_cast<size_t>(oIn.Width());
+    MXKernels::ScaleUpRow(oIn.Row<uint8_t>(y), oOut.Row<uint8_t>(2 * y), nCount);
+    MXKernels::ScaleUpRow(oIn.Row<uint8_t>(y), oOut.Row<uint8_t>(2 * y + 1), nCount);
+  }
+}
+
+bool ClIpVT40R4Mask::TakesHalfResolution(const ClImage& oIn) const {
+  return oIn.Width() == m_nInWidth500dpi || oIn.PelsX() >= 19601;
+}
+
+long ClIpVT40R4Mask::Process() {
+  if (m_pInImage == nullptr) KLV_RAISE(ClException, "No input image assigned.", -701);
+  if (m_pOutImage == nullptr) KLV_RAISE(ClException, "No output image assigned.", -701);
+  if (m_pInImage->Planes() != 1) KLV_RAISE(ClException, "only single plane images supported", -44);
+  const int nPelsX = m_pInImage->PelsX(), nPelsY = m_pInImage->PelsY();
+  const bool bHalf = TakesHalfResolution(*m_pInImage);
+  if (bHalf) {
+    if (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0) {
+      KLV_RAISE(ClException, "image must have even width and height", -44);
+    }
+    ScaleDown(*m_pInImage, m_oSignal, m_oUpper, m_oLower);
+    EstimateBackground(m_oLower);
+    m_oSubtract.ApplyParam(m_oSignal, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
+    m_oSubtract.ApplyParam(m_oUpper, m_oBackground, m_oUpper, ClImage::cnTypeDefault);
+    EstimateEnvelope(m_oUpper);
+  } else {
+    EstimateBackground(*m_pInImage);
+    m_oSubtract.ApplyParam(*m_pInImage, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
+    EstimateEnvelope(m_oSignal);
+  }
+  FadeBorders();
+  MeasureTexture();
+  DecideByBrightness();
+  m_oFilterMid.ApplyParam(m_oDistance, m_oSmoothed, 15);
+  TestFog();
+  MakeFirstMask();
+  RemoveIslands();
+  FillHoles();
+  if (bHalf) {
+    ComposeFullResolution();
+  } else {
+    ComposeInputResolution();
+  }
+  m_pOutImage->SetPels(nPelsX, nPelsY);
+  return 0;
+}
+
+void ClIpVT40R4Mask::ComposeInputResolution() {
+  m_oAdjust.ApplyParam(m_oSignal, m_oEnvelope, *m_pOutImage, 255.0);
+  m_oFilterMid.ApplyParam(m_oMask, m_oSoftMask, 7);
+  BlendWith(m_oSoftMask);
+}
+
+void ClIpVT40R4Mask::ComposeFullResolution() {
+  ScaleUp(m_oEnvelope, m_oFullEnvelope);
+  ScaleUp(m_oBackground, m_oFullBackground);
+  ScaleUp(m_oMask, m_oFullMask);
+  m_oFilterMid.ApplyParam(m_oFullMask, m_oSoftMask, 15);
+  m_oSubtract.ApplyParam(*m_pInImage, m_oFullBackground, m_oFullSignal, ClImage::cnTypeDefault);
+  m_oAdjust.ApplyParam(m_oFullSignal, m_oFullEnvelope, *m_pOutImage, 255.0);
+  BlendWith(m_oSoftMask);
+}
+
+void ClIpVT40R4Mask::BlendWith(const ClImage& oSoftMask) {
+  for (int y = 0; y < m_pOutImage->Height(); ++y) {
+    uint8_t* pOut = m_pOutImage->Row<uint8_t>(y);
+    MXKernels::InvertedBlendRow(pOut, oSoftMask.Row<uint8_t>(y), pOut,
+                                static_cast<size_t>(m_pOutImage->Width()));
+  }
+}

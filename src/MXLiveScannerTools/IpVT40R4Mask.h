@@ -1,0 +1,119 @@
+// The finger mask of the ten-finger platen.
+#pragma once
+
+#include <cstdint>
+
+#include "MXImageProcessing/IpBinarizeGlobal.h"
+#include "MXImageProcessing/IpFilterMax.h"
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/IpFilterMin.h"
+#include "MXImageProcessing/IpInvert.h"
+#include "MXImageProcessing/IpLabeling.h"
+#include "MXImageProcessing/IpSaturate.h"
+#include "MXImageProcessing/IpScale.h"
+#include "MXImageProcessing/IpSubtract.h"
+#include "MXLiveScannerTools/IpAdjustBrightness.h"
+#include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
+#include "MXLiveScannerTools/IpLiveScannerMask.h"
+#include "MXTools/TpArrayDynamic.h"
+
+/// Turns a calibrated frame into the ridges, inverted and with even contrast, on a pure white background.
+///
+/// Domain     one plane of eUint8; input and output may be one object. Inputs of the full-resolution width or
+/// of
+///            19601 pels per metre or more are segmented at half resolution and need even sizes.
+/// Range      255 where no finger is; soft transitions at the fingers' edges.
+/// Units      the limits of small islands and holes are pixels of the resolution that is segmented.
+/// Ownership  the output is allocated on the image handed in; scratch images are kept from run to run, so
+/// that
+///            a frame of the last one's size allocates nothing.
+/// Threads    thread-bound.
+/// Errors     ClException -701 an image is missing; -44 several planes, or odd sizes where half resolution is
+/// used;
+///            -33 another element type; ClExBadAlloc -102.
+class ClIpVT40R4Mask : public ClIpLiveScannerMask {
+ public:
+  ClIpVT40R4Mask();
+
+  ClProcessorBase* Create() const override;
+  const char* Name() const override { return "ClIpVT40R4Mask"; }
+  void SetParametersToDefault() override;
+  void PublishParameters(ClParameterContainer& oContainer) override;
+
+  /// Mean, largest and smallest sample of each 2 by 2 cell.
+  void ScaleDown(ClImage& oIn, ClImage& oMean, ClImage& oMax, ClImage& oMin) const;
+  /// Each sample as a 2 by 2 cell.
+  void ScaleUp(ClImage& oIn, ClImage& oOut) const;
+
+ protected:
+  long Process() override;
+
+ private:
+  static const unsigned char m_anBinRef[ClIpComputeLBPImage_4Neighborhood::cnClasses];
+
+  bool TakesHalfResolution(const ClImage& oIn) const;
+  void EstimateBackground(ClImage& oDark);
+  void EstimateEnvelope(ClImage& oBright);
+  void FadeBorders();
+  void MeasureTexture();
+  void DecideByBrightness();
+  void TestFog();
+  void MakeFirstMask();
+  void RemoveIslands();
+  void FillHoles();
+  void CountLabels();
+  void Replace(int nLargest, unsigned char nValue);
+  void ComposeInputResolution();
+  void ComposeFullResolution();
+  void BlendWith(const ClImage& oSoftMask);
+
+  int m_nInWidth500dpi;
+  unsigned char m_nInSignalBack;
+  unsigned char m_nInSignalFront;
+  double m_dInLBPThresh;
+  double m_dInFogThresh;
+  unsigned short m_nInMaskThresh;
+  int m_nInLeftFade;
+  int m_nInRightFade;
+  int m_nInTopFade;
+  int m_nInBottomFade;
+  /// sqrt(i) * 256, truncated.
+  uint16_t m_anSquareRoot[65536];
+
+  ClIpFilterMin m_oFilterMin;
+  ClIpFilterMax m_oFilterMax;
+  ClIpFilterMid m_oFilterMid;
+  ClIpSubtract m_oSubtract;
+  ClIpSaturate m_oSaturate;
+  ClIpScale m_oScale;
+  ClIpComputeLBPImage_4Neighborhood m_oTexture;
+  ClIpBinarizeGlobal m_oBinarize;
+  ClIpInvert m_oInvert;
+  ClIpLabeling m_oLabeling;
+  ClIpAdjustBrightness m_oAdjust;
+
+  // At the resolution that is segmented.
+  ClImage m_oSignal;
+  ClImage m_oUpper;
+  ClImage m_oLower;
+  ClImage m_oBackground;
+  ClImage m_oEnvelope;
+  ClImage m_oClasses;
+  ClImage m_oShare;
+  ClImage m_oDistance;
+  ClImage m_oSmoothed;
+  ClImage m_oBrightness;
+  ClImage m_oNear;
+  ClImage m_oFar;
+  ClImage m_oMask;
+  ClImage m_oLabels;
+  ClImage m_oExtreme1;
+  ClImage m_oExtreme2;
+  TpArrayDynamic<int32_t, 1> m_aCounts;
+  // At the input's resolution, on the half-resolution path.
+  ClImage m_oFullSignal;
+  ClImage m_oFullEnvelope;
+  ClImage m_oFullBackground;
+  ClImage m_oFullMask;
+  ClImage m_oSoftMask;
+};
