@@ -4,6 +4,7 @@
 #include <png.h>
 
 #include <cmath>
+#include <csetjmp>
 #include <cstdio>
 #include <memory>
 
@@ -25,58 +26,79 @@ double PelsOf(png_structp pPng, png_infop pInfo) {
   return nPels >= 3000 && nPels <= 80000 ? static_cast<double>(nPels) : 19685.0;
 }
 
+/// Reads one file. libpng leaves by longjmp when something is wrong, so the two functions that call it hold
+/// nothing that needs a destructor; the texts of errors wait in a member.
 class ClPngReader {
  public:
-  explicit ClPngReader(const std::string& sPath) : m_sPath(sPath) {}
+  explicit ClPngReader(const std::string& sPath) : m_sPath(sPath), m_pFile(std::fopen(sPath.c_str(), "rb")) {
+    if (!m_pFile) throw ClSimError(eFileOpen, "can't open print file \"" + m_sPath + "\"");
+    m_pPng =
+        png_create_read_struct(PNG_LIBPNG_VER_STRING, this, &ClPngReader::OnError, &ClPngReader::OnWarning);
+    if (m_pPng) m_pInfo = png_create_info_struct(m_pPng);
+    if (!m_pInfo) {
+      png_destroy_read_struct(&m_pPng, nullptr, nullptr);
+      throw ClSimError(eOutOfMemory, "no memory for reading \"" + m_sPath + "\"");
+    }
+  }
   ClPngReader(const ClPngReader&) = delete;
   ClPngReader& operator=(const ClPngReader&) = delete;
   ~ClPngReader() { png_destroy_read_struct(&m_pPng, &m_pInfo, nullptr); }
 
   TpPlane<uint8_t> Read(double& dPels) {
-    std::unique_ptr<std::FILE, ClFileCloser> pFile(std::fopen(m_sPath.c_str(), "rb"));
-    if (!pFile) throw ClSimError(eFileOpen, "can't open print file \"" + m_sPath + "\"");
-    m_pPng =
-        png_create_read_struct(PNG_LIBPNG_VER_STRING, this, &ClPngReader::OnError, &ClPngReader::OnWarning);
-    if (m_pPng) m_pInfo = png_create_info_struct(m_pPng);
-    if (!m_pInfo) throw ClSimError(eOutOfMemory, "no memory for reading \"" + m_sPath + "\"");
-    png_init_io(m_pPng, pFile.get());
-    png_set_user_limits(m_pPng, g_cnLargestSide, g_cnLargestSide);
-    png_read_info(m_pPng, m_pInfo);
-    const png_uint_32 nWidth = png_get_image_width(m_pPng, m_pInfo);
-    const png_uint_32 nHeight = png_get_image_height(m_pPng, m_pInfo);
+    if (!ReadHeader()) Fail();
     dPels = PelsOf(m_pPng, m_pInfo);
-    ToGrey();
-    TpPlane<uint8_t> oGrey(static_cast<int>(nWidth), static_cast<int>(nHeight));
+    const png_uint_32 nWidth = png_get_image_width(m_pPng, m_pInfo),
+                      nHeight = png_get_image_height(m_pPng, m_pInfo);
     if (png_get_rowbytes(m_pPng, m_pInfo) != nWidth)
       throw ClSimError(eFileRead, "print file \"" + m_sPath + "\" has a pixel format that can't be read");
+    TpPlane<uint8_t> oGrey(static_cast<int>(nWidth), static_cast<int>(nHeight));
     std::vector<png_bytep> aRows(nHeight);
     for (png_uint_32 y = 0; y < nHeight; ++y) aRows[y] = oGrey.Row(static_cast<int>(y));
-    png_read_image(m_pPng, aRows.data());
+    if (!ReadRows(aRows.data())) Fail();
     return oGrey;
   }
 
  private:
-  void ToGrey() {
+  bool ReadHeader() {
+    if (setjmp(png_jmpbuf(m_pPng))) return false;
+    png_init_io(m_pPng, m_pFile.get());
+    png_set_user_limits(m_pPng, g_cnLargestSide, g_cnLargestSide);
+    png_read_info(m_pPng, m_pInfo);
     png_set_expand(m_pPng);
     png_set_scale_16(m_pPng);
     png_color_16 oWhite{0, 255, 255, 255, 255};
     png_set_background(m_pPng, &oWhite, PNG_BACKGROUND_GAMMA_SCREEN, 0, 1.0);
     if (png_get_color_type(m_pPng, m_pInfo) & PNG_COLOR_MASK_COLOR)
-      png_set_rgb_to_gray_fixed(m_pPng, 1, -1, -1);
+      png_set_rgb_to_gray_fixed(m_pPng, PNG_ERROR_ACTION_NONE, PNG_RGB_TO_GRAY_DEFAULT,
+                                PNG_RGB_TO_GRAY_DEFAULT);
     png_set_interlace_handling(m_pPng);
     png_read_update_info(m_pPng, m_pInfo);
+    return true;
   }
 
-  // Errors leave libpng as C++ exceptions; Debian builds it with unwind tables.
+  bool ReadRows(png_bytepp ppRows) {
+    if (setjmp(png_jmpbuf(m_pPng))) return false;
+    png_read_image(m_pPng, ppRows);
+    png_read_end(m_pPng, nullptr);
+    return true;
+  }
+
+  [[noreturn]] void Fail() const {
+    throw ClSimError(eFileRead, "can't read print file \"" + m_sPath + "\": " + m_szError);
+  }
+
   [[noreturn]] static void OnError(png_structp pPng, png_const_charp szText) {
-    const auto* pThis = static_cast<const ClPngReader*>(png_get_error_ptr(pPng));
-    throw ClSimError(eFileRead, "can't read print file \"" + pThis->m_sPath + "\": " + szText);
+    auto* pThis = static_cast<ClPngReader*>(png_get_error_ptr(pPng));
+    std::snprintf(pThis->m_szError, sizeof pThis->m_szError, "%s", szText);
+    png_longjmp(pPng, 1);
   }
   static void OnWarning(png_structp, png_const_charp) {}
 
   std::string m_sPath;
+  std::unique_ptr<std::FILE, ClFileCloser> m_pFile;
   png_structp m_pPng = nullptr;
   png_infop m_pInfo = nullptr;
+  char m_szError[128] = "";
 };
 
 /// Mean darkness in a square window, by running sums over rows, then columns; the window is cut at the

@@ -249,7 +249,7 @@ TEST_F(SimulatorTest, TheChosenCallFailsAndWhatGivesBackDoesSoAllTheSame) {
 }
 
 TEST_F(SimulatorTest, RandomFaultsFollowFromTheirSeed) {
-  const auto Run = [this](unsigned long long nSeed) {
+  const auto Run = [](unsigned long long nSeed) {
     Start("empty");
     void* hDevice = Open();
     EXPECT_EQ(VTSimFailRandomly(nullptr, nSeed, 0.25, -60), 0);

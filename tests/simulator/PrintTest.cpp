@@ -142,6 +142,8 @@ TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
   EXPECT_THAT(NumberOf(sCut).second, testing::HasSubstr(sCut));
   EXPECT_EQ(NumberOf(oFolder.Write("text.png", "no picture")).first, -203);
   EXPECT_EQ(NumberOf(oFolder.Path("none.png")).first, -200);
+  EXPECT_EQ(NumberOf(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first,
+            -203);
 }
 
 TEST(FingerContent, AFingerIsThereFromTouchToLiftAndGrowsInBetween) {
