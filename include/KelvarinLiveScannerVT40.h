@@ -11,16 +11,17 @@
  *
  * Results   Unless told otherwise a function returns 0 for success and a negative number for a failure, which
  *           LS_VT40GetErrorDescriptionA explains. A failure leaves the out-parameters as they were, but for
- * sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and KLV_ERROR_INVALID_HANDLE
- * for anything that is no open handle; these two are not repeated below. Images    Rows of 8-bit grey values,
- * top row first, one byte a pixel without padding (all widths are multiples of 4): 0 is black, 255 white.
- * Ridges are dark on a white background. The caller supplies the buffer; its size follows from the size
- * functions. Resolutions are constant: 500 dpi (full, roll) and 250 dpi (preview). Threads   All functions
- * may be called from any thread. Calls on one handle may run at the same time, but for LS_VT40CloseScanner,
- * which must be the last one. An image call that waits for the scanner holds back a change of the capture
- * mode and LED calls on the same handle until it returns. Logging   KELVARIN_SDK_LOG=1 in the environment
- * writes a line for each call to the standard output; KELVARIN_SDK_LOG_LEVEL (0 to 7) leaves out what is less
- * important.
+ *           sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
+ *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle; these two are not repeated below.
+ * Images    Rows of 8-bit grey values, top row first, one byte a pixel without padding (all widths are
+ *           multiples of 4): 0 is black, 255 white. Ridges are dark on a white background. The caller supplies
+ *           the buffer; its size follows from the size functions. Resolutions are constant: 500 dpi (full,
+ *           roll) and 250 dpi (preview).
+ * Threads   All functions may be called from any thread. Calls on one handle may run at the same time, but for
+ *           LS_VT40CloseScanner, which must be the last one. An image call that waits for the scanner holds
+ *           back a change of the capture mode and LED calls on the same handle until it returns.
+ * Logging   KELVARIN_SDK_LOG=1 in the environment writes a line for each call to the standard output;
+ *           KELVARIN_SDK_LOG_LEVEL (0 to 7) leaves out what is less important.
  */
 #ifndef KELVARIN_LIVE_SCANNER_VT40_H
 #define KELVARIN_LIVE_SCANNER_VT40_H
@@ -72,21 +73,22 @@ typedef enum KLV_VT40_CAPTURE_MODE_TAGS {
   KLV_VT40_CAPTURE_MODE_SIGNATURE = 6  /* the platen as a signature pad */
 } KLV_VT40_CAPTURE_MODE_TAGS;
 
-/* ---- The library
- * ---------------------------------------------------------------------------------------------- */
+/* ---- The library ------------------------------------------------------------------------------------- */
 
-/* Loads the scan library and starts it; every success must be paired with LS_VT40Uninitialize. Further calls
- * only count. pszReserved has no effect; pass NULL. Errors: KLV_ERROR_FILE_OPEN_FAIL the scan library was not
- * found; the scan library's own number. */
+/* Loads the scan library and starts it; every success must be paired with LS_VT40Uninitialize. Further
+ * calls only count. pszReserved has no effect; pass NULL.
+ * Errors: KLV_ERROR_FILE_OPEN_FAIL the scan library was not found; the scan library's own number. */
 KLV_API long LS_VT40Initialize(const char* pszReserved);
 
 /* Drops what one LS_VT40Initialize took; the last one stops and unloads the scan library. Open handles are
  * not closed; they answer KLV_ERROR_NOT_INITIALIZED when they are closed, until the library is initialised
- * again. Errors: KLV_ERROR_NOT_INITIALIZED. */
+ * again.
+ * Errors: KLV_ERROR_NOT_INITIALIZED. */
 KLV_API long LS_VT40Uninitialize(void);
 
-/* The version of this library as text. *pnSize is the room on entry and the needed size, with the terminating
- * zero, on return. With pszVersion NULL and room enough only the size is told. Needs no initialisation.
+/* The version of this library as text. *pnSize is the room on entry and the needed size, with the
+ * terminating zero, on return. With pszVersion NULL and room enough only the size is told. Needs no
+ * initialisation.
  * Errors: -24 pnSize NULL; KLV_ERROR_BUFFER_TOO_SMALL. */
 KLV_API long LS_VT40GetVersionA(char* pszVersion, unsigned int* pnSize);
 
@@ -101,33 +103,34 @@ KLV_API const wchar_t* LS_VT40GetErrorDescriptionW(long nError);
 /* Waits for 25 milliseconds. Returns 0. */
 KLV_API long LS_VT40TriggerScanner(void);
 
-/* ---- Scanners
- * ------------------------------------------------------------------------------------------------- */
+/* ---- Scanners ---------------------------------------------------------------------------------------- */
 
 /* The serial numbers of the connected scanners, in cells of KLV_VT40_SERIAL_SIZE bytes. *pnCount is the
- * number of cells on entry and the number of scanners on return. pSerials NULL asks for the number. Errors:
- * KLV_ERROR_INVALID_PARAMETER pnCount NULL; KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_SIZE_TOO_SMALL too few
- * cells, or pSerials NULL while scanners are connected; -101 a serial number cannot be read. */
+ * number of cells on entry and the number of scanners on return. pSerials NULL asks for the number.
+ * Errors: KLV_ERROR_INVALID_PARAMETER pnCount NULL; KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_SIZE_TOO_SMALL too
+ * few cells, or pSerials NULL while scanners are connected; -101 a serial number cannot be read. */
 KLV_API long LS_VT40QueryScanners(char* pSerials, unsigned int* pnCount);
 
 /* Opens the scanner of that serial number and stores a handle in *phScanner. Takes up to about two seconds.
- * When the scanner was found but could not be opened *phScanner is NULL. Errors: KLV_ERROR_NOT_INITIALIZED;
- * KLV_ERROR_INVALID_PARAMETER pszSerial NULL; -101 scanners cannot be listed; KLV_ERROR_DISCONNECTED no such
- * scanner; KLV_ERROR_BAD_POINTER phScanner NULL; KLV_ERROR_DEVICE_OPEN_FAIL in use; KLV_ERROR_UNSUPPORTED
- * scan library or scanner too old or too new; -39, -40, -201 the scanner's calibration data is damaged; the
- * scan library's own number. */
+ * When the scanner was found but could not be opened *phScanner is NULL.
+ * Errors: KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_INVALID_PARAMETER pszSerial NULL; -101 scanners cannot be
+ * listed; KLV_ERROR_DISCONNECTED no such scanner; KLV_ERROR_BAD_POINTER phScanner NULL;
+ * KLV_ERROR_DEVICE_OPEN_FAIL in use; KLV_ERROR_UNSUPPORTED scan library or scanner too old or too new; -39,
+ * -40, -201 the scanner's calibration data is damaged; the scan library's own number. */
 KLV_API long LS_VT40OpenScanner(const char* pszSerial, void** phScanner);
 
-/* Stops what runs, closes the scanner and sets *phScanner to NULL. When the scan library refuses to close the
- * device its number is returned and the handle stays, without a device; a second call then ends it. Errors:
- * KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_INVALID_PARAMETER phScanner NULL. */
+/* Stops what runs, closes the scanner and sets *phScanner to NULL. When the scan library refuses to close
+ * the device its number is returned and the handle stays, without a device; a second call then ends it.
+ * Errors: KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_INVALID_PARAMETER phScanner NULL. */
 KLV_API long LS_VT40CloseScanner(void** phScanner);
 
-/* How dirty the platen is, 0 clean to 100, as automatic capture has measured it. *pnReserved becomes 0. Says
- * nothing on whether the scanner is connected. Errors: KLV_ERROR_BAD_POINTER. */
+/* How dirty the platen is, 0 clean to 100, as automatic capture has measured it. *pnReserved becomes 0.
+ * Says nothing on whether the scanner is connected.
+ * Errors: KLV_ERROR_BAD_POINTER. */
 KLV_API long LS_VT40GetScannerCondition(void* h, unsigned int* pnCondition, unsigned int* pnReserved);
 
-/* The serial number, into a buffer of KLV_VT40_SERIAL_SIZE bytes. Errors: KLV_ERROR_BAD_POINTER. */
+/* The serial number, into a buffer of KLV_VT40_SERIAL_SIZE bytes.
+ * Errors: KLV_ERROR_BAD_POINTER. */
 KLV_API long LS_VT40GetSerialNumber(void* h, char* pszSerial);
 
 /* Versions of scanner and scan library as text. *pnSize is the room on entry and the needed size on return.
@@ -142,12 +145,12 @@ KLV_API long LS_VT40Beep(void* h, unsigned int nArg1, unsigned int nArg2);
 KLV_API long LS_VT40SetLED(void* h, unsigned char nIndex, unsigned char nState);
 
 /* Shows a text on the character display: characters 0 to 15 on the first line, 16 to 31 on the second; more
- * are not shown. nType must be 0. Errors: KLV_ERROR_UNSUPPORTED nType; KLV_ERROR_INVALID_PARAMETER pData NULL
- * with a size; KLV_ERROR_DISCONNECTED. */
+ * are not shown. nType must be 0.
+ * Errors: KLV_ERROR_UNSUPPORTED nType; KLV_ERROR_INVALID_PARAMETER pData NULL with a size;
+ * KLV_ERROR_DISCONNECTED. */
 KLV_API long LS_VT40SetDisplayData(void* h, unsigned int nType, char* pData, unsigned int nSize);
 
-/* ---- Sizes and resolutions
- * ------------------------------------------------------------------------------------ */
+/* ---- Sizes and resolutions --------------------------------------------------------------------------- */
 
 /* Width and height, in pixels, of the images of the three image calls and of the two of the signature mode.
  * Errors: KLV_ERROR_BAD_POINTER. */
@@ -163,12 +166,11 @@ KLV_API long LS_VT40GetImageDPI(void* h, unsigned int* pnDpiX, unsigned int* pnD
 KLV_API long LS_VT40GetPreviewImageDPI(void* h, unsigned int* pnDpiX, unsigned int* pnDpiY);
 KLV_API long LS_VT40GetRollImageDPI(void* h, unsigned int* pnDpiX, unsigned int* pnDpiY);
 
-/* ---- Capture
- * -------------------------------------------------------------------------------------------------- */
+/* ---- Capture ----------------------------------------------------------------------------------------- */
 
 /* Selects a capture mode, one of KLV_VT40_CAPTURE_MODE_TAGS. A scanner that was just opened is in mode OFF;
- * the mode that is set already is left alone. After a failure the mode is OFF. Errors: KLV_ERROR_UNSUPPORTED
- * no such mode, or not in this release; the scan library's own number. */
+ * the mode that is set already is left alone. After a failure the mode is OFF.
+ * Errors: KLV_ERROR_UNSUPPORTED no such mode, or not in this release; the scan library's own number. */
 KLV_API long LS_VT40SetCaptureMode(void* h, int nMode);
 
 /* The capture mode, when it is AUTO, AUTO_LIVE or OFF.
@@ -181,8 +183,8 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  *   pbDone    1 when the image is finished, else 0
  *   pnResult  0 when finished, else KLV_ERROR_NO_FINGER; for a finished roll its verdict, 0 or -801 to -805
  *
- * LS_VT40GetImage, the full-resolution image: one shot in mode OFF (never "finished"), the next image of the
- * stream in mode FULL (likewise; waits up to 10 seconds), a capture on request in mode PREVIEW.
+ * LS_VT40GetImage, the full-resolution image: one shot in mode OFF (never "finished"), the next image of
+ * the stream in mode FULL (likewise; waits up to 10 seconds), a capture on request in mode PREVIEW.
  * LS_VT40GetPreviewImage, the next preview that was not delivered yet; waits up to 15 seconds.
  * LS_VT40GetRollImage, the roll as assembled so far; waits up to 5 seconds.
  *
@@ -195,26 +197,27 @@ KLV_API long LS_VT40GetPreviewImage(void* h, void* pImage, double* pdScore, unsi
 KLV_API long LS_VT40GetRollImage(void* h, void* pImage, double* pdScore, unsigned char* pbDone,
                                  long* pnResult);
 
-/* ---- Properties
- * ----------------------------------------------------------------------------------------------- */
+/* ---- Properties -------------------------------------------------------------------------------------- */
 
 /* Named settings of a handle. Names are not case-sensitive.
  *
  *   "Version"               text, read only     version of this library
  *   "nAutoCaptureBeep"      long                not 0: beep on each completed capture
- *   "nRolledPostProcess"    long                not 0: rotate and centre a finished roll; from the next mode
- * change on "dSignatureFilterSigma" double              width of the signature's softening, 0.5 to 100
+ *   "nRolledPostProcess"    long                not 0: rotate and centre a finished roll; from the next
+ *                                             mode change on
+ *   "dSignatureFilterSigma" double              width of the signature's softening, 0.5 to 100
  *   "dSignatureDetectTime"  double              idle seconds that end a signature; 0 never
  *   "nSignatureSensorMode"  long                0 full, else half height of the signature area
  *   "nResetImage"           long, write only    any value starts the current roll or signature afresh
- *   "STATUS_LED"            long, write only    up to 0xFFFE: index * 256 + state; above: bits 16 to 27
- * select the LEDs that take the state in bits 0 to 2
+ *   "STATUS_LED"            long, write only    up to 0xFFFE: index * 256 + state; above: bits 16 to
+ *                                             27 select the LEDs that take the state in bits 0 to 2
  *
  * Text forms: decimal, or hexadecimal behind "0x". For LS_VT40GetPropertyA *pnSize is the room on entry and
- * the needed size on return. Errors: KLV_ERROR_INVALID_PARAMETER pszName NULL, another kind of property, or
- * no number; KLV_ERROR_UNKNOWN_PARAMETER; KLV_ERROR_READ_ONLY; KLV_ERROR_OUT_OF_RANGE; -24 pnSize NULL;
- * KLV_ERROR_BUFFER_TOO_SMALL; -20 pszValue NULL; -23 pnValue or pdValue NULL; KLV_ERROR_INVALID_STATE not in
- * the current mode. */
+ * the needed size on return.
+ * Errors: KLV_ERROR_INVALID_PARAMETER pszName NULL, another kind of property, or no number;
+ * KLV_ERROR_UNKNOWN_PARAMETER; KLV_ERROR_READ_ONLY; KLV_ERROR_OUT_OF_RANGE; -24 pnSize NULL;
+ * KLV_ERROR_BUFFER_TOO_SMALL; -20 pszValue NULL; -23 pnValue or pdValue NULL; KLV_ERROR_INVALID_STATE not
+ * in the current mode. */
 KLV_API long LS_VT40GetPropertyA(void* h, const char* pszName, char* pszValue, unsigned int* pnSize);
 KLV_API long LS_VT40SetPropertyA(void* h, const char* pszName, const char* pszValue);
 KLV_API long LS_VT40GetPropertyLongA(void* h, const char* pszName, long* pnValue);

@@ -18,7 +18,7 @@ std::atomic<ClKelvarinVTScanAPIWrapper*> ClLiveScannerVT40::m_pVTScanAPI{nullptr
 void ClLiveScannerVT40::OnInitialize() {
   auto pLibrary = std::make_unique<ClKelvarinVTScanAPIWrapper>();
   try {
-    pLibrary->OpenLibrary(ClKelvarinVTScanAPIWrapper::m_szSearchPath,
+    pLibrary->OpenLibrary(m_szSearchPath,
                           ClKelvarinVTScanAPIWrapper::m_ssLibName);
   } catch (const ClException&) {
     KLV_RAISE(ClException, "Unable to open VTScanAPI library.", -200);

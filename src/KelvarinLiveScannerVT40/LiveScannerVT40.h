@@ -12,6 +12,8 @@ class ClLiveScannerVT40 : public TpSDKBase<ClLiveScannerVT40, ClLoggingChain> {
  public:
   static const char m_szVersion[];
   static const char m_szLongVersion[];
+  /// Where the scan library is looked for in front of the linker's own search, relative to the working directory.
+  static constexpr char m_szSearchPath[] = "../KelvarinVTScanAPI;../../KelvarinVTScanAPI;.";
 
   /// The binding of the scan library; NULL while the library is not initialised. Set last, when the scan
   /// library is bound and has started.

@@ -48,7 +48,7 @@ ClVT40Handle::~ClVT40Handle() {
 
 void ClVT40Handle::AssignDevice(unsigned int nDevice) {
   if (m_hDevice != nullptr) KLV_RAISE(ClException, "Device already assigned.", -50);
-  m_oLibrary.OpenLibrary(ClKelvarinVTScanAPIWrapper::m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
+  m_oLibrary.OpenLibrary(ClLiveScannerVT40::m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
   CheckResult(m_oLibrary.VTScanAPICreateHandle(nDevice, &m_hDevice));
   CheckScanLibraryVersion();
   CheckPresent(m_oLibrary.VTScanAPIEnableCapture);

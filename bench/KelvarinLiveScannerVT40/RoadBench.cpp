@@ -1,0 +1,178 @@
+// The road of one frame on one thread, from the raw planes to the masked image, by step and as a whole.
+#include <benchmark/benchmark.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "KelvarinVTScanAPI/VTSim.h"
+#include "MXImageProcessing/IpFlip.h"
+#include "MXKernels/PointRows.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXLiveScannerTools/IpLiveScannerMask.h"
+#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
+
+extern "C" {
+long VTScanAPIInitialize(void*);
+long VTScanAPIQueryDevices(unsigned int*, unsigned int*, unsigned int);
+long VTScanAPICreateHandle(unsigned int, void**);
+long VTScanAPIReadEPROMFile(void*, const char*, void*, unsigned int*);
+long VTScanAPIEnableCapture(void*, int);
+long VTScanAPISetVSYNC(void*, unsigned short);
+long VTScanAPISetGain(void*, int, int, int);
+long VTScanAPISetCaptureMode(void*, int, unsigned int, unsigned long long*, unsigned int);
+long VTScanAPILockRawSequence(void*, void**);
+long VTScanAPIReleaseRawSequence(void*, void**);
+}
+
+namespace {
+
+void Require(bool bTrue, const char* szWhat) {
+  if (bTrue) return;
+  std::fprintf(stderr, "bench_Road: %s failed\n", szWhat);
+  std::exit(1);
+}
+
+/// A simulated scanner with a slap on it, its calibration state, and one raw sequence of each kind.
+class ClScene {
+ public:
+  ClScene() {
+    Require(VTSimLoadScene("slap-right") == 0, "scene");
+    Require(VTScanAPIInitialize(nullptr) == 0, "initialise");
+    unsigned int nId = 0;
+    unsigned int nCount = 1;
+    Require(VTScanAPIQueryDevices(&nId, &nCount, 17) == 0 && nCount == 1, "query");
+    Require(VTScanAPICreateHandle(nId, &m_hDevice) == 0, "open");
+    m_aGeometry = Read("GEOCAL");
+    m_aBrightness = Read("BRGHTCAL");
+    m_aGain = Read("GAINSET");
+    m_pSetup = MakeSetup();
+    Require(VTScanAPIEnableCapture(m_hDevice, 1) == 0, "capture");
+    const unsigned int nExposure = m_pSetup->GetExposure();
+    const unsigned int nGain = m_pSetup->GetGainLevel(1);
+    VTScanAPISetGain(m_hDevice, static_cast<int>(nGain & 0xFF), static_cast<int>(nGain >> 8 & 0xFF),
+                     static_cast<int>(nGain >> 16 & 0xFF));
+    m_aPreview = Grab(35, nExposure, 960 * 1360);
+    m_aFull = Grab(34, nExposure * 2, 1920 * 2720);
+  }
+
+  std::unique_ptr<ClVT40SetupCalibrationData> MakeSetup() {
+    auto pSetup = std::make_unique<ClVT40SetupCalibrationData>("VT40-AB0001", false);
+    pSetup->UpdateGainData(m_aGain.data(), static_cast<unsigned int>(m_aGain.size()));
+    pSetup->Setup(m_aGeometry.data(), static_cast<unsigned int>(m_aGeometry.size()), m_aBrightness.data(),
+                  static_cast<unsigned int>(m_aBrightness.size()), nullptr, 0);
+    return pSetup;
+  }
+
+  ClVT40SetupCalibrationData& Setup() { return *m_pSetup; }
+  const std::vector<unsigned char>& Preview() const { return m_aPreview; }
+  const std::vector<unsigned char>& Full() const { return m_aFull; }
+
+ private:
+  std::vector<char> Read(const char* szName) {
+    std::vector<char> aData(8192);
+    unsigned int nSize = static_cast<unsigned int>(aData.size());
+    Require(VTScanAPIReadEPROMFile(m_hDevice, szName, aData.data(), &nSize) == 0, szName);
+    aData.resize(nSize);
+    return aData;
+  }
+
+  std::vector<unsigned char> Grab(int nMode, unsigned int nExposure, size_t nPlane) {
+    unsigned long long aMasks[] = {0, 1};
+    VTScanAPISetVSYNC(m_hDevice, static_cast<unsigned short>(nExposure));
+    Require(VTScanAPISetCaptureMode(m_hDevice, nMode, 2, aMasks, 2) == 0, "mode");
+    void* pSequence = nullptr;
+    Require(VTScanAPILockRawSequence(m_hDevice, &pSequence) == 0, "sequence");
+    const unsigned char* pPlanes = static_cast<const unsigned char*>(pSequence);
+    std::vector<unsigned char> aPlanes(pPlanes, pPlanes + 2 * nPlane);
+    VTScanAPIReleaseRawSequence(m_hDevice, &pSequence);
+    return aPlanes;
+  }
+
+  void* m_hDevice = nullptr;
+  std::vector<char> m_aGeometry;
+  std::vector<char> m_aBrightness;
+  std::vector<char> m_aGain;
+  std::unique_ptr<ClVT40SetupCalibrationData> m_pSetup;
+  std::vector<unsigned char> m_aPreview;
+  std::vector<unsigned char> m_aFull;
+};
+
+ClScene& Scene() {
+  static ClScene& oScene = *new ClScene;
+  return oScene;
+}
+
+/// The images and processors of one road, in the order of its steps.
+struct ClRoad {
+  explicit ClRoad(bool bFull) : bFull(bFull) {
+    oRaw.NewWithType(ClImage::eUint8, bFull ? 1920 : 960, bFull ? 2720 : 1360, 1, 0, 0, true);
+  }
+
+  void Difference() {
+    const std::vector<unsigned char>& aPlanes = bFull ? Scene().Full() : Scene().Preview();
+    const size_t nPlane = aPlanes.size() / 2;
+    MXKernels::SubtractSaturated(&aPlanes[nPlane], aPlanes.data(), oRaw.Data(), nPlane);
+  }
+  void Balance() { oBalance.ApplyParam(oRaw, oBalanced); }
+  void Warp() {
+    if (bFull) {
+      Scene().Setup().CalibrateFull(oBalanced, oWarped);
+    } else {
+      Scene().Setup().CalibratePreview(oBalanced, oWarped);
+    }
+  }
+  void Flip() { oFlip.ApplyParam(oWarped, oWarped, true, false); }
+  void Brightness() {
+    if (bFull) {
+      Scene().Setup().AdjustBrightnessFull(oWarped, oCalibrated, 224);
+    } else {
+      Scene().Setup().AdjustBrightnessPreview(oWarped, oCalibrated, 224);
+    }
+  }
+  void Mask() { Scene().Setup().GetMaskProcessor(bFull ? 1 : 0)->ApplyParam(oCalibrated, oMasked, 500, 1.0); }
+  void Whole() {
+    Difference();
+    Balance();
+    Warp();
+    Flip();
+    Brightness();
+    Mask();
+  }
+
+  const bool bFull;
+  ClImage oRaw, oBalanced, oWarped, oCalibrated, oMasked;
+  ClIpLocalWhiteBalance oBalance;
+  ClIpFlip oFlip;
+};
+
+void Step(benchmark::State& oState, bool bFull, void (ClRoad::*pfnStep)()) {
+  ClRoad oRoad(bFull);
+  oRoad.Whole();
+  for (auto _ : oState) (oRoad.*pfnStep)();
+}
+
+void CalibrationSetup(benchmark::State& oState) {
+  for (auto _ : oState) benchmark::DoNotOptimize(Scene().MakeSetup());
+}
+
+constexpr auto cnUnit = benchmark::kMillisecond;
+BENCHMARK_CAPTURE(Step, PreviewDifference, false, &ClRoad::Difference)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewBalance, false, &ClRoad::Balance)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewWarp, false, &ClRoad::Warp)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewFlip, false, &ClRoad::Flip)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewBrightness, false, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewMask, false, &ClRoad::Mask)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewFrame, false, &ClRoad::Whole)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullDifference, true, &ClRoad::Difference)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullBalance, true, &ClRoad::Balance)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullWarp, true, &ClRoad::Warp)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullFlip, true, &ClRoad::Flip)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullBrightness, true, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullMask, true, &ClRoad::Mask)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullFrame, true, &ClRoad::Whole)->Unit(cnUnit);
+BENCHMARK(CalibrationSetup)->Unit(cnUnit)->UseRealTime();
+
+}  // namespace
+
+BENCHMARK_MAIN();

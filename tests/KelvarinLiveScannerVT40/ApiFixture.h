@@ -1,0 +1,84 @@
+// A simulated scanner behind the exported functions, for tests that see the library as an application does.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "KelvarinLiveScannerVT40.h"
+#include "KelvarinVTScanAPI/VTSim.h"
+
+/// What the image calls deliver.
+struct StDelivered {
+  long nError = 1;
+  double dScore = -1.0;
+  unsigned char bDone = 2;
+  long nResult = 1;
+  std::vector<unsigned char> aPixels;
+};
+
+/// The library on a scene, initialised, with no scanner open.
+class Api : public testing::Test {
+ protected:
+  static constexpr char cszSerial[] = "VT40-AB0001";
+
+  void SetUp() override {
+    LoadScene(R"({"scanners": [{"serial": "VT40-AB0001"}]})");
+    ASSERT_EQ(LS_VT40Initialize(nullptr), 0);
+  }
+
+  void TearDown() override {
+    if (m_h != nullptr) LS_VT40CloseScanner(&m_h);
+    while (LS_VT40Uninitialize() == 0) {
+    }
+    VTSimReset();
+  }
+
+  static void LoadScene(const std::string& sScene) {
+    ASSERT_EQ(VTSimLoadScene(sScene.c_str()), 0) << VTSimLastError();
+  }
+
+  long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
+
+  StDelivered Image() { return Deliver(LS_VT40GetImage, 1600 * 1600); }
+  StDelivered Preview() { return Deliver(LS_VT40GetPreviewImage, 800 * 800); }
+  StDelivered Roll() { return Deliver(LS_VT40GetRollImage, 800 * 800); }
+
+  static VTSimState State(const char* szSerial = nullptr) {
+    VTSimState oState = {};
+    oState.nStructSize = sizeof(oState);
+    EXPECT_EQ(VTSimGetState(szSerial, &oState), 0) << VTSimLastError();
+    return oState;
+  }
+
+  static unsigned long long Calls(const char* szFunction) {
+    unsigned long long nCount = 0;
+    EXPECT_EQ(VTSimGetCallCount(szFunction, &nCount), 0) << VTSimLastError();
+    return nCount;
+  }
+
+  void* m_h = nullptr;
+
+ private:
+  template <typename TFunction>
+  StDelivered Deliver(TFunction pfnImage, size_t nPixels) {
+    StDelivered oDelivered;
+    // Bytes behind the image that must not be touched.
+    oDelivered.aPixels.assign(nPixels + 64, 0xA5);
+    oDelivered.nError =
+        pfnImage(m_h, oDelivered.aPixels.data(), &oDelivered.dScore, &oDelivered.bDone, &oDelivered.nResult);
+    for (size_t n = nPixels; n < oDelivered.aPixels.size(); ++n) EXPECT_EQ(oDelivered.aPixels[n], 0xA5);
+    oDelivered.aPixels.resize(nPixels);
+    return oDelivered;
+  }
+};
+
+/// The same with the scanner open.
+class OpenScanner : public Api {
+ protected:
+  void SetUp() override {
+    Api::SetUp();
+    ASSERT_EQ(Open(), 0);
+  }
+};

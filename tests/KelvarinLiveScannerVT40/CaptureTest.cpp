@@ -1,0 +1,291 @@
+// Images through the exported functions: each mode, its pictures, its limits and its failures.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <numeric>
+#include <thread>
+
+#include "ApiFixture.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point tStart) {
+  return std::chrono::duration<double>(Clock::now() - tStart).count();
+}
+
+/// Pixels darker than nGrey.
+size_t DarkerThan(const std::vector<unsigned char>& aPixels, int nGrey) {
+  return static_cast<size_t>(
+      std::count_if(aPixels.begin(), aPixels.end(), [nGrey](int n) { return n < nGrey; }));
+}
+
+TEST_F(OpenScanner, SizesAndResolutionsAreThoseOfTheScanner) {
+  unsigned int nFirst = 0;
+  unsigned int nSecond = 0;
+  const auto Expect = [&](auto pfn, unsigned int nWanted1, unsigned int nWanted2, const char* szWhat) {
+    EXPECT_EQ(pfn(m_h, &nFirst, &nSecond), 0) << szWhat;
+    EXPECT_EQ(nFirst, nWanted1) << szWhat;
+    EXPECT_EQ(nSecond, nWanted2) << szWhat;
+  };
+  Expect(LS_VT40GetImageSize, 1600, 1600, "image");
+  Expect(LS_VT40GetPreviewImageSize, 800, 800, "preview");
+  Expect(LS_VT40GetRollImageSize, 800, 800, "roll");
+  Expect(LS_VT40GetSignatureImageSize, 1600, 1600, "signature");
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", 1), 0);
+  Expect(LS_VT40GetSignatureImageSize, 1600, 800, "half signature");
+  Expect(LS_VT40GetSignaturePreviewImageSize, 800, 400, "half signature preview");
+  Expect(LS_VT40GetImageDPI, 499, 499, "image");
+  Expect(LS_VT40GetPreviewImageDPI, 249, 249, "preview");
+  Expect(LS_VT40GetRollImageDPI, 499, 499, "roll");
+}
+
+TEST_F(OpenScanner, AnEmptyPlatenGivesAWhiteShotWithoutAFinger) {
+  const StDelivered oShot = Image();
+  EXPECT_EQ(oShot.nError, 0);
+  EXPECT_EQ(oShot.bDone, 0);
+  EXPECT_EQ(oShot.nResult, KLV_ERROR_NO_FINGER);
+  EXPECT_EQ(DarkerThan(oShot.aPixels, 255), 0u);
+  EXPECT_EQ(State().bCaptureEnabled, 0) << "the stream is off again";
+}
+
+TEST_F(OpenScanner, EveryModeShowsTheFingersOnTheSamePlace) {
+  LoadScene("slap-right");
+  ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
+  unsigned int nCount = 1;
+  char szSerial[KLV_VT40_SERIAL_SIZE] = "";
+  ASSERT_EQ(LS_VT40QueryScanners(szSerial, &nCount), 0);
+  ASSERT_EQ(Open(szSerial), 0);
+  const StDelivered oShot = Image();
+  ASSERT_EQ(oShot.nError, 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  const StDelivered oPreview = Preview();
+  const StDelivered oOnDemand = Image();
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  const StDelivered oStream = Image();
+  ASSERT_EQ(oPreview.nError, 0);
+  ASSERT_EQ(oOnDemand.nError, 0);
+  ASSERT_EQ(oStream.nError, 0);
+  EXPECT_EQ(oOnDemand.bDone, 1);
+  EXPECT_EQ(oOnDemand.nResult, 0);
+  EXPECT_EQ(oPreview.bDone, 0);
+  EXPECT_EQ(oStream.bDone, 0);
+  EXPECT_EQ(oStream.nResult, KLV_ERROR_NO_FINGER);
+  EXPECT_EQ(oStream.dScore, 0.0);
+  EXPECT_GT(DarkerThan(oShot.aPixels, 128), 100000u);
+  // Where one picture has ridges the other ones have, give or take the noise of another exposure.
+  const auto Differing = [&](const std::vector<unsigned char>& aOther) {
+    size_t nDiffering = 0;
+    for (size_t n = 0; n < aOther.size(); ++n) nDiffering += std::abs(aOther[n] - oShot.aPixels[n]) > 64;
+    return nDiffering;
+  };
+  EXPECT_LT(Differing(oOnDemand.aPixels), 10000u);
+  EXPECT_LT(Differing(oStream.aPixels), 10000u);
+  size_t nMissed = 0;
+  for (unsigned int y = 0; y < 800; ++y) {
+    for (unsigned int x = 0; x < 800; ++x) {
+      const unsigned char* pFull = &oShot.aPixels[(2 * y) * 1600 + 2 * x];
+      const int nMean = (pFull[0] + pFull[1] + pFull[1600] + pFull[1601]) / 4;
+      nMissed += std::abs(nMean - oPreview.aPixels[y * 800 + x]) > 96;
+    }
+  }
+  EXPECT_LT(nMissed, 20000u);
+}
+
+TEST_F(OpenScanner, ACaptureOnRequestNeedsAFinger) {
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  const StDelivered oEmpty = Image();
+  EXPECT_EQ(oEmpty.nError, 0);
+  EXPECT_EQ(oEmpty.bDone, 0);
+  EXPECT_EQ(oEmpty.nResult, KLV_ERROR_NO_FINGER);
+  EXPECT_EQ(State().nSensorMode, 35) << "the preview goes on";
+  EXPECT_EQ(Preview().nError, 0);
+}
+
+TEST_F(OpenScanner, ImageCallsOfAnotherModeAreRefused) {
+  EXPECT_EQ(Preview().nError, KLV_ERROR_INVALID_STATE);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  EXPECT_EQ(Preview().nError, KLV_ERROR_INVALID_STATE);
+  EXPECT_EQ(Roll().nError, KLV_ERROR_INVALID_STATE)
+      << "an image of the stream is larger than a roll's buffer";
+  EXPECT_EQ(Image().nError, 0);
+}
+
+TEST_F(OpenScanner, ModesAreSwitchedOnceAndReportedAsFarAsTheyHaveAName) {
+  int nMode = 0;
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, 7), KLV_ERROR_UNSUPPORTED);
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, -1), KLV_ERROR_UNSUPPORTED);
+  for (const int nAbsent : {KLV_VT40_CAPTURE_MODE_AUTO, KLV_VT40_CAPTURE_MODE_ROLL,
+                            KLV_VT40_CAPTURE_MODE_AUTO_LIVE, KLV_VT40_CAPTURE_MODE_SIGNATURE}) {
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, nAbsent), KLV_ERROR_UNSUPPORTED) << nAbsent;
+    EXPECT_EQ(State().bCaptureEnabled, 0) << nAbsent;
+    EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
+    EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
+  }
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), -101);
+  const unsigned long long nSwitches = Calls("VTScanAPISetCaptureMode");
+  const unsigned long long nEnables = Calls("VTScanAPIEnableCapture");
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  EXPECT_EQ(Calls("VTScanAPISetCaptureMode"), nSwitches) << "the mode is set already";
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  EXPECT_EQ(Calls("VTScanAPIEnableCapture"), nEnables) << "the stream goes on between live modes";
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), 0);
+  EXPECT_EQ(State().bCaptureEnabled, 0);
+}
+
+TEST_F(OpenScanner, AModeThatTheScannerRefusesLeavesTheModeOff) {
+  ASSERT_EQ(VTSimFailCall("VTScanAPISetCaptureMode", 1, 1, -777), 0);
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), -777);
+  int nMode = 0;
+  EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
+  EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
+  EXPECT_EQ(State().bCaptureEnabled, 0);
+  ASSERT_EQ(VTSimFailCall("VTScanAPIEnableCapture", 1, 1, -778), 0);
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), -778);
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  EXPECT_EQ(Image().nError, 0);
+}
+
+TEST_F(OpenScanner, AShotThatFailsAtAnyStepReportsItAndTurnsTheStreamOff) {
+  for (const char* szFunction : {"VTScanAPIEnableCapture", "VTScanAPISetCaptureMode",
+                                 "VTScanAPILockRawSequence", "VTScanAPIReleaseRawSequence"}) {
+    ASSERT_EQ(VTSimFailCall(szFunction, 1, 1, -777), 0);
+    EXPECT_EQ(Image().nError, -777) << szFunction;
+    EXPECT_EQ(State().bCaptureEnabled, 0) << szFunction;
+    EXPECT_EQ(State().nLockedSequences, 0u) << szFunction;
+    EXPECT_EQ(Image().nError, 0) << szFunction;
+  }
+  ASSERT_EQ(VTSimFailCall("VTScanAPISetCaptureSequence", 1, 1, -777), 0);
+  EXPECT_EQ(Image().nError, KLV_ERROR_DISCONNECTED);
+  EXPECT_EQ(State().bCaptureEnabled, 0);
+  EXPECT_EQ(Image().nError, 0);
+}
+
+TEST_F(OpenScanner, ACaptureOnRequestThatFailsLeavesThePreviewRunning) {
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  ASSERT_EQ(Preview().nError, 0);
+  ASSERT_EQ(VTSimFailCall("VTScanAPISetCaptureMode", 1, 1, -777), 0);
+  EXPECT_EQ(Image().nError, -777);
+  EXPECT_EQ(State().nSensorMode, 35);
+  EXPECT_EQ(Preview().nError, 0);
+}
+
+TEST_F(OpenScanner, AScannerUnpluggedInPreviewTimesOutAndTheNextOpenWorks) {
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  ASSERT_EQ(Preview().nError, 0);
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  Clock::time_point tStart = Clock::now();
+  // Frames that were on their way may still come.
+  StDelivered oLast = Preview();
+  for (int n = 0; n < 4 && oLast.nError == 0; ++n) oLast = Preview();
+  EXPECT_EQ(oLast.nError, KLV_ERROR_DISCONNECTED);
+  EXPECT_LT(SecondsSince(tStart), 18.0);
+  EXPECT_GT(SecondsSince(tStart), 14.0);
+  EXPECT_EQ(oLast.bDone, 2) << "out-parameters stay as they were";
+  unsigned int nCondition = 0;
+  unsigned int nReserved = 1;
+  EXPECT_EQ(LS_VT40GetScannerCondition(m_h, &nCondition, &nReserved), 0) << "says nothing on the connection";
+  EXPECT_EQ(nReserved, 0u);
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), KLV_ERROR_DISCONNECTED);
+  tStart = Clock::now();
+  LS_VT40CloseScanner(&m_h);
+  if (m_h != nullptr) {
+    EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+  }
+  EXPECT_LT(SecondsSince(tStart), 3.0);
+  EXPECT_EQ(Open(), KLV_ERROR_DISCONNECTED);
+  ASSERT_EQ(VTSimPlug(nullptr), 0);
+  ASSERT_EQ(Open(), 0);
+  EXPECT_EQ(Image().nError, 0);
+}
+
+TEST_F(OpenScanner, AScannerUnpluggedDuringACaptureIsReportedAtOnce) {
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  EXPECT_EQ(Image().nError, KLV_ERROR_DISCONNECTED);
+  ASSERT_EQ(VTSimPlug(nullptr), 0);
+  LS_VT40CloseScanner(&m_h);
+  if (m_h != nullptr) LS_VT40CloseScanner(&m_h);
+  ASSERT_EQ(Open(), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  ASSERT_EQ(Preview().nError, 0);
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  const Clock::time_point tStart = Clock::now();
+  EXPECT_EQ(Image().nError, KLV_ERROR_DISCONNECTED);
+  EXPECT_LT(SecondsSince(tStart), 5.0);
+}
+
+TEST_F(OpenScanner, AStreamThatStandsStillTimesOutAfterTenSeconds) {
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  ASSERT_EQ(Image().nError, 0);
+  ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+  const Clock::time_point tStart = Clock::now();
+  StDelivered oLast = Image();
+  for (int n = 0; n < 4 && oLast.nError == 0; ++n) oLast = Image();
+  EXPECT_EQ(oLast.nError, KLV_ERROR_DISCONNECTED);
+  EXPECT_GT(SecondsSince(tStart), 9.0);
+  EXPECT_LT(SecondsSince(tStart), 12.0);
+}
+
+TEST_F(OpenScanner, AScannerThatClosesInEveryModeHangsNowhere) {
+  for (const int nMode :
+       {KLV_VT40_CAPTURE_MODE_OFF, KLV_VT40_CAPTURE_MODE_PREVIEW, KLV_VT40_CAPTURE_MODE_FULL}) {
+    for (int nFrames = 0; nFrames < 3; ++nFrames) {
+      ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
+      for (int n = 0; n < nFrames; ++n) {
+        EXPECT_EQ(nMode == KLV_VT40_CAPTURE_MODE_PREVIEW ? Preview().nError : Image().nError, 0);
+      }
+      const Clock::time_point tStart = Clock::now();
+      EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+      EXPECT_LT(SecondsSince(tStart), 5.0);
+      ASSERT_EQ(Open(), 0);
+    }
+  }
+}
+
+TEST_F(OpenScanner, CallsFromSeveralThreadsKeepTheirOrder) {
+  LoadScene(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{"print": {"seed": 3}}]}]})");
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  std::atomic<bool> bStop{false};
+  std::thread oPoller([&] {
+    while (!bStop) {
+      const long nError = Preview().nError;
+      EXPECT_TRUE(nError == 0 || nError == KLV_ERROR_INVALID_STATE) << nError;
+    }
+  });
+  std::thread oSetter([&] {
+    while (!bStop) {
+      EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+      EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "STATUS_LED", 0x00030005), 0);
+      EXPECT_EQ(LS_VT40SetLED(m_h, 3, 4), 0);
+    }
+  });
+  for (int n = 0; n < 4; ++n) {
+    EXPECT_EQ(Image().nError, 0);
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+    EXPECT_EQ(Image().nError, 0);
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  }
+  bStop = true;
+  oPoller.join();
+  oSetter.join();
+}
+
+TEST_F(Api, TwoScannersRunBesideEachOther) {
+  LoadScene(
+      R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{"print": {"seed": 3}}]}, {"serial": "VT40-AC0002"}]})");
+  ASSERT_EQ(Open("VT40-AB0001"), 0);
+  void* hOther = nullptr;
+  ASSERT_EQ(LS_VT40OpenScanner("VT40-AC0002", &hOther), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(hOther, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  EXPECT_GT(DarkerThan(Preview().aPixels, 128), 1000u);
+  std::swap(m_h, hOther);
+  EXPECT_EQ(DarkerThan(Preview().aPixels, 128), 0u);
+  std::swap(m_h, hOther);
+  EXPECT_EQ(LS_VT40CloseScanner(&hOther), 0);
+  EXPECT_EQ(Preview().nError, 0);
+}
+
+}  // namespace

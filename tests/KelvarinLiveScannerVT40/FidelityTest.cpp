@@ -1,0 +1,135 @@
+// Captured pictures against what really lay on the platen: the same ridges, at the same places, for different
+// optics.
+#include <cmath>
+#include <cstdlib>
+
+#include "ApiFixture.h"
+
+namespace {
+
+constexpr int cnSide = VTSIM_PICTURE_SIDE;
+/// The grid of dots by which the scanner was calibrated: 70 mm of the platen's 81.28 mm, in the middle.
+constexpr int cnGridFirst = 111;
+constexpr int cnGridLast = 1489;
+
+struct StPicture {
+  std::vector<unsigned char> aPixels = std::vector<unsigned char>(static_cast<size_t>(cnSide) * cnSide);
+  int At(int x, int y) const { return aPixels[static_cast<size_t>(y) * cnSide + static_cast<size_t>(x)]; }
+};
+
+/// Pearson's coefficient of truth and picture over the skin of a window, the picture read nX and nY pixels
+/// further on. Windows with too little skin have none: NaN.
+double Correlation(const StPicture& oTruth, const StPicture& oMask, const StPicture& oImage, int nX0, int nY0,
+                   int nX1, int nY1, int nX, int nY) {
+  double dN = 0, dA = 0, dB = 0, dAA = 0, dBB = 0, dAB = 0;
+  for (int y = nY0; y < nY1; ++y) {
+    for (int x = nX0; x < nX1; ++x) {
+      if (oMask.At(x, y) != 255) continue;
+      const double a = oTruth.At(x, y);
+      const double b = oImage.At(x + nX, y + nY);
+      dN += 1;
+      dA += a;
+      dB += b;
+      dAA += a * a;
+      dBB += b * b;
+      dAB += a * b;
+    }
+  }
+  if (dN < 0.9 * (nX1 - nX0) * (nY1 - nY0) && dN < 50000) return std::nan("");
+  return (dN * dAB - dA * dB) / std::sqrt((dN * dAA - dA * dA) * (dN * dBB - dB * dB));
+}
+
+/// Where a parabola through three neighbouring values has its top, relative to the middle one.
+double Vertex(double dBefore, double dMiddle, double dBehind) {
+  return 0.5 * (dBefore - dBehind) / (dBefore - 2 * dMiddle + dBehind);
+}
+
+struct StShifts {
+  int nBlocks = 0;
+  double dMeanX = 0, dMeanY = 0, dRms = 0;
+};
+
+/// How far the ridges of each block lie from their true place: the peak of the block's correlation, between
+/// pixels.
+StShifts MeasureShifts(const StPicture& oTruth, const StPicture& oMask, const StPicture& oImage) {
+  constexpr int cnBlock = 40;
+  constexpr int cnReach = 3;
+  StShifts oShifts;
+  std::vector<double> aX;
+  std::vector<double> aY;
+  for (int y = cnGridFirst; y + cnBlock <= cnGridLast; y += cnBlock) {
+    for (int x = cnGridFirst; x + cnBlock <= cnGridLast; x += cnBlock) {
+      const auto At = [&](int nX, int nY) {
+        return Correlation(oTruth, oMask, oImage, x, y, x + cnBlock, y + cnBlock, nX, nY);
+      };
+      int nBestX = 0;
+      int nBestY = 0;
+      double dBest = At(0, 0);
+      if (std::isnan(dBest)) continue;
+      for (int nY = -cnReach; nY <= cnReach; ++nY) {
+        for (int nX = -cnReach; nX <= cnReach; ++nX) {
+          const double d = At(nX, nY);
+          if (d > dBest) dBest = d, nBestX = nX, nBestY = nY;
+        }
+      }
+      if (dBest < 0.5) continue;  // smudged skin has no ridges to measure
+      aX.push_back(nBestX + Vertex(At(nBestX - 1, nBestY), dBest, At(nBestX + 1, nBestY)));
+      aY.push_back(nBestY + Vertex(At(nBestX, nBestY - 1), dBest, At(nBestX, nBestY + 1)));
+    }
+  }
+  oShifts.nBlocks = static_cast<int>(aX.size());
+  for (size_t n = 0; n < aX.size(); ++n) {
+    oShifts.dMeanX += aX[n] / oShifts.nBlocks;
+    oShifts.dMeanY += aY[n] / oShifts.nBlocks;
+  }
+  for (size_t n = 0; n < aX.size(); ++n) {
+    oShifts.dRms +=
+        (std::pow(aX[n] - oShifts.dMeanX, 2) + std::pow(aY[n] - oShifts.dMeanY, 2)) / oShifts.nBlocks;
+  }
+  oShifts.dRms = std::sqrt(oShifts.dRms);
+  return oShifts;
+}
+
+class Fidelity : public Api, public testing::WithParamInterface<const char*> {};
+
+TEST_P(Fidelity, RidgesLieWhereTheyAreOnThePlaten) {
+  // Fingers all over the platen, so that its corners are measured too.
+  std::string sFingers;
+  for (int n = 0; n < 12; ++n) {
+    if (n != 0) sFingers += ",";
+    sFingers += R"({"print": {"seed": )" + std::to_string(n + 1) + R"(}, "x": )" +
+                std::to_string(10.5 + 20 * (n % 4)) + R"(, "y": )" + std::to_string(14.0 + 26 * (n / 4)) +
+                "}";
+  }
+  LoadScene(std::string(R"({"scanners": [{"serial": ")") + GetParam() + R"(", "fingers": [)" + sFingers +
+            "]}]}");
+  ASSERT_EQ(Open(GetParam()), 0);
+  StPicture oImage;
+  const StDelivered oShot = Image();
+  ASSERT_EQ(oShot.nError, 0);
+  oImage.aPixels = oShot.aPixels;
+  StPicture oTruth;
+  StPicture oMask;
+  unsigned int nSize = static_cast<unsigned int>(oTruth.aPixels.size());
+  ASSERT_EQ(VTSimGetGroundTruth(nullptr, oTruth.aPixels.data(), oMask.aPixels.data(), &nSize), 0);
+
+  const StShifts oShifts = MeasureShifts(oTruth, oMask, oImage);
+  ASSERT_GT(oShifts.nBlocks, 100);
+  EXPECT_LE(std::fabs(oShifts.dMeanX), 1.0);
+  EXPECT_LE(std::fabs(oShifts.dMeanY), 1.0);
+  EXPECT_LE(oShifts.dRms, 0.5);
+  const double dCorrelation = Correlation(oTruth, oMask, oImage, cnGridFirst, cnGridFirst, cnGridLast,
+                                          cnGridLast, static_cast<int>(std::lround(oShifts.dMeanX)),
+                                          static_cast<int>(std::lround(oShifts.dMeanY)));
+  EXPECT_GE(dCorrelation, 0.85);
+  RecordProperty("blocks", oShifts.nBlocks);
+  RecordProperty("meanX", std::to_string(oShifts.dMeanX));
+  RecordProperty("meanY", std::to_string(oShifts.dMeanY));
+  RecordProperty("rms", std::to_string(oShifts.dRms));
+  RecordProperty("correlation", std::to_string(dCorrelation));
+}
+
+INSTANTIATE_TEST_SUITE_P(ThreeOptics, Fidelity, testing::Values("VT40-AA1001", "VT40-AB2002", "VT40-AD3003"),
+                         [](const auto& oInfo) { return "Scanner" + std::to_string(oInfo.index + 1); });
+
+}  // namespace
