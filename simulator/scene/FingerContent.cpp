@@ -72,6 +72,31 @@ class ClDryness {
   std::vector<int8_t> m_aSink;
 };
 
+/// Positions in the print are counted in 1/65536 pixels.
+int ToFixed(double d) {
+  return static_cast<int>(std::floor(d * 65536.0 + 0.5));
+}
+
+/// Draws stretches of platen rows; the steps are those in the print from one platen pixel to the next.
+struct ClRowDrawer {
+  const ClPrint& oPrint;
+  const ClPress& oPress;
+  const ClDryness& oDry;
+  int nStepX, nStepY;
+
+  void Draw(int nX, int nY, int nCount, uint8_t* pContact, uint8_t* pCover) const {
+    for (int i = 0; i < nCount; ++i, nX += nStepX, nY += nStepY) {
+      const int nX256 = (nX + 128) >> 8, nY256 = (nY + 128) >> 8;
+      const int nCover = oPress.aCover[Sample(oPrint.oDepth, nX256, nY256)];
+      if (nCover == 0) continue;
+      const int nHeight = Sample(oPrint.oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
+      const int nContact = oPress.aContact[nHeight + ClPress::g_cnSunken] * nCover / 255;
+      pContact[i] = std::max(pContact[i], static_cast<uint8_t>(nContact));
+      pCover[i] = std::max(pCover[i], static_cast<uint8_t>(nCover));
+    }
+  }
+};
+
 }  // namespace
 
 ClFingerContent::ClFingerContent(const ClFingerDescription& oDescription)
@@ -108,22 +133,13 @@ void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   const int nRight = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidX + dHalfX)) + 1);
   const int nTop = std::max(0, static_cast<int>(std::floor(dMidY - dHalfY)));
   const int nEnd = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
+  const ClRowDrawer oDrawer{*m_pPrint, oPress, oDry, ToFixed(dCos), ToFixed(dSin)};
   for (int y = nTop; y < nEnd; ++y) {
-    uint8_t* pContact = oMap.oContact.Row(y);
-    uint8_t* pCover = oMap.oCover.Row(y);
-    for (int x = nLeft; x < nRight; ++x) {
-      // Back from the platen into the print: a turn the other way, y running down.
-      const double dX = (x - dMidX) * dCos - (y - dMidY) * dSin + 0.5 * (oRidge.Width() - 1);
-      const double dY = (x - dMidX) * dSin + (y - dMidY) * dCos + 0.5 * (oRidge.Height() - 1);
-      const int nX256 = static_cast<int>(std::floor(dX * 256.0 + 0.5));
-      const int nY256 = static_cast<int>(std::floor(dY * 256.0 + 0.5));
-      const int nCover = oPress.aCover[Sample(m_pPrint->oDepth, nX256, nY256)];
-      if (nCover == 0) continue;
-      const int nHeight = Sample(oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
-      const int nContact = oPress.aContact[nHeight + ClPress::g_cnSunken] * nCover / 255;
-      pContact[x] = std::max(pContact[x], static_cast<uint8_t>(nContact));
-      pCover[x] = std::max(pCover[x], static_cast<uint8_t>(nCover));
-    }
+    // Back from the platen into the print: a turn the other way, y running down.
+    const double dX = (nLeft - dMidX) * dCos - (y - dMidY) * dSin + 0.5 * (oRidge.Width() - 1);
+    const double dY = (nLeft - dMidX) * dSin + (y - dMidY) * dCos + 0.5 * (oRidge.Height() - 1);
+    oDrawer.Draw(ToFixed(dX), ToFixed(dY), nRight - nLeft, oMap.oContact.Row(y) + nLeft,
+                 oMap.oCover.Row(y) + nLeft);
   }
 }
 

@@ -11,7 +11,7 @@ ClNoise::ClNoise(uint64_t nSeed) : m_aNumbers(m_cnPlaces + nLongestRow) {
 }
 
 const int16_t* ClNoise::Row(uint64_t nNumber) const noexcept {
-  return m_aNumbers.data() + Mix(nNumber) % static_cast<uint64_t>(m_cnPlaces);
+  return m_aNumbers.data() + static_cast<size_t>(Mix(nNumber) % static_cast<uint64_t>(m_cnPlaces));
 }
 
 }  // namespace Simulator

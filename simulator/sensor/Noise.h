@@ -1,6 +1,7 @@
 // A store of random numbers from which each row of a frame takes its noise.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
