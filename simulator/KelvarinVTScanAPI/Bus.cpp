@@ -70,8 +70,7 @@ void* ClBus::Open(unsigned nId) {
   const ScannerPointer pScanner = ById(nId);
   const ClScanner::Session nSession = pScanner->Open();
   std::lock_guard<std::mutex> oLock(m_oMutex);
-  m_nNextHandle += 16;
-  void* hDevice = reinterpret_cast<void*>(m_nNextHandle);
+  void* hDevice = &m_aHandles.emplace_back();
   m_mapDevices[hDevice] = {pScanner, nSession};
   return hDevice;
 }

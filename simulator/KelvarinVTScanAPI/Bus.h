@@ -1,6 +1,7 @@
 // All scanners of the process: the scene, who has opened what, and how often the library was initialised.
 #pragma once
 
+#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -12,7 +13,7 @@
 
 namespace Simulator {
 
-/// A device handle is a number that is never given out twice, so that an old one is told from a new one.
+/// No device handle is given out twice, so that an old one is told from a new one.
 ///
 /// Threads    thread-safe. m_oMutex is held for look-ups only, never while a scanner works.
 class ClBus {
@@ -76,7 +77,7 @@ class ClBus {
   std::map<void*, ClDevice> m_mapDevices;
   std::string m_sLibraryVersion = "1.20";
   unsigned m_nNextId = 0x1100;
-  uintptr_t m_nNextHandle = 0x10000;
+  std::deque<char> m_aHandles;  // a handle is the address of a byte that is never given back
 };
 
 }  // namespace Simulator

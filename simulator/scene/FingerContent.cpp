@@ -65,7 +65,7 @@ class ClDryness {
     }
   }
   int At(int nX, int nY) const {
-    return m_aSink[static_cast<size_t>(((nY >> 1) & 63) * 64 + ((nX >> 1) & 63))];
+    return m_aSink[static_cast<size_t>((nY >> 1) & 63) * 64 + static_cast<size_t>((nX >> 1) & 63)];
   }
 
  private:

@@ -133,7 +133,7 @@ TpPlane<uint8_t> Rescale(const TpPlane<uint8_t>& oIn, double dFactor) {
       const double dA = dX - nX, dB = dY - nY;
       const double dTop = oIn.At(nX, nY) * (1.0 - dA) + oIn.At(nRight, nY) * dA;
       const double dLow = oIn.At(nX, nBelow) * (1.0 - dA) + oIn.At(nRight, nBelow) * dA;
-      oOut.At(x, y) = static_cast<uint8_t>(dTop * (1.0 - dB) + dLow * dB + 0.5);
+      oOut.At(x, y) = static_cast<uint8_t>(std::lround(dTop * (1.0 - dB) + dLow * dB));
     }
   }
   return oOut;

@@ -32,7 +32,7 @@ Kernel MakeKernel(double dDirection, double dPeriod) {
       // Rows run downwards while directions are counted with y up.
       const double dU = x * std::cos(dDirection) - y * std::sin(dDirection);
       const double dV = x * std::sin(dDirection) + y * std::cos(dDirection);
-      const size_t i = static_cast<size_t>((y + g_cnReach) * g_cnKernel + x + g_cnReach);
+      const size_t i = static_cast<size_t>(y + g_cnReach) * g_cnKernel + static_cast<size_t>(x + g_cnReach);
       aEnvelope[i] = std::exp(-0.5 * (dU * dU / (dAlong * dAlong) + dV * dV / (dAcross * dAcross)));
       aWave[i] = std::cos(2.0 * g_cdPi * dV / dPeriod);
       dEnvelopeSum += aEnvelope[i];
@@ -131,7 +131,7 @@ class ClGrower {
         if (OutlineDistance(dX, dY, 0.5 * m_oSpecification.dWidthMm, 0.5 * m_oSpecification.dHeightMm) > 1.15)
           continue;
         const double dTurn = oFlow.Direction(dX, dY) / g_cdPi;
-        const int nDirection = static_cast<int>((dTurn - std::floor(dTurn)) * g_cnDirections + 0.5);
+        const int nDirection = static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * g_cnDirections));
         const int nPeriod = std::clamp(static_cast<int>(1.5 + 1.4 * oSpacing.At(x, y)), 0, g_cnPeriods - 1);
         m_aPlaces.push_back({(y + g_cnReach) * m_nStride + x + g_cnReach,
                              nPeriod * g_cnDirections + nDirection % g_cnDirections});

@@ -12,7 +12,7 @@ void ClReflectance::Update(const ClPlatenMap& oMap) {
   if (m_oPicture.Empty()) m_oPicture.Resize(g_cnPictureSide, g_cnPictureSide);
   m_oOccupied.Resize(nBlocks, nBlocks, 0);
   // Contact adds to the light of the skin what that leaves of full light.
-  constexpr unsigned nValley = static_cast<unsigned>(g_cdValleyPart * 65536.0 + 0.5);
+  constexpr unsigned nValley = static_cast<unsigned>(g_cdValleyPart * 65536.0);
   for (int y = 0; y < g_cnPictureSide; ++y) {
     const uint8_t* pContact = oMap.oContact.Row(y);
     const uint8_t* pCover = oMap.oCover.Row(y);

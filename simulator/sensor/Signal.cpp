@@ -91,9 +91,10 @@ void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& 
     }
     float fLight = oFirst.fLight;
     const float fLightStep = (oLast.fLight - oFirst.fLight) / m_cnRun;
-    for (int k = 0; k < nCount; ++k, fLight += fLightStep)
-      pOut[nFirst + k] = static_cast<uint16_t>(
-          fLight * (fStray + fRidge * static_cast<float>(m_aSum[static_cast<size_t>(k)])) + 0.5f);
+    for (int k = 0; k < nCount; ++k, fLight += fLightStep) {
+      const float fSeen = fRidge * static_cast<float>(m_aSum[static_cast<size_t>(k)]);
+      pOut[nFirst + k] = static_cast<uint16_t>(fLight * (fStray + fSeen));
+    }
   }
 }
 
