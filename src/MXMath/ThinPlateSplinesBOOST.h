@@ -1,17 +1,11 @@
 // Thin-plate splines over Boost's linear algebra.
 #pragma once
 
-// Its own checks compare products that rounding keeps apart, and differ between build types.
-#ifndef BOOST_UBLAS_NDEBUG
-#define BOOST_UBLAS_NDEBUG
-#endif
 #include <algorithm>
 #include <boost/noncopyable.hpp>
-#include <boost/numeric/ublas/lu.hpp>
-#include <boost/numeric/ublas/matrix.hpp>
-#include <boost/numeric/ublas/vector.hpp>
 #include <memory>
 
+#include "MXMath/LinearSystemBOOST.h"
 #include "MXMath/PortableLog.h"
 #include "MXTools/Exception.h"
 #include "MXTools/TpArrayStatic.h"
@@ -55,7 +49,7 @@ class TpThinPlateSplines : private boost::noncopyable {
     if (nPoints <= 0) KLV_RAISE(ClException, "nSize == NULL.", -44);
     const size_t nCount = static_cast<size_t>(nPoints);
     if (!SpanThePlane(nCount, pvOrigin)) RaiseSingular();
-    Matrix oSystem(nCount + 3, nCount + 3);
+    TpLinearSystem<T> oSystem(nCount + 3);
     FillSystem(oSystem, nCount, pvOrigin);
     auto pCoeffX = std::make_unique<Coefficients>(nCount + 3, T(0));
     auto pCoeffY = std::make_unique<Coefficients>(nCount + 3, T(0));
@@ -63,7 +57,9 @@ class TpThinPlateSplines : private boost::noncopyable {
       (*pCoeffX)(n) = static_cast<T>(pvTarget[n].x);
       (*pCoeffY)(n) = static_cast<T>(pvTarget[n].y);
     }
-    Solve(oSystem, *pCoeffX, *pCoeffY);
+    if (!oSystem.Factorize()) RaiseSingular();
+    oSystem.Solve(*pCoeffX);
+    oSystem.Solve(*pCoeffY);
     m_pCoeffX = std::move(pCoeffX);
     m_pCoeffY = std::move(pCoeffY);
     m_aOrigin.New(static_cast<unsigned int>(nPoints));
@@ -100,13 +96,12 @@ class TpThinPlateSplines : private boost::noncopyable {
   }
 
  private:
-  using Matrix = boost::numeric::ublas::matrix<T>;
-  using Coefficients = boost::numeric::ublas::vector<T>;
+  using Coefficients = typename TpLinearSystem<T>::Vector;
   /// Points of a row that are summed side by side, so that the compiler can vectorise without changing any
   /// sum.
   static constexpr size_t cnBlock = 64;
 
-  void FillSystem(Matrix& oSystem, size_t nCount, const ClVector* pvOrigin) const {
+  void FillSystem(TpLinearSystem<T>& oSystem, size_t nCount, const ClVector* pvOrigin) const {
     for (size_t i = 0; i < nCount; ++i) {
       for (size_t j = 0; j < nCount; ++j) {
         const ClVector oBetween = pvOrigin[i] - pvOrigin[j];
@@ -120,21 +115,6 @@ class TpThinPlateSplines : private boost::noncopyable {
     for (size_t i = nCount; i < nCount + 3; ++i) {
       for (size_t j = nCount; j < nCount + 3; ++j) oSystem(i, j) = T(0);
     }
-  }
-
-  static void Solve(Matrix& oSystem, Coefficients& oX, Coefficients& oY) {
-    bool bSingular = false;
-    try {
-      boost::numeric::ublas::permutation_matrix<std::size_t> oPermutation(oSystem.size1());
-      bSingular = boost::numeric::ublas::lu_factorize(oSystem, oPermutation) != 0;
-      if (!bSingular) {
-        boost::numeric::ublas::lu_substitute(oSystem, oPermutation, oX);
-        boost::numeric::ublas::lu_substitute(oSystem, oPermutation, oY);
-      }
-    } catch (const boost::numeric::ublas::singular&) {
-      bSingular = true;
-    }
-    if (bSingular) RaiseSingular();
   }
 
   [[noreturn]] static void RaiseSingular() {

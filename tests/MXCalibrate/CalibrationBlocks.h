@@ -18,7 +18,9 @@ void AppendAll(Bytes& aBytes, const TRange& aMore) {
   for (const auto nByte : aMore) aBytes.push_back(static_cast<unsigned char>(nByte));
 }
 
-inline void Append(Bytes& aBytes, const char (&szTag)[4]) { AppendAll(aBytes, szTag); }
+inline void Append(Bytes& aBytes, const char (&szTag)[4]) {
+  AppendAll(aBytes, szTag);
+}
 
 inline void AppendBig(Bytes& aBytes, uint32_t nValue) {
   for (int nShift = 24; nShift >= 0; nShift -= 8)

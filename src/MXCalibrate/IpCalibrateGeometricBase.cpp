@@ -1,0 +1,120 @@
+// Preparing a warp and applying its map.
+#include "MXCalibrate/IpCalibrateGeometricBase.h"
+
+#include <new>
+
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+#include "MXTools/MXLogging.h"
+
+void ClIpCalibrateGeometricBase::Reset() {
+  m_nSourceWidth = m_nSourceHeight = 0;
+  m_nTargetWidth = m_nTargetHeight = m_nTargetPelsX = m_nTargetPelsY = 0;
+  m_nPlanes = 0;
+  m_nBackground = 0;
+  m_pMap.reset();
+}
+
+void ClIpCalibrateGeometricBase::Initiate() {
+  ClLogging::LogF(eLogDebug, "ClIpCalibrateGeometricBase::Initiate() Enter");
+  if (m_nSourceWidth == 0) {
+    if (m_pData == nullptr) KLV_RAISE(ClException, "The calibrations data is not set", -37);
+    m_nSourceWidth = m_pData->m_nSourceWidth;
+    m_nSourceHeight = m_pData->m_nSourceHeight;
+    m_nTargetWidth = m_pData->m_nTargetWidth;
+    m_nTargetHeight = m_pData->m_nTargetHeight;
+    m_nTargetPelsX = m_pData->m_nTargetPelsX;
+    m_nTargetPelsY = m_pData->m_nTargetPelsY;
+    m_nPlanes = m_pData->m_nPlanes;
+    m_nBackground = m_pData->m_nBackground;
+    InitiateParams(m_pData->m_aTarget, m_pData->m_aActual, m_nPlanes);
+  }
+  ClLogging::LogF(eLogDebug, "ClIpCalibrateGeometricBase::Initiate() Leaving");
+}
+
+void ClIpCalibrateGeometricBase::CheckParams(const Points& aTarget, const Points* pActual,
+                                             uint32_t nPlanes) const {
+  if (nPlanes == 0 || nPlanes > ClCalibrateGeometricData::cnMaxPlanes) {
+    KLV_RAISE(ClException, "Calibration needs one to three planes", -44);
+  }
+  for (uint32_t n = 0; n < nPlanes; ++n) {
+    if (pActual[n].Entries() < aTarget.Entries()) {
+      KLV_RAISE(ClException, "Calibration has fewer actual than target points", -44);
+    }
+  }
+  // Offsets into the source are signed and 32 bits wide.
+  if (uint64_t{m_nSourceHeight} * SourceRowBytes() > INT32_MAX) {
+    KLV_RAISE(ClException, "The source image is too large for a map", -44);
+  }
+}
+
+std::unique_ptr<ClIpCalibrateGeometricBase::Entry[]> ClIpCalibrateGeometricBase::NewMap() const {
+  const uint64_t nEntries = MapEntries();
+  if (nEntries > PTRDIFF_MAX / sizeof(Entry)) KlvRaiseBadAlloc();
+  std::unique_ptr<Entry[]> pMap(new (std::nothrow) Entry[static_cast<size_t>(nEntries)]);
+  if (pMap == nullptr) KlvRaiseBadAlloc();
+  return pMap;
+}
+
+ClIpCalibrateGeometricBase::Entry ClIpCalibrateGeometricBase::EntryOf(double dX, double dY) const {
+  const double dMaxX = static_cast<double>(m_nSourceWidth) - 1 - 2.0;
+  const double dMaxY = static_cast<double>(m_nSourceHeight) - 1 - 2.0;
+  // Written so that NaN has no source.
+  if (!(dX >= 1.0 && dY >= 1.0 && dX <= dMaxX && dY <= dMaxY)) return {-1, 0};
+  const int32_t nX = static_cast<int32_t>(dX);
+  const int32_t nY = static_cast<int32_t>(dY);
+  const uint32_t nPhaseX = static_cast<uint32_t>((dX - nX) * 32);
+  const uint32_t nPhaseY = static_cast<uint32_t>((dY - nY) * 32);
+  return {(nY - 1) * static_cast<int32_t>(SourceRowBytes()) + nX - 1, nPhaseX + 32 * nPhaseY};
+}
+
+void ClIpCalibrateGeometricBase::CheckRegion() const {
+  if (m_nRoiWidth == 0) {
+    if (m_nRoiHeight != 0 || m_nRoiX != 0 || m_nRoiY != 0)
+      KLV_RAISE(ClException, "Invalid ROI parameters", -44);
+    return;
+  }
+  if (m_nRoiHeight == 0) KLV_RAISE(ClException, "Invalid ROI parameters", -44);
+  if (uint64_t{m_nRoiWidth} + m_nRoiX > m_nTargetWidth ||
+      uint64_t{m_nRoiHeight} + m_nRoiY > m_nTargetHeight) {
+    KLV_RAISE(ClException, "Target subimage not within target image", -44);
+  }
+}
+
+void ClIpCalibrateGeometricBase::CheckInput() const {
+  const ClImage& oIn = *m_pInImage;
+  const bool bFits = oIn.DataType() == ClImage::eUint8 && oIn.Planes() == 1 &&
+                     static_cast<uint32_t>(oIn.Width()) == m_nSourceWidth &&
+                     static_cast<uint32_t>(oIn.Height()) == m_nSourceHeight &&
+                     oIn.RowBytes() == SourceRowBytes() && oIn.Data() != nullptr;
+  // The map's offsets hold for that size only.
+  if (!bFits) KLV_RAISE(ClException, "InImage does not fit the calibration data", -44);
+}
+
+void ClIpCalibrateGeometricBase::Calibrate() {
+  if (m_pInImage == nullptr) return;
+  if (m_nSourceWidth == 0 || m_nSourceHeight == 0 || m_nTargetWidth == 0 || m_nTargetHeight == 0) {
+    KLV_RAISE(ClException, "Calibrate is not initialized", -2);
+  }
+  if (m_pInImage == m_pOutImage) KLV_RAISE(ClException, "InImage can't be the out image", -35);
+  if (m_pOutImage == nullptr) KLV_RAISE(ClException, "m_pOutImage is not set", -701);
+  CheckRegion();
+  CheckInput();
+  const bool bRegion = m_nRoiWidth != 0;
+  m_pOutImage->NewWithType(ClImage::eUint8, static_cast<int>(bRegion ? m_nRoiWidth : m_nTargetWidth),
+                           static_cast<int>(bRegion ? m_nRoiHeight : m_nTargetHeight),
+                           static_cast<int>(m_nPlanes), static_cast<int>(m_nTargetPelsX),
+                           static_cast<int>(m_nTargetPelsY), true);
+  if (m_pMap == nullptr) KLV_RAISE(ClException, "Calibrate is not initialized", -2);
+  CalibrateGeo(*m_pInImage, *m_pOutImage);
+}
+
+void ClIpCalibrateGeometricBase::WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const {
+  const size_t nMapRow = static_cast<size_t>(m_nTargetWidth) * m_nPlanes;
+  const Entry* pMap = m_pMap.get() + m_nRoiY * nMapRow + static_cast<size_t>(m_nRoiX) * m_nPlanes;
+  const size_t nCount = static_cast<size_t>(oOut.SamplesPerRow());
+  for (int nY = 0; nY < oOut.Height(); ++nY, pMap += nMapRow) {
+    MXKernels::WarpRow(pMap, nCount, oIn.Data(), oIn.RowBytes(), pWeights, m_nBackground,
+                       oOut.Row<uint8_t>(nY));
+  }
+}

@@ -1,0 +1,128 @@
+// Building maps, pixel by pixel and from a coarse grid.
+#include <algorithm>
+#include <vector>
+
+#include "MXCalibrate/TpIpCalibrateGeometric.h"
+#include "MXCalibrate/TpIpCalibrateGeometricSubsample.h"
+#include "MXMath/ThinPlateSplinesBOOST.h"
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+
+namespace {
+
+using Spline = TpThinPlateSplines<double>;
+using Points = ClCalibrateGeometricData::Points;
+
+void SetupSplines(Spline* pSplines, const Points& aTarget, const Points* pActual, uint32_t nPlanes) {
+  for (uint32_t n = 0; n < nPlanes; ++n) {
+    pSplines[n].Setup(static_cast<long>(aTarget.Entries()), aTarget.Data(), pActual[n].Data());
+  }
+}
+
+/// The left edge of a cell steps down by dLeftStep a row, the right one by dRightStep; a row steps evenly
+/// between.
+struct StCell {
+  double dLeft;
+  double dRight;
+  double dLeftStep;
+  double dRightStep;
+};
+
+void FillCell(StCell oCell, int nFactor, double* pOut, size_t nRowStride, size_t nStride) {
+  for (int nY = 0; nY < nFactor; ++nY, pOut += nRowStride) {
+    const double dStep = (oCell.dRight - oCell.dLeft) / nFactor;
+    double dValue = oCell.dLeft;
+    for (int nX = 0; nX < nFactor; ++nX, dValue += dStep) pOut[static_cast<size_t>(nX) * nStride] = dValue;
+    oCell.dLeft += oCell.dLeftStep;
+    oCell.dRight += oCell.dRightStep;
+  }
+}
+
+/// One plane of interleaved ones, which need not be split for it.
+void UpscalePlane(const ClImage& oIn, ClImage& oOut, int nFactor, int nPlane) {
+  const size_t nPlanes = static_cast<size_t>(oIn.Planes());
+  const size_t nRowStride = static_cast<size_t>(oOut.ElementsPerRow());
+  for (int nJ = 0; nJ + 1 < oIn.Height(); ++nJ) {
+    const double* pUpper = oIn.Row<double>(nJ) + nPlane;
+    const double* pLower = oIn.Row<double>(nJ + 1) + nPlane;
+    double* pOut = oOut.Row<double>(nJ * nFactor) + nPlane;
+    for (int nI = 0; nI + 1 < oIn.Width(); ++nI) {
+      const size_t nHere = static_cast<size_t>(nI) * nPlanes;
+      const size_t nNext = nHere + nPlanes;
+      const StCell oCell = {pUpper[nHere], pUpper[nNext], (pLower[nHere] - pUpper[nHere]) / nFactor,
+                            (pLower[nNext] - pUpper[nNext]) / nFactor};
+      FillCell(oCell, nFactor, pOut + nHere * static_cast<size_t>(nFactor), nRowStride, nPlanes);
+    }
+  }
+}
+
+}  // namespace
+
+void ClIpCalibrateGeometricDense::InitiateParams(const Points& aTarget, const Points* pActual,
+                                                 uint32_t nPlanes) {
+  CheckParams(aTarget, pActual, nPlanes);
+  Spline aSplines[ClCalibrateGeometricData::cnMaxPlanes];
+  SetupSplines(aSplines, aTarget, pActual, nPlanes);
+  std::unique_ptr<Entry[]> pMap = NewMap();
+  std::vector<double> aX(m_nTargetWidth);
+  std::vector<double> aY(m_nTargetWidth);
+  Entry* pRow = pMap.get();
+  for (uint32_t nY = 0; nY < m_nTargetHeight; ++nY, pRow += static_cast<size_t>(m_nTargetWidth) * nPlanes) {
+    for (uint32_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+      aSplines[nPlane].TransformRow(0, nY, 1, m_nTargetWidth, aX.data(), aY.data());
+      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) pRow[nX * nPlanes + nPlane] = EntryOf(aX[nX], aY[nX]);
+    }
+  }
+  m_pMap = std::move(pMap);
+}
+
+void ClIpCalibrateGeometricCoarse::InitiateParams(const Points& aTarget, const Points* pActual,
+                                                  uint32_t nPlanes) {
+  CheckParams(aTarget, pActual, nPlanes);
+  Spline aSplines[ClCalibrateGeometricData::cnMaxPlanes];
+  SetupSplines(aSplines, aTarget, pActual, nPlanes);
+  std::unique_ptr<Entry[]> pMap = NewMap();
+  for (uint32_t n = 0; n < nPlanes; ++n) {
+    const Spline& oSpline = aSplines[n];
+    FillPlane(pMap.get() + n, [&](double dY, size_t nColumns, double* pX, double* pY) {
+      oSpline.TransformRow(0, dY, m_nBlock, nColumns, pX, pY);
+    });
+  }
+  m_pMap = std::move(pMap);
+}
+
+template <typename TTransformRow>
+void ClIpCalibrateGeometricCoarse::FillPlane(Entry* pPlane, TTransformRow&& oTransformRow) const {
+  // Two coarse rows at a time: a whole map of positions would take five times the room of the map itself.
+  const size_t nColumns = (static_cast<size_t>(m_nTargetWidth) + m_nBlock - 1) / m_nBlock + 1;
+  ClImage aCoarse[2];
+  ClImage aFine[2];
+  for (ClImage& o : aCoarse) o.NewWithType(ClImage::eDouble64, static_cast<int>(nColumns), 2, 1, 0, 0, true);
+  oTransformRow(0, nColumns, aCoarse[0].Row<double>(0), aCoarse[1].Row<double>(0));
+  for (uint32_t nTop = 0; nTop < m_nTargetHeight; nTop += m_nBlock) {
+    oTransformRow(static_cast<double>(nTop) + m_nBlock, nColumns, aCoarse[0].Row<double>(1),
+                  aCoarse[1].Row<double>(1));
+    for (int n = 0; n < 2; ++n) UpscaleImage(aCoarse[n], aFine[n], m_nBlock);
+    for (uint32_t nY = nTop; nY < nTop + m_nBlock && nY < m_nTargetHeight; ++nY) {
+      const double* pX = aFine[0].Row<double>(static_cast<int>(nY - nTop));
+      const double* pY = aFine[1].Row<double>(static_cast<int>(nY - nTop));
+      Entry* pRow = pPlane + static_cast<size_t>(nY) * m_nTargetWidth * m_nPlanes;
+      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) pRow[nX * m_nPlanes] = EntryOf(pX[nX], pY[nX]);
+    }
+    for (ClImage& o : aCoarse) std::copy_n(o.Row<double>(1), nColumns, o.Row<double>(0));
+  }
+}
+
+void ClIpCalibrateGeometricCoarse::UpscaleImage(const ClImage& oIn, ClImage& oOut, unsigned char nFactor) {
+  if (oIn.DataType() != ClImage::eDouble64)
+    KLV_RAISE(ClException, "Only double64 images can be upscaled", -33);
+  oOut.NewWithType(oIn.DataType(), (oIn.Width() - 1) * nFactor + 1, (oIn.Height() - 1) * nFactor + 1,
+                   oIn.Planes(), oIn.PelsX(), oIn.PelsY(), true);
+  for (int nPlane = 0; nPlane < oIn.Planes(); ++nPlane) UpscalePlane(oIn, oOut, nFactor, nPlane);
+}
+
+void ClIpCalibrateGeometricCoarse::UpscaleImageMono(const ClImage& oIn, ClImage& oOut,
+                                                    unsigned char nFactor) {
+  if (oIn.Planes() != 1) KLV_RAISE(ClException, "only single plane images supported", -44);
+  UpscaleImage(oIn, oOut, nFactor);
+}

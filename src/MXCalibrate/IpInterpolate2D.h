@@ -1,0 +1,97 @@
+// Smooth surfaces through scattered values, drawn into images.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+#include "MXImageProcessing/NewIpProcessorBase.h"
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXMath/ThinPlateSplinesBOOST.h"
+#include "MXTools/TpArrayDynamic.h"
+#include "MXTools/Vector.h"
+
+/// The radial basis d log d of a squared distance d; 0 for d = 0.
+class ClRadialBasisSquaredDist {
+ public:
+  static double Value(double dSquaredDistance) { return SplineBasis<double>(dSquaredDistance); }
+};
+
+/// All of ClIpInterpolate2D that does not know its basis function.
+///
+/// Domain     block sizes from 1; reference points that are all different.
+/// Range      values are limited to the limits given, and to those of the type; integers are cut toward zero.
+/// With a
+///            block size above 1 only the corners of blocks are computed, and what lies between is bilinear,
+///            in integers for integer types.
+/// Ownership  none of values, points and output images.
+/// Threads    thread-bound.
+/// Errors     -44 with the name of a missing parameter; -44 is returned for an unknown type and for points
+/// that allow
+///            no surface.
+/// Cost       one basis function for each point and block corner.
+class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
+ public:
+  using Points = TpArrayDynamic<ClVector, 10u>;
+
+  const char* Name() const override { return "ClIpInterpolate2D"; }
+  bool CanApply() override;
+  void PublishParameters(ClParameterContainer& oContainer) override;
+
+  /// One value for each reference point, image after image.
+  const double* m_pValues = nullptr;
+  const Points* m_pPoints = nullptr;
+  int nInTargetWidth = 0;
+  int nInTargetHeight = 0;
+  unsigned int m_nImages = 1;
+  unsigned int m_nBlockSize = 1;
+  /// A value of ClImage::EDataType.
+  unsigned char m_nDataType = 0;
+  TpArrayStatic<ClImage*> m_aOutput;
+  double m_dLowerLimit = std::numeric_limits<double>::lowest();
+  double m_dUpperLimit = std::numeric_limits<double>::max();
+
+ protected:
+  ClIpInterpolate2DBase() { EnableDataType(m_caAllTypes); }
+
+  virtual double Basis(double dSquaredDistance) const = 0;
+  /// pSum[i] += dWeight * basis between oPoint and the place pX[i], dY, for i in [0, nCount).
+  virtual void AddToRow(const ClVector& oPoint, double dWeight, const double* pX, double dY, size_t nCount,
+                        double* pSum) const = 0;
+
+  void CheckInOutImageTypes() override {}
+  long Process() override;
+
+ private:
+  using Vector = TpLinearSystem<double>::Vector;
+
+  void CheckParameters() const;
+  template <typename T>
+  long ProcessType();
+  template <typename T>
+  void DrawCorners(const Vector& oWeights, const std::vector<int>& aX, const std::vector<int>& aY,
+                   ClImage& oOut) const;
+
+  double m_dLower = 0;
+  double m_dUpper = 0;
+};
+
+/// Draws, for each of m_nImages rows of values, the sum of one basis function around each reference point
+/// that has those values at the points. There is no affine part. TBasis::Value is the basis of squared
+/// distances.
+template <class TBasis>
+class ClIpInterpolate2D : public ClIpInterpolate2DBase {
+ public:
+  ClProcessorBase* Create() const override { return NewProcessor<ClIpInterpolate2D>(); }
+
+ protected:
+  double Basis(double dSquaredDistance) const override { return TBasis::Value(dSquaredDistance); }
+  void AddToRow(const ClVector& oPoint, double dWeight, const double* pX, double dY, size_t nCount,
+                double* pSum) const override {
+    const double dDistY = (oPoint.y - dY) * (oPoint.y - dY);
+    for (size_t n = 0; n < nCount; ++n) {
+      const double dBetween = oPoint.x - pX[n];
+      pSum[n] += dWeight * TBasis::Value(dBetween * dBetween + dDistY);
+    }
+  }
+};

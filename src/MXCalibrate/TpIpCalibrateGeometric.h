@@ -1,0 +1,27 @@
+// The warp that evaluates its spline at every target pixel.
+#pragma once
+
+#include "MXCalibrate/IpCalibrateGeometricBase.h"
+#include "MXImageProcessing/NewProcessor.h"
+
+/// Builds the map of ClIpCalibrateGeometricBase from one spline evaluation for each target pixel and plane.
+class ClIpCalibrateGeometricDense : public ClIpCalibrateGeometricBase {
+ protected:
+  void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) override;
+};
+
+/// I is the table of weights.
+template <class I>
+class TpIpCalibrateGeometric : public ClIpCalibrateGeometricDense {
+ public:
+  ClProcessorBase* Create() const override { return NewProcessor<TpIpCalibrateGeometric>(); }
+  const char* Name() const override { return "TpIpCalibrateGeometric"; }
+
+ protected:
+  void CalibrateGeo(const ClImage& oIn, ClImage& oOut) override {
+    WarpWith(m_oInterpolation.Data(), oIn, oOut);
+  }
+
+ private:
+  I m_oInterpolation;
+};

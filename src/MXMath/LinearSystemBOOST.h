@@ -1,0 +1,46 @@
+// Linear equations over Boost's linear algebra.
+#pragma once
+
+// Its own checks compare products that rounding keeps apart, and differ between build types.
+#ifndef BOOST_UBLAS_NDEBUG
+#define BOOST_UBLAS_NDEBUG
+#endif
+#include <boost/noncopyable.hpp>
+#include <boost/numeric/ublas/lu.hpp>
+#include <boost/numeric/ublas/matrix.hpp>
+#include <boost/numeric/ublas/vector.hpp>
+#include <cstddef>
+
+/// n equations for n unknowns, factorised once for any number of right-hand sides.
+///
+/// Domain   T is float or double.
+/// Threads  thread-bound.
+/// Cost     n^3 / 3 multiplications to factorise, n^2 a right-hand side.
+template <typename T>
+class TpLinearSystem : private boost::noncopyable {
+ public:
+  using Vector = boost::numeric::ublas::vector<T>;
+
+  explicit TpLinearSystem(size_t nUnknowns) : m_oMatrix(nUnknowns, nUnknowns), m_oPermutation(nUnknowns) {}
+
+  /// Row i and column j, until Factorize.
+  T& operator()(size_t i, size_t j) { return m_oMatrix(i, j); }
+
+  /// With partial pivoting. False when the equations have no single solution.
+  bool Factorize() {
+    try {
+      return boost::numeric::ublas::lu_factorize(m_oMatrix, m_oPermutation) == 0;
+    } catch (const boost::numeric::ublas::singular&) {
+      return false;
+    }
+  }
+
+  /// Puts the solution in the place of the right-hand side, behind a Factorize that gave true.
+  void Solve(Vector& oRightSide) const {
+    boost::numeric::ublas::lu_substitute(m_oMatrix, m_oPermutation, oRightSide);
+  }
+
+ private:
+  boost::numeric::ublas::matrix<T> m_oMatrix;
+  boost::numeric::ublas::permutation_matrix<std::size_t> m_oPermutation;
+};

@@ -1,0 +1,436 @@
+// The warp: its maps, its use of them, its stored form.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "CalibrationBlocks.h"
+#include "MXCalibrate/InterpolationBicubicQuantized.h"
+#include "MXCalibrate/TpIpCalibrateGeometric.h"
+#include "MXCalibrate/TpIpCalibrateGeometricSubsample.h"
+#include "MXMath/ThinPlateSplinesBOOST.h"
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+#include "MXTools/MemStream.h"
+
+namespace {
+
+using testing::EndsWith;
+using Table = ClInterpolationBicubicQuantized<1, 5, 600, 530, 1000>;
+
+/// A warp that counts how often its map is built and shows it.
+template <class TWarp>
+class TpWatched : public TWarp {
+ public:
+  using Entry = MXKernels::WarpMapEntry;
+  const Entry* Map() const { return this->m_pMap.get(); }
+  int m_nBuilt = 0;
+
+ protected:
+  void InitiateParams(const ClCalibrateGeometricData::Points& aTarget,
+                      const ClCalibrateGeometricData::Points* pActual, uint32_t nPlanes) override {
+    ++m_nBuilt;
+    TWarp::InitiateParams(aTarget, pActual, nPlanes);
+  }
+};
+using ClDense = TpWatched<TpIpCalibrateGeometric<Table>>;
+using ClCoarse = TpWatched<TpIpCalibrateGeometricSubsample<Table>>;
+
+/// A 61 by 52 target seen in a 90 by 83 source (rows of 92 bytes): enlarged, turned a little, and bent.
+void FillData(ClCalibrateGeometricData& oData, uint32_t nPlanes = 1) {
+  oData.m_nSourceWidth = 90;
+  oData.m_nSourceHeight = 83;
+  oData.m_nTargetWidth = 61;
+  oData.m_nTargetHeight = 52;
+  oData.m_nTargetPelsX = 19685;
+  oData.m_nTargetPelsY = 9842;
+  oData.m_nPlanes = nPlanes;
+  oData.m_nBackground = 99;
+  for (int n = 0; n < 16; ++n) {
+    const double dX = 5 + 17 * (n / 4);
+    const double dY = 5 + 14 * (n % 4);
+    oData.m_aTarget.Add(ClVector(dX, dY));
+    for (uint32_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
+      oData.m_aActual[nPlane].Add(ClVector(1.45 * dX + 0.08 * dY - 3 + 0.002 * dX * dY + nPlane,
+                                           1.52 * dY - 0.05 * dX + 1 + 0.003 * dX * dX));
+    }
+  }
+}
+
+void FillRandom(ClImage& oImage, int nWidth, int nHeight, unsigned int nSeed = 1) {
+  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  std::mt19937 oRandom(nSeed);
+  for (size_t n = 0; n < oImage.DataBytes(); ++n) oImage.Data()[n] = static_cast<unsigned char>(oRandom());
+}
+
+/// One output sample by the formula.
+int SlowSample(const MXKernels::WarpMapEntry& oEntry, const ClImage& oIn, const Table& oTable,
+               int nBackground) {
+  if (oEntry.m_nOffset < 0) return nBackground;
+  int nSum = 1023;
+  for (size_t r = 0; r < 4; ++r) {
+    for (size_t k = 0; k < 4; ++k) {
+      nSum += oTable[oEntry.m_nPhase][r][k] *
+              oIn.Data()[static_cast<size_t>(oEntry.m_nOffset) + r * oIn.RowBytes() + k];
+    }
+  }
+  return std::min(255, std::max(0, nSum >> 10));
+}
+
+template <typename TCall>
+std::pair<long, std::string> Raised(TCall&& oCall) {
+  try {
+    oCall();
+  } catch (const ClException& e) {
+    return {e.Number(), e.What()};
+  }
+  return {0, ""};
+}
+
+class Warp : public testing::Test {
+ protected:
+  Warp() {
+    FillData(m_oData);
+    FillRandom(m_oIn, 90, 83);
+    Connect(m_oDense);
+    Connect(m_oCoarse);
+  }
+  void Connect(ClIpCalibrateBase& oWarp) {
+    oWarp.m_pData = &m_oData;
+    oWarp.m_pInImage = &m_oIn;
+    oWarp.m_pOutImage = &m_oOut;
+  }
+
+  ClCalibrateGeometricData m_oData;
+  ClImage m_oIn;
+  ClImage m_oOut;
+  ClDense m_oDense;
+  ClCoarse m_oCoarse;
+  const Table m_oTable;
+};
+
+TEST_F(Warp, TheDenseMapHasTheSplinesPositionOfEachPixel) {
+  ASSERT_EQ(m_oDense.Apply(), 0);
+  TpThinPlateSplines<double> oSpline;
+  oSpline.Setup(16, m_oData.m_aTarget.Data(), m_oData.m_aActual[0].Data());
+  int nWithSource = 0;
+  for (int nY = 0; nY < 52; ++nY) {
+    for (int nX = 0; nX < 61; ++nX) {
+      double dX;
+      double dY;
+      oSpline.Transform(nX, nY, &dX, &dY);
+      const auto& oEntry = m_oDense.Map()[nY * 61 + nX];
+      if (!(dX >= 1 && dY >= 1 && dX <= 87 && dY <= 80)) {
+        ASSERT_EQ(oEntry.m_nOffset, -1);
+        continue;
+      }
+      ++nWithSource;
+      const int nLeft = static_cast<int>(dX);
+      const int nTop = static_cast<int>(dY);
+      ASSERT_EQ(oEntry.m_nOffset, (nTop - 1) * 92 + nLeft - 1);
+      ASSERT_EQ(oEntry.m_nPhase,
+                static_cast<unsigned int>(std::floor((dX - nLeft) * 32) + 32 * std::floor((dY - nTop) * 32)));
+    }
+  }
+  EXPECT_GT(nWithSource, 2000);
+  EXPECT_LT(nWithSource, 61 * 52);
+}
+
+TEST_F(Warp, TheCoarseMapMeetsTheDenseOneAtItsGridAndNearlyBetween) {
+  m_oDense.Apply();
+  m_oCoarse.Apply();
+  for (int nY = 0; nY < 52; ++nY) {
+    for (int nX = 0; nX < 61; ++nX) {
+      const auto& oDense = m_oDense.Map()[nY * 61 + nX];
+      const auto& oCoarse = m_oCoarse.Map()[nY * 61 + nX];
+      if (nX % 8 == 0 && nY % 8 == 0) {
+        ASSERT_EQ(oCoarse.m_nOffset, oDense.m_nOffset);
+        ASSERT_EQ(oCoarse.m_nPhase, oDense.m_nPhase);
+      }
+      if (oDense.m_nOffset < 0 || oCoarse.m_nOffset < 0) continue;
+      const auto oColumn = [](const auto& o) {
+        return o.m_nOffset % 92 * 32 + static_cast<int>(o.m_nPhase % 32);
+      };
+      const auto oRow = [](const auto& o) {
+        return o.m_nOffset / 92 * 32 + static_cast<int>(o.m_nPhase / 32);
+      };
+      ASSERT_LE(std::abs(oColumn(oCoarse) - oColumn(oDense)), 3);
+      ASSERT_LE(std::abs(oRow(oCoarse) - oRow(oDense)), 3);
+    }
+  }
+}
+
+TEST_F(Warp, ThePictureIsTheFormulasForEveryPixelAndKeepsResolutionAndBackground) {
+  ASSERT_EQ(m_oDense.Apply(), 0);
+  ASSERT_TRUE(m_oOut.HasSize(61, 52));
+  EXPECT_EQ(m_oOut.PelsX(), 19685);
+  EXPECT_EQ(m_oOut.PelsY(), 9842);
+  bool bBackground = false;
+  for (int nY = 0; nY < 52; ++nY) {
+    for (int nX = 0; nX < 61; ++nX) {
+      const auto& oEntry = m_oDense.Map()[nY * 61 + nX];
+      bBackground = bBackground || oEntry.m_nOffset < 0;
+      ASSERT_EQ(m_oOut.Row<uint8_t>(nY)[nX], SlowSample(oEntry, m_oIn, m_oTable, 99));
+    }
+  }
+  EXPECT_TRUE(bBackground);
+}
+
+TEST_F(Warp, AFlatFrameStaysFlat) {
+  m_oIn = static_cast<unsigned char>(200);
+  m_oCoarse.Apply();
+  for (int nY = 0; nY < 52; ++nY) {
+    for (int nX = 0; nX < 61; ++nX) {
+      if (m_oCoarse.Map()[nY * 61 + nX].m_nOffset < 0) continue;
+      ASSERT_NEAR(m_oOut.Row<uint8_t>(nY)[nX], 200, 3);
+    }
+  }
+}
+
+TEST_F(Warp, ARegionIsThatPartOfTheWhole) {
+  ClImage oWhole;
+  m_oDense.m_pOutImage = &oWhole;
+  m_oDense.Apply();
+  m_oDense.m_pOutImage = &m_oOut;
+  m_oDense.m_nRoiX = 20;
+  m_oDense.m_nRoiY = 7;
+  m_oDense.m_nRoiWidth = 41;
+  m_oDense.m_nRoiHeight = 30;
+  m_oDense.Apply();
+  ASSERT_TRUE(m_oOut.HasSize(41, 30));
+  for (int nY = 0; nY < 30; ++nY) {
+    EXPECT_EQ(std::memcmp(m_oOut.Row<uint8_t>(nY), oWhole.Row<uint8_t>(nY + 7) + 20, 41), 0) << nY;
+  }
+}
+
+TEST_F(Warp, EachPlaneOfActualPointsGivesAPlaneOfItsOwn) {
+  ClCalibrateGeometricData oData;
+  FillData(oData, 3);
+  for (ClIpCalibrateGeometricBase* pWarp : {static_cast<ClIpCalibrateGeometricBase*>(&m_oDense),
+                                            static_cast<ClIpCalibrateGeometricBase*>(&m_oCoarse)}) {
+    ClImage oSingle;
+    pWarp->m_pOutImage = &oSingle;
+    pWarp->Apply();
+    pWarp->Reset();
+    pWarp->m_pData = &oData;
+    pWarp->m_pOutImage = &m_oOut;
+    pWarp->Apply();
+    ASSERT_EQ(m_oOut.Planes(), 3);
+    ClImage oPlane;
+    m_oOut.GetPlane(0, oPlane);
+    for (int nY = 0; nY < 52; ++nY) {
+      ASSERT_EQ(std::memcmp(oPlane.Row<uint8_t>(nY), oSingle.Row<uint8_t>(nY), 61), 0);
+    }
+    m_oOut.GetPlane(2, oPlane);
+    EXPECT_NE(std::memcmp(oPlane.Row<uint8_t>(20), oSingle.Row<uint8_t>(20), 61), 0);
+  }
+}
+
+TEST_F(Warp, TheMapIsBuiltOnceUntilAReset) {
+  m_oDense.m_pInImage = nullptr;
+  m_oDense.Apply();
+  EXPECT_TRUE(m_oOut.Data() == nullptr) << "without an input only the map is built";
+  m_oDense.m_pInImage = &m_oIn;
+  m_oDense.Apply();
+  m_oDense.Apply();
+  EXPECT_EQ(m_oDense.m_nBuilt, 1);
+  m_oDense.Reset();
+  EXPECT_TRUE(m_oDense.Map() == nullptr);
+  m_oDense.Apply();
+  EXPECT_EQ(m_oDense.m_nBuilt, 2);
+}
+
+TEST_F(Warp, RefusesAnInputThatTheMapIsNotMadeFor) {
+  ClImage oOther;
+  FillRandom(oOther, 91, 83);
+  m_oDense.m_pInImage = &oOther;
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44);
+  FillRandom(oOther, 90, 82);
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44);
+  oOther.NewWithType(ClImage::eInt8, 90, 83, 1, 0, 0, true);
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44);
+  oOther.NewWithType(ClImage::eUint8, 90, 83, 1, 0, 0, false);
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44) << "rows of another stride";
+  EXPECT_TRUE(m_oOut.Data() == nullptr);
+}
+
+TEST_F(Warp, RefusesRegionsOutsideTheTargetAndHalfSetOnes) {
+  const struct {
+    uint32_t nX, nY, nWidth, nHeight;
+    const char* szText;
+  } aRegions[] = {{0, 0, 0, 10, "Invalid ROI parameters"},
+                  {3, 0, 0, 0, "Invalid ROI parameters"},
+                  {0, 0, 10, 0, "Invalid ROI parameters"},
+                  {52, 0, 10, 10, "Target subimage not within target image"},
+                  {0, 43, 10, 10, "Target subimage not within target image"},
+                  {0xFFFFFFFF, 0, 10, 10, "Target subimage not within target image"}};
+  for (const auto& o : aRegions) {
+    m_oDense.m_nRoiX = o.nX;
+    m_oDense.m_nRoiY = o.nY;
+    m_oDense.m_nRoiWidth = o.nWidth;
+    m_oDense.m_nRoiHeight = o.nHeight;
+    const auto oRaised = Raised([&] { m_oDense.Apply(); });
+    EXPECT_EQ(oRaised.first, -44);
+    EXPECT_THAT(oRaised.second, EndsWith(o.szText));
+  }
+}
+
+TEST_F(Warp, RefusesMissingDataAndOneImageForBothSides) {
+  m_oDense.m_pOutImage = &m_oIn;
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -35);
+  ClDense oFresh;
+  EXPECT_EQ(Raised([&] { oFresh.Apply(); }).first, -37);
+}
+
+TEST_F(Warp, AFailedSplineLeavesAnUninitializedWarpUntilReset) {
+  for (unsigned int n = 0; n < 16; ++n) m_oData.m_aTarget[n] = ClVector(n, n);
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -600);
+  const auto oRaised = Raised([&] { m_oDense.Apply(); });
+  EXPECT_EQ(oRaised.first, -2);
+  EXPECT_THAT(oRaised.second, EndsWith("Calibrate is not initialized"));
+  EXPECT_EQ(m_oDense.m_nBuilt, 1);
+}
+
+TEST_F(Warp, RefusesDataThatAllowsNoMap) {
+  m_oData.m_aActual[0].SetEntries(15);
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44) << "fewer actual than target points";
+  m_oDense.Reset();
+  m_oData.m_aActual[0].SetEntries(16);
+  m_oData.m_nSourceWidth = 70000;
+  m_oData.m_nSourceHeight = 70000;
+  EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44) << "offsets beyond 32 bits";
+}
+
+TEST_F(Warp, ATinySourceHasNoWindowAtAll) {
+  m_oData.m_nSourceWidth = 3;
+  m_oData.m_nSourceHeight = 3;
+  FillRandom(m_oIn, 3, 3);
+  m_oDense.Apply();
+  for (int n = 0; n < 61 * 52; ++n) ASSERT_EQ(m_oDense.Map()[n].m_nOffset, -1);
+}
+
+TEST(UpscaleImage, StepsEvenlyBetweenTheSamplesOfEachPlane) {
+  ClImage oIn;
+  ClImage oOut;
+  oIn.NewWithType(ClImage::eDouble64, 3, 2, 2, 0, 0, true);
+  const double aRows[2][6] = {{0, 100, 4, 100, 8, 100}, {8, 200, 12, 200, 16, 200}};
+  for (int nY = 0; nY < 2; ++nY) std::copy_n(aRows[nY], 6, oIn.Row<double>(nY));
+  ClIpCalibrateGeometricCoarse::UpscaleImage(oIn, oOut, 4);
+  ASSERT_TRUE(oOut.HasSize(9, 5));
+  for (int nY = 0; nY < 4; ++nY) {
+    for (int nX = 0; nX < 8; ++nX) {
+      EXPECT_EQ(oOut.Row<double>(nY)[2 * nX], nX + 2 * nY);
+      EXPECT_EQ(oOut.Row<double>(nY)[2 * nX + 1], 100 + 25 * nY);
+    }
+  }
+}
+
+/// A stored warp of 5 by 4 pixels from a source of 10 by 9 (rows of 12 bytes) with a random map.
+class StoredWarp : public testing::Test {
+ protected:
+  StoredWarp() {
+    Append(m_aBytes, "PRE");
+    Append(m_aBytes, "GEO");
+    Append(m_aBytes, "001");
+    for (const uint32_t nField : {10u, 9u, 5u, 4u, 19685u, 19684u, 1u}) AppendBig(m_aBytes, nField);
+    m_aBytes.push_back(33);
+    for (const uint32_t nField : {0x4B494600u, 1u}) AppendBig(m_aBytes, nField);
+    m_aBytes.push_back(1);
+    for (const uint32_t nField : {5u, 4u, 8u, 19685u, 19684u, 0u}) AppendBig(m_aBytes, nField);
+    for (const uint32_t nField : {0u, 0u, 0x406FE000u, 0u, 0u}) AppendBig(m_aBytes, nField);
+    std::mt19937 oRandom(11);
+    for (int n = 0; n < 20; ++n) {
+      const bool bSource = n % 5 != 3;
+      m_aMap.push_back({bSource ? static_cast<int32_t>(oRandom() % 6 * 12 + oRandom() % 7) : -1,
+                        bSource ? static_cast<uint32_t>(oRandom() % 1024) : 0});
+      AppendLittle(m_aBytes, static_cast<uint32_t>(m_aMap.back().m_nOffset), 4);
+      AppendLittle(m_aBytes, m_aMap.back().m_nPhase, 4);
+    }
+    AppendBig(m_aBytes, 0x4B494600u);
+  }
+  static std::pair<long, std::string> Load(ClDense& oWarp, const Bytes& aBytes) {
+    return Raised([&] {
+      ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
+      oWarp.Load(oStream);
+    });
+  }
+
+  Bytes m_aBytes;
+  std::vector<MXKernels::WarpMapEntry> m_aMap;
+};
+
+TEST_F(StoredWarp, LoadsIsUsedAndIsStoredByteForByte) {
+  ClDense oWarp;
+  ASSERT_EQ(Load(oWarp, m_aBytes).first, 0);
+  ClImage oIn;
+  ClImage oOut;
+  FillRandom(oIn, 10, 9);
+  oWarp.m_pInImage = &oIn;
+  oWarp.m_pOutImage = &oOut;
+  ASSERT_EQ(oWarp.Apply(), 0);
+  EXPECT_EQ(oWarp.m_nBuilt, 0);
+  const Table oTable;
+  for (int n = 0; n < 20; ++n) {
+    EXPECT_EQ(oOut.Row<uint8_t>(n / 5)[n % 5], SlowSample(m_aMap[static_cast<size_t>(n)], oIn, oTable, 33))
+        << n;
+  }
+  ClMemStream oStream;
+  oWarp.Store(oStream);
+  EXPECT_EQ(Bytes(oStream.GetData(), oStream.GetData() + oStream.Size()), m_aBytes);
+}
+
+TEST_F(StoredWarp, NamesTheFieldThatIsWrong) {
+  const struct {
+    size_t nOffset;
+    long nNumber;
+    const char* szText;
+  } aFields[] = {{0, -40, ""},
+                 {4, -40, ""},
+                 {10, -40, ""},
+                 {41, -40, "KIF Magic is missing"},
+                 {48, -40, "Wrong KIF version"},
+                 {49, -39, "nDataType is not the expected."},
+                 {53, -39, "m_nTargetWidth is not the expected."},
+                 {57, -39, "m_nTargetHeight is not the expected."},
+                 {61, -39, "m_nPlanes is not the expected."},
+                 {65, -39, "m_nTargetPelsX is not the expected."},
+                 {69, -39, "m_nTargetPelsY is not the expected."},
+                 {73, -39, "eContent is not the expected."},
+                 {m_aBytes.size() - 2, -40, "KIF end Magic is missing"}};
+  for (const auto& o : aFields) {
+    Bytes aBad = m_aBytes;
+    aBad[o.nOffset] ^= 2;
+    ClDense oWarp;
+    const auto oRaised = Load(oWarp, aBad);
+    EXPECT_EQ(oRaised.first, o.nNumber) << o.nOffset;
+    EXPECT_THAT(oRaised.second, EndsWith(o.szText));
+  }
+}
+
+TEST_F(StoredWarp, EveryCutIsFound) {
+  for (size_t nLength = 0; nLength < m_aBytes.size(); ++nLength) {
+    ClDense oWarp;
+    EXPECT_EQ(Load(oWarp, Bytes(m_aBytes.begin(), m_aBytes.begin() + static_cast<long>(nLength))).first,
+              -201);
+    EXPECT_TRUE(oWarp.Map() == nullptr);
+  }
+}
+
+TEST_F(StoredWarp, AMapThatPointsOutsideTheSourceIsRefused) {
+  const size_t cnMap = m_aBytes.size() - 4 - 20 * 8;
+  for (const auto& [nAt, nValue] : {std::pair<size_t, unsigned char>{0, 5 * 12 + 6 + 1}, {5, 4}, {3, 1}}) {
+    Bytes aBad = m_aBytes;
+    if (nAt == 0) aBad[cnMap + 1] = aBad[cnMap + 2] = aBad[cnMap + 3] = 0;
+    aBad[cnMap + nAt] = nValue;
+    ClDense oWarp;
+    EXPECT_EQ(Load(oWarp, aBad).first, -39) << nAt;
+  }
+}
+
+TEST_F(StoredWarp, NothingIsStoredWithoutAMap) {
+  ClMemStream oStream;
+  EXPECT_EQ(Raised([&] { ClDense().Store(oStream); }).first, -2);
+}
+
+}  // namespace

@@ -1,0 +1,146 @@
+// Surfaces through scattered values.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "MXCalibrate/IpInterpolate2D.h"
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+
+namespace {
+
+using testing::EndsWith;
+
+class Interpolate2D : public testing::Test {
+ protected:
+  Interpolate2D() {
+    for (const ClVector& o : {ClVector(2, 3), ClVector(12, 2), ClVector(7, 11), ClVector(15, 14)})
+      m_aPoints.Add(o);
+    m_oProcessor.m_pValues = m_aValues;
+    m_oProcessor.m_pPoints = &m_aPoints;
+    m_oProcessor.nInTargetWidth = 18;
+    m_oProcessor.nInTargetHeight = 16;
+    m_oProcessor.m_nDataType = ClImage::eDouble64;
+    m_oProcessor.m_aOutput.New(1);
+    m_oProcessor.m_aOutput[0] = &m_oOut;
+  }
+  std::string Refusal() {
+    EXPECT_FALSE(m_oProcessor.CanApply());
+    try {
+      m_oProcessor.Apply();
+    } catch (const ClException& e) {
+      EXPECT_EQ(e.Number(), -44);
+      return e.What();
+    }
+    return "";
+  }
+
+  double m_aValues[8] = {10, 60, 35.5, -20, 1, 2, 3, 4};
+  ClIpInterpolate2DBase::Points m_aPoints;
+  ClImage m_oOut;
+  ClIpInterpolate2D<ClRadialBasisSquaredDist> m_oProcessor;
+};
+
+TEST_F(Interpolate2D, MeetsEachValueAtItsPointForEachImage) {
+  ClImage oSecond;
+  m_oProcessor.m_nImages = 2;
+  m_oProcessor.m_aOutput.New(2);
+  m_oProcessor.m_aOutput[0] = &m_oOut;
+  m_oProcessor.m_aOutput[1] = &oSecond;
+  ASSERT_EQ(m_oProcessor.Apply(), 0);
+  for (unsigned int n = 0; n < 4; ++n) {
+    const int nX = static_cast<int>(m_aPoints[n].x);
+    const int nY = static_cast<int>(m_aPoints[n].y);
+    EXPECT_NEAR(m_oOut.Row<double>(nY)[nX], m_aValues[n], 1e-9);
+    EXPECT_NEAR(oSecond.Row<double>(nY)[nX], m_aValues[4 + n], 1e-9);
+  }
+}
+
+TEST_F(Interpolate2D, TwoPointsGiveTheSumOfTheirBases) {
+  m_aPoints.SetEntries(2);
+  m_aPoints[0] = ClVector(0, 0);
+  m_aPoints[1] = ClVector(2, 0);
+  ASSERT_EQ(m_oProcessor.Apply(), 0);
+  // The matrix is 0 off its second diagonal of U(4) = 4 log 4, so that each point weighs the other's value.
+  const double dU4 = 4 * std::log(4.0);
+  const auto oU = [](double d) { return d * std::log(d); };
+  EXPECT_NEAR(m_oOut.Row<double>(3)[1], (60 / dU4 + 10 / dU4) * oU(10), 1e-9);
+}
+
+TEST_F(Interpolate2D, BlocksAreBilinearInIntegersAndReachTheLastRowAndColumn) {
+  ClImage oExact;
+  m_oProcessor.m_nDataType = ClImage::eUint8;
+  m_oProcessor.m_dLowerLimit = -5;
+  m_oProcessor.m_dUpperLimit = 300;
+  m_oProcessor.m_aOutput[0] = &oExact;
+  m_oProcessor.Apply();
+  m_oProcessor.m_aOutput[0] = &m_oOut;
+  for (const auto& [nWidth, nHeight, nBlock] :
+       {std::tuple<int, int, unsigned int>{16, 16, 4}, {18, 15, 4}, {18, 16, 100}}) {
+    m_oProcessor.nInTargetWidth = nWidth;
+    m_oProcessor.nInTargetHeight = nHeight;
+    m_oProcessor.m_nBlockSize = nBlock;
+    ASSERT_EQ(m_oProcessor.Apply(), 0);
+    const int nStep = static_cast<int>(nBlock);
+    for (int nY = 0; nY < nHeight; ++nY) {
+      for (int nX = 0; nX < nWidth; ++nX) {
+        const int nX0 = nX / nStep * nStep;
+        const int nY0 = nY / nStep * nStep;
+        const int nX1 = std::min(nX0 + nStep, nWidth - 1);
+        const int nY1 = std::min(nY0 + nStep, nHeight - 1);
+        const int nWide = std::max(1, nX1 - nX0);
+        const int nHigh = std::max(1, nY1 - nY0);
+        const auto oAt = [&](int x, int y) { return static_cast<int>(oExact.Row<uint8_t>(y)[x]); };
+        const int nExpected =
+            (oAt(nX0, nY0) * (nWide - nX + nX0) * (nHigh - nY + nY0) +
+             oAt(nX1, nY0) * (nX - nX0) * (nHigh - nY + nY0) +
+             oAt(nX0, nY1) * (nWide - nX + nX0) * (nY - nY0) + oAt(nX1, nY1) * (nX - nX0) * (nY - nY0)) /
+            (nWide * nHigh);
+        ASSERT_EQ(m_oOut.Row<uint8_t>(nY)[nX], nExpected) << nWidth << ": " << nX << ' ' << nY;
+      }
+    }
+  }
+}
+
+TEST_F(Interpolate2D, ValuesStayWithinTheLimitsAndThoseOfTheType) {
+  m_oProcessor.m_nDataType = ClImage::eUint8;
+  m_oProcessor.m_dLowerLimit = 10;
+  m_oProcessor.m_dUpperLimit = 50;
+  ASSERT_EQ(m_oProcessor.Apply(), 0);
+  EXPECT_EQ(m_oOut.Row<uint8_t>(14)[15], 10) << "the value there is -20";
+  EXPECT_EQ(m_oOut.Row<uint8_t>(2)[12], 50);
+  m_oProcessor.m_dLowerLimit = -1e300;
+  m_oProcessor.m_nDataType = ClImage::eInt8;
+  ASSERT_EQ(m_oProcessor.Apply(), 0);
+  EXPECT_NEAR(m_oOut.Row<int8_t>(14)[15], -20, 1);
+}
+
+TEST_F(Interpolate2D, ReturnsMinus44ForUnknownTypesAndPointsThatCoincide) {
+  m_oProcessor.m_nDataType = 3;
+  EXPECT_EQ(m_oProcessor.Apply(), -44);
+  m_oProcessor.m_nDataType = ClImage::eUint8;
+  m_aPoints[2] = m_aPoints[1];
+  EXPECT_EQ(m_oProcessor.Apply(), -44);
+  m_aPoints.SetEntries(1);
+  EXPECT_EQ(m_oProcessor.Apply(), -44) << "a single basis is 0 at its own point";
+}
+
+TEST_F(Interpolate2D, NamesAMissingParameter) {
+  m_oProcessor.m_nBlockSize = 0;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (blocksize)"));
+  m_oProcessor.nInTargetHeight = 0;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (target height)"));
+  m_oProcessor.nInTargetWidth = 0;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (target width)"));
+  m_oProcessor.m_pPoints = nullptr;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (input reference points)"));
+  m_oProcessor.m_pValues = nullptr;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (input interpolation values)"));
+  m_oProcessor.m_aOutput[0] = nullptr;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (NULL output image)"));
+  m_oProcessor.m_nImages = 3;
+  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (output image array)"));
+}
+
+}  // namespace
