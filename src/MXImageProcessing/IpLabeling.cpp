@@ -1,5 +1,8 @@
-// A scan-line fill from the first pixel of each object.
+// Runs of object pixels, joined row by row.
 #include "MXImageProcessing/IpLabeling.h"
+
+#include <algorithm>
+#include <cstring>
 
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
@@ -7,44 +10,42 @@
 
 namespace {
 
-/// One row of input and labels, told whether a run that can still be filled begins at a place.
-class ClRunFinder {
- public:
-  ClRunFinder(const ClImage& oIn, const ClImage& oOut, long nY)
-      : m_pIn(nY >= 0 && nY < oIn.Height() ? oIn.Row<uint8_t>(static_cast<int>(nY)) : nullptr),
-        m_pLabels(m_pIn != nullptr ? oOut.Row<int32_t>(static_cast<int>(nY)) : nullptr) {}
+constexpr uint64_t cnOnes = 0x0101010101010101U;
 
-  bool BeginsAt(long nX) {
-    if (m_pIn == nullptr) return false;
-    const bool bBefore = m_bInRun;
-    m_bInRun = m_pIn[nX] == 0 && m_pLabels[nX] == 0;
-    return m_bInRun && !bBefore;
+uint64_t LoadWord(const uint8_t* p) {
+  uint64_t nWord;
+  std::memcpy(&nWord, p, sizeof(nWord));
+  return nWord;
+}
+
+bool HasNoZero(uint64_t nWord) {
+  return ((nWord - cnOnes) & ~nWord & (cnOnes << 7)) == 0;
+}
+
+/// Writes the places where runs of zeros begin and end, in turn, and returns their number, which is even. Room for
+/// nWidth + 2 of them is needed.
+int FindEdges(const uint8_t* pRow, int nWidth, int32_t* pEdges) {
+  int nEdges = 0;
+  bool bInRun = false;
+  // Taken without a branch: in noise no branch of it could be predicted.
+  const auto Look = [&](int x) {
+    const bool bObject = pRow[x] == 0;
+    pEdges[nEdges] = x;
+    nEdges += bObject != bInRun ? 1 : 0;
+    bInRun = bObject;
+  };
+  int x = 0;
+  for (; x + 8 <= nWidth; x += 8) {
+    const uint64_t nWord = LoadWord(pRow + x);
+    if (bInRun ? nWord == 0 : HasNoZero(nWord)) continue;
+    for (int k = 0; k < 8; ++k) Look(x + k);
   }
-
- private:
-  const uint8_t* m_pIn;
-  const int32_t* m_pLabels;
-  bool m_bInRun = false;
-};
+  for (; x < nWidth; ++x) Look(x);
+  if (bInRun) pEdges[nEdges++] = nWidth;
+  return nEdges;
+}
 
 }  // namespace
-
-void ClIpLabeling::ClLineParts::Push(long nX, long nY) {
-  // A noisy image stacks very many places; fixed steps would copy the stack over and over.
-  if (Entries() == Capacity()) {
-    const unsigned int nEntries = Entries();
-    SetEntries(nEntries + nEntries / 2 + 100);
-    SetEntries(nEntries);
-  }
-  Add({nX, nY});
-}
-
-ClIpLabeling::ClLinePart ClIpLabeling::ClLineParts::Pop() {
-  const unsigned int nLast = Entries() - 1;
-  const ClLinePart oLast = (*this)[nLast];
-  SetEntries(nLast);
-  return oLast;
-}
 
 ClProcessorBase* ClIpLabeling::Create() const {
   return NewProcessor<ClIpLabeling>();
@@ -75,33 +76,72 @@ long ClIpLabeling::Process() {
   m_pOutImage->SetContent(oIn.Content());
   m_pOutImage->SetBlackWhite(oIn.Black(), oIn.White());
   *m_pOutImage = 0;
-  m_nLabels = 0;
+  m_aRuns.Clear();
+  m_aEdges.SetEntries(static_cast<unsigned int>(oIn.Width()) + 2);
+  unsigned int nAbove = 0;
   for (int y = 0; y < oIn.Height(); ++y) {
-    const uint8_t* pIn = oIn.Row<uint8_t>(y);
-    const int32_t* pLabels = m_pOutImage->Row<int32_t>(y);
-    for (int x = 0; x < oIn.Width(); ++x) {
-      if (pIn[x] == 0 && pLabels[x] == 0) FloodFill(x, y, ++m_nLabels);
-    }
+    const unsigned int nHere = m_aRuns.Entries();
+    FindRuns(y);
+    JoinRows(nAbove, nHere);
+    nAbove = nHere;
   }
+  WriteLabels();
   return 0;
 }
 
-void ClIpLabeling::FloodFill(long nX, long nY, int32_t nLabel) {
-  const long nWidth = m_pInImage->Width();
-  m_oStack.Clear();
-  m_oStack.Push(nX, nY);
-  while (m_oStack.Entries() > 0) {
-    const ClLinePart oPart = m_oStack.Pop();
-    const uint8_t* pIn = m_pInImage->Row<uint8_t>(static_cast<int>(oPart.m_nY));
-    int32_t* pLabels = m_pOutImage->Row<int32_t>(static_cast<int>(oPart.m_nY));
-    ClRunFinder oAbove(*m_pInImage, *m_pOutImage, oPart.m_nY - 1);
-    ClRunFinder oBelow(*m_pInImage, *m_pOutImage, oPart.m_nY + 1);
-    long x = oPart.m_nX;
-    while (x > 0 && pIn[x - 1] == 0 && pLabels[x - 1] == 0) --x;
-    for (; x < nWidth && pIn[x] == 0 && pLabels[x] == 0; ++x) {
-      pLabels[x] = nLabel;
-      if (oAbove.BeginsAt(x)) m_oStack.Push(x, oPart.m_nY - 1);
-      if (oBelow.BeginsAt(x)) m_oStack.Push(x, oPart.m_nY + 1);
+void ClIpLabeling::FindRuns(int nY) {
+  const int nEdges = FindEdges(m_pInImage->Row<uint8_t>(nY), m_pInImage->Width(), m_aEdges.Data());
+  const unsigned int nFirst = m_aRuns.Entries();
+  const unsigned int nRuns = static_cast<unsigned int>(nEdges) / 2;
+  // A noisy image has very many runs; fixed steps would copy the list over and over.
+  if (nFirst + nRuns > m_aRuns.Capacity()) m_aRuns.SetEntries(nFirst + nFirst / 2 + nRuns + 100);
+  m_aRuns.SetEntries(nFirst + nRuns);
+  const int32_t* pEdge = m_aEdges.Data();
+  for (unsigned int n = nFirst; n < nFirst + nRuns; ++n, pEdge += 2)
+    m_aRuns[n] = {pEdge[0], pEdge[1], nY, n, 0};
+}
+
+/// Joins the runs [nAbove, nBelow) of one row with those from nBelow on where they share a column.
+void ClIpLabeling::JoinRows(unsigned int nAbove, unsigned int nBelow) {
+  const ClLinePart* pUpper = m_aRuns.Data() + nAbove;
+  const ClLinePart* pLower = m_aRuns.Data() + nBelow;
+  const ClLinePart* const pUpperEnd = pLower;
+  const ClLinePart* const pLowerEnd = m_aRuns.Data() + m_aRuns.Entries();
+  while (pUpper != pUpperEnd && pLower != pLowerEnd) {
+    if (pUpper->m_nBegin < pLower->m_nEnd && pLower->m_nBegin < pUpper->m_nEnd) {
+      Join(static_cast<uint32_t>(pUpper - m_aRuns.Data()), static_cast<uint32_t>(pLower - m_aRuns.Data()));
     }
+    // The run that ends first meets nothing more.
+    const bool bUpperEndsFirst = pUpper->m_nEnd < pLower->m_nEnd;
+    pUpper += bUpperEndsFirst ? 1 : 0;
+    pLower += bUpperEndsFirst ? 0 : 1;
+  }
+}
+
+uint32_t ClIpLabeling::LeaderOf(uint32_t nRun) {
+  while (m_aRuns[nRun].m_nLeader != nRun) {
+    // Halves the path for the next search.
+    uint32_t& rnLeader = m_aRuns[nRun].m_nLeader;
+    rnLeader = m_aRuns[rnLeader].m_nLeader;
+    nRun = rnLeader;
+  }
+  return nRun;
+}
+
+/// The earlier run leads, so that each set is led by the one with its first pixel.
+void ClIpLabeling::Join(uint32_t nRunA, uint32_t nRunB) {
+  const uint32_t nLeaderA = LeaderOf(nRunA);
+  const uint32_t nLeaderB = LeaderOf(nRunB);
+  m_aRuns[std::max(nLeaderA, nLeaderB)].m_nLeader = std::min(nLeaderA, nLeaderB);
+}
+
+void ClIpLabeling::WriteLabels() {
+  m_nLabels = 0;
+  for (unsigned int n = 0; n < m_aRuns.Entries(); ++n) {
+    ClLinePart& oRun = m_aRuns[n];
+    // A run points at an earlier one of its set, which has its label by now, or at itself.
+    oRun.m_nLabel = oRun.m_nLeader == n ? ++m_nLabels : m_aRuns[oRun.m_nLeader].m_nLabel;
+    int32_t* pLabels = m_pOutImage->Row<int32_t>(oRun.m_nY);
+    std::fill(pLabels + oRun.m_nBegin, pLabels + oRun.m_nEnd, oRun.m_nLabel);
   }
 }

@@ -14,9 +14,10 @@ class ClParameterContainer;
 ///
 /// Domain     one-plane images of 8-bit samples. Input and output are two images.
 /// Range      the output is eInt32 with the input's shape, content, black and white.
-/// Ownership  the output is allocated on the image handed in; the work stack is kept from run to run.
+/// Ownership  the output is allocated on the image handed in; the list of runs is kept for the next image.
 /// Threads    thread-bound.
 /// Errors     ClException -37 an image is missing; -44 input and output are one object.
+/// Cost       one pass to find and join the runs, one to write the labels, whatever the objects look like.
 class ClIpLabeling : public ClProcessorBase {
  public:
   ClProcessorBase* Create() const override;
@@ -35,17 +36,22 @@ class ClIpLabeling : public ClProcessorBase {
   long Process() override;
 
  private:
+  /// A run of object pixels in one row. Runs that touch belong to one set, led by its first run.
   struct ClLinePart {
-    long m_nX;
-    long m_nY;
+    int32_t m_nBegin;
+    int32_t m_nEnd;
+    int32_t m_nY;
+    uint32_t m_nLeader;
+    int32_t m_nLabel;
   };
-  class ClLineParts : public TpArrayDynamic<ClLinePart, 100> {
-   public:
-    void Push(long nX, long nY);
-    ClLinePart Pop();
-  };
+  using ClLineParts = TpArrayDynamic<ClLinePart, 100>;
 
-  void FloodFill(long nX, long nY, int32_t nLabel);
+  void FindRuns(int nY);
+  void JoinRows(unsigned int nAbove, unsigned int nBelow);
+  uint32_t LeaderOf(uint32_t nRun);
+  void Join(uint32_t nRunA, uint32_t nRunB);
+  void WriteLabels();
 
-  ClLineParts m_oStack;
+  ClLineParts m_aRuns;
+  TpArrayDynamic<int32_t, 1> m_aEdges;
 };

@@ -92,19 +92,19 @@ void MoveColumnSumsU16(const uint16_t* pEnter, const uint16_t* pLeave, uint32_t*
   }
 }
 
-/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: the differences of it are right as long as a window's sum
-/// fits.
+/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: the differences of it are right as long as a window's sum fits.
 HWY_INLINE void PrefixSums(const uint32_t* pSums, size_t nCount, uint32_t* pPrefix) {
   const hn::FixedTag<uint32_t, 4> d4;
   auto vCarry = hn::Zero(d4);
   pPrefix[0] = 0;
   size_t x = 0;
   for (; x + 4 <= nCount; x += 4) {
+    // Only the addition to the carry waits for the step before.
     auto v = hn::LoadU(d4, pSums + x);
     v += hn::ShiftLeftLanes<1>(d4, v);
-    v += hn::ShiftLeftLanes<2>(d4, v) + vCarry;
-    hn::StoreU(v, d4, pPrefix + x + 1);
-    vCarry = hn::Broadcast<3>(v);
+    v += hn::ShiftLeftLanes<2>(d4, v);
+    hn::StoreU(v + vCarry, d4, pPrefix + x + 1);
+    vCarry += hn::Broadcast<3>(v);
   }
   uint32_t nCarry = hn::GetLane(vCarry);
   for (; x < nCount; ++x) pPrefix[x + 1] = nCarry += pSums[x];

@@ -1,5 +1,6 @@
 // The single steps of the finger mask: background, envelope, texture, fog, islands and holes.
 #include <algorithm>
+#include <cstring>
 
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
@@ -27,6 +28,18 @@ void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
 
 void FadeSample(uint8_t& rnSample, int nNumerator, int nDenominator) {
   rnSample = static_cast<uint8_t>(int64_t{rnSample} * nNumerator / nDenominator);
+}
+
+/// First place from nFrom on whose label differs from the one at nFrom; nEnd when there is none.
+int EndOfLabel(const int32_t* pLabels, int nFrom, int nEnd) {
+  const int32_t aTwice[2] = {pLabels[nFrom], pLabels[nFrom]};
+  int x = nFrom + 1;
+  while (x + 4 <= nEnd && std::memcmp(pLabels + x, aTwice, 8) == 0 &&
+         std::memcmp(pLabels + x + 2, aTwice, 8) == 0) {
+    x += 4;
+  }
+  while (x < nEnd && pLabels[x] == pLabels[nFrom]) ++x;
+  return x;
 }
 
 }  // namespace
@@ -136,13 +149,12 @@ void ClIpVT40R4Mask::CountLabels() {
   m_aCounts.SetEntries(static_cast<unsigned int>(m_oLabeling.m_nLabels) + 1);
   std::fill_n(m_aCounts.Data(), m_aCounts.Entries(), 0);
   int32_t* pCounts = m_aCounts.Data();
+  const int nWidth = m_oLabels.Width();
   for (int y = 0; y < m_oLabels.Height(); ++y) {
     const int32_t* pLabels = m_oLabels.Row<int32_t>(y);
-    const int nWidth = m_oLabels.Width();
     for (int x = 0; x < nWidth;) {
       const int nBegin = x;
-      while (++x < nWidth && pLabels[x] == pLabels[nBegin]) {
-      }
+      x = EndOfLabel(pLabels, x, nWidth);
       pCounts[pLabels[nBegin]] += x - nBegin;
     }
   }
@@ -150,11 +162,16 @@ void ClIpVT40R4Mask::CountLabels() {
 
 void ClIpVT40R4Mask::Replace(int nLargest, unsigned char nValue) {
   const int32_t* pCounts = m_aCounts.Data();
+  const int nWidth = m_oLabels.Width();
   for (int y = 0; y < m_oLabels.Height(); ++y) {
     const int32_t* pLabels = m_oLabels.Row<int32_t>(y);
     uint8_t* pMask = m_oMask.Row<uint8_t>(y);
-    for (int x = 0; x < m_oLabels.Width(); ++x) {
-      pMask[x] = pCounts[pLabels[x]] <= nLargest ? nValue : pMask[x];
+    for (int x = 0; x < nWidth;) {
+      const int nBegin = x;
+      x = EndOfLabel(pLabels, x, nWidth);
+      if (pCounts[pLabels[nBegin]] <= nLargest) {
+        std::memset(pMask + nBegin, nValue, static_cast<size_t>(x - nBegin));
+      }
     }
   }
 }
