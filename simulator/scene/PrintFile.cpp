@@ -153,8 +153,8 @@ ClPrint ReadPrintFile(const std::string& sPath) {
   oPrint.oRidge.Resize(oGrey.Width(), oGrey.Height());
   for (size_t i = 0; i < oGrey.Count(); ++i)
     oPrint.oRidge.Data()[i] = static_cast<uint8_t>(255 - oGrey.Data()[i]);
-  // Skin is where the neighbourhood of a ridge period in each direction is dark; scanning dirt is not.
-  const TpPlane<uint8_t> oMean = BoxMean(oPrint.oRidge, 9);
+  // Skin is where the neighbourhood of some ridge periods is dark; specks of dirt are not.
+  const TpPlane<uint8_t> oMean = BoxMean(BoxMean(oPrint.oRidge, 9), 9);
   oPrint.oDepth.Resize(oMean.Width(), oMean.Height());
   for (size_t i = 0; i < oMean.Count(); ++i)
     oPrint.oDepth.Data()[i] = static_cast<uint8_t>(std::clamp((oMean.Data()[i] - 12) * 8, 0, 255));
