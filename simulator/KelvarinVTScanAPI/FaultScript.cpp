@@ -47,7 +47,9 @@ bool ClFaultScript::Applies(const ClRule& oRule, const char* szFunction, bool bT
 
 bool ClFaultScript::Strikes(const char* szFunction, bool bTakesDevice, long& nResult) {
   std::lock_guard<std::mutex> oLock(m_oMutex);
-  const uint64_t nCall = ++m_mapCalls[szFunction];
+  auto itCalls = m_mapCalls.find(szFunction);
+  if (itCalls == m_mapCalls.end()) itCalls = m_mapCalls.emplace(szFunction, 0).first;
+  const uint64_t nCall = ++itCalls->second;
   for (const ClRule& oRule : m_aRules) {
     if (!Applies(oRule, szFunction, bTakesDevice, nCall)) continue;
     nResult = oRule.nResult;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -43,8 +44,8 @@ class ClFaultScript {
   static bool Applies(const ClRule& oRule, const char* szFunction, bool bTakesDevice, uint64_t nCall);
 
   mutable std::mutex m_oMutex;
-  std::vector<ClRule> m_aRules;  // under m_oMutex, as all that follows
-  std::map<std::string, uint64_t> m_mapCalls;
+  std::vector<ClRule> m_aRules;                             // under m_oMutex, as all that follows
+  std::map<std::string, uint64_t, std::less<>> m_mapCalls;  // found by plain text: counting allocates nothing
   std::string m_sLog;
 };
 
