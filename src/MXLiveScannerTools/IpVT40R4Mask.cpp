@@ -98,8 +98,8 @@ long ClIpVT40R4Mask::Process() {
   m_oFilterMid.ApplyParam(m_oDistance, m_oSmoothed, 15);
   TestFog();
   MakeFirstMask();
-  RemoveIslands();
-  FillHoles();
+  m_oRegions.RemoveIslands(m_oMask);
+  m_oRegions.FillHoles(m_oMask);
   if (bHalf) {
     ComposeFullResolution();
   } else {

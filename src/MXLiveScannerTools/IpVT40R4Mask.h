@@ -7,15 +7,13 @@
 #include "MXImageProcessing/IpFilterMax.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
-#include "MXImageProcessing/IpInvert.h"
-#include "MXImageProcessing/IpLabeling.h"
 #include "MXImageProcessing/IpSaturate.h"
 #include "MXImageProcessing/IpScale.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
-#include "MXTools/TpArrayDynamic.h"
+#include "MXLiveScannerTools/MaskRegions.h"
 
 /// Turns a calibrated frame into the ridges, inverted and with even contrast, on a pure white background.
 ///
@@ -59,10 +57,6 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   void DecideByBrightness();
   void TestFog();
   void MakeFirstMask();
-  void RemoveIslands();
-  void FillHoles();
-  void CountLabels();
-  void Replace(int nLargest, unsigned char nValue);
   void ComposeInputResolution();
   void ComposeFullResolution();
   void BlendWith(const ClImage& oSoftMask);
@@ -88,9 +82,8 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClIpScale m_oScale;
   ClIpComputeLBPImage_4Neighborhood m_oTexture;
   ClIpBinarizeGlobal m_oBinarize;
-  ClIpInvert m_oInvert;
-  ClIpLabeling m_oLabeling;
   ClIpAdjustBrightness m_oAdjust;
+  ClMaskRegions m_oRegions;
 
   // At the resolution that is segmented.
   ClImage m_oSignal;
@@ -106,10 +99,8 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClImage m_oNear;
   ClImage m_oFar;
   ClImage m_oMask;
-  ClImage m_oLabels;
   ClImage m_oExtreme1;
   ClImage m_oExtreme2;
-  TpArrayDynamic<int32_t, 1> m_aCounts;
   // At the input's resolution, on the half-resolution path.
   ClImage m_oFullSignal;
   ClImage m_oFullEnvelope;

@@ -1,6 +1,5 @@
-// The single steps of the finger mask: background, envelope, texture, fog, islands and holes.
+// The single steps of the finger mask: background, envelope, texture, fog and the first mask.
 #include <algorithm>
-#include <cstring>
 
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
@@ -16,9 +15,6 @@ constexpr long cnNearWidth = 11;
 constexpr long cnFarWidth = 101;
 constexpr long cnMaskWidth = 21;
 
-constexpr int cnLargestIsland = 2999;
-constexpr int cnLargestHole = 3999;
-
 /// The row times nNumerator / nDenominator, which is below 1.
 void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
   uint8_t aTable[256];
@@ -28,18 +24,6 @@ void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
 
 void FadeSample(uint8_t& rnSample, int nNumerator, int nDenominator) {
   rnSample = static_cast<uint8_t>(int64_t{rnSample} * nNumerator / nDenominator);
-}
-
-/// First place from nFrom on whose label differs from the one at nFrom; nEnd when there is none.
-int EndOfLabel(const int32_t* pLabels, int nFrom, int nEnd) {
-  const int32_t aTwice[2] = {pLabels[nFrom], pLabels[nFrom]};
-  int x = nFrom + 1;
-  while (x + 4 <= nEnd && std::memcmp(pLabels + x, aTwice, 8) == 0 &&
-         std::memcmp(pLabels + x + 2, aTwice, 8) == 0) {
-    x += 4;
-  }
-  while (x < nEnd && pLabels[x] == pLabels[nFrom]) ++x;
-  return x;
 }
 
 }  // namespace
@@ -123,55 +107,4 @@ void ClIpVT40R4Mask::MakeFirstMask() {
   }
   m_oFilterMid.ApplyParam(m_oMask, m_oExtreme1, cnMaskWidth);
   m_oBinarize.ApplyParam(m_oExtreme1, m_oMask, 192.0);
-}
-
-void ClIpVT40R4Mask::RemoveIslands() {
-  m_oInvert.ApplyParam(m_oMask, m_oExtreme1);
-  m_oLabeling.ApplyParam(m_oExtreme1, m_oLabels);
-  CountLabels();
-  Replace(cnLargestIsland, 0);
-}
-
-void ClIpVT40R4Mask::FillHoles() {
-  const int nWidth = m_oMask.Width(), nHeight = m_oMask.Height();
-  if (nWidth == 0 || nHeight == 0) return;
-  m_oLabeling.ApplyParam(m_oMask, m_oLabels);
-  CountLabels();
-  // Open background stays background however small it is.
-  const int32_t* pFirstRow = m_oLabels.Row<int32_t>(0);
-  const auto Keep = [&](int x) { m_aCounts[static_cast<unsigned int>(pFirstRow[x])] = nWidth * nHeight; };
-  Keep(0);
-  Keep(nWidth - 1);
-  Replace(cnLargestHole, 255);
-}
-
-void ClIpVT40R4Mask::CountLabels() {
-  m_aCounts.SetEntries(static_cast<unsigned int>(m_oLabeling.m_nLabels) + 1);
-  std::fill_n(m_aCounts.Data(), m_aCounts.Entries(), 0);
-  int32_t* pCounts = m_aCounts.Data();
-  const int nWidth = m_oLabels.Width();
-  for (int y = 0; y < m_oLabels.Height(); ++y) {
-    const int32_t* pLabels = m_oLabels.Row<int32_t>(y);
-    for (int x = 0; x < nWidth;) {
-      const int nBegin = x;
-      x = EndOfLabel(pLabels, x, nWidth);
-      pCounts[pLabels[nBegin]] += x - nBegin;
-    }
-  }
-}
-
-void ClIpVT40R4Mask::Replace(int nLargest, unsigned char nValue) {
-  const int32_t* pCounts = m_aCounts.Data();
-  const int nWidth = m_oLabels.Width();
-  for (int y = 0; y < m_oLabels.Height(); ++y) {
-    const int32_t* pLabels = m_oLabels.Row<int32_t>(y);
-    uint8_t* pMask = m_oMask.Row<uint8_t>(y);
-    for (int x = 0; x < nWidth;) {
-      const int nBegin = x;
-      x = EndOfLabel(pLabels, x, nWidth);
-      if (pCounts[pLabels[nBegin]] <= nLargest) {
-        std::memset(pMask + nBegin, nValue, static_cast<size_t>(x - nBegin));
-      }
-    }
-  }
 }

@@ -1,0 +1,163 @@
+// Tests of the processors that change samples one by one or rearrange planes.
+#include <cmath>
+
+#include "MXImageProcessing/IpConvertDataType.h"
+#include "MXImageProcessing/IpInvert.h"
+#include "MXImageProcessing/IpJoinPlanes.h"
+#include "MXImageProcessing/IpSaturate.h"
+#include "MXImageProcessing/IpScale.h"
+#include "MXImageProcessing/IpSplitPlanes.h"
+#include "TestImages.h"
+
+TEST(ConvertDataType, EveryPairOfTypesConvertsAsACast) {
+  std::mt19937 oRandom(41);
+  for (const unsigned char nFrom : g_aTypes) {
+    for (const unsigned char nTo : g_aTypes) {
+      ClImage oIn, oOut;
+      SetRandomOfType(oIn, nFrom, 13, 2, oRandom, 2);
+      ClIpConvertDataType oConvert;
+      ASSERT_EQ(oConvert.ApplyParam(oIn, oOut, nTo), 0);
+      ASSERT_EQ(oOut.DataType(), nTo);
+      for (int x = 0; x < 26; ++x) {
+        const long double dIn = SampleAt(oIn, x, 1), dOut = SampleAt(oOut, x, 1);
+        if (oOut.IsFloating()) {
+          ASSERT_EQ(dOut, nTo == ClImage::eFloat32 ? static_cast<long double>(static_cast<float>(dIn)) : dIn);
+        } else if (oIn.IsFloating()) {
+          // The samples lie within 64 of 0; only the unsigned types have a limit there.
+          ASSERT_EQ(dOut, oOut.IsSigned() ? std::trunc(dIn) : std::max(std::trunc(dIn), 0.0L));
+        } else {
+          // The same number modulo the size of the target.
+          const long double dSize = std::ldexp(1.0L, 8 * oOut.ElementSize());
+          ASSERT_EQ(std::fmod(dIn - dOut, dSize), 0.0L) << int{nFrom} << " to " << int{nTo};
+        }
+      }
+    }
+  }
+}
+
+TEST(ConvertDataType, FloatsGoTowardZeroAndStopAtTheLimits) {
+  ClImage oIn, oOut;
+  SetImage<float>(oIn, 6, 1, {-1.9F, 1.9F, 1e9F, -1e9F, NAN, 127.99F});
+  ClIpConvertDataType oConvert;
+  ASSERT_EQ(oConvert.ApplyParam(oIn, oOut, ClImage::eInt8), 0);
+  EXPECT_EQ(Samples<int8_t>(oOut), (std::vector<int8_t>{-1, 1, 127, -128, 0, 127}));
+  EXPECT_EQ(oOut.White(), 127);
+  SetImage<uint16_t>(oIn, 1, 1, {300});
+  ASSERT_EQ(oConvert.ApplyParam(oIn, ClImage::eUint8), 0);
+  EXPECT_EQ(Samples<uint8_t>(oIn), (std::vector<uint8_t>{44}));
+}
+
+TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
+  ClImage oImage;
+  SetImage<uint8_t>(oImage, 4, 1, {0, 63, 64, 255});
+  ClIpScale oScale;
+  ASSERT_EQ(oScale.ApplyParam(oImage, 4.0), 0);
+  EXPECT_EQ(Samples<uint8_t>(oImage), (std::vector<uint8_t>{0, 252, 255, 255}));
+  SetImage<int16_t>(oImage, 2, 1, {-5, 7, 30000, -30000}, 2);
+  ASSERT_EQ(oScale.ApplyParam(oImage, -1.5), 0);
+  EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{7, -10, -32768, 32767}));
+  char szText[32];
+  oScale.ParameterString(szText, sizeof(szText));
+  EXPECT_STREQ(szText, "ScaleFactor = -2");
+  ClImage oFloat;
+  SetImage<float>(oFloat, 2, 1, {0.25F, 0.75F});
+  ASSERT_EQ(oScale.ApplyParam(oFloat, 2.0), 0);
+  EXPECT_EQ(Samples<float>(oFloat), (std::vector<float>{0.5F, 1.0F}));
+}
+
+template <typename T>
+class Saturate : public testing::Test {};
+TYPED_TEST_SUITE(Saturate, AllElementTypes);
+
+TYPED_TEST(Saturate, LimitsEachSampleAlsoInPlace) {
+  std::mt19937 oRandom(42);
+  ClImage oIn, oOut;
+  SetRandom<TypeParam>(oIn, 70, 3, oRandom, 2);
+  ClIpSaturate oSaturate;
+  ASSERT_EQ(oSaturate.ApplyParam(oIn, oOut, 3.0, 20.0), 0);
+  for (int x = 0; x < 140; ++x) {
+    const TypeParam nIn = oIn.Row<TypeParam>(2)[x];
+    ASSERT_EQ(oOut.Row<TypeParam>(2)[x], std::min<TypeParam>(std::max<TypeParam>(nIn, 3), 20));
+  }
+  const auto aExpected = Samples<TypeParam>(oOut);
+  ASSERT_EQ(oSaturate.ApplyParam(oIn, oIn, 3.0, 20.0), 0);
+  EXPECT_EQ(Samples<TypeParam>(oIn), aExpected);
+  ASSERT_EQ(oSaturate.ApplyParam(oIn, oOut, 7.0, 7.0), 0);
+  EXPECT_EQ(Samples<TypeParam>(oOut), std::vector<TypeParam>(420, 7));
+}
+
+TEST(SaturateBorders, AreCutToTheTypeAndMustBeInOrder) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 3, 1, {0, 100, 255});
+  ClIpSaturate oSaturate;
+  ASSERT_EQ(oSaturate.ApplyParam(oIn, oOut, -300.0, 500.0), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{0, 100, 255}));
+  EXPECT_EQ(RaisedNumber([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
+  ClImage oOdd;
+  oOdd.NewWithType(3, 1, 1, 1, 0, 0, true);
+  EXPECT_EQ(RaisedNumber([&] { oSaturate.ApplyParam(oOdd, oOut, 1.0, 2.0); }), -33);
+}
+
+TEST(Invert, ReversesTheRangeOfTheInput) {
+  ClImage oImage, oOut;
+  SetImage<uint8_t>(oImage, 3, 1, {0, 255, 100});
+  ClIpInvert oInvert;
+  ASSERT_EQ(oInvert.ApplyParam(oImage), 0);
+  EXPECT_EQ(Samples<uint8_t>(oImage), (std::vector<uint8_t>{255, 0, 155}));
+  SetImage<int8_t>(oImage, 3, 1, {-128, 127, 0});
+  ASSERT_EQ(oInvert.ApplyParam(oImage, oOut), 0);
+  EXPECT_EQ(Samples<int8_t>(oOut), (std::vector<int8_t>{127, -128, -1}));
+  SetImage<float>(oImage, 2, 1, {-1.0F, 0.25F});
+  ASSERT_EQ(oInvert.ApplyParam(oImage, oOut), 0);
+  EXPECT_EQ(Samples<float>(oOut), (std::vector<float>{1.0F, -0.25F}));
+}
+
+TEST(Planes, SplitAndJoinAreInverseInEveryType) {
+  std::mt19937 oRandom(43);
+  for (const unsigned char nType : g_aTypes) {
+    ClImage oIn, aPlanes[4], oOut;
+    SetRandomOfType(oIn, nType, 7, 5, oRandom, 4);
+    ClIpSplitPlanes oSplit;
+    ASSERT_EQ(oSplit.ApplyParam(oIn, &aPlanes[0], &aPlanes[1], &aPlanes[2], &aPlanes[3]), 0);
+    EXPECT_EQ(SampleAt(aPlanes[2], 3, 4), SampleAt(oIn, 3 * 4 + 2, 4));
+    ClIpJoinPlanes oJoin;
+    oJoin.eOutContent = ClImage::eRGBA;
+    ASSERT_EQ(oJoin.ApplyParam(oOut, &aPlanes[0], &aPlanes[1], &aPlanes[2], &aPlanes[3]), 0);
+    EXPECT_EQ(oOut.Content(), ClImage::eRGBA);
+    for (int x = 0; x < 28; ++x) ASSERT_EQ(SampleAt(oOut, x, 3), SampleAt(oIn, x, 3));
+  }
+}
+
+TEST(Planes, MissingPlanesTakeTheFillColourAndMissingOutputsAreSkipped) {
+  ClImage oRed, oGreen, oOut, oBlue;
+  SetImage<uint8_t>(oRed, 2, 1, {1, 2});
+  SetImage<uint8_t>(oGreen, 2, 1, {3, 4});
+  ClIpJoinPlanes oJoin;
+  oJoin.eOutContent = ClImage::eRGB;
+  oJoin.dInFillcolors[2] = 99.0;
+  ASSERT_EQ(oJoin.ApplyParam(oOut, &oRed, &oGreen, nullptr, nullptr), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{1, 3, 99, 2, 4, 99}));
+  ClIpSplitPlanes oSplit;
+  ASSERT_EQ(oSplit.ApplyParam(oOut, nullptr, nullptr, &oBlue, &oRed), 0);
+  EXPECT_EQ(Samples<uint8_t>(oBlue), (std::vector<uint8_t>{99, 99}));
+  EXPECT_EQ(Samples<uint8_t>(oRed), (std::vector<uint8_t>{1, 2}));
+}
+
+TEST(Planes, JoinRefusesContentsWithoutANumberOfPlanesAndPlanesThatDiffer) {
+  ClImage oRed, oWide, oOut;
+  SetImage<uint8_t>(oRed, 2, 1, {1, 2});
+  SetImage<uint8_t>(oWide, 3, 1, {1, 2, 3});
+  ClIpJoinPlanes oJoin;
+  EXPECT_EQ(oJoin.ApplyParam(oOut, &oRed, nullptr, nullptr, nullptr), 0);
+  EXPECT_EQ(oOut.Width(), 0);
+  for (const ClImage::EContent eContent : {ClImage::eXYZ, ClImage::eCIELab}) {
+    oJoin.eOutContent = eContent;
+    EXPECT_EQ(oJoin.ApplyParam(oOut, &oRed, nullptr, nullptr, nullptr), -35);
+  }
+  oJoin.eOutContent = ClImage::eRGB;
+  EXPECT_EQ(RaisedNumber([&] { oJoin.ApplyParam(oOut, &oRed, &oWide, nullptr, nullptr); }), -44);
+  ClImage oFive;
+  oFive.NewWithType(ClImage::eUint8, 1, 1, 5, 0, 0, true);
+  ClIpSplitPlanes oSplit;
+  EXPECT_EQ(RaisedNumber([&] { oSplit.ApplyParam(oFive, nullptr, nullptr, nullptr, nullptr); }), -35);
+}

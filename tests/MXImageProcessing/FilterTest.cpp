@@ -1,0 +1,238 @@
+// Tests of the minimum, maximum and mean filters against plain ones.
+#include <algorithm>
+#include <string>
+
+#include "MXImageProcessing/IpFilterMax.h"
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/IpFilterMin.h"
+#include "TestImages.h"
+
+namespace {
+
+/// The samples of the window round (nX, nY) that exist.
+template <typename T>
+std::vector<T> Window(const ClImage& oImage, int nX, int nY, long nHalfX, long nHalfY) {
+  std::vector<T> aWindow;
+  for (long y = nY - nHalfY; y <= nY + nHalfY; ++y) {
+    for (long x = nX - nHalfX; x <= nX + nHalfX; ++x) {
+      if (x < 0 || y < 0 || x >= oImage.Width() || y >= oImage.Height()) continue;
+      aWindow.push_back(oImage.Row<T>(static_cast<int>(y))[x]);
+    }
+  }
+  return aWindow;
+}
+
+template <typename T>
+T Mean(const std::vector<T>& aWindow) {
+  using S = std::conditional_t<std::is_floating_point_v<T>, double, int64_t>;
+  S oSum{};
+  for (const T nSample : aWindow) oSum += static_cast<S>(nSample);
+  return static_cast<T>(oSum / static_cast<S>(aWindow.size()));
+}
+
+template <typename T>
+T Smallest(const std::vector<T>& aWindow) {
+  return *std::min_element(aWindow.begin(), aWindow.end());
+}
+
+template <typename T>
+T Largest(const std::vector<T>& aWindow) {
+  return *std::max_element(aWindow.begin(), aWindow.end());
+}
+
+template <typename T>
+void ExpectFiltered(const ClImage& oIn, const ClImage& oOut, long nHalfX, long nHalfY,
+                    T (*pfnPick)(const std::vector<T>&)) {
+  ASSERT_EQ(oOut.DataType(), oIn.DataType());
+  ASSERT_TRUE(oOut.HasSize(oIn.Width(), oIn.Height()));
+  for (int y = 0; y < oIn.Height(); ++y) {
+    for (int x = 0; x < oIn.Width(); ++x) {
+      ASSERT_EQ(oOut.Row<T>(y)[x], pfnPick(Window<T>(oIn, x, y, nHalfX, nHalfY)))
+          << "at " << x << ", " << y << " of " << oIn.Width() << " by " << oIn.Height() << ", half window "
+          << nHalfX << " by " << nHalfY;
+    }
+  }
+}
+
+const std::pair<int, int> g_aSizes[] = {{1, 1}, {2, 5}, {7, 3}, {16, 9}, {33, 40}, {70, 21}};
+const long g_aWidths[] = {3, 5, 9, 15, 41};
+const long g_aModes[] = {ClIpFilterBase::eModeX, ClIpFilterBase::eModeY, ClIpFilterBase::eModeXY};
+
+}  // namespace
+
+template <typename T>
+class Filters : public testing::Test {};
+TYPED_TEST_SUITE(Filters, AllElementTypes);
+
+TYPED_TEST(Filters, MinimumAndMaximumAreThoseOfTheClippedWindow) {
+  std::mt19937 oRandom(3);
+  ClIpFilterMin oMin;
+  ClIpFilterMax oMax;
+  for (const auto& [nWidth, nHeight] : g_aSizes) {
+    ClImage oIn, oOut;
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
+    for (const long nFilter : g_aWidths) {
+      for (const long nMode : g_aModes) {
+        const long nHalfX = nMode & ClIpFilterBase::eModeX ? nFilter / 2 : 0;
+        const long nHalfY = nMode & ClIpFilterBase::eModeY ? nFilter / 2 : 0;
+        ASSERT_EQ(oMin.ApplyParam(oIn, oOut, nFilter, nMode), 0);
+        ExpectFiltered<TypeParam>(oIn, oOut, nHalfX, nHalfY, Smallest<TypeParam>);
+        ASSERT_EQ(oMax.ApplyParam(oIn, oOut, nFilter, nMode), 0);
+        ExpectFiltered<TypeParam>(oIn, oOut, nHalfX, nHalfY, Largest<TypeParam>);
+      }
+    }
+  }
+}
+
+TYPED_TEST(Filters, TheMeanIsThatOfTheClippedWindowCutTowardZero) {
+  std::mt19937 oRandom(4);
+  ClIpFilterMid oMid;
+  for (const auto& [nWidth, nHeight] : g_aSizes) {
+    ClImage oIn, oOut;
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
+    for (const long nFilter : {5L, 9L, 15L}) {
+      ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeXY), 0);
+      const bool bFits = nWidth >= nFilter && nHeight >= nFilter;
+      const long nHalf = bFits ? nFilter / 2 : 0;
+      ExpectFiltered<TypeParam>(oIn, oOut, nHalf, nHalf, Mean<TypeParam>);
+    }
+  }
+}
+
+TYPED_TEST(Filters, AlongOneAxisTheMeansWindowShrinksToTheLargestOddOneThatFits) {
+  std::mt19937 oRandom(5);
+  ClIpFilterMid oMid;
+  for (const auto& [nWidth, nHeight] : g_aSizes) {
+    ClImage oIn, oOut;
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
+    for (const long nFilter : g_aWidths) {
+      const auto HalfOf = [nFilter](int nExtent) {
+        if (nFilter < nExtent) return nFilter / 2;
+        return (nExtent - 1 - (nExtent % 2 == 1 ? 1 : 0)) / 2L;
+      };
+      const long nResultX = oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeX);
+      EXPECT_EQ(nResultX, nWidth == 1 ? -101 : 0);
+      if (nResultX == 0) ExpectFiltered<TypeParam>(oIn, oOut, HalfOf(nWidth), 0, Mean<TypeParam>);
+      const long nResultY = oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeY);
+      EXPECT_EQ(nResultY, nHeight == 1 ? -101 : 0);
+      if (nResultY == 0) ExpectFiltered<TypeParam>(oIn, oOut, 0, HalfOf(nHeight), Mean<TypeParam>);
+      EXPECT_EQ(oMid.nFilterWidth, nFilter);
+    }
+  }
+}
+
+TEST(FilterMid, AWindowBeyondTheKernelsSumsIsStillExact) {
+  // 65535 times 301 * 301 pixels doesn't fit 32 bits; a constant image tells.
+  ClImage oIn, oOut;
+  SetImage(oIn, 310, 305, std::vector<uint16_t>(310 * 305, 65535));
+  ClIpFilterMid oMid;
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 301), 0);
+  EXPECT_EQ(Samples<uint16_t>(oOut), std::vector<uint16_t>(310 * 305, 65535));
+}
+
+TEST(FilterMid, WidthThreeOnBytesRoundsInsteadOfCutting) {
+  // Corner (1 + 2 + 5 + 6 + 2) >> 2 = 4 of a true 3.5; upper edge ((1 + 2 + 3 + 5 + 6 + 7 + 3) * 341) >> 11 = 4;
+  // left edge ((33 + 3) * 341) >> 11 = 5, as the factor lies below 2048 / 6; centre ((54 + 4) * 455) >> 12 = 6.
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 4, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
+  ClIpFilterMid oMid;
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{4, 4, 5, 6, 5, 6, 7, 7, 8, 8, 9, 10}));
+  // The largest sums stay inside a byte.
+  SetImage(oIn, 5, 4, std::vector<uint8_t>(20, 255));
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(20, 255));
+}
+
+TEST(FilterMid, NegativeMeansAreCutTowardZero) {
+  ClImage oIn, oOut;
+  SetImage<int8_t>(oIn, 3, 3, {-1, -1, -1, -1, -1, -1, -1, -1, 0});
+  ClIpFilterMid oMid;
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
+  EXPECT_EQ(oOut.Row<int8_t>(1)[1], 0);   // -8 / 9
+  EXPECT_EQ(oOut.Row<int8_t>(0)[0], -1);  // -4 / 4
+}
+
+TEST(FilterMid, AnEvenWidthCountsAsTheNextOddOne) {
+  std::mt19937 oRandom(6);
+  ClImage oIn, oOut4, oOut5;
+  SetRandom<uint8_t>(oIn, 20, 20, oRandom);
+  ClIpFilterMid oMid;
+  oMid.ApplyParam(oIn, oOut4, 4);
+  EXPECT_EQ(oMid.nFilterWidth, 5);
+  oMid.ApplyParam(oIn, oOut5, 5);
+  EXPECT_EQ(Samples<uint8_t>(oOut4), Samples<uint8_t>(oOut5));
+}
+
+TEST(FilterBase, SeveralPlanesAreFilteredOneByOneAndTheInputStays) {
+  std::mt19937 oRandom(7);
+  ClImage oIn, oOut;
+  SetRandom<uint8_t>(oIn, 17, 12, oRandom, 3);
+  const auto aBefore = Samples<uint8_t>(oIn);
+  ClIpFilterMax oMax;
+  ASSERT_EQ(oMax.ApplyParam(oIn, oOut, 5, ClIpFilterBase::eModeXY), 0);
+  EXPECT_EQ(Samples<uint8_t>(oIn), aBefore);
+  ASSERT_EQ(oOut.Planes(), 3);
+  for (int nPlane = 0; nPlane < 3; ++nPlane) {
+    ClImage oInPlane, oOutPlane;
+    oIn.GetPlane(nPlane, oInPlane);
+    oOut.GetPlane(nPlane, oOutPlane);
+    ExpectFiltered<uint8_t>(oInPlane, oOutPlane, 2, 2, Largest<uint8_t>);
+  }
+}
+
+TEST(FilterBase, RowsWithoutPaddingAreReadByTheirOwnStride) {
+  unsigned char aData[3 * 5];
+  for (int n = 0; n < 15; ++n) aData[n] = static_cast<unsigned char>(n * 16);
+  ClImage oIn, oOut;
+  oIn.AttachIntern(aData, ClImage::eUint8, 3, 5, 1, 0, 0, false);
+  ClIpFilterMin oMin;
+  ASSERT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeXY), 0);
+  ExpectFiltered<uint8_t>(oIn, oOut, 1, 1, Smallest<uint8_t>);
+}
+
+TEST(FilterBase, ErrorsHaveTheirNumbers) {
+  ClImage oIn, oOut, oOdd;
+  SetImage<uint8_t>(oIn, 4, 4, std::vector<uint8_t>(16, 7));
+  ClIpFilterMin oMin;
+  ClIpFilterMid oMid;
+  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 4, 3); }), -44);
+  EXPECT_EQ(oMin.ApplyParam(oIn, oIn, 3, 3), -10);
+  EXPECT_EQ(oMid.ApplyParam(oIn, oIn, 3), -10);
+  EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
+  EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirectedOrtho), -33);
+  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 3, 7); }), -35);
+  EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oIn, oOut, 3, 7); }), -35);
+  oOdd.NewWithType(3, 4, 4, 1, 0, 0, true);
+  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oOdd, oOut, 3, 3); }), -35);
+  EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oOdd, oOut, 3, 3); }), -35);
+  ClIpFilterMax oEmpty;
+  EXPECT_EQ(RaisedNumber([&] { oEmpty.Apply(); }), -10);
+  oEmpty.m_pInImage = &oIn;
+  EXPECT_EQ(RaisedNumber([&] { oEmpty.Apply(); }), -701);
+  EXPECT_FALSE(oEmpty.CanApply());
+}
+
+TEST(FilterBase, AWidthBelowTwoCopies) {
+  std::mt19937 oRandom(8);
+  ClImage oIn, oOut;
+  SetRandom<int16_t>(oIn, 5, 5, oRandom);
+  ClIpFilterMin oMin;
+  for (const long nWidth : {1L, 0L, -3L}) {
+    ASSERT_EQ(oMin.ApplyParam(oIn, oOut, nWidth, ClIpFilterBase::eModeXY), 0);
+    EXPECT_EQ(Samples<int16_t>(oOut), Samples<int16_t>(oIn));
+  }
+}
+
+TEST(FilterBase, TheSummaryNamesWidthAxesAndSign) {
+  ClImage oIn, oOut;
+  SetImage<int8_t>(oIn, 2, 2, {1, 2, 3, 4});
+  ClIpFilterMin oMin;
+  char szText[40];
+  oMin.ParameterString(szText, sizeof(szText));
+  EXPECT_STREQ(szText, "W[3] M[XY] S[Unknown]");
+  oMin.ApplyParam(oIn, oOut, 5, ClIpFilterBase::eModeY);
+  oMin.ParameterString(szText, sizeof(szText));
+  EXPECT_STREQ(szText, "W[5] M[Y] S[Signed]");
+  EXPECT_EQ(RaisedNumber([&] { oMin.ParameterString(szText, 5); }), -101);
+}

@@ -1,0 +1,107 @@
+// Small images for processor tests: made, filled, compared.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
+#include <random>
+#include <type_traits>
+#include <vector>
+
+#include "MXTools/Exception.h"
+#include "MXTools/FpImage.h"
+#include "MXTools/ImageTypeDispatch.h"
+
+template <typename T>
+constexpr ClImage::EDataType TypeOf() {
+  if (std::is_same_v<T, uint8_t>) return ClImage::eUint8;
+  if (std::is_same_v<T, int8_t>) return ClImage::eInt8;
+  if (std::is_same_v<T, uint16_t>) return ClImage::eUint16;
+  if (std::is_same_v<T, int16_t>) return ClImage::eInt16;
+  if (std::is_same_v<T, uint32_t>) return ClImage::eUint32;
+  if (std::is_same_v<T, int32_t>) return ClImage::eInt32;
+  return std::is_same_v<T, float> ? ClImage::eFloat32 : ClImage::eDouble64;
+}
+
+using AllElementTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, double>;
+
+/// An image with the given samples, rows one behind the other.
+template <typename T>
+void SetImage(ClImage& oImage, int nWidth, int nHeight, const std::vector<T>& aSamples, int nPlanes = 1) {
+  oImage.NewWithType(TypeOf<T>(), nWidth, nHeight, nPlanes, 19685, 9842, true);
+  ASSERT_EQ(aSamples.size(), static_cast<size_t>(nWidth * nHeight * nPlanes));
+  for (int y = 0; y < nHeight; ++y) {
+    const auto pBegin = aSamples.begin() + y * oImage.SamplesPerRow();
+    std::copy(pBegin, pBegin + oImage.SamplesPerRow(), oImage.Row<T>(y));
+  }
+}
+
+template <typename T>
+std::vector<T> Samples(const ClImage& oImage) {
+  std::vector<T> aSamples;
+  for (int y = 0; y < oImage.Height(); ++y) {
+    aSamples.insert(aSamples.end(), oImage.Row<T>(y), oImage.Row<T>(y) + oImage.SamplesPerRow());
+  }
+  return aSamples;
+}
+
+/// Samples over the whole range of an integer type with many extremes; quarters between -64 and 64 for floating
+/// types, whose sums are exact.
+template <typename T>
+T RandomSample(std::mt19937& oRandom) {
+  if constexpr (std::is_floating_point_v<T>) {
+    return static_cast<T>(static_cast<int>(oRandom() % 512) - 256) / 4;
+  } else {
+    switch (oRandom() % 8) {
+      case 0:
+        return std::numeric_limits<T>::lowest();
+      case 1:
+        return std::numeric_limits<T>::max();
+      default:
+        return static_cast<T>(oRandom());
+    }
+  }
+}
+
+template <typename T>
+void SetRandom(ClImage& oImage, int nWidth, int nHeight, std::mt19937& oRandom, int nPlanes = 1) {
+  std::vector<T> aSamples(static_cast<size_t>(nWidth * nHeight * nPlanes));
+  for (T& nSample : aSamples) nSample = RandomSample<T>(oRandom);
+  SetImage(oImage, nWidth, nHeight, aSamples, nPlanes);
+}
+
+/// A random image of any type, chosen at run time.
+inline void SetRandomOfType(ClImage& oImage, unsigned char nType, int nWidth, int nHeight,
+                            std::mt19937& oRandom, int nPlanes = 1) {
+  DispatchElementType(nType, 0, [&](auto oElement) {
+    SetRandom<typename decltype(oElement)::Type>(oImage, nWidth, nHeight, oRandom, nPlanes);
+    return 0L;
+  });
+}
+
+/// Sample nX of row nY of an image of any type; exact for every type.
+inline long double SampleAt(const ClImage& oImage, int nX, int nY) {
+  long double dValue = 0;
+  DispatchElementType(oImage.DataType(), 0, [&](auto oElement) {
+    dValue = oImage.Row<typename decltype(oElement)::Type>(nY)[nX];
+    return 0L;
+  });
+  return dValue;
+}
+
+constexpr unsigned char g_aTypes[] = {ClImage::eUint8,   ClImage::eInt8,    ClImage::eUint16,
+                                      ClImage::eInt16,   ClImage::eUint32,  ClImage::eInt32,
+                                      ClImage::eFloat32, ClImage::eDouble64};
+
+/// The number of the ClException that fnCall raises; 0 when it raises none.
+template <typename TCall>
+long RaisedNumber(TCall&& fnCall) {
+  try {
+    fnCall();
+  } catch (const ClException& oFailure) {
+    return oFailure.Number();
+  }
+  return 0;
+}

@@ -1,0 +1,204 @@
+// Tests of the histogram, the global threshold and the labeller.
+#include <cmath>
+#include <utility>
+
+#include "MXImageProcessing/Histogram.h"
+#include "MXImageProcessing/IpBinarizeGlobal.h"
+#include "MXImageProcessing/IpLabeling.h"
+#include "MXTools/ParameterContainer.h"
+#include "TestImages.h"
+
+namespace {
+
+/// Labels by a plain recursion-free fill: the slow twin of the labeller.
+std::vector<int32_t> PlainLabels(const ClImage& oIn, int& nLabels) {
+  const int nWidth = oIn.Width(), nHeight = oIn.Height();
+  std::vector<int32_t> aLabels(static_cast<size_t>(nWidth * nHeight), 0);
+  const auto At = [&](int x, int y) -> int32_t& { return aLabels[static_cast<size_t>(y * nWidth + x)]; };
+  nLabels = 0;
+  for (int y = 0; y < nHeight; ++y) {
+    for (int x = 0; x < nWidth; ++x) {
+      if (oIn.Row<uint8_t>(y)[x] != 0 || At(x, y) != 0) continue;
+      ++nLabels;
+      std::vector<std::pair<int, int>> aOpen = {{x, y}};
+      while (!aOpen.empty()) {
+        const auto [nX, nY] = aOpen.back();
+        aOpen.pop_back();
+        if (nX < 0 || nY < 0 || nX >= nWidth || nY >= nHeight) continue;
+        if (oIn.Row<uint8_t>(nY)[nX] != 0 || At(nX, nY) != 0) continue;
+        At(nX, nY) = nLabels;
+        aOpen.insert(aOpen.end(), {{nX - 1, nY}, {nX + 1, nY}, {nX, nY - 1}, {nX, nY + 1}});
+      }
+    }
+  }
+  return aLabels;
+}
+
+}  // namespace
+
+TEST(Histogram, CountsARectangleWithExclusiveEndsClampedToTheImage) {
+  ClImage oImage;
+  SetImage<uint8_t>(oImage, 3, 2, {1, 2, 2, 9, 2, 1});
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.Count(2), 3);
+  EXPECT_EQ(oHistogram.FirstValue(), 1);
+  EXPECT_EQ(oHistogram.LastValue(), 9);
+  EXPECT_EQ(oHistogram.MaxCount(), 3);
+  EXPECT_EQ(oHistogram.MinCount(), 0);
+  EXPECT_EQ(oHistogram.GetColorCount(), 3);
+  oHistogram.Create(oImage, 1, -5, 2, 99);
+  EXPECT_EQ(oHistogram.Count(2), 2);
+  EXPECT_EQ(oHistogram.GetColorCount(), 1);
+  oHistogram.Create(oImage, 3, 0, 9, 2);
+  EXPECT_EQ(oHistogram.GetColorCount(), 0);
+}
+
+TEST(Histogram, SignedImagesAreShiftedBy128) {
+  ClImage oImage;
+  SetImage<int8_t>(oImage, 4, 1, {-128, -3, 0, 127});
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.Offset(), 128);
+  EXPECT_EQ(oHistogram.Count(125), 1);
+  EXPECT_EQ(oHistogram.FirstValue(), -128);
+  EXPECT_EQ(oHistogram.LastValue(), 127);
+  EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(0, 255), -1.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(1), 255.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetDarkestAvrg(2), (0 + 125) / 2.0);
+}
+
+TEST(Histogram, MeansAndDeviationsAreThoseOfTheSamples) {
+  ClImage oImage;
+  SetImage<uint8_t>(oImage, 8, 1, {2, 4, 4, 4, 5, 5, 7, 9});
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(0, 255), 5.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(5, 7), 17.0 / 3);
+  EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(10, 21), 15.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(21, 10), 15.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetStdDeviation(0, 255), std::sqrt(32.0 / 7));
+  EXPECT_DOUBLE_EQ(oHistogram.GetStdDeviation(9, 9), 0.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetAverageDeviation(), 12.0 / 8);
+  EXPECT_DOUBLE_EQ(oHistogram.GetUniformity(), (1 + 9 + 4 + 1 + 1) / 64.0);
+  // The brightest five: 9, 7, 5, 5 and one of the three 4.
+  EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(5), 30.0 / 5);
+  EXPECT_DOUBLE_EQ(oHistogram.GetDarkestAvrg(3), 10.0 / 3);
+  EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(8), 5.0);
+  // Without the lowest and the highest quarter: 4, 4, 5, 5.
+  EXPECT_DOUBLE_EQ(oHistogram.GetAverage(0.25, 0.75), 4.5);
+  EXPECT_DOUBLE_EQ(oHistogram.GetAverage(0.0, 1.0), 5.0);
+}
+
+TEST(Histogram, AnEmptyOneDividesByNothing) {
+  const ClHistogram oHistogram;
+  EXPECT_EQ(oHistogram.FirstValue(), 255);
+  EXPECT_EQ(oHistogram.LastValue(), 0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetAverageDeviation(), 0.0);
+  EXPECT_DOUBLE_EQ(oHistogram.GetUniformity(), 0.0);
+  EXPECT_TRUE(std::isfinite(oHistogram.GetAverage(0.1, 0.9)));
+  EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(0), 0.0);
+}
+
+TEST(Histogram, ErrorsHaveTheirNumbers) {
+  ClImage oColor, oGrey, oWide;
+  SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
+  SetImage<uint8_t>(oGrey, 2, 1, {1, 2});
+  SetImage<uint16_t>(oWide, 1, 1, {1});
+  ClHistogram oHistogram;
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.Create(oColor); }), -101);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.Create(oGrey, 1, 0, 1, 1); }), -101);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.Create(oWide); }), -33);
+  oHistogram.Create(oGrey);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.GetBrightestAvrg(3); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.GetDarkestAvrg(3); }), -44);
+}
+
+template <typename T>
+class BinarizeGlobal : public testing::Test {};
+TYPED_TEST_SUITE(BinarizeGlobal, AllElementTypes);
+
+TYPED_TEST(BinarizeGlobal, SamplesAtTheThresholdAreWhiteInEveryType) {
+  ClImage oIn, oOut;
+  SetImage<TypeParam>(oIn, 5, 1, {0, 99, 100, 101, 120});
+  oIn.SetBlackWhite(0, 120);
+  ClIpBinarizeGlobal oBinarize;
+  for (const double dThreshold : {100.0, 99.5}) {
+    ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, dThreshold), 0);
+    EXPECT_EQ(Samples<TypeParam>(oOut), (std::vector<TypeParam>{0, 0, 120, 120, 120}));
+  }
+  ASSERT_EQ(oBinarize.ApplyParam(oIn, oIn, 101.0), 0);
+  EXPECT_EQ(Samples<TypeParam>(oIn), (std::vector<TypeParam>{0, 0, 0, 120, 120}));
+}
+
+TEST(BinarizeGlobalDefaults, TheMiddleOfBlackAndWhiteIsTheThreshold) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 4, 1, {0, 127, 128, 255});
+  ClIpBinarizeGlobal oBinarize;
+  ASSERT_EQ(oBinarize.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{0, 0, 255, 255}));
+}
+
+TEST(BinarizeGlobalDefaults, ValuesOutsideTheirRangeAreRefused) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 2, 1, {0, 255});
+  ClIpBinarizeGlobal oBinarize;
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 255.5), -35);
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, -0.5), -35);
+  ClParameterContainer oContainer;
+  oBinarize.QueryParameters(oContainer);
+  oContainer.Find("White")->SetValue("256");
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 10), -35);
+  oContainer.Find("White")->SetValue("200");
+  oContainer.Find("Black")->SetValue("3");
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 10), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{3, 200}));
+  char szText[32];
+  oBinarize.ParameterString(szText, sizeof(szText));
+  EXPECT_STREQ(szText, "Thr10 [3;200]");
+}
+
+TEST(Labeling, EqualsAPlainFillOnNoiseOfEveryDensity) {
+  std::mt19937 oRandom(21);
+  ClIpLabeling oLabeling;
+  for (int n = 0; n < 60; ++n) {
+    const int nWidth = 1 + static_cast<int>(oRandom() % 40), nHeight = 1 + static_cast<int>(oRandom() % 30);
+    const auto nDensity = oRandom() % 101;
+    std::vector<uint8_t> aSamples(static_cast<size_t>(nWidth * nHeight));
+    for (uint8_t& nSample : aSamples)
+      nSample = oRandom() % 100 < nDensity ? 0 : static_cast<uint8_t>(1 + oRandom() % 255);
+    ClImage oIn, oOut;
+    SetImage(oIn, nWidth, nHeight, aSamples);
+    int nExpected = 0;
+    const std::vector<int32_t> aExpected = PlainLabels(oIn, nExpected);
+    ASSERT_EQ(oLabeling.ApplyParam(oIn, oOut), 0);
+    EXPECT_EQ(oLabeling.m_nLabels, nExpected);
+    ASSERT_EQ(Samples<int32_t>(oOut), aExpected) << nWidth << " by " << nHeight << ", density " << nDensity;
+  }
+}
+
+TEST(Labeling, DiagonalNeighboursAreTwoObjectsAndArmsThatMeetBelowAreOne) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 5, 3,
+                    {0, 9, 0, 9, 9,  //
+                     0, 9, 0, 9, 0,  //
+                     0, 0, 0, 9, 9});
+  ClIpLabeling oLabeling;
+  oLabeling.m_pInImage = &oIn;
+  oLabeling.m_pOutImage = &oOut;
+  ASSERT_EQ(oLabeling.Apply(), 0);
+  EXPECT_EQ(oLabeling.m_nLabels, 2);
+  EXPECT_EQ(Samples<int32_t>(oOut), (std::vector<int32_t>{1, 0, 1, 0, 0, 1, 0, 1, 0, 2, 1, 1, 1, 0, 0}));
+  EXPECT_EQ(oOut.DataType(), ClImage::eInt32);
+  EXPECT_EQ(oOut.White(), 255);
+}
+
+TEST(Labeling, ErrorsHaveTheirNumbers) {
+  ClImage oIn;
+  SetImage<uint8_t>(oIn, 1, 1, {0});
+  ClIpLabeling oLabeling;
+  EXPECT_EQ(RaisedNumber([&] { oLabeling.Apply(); }), -37);
+  oLabeling.m_pInImage = &oIn;
+  EXPECT_EQ(RaisedNumber([&] { oLabeling.Apply(); }), -37);
+  EXPECT_EQ(RaisedNumber([&] { oLabeling.ApplyParam(oIn, oIn); }), -44);
+}
