@@ -11,15 +11,16 @@ std::atomic<long> g_nAllocations{0};
 
 }  // namespace
 
-void* operator new(size_t nBytes) {
+// Not inlined: a compiler that saw through these would take malloc and delete for a mismatch.
+__attribute__((noinline)) void* operator new(size_t nBytes) {
   ++g_nAllocations;
   if (void* p = std::malloc(nBytes ? nBytes : 1)) return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept {
+__attribute__((noinline)) void operator delete(void* p) noexcept {
   std::free(p);
 }
-void operator delete(void* p, size_t) noexcept {
+__attribute__((noinline)) void operator delete(void* p, size_t) noexcept {
   std::free(p);
 }
 
