@@ -1,0 +1,226 @@
+// Tests of the finger mask, of its texture classes and of its regions.
+#include "../MXImageProcessing/TestImages.h"
+#include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
+#include "MXLiveScannerTools/IpVT40R4Mask.h"
+#include "MXLiveScannerTools/MaskRegions.h"
+#include "MXTools/ParameterContainer.h"
+#include "PlainMask.h"
+
+namespace {
+
+/// A dim, noisy platen with a disc of ridges on it, some of them fainter than others.
+Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed) {
+  std::mt19937 oRandom(nSeed);
+  return MakeGrid(nWidth, nHeight, [&](int x, int y) {
+    const int nNoise = static_cast<int>(oRandom() % 5);
+    const double dX = x - nWidth * 0.45, dY = y - nHeight * 0.6;
+    if (std::hypot(dX / nWidth, dY / nHeight) > 0.36) return 9 + nNoise;
+    const double dRidge = 0.5 + 0.5 * std::cos(std::hypot(dX + 30, dY - 20) * 2 * M_PI / dPeriod);
+    const double dContact = 0.25 + 0.75 * x / nWidth;
+    return static_cast<int>(15 + 170 * dRidge * dContact) + nNoise;
+  });
+}
+
+void SetGrid(ClImage& oImage, const Grid& oGrid, int nPels) {
+  SetImage(oImage, oGrid.m_nWidth, oGrid.m_nHeight,
+           std::vector<uint8_t>(oGrid.m_aNumbers.begin(), oGrid.m_aNumbers.end()));
+  oImage.SetPels(nPels, nPels);
+}
+
+void ExpectGrid(const ClImage& oImage, const Grid& oGrid) {
+  const auto aActual = Samples<uint8_t>(oImage);
+  ASSERT_EQ(aActual.size(), oGrid.m_aNumbers.size());
+  for (size_t n = 0; n < aActual.size(); ++n) {
+    ASSERT_EQ(aActual[n], oGrid.m_aNumbers[n]) << "at " << n % static_cast<size_t>(oGrid.m_nWidth) << ", "
+                                               << n / static_cast<size_t>(oGrid.m_nWidth);
+  }
+}
+
+/// A white mask with one black rectangle in it, or the other way round, kMore pixels longer in its last row.
+void SetRegion(ClImage& oMask, uint8_t nRegion, int nRows, int nColumns, int nMore) {
+  SetImage(oMask, 120, 100, std::vector<uint8_t>(120 * 100, static_cast<uint8_t>(255 - nRegion)));
+  for (int y = 20; y < 20 + nRows; ++y) {
+    const int nEnd = 10 + nColumns + (y == 19 + nRows ? nMore : 0);
+    std::fill(oMask.Row<uint8_t>(y) + 10, oMask.Row<uint8_t>(y) + nEnd, nRegion);
+  }
+}
+
+}  // namespace
+
+TEST(Mask, OnTheInputsOwnResolutionItEqualsThePlainTwin) {
+  ClIpVT40R4Mask oMask;
+  for (const auto& [nWidth, nHeight] : {std::pair{150, 210}, {131, 177}}) {
+    ClImage oIn, oOut;
+    const Grid oFrame = FingerFrame(nWidth, nHeight, 5.0, 51);
+    const Grid oExpected = PlainMask(oFrame, false);
+    // The comparison is worth something only when there are both fingers and background.
+    ASSERT_LT(*std::min_element(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end()), 30);
+    ASSERT_GT(std::count(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end(), 255),
+              nWidth * nHeight / 4);
+    SetGrid(oIn, oFrame, 9842);
+    ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+    ExpectGrid(oOut, oExpected);
+    EXPECT_EQ(oOut.PelsX(), 9842);
+    ASSERT_EQ(oMask.ApplyParam(oIn, oIn), 0);
+    ExpectGrid(oIn, oExpected);
+  }
+}
+
+TEST(Mask, OnHalfTheResolutionItEqualsThePlainTwin) {
+  ClImage oIn, oOut;
+  ClIpVT40R4Mask oMask;
+  const Grid oFrame = FingerFrame(280, 420, 9.0, 52);
+  const Grid oExpected = PlainMask(oFrame, true);
+  ASSERT_LT(*std::min_element(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end()), 30);
+  SetGrid(oIn, oFrame, 19685);
+  ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+  ExpectGrid(oOut, oExpected);
+  EXPECT_EQ(oOut.PelsY(), 19685);
+  ASSERT_EQ(oMask.ApplyParam(oIn, oIn), 0);
+  ExpectGrid(oIn, oExpected);
+}
+
+TEST(Mask, WidthOrResolutionChooseThePath) {
+  const Grid oFrame = FingerFrame(160, 220, 6.0, 53);
+  const Grid oOwn = PlainMask(oFrame, false), oHalf = PlainMask(oFrame, true);
+  ASSERT_NE(oOwn.m_aNumbers, oHalf.m_aNumbers);
+  ClImage oIn, oOut;
+  ClIpVT40R4Mask oMask;
+  SetGrid(oIn, oFrame, 19600);
+  oMask.ApplyParam(oIn, oOut);
+  ExpectGrid(oOut, oOwn);
+  SetGrid(oIn, oFrame, 19601);
+  oMask.ApplyParam(oIn, oOut);
+  ExpectGrid(oOut, oHalf);
+  ClParameterContainer oContainer;
+  oMask.QueryParameters(oContainer);
+  EXPECT_EQ(oContainer.Find("nInWidth500dpi")->GetValue(), "1600");
+  oContainer.Find("nInWidth500dpi")->SetValue("160");
+  SetGrid(oIn, oFrame, 0);
+  oMask.ApplyParam(oIn, oOut);
+  ExpectGrid(oOut, oHalf);
+}
+
+TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
+  ClIpVT40R4Mask oMask;
+  for (const auto& [nWidth, nHeight] : {std::pair{1, 1}, {3, 3}, {20, 8}, {128, 160}}) {
+    std::mt19937 oRandom(54);
+    ClImage oIn, oOut;
+    SetGrid(oIn, MakeGrid(nWidth, nHeight, [&](int, int) { return static_cast<int>(oRandom() % 13); }), 9842);
+    ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+    EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 255));
+  }
+}
+
+TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
+  ClIpVT40R4Mask oMask;
+  ClParameterContainer oContainer;
+  oMask.QueryParameters(oContainer);
+  for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
+    oContainer.Find(szFade)->SetValue("5000");
+  }
+  ClImage oIn, oOut;
+  SetGrid(oIn, FingerFrame(60, 70, 5.0, 55), 9842);
+  EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+  for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
+    oContainer.Find(szFade)->SetValue("-7");
+  }
+  EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+}
+
+TEST(Mask, ErrorsHaveTheirNumbers) {
+  ClImage oIn, oOut, oWide, oColor, oOdd;
+  SetImage<uint8_t>(oIn, 2, 2, {1, 2, 3, 4});
+  SetImage<uint16_t>(oWide, 2, 2, {1, 2, 3, 4});
+  SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
+  SetImage<uint8_t>(oOdd, 3, 2, {1, 2, 3, 4, 5, 6});
+  ClIpVT40R4Mask oMask;
+  EXPECT_EQ(RaisedNumber([&] { oMask.Apply(); }), -701);
+  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oWide, oOut); }), -33);
+  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oColor, oOut); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oOdd, oOut); }),
+            -44);  // 19685 pels per metre: half resolution
+  oOdd.SetPels(9842, 9842);
+  EXPECT_EQ(oMask.ApplyParam(oOdd, oOut, 250, 1.0), 0);
+}
+
+TEST(MaskRegions, AHoleOf3999PixelsIsFilledAndOneOf4000Stays) {
+  ClMaskRegions oRegions;
+  ClImage oMask;
+  SetRegion(oMask, 0, 50, 79, 49);
+  oRegions.FillHoles(oMask);
+  EXPECT_EQ(Samples<uint8_t>(oMask), std::vector<uint8_t>(120 * 100, 255)) << 50 * 79 + 49;
+  SetRegion(oMask, 0, 50, 80, 0);
+  const auto aBefore = Samples<uint8_t>(oMask);
+  oRegions.FillHoles(oMask);
+  EXPECT_EQ(Samples<uint8_t>(oMask), aBefore);
+}
+
+TEST(MaskRegions, AnIslandOf2999PixelsGoesAndOneOf3000Stays) {
+  ClMaskRegions oRegions;
+  ClImage oMask;
+  SetRegion(oMask, 255, 50, 59, 49);
+  oRegions.RemoveIslands(oMask);
+  EXPECT_EQ(Samples<uint8_t>(oMask), std::vector<uint8_t>(120 * 100, 0)) << 50 * 59 + 49;
+  SetRegion(oMask, 255, 50, 60, 0);
+  const auto aBefore = Samples<uint8_t>(oMask);
+  oRegions.RemoveIslands(oMask);
+  EXPECT_EQ(Samples<uint8_t>(oMask), aBefore);
+}
+
+TEST(MaskRegions, OnlyTheUpperCornersAreOpenBackground) {
+  ClMaskRegions oRegions;
+  ClImage oMask;
+  SetImage(oMask, 5, 4, std::vector<uint8_t>(20, 255));
+  for (const int nX : {0, 4}) {
+    oMask.Row<uint8_t>(0)[nX] = 0;
+    oMask.Row<uint8_t>(3)[nX] = 0;
+  }
+  oRegions.FillHoles(oMask);
+  std::vector<uint8_t> aExpected(20, 255);
+  aExpected[0] = aExpected[4] = 0;
+  EXPECT_EQ(Samples<uint8_t>(oMask), aExpected);
+}
+
+TEST(Texture, ClassesOfInnerPixelsOnlyAndOneImageForEach) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 4, 4,
+                    {0, 9, 0, 0,  //
+                     0, 5, 9, 0,  //
+                     0, 9, 5, 0,  //
+                     0, 0, 0, 0});
+  ClIpComputeLBPImage_4Neighborhood oTexture;
+  oTexture.m_poInImage = &oIn;
+  oTexture.m_poOutImage = &oOut;
+  // A second run must not show the first one's classes.
+  for (const bool bFlat : {false, true}) {
+    if (bFlat) oIn = 0;
+    ASSERT_EQ(oTexture.Apply(), 0);
+    // (1, 1) has three brighter neighbours, (2, 2) two adjacent ones; equal ones don't count.
+    std::vector<uint8_t> aExpected(16, 0);
+    if (!bFlat) aExpected[5] = 3, aExpected[10] = 2;
+    EXPECT_EQ(Samples<uint8_t>(oOut), aExpected);
+    for (unsigned int nClass = 0; nClass < 6; ++nClass) {
+      std::vector<uint8_t> aMembers(16, 0);
+      for (const size_t n : {5, 6, 9, 10}) aMembers[n] = aExpected[n] == nClass ? 255 : 0;
+      EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[nClass]), aMembers) << nClass;
+    }
+  }
+  EXPECT_EQ(oOut.PelsX(), 19685);
+}
+
+TEST(Texture, SmallImagesHaveNoInnerPixelsAndErrorsTheirNumbers) {
+  ClImage oIn, oOut;
+  ClIpComputeLBPImage_4Neighborhood oTexture;
+  EXPECT_EQ(RaisedNumber([&] { oTexture.Apply(); }), -701);
+  oTexture.m_poInImage = &oIn;
+  oTexture.m_poOutImage = &oOut;
+  for (const auto& [nWidth, nHeight] : {std::pair{5, 2}, {2, 5}, {1, 1}}) {
+    SetImage(oIn, nWidth, nHeight, std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 8));
+    ASSERT_EQ(oTexture.Apply(), 0);
+    EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[0]),
+              std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 0));
+  }
+  SetImage<int8_t>(oIn, 3, 3, std::vector<int8_t>(9, 0));
+  EXPECT_EQ(RaisedNumber([&] { oTexture.Apply(); }), -44);
+}

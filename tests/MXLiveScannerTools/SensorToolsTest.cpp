@@ -1,0 +1,164 @@
+// Tests of the brightness adjustment and the local white balance.
+#include "../MXImageProcessing/TestImages.h"
+#include "MXLiveScannerTools/IpAdjustBrightness.h"
+#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
+#include "MXTools/ParameterContainer.h"
+
+namespace {
+
+using SensorTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t>;
+
+template <typename T>
+T Limited(int64_t nValue) {
+  using Limits = std::numeric_limits<T>;
+  return static_cast<T>(std::min<int64_t>(std::max<int64_t>(nValue, Limits::lowest()), Limits::max()));
+}
+
+}  // namespace
+
+template <typename T>
+class SensorTools : public testing::Test {};
+TYPED_TEST_SUITE(SensorTools, SensorTypes);
+
+TYPED_TEST(SensorTools, BrightnessDividesByTheReferenceAboveTheMinimum) {
+  std::mt19937 oRandom(61);
+  ClIpAdjustBrightness oAdjust;
+  for (const double dValue : {1.0, 100.9, 5000.0}) {
+    ClImage oIn, oReference, oOut;
+    SetRandom<TypeParam>(oIn, 67, 5, oRandom);
+    SetRandom<TypeParam>(oReference, 67, 5, oRandom);
+    ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, oOut, dValue), 0);
+    const int64_t nValue = ElementFromDouble<TypeParam>(dValue);
+    std::vector<TypeParam> aExpected;
+    for (int n = 0; n < 67 * 5; ++n) {
+      const int64_t nIn = oIn.Row<TypeParam>(n / 67)[n % 67], nBy = oReference.Row<TypeParam>(n / 67)[n % 67];
+      aExpected.push_back(Limited<TypeParam>(nIn * nValue / std::max<int64_t>(nBy, 1)));
+    }
+    EXPECT_EQ(Samples<TypeParam>(oOut), aExpected);
+    // In place, and over the reference, while another image holds the same block.
+    for (ClImage* pOver : {&oIn, &oReference}) {
+      ClImage oKeep, oSharer;
+      oKeep = *pOver;
+      oSharer.Attach(*pOver);
+      ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, *pOver, dValue), 0);
+      EXPECT_EQ(Samples<TypeParam>(*pOver), aExpected);
+      EXPECT_EQ(Samples<TypeParam>(oSharer), Samples<TypeParam>(oKeep));
+      pOver->Swap(oKeep);
+    }
+  }
+}
+
+TYPED_TEST(SensorTools, WhiteBalanceDrawsThePhasesTogether) {
+  std::mt19937 oRandom(62);
+  constexpr int cnWidth = 70, cnHeight = 12;
+  ClImage oIn, oOut;
+  SetRandom<TypeParam>(oIn, cnWidth, cnHeight, oRandom);
+  ClIpLocalWhiteBalance oBalance;
+  ClParameterContainer oContainer;
+  oBalance.QueryParameters(oContainer);
+  oContainer.Find("nInFilterWidth")->SetValue("5");
+  ASSERT_EQ(oBalance.ApplyParam(oIn, oOut), 0);
+  const int64_t nOffset = 1 - int64_t{std::numeric_limits<TypeParam>::lowest()};
+  const auto MeanOf = [&](int nCellX, int nCellY, int nPhase) {
+    int64_t nSum = 0, nCount = 0;
+    for (int v = std::max(nCellY - 2, 0); v <= std::min(nCellY + 2, cnHeight / 2 - 1); ++v) {
+      for (int u = std::max(nCellX - 2, 0); u <= std::min(nCellX + 2, cnWidth / 2 - 1); ++u, ++nCount) {
+        nSum += oIn.Row<TypeParam>(2 * v + nPhase / 2)[2 * u + nPhase % 2];
+      }
+    }
+    return nSum / nCount + nOffset;
+  };
+  std::vector<TypeParam> aExpected;
+  for (int y = 0; y < cnHeight; ++y) {
+    for (int x = 0; x < cnWidth; ++x) {
+      int64_t nAll = 0;
+      for (int k = 0; k < 4; ++k) nAll += MeanOf(x / 2, y / 2, k);
+      const int64_t nSample = oIn.Row<TypeParam>(y)[x] + nOffset;
+      const int64_t nMean = MeanOf(x / 2, y / 2, 2 * (y % 2) + x % 2);
+      aExpected.push_back(Limited<TypeParam>(nSample * (nAll / 4) / nMean - nOffset));
+    }
+  }
+  EXPECT_EQ(Samples<TypeParam>(oOut), aExpected);
+  ClImage oSharer;
+  oSharer.Attach(oIn);
+  const auto aBefore = Samples<TypeParam>(oIn);
+  ASSERT_EQ(oBalance.ApplyParam(oIn), 0);
+  EXPECT_EQ(Samples<TypeParam>(oIn), aExpected);
+  EXPECT_EQ(Samples<TypeParam>(oSharer), aBefore);
+}
+
+TYPED_TEST(SensorTools, AUniformGreyPassesTheWhiteBalanceUnchanged) {
+  ClImage oImage;
+  const std::vector<TypeParam> aGrey(40 * 30, 100);
+  SetImage(oImage, 40, 30, aGrey);
+  ClIpLocalWhiteBalance oBalance;
+  ASSERT_EQ(oBalance.ApplyParam(oImage), 0);
+  EXPECT_EQ(Samples<TypeParam>(oImage), aGrey);
+}
+
+TEST(AdjustBrightness, ARegionIsAllThatIsWritten) {
+  ClImage oIn, oReference;
+  SetImage<uint8_t>(oIn, 3, 2, {10, 20, 30, 40, 50, 60});
+  SetImage<uint8_t>(oReference, 3, 2, std::vector<uint8_t>(6, 10));
+  ClIpAdjustBrightness oAdjust;
+  ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, oIn, 20.0, 1, 1, 2, 1), 0);
+  EXPECT_EQ(Samples<uint8_t>(oIn), (std::vector<uint8_t>{10, 20, 30, 40, 100, 120}));
+  ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, oIn, 10.0, 0, 0, 0, 0), 0);
+  EXPECT_EQ(oAdjust.m_nInWidth, 3);
+  EXPECT_EQ(oAdjust.m_nInHeight, 2);
+}
+
+TEST(AdjustBrightness, ErrorsHaveTheirNumbers) {
+  ClImage oIn, oSmall, oWide, oColor, oEmpty, oFloat, oOut;
+  SetImage<uint8_t>(oIn, 2, 2, {1, 2, 3, 4});
+  SetImage<uint8_t>(oSmall, 1, 2, {1, 2});
+  SetImage<uint16_t>(oWide, 2, 2, {1, 2, 3, 4});
+  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
+  SetImage<float>(oFloat, 2, 2, {1, 2, 3, 4});
+  oEmpty.NewWithType(ClImage::eUint8, 0, 2, 1, 0, 0, true);
+  ClIpAdjustBrightness oAdjust;
+  const auto Number = [&](ClImage& oImage, ClImage& oBy) {
+    return RaisedNumber([&] { oAdjust.ApplyParam(oImage, oBy, oOut, 1.0); });
+  };
+  EXPECT_EQ(RaisedNumber([&] { oAdjust.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut); }), -701);
+  EXPECT_EQ(Number(oColor, oColor), -44);
+  EXPECT_EQ(Number(oIn, oSmall), -44);
+  EXPECT_EQ(Number(oEmpty, oEmpty), -14);
+  EXPECT_EQ(Number(oIn, oWide), -103);
+  EXPECT_EQ(Number(oFloat, oFloat), -33);
+  const auto Region = [&](int nX, int nY, int nWidth, int nHeight) {
+    return RaisedNumber([&] { oAdjust.ApplyParam(oIn, oIn, oOut, 1.0, nX, nY, nWidth, nHeight); });
+  };
+  const int nLargest = std::numeric_limits<int>::max();
+  EXPECT_EQ(Region(1, 0, 0, 1), -44);
+  EXPECT_EQ(Region(0, 1, 1, 0), -44);
+  EXPECT_EQ(Region(-1, 0, 1, 1), -44);
+  EXPECT_EQ(Region(0, -1, 1, 1), -44);
+  EXPECT_EQ(Region(0, 0, -1, 1), -44);
+  EXPECT_EQ(Region(0, 0, 1, -1), -44);
+  EXPECT_EQ(Region(1, 0, nLargest, 1), -44);
+  EXPECT_EQ(Region(1, 1, 1, 1), 0);
+  for (const double dMinimum : {0.0, 0.5, -3.0, std::nan("")}) {
+    oAdjust.m_nInAdjustmentMin = dMinimum;
+    EXPECT_EQ(Region(0, 0, 2, 2), -35);
+  }
+}
+
+TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
+  ClImage oOdd, oEmpty, oColor, oFloat, oOut;
+  SetImage<uint8_t>(oOdd, 3, 2, {1, 2, 3, 4, 5, 6});
+  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
+  SetImage<float>(oFloat, 2, 2, {1, 2, 3, 4});
+  oEmpty.NewWithType(ClImage::eUint8, 0, 0, 1, 0, 0, true);
+  ClIpLocalWhiteBalance oBalance;
+  EXPECT_EQ(RaisedNumber([&] { oBalance.Apply(); }), -701);
+  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oEmpty, oOut); }), -14);
+  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oColor, oOut); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oFloat, oOut); }), -33);
+  ClParameterContainer oContainer;
+  oBalance.QueryParameters(oContainer);
+  oContainer.Find("nInFilterWidth")->SetValue("0");
+  SetImage<uint8_t>(oOdd, 2, 2, {1, 2, 3, 4});
+  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+}

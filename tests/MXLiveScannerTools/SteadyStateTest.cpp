@@ -1,0 +1,121 @@
+// A second frame of the same size must not allocate; this program counts every allocation.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+#include "MXImageProcessing/IpFlip.h"
+#include "MXLiveScannerTools/IpAdjustBrightness.h"
+#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
+#include "MXLiveScannerTools/IpVT40R4Mask.h"
+
+namespace {
+
+std::atomic<long> g_nAllocations{0};
+
+void* Allocate(std::size_t nBytes) {
+  ++g_nAllocations;
+  if (void* p = std::malloc(nBytes)) return p;
+  throw std::bad_alloc();
+}
+
+/// Frames that differ from run to run: ridges whose place and number move with nRun.
+void FillFrame(ClImage& oImage, int nWidth, int nHeight, int nPels, int nRun) {
+  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, nPels, nPels, true);
+  for (int y = 0; y < nHeight; ++y) {
+    for (int x = 0; x < nWidth; ++x) {
+      const bool bFinger = x > nWidth / 5 + nRun && x < nWidth * 4 / 5 && y > nHeight / 4;
+      oImage.Row<unsigned char>(y)[x] =
+          static_cast<unsigned char>(bFinger ? 40 + 50 * ((x + y / 3 + nRun) % 4) : (x * y) % 11);
+    }
+  }
+}
+
+/// Allocations of a run after two that let everything grow.
+template <typename TRun>
+long AllocationsOfALaterRun(TRun&& fnRun) {
+  fnRun(1);
+  fnRun(0);
+  const long nBefore = g_nAllocations;
+  fnRun(2);
+  return g_nAllocations - nBefore;
+}
+
+}  // namespace
+
+// Not inlined: a compiler that sees through one half of a pair takes it for a mismatch.
+[[gnu::noinline]] void* operator new(std::size_t nBytes) {
+  return Allocate(nBytes);
+}
+[[gnu::noinline]] void* operator new[](std::size_t nBytes) {
+  return Allocate(nBytes);
+}
+[[gnu::noinline]] void* operator new(std::size_t nBytes, const std::nothrow_t&) noexcept {
+  ++g_nAllocations;
+  return std::malloc(nBytes);
+}
+[[gnu::noinline]] void* operator new[](std::size_t nBytes, const std::nothrow_t&) noexcept {
+  ++g_nAllocations;
+  return std::malloc(nBytes);
+}
+[[gnu::noinline]] void operator delete(void* p) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete[](void* p) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete[](void* p, std::size_t) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete(void* p, const std::nothrow_t&) noexcept {
+  std::free(p);
+}
+[[gnu::noinline]] void operator delete[](void* p, const std::nothrow_t&) noexcept {
+  std::free(p);
+}
+
+TEST(SteadyState, TheMaskAllocatesNothingOnEitherPathAlsoInPlace) {
+  ClImage oIn, oOut;
+  ClIpVT40R4Mask oOwn, oHalf, oInPlace;
+  EXPECT_EQ(AllocationsOfALaterRun([&](int nRun) {
+              FillFrame(oIn, 160, 180, 9842, nRun);
+              oOwn.ApplyParam(oIn, oOut);
+            }),
+            0);
+  EXPECT_EQ(AllocationsOfALaterRun([&](int nRun) {
+              FillFrame(oIn, 240, 260, 19685, nRun);
+              oHalf.ApplyParam(oIn, oOut);
+            }),
+            0);
+  EXPECT_EQ(AllocationsOfALaterRun([&](int nRun) {
+              FillFrame(oIn, 160, 180, 9842, nRun);
+              oInPlace.ApplyParam(oIn, oIn);
+            }),
+            0);
+}
+
+TEST(SteadyState, WhiteBalanceBrightnessAndMirrorAllocateNothing) {
+  ClImage oFrame, oOut, oReference;
+  FillFrame(oReference, 100, 80, 0, 7);
+  ClIpLocalWhiteBalance oBalance;
+  ClIpAdjustBrightness oAdjust;
+  ClIpFlip oFlip;
+  EXPECT_EQ(AllocationsOfALaterRun([&](int nRun) {
+              FillFrame(oFrame, 100, 80, 0, nRun);
+              oBalance.ApplyParam(oFrame, oFrame);
+              oFlip.ApplyParam(oFrame, oFrame, true, false);
+              oAdjust.ApplyParam(oFrame, oReference, oFrame, 128.0);
+              oAdjust.ApplyParam(oFrame, oReference, oOut, 128.0);
+            }),
+            0);
+}
+
+TEST(SteadyState, TheCounterCounts) {
+  const long nBefore = g_nAllocations;
+  ClImage oImage(10, 10, 1, 0, 0);
+  EXPECT_GT(g_nAllocations, nBefore);
+}
