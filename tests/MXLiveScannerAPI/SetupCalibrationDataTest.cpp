@@ -1,0 +1,301 @@
+// Set-up of a scanner: serial numbers, blocks that are wrong, tables by revision.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <limits>
+
+#include "../MXCalibrate/CalibrationBlocks.h"
+#include "../MXTools/TemporaryDirectory.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/Exception.h"
+#include "MXTools/MemStream.h"
+
+namespace {
+
+using testing::EndsWith;
+
+constexpr const char* cszSerial = "VT40-AD0042";
+
+template <typename TCall>
+std::pair<long, std::string> Raised(TCall&& oCall) {
+  try {
+    oCall();
+  } catch (const ClException& e) {
+    return {e.Number(), e.What()};
+  }
+  return {0, ""};
+}
+
+unsigned int Size(const Bytes& aBytes) {
+  return static_cast<unsigned int>(aBytes.size());
+}
+
+void UpdateGeometry(ClVT40SetupCalibrationData& oSetup, const Bytes& aBlock) {
+  oSetup.UpdateGeometricData(aBlock.data(), Size(aBlock));
+}
+
+std::pair<long, std::string> Refusal(const ClGeometricRecord& oRecord, const char* szSerial = cszSerial) {
+  ClVT40SetupCalibrationData oSetup(szSerial, false);
+  const auto oRaised = Raised([&] { UpdateGeometry(oSetup, GeometricBlock(oRecord)); });
+  EXPECT_EQ(oSetup.GetGeometricDataFull(false).IsValid(), oRaised.first == 0);
+  return oRaised;
+}
+
+TEST(SetupObject, IsChosenByTheSerialNumber) {
+  for (const char* szSerial : {"VT40-AA0001", "vt40-abXYZ", "Vt40-BA"}) {
+    std::unique_ptr<ClVTSetupCalibrationDataBase> pSetup;
+    const long nNumber =
+        Raised([&] { pSetup.reset(ClVTSetupCalibrationDataBase::GetSetupObject(szSerial)); }).first;
+    if (szSerial[5] == 'B') {
+      EXPECT_EQ(nNumber, -103) << "revision 26";
+      continue;
+    }
+    ASSERT_EQ(nNumber, 0) << szSerial;
+    EXPECT_EQ(pSetup->GetScannerType(), 17u);
+    EXPECT_EQ(pSetup->GetScannerRevision(), szSerial[6] == 'A' ? 0u : 1u);
+    EXPECT_NE(pSetup->GetMaskProcessor(0), pSetup->GetMaskProcessor(1));
+  }
+}
+
+TEST(SetupObject, NamesWhatIsWrongWithASerialNumber) {
+  const std::pair<const char*, const char*> aSerials[] = {{nullptr, "serial parameter contains NULL pointer"},
+                                                          {"", "serial number too short"},
+                                                          {"VT", "serial number too short"},
+                                                          {"VT4", "serial number too short"},
+                                                          {"VT40", "serial number too short"},
+                                                          {"VT40-A", "serial number too short"},
+                                                          {"VT41A", "serial number too short"},
+                                                          {"VT5-AA0001", "serial number has unknown format"},
+                                                          {"VX40-AA01", "serial number has unknown format"},
+                                                          {"VT40-1A01", "invalid serial"},
+                                                          {"VT40-A\xC4", "invalid serial"}};
+  for (const auto& [szSerial, szText] : aSerials) {
+    const auto oRaised = Raised([s = szSerial] { ClVTSetupCalibrationDataBase::GetSetupObject(s); });
+    EXPECT_EQ(oRaised.first, -44);
+    EXPECT_THAT(oRaised.second, EndsWith(szText)) << (szSerial ? szSerial : "NULL");
+  }
+  EXPECT_EQ(Raised([] { ClVTSetupCalibrationDataBase::GetSetupObject("VT41AB0001"); }).first, -103);
+  EXPECT_EQ(ClVTSetupCalibrationDataBase::ReadScannerRevision("BC"), 28u);
+}
+
+TEST(Revision, DecidesOnTablesAndExposure) {
+  ClVT40SetupCalibrationData oFirst("VT40-AA0001", true);
+  EXPECT_EQ(oFirst.GetExposure(), 150u);
+  EXPECT_EQ(oFirst.GetGainLevel(1), 0x202420u);
+  EXPECT_EQ(oFirst.GetGainLevel(6), 0x00503Cu);
+  EXPECT_EQ(oFirst.GetBrightnessAdjustment(16), 0xC89632u);
+  ClVT40SetupCalibrationData oLater("VT40-AH0001", false);
+  EXPECT_EQ(oLater.GetScannerRevision(), 7u);
+  EXPECT_EQ(oLater.GetExposure(), 300u);
+  EXPECT_EQ(oLater.GetGainLevel(1), 0u);
+  EXPECT_EQ(oLater.GetBrightnessAdjustment(4), 0xC0C0C0u);
+  EXPECT_TRUE(oLater.GetIlluminationSet(1).empty());
+  EXPECT_EQ(ClVT40SetupCalibrationData("VT40-AD0001", true).GetExposure(), 400u);
+  const auto oRaised = Raised([] { ClVT40SetupCalibrationData("VT40-AI0001", true); });
+  EXPECT_EQ(oRaised.first, -103);
+  EXPECT_THAT(oRaised.second, EndsWith("Scanner revision not supported."));
+}
+
+TEST(Gain, IsTheSameFromBothFormsAndHalvedByteByByteWithoutUsbPower) {
+  for (const Bytes& aBlock : {LegacyGainBlock(), CurrentGainBlock()}) {
+    ClVT40SetupCalibrationData oUsb(cszSerial, true);
+    ClVT40SetupCalibrationData oOther(cszSerial, false);
+    oUsb.UpdateGainData(aBlock.data(), Size(aBlock));
+    oOther.UpdateGainData(aBlock.data(), Size(aBlock));
+    EXPECT_EQ(oUsb.GetGainLevel(1), 0x224466u);
+    EXPECT_EQ(oOther.GetGainLevel(1), 0x112233u);
+    EXPECT_EQ(oOther.GetGainLevel(16), 0x112233u);
+    EXPECT_EQ(oOther.GetGainLevel(4), 0x55AAFFu);
+    TpArrayStatic<char> aOut;
+    oUsb.GetGainData(aOut);
+    EXPECT_EQ(Bytes(aOut.Data(), aOut.Data() + aOut.Entries()), LegacyGainBlock());
+  }
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  Bytes aBlock(30, 0);
+  for (const size_t n : {6u, 8u, 10u}) aBlock[n] = 0x81;
+  oSetup.UpdateGainData(aBlock.data(), 30);
+  EXPECT_EQ(oSetup.GetGainLevel(1), 0x404040u);
+  oSetup.UpdateGainData(nullptr, 0);
+  EXPECT_EQ(oSetup.GetGainLevel(1), 0x404040u);
+  EXPECT_EQ(Raised([&] { oSetup.UpdateGainData(aBlock.data(), 29); }).first, -201);
+  oSetup.Reset(false, false, true);
+  EXPECT_EQ(oSetup.GetGainLevel(1), 0u);
+}
+
+TEST(Geometry, GivesEachKindOfFrameItsDataSet) {
+  ClGeometricRecord oRecord;
+  oRecord.nBackground = 255;
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  UpdateGeometry(oSetup, GeometricBlock(oRecord));
+  const struct {
+    const ClCalibrateGeometricData& oData;
+    uint32_t nWidth, nHeight, nPelsX, nPelsY, nTarget, nTargetPels;
+    double dX, dY, dTarget;
+  } aSets[] = {{oSetup.GetGeometricDataFull(false), 3840, 2720, 41417, 30236, 1600, 19685, 1, 1, 1},
+               {oSetup.GetGeometricDataFull(true), 1920, 2720, 20708, 30236, 1600, 19685, 2, 1, 1},
+               {oSetup.GetGeometricDataPreview(false), 1920, 1360, 20708, 15118, 800, 9842, 2, 2, 2},
+               {oSetup.GetGeometricDataPreview(true), 960, 1360, 10354, 15118, 800, 9842, 4, 2, 2}};
+  for (const auto& o : aSets) {
+    EXPECT_EQ(o.oData.m_nSourceWidth, o.nWidth);
+    EXPECT_EQ(o.oData.m_nSourceHeight, o.nHeight);
+    EXPECT_EQ(o.oData.m_nSourcePelsX, o.nPelsX);
+    EXPECT_EQ(o.oData.m_nSourcePelsY, o.nPelsY);
+    EXPECT_EQ(o.oData.m_nTargetWidth, o.nTarget);
+    EXPECT_EQ(o.oData.m_nTargetHeight, o.nTarget);
+    EXPECT_EQ(o.oData.m_nTargetPelsX, o.nTargetPels);
+    EXPECT_EQ(o.oData.m_nBackground, 0);
+    EXPECT_NEAR(o.oData.m_aActual[0][10].x * o.dX, oRecord.aActual[10].x, 0.001);
+    EXPECT_NEAR(o.oData.m_aActual[0][10].y * o.dY, oRecord.aActual[10].y, 0.001);
+    EXPECT_NEAR(o.oData.m_aTarget[63].x * o.dTarget, oRecord.aTarget[63].x, 0.001);
+  }
+  TpArrayStatic<char> aOut;
+  oSetup.GetGeometricData(aOut);
+  ClMemStream oStream(reinterpret_cast<const unsigned char*>(aOut.Data()), aOut.Entries());
+  ClCalibrateGeometricData oRead;
+  oRead.Read(oStream);
+  EXPECT_EQ(oRead.m_nSourceWidth, 3840u);
+  oSetup.Reset(true, false, false);
+  EXPECT_FALSE(oSetup.GetGeometricDataFull(false).IsValid());
+}
+
+TEST(Geometry, RefusesGridsThatCannotBeAScanners) {
+  EXPECT_EQ(Refusal(ClGeometricRecord()).first, 0);
+  const double dNaN = std::numeric_limits<double>::quiet_NaN();
+  const double dInfinity = std::numeric_limits<double>::infinity();
+  std::vector<ClGeometricRecord> aRecords(11);
+  aRecords[0].nPlanes = 0;
+  aRecords[1].nTargetWidth = 1599;
+  aRecords[2].nTargetHeight = 800;
+  aRecords[3].nSourceWidth = 0;
+  aRecords[4].nSourceHeight = 0;
+  aRecords[5].nSourceWidth = 0xFFFFFFFF;
+  aRecords[6].aActual.pop_back();
+  aRecords[7].aTarget.pop_back();
+  aRecords[8].aActual[20].x = dNaN;
+  aRecords[9].aTarget[63].y = dInfinity;
+  aRecords[10].aActual.emplace_back(1, 2);
+  for (size_t n = 0; n < aRecords.size(); ++n) {
+    const auto oRaised = Refusal(aRecords[n]);
+    EXPECT_EQ(oRaised.first, -39) << n;
+    EXPECT_THAT(oRaised.second, EndsWith("invalid calibration data found in scanner eprom.")) << n;
+  }
+  ClGeometricRecord oRecord;
+  Bytes aCut = GeometricBlock(oRecord);
+  aCut.pop_back();
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  EXPECT_EQ(Raised([&] { UpdateGeometry(oSetup, aCut); }).first, -201);
+}
+
+TEST(Geometry, TheFirstRevisionMayHaveMorePointsOnTheSensorThanTargets) {
+  ClGeometricRecord oRecord;
+  oRecord.aTarget.resize(50);
+  EXPECT_EQ(Refusal(oRecord, "VT40-AA0001").first, 0);
+  oRecord.aActual.resize(63);
+  EXPECT_EQ(Refusal(oRecord, "VT40-AA0001").first, -39);
+  oRecord = ClGeometricRecord();
+  oRecord.aTarget.emplace_back(1, 2);
+  EXPECT_EQ(Refusal(oRecord, "VT40-AA0001").first, -39);
+  oRecord.aTarget.clear();
+  EXPECT_EQ(Refusal(oRecord, "VT40-AA0001").first, -39);
+}
+
+/// A straight grid of 400 by 300, so that each point is its neighbours' middle.
+std::vector<ClVector> StraightGrid() {
+  std::vector<ClVector> aPoints;
+  for (int n = 0; n < 64; ++n) aPoints.emplace_back(3400 - 400 * (n / 8), 300 + 300 * (n % 8));
+  return aPoints;
+}
+
+TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
+  ClGeometricRecord oRecord;
+  oRecord.aActual = StraightGrid();
+  oRecord.aActual[9].y += 20;                     // column 1, row 1
+  oRecord.aActual[8 * 4 + 4].x += 15;             // exactly at the limit
+  oRecord.aActual[3] = oRecord.aActual[3] * 1.5;  // the border of the grid is not repaired
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  UpdateGeometry(oSetup, GeometricBlock(oRecord));
+  const auto& aPoints = oSetup.GetGeometricDataFull(false).m_aActual[0];
+  EXPECT_TRUE(aPoints[9].IsNear(StraightGrid()[9]));
+  EXPECT_TRUE(aPoints[8 * 4 + 4].IsNear(oRecord.aActual[8 * 4 + 4]));
+  EXPECT_TRUE(aPoints[3].IsNear(oRecord.aActual[3]));
+}
+
+TEST(Geometry, ARepairedPointCountsInItsNewPlaceForTheNextOnes) {
+  ClGeometricRecord oRecord;
+  oRecord.aActual = StraightGrid();
+  oRecord.aActual[18].x += 100;  // column 2, row 2
+  oRecord.aActual[19].x += 40;   // row 3
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  UpdateGeometry(oSetup, GeometricBlock(oRecord));
+  const auto& aPoints = oSetup.GetGeometricDataFull(false).m_aActual[0];
+  const auto oMoved = [&](unsigned int n) { return aPoints[n].x - StraightGrid()[n].x; };
+  EXPECT_EQ(oMoved(17), 50) << "row 1: half way between row 0 and the 100 of row 2";
+  EXPECT_EQ(oMoved(18), 45) << "row 2: half way between the moved row 1 and the 40 of row 3";
+  EXPECT_EQ(oMoved(19), 22.5) << "row 3: half way between the moved row 2 and row 4";
+  EXPECT_EQ(oMoved(20), 0) << "row 4 is 11.25 off and stays";
+}
+
+TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  const Bytes aGood = LegacyBrightnessBlock();
+  const auto oUpdate = [&](const Bytes& aBlock) {
+    return Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); });
+  };
+  EXPECT_EQ(oUpdate(aGood).first, -1);
+  EXPECT_THAT(oUpdate(aGood).second,
+              EndsWith("Update of brightness data not possible without geometric data."));
+  const auto oBeforeGeometry =
+      Raised([&] { oSetup.Setup(nullptr, 0, aGood.data(), Size(aGood), nullptr, 0); });
+  EXPECT_EQ(oBeforeGeometry.first, -1);
+  UpdateGeometry(oSetup, GeometricBlock(ClGeometricRecord()));
+  EXPECT_EQ(oUpdate(aGood).first, 0);
+  EXPECT_EQ(oUpdate(CurrentBrightnessBlock()).first, 0);
+  TpArrayStatic<char> aOut;
+  oSetup.GetBrightnessData(aOut);
+  EXPECT_EQ(aOut.Entries(), 1088u);
+  EXPECT_EQ(oUpdate(Bytes(aGood.begin(), aGood.end() - 1)).first, -201);
+  Bytes aNoKey = CurrentBrightnessBlock();
+  aNoKey[8 + 200] = 2;
+  EXPECT_EQ(oUpdate(aNoKey).first, -39);
+  Bytes aFew;
+  Append(aFew, "CBD");
+  AppendLittle(aFew, 1, 2);
+  AppendLittle(aFew, 63, 2);
+  AppendLittle(aFew, 1, 8);
+  AppendAll(aFew, Bytes(3 * 63, 100));
+  EXPECT_EQ(oUpdate(aFew).first, -39);
+  EXPECT_THAT(oUpdate(aFew).second, EndsWith("Brightness calibration data invalid."));
+}
+
+TEST(Brightness, TwoPointsInOnePlaceAreRefused) {
+  ClGeometricRecord oRecord;
+  oRecord.aTarget[7] = oRecord.aTarget[6];
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  UpdateGeometry(oSetup, GeometricBlock(oRecord));
+  const Bytes aBlock = LegacyBrightnessBlock();
+  EXPECT_EQ(Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); }).first, -39);
+}
+
+TEST(Setup, StoresTheBlocksByteForByte) {
+  const ClTemporaryDirectory oDirectory;
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  const Bytes aGeo = GeometricBlock(ClGeometricRecord());
+  const Bytes aBrightness = CurrentBrightnessBlock();
+  const Bytes aGain = CurrentGainBlock();
+  oSetup.UpdateGeometricData(aGeo.data(), Size(aGeo));
+  oSetup.UpdateBrightnessData(aBrightness.data(), Size(aBrightness));
+  oSetup.UpdateGainData(aGain.data(), Size(aGain));
+  oSetup.StoreData(oDirectory.Path("").c_str());
+  const std::pair<const char*, const Bytes&> aFiles[] = {
+      {"geometric.calibrate", aGeo}, {"brightness.calibrate", aBrightness}, {"gaindata.calibrate", aGain}};
+  for (const auto& [szName, aBlock] : aFiles) {
+    std::ifstream oFile(oDirectory.Path(szName), std::ios::binary);
+    EXPECT_EQ(Bytes(std::istreambuf_iterator<char>(oFile), {}), aBlock) << szName;
+  }
+  EXPECT_EQ(Raised([&] { oSetup.StoreData(oDirectory.Path("missing").c_str()); }).first, -200);
+  EXPECT_EQ(Raised([&] { oSetup.StoreData(nullptr); }).first, -44);
+}
+
+}  // namespace

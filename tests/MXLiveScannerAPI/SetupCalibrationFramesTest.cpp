@@ -1,0 +1,262 @@
+// Frames of a set-up scanner: where its dots end up, how even its light becomes, what it allocates.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "../MXCalibrate/CalibrationBlocks.h"
+#include "CountedAllocations.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using testing::EndsWith;
+
+constexpr const char* cszSerial = "VT40-AD0042";
+
+template <typename TCall>
+std::pair<long, std::string> Raised(TCall&& oCall) {
+  try {
+    oCall();
+  } catch (const ClException& e) {
+    return {e.Number(), e.What()};
+  }
+  return {0, ""};
+}
+
+void SetUpScanner(ClVT40SetupCalibrationData& oSetup, const Bytes& aGeo, const Bytes& aBrightness) {
+  oSetup.Setup(aGeo.data(), static_cast<unsigned int>(aGeo.size()), aBrightness.data(),
+               static_cast<unsigned int>(aBrightness.size()), nullptr, 0);
+}
+
+/// A black frame with a soft white dot at each point, scaled by dX and dY and moved by nLeft columns.
+void DrawDots(ClImage& oFrame, int nWidth, int nHeight, double dX, double dY, int nLeft = 0) {
+  oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  oFrame = static_cast<unsigned char>(0);
+  for (const ClVector& o : ActualGrid()) {
+    const double dAtX = o.x * dX - nLeft;
+    const double dAtY = o.y * dY;
+    for (int nY = static_cast<int>(dAtY) - 12; nY <= dAtY + 12; ++nY) {
+      for (int nX = static_cast<int>(dAtX) - 12; nX <= dAtX + 12; ++nX) {
+        if (nX < 0 || nY < 0 || nX >= nWidth || nY >= nHeight) continue;
+        const double dFarX = (nX - dAtX) / dX / 8;
+        const double dFarY = (nY - dAtY) / dY / 6;
+        oFrame.Row<uint8_t>(nY)[nX] = static_cast<uint8_t>(220 * std::exp(-(dFarX * dFarX + dFarY * dFarY)));
+      }
+    }
+  }
+}
+
+/// Expects a dot's centre of mass at each target point that lies in the part of the target from nLeft on.
+void ExpectDots(const ClImage& oOut, double dScale, int nLeft, int nHighest) {
+  int nSeen = 0;
+  for (const ClVector& o : TargetGrid()) {
+    const double dX = o.x * dScale - nLeft;
+    const double dY = o.y * dScale;
+    if (dX < 20 || dX > oOut.Width() - 20 || dY > nHighest - 20) continue;
+    double dMass = 0;
+    ClVector oCentre;
+    for (int nY = static_cast<int>(dY) - 14; nY <= dY + 14; ++nY) {
+      for (int nX = static_cast<int>(dX) - 14; nX <= dX + 14; ++nX) {
+        const double dGrey = oOut.Row<uint8_t>(nY)[nX];
+        dMass += dGrey;
+        oCentre = oCentre + ClVector(nX, nY) * dGrey;
+      }
+    }
+    ASSERT_GT(dMass, 1000) << o.x << ' ' << o.y;
+    oCentre = oCentre * (1 / dMass);
+    ASSERT_NEAR(oCentre.x, dX, 0.35) << o.x << ' ' << o.y;
+    ASSERT_NEAR(oCentre.y, dY, 0.35) << o.x << ' ' << o.y;
+    ++nSeen;
+  }
+  EXPECT_GE(nSeen, 12);
+}
+
+class Frames : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    m_pSetup = std::make_unique<ClVT40SetupCalibrationData>(cszSerial, false);
+    SetUpScanner(*m_pSetup, GeometricBlock(ClGeometricRecord()), LegacyBrightnessBlock());
+  }
+  static void TearDownTestSuite() { m_pSetup.reset(); }
+
+  static std::unique_ptr<ClVT40SetupCalibrationData> m_pSetup;
+  ClImage m_oFrame;
+  ClImage m_oOut;
+};
+
+std::unique_ptr<ClVT40SetupCalibrationData> Frames::m_pSetup;
+
+TEST_F(Frames, EachPreviewShowsTheDotsOfTheTargetInTheirPlaces) {
+  DrawDots(m_oFrame, 1920, 1360, 0.5, 0.5);
+  m_pSetup->CalibratePreview(m_oFrame, m_oOut);
+  ASSERT_TRUE(m_oOut.HasSize(800, 800));
+  EXPECT_EQ(m_oOut.PelsX(), 9842);
+  ExpectDots(m_oOut, 0.5, 0, 800);
+  DrawDots(m_oFrame, 960, 1360, 0.25, 0.5);
+  m_pSetup->CalibratePreview(m_oFrame, m_oOut);
+  ExpectDots(m_oOut, 0.5, 0, 800);
+}
+
+TEST_F(Frames, EachFullFrameShowsTheDotsOfTheTargetInTheirPlaces) {
+  DrawDots(m_oFrame, 3840, 2720, 1, 1);
+  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
+  ASSERT_TRUE(m_oOut.HasSize(1600, 1600));
+  EXPECT_EQ(m_oOut.PelsX(), 19685);
+  ExpectDots(m_oOut, 1, 0, 1600);
+  DrawDots(m_oFrame, 1920, 2720, 0.5, 1);
+  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
+  ExpectDots(m_oOut, 1, 0, 1600);
+}
+
+TEST_F(Frames, EachRollFrameIsTheMiddleOfTheUpperHalf) {
+  DrawDots(m_oFrame, 1920, 1362, 1, 1, 960);
+  m_pSetup->CalibrateRoll(m_oFrame, m_oOut);
+  ASSERT_TRUE(m_oOut.HasSize(800, 800));
+  ExpectDots(m_oOut, 1, 400, 800);
+  DrawDots(m_oFrame, 960, 1362, 0.5, 1, 480);
+  m_pSetup->CalibrateRoll(m_oFrame, m_oOut);
+  ExpectDots(m_oOut, 1, 400, 800);
+  // A roll leaves no region behind.
+  DrawDots(m_oFrame, 1920, 2720, 0.5, 1);
+  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
+  EXPECT_TRUE(m_oOut.HasSize(1600, 1600));
+}
+
+TEST_F(Frames, OtherSizesAreRefusedAndLeaveTheOutputAlone) {
+  const auto oRefused = [&](int nWidth, int nHeight, auto oCall) {
+    m_oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+    const auto oRaised = Raised([&] { (m_pSetup.get()->*oCall)(m_oFrame, m_oOut); });
+    EXPECT_EQ(oRaised.first, -103) << nWidth;
+    EXPECT_THAT(oRaised.second, EndsWith("Unsupported image dimensions."));
+  };
+  oRefused(800, 800, &ClVT40SetupCalibrationData::CalibratePreview);
+  oRefused(1920, 1360, &ClVT40SetupCalibrationData::CalibrateFull);
+  oRefused(1920, 1360, &ClVT40SetupCalibrationData::CalibrateRoll);
+  oRefused(960, 1360, &ClVT40SetupCalibrationData::CalibrateRoll);
+  EXPECT_TRUE(m_oOut.Data() == nullptr);
+  m_oFrame.NewWithType(ClImage::eInt16, 1920, 1360, 1, 0, 0, true);
+  EXPECT_EQ(Raised([&] { m_pSetup->CalibratePreview(m_oFrame, m_oOut); }).first, -44) << "another type";
+  m_oFrame.NewWithType(ClImage::eInt16, 960, 1362, 1, 0, 0, true);
+  EXPECT_EQ(Raised([&] { m_pSetup->CalibrateRoll(m_oFrame, m_oOut); }).first, -103);
+}
+
+/// A picture whose grey is a quarter of the light that IlluminationSamples tells, so that 4 times the reference flattens
+/// it. dScale is the target's size against the full one.
+void DrawLight(ClImage& oImage, int nWidth, int nHeight, double dScale, int nLeft) {
+  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  for (int nY = 0; nY < nHeight; ++nY) {
+    for (int nX = 0; nX < nWidth; ++nX) {
+      const double dX = ((nX + nLeft) / dScale - 800) / 800;
+      const double dY = (nY / dScale - 800) / 800;
+      oImage.Row<uint8_t>(nY)[nX] = static_cast<uint8_t>(100 * (1 - (dX * dX + dY * dY) / 6));
+    }
+  }
+}
+
+/// Expects the grey everywhere inside the grid.
+void ExpectEven(const ClImage& oOut, double dScale, int nLeft, int nGrey) {
+  for (int nY = static_cast<int>(150 * dScale); nY < std::min(1450 * dScale, oOut.Height() + 0.0); nY += 7) {
+    for (int nX = 0; nX < oOut.Width(); nX += 7) {
+      const double dTarget = (nX + nLeft) / dScale;
+      if (dTarget < 150 || dTarget > 1450) continue;
+      ASSERT_NEAR(oOut.Row<uint8_t>(nY)[nX], nGrey, 4) << nX << ' ' << nY;
+    }
+  }
+}
+
+TEST_F(Frames, RectifiedPicturesBecomeEven) {
+  DrawLight(m_oFrame, 800, 800, 0.5, 0);
+  m_pSetup->AdjustBrightnessPreview(m_oFrame, m_oOut, 200);
+  ExpectEven(m_oOut, 0.5, 0, 100);
+  DrawLight(m_oFrame, 1600, 1600, 1, 0);
+  m_pSetup->AdjustBrightnessFull(m_oFrame, m_oOut, 200);
+  ExpectEven(m_oOut, 1, 0, 100);
+  DrawLight(m_oFrame, 800, 800, 1, 400);
+  m_pSetup->AdjustBrightnessRoll(m_oFrame, m_oOut, 240);
+  ExpectEven(m_oOut, 1, 400, 120);
+}
+
+TEST_F(Frames, RawPicturesAreFlattenedInTheSensorsCoordinates) {
+  // A value of 255 with a flat 100 gives 255 * 100 / reference: the reference itself at the grid's points.
+  const auto oExpectReference = [&](double dX, double dY) {
+    const Bytes aSamples = IlluminationSamples();
+    for (size_t n : {27u, 36u, 9u, 54u}) {
+      const ClVector o = ActualGrid()[n];
+      const int nGrey = m_oOut.Row<uint8_t>(static_cast<int>(o.y * dY))[static_cast<int>(o.x * dX)];
+      EXPECT_NEAR(nGrey, 255 * 100 / aSamples[n], 3) << n;
+    }
+  };
+  m_oFrame.NewWithType(ClImage::eUint8, 960, 680, 1, 0, 0, true);
+  m_oFrame = static_cast<unsigned char>(100);
+  m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255);
+  oExpectReference(0.25, 0.25);
+  m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255);
+  oExpectReference(0.25, 0.25);
+  m_oFrame.NewWithType(ClImage::eUint8, 480, 680, 1, 0, 0, true);
+  m_oFrame = static_cast<unsigned char>(100);
+  m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255);
+  oExpectReference(0.125, 0.25);
+  EXPECT_EQ(Raised([&] { m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255); }).first, -44)
+      << "the right height with another width";
+  m_oFrame.NewWithType(ClImage::eUint8, 960, 340, 1, 0, 0, true);
+  m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255);
+  EXPECT_TRUE(m_oOut.HasSize(960, 340));
+  const auto oMini = Raised([&] { m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255); });
+  EXPECT_EQ(oMini.first, -103);
+  m_oFrame.NewWithType(ClImage::eUint8, 960, 341, 1, 0, 0, true);
+  EXPECT_THAT(Raised([&] { m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255); }).second,
+              EndsWith("Wrong image size."));
+}
+
+TEST_F(Frames, ASecondFrameOfAKindAllocatesNothing) {
+  ClImage oPreview;
+  ClImage oFull;
+  ClImage oRoll;
+  ClImage aOut[4];
+  DrawDots(oPreview, 960, 1360, 0.25, 0.5);
+  DrawDots(oFull, 3840, 2720, 1, 1);
+  DrawDots(oRoll, 1920, 1362, 1, 1, 960);
+  long nAllocations = 0;
+  for (int nFrame = 0; nFrame < 2; ++nFrame) {
+    const long nBefore = CountedAllocations();
+    m_pSetup->CalibratePreview(oPreview, aOut[0]);
+    m_pSetup->AdjustBrightnessPreview(aOut[0], aOut[1], 224);
+    m_pSetup->CalibrateFull(oFull, aOut[2]);
+    m_pSetup->CalibrateRoll(oRoll, aOut[3]);
+    nAllocations = CountedAllocations() - nBefore;
+  }
+  EXPECT_EQ(nAllocations, 0);
+}
+
+TEST(FailingSetup, ADamagedBrightnessBlockStillLeavesFinishedMaps) {
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  Bytes aBrightness = LegacyBrightnessBlock();
+  aBrightness.pop_back();
+  EXPECT_EQ(Raised([&] { SetUpScanner(oSetup, GeometricBlock(ClGeometricRecord()), aBrightness); }).first,
+            -201);
+  ClImage oFrame;
+  ClImage oOut;
+  DrawDots(oFrame, 960, 1360, 0.25, 0.5);
+  oSetup.CalibratePreview(oFrame, oOut);
+  ExpectDots(oOut, 0.5, 0, 800);
+  EXPECT_EQ(Raised([&] { oSetup.AdjustBrightnessPreview(oOut, oOut, 224); }).first, -44) << "no reference";
+}
+
+TEST(FailingSetup, AGridThatAllowsNoMapIsMissedByTheFirstFrame) {
+  ClGeometricRecord oRecord;
+  for (size_t n = 0; n < 64; ++n) oRecord.aTarget[n] = ClVector(10.0 * static_cast<double>(n), 5);
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  testing::internal::CaptureStdout();
+  SetUpScanner(oSetup, GeometricBlock(oRecord), LegacyBrightnessBlock());
+  EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("singularity detected"));
+  ClImage oFrame;
+  ClImage oOut;
+  DrawDots(oFrame, 960, 1360, 0.25, 0.5);
+  const auto oRaised = Raised([&] { oSetup.CalibratePreview(oFrame, oOut); });
+  EXPECT_EQ(oRaised.first, -2);
+  EXPECT_THAT(oRaised.second, EndsWith("Calibrate is not initialized"));
+}
+
+}  // namespace
