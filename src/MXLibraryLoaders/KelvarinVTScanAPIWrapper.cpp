@@ -4,7 +4,7 @@
 const char* const ClKelvarinVTScanAPIWrapper::m_ssLibName = "libkelvarinvtscanapi.gcc.Release.32.so";
 
 #define KLV_DEFINE_FUNCTION(Name, Result, Arguments) \
-  Result(*ClKelvarinVTScanAPIWrapper::Name) Arguments = nullptr;
+  decltype(ClKelvarinVTScanAPIWrapper::Name) ClKelvarinVTScanAPIWrapper::Name = nullptr;
 KLV_VTSCANAPI_FUNCTIONS(KLV_DEFINE_FUNCTION, KLV_DEFINE_FUNCTION)
 #undef KLV_DEFINE_FUNCTION
 

@@ -253,12 +253,15 @@ void ClBitmap::CopyFrom(const ClBitmap& oOther, bool bCopyPixels) {
     ClearFree();
     return;
   }
+  const unsigned char* pOther = reinterpret_cast<const unsigned char*>(oOther.Header());
+  if (!bCopyPixels) {
+    Install(CopyHead(pOther, 0), PixelsHolder(oOther.m_pPixels));
+    return;
+  }
   const unsigned int nPixelBytes = ImageSize(oOther.Header());
-  const PixelsHolder pSource = oOther.m_pPixels;
-  const HeaderHolder pHeader =
-      CopyHead(reinterpret_cast<const unsigned char*>(oOther.Header()), bCopyPixels ? nPixelBytes : 0);
-  const PixelsHolder pPixels = bCopyPixels ? PixelsBehind(pHeader) : pSource;
-  if (bCopyPixels && nPixelBytes != 0) std::memcpy(pPixels.get(), pSource.get(), nPixelBytes);
+  const HeaderHolder pHeader = CopyHead(pOther, nPixelBytes);
+  const PixelsHolder pPixels = PixelsBehind(pHeader);
+  std::copy_n(oOther.Pixels(), nPixelBytes, pPixels.get());
   Install(pHeader, pPixels);
 }
 

@@ -44,7 +44,7 @@ ClMemStream::~ClMemStream() {
 void ClMemStream::Attach(unsigned char* pData, unsigned int nSize, bool bWritable) {
   if (nSize > INT32_MAX || (pData == nullptr && nSize != 0))
     KLV_RAISE(ClException, "ClMemStream::Attach. No such block", -44);
-  Close();
+  ClMemStream::Close();
   DropBits();
   m_pData = pData;
   m_nUsed = nSize;

@@ -70,7 +70,7 @@ void ClStream::WriteBits(unsigned int nValue, unsigned int nCount) {
   m_eBitState = eBitsWritten;
   if (nCount < 32) nValue &= (1u << nCount) - 1;
 
-  if (nCount + m_nBitCount <= 8) {
+  if (nCount <= 8 && nCount + m_nBitCount <= 8) {
     const unsigned int nShift = 8 - m_nBitCount - nCount;
     const unsigned int nField = ((1u << nCount) - 1) << nShift;
     m_nBitBuffer = static_cast<unsigned char>((m_nBitBuffer & ~nField) | (nValue << nShift));

@@ -16,16 +16,17 @@ constexpr size_t cnFailed = static_cast<size_t>(-1);
 /// Closes the conversion on the way out of an exception.
 class ClConversion {
  public:
-  ClConversion(const char* szTo, const char* szFrom) : m_hConversion(iconv_open(szTo, szFrom)) {}
+  ClConversion(const char* szTo, const char* szFrom)
+      : m_hConversion(iconv_open(szTo, szFrom)), m_bOpen(reinterpret_cast<intptr_t>(m_hConversion) != -1) {}
   ClConversion(const ClConversion&) = delete;
   ClConversion& operator=(const ClConversion&) = delete;
   ~ClConversion() {
     if (IsOpen()) iconv_close(m_hConversion);
   }
-  bool IsOpen() const { return m_hConversion != Closed(); }
+  bool IsOpen() const { return m_bOpen; }
   bool Close() {
     const bool bClosed = iconv_close(m_hConversion) == 0;
-    m_hConversion = Closed();
+    m_bOpen = false;
     return bClosed;
   }
   size_t Convert(char** pszIn, size_t* pnIn, char** pszOut, size_t* pnOut) {
@@ -33,8 +34,8 @@ class ClConversion {
   }
 
  private:
-  static iconv_t Closed() { return reinterpret_cast<iconv_t>(static_cast<intptr_t>(-1)); }
   iconv_t m_hConversion;
+  bool m_bOpen;
 };
 
 size_t CountBytes(ClConversion& oConversion, char* szIn, size_t nIn) {

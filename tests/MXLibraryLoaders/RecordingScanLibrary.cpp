@@ -10,6 +10,8 @@ namespace {
 
 std::string szRecord;
 long nAnswer = 0;
+/// Handles are addresses in here and are written down by their place.
+char aHandles[128];
 char szDescription[] = "described";
 wchar_t wszDescription[] = L"described";
 
@@ -21,7 +23,7 @@ void Put(std::ostream& rOut, const T& rValue) {
   } else if constexpr (std::is_convertible_v<T, const wchar_t*>) {
     rOut << 'L' << static_cast<char>(rValue[0]);
   } else if constexpr (std::is_same_v<T, void*>) {
-    rOut << reinterpret_cast<uintptr_t>(rValue);
+    rOut << (rValue == nullptr ? 0 : static_cast<char*>(rValue) - aHandles);
   } else if constexpr (std::is_pointer_v<T>) {
     if (rValue == nullptr) {
       rOut << "NULL";
@@ -57,6 +59,9 @@ struct Header {
 
 extern "C" {
 
+void* TestHandle(int nPlace) {
+  return aHandles + nPlace;
+}
 const char* TestRecord() {
   return szRecord.c_str();
 }
@@ -84,7 +89,7 @@ long VTScanAPIGetHandleSerial(void* hDevice, char* pszText, unsigned* pnSize) {
   RECORD(hDevice, pszText, pnSize);
 }
 long VTScanAPICreateHandle(unsigned nId, void** phDevice) {
-  *phDevice = reinterpret_cast<void*>(uintptr_t{77});
+  *phDevice = aHandles + 77;
   RECORD(nId, phDevice);
 }
 long VTScanAPIDestroyHandle(void** phDevice) {
@@ -180,7 +185,7 @@ long VTScanAPIGetImageEx(void* hDevice, const Header* pHeader, int nArg) {
   RECORD(hDevice, pHeader->nSize, nArg);
 }
 long VTScanAPILockRawSequence(void* hDevice, void** ppSequence) {
-  *ppSequence = reinterpret_cast<void*>(uintptr_t{88});
+  *ppSequence = aHandles + 88;
   RECORD(hDevice, ppSequence);
 }
 long VTScanAPIReleaseRawSequence(void* hDevice, void** ppSequence) {

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -22,13 +21,14 @@ using EScanMode_t = Scanner::EScanMode_t;
 class ClRecordedScanner {
  public:
   explicit ClRecordedScanner(const char* szLibrary)
-      : m_oBinding(nullptr, szLibrary),
-        m_oScanner(&m_oBinding, reinterpret_cast<void*>(uintptr_t{5})),
-        m_oControl(szLibrary) {
+      : m_oBinding(nullptr, szLibrary), m_oScanner(nullptr, nullptr), m_oControl(szLibrary) {
+    m_oControl.GetFunction(m_pHandle, "TestHandle");
     m_oControl.GetFunction(m_pRecord, "TestRecord");
     m_oControl.GetFunction(m_pAnswer, "TestAnswer");
+    m_oScanner.SetDllWrapper(&m_oBinding, m_pHandle(5));
     m_pAnswer(0);
   }
+  void* Handle(int nPlace) const { return m_pHandle(nPlace); }
   Scanner* operator->() { return &m_oScanner; }
   Scanner& operator*() { return m_oScanner; }
   void Answer(long nNumber) { m_pAnswer(nNumber); }
@@ -38,6 +38,7 @@ class ClRecordedScanner {
   ClKelvarinVTScanAPIWrapper m_oBinding;
   Scanner m_oScanner;
   ClDynamicLibrary m_oControl;
+  void* (*m_pHandle)(int) = nullptr;
   const char* (*m_pRecord)() = nullptr;
   void (*m_pAnswer)(long) = nullptr;
 };
@@ -108,7 +109,7 @@ TEST(MXVTScanAPIWrapper, ARawSequenceIsLentAndAFailureIsRaisedWithTheLibrarysNum
   ClRecordedScanner oScanner(KLV_LIBRARY_COMPLETE);
   void* pSequence = nullptr;
   oScanner->LockRawSequence(&pSequence);
-  EXPECT_EQ(reinterpret_cast<uintptr_t>(pSequence), 88u);
+  EXPECT_EQ(pSequence, oScanner.Handle(88));
   oScanner->ReleaseRawSequence(&pSequence);
   oScanner->EnableCaptureThread(true);
   oScanner->Beep(10, 20);
