@@ -1,0 +1,378 @@
+// Values, texts and stored records of parameter entries.
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "MXTools/Exception.h"
+#include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterInterface.h"
+#include "MXTools/Stream.h"
+
+namespace {
+
+// Members are reached byte by byte, since an entry does not know their C++ type for sure.
+template <typename T>
+double Get(const void* pValue) {
+  T tValue;
+  std::memcpy(&tValue, pValue, sizeof(tValue));
+  return static_cast<double>(tValue);
+}
+
+template <typename T>
+void Put(void* pTarget, double dValue) {
+  const T tValue = ElementFromDouble<T>(dValue);
+  std::memcpy(pTarget, &tValue, sizeof(tValue));
+}
+
+template <typename T>
+void Write(ClStream& oStream, double dValue) {
+  oStream.WriteAutoSwap(ElementFromDouble<T>(dValue));
+}
+
+template <typename T>
+double Read(ClStream& oStream) {
+  T tValue = 0;
+  oStream.ReadAutoSwap(tValue);
+  return static_cast<double>(tValue);
+}
+
+unsigned char ReadByte(ClStream& oStream) {
+  unsigned char nByte = 0;
+  oStream.ReadAutoSwap(nByte);
+  return nByte;
+}
+
+__attribute__((format(printf, 3, 4))) void Print(char* szText, unsigned int nSize, const char* szFormat,
+                                                 ...) {
+  va_list aArguments;
+  va_start(aArguments, szFormat);
+  const int nLength = std::vsnprintf(szText, nSize, szFormat, aArguments);
+  va_end(aArguments);
+  if (nLength < 0 || static_cast<unsigned int>(nLength) >= nSize)
+    KLV_RAISE(ClException, "The buffer size is too small.", -21);
+}
+
+}  // namespace
+
+using ClEntry = ClParameterInterface::ClParameter;
+
+ClEntry& ClEntry::operator=(const ClEntry& oOther) {
+  m_eType = oOther.m_eType;
+  m_eDirection = oOther.m_eDirection;
+  m_bFixedRange = oOther.m_bFixedRange;
+  m_dMinimum = oOther.m_dMinimum;
+  m_dMaximum = oOther.m_dMaximum;
+  m_dDefault = oOther.m_dDefault;
+  m_pValue = oOther.m_pValue;
+  m_nValueSize = oOther.m_nValueSize;
+  m_szEnumList = oOther.m_szEnumList;
+  m_aEnumValues = oOther.m_aEnumValues;
+  m_bMarked = oOther.m_bMarked;
+  m_bLocked = oOther.m_bLocked;
+  m_szName = oOther.m_szName;
+  m_szDescription = oOther.m_szDescription;
+  return *this;
+}
+
+const char* ClEntry::szType() const {
+  switch (m_eType) {
+    case eByte:
+      return "eByte";
+    case eShort:
+      return "eShort";
+    case eAngle:
+      return "eAngle";
+    case eLong:
+      return "eLong";
+    case eDouble:
+      return "eDouble";
+    case eFloat:
+      return "eFloat";
+    case eVoid:
+      return "eVoid";
+    case eImage:
+      return "eImage";
+    case eBool:
+      return "eBool";
+    case eEnum:
+      return "eEnum";
+    case eGraph:
+      return "eGraph";
+    default:
+      return "Unknown";
+  }
+}
+
+const char* ClEntry::szDir() const {
+  switch (m_eDirection) {
+    case eIn:
+      return "eIn";
+    case eOut:
+      return "eOut";
+    case eInOut:
+      return "eInOut";
+    case eOptional:
+      return "eOptional";
+    default:
+      return "Unknown";
+  }
+}
+
+void ClEntry::SetRange(double dMinimum, double dMaximum) {
+  m_dMinimum = dMinimum;
+  m_dMaximum = dMaximum;
+  if (dMinimum == dMaximum) m_bFixedRange = true;
+}
+
+void ClEntry::SetEnumList(const char* szList, const long* pValues) {
+  m_szEnumList.clear();
+  m_aEnumValues.clear();
+  if (szList == nullptr) return;
+  size_t nNames = 0;
+  for (const char* szName = szList; *szName != 0; szName += std::strlen(szName) + 1) {
+    m_szEnumList.append(szName, std::strlen(szName) + 1);
+    ++nNames;
+  }
+  m_szEnumList += '\0';
+  for (size_t n = 0; pValues != nullptr && n < nNames; ++n)
+    m_aEnumValues.push_back(static_cast<int>(pValues[n]));
+}
+
+double ClEntry::GetValue() const {
+  if (m_pValue == nullptr) return 0;
+  switch (m_eType) {
+    case eByte:
+      return Get<uint8_t>(m_pValue);
+    case eShort:
+      return Get<int16_t>(m_pValue);
+    case eAngle:
+      return Get<uint16_t>(m_pValue);
+    case eLong:
+      return m_nValueSize == sizeof(int32_t) ? Get<int32_t>(m_pValue) : Get<long>(m_pValue);
+    case eEnum:
+      return Get<int32_t>(m_pValue);
+    case eDouble:
+      return Get<double>(m_pValue);
+    case eFloat:
+      return Get<float>(m_pValue);
+    case eBool:
+      return Get<uint8_t>(m_pValue);
+    default:
+      return 0;
+  }
+}
+
+void ClEntry::SetValue(void* pTarget, double dValue) const {
+  switch (m_eType) {
+    case eByte:
+      Put<uint8_t>(pTarget, dValue);
+      return;
+    case eShort:
+      Put<int16_t>(pTarget, dValue);
+      return;
+    case eAngle:
+      Put<uint16_t>(pTarget, dValue);
+      return;
+    case eLong:
+      if (m_nValueSize == sizeof(int32_t)) {
+        Put<int32_t>(pTarget, dValue);
+      } else {
+        Put<long>(pTarget, dValue);
+      }
+      return;
+    case eEnum:
+      Put<int32_t>(pTarget, dValue);
+      return;
+    case eDouble:
+      Put<double>(pTarget, dValue);
+      return;
+    case eFloat:
+      Put<float>(pTarget, dValue);
+      return;
+    case eBool:
+      *static_cast<bool*>(pTarget) = dValue != 0;
+      return;
+    default:
+      KLV_RAISE(ClException, "The parameter is no number.", -44);
+  }
+}
+
+void ClEntry::SetValue(double dValue) {
+  if (!m_bLocked && m_pValue != nullptr) SetValue(m_pValue, dValue);
+}
+
+void ClEntry::SetPointer(EType eType, const void* pValue) {
+  if (m_eType != eType) KLV_RAISE(ClException, "The parameter is of another type.", -44);
+  if (!m_bLocked && m_pValue != nullptr) std::memcpy(m_pValue, &pValue, sizeof(pValue));
+}
+
+const void* ClEntry::GetPointer(EType eType) const {
+  const void* pValue = nullptr;
+  if (m_eType == eType && m_pValue != nullptr) std::memcpy(&pValue, m_pValue, sizeof(pValue));
+  return pValue;
+}
+
+void ClEntry::SetValue(ClImage* pImage) {
+  SetPointer(eImage, pImage);
+}
+
+void ClEntry::SetValue(ClGraph* pGraph) {
+  SetPointer(eGraph, pGraph);
+}
+
+// The member was not const when it was handed in.
+ClImage* ClEntry::GetImage() const {
+  return static_cast<ClImage*>(const_cast<void*>(GetPointer(eImage)));
+}
+
+ClGraph* ClEntry::GetGraph() const {
+  return static_cast<ClGraph*>(const_cast<void*>(GetPointer(eGraph)));
+}
+
+const char* ClEntry::EnumToStr(long nValue) const {
+  if (m_szEnumList.empty()) return "No Enum Val";
+  size_t nIndex = 0;
+  for (const char* szName = m_szEnumList.data(); *szName != 0; szName += std::strlen(szName) + 1, ++nIndex) {
+    const long nOfName = m_aEnumValues.empty() ? static_cast<long>(nIndex) : m_aEnumValues[nIndex];
+    if (nOfName == nValue) return szName;
+  }
+  return "No Enum Val";
+}
+
+void ClEntry::SetEnum(const char* szName) {
+  if (m_szEnumList.empty()) KLV_RAISE(ClException, "m_szEnumList is not set", -37);
+  // A number that names were given to later does not count its names from 0.
+  if (m_aEnumValues.empty() && m_eType != eEnum && m_eType != eBool)
+    KLV_RAISE(ClException, "m_aEnumValues is not set", -37);
+  size_t nIndex = 0;
+  for (const char* szEntry = m_szEnumList.data(); *szEntry != 0;
+       szEntry += std::strlen(szEntry) + 1, ++nIndex) {
+    if (std::strcmp(szEntry, szName) != 0) continue;
+    SetEnum(m_aEnumValues.empty() ? static_cast<long>(nIndex) : m_aEnumValues[nIndex]);
+    return;
+  }
+  KLV_RAISE(ClException, szName, -209);
+}
+
+void ClEntry::FmtInt(char* szText, unsigned int nSize, long nValue) const {
+  if (!m_szEnumList.empty()) {
+    Print(szText, nSize, "%s", EnumToStr(nValue));
+  } else if (m_eType == eAngle) {
+    const unsigned short nAngle = static_cast<unsigned short>(nValue);
+    Print(szText, nSize, "%hu=%.3f", nAngle, (nAngle * 360 + 0.5) / 65535);
+  } else {
+    Print(szText, nSize, "%ld", nValue);
+  }
+}
+
+void ClEntry::GetszValue(char* szText, unsigned int nSize) const {
+  switch (m_eType) {
+    case eDouble:
+    case eFloat:
+      Print(szText, nSize, "%.5f", GetValue());
+      return;
+    case eImage:
+      Print(szText, nSize, "Image");
+      return;
+    case eGraph:
+      Print(szText, nSize, "Graph");
+      return;
+    case eString:
+      Print(szText, nSize, "%s", m_pValue != nullptr ? static_cast<const char*>(m_pValue) : "");
+      return;
+    case eVoid:
+    case eComment:
+      Print(szText, nSize, "%s", "");
+      return;
+    default:
+      FmtInt(szText, nSize, ElementFromDouble<long>(GetValue()));
+      return;
+  }
+}
+
+std::string ClEntry::szValue() const {
+  char szText[512];
+  GetszValue(szText, sizeof(szText));
+  return szText;
+}
+
+void ClEntry::WriteToStream(ClStream& oStream) const {
+  oStream.WriteString(GetName());
+  oStream.WriteAutoSwap(static_cast<uint8_t>(m_eDirection));
+  oStream.WriteAutoSwap(static_cast<uint8_t>(m_bFixedRange));
+  oStream.WriteAutoSwap(m_dMinimum);
+  oStream.WriteAutoSwap(m_dMaximum);
+  oStream.WriteAutoSwap(m_dDefault);
+  oStream.WriteAutoSwap(static_cast<uint8_t>(m_bMarked));
+  oStream.WriteAutoSwap(static_cast<uint8_t>(m_bLocked));
+  oStream.WriteAutoSwap(static_cast<uint8_t>(m_eType));
+  WriteValue(oStream);
+}
+
+void ClEntry::WriteValue(ClStream& oStream) const {
+  switch (m_eType) {
+    case eByte:
+      Write<uint8_t>(oStream, GetValue());
+      return;
+    case eShort:
+      Write<int16_t>(oStream, GetValue());
+      return;
+    case eAngle:
+      Write<uint16_t>(oStream, GetValue());
+      return;
+    case eLong:
+      Write<int32_t>(oStream, GetValue());
+      return;
+    case eDouble:
+      Write<double>(oStream, GetValue());
+      return;
+    case eFloat:
+      Write<float>(oStream, GetValue());
+      return;
+    default:
+      return;
+  }
+}
+
+double ClEntry::ReadValue(ClStream& oStream) const {
+  switch (m_eType) {
+    case eByte:
+      return Read<uint8_t>(oStream);
+    case eShort:
+      return Read<int16_t>(oStream);
+    case eAngle:
+      return Read<uint16_t>(oStream);
+    case eLong:
+      return Read<int32_t>(oStream);
+    case eDouble:
+      return Read<double>(oStream);
+    default:
+      return Read<float>(oStream);
+  }
+}
+
+long ClEntry::ReadFromStream(ClStream& oStream) {
+  char* szStored = nullptr;
+  oStream.ReadString(&szStored);
+  const std::unique_ptr<char[]> szName(szStored);
+  if (szStored == nullptr || m_szName != szStored) return -33;
+  const unsigned char nDirection = ReadByte(oStream);
+  const bool bFixedRange = ReadByte(oStream) != 0;
+  const double dMinimum = Read<double>(oStream);
+  const double dMaximum = Read<double>(oStream);
+  const double dDefault = Read<double>(oStream);
+  const bool bMarked = ReadByte(oStream) != 0;
+  const bool bLocked = ReadByte(oStream) != 0;
+  // The member has the size of this entry's type, whatever the record says.
+  if (ReadByte(oStream) != static_cast<unsigned char>(m_eType)) return -33;
+  if (m_eType <= eFloat) SetValue(ReadValue(oStream));
+  m_eDirection = static_cast<EDirection>(nDirection & 3);
+  m_bFixedRange = bFixedRange;
+  m_dMinimum = dMinimum;
+  m_dMaximum = dMaximum;
+  m_dDefault = dDefault;
+  m_bMarked = bMarked;
+  m_bLocked = bLocked;
+  return 0;
+}
