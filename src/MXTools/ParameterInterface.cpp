@@ -68,7 +68,7 @@ ClParameterInterface::ClParameter* ClParameterInterface::AddParameter(ClImage** 
                                                                       const char* szDescription,
                                                                       EDirection eDirection, double dMinimum,
                                                                       double dMaximum) {
-  ClParameter* pEntry = Append(pMember, sizeof(*pMember), szName, szDescription, eDirection, eImage);
+  ClParameter* pEntry = Append(pMember, sizeof(void*), szName, szDescription, eDirection, eImage);
   pEntry->SetRange(dMinimum, dMaximum);
   return pEntry;
 }
@@ -77,7 +77,7 @@ ClParameterInterface::ClParameter* ClParameterInterface::AddParameter(ClGraph** 
                                                                       const char* szDescription,
                                                                       EDirection eDirection, double dMinimum,
                                                                       double dMaximum) {
-  ClParameter* pEntry = Append(pMember, sizeof(*pMember), szName, szDescription, eDirection, eGraph);
+  ClParameter* pEntry = Append(pMember, sizeof(void*), szName, szDescription, eDirection, eGraph);
   pEntry->SetRange(dMinimum, dMaximum);
   return pEntry;
 }

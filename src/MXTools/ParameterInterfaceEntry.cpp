@@ -1,5 +1,4 @@
 // Values, texts and stored records of parameter entries.
-#include <cstdarg>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -43,14 +42,10 @@ unsigned char ReadByte(ClStream& oStream) {
   return nByte;
 }
 
-__attribute__((format(printf, 3, 4))) void Print(char* szText, unsigned int nSize, const char* szFormat,
-                                                 ...) {
-  va_list aArguments;
-  va_start(aArguments, szFormat);
-  const int nLength = std::vsnprintf(szText, nSize, szFormat, aArguments);
-  va_end(aArguments);
-  if (nLength < 0 || static_cast<unsigned int>(nLength) >= nSize)
-    KLV_RAISE(ClException, "The buffer size is too small.", -21);
+void Copy(char* szText, unsigned int nSize, const char* szSource) {
+  const size_t nLength = std::strlen(szSource);
+  if (nLength >= nSize) KLV_RAISE(ClException, "The buffer size is too small.", -21);
+  std::memcpy(szText, szSource, nLength + 1);
 }
 
 }  // namespace
@@ -58,6 +53,7 @@ __attribute__((format(printf, 3, 4))) void Print(char* szText, unsigned int nSiz
 using ClEntry = ClParameterInterface::ClParameter;
 
 ClEntry& ClEntry::operator=(const ClEntry& oOther) {
+  if (this == &oOther) return *this;
   m_eType = oOther.m_eType;
   m_eDirection = oOther.m_eDirection;
   m_bFixedRange = oOther.m_bFixedRange;
@@ -257,33 +253,40 @@ void ClEntry::SetEnum(const char* szName) {
 
 void ClEntry::FmtInt(char* szText, unsigned int nSize, long nValue) const {
   if (!m_szEnumList.empty()) {
-    Print(szText, nSize, "%s", EnumToStr(nValue));
-  } else if (m_eType == eAngle) {
-    const unsigned short nAngle = static_cast<unsigned short>(nValue);
-    Print(szText, nSize, "%hu=%.3f", nAngle, (nAngle * 360 + 0.5) / 65535);
-  } else {
-    Print(szText, nSize, "%ld", nValue);
+    Copy(szText, nSize, EnumToStr(nValue));
+    return;
   }
+  char szNumber[64];
+  if (m_eType == eAngle) {
+    const unsigned short nAngle = static_cast<unsigned short>(nValue);
+    std::snprintf(szNumber, sizeof(szNumber), "%hu=%.3f", nAngle, (nAngle * 360 + 0.5) / 65535);
+  } else {
+    std::snprintf(szNumber, sizeof(szNumber), "%ld", nValue);
+  }
+  Copy(szText, nSize, szNumber);
 }
 
 void ClEntry::GetszValue(char* szText, unsigned int nSize) const {
   switch (m_eType) {
     case eDouble:
-    case eFloat:
-      Print(szText, nSize, "%.5f", GetValue());
+    case eFloat: {
+      char szNumber[400];  // the largest double has 309 digits before the point
+      std::snprintf(szNumber, sizeof(szNumber), "%.5f", GetValue());
+      Copy(szText, nSize, szNumber);
       return;
+    }
     case eImage:
-      Print(szText, nSize, "Image");
+      Copy(szText, nSize, "Image");
       return;
     case eGraph:
-      Print(szText, nSize, "Graph");
+      Copy(szText, nSize, "Graph");
       return;
     case eString:
-      Print(szText, nSize, "%s", m_pValue != nullptr ? static_cast<const char*>(m_pValue) : "");
+      Copy(szText, nSize, m_pValue != nullptr ? static_cast<const char*>(m_pValue) : "");
       return;
     case eVoid:
     case eComment:
-      Print(szText, nSize, "%s", "");
+      Copy(szText, nSize, "");
       return;
     default:
       FmtInt(szText, nSize, ElementFromDouble<long>(GetValue()));
