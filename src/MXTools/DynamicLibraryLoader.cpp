@@ -9,9 +9,7 @@
 
 namespace {
 
-bool IsSeparator(char cLetter) {
-  return cLetter == '/' || cLetter == '\\';
-}
+using FileSystem::IsSeparator;
 
 bool IsAbsolute(const char* szName) {
   if (IsSeparator(szName[0])) return true;

@@ -18,10 +18,6 @@ bool IsBelow(char cLetter, unsigned char nLimit) {
   return static_cast<unsigned char>(cLetter) < nLimit;
 }
 
-bool IsSeparator(char cLetter) {
-  return cLetter == '/' || cLetter == '\\';
-}
-
 template <typename T>
 unsigned int Normalize(const T* szIn, size_t nLength, T* szOut, unsigned int nSize) {
   if (nLength >= nSize || szOut == nullptr) return static_cast<unsigned int>(nLength + 1);
@@ -40,7 +36,7 @@ std::string Join(const char* szDirectory, const std::string& szName) {
   } else {
     szFull = szDirectory;
   }
-  if (!szFull.empty() && !IsSeparator(szFull.back())) szFull += '/';
+  if (!szFull.empty() && !FileSystem::IsSeparator(szFull.back())) szFull += '/';
   return szFull + szName;
 }
 

@@ -1,0 +1,206 @@
+// Names of files as text, and what changes files and directories on disk.
+#include "MXTools/FileSystem.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <set>
+#include <string>
+
+#include "MXTools/Exception.h"
+#include "MXTools/FindFile.h"
+#include "TemporaryDirectory.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The text that a call leaves in a buffer of that size, or its error number.
+std::string Text(unsigned int nSize, const std::string& szBefore,
+                 const std::function<void(char*, unsigned int)>& oCall) {
+  std::string szBuffer = szBefore;
+  szBuffer.resize(std::max<size_t>(nSize, szBefore.size()) + 1);
+  try {
+    oCall(&szBuffer[0], nSize);
+  } catch (const ClException& e) {
+    return std::to_string(e.Number());
+  }
+  return szBuffer.c_str();
+}
+
+std::string WithExtension(const char* szExt, const std::string& szName, unsigned int nSize = 64) {
+  return Text(nSize, szName, [&](char* sz, unsigned int n) { FileSystem::ChangeExtension(szExt, sz, n); });
+}
+std::string Added(const std::string& szPath, const char* szAppend, unsigned int nSize = 64) {
+  return Text(nSize, szPath, [&](char* sz, unsigned int n) { FileSystem::AddPath(sz, n, szAppend); });
+}
+std::string Absolute(const char* szRoot, const char* szRelative) {
+  return Text(64, "",
+              [&](char* sz, unsigned int n) { FileSystem::MakeAbsolutePath(szRoot, szRelative, sz, n); });
+}
+std::string Relative(const char* szRoot, const char* szPath) {
+  return Text(64, "", [&](char* sz, unsigned int n) { FileSystem::MakeRelativePath(szRoot, szPath, sz, n); });
+}
+
+TEST(FileNames, AnExtensionIsReplacedOrAddedInTheFilePartOnly) {
+  EXPECT_EQ(WithExtension("bmp", "a/b.c/d"), "a/b.c/d.bmp");
+  EXPECT_EQ(WithExtension(".bmp", "a\\d.tar.gz"), "a\\d.tar.bmp");
+  EXPECT_EQ(WithExtension("bmp", "d.x", 6), "d.bmp");
+  EXPECT_EQ(WithExtension("bmp", "d.x", 5), "-21");
+  EXPECT_EQ(WithExtension("bmp", ""), "-101");
+  EXPECT_EQ(WithExtension("bmp", "a/"), "-101");
+  EXPECT_EQ(WithExtension(nullptr, "a"), "-23");
+}
+
+TEST(FileNames, TheyPartBehindTheLastSeparator) {
+  char szPath[8], szName[8];
+  FileSystem::GetPathAndName("a/b\\c.d", szPath, sizeof(szPath), szName, sizeof(szName));
+  EXPECT_STREQ(szPath, "a/b\\");
+  EXPECT_STREQ(szName, "c.d");
+  FileSystem::GetPath("c.d", szPath, sizeof(szPath));
+  EXPECT_STREQ(szPath, "");
+  const char* szFull = "a/b.c";
+  EXPECT_EQ(FileSystem::GetFileName(szFull), szFull + 2);
+  FileSystem::GetFileNameWithoutExt("a.x/b.tar.gz", szName, sizeof(szName));
+  EXPECT_STREQ(szName, "b.tar");
+  EXPECT_THROW(FileSystem::GetFileName("12345678", szName, 8), ClExKelvarin);
+  EXPECT_THROW(FileSystem::GetFileNameWithoutExt("a", nullptr, 8), ClExKelvarin);
+}
+
+TEST(FileNames, PathsAreJoinedByOneSeparatorAndEndInOne) {
+  EXPECT_EQ(Added("a", "b"), "a/b/");
+  EXPECT_EQ(Added("a\\", "b/"), "a\\b/");
+  EXPECT_EQ(Added("a", ""), "a/");
+  EXPECT_EQ(Added("", ""), "");
+  EXPECT_EQ(Added("a", "b", 5), "a/b/");
+  EXPECT_EQ(Added("a", "b", 4), "-21");
+  EXPECT_EQ(Added("a", nullptr), "-23");
+}
+
+TEST(FileNames, RelativeAndAbsoluteOnesGoIntoEachOther) {
+  EXPECT_EQ(Absolute("/a/b/", "c"), "/a/b/c");
+  EXPECT_EQ(Absolute("/a/b/", "./../c"), "/a/c");
+  EXPECT_EQ(Absolute("/a/", "../../../c"), "/c");
+  EXPECT_EQ(Absolute("/a/", "/x"), "/x");
+  EXPECT_EQ(Absolute("a/", "c"), "-101");
+  EXPECT_EQ(Absolute("/a", "c"), "-101");
+  EXPECT_EQ(Absolute(nullptr, "c"), "-23");
+  EXPECT_EQ(Relative("/a/b/", "/a/b/c"), "c");
+  EXPECT_EQ(Relative("/a/bc/", "/a/bd/e"), "../bd/e") << "whole directories are compared, not letters";
+  EXPECT_EQ(Relative("/a/b/c/", "/x"), "../../../x");
+  EXPECT_EQ(Absolute("/a/bc/", Relative("/a/bc/", "/a/bd/e").c_str()), "/a/bd/e");
+}
+
+TEST(WildCard, AStarIsAnyRunAndAQuestionMarkOneCharacterButNoDot) {
+  const auto Match = [](const char* szPattern, const char* szName) {
+    return FileSystem::ClWildCard(szPattern).Match(szName);
+  };
+  EXPECT_TRUE(Match("a?c", "abc"));
+  EXPECT_FALSE(Match("a?c", "a.c"));
+  EXPECT_FALSE(Match("a?", "a"));
+  EXPECT_TRUE(Match("*.bmp", "x.y.bmp"));
+  EXPECT_TRUE(Match("*ab", "aab")) << "the stretch slides on after a half match";
+  EXPECT_TRUE(Match("a*b**c", "a1b2c3c"));
+  EXPECT_FALSE(Match("a*b*c", "a1b2c3"));
+  EXPECT_TRUE(Match("*", ""));
+  EXPECT_FALSE(Match("", "a"));
+  const char szText[] = "abc.x";
+  EXPECT_TRUE(FileSystem::ClWildCard("ab?").Match(szText, szText + 3));
+}
+
+class Disk : public testing::Test {
+ protected:
+  void Write(const std::string& szName, const std::string& szContent) const {
+    std::ofstream(m_oDirectory.Path(szName), std::ios::binary) << szContent;
+  }
+  std::string Read(const std::string& szName) const {
+    std::ifstream oFile(m_oDirectory.Path(szName), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(oFile), {});
+  }
+  bool Exists(const std::string& szName) const { return fs::exists(m_oDirectory.Path(szName)); }
+  void Create(const std::string& szName, bool bRecursive) const {
+    FileSystem::CreateDirectory(m_oDirectory.Path(szName).c_str(), bRecursive);
+  }
+  std::set<std::string> Find(const std::string& szPattern) const {
+    std::set<std::string> aNames;
+    FileSystem::ClFindFile oFind(m_oDirectory.Path(szPattern).c_str());
+    for (; oFind.HasEntry(); oFind.Next()) {
+      const char* szKind = oFind.IsSubDirectory() ? "/" : oFind.IsSystemFile() ? "!" : "";
+      aNames.insert(oFind.Name() + std::string(szKind));
+    }
+    return aNames;
+  }
+  ClTemporaryDirectory m_oDirectory;
+};
+
+TEST_F(Disk, DirectoriesAreMadeWithTheirParentsAndTwice) {
+  EXPECT_THROW(Create("a/b/c", false), ClExSystem);
+  Create("a/b/c/", true);
+  Create("a/b/c", false);
+  EXPECT_TRUE(Exists("a/b/c"));
+  Write("file", "x");
+  EXPECT_THROW(Create("file/d", true), ClExSystem);
+  EXPECT_THROW(FileSystem::CreateDirectory("", true), ClException);
+}
+
+TEST_F(Disk, ARecursiveRemovalTakesAllButWhatLinksPointAt) {
+  Create("kept", false);
+  Write("kept/file", "x");
+  Create("gone/sub/deep", true);
+  Write("gone/sub/.hidden", "x");
+  fs::create_directory_symlink(m_oDirectory.Path("kept"), m_oDirectory.Path("gone/link"));
+  const std::string szGone = m_oDirectory.Path("gone");
+  EXPECT_THROW(FileSystem::RemoveDirectory(szGone.c_str(), false), ClExSystem);
+  FileSystem::RemoveDirectory(szGone.c_str(), true);
+  EXPECT_FALSE(Exists("gone"));
+  EXPECT_TRUE(Exists("kept/file"));
+  FileSystem::RemoveDirectory(szGone.c_str(), true);
+}
+
+TEST_F(Disk, FilesAreCopiedWholeAndNotOntoThemselves) {
+  const std::string szContent(16384 * 2 + 5, 'k');
+  Write("from", szContent);
+  const std::string szFrom = m_oDirectory.Path("from"), szTo = m_oDirectory.Path("to");
+  FileSystem::CopyFile(szFrom.c_str(), szTo.c_str());
+  EXPECT_EQ(Read("to"), szContent);
+  FileSystem::CopyFile(szFrom.c_str(), szFrom.c_str());
+  EXPECT_EQ(Read("from"), szContent);
+  FileSystem::RenameFile(szTo.c_str(), m_oDirectory.Path("new").c_str());
+  FileSystem::RemoveFile(szFrom.c_str());
+  EXPECT_TRUE(Exists("new") && !Exists("from") && !Exists("to"));
+  EXPECT_THROW(FileSystem::RemoveFile(szFrom.c_str()), ClExSystem);
+  EXPECT_THROW(FileSystem::RenameFile(szFrom.c_str(), szTo.c_str()), ClExSystem);
+  try {
+    FileSystem::CopyFile(szFrom.c_str(), szTo.c_str());
+    ADD_FAILURE();
+  } catch (const ClExFilesystem& e) {
+    EXPECT_EQ(e.Number(), -200);
+  }
+}
+
+TEST_F(Disk, EntriesAreFoundByPattern) {
+  Write("one.bmp", "x");
+  Write("two.bmp", "x");
+  Write("two.txt", "x");
+  Create("dir.bmp", false);
+  EXPECT_THAT(Find("*.bmp"), testing::ElementsAre("dir.bmp/", "one.bmp", "two.bmp"));
+  EXPECT_THAT(Find("t*"), testing::ElementsAre("two.bmp", "two.txt"));
+  EXPECT_THAT(Find("*"), testing::ElementsAre(".!", "..!", "dir.bmp/", "one.bmp", "two.bmp", "two.txt"));
+  EXPECT_TRUE(Find("none/*").empty());
+  EXPECT_THROW(FileSystem::ClFindFile("*.bmp"), ClException);
+}
+
+TEST_F(Disk, ATemporaryNameIsNewAndItsFileIsThere) {
+  std::string szPattern = m_oDirectory.Path("tmpXXXXXX");
+  EXPECT_EQ(FileSystem::MakeTempFileName(&szPattern[0]), szPattern.data());
+  EXPECT_TRUE(fs::exists(szPattern));
+  std::string szBad = m_oDirectory.Path("none/tmpXXXXXX");
+  EXPECT_EQ(FileSystem::MakeTempFileName(&szBad[0]), nullptr);
+}
+
+}  // namespace
