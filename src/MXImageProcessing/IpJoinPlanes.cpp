@@ -1,7 +1,6 @@
 // Strided copies into the pixels.
 #include "MXImageProcessing/IpJoinPlanes.h"
 
-#include <cstdio>
 #include <limits>
 
 #include "MXImageProcessing/NewProcessor.h"
@@ -35,15 +34,11 @@ void ClIpJoinPlanes::SetParametersToDefault() {
 }
 
 void ClIpJoinPlanes::PublishParameters(ClParameterContainer& oContainer) {
-  char szName[24];
-  for (int n = 0; n < 4; ++n) {
-    std::snprintf(szName, sizeof(szName), "pInPlane[%d]", n);
-    PublishInputImage(oContainer, szName, &m_apInPlanes[n]);
-  }
-  for (int n = 0; n < 4; ++n) {
-    std::snprintf(szName, sizeof(szName), "dInFillcolors[%d]", n);
-    oContainer.AddNumeric(szName, &dInFillcolors[n]);
-  }
+  const char* const aPlaneNames[4] = {"pInPlane[0]", "pInPlane[1]", "pInPlane[2]", "pInPlane[3]"};
+  const char* const aColorNames[4] = {"dInFillcolors[0]", "dInFillcolors[1]", "dInFillcolors[2]",
+                                      "dInFillcolors[3]"};
+  for (int n = 0; n < 4; ++n) PublishInputImage(oContainer, aPlaneNames[n], &m_apInPlanes[n]);
+  for (int n = 0; n < 4; ++n) oContainer.AddNumeric(aColorNames[n], &dInFillcolors[n]);
   PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
   auto* pContent = oContainer.AddParam<TpParameterEnumPointer<ClImage::EContent, ClParameter>>("eOutContent");
   pContent->BindVariable(&eOutContent);

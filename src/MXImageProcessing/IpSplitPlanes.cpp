@@ -1,8 +1,6 @@
 // Strided copies out of the pixels.
 #include "MXImageProcessing/IpSplitPlanes.h"
 
-#include <cstdio>
-
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
@@ -28,11 +26,8 @@ bool ClIpSplitPlanes::CanApply() {
 
 void ClIpSplitPlanes::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  for (int n = 0; n < 4; ++n) {
-    char szName[16];
-    std::snprintf(szName, sizeof(szName), "pOutPlane[%d]", n);
-    PublishOutputImage(oContainer, szName, &m_apOutPlanes[n]);
-  }
+  const char* const aNames[4] = {"pOutPlane[0]", "pOutPlane[1]", "pOutPlane[2]", "pOutPlane[3]"};
+  for (int n = 0; n < 4; ++n) PublishOutputImage(oContainer, aNames[n], &m_apOutPlanes[n]);
 }
 
 long ClIpSplitPlanes::Process() {

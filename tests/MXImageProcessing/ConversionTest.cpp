@@ -67,7 +67,7 @@ TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
 
 template <typename T>
 class Saturate : public testing::Test {};
-TYPED_TEST_SUITE(Saturate, AllElementTypes);
+TYPED_TEST_SUITE(Saturate, AllElementTypes, ClElementTypeNames);
 
 TYPED_TEST(Saturate, LimitsEachSampleAlsoInPlace) {
   std::mt19937 oRandom(42);

@@ -62,7 +62,7 @@ const long g_aModes[] = {ClIpFilterBase::eModeX, ClIpFilterBase::eModeY, ClIpFil
 
 template <typename T>
 class Filters : public testing::Test {};
-TYPED_TEST_SUITE(Filters, AllElementTypes);
+TYPED_TEST_SUITE(Filters, AllElementTypes, ClElementTypeNames);
 
 TYPED_TEST(Filters, MinimumAndMaximumAreThoseOfTheClippedWindow) {
   std::mt19937 oRandom(3);

@@ -6,7 +6,7 @@
 
 template <typename T>
 class Geometry : public testing::Test {};
-TYPED_TEST_SUITE(Geometry, AllElementTypes);
+TYPED_TEST_SUITE(Geometry, AllElementTypes, ClElementTypeNames);
 
 TYPED_TEST(Geometry, FlipMovesWholePixelsAlsoInPlace) {
   std::mt19937 oRandom(31);

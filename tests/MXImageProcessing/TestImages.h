@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <limits>
 #include <random>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -24,6 +25,16 @@ constexpr ClImage::EDataType TypeOf() {
   if (std::is_same_v<T, int32_t>) return ClImage::eInt32;
   return std::is_same_v<T, float> ? ClImage::eFloat32 : ClImage::eDouble64;
 }
+
+/// Names the instances of typed tests after their element type.
+struct ClElementTypeNames {
+  template <typename T>
+  static std::string GetName(int) {
+    const std::string sBits = std::to_string(8 * sizeof(T));
+    if (std::is_floating_point_v<T>) return "Float" + sBits;
+    return (std::is_signed_v<T> ? "Int" : "Uint") + sBits;
+  }
+};
 
 using AllElementTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, double>;
 

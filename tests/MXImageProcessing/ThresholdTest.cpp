@@ -116,7 +116,7 @@ TEST(Histogram, ErrorsHaveTheirNumbers) {
 
 template <typename T>
 class BinarizeGlobal : public testing::Test {};
-TYPED_TEST_SUITE(BinarizeGlobal, AllElementTypes);
+TYPED_TEST_SUITE(BinarizeGlobal, AllElementTypes, ClElementTypeNames);
 
 TYPED_TEST(BinarizeGlobal, SamplesAtTheThresholdAreWhiteInEveryType) {
   ClImage oIn, oOut;

@@ -202,7 +202,7 @@ TEST(Texture, ClassesOfInnerPixelsOnlyAndOneImageForEach) {
     EXPECT_EQ(Samples<uint8_t>(oOut), aExpected);
     for (unsigned int nClass = 0; nClass < 6; ++nClass) {
       std::vector<uint8_t> aMembers(16, 0);
-      for (const size_t n : {5, 6, 9, 10}) aMembers[n] = aExpected[n] == nClass ? 255 : 0;
+      for (const size_t n : {5U, 6U, 9U, 10U}) aMembers[n] = aExpected[n] == nClass ? 255 : 0;
       EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[nClass]), aMembers) << nClass;
     }
   }

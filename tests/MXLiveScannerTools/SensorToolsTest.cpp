@@ -18,7 +18,7 @@ T Limited(int64_t nValue) {
 
 template <typename T>
 class SensorTools : public testing::Test {};
-TYPED_TEST_SUITE(SensorTools, SensorTypes);
+TYPED_TEST_SUITE(SensorTools, SensorTypes, ClElementTypeNames);
 
 TYPED_TEST(SensorTools, BrightnessDividesByTheReferenceAboveTheMinimum) {
   std::mt19937 oRandom(61);
