@@ -12,7 +12,7 @@ constexpr unsigned char cnTargetGrey = 224;
 constexpr unsigned int cnStreamWaitSeconds = 10;
 constexpr int cnMaskDpi = 500;
 /// Grey values of finger pixels in a masked image.
-constexpr int cnLastFingerGrey = 160;
+constexpr unsigned char cnLastFingerGrey = 160;
 /// Finger pixels, at preview size, below which nothing usable lies on the platen.
 constexpr int cnMinFingerPixels = 1000;
 /// Standard deviation of the raw difference up to which the platen is empty.
@@ -140,7 +140,7 @@ int ClVT40LiveCapture::GetFingerPixel(const ClImage& oImage) {
   ClHistogram oHistogram;
   oHistogram.Create(oImage);
   int nPixels = 0;
-  for (int n = 0; n <= cnLastFingerGrey; ++n) nPixels += oHistogram.Count(n);
+  for (unsigned char n = 0; n <= cnLastFingerGrey; ++n) nPixels += oHistogram.Count(n);
   return nPixels;
 }
 
