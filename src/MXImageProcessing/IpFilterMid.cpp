@@ -97,6 +97,10 @@ long ClIpFilterMid::ProcessSignedXY() {
   return ProcessT_XY<int8_t, int64_t>();
 }
 
+long ClIpFilterMid::ProcessDirected(bool) {
+  return -33;
+}
+
 long ClIpFilterMid::ProcessXY() {
   const bool bFits = m_pInImage->Width() >= nFilterWidth && m_pInImage->Height() >= nFilterWidth;
   return bFits && nFilterWidth == 3 ? Process3x3() : ProcessT_XY<uint8_t, int64_t>();

@@ -14,7 +14,8 @@
 ///         and Y the window of that run shrinks to the largest odd width below the extent.
 /// Range   divisions truncate toward zero. Only eUint8 in mode XY and width 3 rounds.
 /// Threads thread-bound.
-/// Errors  as the base; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an extent of 1.
+/// Errors  as the base; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an extent of 1; -33 the
+///         directed modes.
 /// Cost    a fixed number of additions and one division a pixel, whatever the width.
 class ClIpFilterMid : public ClIpFilterBase {
  public:
@@ -33,6 +34,7 @@ class ClIpFilterMid : public ClIpFilterBase {
   long ProcessSignedX() override;
   long ProcessSignedY() override;
   long ProcessSignedXY() override;
+  long ProcessDirected(bool bOrtho) override;
 
  private:
   template <typename T, typename S>

@@ -201,6 +201,7 @@ TEST(FilterBase, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(oMid.ApplyParam(oIn, oIn, 3), -10);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirectedOrtho), -33);
+  EXPECT_EQ(oMid.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
   EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 3, 7); }), -35);
   EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oIn, oOut, 3, 7); }), -35);
   oOdd.NewWithType(3, 4, 4, 1, 0, 0, true);
