@@ -20,10 +20,6 @@ constexpr unsigned int cnNewestRevision = 7;
 /// The illumination keys.
 constexpr unsigned char caKeys[] = {16, 1, 8, 2, 4};
 
-void CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
-
 /// Without an input a warp makes its map and nothing else. A failing one must not keep its neighbours from theirs.
 void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
   try {
@@ -59,6 +55,10 @@ ClVT40SetupCalibrationData::ClVT40SetupCalibrationData(const char* szSerial, boo
     m_pMask[n] = std::make_unique<ClIpVT40R4Mask>();
     m_aMask[n] = m_pMask[n].get();
   }
+}
+
+void ClVT40SetupCalibrationData::CheckResult(long nResult) {
+  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
 }
 
 void ClVT40SetupCalibrationData::FillTables() {

@@ -67,7 +67,13 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
 
  private:
   using Points = ClCalibrateGeometricData::Points;
+  /// What full frames of all columns are brought to before they are warped.
+  static constexpr int cnWorkWidth = 2560;
+  static constexpr int cnWorkHeight = 2720;
 
+  /// Raises a processor's number unless it is 0.
+  static void CheckResult(long nResult);
+  static void Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut);
   void FillTables();
   void CheckPoints(const ClCalibrateGeometricData& oData) const;
   static void RepairPoints(Points& aPoints);

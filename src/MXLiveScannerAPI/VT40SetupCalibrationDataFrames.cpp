@@ -7,16 +7,10 @@
 
 namespace {
 
-constexpr int cnWorkWidth = 2560;
-constexpr int cnWorkHeight = 2720;
 constexpr int cnRollWorkWidth = 1280;
 constexpr int cnRollWorkHeight = 1362;
 /// Rows that a roll frame has beyond half the height.
 constexpr uint32_t cnRollExtraRows = 2;
-
-void CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
 
 [[noreturn]] void RaiseUnsupported() {
   KLV_RAISE(ClException, "Unsupported image dimensions.", -103);
@@ -33,12 +27,6 @@ bool HasRollSize(const ClImage& oImage, const ClCalibrateGeometricData& oData) {
 
 bool HasSizeOf(const ClImage& oImage, const ClImage& oOther) {
   return oImage.HasSize(oOther.Width(), oOther.Height());
-}
-
-void Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut) {
-  oWarp.m_pInImage = &oIn;
-  oWarp.m_pOutImage = &oOut;
-  CheckResult(oWarp.Apply());
 }
 
 /// Limits a warp to the middle of the full target that a roll covers, until it goes.
@@ -61,6 +49,12 @@ class ClRollRegion {
 };
 
 }  // namespace
+
+void ClVT40SetupCalibrationData::Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut) {
+  oWarp.m_pInImage = &oIn;
+  oWarp.m_pOutImage = &oOut;
+  CheckResult(oWarp.Apply());
+}
 
 void ClVT40SetupCalibrationData::CalibratePreview(ClImage& oIn, ClImage& oOut) {
   if (HasSourceSize(oIn, m_GeoPreview)) {

@@ -12,8 +12,6 @@ constexpr unsigned int cnGridPoints = 64;
 constexpr unsigned int cnGridSide = 8;
 constexpr double cdMostOffGrid = 15.0;
 constexpr uint32_t cnTargetSize = 1600;
-constexpr uint32_t cnWorkWidth = 2560;
-constexpr uint32_t cnWorkHeight = 2720;
 /// Beyond any sensor: what allocates by the size of a frame stays in bounds.
 constexpr uint32_t cnMostSource = 16384;
 /// The smallest frame is an eighth of the width and a quarter of the height.
