@@ -30,7 +30,7 @@ std::vector<ClVector> Shaken(std::vector<ClVector> aPoints, double dMost) {
 
 template <typename T>
 void Fit(TpThinPlateSplines<T>& oSpline, const std::vector<ClVector>& aFrom,
-           const std::vector<ClVector>& aTo) {
+         const std::vector<ClVector>& aTo) {
   oSpline.Setup(static_cast<long>(aFrom.size()), aFrom.data(), aTo.data());
 }
 
