@@ -1,6 +1,7 @@
 // The road of one frame on one thread, from the raw planes to the masked image, by step and as a whole.
 #include <benchmark/benchmark.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -105,8 +106,8 @@ ClScene& Scene() {
 
 /// The images and processors of one road, in the order of its steps.
 struct ClRoad {
-  explicit ClRoad(bool bFull) : bFull(bFull) {
-    oRaw.NewWithType(ClImage::eUint8, bFull ? 1920 : 960, bFull ? 2720 : 1360, 1, 0, 0, true);
+  explicit ClRoad(bool bFullSize) : bFull(bFullSize) {
+    oRaw.NewWithType(ClImage::eUint8, bFullSize ? 1920 : 960, bFullSize ? 2720 : 1360, 1, 0, 0, true);
   }
 
   void Difference() {

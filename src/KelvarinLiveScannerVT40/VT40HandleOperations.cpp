@@ -35,11 +35,14 @@ ClVT40LiveCapture& ClVT40Handle::Engine() const {
 }
 
 const ClCalibrateGeometricData& ClVT40Handle::FullData() const {
-  return m_pSetupCalibrationData->GetGeometricDataFull(Engine().UseSmallImages());
+  // The engine first: without one there are no calibration data either.
+  const bool bSmallImages = Engine().UseSmallImages();
+  return m_pSetupCalibrationData->GetGeometricDataFull(bSmallImages);
 }
 
 const ClCalibrateGeometricData& ClVT40Handle::PreviewData() const {
-  return m_pSetupCalibrationData->GetGeometricDataPreview(Engine().UseSmallImages());
+  const bool bSmallImages = Engine().UseSmallImages();
+  return m_pSetupCalibrationData->GetGeometricDataPreview(bSmallImages);
 }
 
 void ClVT40Handle::GetScannerCondition(unsigned int* pnCondition, unsigned int* pnReserved) {

@@ -89,11 +89,13 @@ long CallOf(ClArguments& oArguments, long (*pfn)(TArguments...), int nNull) {
   return oArguments.Call(pfn, nNull);
 }
 
+#define KLV_NUMBERS(...) __VA_ARGS__
+
 TEST_F(OpenScanner, EveryHandleFunctionRefusesWrongHandles) {
   void* hStale = m_h;
   ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
   char aForeign[64] = "LS_VT40";
-#define KLV_EXPORTED(name, handle, ...)                                                                      \
+#define KLV_EXPORTED(name, handle, nulls)                                                                    \
   if (handle) {                                                                                              \
     for (void* h : {static_cast<void*>(nullptr), static_cast<void*>(aForeign), hStale}) {                    \
       ClArguments oArguments(h, handle, #name);                                                              \
@@ -106,9 +108,9 @@ TEST_F(OpenScanner, EveryHandleFunctionRefusesWrongHandles) {
 }
 
 TEST_F(OpenScanner, EveryPointerThatMustNotBeNullIsRefusedWithItsNumber) {
-#define KLV_EXPORTED(name, handle, ...)                                                                   \
+#define KLV_EXPORTED(name, handle, nulls)                                                                 \
   {                                                                                                       \
-    const std::vector<long> aNumbers = {__VA_ARGS__};                                                     \
+    const std::vector<long> aNumbers = {KLV_NUMBERS nulls};                                               \
     for (size_t n = 0; n < aNumbers.size(); ++n) {                                                        \
       ClArguments oArguments(m_h, handle, #name);                                                         \
       EXPECT_EQ(CallOf(oArguments, name, static_cast<int>(n)), aNumbers[n]) << #name << " pointer " << n; \
