@@ -93,7 +93,8 @@ double ClHistogram::GetGreyMid(unsigned char nPos1, unsigned char nPos2) const {
     nWeighted += int64_t{i} * m_aCounts[i];
     nSum += m_aCounts[i];
   }
-  if (nSum == 0) return (nPos1 + nPos2) / 2;
+  const int nMiddle = (nPos1 + nPos2) / 2;
+  if (nSum == 0) return nMiddle;
   return static_cast<double>(nWeighted) / static_cast<double>(nSum) - m_nOffset;
 }
 

@@ -37,9 +37,10 @@ bool FitsKernels(long nWindowWidth, long nWindowHeight) {
   return nArea <= std::numeric_limits<uint32_t>::max() / std::numeric_limits<T>::max();
 }
 
+/// A window holds its own pixel at least.
 template <typename T, typename S>
 T TruncatedMean(S oSum, int64_t nArea) {
-  return static_cast<T>(oSum / static_cast<S>(nArea));
+  return static_cast<T>(oSum / static_cast<S>(std::max<int64_t>(nArea, 1)));
 }
 
 }  // namespace
@@ -106,6 +107,7 @@ long ClIpFilterMid::ProcessXY() {
   return bFits && nFilterWidth == 3 ? Process3x3() : ProcessT_XY<uint8_t, int64_t>();
 }
 
+// NOLINTBEGIN(bugprone-virtual-near-miss): one letter apart, as ProcessX and ProcessY are
 template <typename T, typename S>
 long ClIpFilterMid::ProcessT() {
   switch (nMode) {
@@ -122,6 +124,8 @@ long ClIpFilterMid::ProcessT() {
       KLV_RAISE_NUMBER(-35);
   }
 }
+
+// NOLINTEND(bugprone-virtual-near-miss)
 
 /// 0 where there is no room for a window at all.
 long ClIpFilterMid::WidthOnAxis(long nExtent) const {

@@ -53,6 +53,7 @@ long TpIpFilterRank<TRank>::DoProcess() {
   return nResult;
 }
 
+// NOLINTBEGIN(bugprone-virtual-near-miss): one letter apart, as ProcessX and ProcessY are
 template <class TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT() {
@@ -70,6 +71,8 @@ long TpIpFilterRank<TRank>::ProcessT() {
       KLV_RAISE_NUMBER(-35);
   }
 }
+
+// NOLINTEND(bugprone-virtual-near-miss)
 
 /// A window that reaches past both ends is no wider than one that just does.
 template <class TRank>

@@ -79,8 +79,10 @@ long ClIpSubtract::Default(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, const Cl
     }
   }
   using W = TDifference<T, U, V>;
+  // NOLINTBEGIN(bugprone-signed-char-misuse): limits of signed bytes are numbers, not characters
   const W nLow = static_cast<W>(nLower);
   const W nHigh = static_cast<W>(nUpper);
+  // NOLINTEND(bugprone-signed-char-misuse)
   ForOverlap(pIn1, pIn2, pOut, oOverlap, [nLow, nHigh](T nA, U nB) {
     W nDifference = static_cast<W>(nA) - static_cast<W>(nB);
     // NaN stays NaN in a floating output and becomes the lower limit in an integer one.

@@ -29,7 +29,8 @@ void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t
     if (x + nHalf < nCount) nSum += pSums[x + nHalf];
     if (x > nHalf) nSum -= pSums[x - nHalf - 1];
     const size_t nColumns = std::min(x + nHalf + 1, nCount) - (x > nHalf ? x - nHalf : 0);
-    pOut[x] = static_cast<T>(nSum / (nRows * static_cast<uint32_t>(nColumns)));
+    const uint32_t nArea = std::max(nRows * static_cast<uint32_t>(nColumns), uint32_t{1});
+    pOut[x] = static_cast<T>(nSum / nArea);
   }
 }
 
