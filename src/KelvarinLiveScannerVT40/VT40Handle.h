@@ -18,11 +18,9 @@
 /// handle raise -2.
 ///
 /// Ownership  owns device handle, calibration state and engine, and its own reference on the scan library, so
-/// that no
-///            worker calls into unloaded code whatever the application does.
+///            that no worker calls into unloaded code whatever the application does.
 /// Threads    thread-safe but for AssignDevice, UnassignDevice and destruction. m_oMutex is held for the
-/// whole of the
-///            image calls, SetCaptureMode and SetLED; m_oLedMutex lies below it.
+///            whole of the image calls, SetCaptureMode and SetLED; m_oLedMutex lies below it.
 /// Errors     a scan library's number is passed on unchanged.
 class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
                                            TSDKHandleBaseBase<ClVT40Handle, ClLiveScannerVT40>> {

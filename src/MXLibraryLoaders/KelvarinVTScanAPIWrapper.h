@@ -8,8 +8,10 @@
 /// one reference on the library and holds no data.
 ///
 /// Range    without an open library every pointer is NULL; with one, the optional functions that it lacks
-/// are. Threads  see TpDynamicLibraryLoaderBase. Errors   ClExDynamicLibraryLoadFail -200 without the
-/// library, -206 with the name of a required function that it lacks.
+///          are.
+/// Threads  see TpDynamicLibraryLoaderBase.
+/// Errors   ClExDynamicLibraryLoadFail -200 without the library, -206 with the name of a required function
+///          that it lacks.
 class ClKelvarinVTScanAPIWrapper : public TpDynamicLibraryLoaderBase<ClKelvarinVTScanAPIWrapper> {
  public:
   ClKelvarinVTScanAPIWrapper() = default;

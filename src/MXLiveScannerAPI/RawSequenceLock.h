@@ -6,7 +6,7 @@
 /// Ownership  the sequence is the scan library's; it is lent from construction to Release or destruction.
 /// Threads    thread-bound. Construction waits until the scanner has a sequence.
 /// Errors     the scanner's numbers, -103 when the scan library cannot lend sequences. The destructor raises
-/// nothing.
+///            nothing.
 class ClRawSequenceLock {
  public:
   explicit ClRawSequenceLock(ClMXVTScanAPIHandleBase& oScanner) : m_oScanner(oScanner) {

@@ -24,9 +24,8 @@ class ClVT40SetupCalibrationData;
 /// workers and builds the next set.
 ///
 /// Threads    thread-safe but for SetScanner, SetupCalibrationData and destruction. Locks are taken in this
-/// order:
-///            m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex; workers take the last
-///            two at most, which is why a mode switch can join them while it holds the first three.
+///            order: m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex; workers take
+///            the last two at most, which is why a mode switch can join them while it holds the others.
 /// Errors     a worker that fails prints the reason and ends: callers see a time-out, -60.
 class ClVT40LiveCapture : public ClVTLiveCaptureBase {
  public:

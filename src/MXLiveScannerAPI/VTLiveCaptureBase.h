@@ -14,8 +14,7 @@ class ClVTSetupCalibrationDataBase;
 ///
 /// Ownership  neither the scanner nor the calibration state is owned; both outlive the engine.
 /// Threads    the image calls and SetCaptureMode are thread-safe in the concrete engine; the words that
-/// workers
-///            write and callers read are atomic.
+///            workers write and callers read are atomic.
 class ClVTLiveCaptureBase {
  public:
   enum ECaptureMode : int {

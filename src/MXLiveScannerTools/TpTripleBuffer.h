@@ -11,11 +11,11 @@
 ///
 /// Domain     one writer and one reader at a time.
 /// Range      a reader gets the newest item; items that were overwritten before it came are lost. Before
-/// anything
-///            was written it gets the second item as it was lent.
+///            anything was written it gets the second item as it was lent.
 /// Ownership  the items are lent by SetBuffer and stay their owner's.
 /// Threads    thread-safe. Items are touched outside the lock: flags and indices keep reader and writer
-/// apart. Errors     -50 when a side is taken twice, or the items are changed while a side is taken.
+///            apart.
+/// Errors     -50 when a side is taken twice, or the items are changed while a side is taken.
 template <typename T>
 class ClTpTripleBuffer {
  public:

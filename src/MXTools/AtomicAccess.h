@@ -6,8 +6,7 @@
 /// The variable's value, read in one piece.
 ///
 /// Domain   arithmetic, enumeration and pointer types at their natural alignment (8 bytes for a double, also
-/// where
-///          the compiler would put it at 4).
+///          where the compiler would put it at 4).
 /// Threads  thread-safe for the one variable; gives no order to any other.
 template <typename T>
 T KlvAtomicLoad(const T& rValue) {

@@ -8,8 +8,7 @@
 /// Ownership  holds the library from Open to Close.
 /// Threads    thread-bound.
 /// Errors     ClExDynamicLibraryLoadFail: -200 when it can't be opened, -206 for a missing function, -204
-/// when it
-///            can't be closed; each with the linker's text.
+///            when it can't be closed; each with the linker's text.
 class ClDynamicLibrary : private boost::noncopyable {
  public:
   ClDynamicLibrary() = default;

@@ -10,12 +10,10 @@
 ///
 /// Ownership  owns the tree.
 /// Threads    thread-safe as far as the bound values are: building the tree has a mutex of its own, which is
-/// never held
-///            around a value. An enumeration is thread-bound, and no other property call may run beside its
-///            start.
-/// Errors     tested in this order: -44 name NULL; -206 not found; then what each operation tells; a NULL for
-/// the
-///            result, -23 or -24, last.
+///            never held around a value. An enumeration is thread-bound, and no other property call may run
+///            beside its start.
+/// Errors     tested in this order: -44 name NULL; -206 not found; then what each operation tells, in the
+///            order in which it tells it; a NULL for a result, -23, last.
 class ClHandleProperties {
  public:
   enum enumType_t { eTypeLong = 0, eTypeDouble = 1, eTypeText = 2 };
@@ -26,8 +24,8 @@ class ClHandleProperties {
   ClHandleProperties& operator=(const ClHandleProperties&) = delete;
   virtual ~ClHandleProperties() = default;
 
-  /// The value as text; *size comes in as the room and goes out as the size needed. Errors: -24, -21 too
-  /// small.
+  /// The value as text; *pnSize comes in as the room and goes out as the size needed.
+  /// Errors: -24 pnSize NULL; -21 too small.
   virtual void GetProperty(const char* szName, char* szValue, unsigned int* pnSize);
   /// Errors: -47 not writable; -20, -44, -35 for the text.
   virtual void SetProperty(const char* szName, const char* szValue);
@@ -39,7 +37,7 @@ class ClHandleProperties {
   virtual void GetPropertyDouble(const char* szName, double* pdValue);
   /// Errors: -44 no floating number; -47; -35.
   virtual void SetPropertyDouble(const char* szName, double dValue);
-  /// Errors: -24; -44 no block of bytes; -21 too small.
+  /// Errors: -24 pnSize NULL; -44 no block of bytes; -21 too small.
   virtual void GetPropertyBlob(const char* szName, unsigned char* pData, unsigned int* pnSize);
   /// Errors: -44 no block of bytes.
   virtual void SetPropertyBlob(const char* szName, const unsigned char* pData, unsigned int nSize);

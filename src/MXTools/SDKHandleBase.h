@@ -40,9 +40,8 @@ const char* TSDKHandleBaseBase<T, TSDK>::m_szpVersion = TSDK::m_szVersion;
 
 /// Creation, destruction and the property tree of a concrete handle class T.
 ///
-/// Ownership  the handle owns its property tree; the application owns the handle until DestroyHandle. The SDK
-/// keeps no
-///            list of open handles.
+/// Ownership  the handle owns its property tree; the application owns the handle until DestroyHandle. The
+///            SDK keeps no list of open handles.
 /// Threads    property calls are thread-safe as far as the bound values are.
 template <typename T, typename TSDK, typename TBase>
 class TSDKHandleBase : public TBase {

@@ -12,8 +12,8 @@
 /// The memory behind an application's void*.
 ///
 /// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and kept
-/// for a while,
-///            so that a handle that was closed is recognised instead of being read from freed memory.
+///            for a while, so that a handle that was closed is recognised instead of being read from freed
+///            memory.
 /// Threads    thread-safe as long as no handle is used while it is deleted.
 /// Errors     -42 NULL, -43 no handle of this kind.
 template <typename T, const char (&aSignature1)[8], const char (&aSignature2)[8]>

@@ -10,7 +10,7 @@
 /// Domain     T has OnInitialize and OnUninitialize.
 /// Ownership  the instance lives from the first New to the last PrivateDelete.
 /// Threads    thread-safe: one mutex guards count and instance, and is held during OnInitialize and
-/// OnUninitialize.
+///            OnUninitialize.
 template <typename T>
 class TpSingleton {
  public:

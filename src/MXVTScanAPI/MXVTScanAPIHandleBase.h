@@ -12,7 +12,8 @@
 ///
 /// Ownership  buffers are the caller's; a raw sequence is lent from LockRawSequence to ReleaseRawSequence.
 /// Threads    thread-bound: the engine serialises what reaches the sensor. LockRawSequence waits in one
-/// thread. Errors     ClException -103 for an operation that an implementation has not.
+///            thread.
+/// Errors     ClException -103 for an operation that an implementation has not.
 class ClMXVTScanAPIHandleBase : private boost::noncopyable {
  public:
   /// Sensor modes. The names are those of the ten-finger scanner, where the engine uses them.

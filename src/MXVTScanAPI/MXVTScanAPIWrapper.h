@@ -8,12 +8,11 @@ class ClKelvarinVTScanAPIWrapper;
 /// Forwards each operation to one open device of the scan library.
 ///
 /// Ownership  neither the binding nor the device, which whoever opened it closes; AssignDevice and
-/// UnassignDevice open
-///            and close one here. The binding's reference on the library must last as long as calls are made.
+///            UnassignDevice open and close one here. The binding's reference on the library must last as
+///            long as calls are made.
 /// Threads    thread-bound, but for LockRawSequence, which may wait while others call.
 /// Errors     ClException -103 "VTScanAPI version incompatible" for a function that the library lacks, but
-/// Beep does
-///            nothing then and the LED forms give false; ClExKelvarin -2 while no library is bound.
+///            Beep does nothing then and the LED forms give false; ClExKelvarin -2 while no library is bound.
 class ClMXVTScanAPIWrapper : public ClMXVTScanAPIHandleBase {
  public:
   ClMXVTScanAPIWrapper(ClKelvarinVTScanAPIWrapper* pDllWrapper, void* hDevice) {
