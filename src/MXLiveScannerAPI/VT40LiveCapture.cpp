@@ -20,6 +20,13 @@ int AsInt(unsigned int n) {
   return static_cast<int>(n);
 }
 
+/// Raw sequences have the sensor's size, whatever the calibration data say.
+void CheckSourceSize(const ClCalibrateGeometricData& oData, const ScannerTypes::Resolution& oSensor) {
+  if (oData.m_nSourceWidth > oSensor.nWidth || oData.m_nSourceHeight > oSensor.nHeight) {
+    KLV_RAISE(ClException, "invalid calibration data found in scanner eprom.", -39);
+  }
+}
+
 }  // namespace
 
 ClVT40LiveCapture::ClVT40LiveCapture() {
@@ -34,6 +41,9 @@ void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData
   m_pSetup = static_cast<ClVT40SetupCalibrationData*>(pData);
   const ClCalibrateGeometricData& oPreview = m_pSetup->GetGeometricDataPreview(m_bSmallImages);
   const ClCalibrateGeometricData& oFull = m_pSetup->GetGeometricDataFull(m_bSmallImages);
+  using Scanner = ClMXVTScanAPIHandleBase;
+  CheckSourceSize(oPreview, m_bSmallImages ? Scanner::m_oResVT40_960x1360 : Scanner::m_oResVT40Half);
+  CheckSourceSize(oFull, m_bSmallImages ? Scanner::m_oResVT40_1920x2720 : Scanner::m_oResVT40Full);
   NewFrame(m_oPreviewRaw, AsInt(oPreview.m_nSourceWidth), AsInt(oPreview.m_nSourceHeight));
   NewFrame(m_oPreviewCalibrated, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
   NewFrame(m_oFullRaw, AsInt(oFull.m_nSourceWidth), AsInt(oFull.m_nSourceHeight));

@@ -32,7 +32,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   ClVT40LiveCapture();
   ~ClVT40LiveCapture() override;
 
-  /// pData must be a ClVT40SetupCalibrationData that is set up. Ends in eCaptureModeOff.
+  /// pData must be a ClVT40SetupCalibrationData that is set up. Ends in eCaptureModeOff. Errors: -39 for data
+  /// of frames that are larger than the sensor's; the scanner's numbers.
   void SetupCalibrationData(ClVTSetupCalibrationDataBase* pData) override;
   void Reset(bool bReset) override;
   void Capture() override;
@@ -103,6 +104,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   void CalibratePreviewThread();
   void CalibrateFullThread();
   void MaskThread();
+  /// For image calls behind their lock. Errors: -50 when a switch came first.
+  void CheckMode(ECaptureMode eMode) const;
   static bool WaitForImage(ClTpTripleBuffer<ClImage>& oBuffer, unsigned int nSeconds);
 
   // Full resolution

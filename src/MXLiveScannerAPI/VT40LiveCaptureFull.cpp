@@ -69,6 +69,7 @@ void ClVT40LiveCapture::GetImage(ClImage& oImage, ECaptureState& eState, double&
 
 void ClVT40LiveCapture::GetImageOneShot(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oModeLock(m_oModeMutex);
+  CheckMode(eCaptureModeOff);
   Lock oFullImageLock(m_oFullImageMutex);
   m_pScanner->EnableCaptureThread(true);
   try {
@@ -98,6 +99,7 @@ void ClVT40LiveCapture::GetImageOneShot(ClImage& oImage, ECaptureState& eState, 
 
 void ClVT40LiveCapture::GetImageStream(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oImageLock(m_oImageMutex);
+  CheckMode(eCaptureModeFull);
   if (!WaitForImage(m_oMaskedBuffer, cnStreamWaitSeconds)) {
     KLV_RAISE(ClException, "timeout during highres image reading", -60);
   }
@@ -109,6 +111,7 @@ void ClVT40LiveCapture::GetImageStream(ClImage& oImage, ECaptureState& eState, d
 
 void ClVT40LiveCapture::GetImageOnDemand(ClImage& oImage, ECaptureState& eState, double& dScore) {
   SensorLock oSensorLock(m_oSensorMutex);
+  CheckMode(eCaptureModePreview);
   Lock oFullImageLock(m_oFullImageMutex);
   try {
     CaptureHires(m_oFullRaw);

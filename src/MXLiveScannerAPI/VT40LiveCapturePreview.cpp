@@ -116,9 +116,13 @@ bool ClVT40LiveCapture::WaitForImage(ClTpTripleBuffer<ClImage>& oBuffer, unsigne
   }
 }
 
+void ClVT40LiveCapture::CheckMode(ECaptureMode eMode) const {
+  if (m_eCaptureMode != eMode) KLV_RAISE(ClException, "Invalid capture mode.", -50);
+}
+
 void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oImageLock(m_oImageMutex);
-  if (m_eCaptureMode != eCaptureModePreview) KLV_RAISE(ClException, "Invalid capture mode.", -50);
+  CheckMode(eCaptureModePreview);
   // Read in front of the wait: the state may be a frame older than the image, never newer.
   eState = m_eDetectState;
   if (!WaitForImage(m_oMaskedBuffer, cnPreviewWaitSeconds)) {

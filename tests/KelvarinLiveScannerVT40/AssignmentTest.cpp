@@ -155,6 +155,20 @@ TEST_F(Assignment, EachFieldOfTheGeometricBlockIsGuarded) {
   ExpectOpen(0, "the scanner's own block again");
 }
 
+TEST_F(Assignment, FramesBeyondTheSensorsSizeAreRefusedAlsoWithoutACheckSum) {
+  // The older version of the block has no check sum that would show the change.
+  std::vector<unsigned char> aWide = ReadEprom("GEOCAL");
+  ASSERT_EQ(aWide[10], '6');
+  ASSERT_EQ(aWide[14] << 8 | aWide[15], 3840);
+  aWide[10] = '5';
+  aWide[14] = 16384 >> 8;
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aWide.data(), static_cast<unsigned int>(aWide.size())), 0);
+  ExpectOpen(-39, "frames 16384 wide");
+  aWide[14] = 3840 >> 8;
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aWide.data(), static_cast<unsigned int>(aWide.size())), 0);
+  ExpectOpen(0, "the sensor's own width");
+}
+
 TEST_F(Assignment, BrightnessAndGainBlocksAreGuarded) {
   const std::vector<unsigned char> aBrightness = ReadEprom("BRGHTCAL");
   const std::vector<unsigned char> aGain = ReadEprom("GAINSET");
