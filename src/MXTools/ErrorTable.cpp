@@ -13,7 +13,9 @@ constexpr ST_ErrorMapEntry s_aErrorTable[] = {
 #undef KLV_ERROR
 
 /// What tells one kind of key from another: how a row is compared with it.
-bool Matches(const ST_ErrorMapEntry& oRow, long nNumber) { return oRow.nNumber == nNumber; }
+bool Matches(const ST_ErrorMapEntry& oRow, long nNumber) {
+  return oRow.nNumber == nNumber;
+}
 bool Matches(const ST_ErrorMapEntry& oRow, const char* szName) {
   return szName != nullptr && std::strcmp(oRow.szName, szName) == 0;
 }
@@ -34,17 +36,25 @@ struct GetErrorInfoT {
 };
 
 template <typename T>
-const ST_ErrorMapEntry GetErrorInfoT<T>::sUnknown = {0x7FFFFFFF, "Unknown error code.", L"Unknown error code.",
-                                                     "XSC_ERROR_UNKOWN_ERROR_CODE",
+const ST_ErrorMapEntry GetErrorInfoT<T>::sUnknown = {0x7FFFFFFF, "Unknown error code.",
+                                                     L"Unknown error code.", "XSC_ERROR_UNKOWN_ERROR_CODE",
                                                      L"XSC_ERROR_UNKOWN_ERROR_CODE"};
 
 }  // namespace
 
-const ST_ErrorMapEntry& GetKlvErrorInfo(long nNumber) { return GetErrorInfoT<long>::Find(nNumber); }
-const ST_ErrorMapEntry& GetKlvErrorInfo(const char* szName) { return GetErrorInfoT<const char*>::Find(szName); }
+const ST_ErrorMapEntry& GetKlvErrorInfo(long nNumber) {
+  return GetErrorInfoT<long>::Find(nNumber);
+}
+const ST_ErrorMapEntry& GetKlvErrorInfo(const char* szName) {
+  return GetErrorInfoT<const char*>::Find(szName);
+}
 const ST_ErrorMapEntry& GetKlvErrorInfo(const wchar_t* wszName) {
   return GetErrorInfoT<const wchar_t*>::Find(wszName);
 }
 
-const char* GetErrorDescriptionIntern(long nNumber) { return GetKlvErrorInfo(nNumber).szDescription; }
-const wchar_t* GetErrorDescriptionInternW(long nNumber) { return GetKlvErrorInfo(nNumber).wszDescription; }
+const char* GetErrorDescriptionIntern(long nNumber) {
+  return GetKlvErrorInfo(nNumber).szDescription;
+}
+const wchar_t* GetErrorDescriptionInternW(long nNumber) {
+  return GetKlvErrorInfo(nNumber).wszDescription;
+}

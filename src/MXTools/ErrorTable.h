@@ -3,11 +3,11 @@
 
 /// One row of the error table.
 struct ST_ErrorMapEntry {
-  long nNumber;                  ///< error number: 0 for success, negative for failures
-  const char* szDescription;     ///< message
-  const wchar_t* wszDescription; ///< the same message
-  const char* szName;            ///< symbolic name
-  const wchar_t* wszName;        ///< the same name
+  long nNumber;                   ///< error number: 0 for success, negative for failures
+  const char* szDescription;      ///< message
+  const wchar_t* wszDescription;  ///< the same message
+  const char* szName;             ///< symbolic name
+  const wchar_t* wszName;         ///< the same name
 };
 
 /// The row of a number or of a name, compared exactly; where two rows answer, the first one in the table.

@@ -13,26 +13,37 @@
 
 namespace {
 
+/// Raised when a comment cannot be allocated, and so without a comment of its own.
+[[noreturn]] void RaiseNoRoomForComment() {
+  throw ClExBadAlloc(ClExKelvarin(-102, "Unknown", -1));
+}
+
 char* Duplicate(const char* szText) {
   if (szText == nullptr) return nullptr;
   const size_t nSize = std::strlen(szText) + 1;
   char* szCopy = new (std::nothrow) char[nSize];
-  if (szCopy == nullptr) KlvRaiseBadAlloc();
+  if (szCopy == nullptr) RaiseNoRoomForComment();
   std::memcpy(szCopy, szText, nSize);
   return szCopy;
 }
 
-const char* OrEmpty(const char* szText) { return szText != nullptr ? szText : ""; }
+const char* OrEmpty(const char* szText) {
+  return szText != nullptr ? szText : "";
+}
 
 }  // namespace
 
-void KlvRaiseBadAlloc() { throw ClExBadAlloc("Memory allocation failed", -102, true, "Unknown", -1); }
+void KlvRaiseBadAlloc() {
+  throw ClExBadAlloc("Memory allocation failed", -102, true, "Unknown", -1);
+}
 
 namespace Klv {
 
 CXSystemException::CXSystemException() : m_nErrorNumber(errno) {}
 
-const char* CXSystemException::GetDescription() const { return std::strerror(m_nErrorNumber); }
+const char* CXSystemException::GetDescription() const {
+  return std::strerror(m_nErrorNumber);
+}
 
 }  // namespace Klv
 
@@ -93,7 +104,7 @@ int ClException::SetCommentV(const char* szFormat, ...) {
   char* szComment = nSize == 0 ? nullptr : new (std::nothrow) char[nSize];
   if (szComment != nullptr) std::vsnprintf(szComment, nSize, szFormat, aAgain);
   va_end(aAgain);
-  if (szComment == nullptr) KlvRaiseBadAlloc();
+  if (szComment == nullptr) RaiseNoRoomForComment();
   // Formatted before the old text goes, since that may be among the arguments.
   if (m_bOwnsComment) delete[] m_szComment;
   m_bOwnsComment = true;

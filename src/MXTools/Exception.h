@@ -79,12 +79,12 @@ class ClExKelvarin : public ClException {
   explicit ClExKelvarin(const ClException& oOther) : ClException(oOther) {}
 };
 
-#define KLV_EXCEPTION_CLASS(Class, Base)                                                   \
-  class Class : public Base {                                                              \
-   public:                                                                                 \
-    Class(const char* szText, long nNumber, bool bOwn, const char* szFile, long nLine)     \
-        : Base(szText, nNumber, bOwn, szFile, nLine) {}                                    \
-    explicit Class(const ClException& oOther) : Base(oOther) {}                            \
+#define KLV_EXCEPTION_CLASS(Class, Base)                                               \
+  class Class : public Base {                                                          \
+   public:                                                                             \
+    Class(const char* szText, long nNumber, bool bOwn, const char* szFile, long nLine) \
+        : Base(szText, nNumber, bOwn, szFile, nLine) {}                                \
+    explicit Class(const ClException& oOther) : Base(oOther) {}                        \
   }
 
 KLV_EXCEPTION_CLASS(ClExBadAlloc, ClException);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -17,6 +18,22 @@
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/Vector.h"
 #include "TemporaryDirectory.h"
+
+namespace {
+
+/// While set, no allocation that may fail without an exception succeeds.
+bool s_bOutOfMemory = false;
+
+}  // namespace
+
+void* operator new[](std::size_t nBytes, const std::nothrow_t&) noexcept {
+  if (s_bOutOfMemory) return nullptr;
+  try {
+    return operator new[](nBytes);
+  } catch (...) {
+    return nullptr;
+  }
+}
 
 namespace {
 
@@ -60,6 +77,18 @@ TEST(Exception, TheCommentIsTheTablesMessageAndTheText) {
   const ClException& oItself = oCopy;
   oCopy = oItself;
   EXPECT_STREQ(oCopy.What(), "Internal error.\nx");
+}
+
+TEST(Exception, AFailureWithoutRoomForItsTextIsAFailureForWantOfMemory) {
+  long nNumber = 0;
+  s_bOutOfMemory = true;
+  try {
+    KLV_RAISE(ClException, "x", -101);
+  } catch (const ClExBadAlloc& oFailure) {
+    nNumber = oFailure.Number();
+  }
+  s_bOutOfMemory = false;
+  EXPECT_EQ(nNumber, -102);
 }
 
 TEST(ArrayDynamic, ElevenEntriesOfAStepOfTenTakeTwentyPlaces) {
