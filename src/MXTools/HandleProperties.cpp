@@ -64,6 +64,7 @@ ClParameter& ClHandleProperties::FindProperty(const char* szName) {
 }
 
 void ClHandleProperties::GetProperty(const char* szName, char* szValue, unsigned int* pnSize) {
+  QueryPropertys();
   if (szValue != nullptr && pnSize != nullptr && *pnSize >= 2) szValue[0] = '\0';
   ClParameter& oParameter = FindProperty(szName);
   if (pnSize == nullptr) KLV_RAISE_NUMBER(-24);

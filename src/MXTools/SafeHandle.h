@@ -97,7 +97,12 @@ class TpSafeHandle {
   static void RetireRecord(TpSafeHandle* pRecord) {
     StRetired& oRetired = Retired();
     boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
-    oRetired.aRecords.push_back(pRecord);
+    try {
+      oRetired.aRecords.push_back(pRecord);
+    } catch (const std::bad_alloc&) {
+      // The object is gone; that its record can't be remembered is no reason to fail.
+      delete pRecord;
+    }
   }
 
   void Wipe() {
