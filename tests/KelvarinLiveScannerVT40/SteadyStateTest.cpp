@@ -20,6 +20,11 @@ void* Allocate(size_t nBytes) {
   return p;
 }
 
+/// Not inlined, so that the compiler does not take the pair of malloc and free for a mistake.
+__attribute__((noinline)) void Release(void* p) noexcept {
+  std::free(p);
+}
+
 /// Counts the allocations of all threads over some calls.
 template <typename TCall>
 size_t CountAllocations(TCall&& oCall) {
@@ -48,16 +53,16 @@ void* operator new[](size_t nBytes, const std::nothrow_t&) noexcept {
   return operator new(nBytes, std::nothrow);
 }
 void operator delete(void* p) noexcept {
-  std::free(p);
+  Release(p);
 }
 void operator delete[](void* p) noexcept {
-  std::free(p);
+  Release(p);
 }
 void operator delete(void* p, size_t) noexcept {
-  std::free(p);
+  Release(p);
 }
 void operator delete[](void* p, size_t) noexcept {
-  std::free(p);
+  Release(p);
 }
 
 namespace {
