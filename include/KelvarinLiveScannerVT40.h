@@ -169,7 +169,8 @@ KLV_API long LS_VT40GetRollImageDPI(void* h, unsigned int* pnDpiX, unsigned int*
 /* ---- Capture ----------------------------------------------------------------------------------------- */
 
 /* Selects a capture mode, one of KLV_VT40_CAPTURE_MODE_TAGS. A scanner that was just opened is in mode OFF;
- * the mode that is set already is left alone. After a failure the mode is OFF.
+ * the mode that is set already is left alone. A number that is no mode changes nothing; after any other
+ * failure the mode is OFF.
  * Errors: KLV_ERROR_UNSUPPORTED no such mode, or not in this release; the scan library's own number. */
 KLV_API long LS_VT40SetCaptureMode(void* h, int nMode);
 

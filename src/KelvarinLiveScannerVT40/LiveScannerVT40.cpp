@@ -18,8 +18,7 @@ std::atomic<ClKelvarinVTScanAPIWrapper*> ClLiveScannerVT40::m_pVTScanAPI{nullptr
 void ClLiveScannerVT40::OnInitialize() {
   auto pLibrary = std::make_unique<ClKelvarinVTScanAPIWrapper>();
   try {
-    pLibrary->OpenLibrary(m_szSearchPath,
-                          ClKelvarinVTScanAPIWrapper::m_ssLibName);
+    pLibrary->OpenLibrary(m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
   } catch (const ClException&) {
     KLV_RAISE(ClException, "Unable to open VTScanAPI library.", -200);
   }
