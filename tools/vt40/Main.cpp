@@ -10,39 +10,47 @@
 namespace {
 
 constexpr char cszExitCodes[] =
-    "Exit codes: 0 ok, 1 negative verdict, 2 usage, 3 no scanner, 4 scanner busy, 5 time-out, 6 scanner "
-    "lost, "
-    "7 file error.";
+    "Exit codes: 0 ok, 1 negative verdict, 2 usage, 3 no scanner, 4 scanner busy, 5 time-out, "
+    "6 scanner lost, 7 file error.";
 
-void AddCommon(CLI::App& oCommand, StCommonOptions& oCommon) {
-  oCommand.add_option("--serial", oCommon.sSerial,
-                      "Serial number of the scanner; needed when there are several");
-  oCommand.add_option("--scene", oCommon.sScene,
-                      "Scene of the simulated scanner: a built-in name or a JSON file");
-  oCommand.add_option("--print", oCommon.sPrintFile,
-                      "PNG of a print for the platen of the simulated scanner");
-  oCommand.add_flag("--json", oCommon.bJson, "Print facts as JSON");
+/// Where the parser puts what it reads, and the command that was chosen.
+struct StCommandLine {
+  StCommonOptions oCommon;
+  StCaptureOptions oCapture;
+  std::string sPropertyName;
+  std::string sPropertyValue;
+  unsigned int nLedIndex = 0;
+  unsigned int nLedState = 0;
+  unsigned int nBeepArg1 = 300;
+  unsigned int nBeepArg2 = 100;
+  std::function<int()> fnCommand;
+};
+
+/// A command with the options that all have. Its action runs after the whole line is parsed.
+CLI::App* AddCommand(CLI::App& oParent, StCommandLine& oLine, const char* szName, const char* szDescription,
+                     const std::function<int()>& fnCommand) {
+  CLI::App* pCommand = oParent.add_subcommand(szName, szDescription);
+  pCommand->add_option("--serial", oLine.oCommon.sSerial,
+                       "Serial number of the scanner; needed when there are several");
+  pCommand->add_option("--scene", oLine.oCommon.sScene,
+                       "Scene of the simulated scanner: a built-in name or a JSON file");
+  pCommand->add_option("--print", oLine.oCommon.sPrintFile,
+                       "PNG of a print for the platen of the simulated scanner");
+  pCommand->add_flag("--json", oLine.oCommon.bJson, "Print facts as JSON");
+  pCommand->callback([&oLine, fnCommand] { oLine.fnCommand = fnCommand; });
+  return pCommand;
 }
 
-int RunTool(int nArguments, char** ppArguments) {
-  CLI::App oApp("Captures fingerprints with VT40 live-scanners.", "vt40");
-  oApp.footer(cszExitCodes);
-  oApp.require_subcommand(1);
-  oApp.set_version_flag("--version", ClLibrary::Version());
-  StCommonOptions oCommon;
-  std::function<int()> fnCommand;
+void AddQueries(CLI::App& oApp, StCommandLine& oLine) {
+  AddCommand(oApp, oLine, "list", "List the connected scanners", [&oLine] { return RunList(oLine.oCommon); });
+  AddCommand(oApp, oLine, "info", "Tell versions, sizes and condition of a scanner",
+             [&oLine] { return RunInfo(oLine.oCommon); });
+}
 
-  CLI::App* pList = oApp.add_subcommand("list", "List the connected scanners");
-  AddCommon(*pList, oCommon);
-  pList->callback([&] { fnCommand = [&] { return RunList(oCommon); }; });
-
-  CLI::App* pInfo = oApp.add_subcommand("info", "Tell versions, sizes and condition of a scanner");
-  AddCommon(*pInfo, oCommon);
-  pInfo->callback([&] { fnCommand = [&] { return RunInfo(oCommon); }; });
-
-  StCaptureOptions oCapture;
-  CLI::App* pCapture = oApp.add_subcommand("capture", "Capture fingers and write pictures");
-  AddCommon(*pCapture, oCommon);
+void AddCapture(CLI::App& oApp, StCommandLine& oLine) {
+  CLI::App* pCapture = AddCommand(oApp, oLine, "capture", "Capture fingers and write pictures",
+                                  [&oLine] { return RunCapture(oLine.oCommon, oLine.oCapture); });
+  StCaptureOptions& oCapture = oLine.oCapture;
   pCapture
       ->add_option("--mode", oCapture.sMode, "off: one shot; preview: preview, then a capture; full: stream")
       ->check(CLI::IsMember({"off", "preview", "full"}))
@@ -54,44 +62,48 @@ int RunTool(int nArguments, char** ppArguments) {
   pCapture->add_option("--frames", oCapture.nFrames, "Images of the stream to wait for")
       ->check(CLI::Range(1, 100000))
       ->capture_default_str();
-  pCapture->callback([&] { fnCommand = [&] { return RunCapture(oCommon, oCapture); }; });
+}
 
-  std::string sName;
-  std::string sValue;
+void AddProperty(CLI::App& oApp, StCommandLine& oLine) {
   CLI::App* pProperty = oApp.add_subcommand("property", "Read or set a property");
   pProperty->require_subcommand(1);
-  CLI::App* pGet = pProperty->add_subcommand("get", "Print a property's value");
-  AddCommon(*pGet, oCommon);
-  pGet->add_option("name", sName, "Name of the property")->required();
-  pGet->callback([&] { fnCommand = [&] { return RunPropertyGet(oCommon, sName); }; });
-  CLI::App* pSet = pProperty->add_subcommand("set", "Set a property while the scanner is open");
-  AddCommon(*pSet, oCommon);
-  pSet->add_option("name", sName, "Name of the property")->required();
-  pSet->add_option("value", sValue, "New value")->required();
-  pSet->callback([&] { fnCommand = [&] { return RunPropertySet(oCommon, sName, sValue); }; });
+  CLI::App* pGet = AddCommand(*pProperty, oLine, "get", "Print a property's value",
+                              [&oLine] { return RunPropertyGet(oLine.oCommon, oLine.sPropertyName); });
+  pGet->add_option("name", oLine.sPropertyName, "Name of the property")->required();
+  CLI::App* pSet = AddCommand(*pProperty, oLine, "set", "Set a property while the scanner is open", [&oLine] {
+    return RunPropertySet(oLine.oCommon, oLine.sPropertyName, oLine.sPropertyValue);
+  });
+  pSet->add_option("name", oLine.sPropertyName, "Name of the property")->required();
+  pSet->add_option("value", oLine.sPropertyValue, "New value")->required();
+}
 
-  unsigned int nIndex = 0;
-  unsigned int nState = 0;
-  CLI::App* pLed = oApp.add_subcommand("led", "Set a status LED");
-  AddCommon(*pLed, oCommon);
-  pLed->add_option("index", nIndex, "LED, 0 to 11")->required()->check(CLI::Range(0, 11));
-  pLed->add_option("state", nState, "State, 0 (off) to 7")->required()->check(CLI::Range(0, 7));
-  pLed->callback([&] { fnCommand = [&] { return RunLed(oCommon, nIndex, nState); }; });
+void AddSignals(CLI::App& oApp, StCommandLine& oLine) {
+  CLI::App* pLed = AddCommand(oApp, oLine, "led", "Set a status LED",
+                              [&oLine] { return RunLed(oLine.oCommon, oLine.nLedIndex, oLine.nLedState); });
+  pLed->add_option("index", oLine.nLedIndex, "LED, 0 to 11")->required()->check(CLI::Range(0, 11));
+  pLed->add_option("state", oLine.nLedState, "State, 0 (off) to 7")->required()->check(CLI::Range(0, 7));
+  CLI::App* pBeep = AddCommand(oApp, oLine, "beep", "Sound the buzzer",
+                               [&oLine] { return RunBeep(oLine.oCommon, oLine.nBeepArg1, oLine.nBeepArg2); });
+  pBeep->add_option("first", oLine.nBeepArg1, "First value for the scanner")->capture_default_str();
+  pBeep->add_option("second", oLine.nBeepArg2, "Second value for the scanner")->capture_default_str();
+}
 
-  unsigned int nArg1 = 300;
-  unsigned int nArg2 = 100;
-  CLI::App* pBeep = oApp.add_subcommand("beep", "Sound the buzzer");
-  AddCommon(*pBeep, oCommon);
-  pBeep->add_option("first", nArg1, "First value for the scanner")->capture_default_str();
-  pBeep->add_option("second", nArg2, "Second value for the scanner")->capture_default_str();
-  pBeep->callback([&] { fnCommand = [&] { return RunBeep(oCommon, nArg1, nArg2); }; });
-
+int RunTool(int nArguments, char** ppArguments) {
+  CLI::App oApp("Captures fingerprints with VT40 live-scanners.", "vt40");
+  oApp.footer(cszExitCodes);
+  oApp.require_subcommand(1);
+  oApp.set_version_flag("--version", ClLibrary::Version());
+  StCommandLine oLine;
+  AddQueries(oApp, oLine);
+  AddCapture(oApp, oLine);
+  AddProperty(oApp, oLine);
+  AddSignals(oApp, oLine);
   try {
     oApp.parse(nArguments, ppArguments);
   } catch (const CLI::ParseError& oError) {
     return oApp.exit(oError) == 0 ? eExitOk : eExitUsage;
   }
-  return fnCommand();
+  return oLine.fnCommand();
 }
 
 }  // namespace
