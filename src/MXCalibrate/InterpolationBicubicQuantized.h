@@ -12,7 +12,8 @@
 /// Each weight is the kernel's mean over a box of about one source pixel.
 ///
 /// Range    entry phaseX + 32 * phaseY; its 16 weights sum to 1024, less what truncation takes off each of
-/// them. Threads  reentrant once made.
+///          them.
+/// Threads  reentrant once made.
 class ClInterpolationBicubicTable {
  public:
   static constexpr unsigned int cnPhaseBits = 5;

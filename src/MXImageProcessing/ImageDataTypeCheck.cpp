@@ -9,17 +9,28 @@ namespace {
 
 const char* TypeName(unsigned char nType) {
   switch (nType) {
-    case ClImage::eTypeNone: return "unknown";
-    case ClImage::eUint8: return "uint8";
-    case ClImage::eInt8: return "int8";
-    case ClImage::eUint16: return "uint16";
-    case ClImage::eInt16: return "int16";
-    case ClImage::eUint32: return "uint32";
-    case ClImage::eInt32: return "int32";
-    case ClImage::eFloat32: return "float32";
-    case ClImage::eDouble64: return "double64";
-    case ClImage::cnTypeDefault: return "default";
-    default: return "not valid";
+    case ClImage::eTypeNone:
+      return "unknown";
+    case ClImage::eUint8:
+      return "uint8";
+    case ClImage::eInt8:
+      return "int8";
+    case ClImage::eUint16:
+      return "uint16";
+    case ClImage::eInt16:
+      return "int16";
+    case ClImage::eUint32:
+      return "uint32";
+    case ClImage::eInt32:
+      return "int32";
+    case ClImage::eFloat32:
+      return "float32";
+    case ClImage::eDouble64:
+      return "double64";
+    case ClImage::cnTypeDefault:
+      return "default";
+    default:
+      return "not valid";
   }
 }
 
@@ -53,7 +64,8 @@ void ClImageDataTypeCheck::CheckTypeAllowed(const ClImage* pImage) const {
   const unsigned char nType = pImage->DataType();
   if (CheckIfTypeAllowed(static_cast<ClImage::EDataType>(nType))) return;
   char szText[80];
-  std::snprintf(szText, sizeof(szText), "Input pixel type \"%s\" not supported by processor.", TypeName(nType));
+  std::snprintf(szText, sizeof(szText), "Input pixel type \"%s\" not supported by processor.",
+                TypeName(nType));
   KLV_RAISE(ClException, szText, -33);
 }
 

@@ -16,7 +16,9 @@ bool ClIp1to1Base::CanApply() {
   return m_pInImage != nullptr && m_pOutImage != nullptr && m_pInImage->Data() != nullptr;
 }
 
-void ClIp1to1Base::SetParametersToDefault() { m_nOutImageType = ClImage::cnTypeDefault; }
+void ClIp1to1Base::SetParametersToDefault() {
+  m_nOutImageType = ClImage::cnTypeDefault;
+}
 
 void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage", &m_pInImage);
@@ -24,7 +26,9 @@ void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
   PublishOutImageType(oContainer, &m_nOutImageType);
 }
 
-double ClIp1to1Base::GetValue(ClImage&, ClImage&, double) { return 0.0; }
+double ClIp1to1Base::GetValue(ClImage&, ClImage&, double) {
+  return 0.0;
+}
 
 long ClIp1to1Base::Process() {
   if (m_pInImage == nullptr || m_pOutImage == nullptr || m_pInImage->Data() == nullptr) return -10;

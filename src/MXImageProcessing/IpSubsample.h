@@ -11,8 +11,11 @@ class ClParameterContainer;
 /// times.
 ///
 /// Domain     8-bit and 16-bit integer types; input and output are two images. Several planes are taken one
-/// by one. Ownership  the output is allocated on the image handed in. Threads    thread-bound. Errors
-/// ClException -44 a rate below 1 or the same image twice; -701 an image is missing; -103 other types.
+///            by one.
+/// Ownership  the output is allocated on the image handed in.
+/// Threads    thread-bound.
+/// Errors     ClException -44 a rate below 1 or the same image twice; -701 an image is missing; -103 other
+///            types.
 class ClIpSubsample : public ClProcessorBase {
  public:
   ClIpSubsample() { ClIpSubsample::SetParametersToDefault(); }

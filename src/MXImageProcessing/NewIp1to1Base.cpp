@@ -24,9 +24,13 @@ void ClIp1to1Base::CheckInOutImageTypes() {
   CheckTypeAllowed(m_pInImage);
 }
 
-void ClIp1to1Base::AllocateOutImage(ClImage& oOut) { oOut.New(*m_pInImage); }
+void ClIp1to1Base::AllocateOutImage(ClImage& oOut) {
+  oOut.New(*m_pInImage);
+}
 
-double ClIp1to1Base::GetValue(ClImage&, ClImage&, double) { return 0.0; }
+double ClIp1to1Base::GetValue(ClImage&, ClImage&, double) {
+  return 0.0;
+}
 
 long ClIp1to1Base::Process() {
   if (m_pInImage == nullptr) KLV_RAISE(ClException, "m_pInImage is not set", -701);

@@ -8,14 +8,15 @@
 /// unchanged.
 ///
 /// Domain     one plane of eUint8, eInt8, eUint16 or eInt16 with even width and height; the output may be the
-/// input. Range      all samples and means are shifted by 1 - black, so that nothing divided by is 0 or
-/// below; then each
-///            sample of phase k becomes sample * target / mean[k], target being a quarter of the sum of the
-///            means. Divisions truncate; the result is limited to the range of the type.
+///            input.
+/// Range      all samples and means are shifted by 1 - black, so that nothing divided by is 0 or below; then
+///            each sample of phase k becomes sample * target / mean[k], target being a quarter of the sum of
+///            the means. Divisions truncate; the result is limited to the range of the type.
 /// Ownership  the output is allocated on the image handed in; the images of the phases are kept from run to
-/// run. Threads    thread-bound. Errors     ClException -701 an image is missing; -44 odd sizes, several
-/// planes, a filter width below 1; -14 an
-///            empty image; -33 other types.
+///            run.
+/// Threads    thread-bound.
+/// Errors     ClException -701 an image is missing; -44 odd sizes, several planes, a filter width below 1;
+///            -14 an empty image; -33 other types.
 /// Cost       four mean filters at half size and one pass with a division a sample.
 class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
  public:

@@ -29,10 +29,11 @@ inline T SplineBasis(T tSquaredDistance) {
 ///
 /// Domain     T is float or double; at least 3 control points that are not on one line, all different.
 /// Range      U is the basis of SplineBasis; the sum over the points runs first, in their order, then the
-/// affine part. Ownership  keeps copies of the control points. Threads    thread-bound in Setup; Transform
-/// and TransformRow are reentrant behind it. Errors     -44 for missing arguments; -600 when the points allow
-/// no mapping; ClExKelvarin -1 before Setup. Cost       Setup solves n + 3 equations; a Transform takes n
-/// logarithms.
+///            affine part.
+/// Ownership  keeps copies of the control points.
+/// Threads    thread-bound in Setup; Transform and TransformRow are reentrant behind it.
+/// Errors     -44 for missing arguments; -600 when the points allow no mapping; ClExKelvarin -1 before Setup.
+/// Cost       Setup solves n + 3 equations; a Transform takes n logarithms.
 template <typename T, class TMath = Default<T>>
 class TpThinPlateSplines : private boost::noncopyable {
  public:

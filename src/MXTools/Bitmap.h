@@ -15,12 +15,15 @@ class ClStream;
 ///
 /// Domain     1, 4, 8, 16, 24 and 32 bits a pixel; a block of less than 2^31 bytes.
 /// Range      rows lie in the order of the block, row 0 first, each padded to a multiple of 4 bytes; nothing
-/// is turned. Units      resolution in pels per metre. Ownership  the holders keep what was made or shared
-/// here; a block that was attached by pointer stays the caller's. Threads    thread-bound. The holders'
-/// counts are atomic, so that two bitmaps that share a block may be in two
-///            threads; the pixels are not guarded.
+///            is turned.
+/// Units      resolution in pels per metre.
+/// Ownership  the holders keep what was made or shared here; a block that was attached by pointer stays the
+///            caller's.
+/// Threads    thread-bound. The holders' counts are atomic, so that two bitmaps that share a block may be in
+///            two threads; the pixels are not guarded.
 /// Errors     those of the format (-10 to -12, -31 to -33, -36, -38, -210); ClExBadAlloc -102; -201 for a
-/// file cut short. Cost       Attach moves holders only.
+///            file cut short.
+/// Cost       Attach moves holders only.
 class ClBitmap : private boost::noncopyable {
  public:
   /// 500 dots per inch.

@@ -17,7 +17,8 @@ constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
 bool RowBytesOf(unsigned char nType, int nWidth, int nPlanes, bool bAligned, int64_t& rnRowBytes) {
   rnRowBytes = 0;
   int64_t nBytes = static_cast<int64_t>(nPlanes) * nWidth;
-  if (__builtin_mul_overflow(nBytes, static_cast<int64_t>(nType & ClImage::cnTypeSizeMask), &nBytes)) return false;
+  if (__builtin_mul_overflow(nBytes, static_cast<int64_t>(nType & ClImage::cnTypeSizeMask), &nBytes))
+    return false;
   if (bAligned && nBytes > 0) nBytes = (nBytes + 3) & ~static_cast<int64_t>(3);
   rnRowBytes = nBytes;
   return nBytes <= std::numeric_limits<int>::max();
@@ -35,7 +36,9 @@ void CopyPlane(const ClImage& oIn, int nPlane, ClImage& oOut) {
 
 }  // namespace
 
-ClImage::ClImage() { SetFields(eTypeNone, 0, 0, 0, 0, 0, true); }
+ClImage::ClImage() {
+  SetFields(eTypeNone, 0, 0, 0, 0, 0, true);
+}
 
 ClImage::ClImage(int nWidth, int nHeight, int nPlanes, int nPelsX, int nPelsY) : ClImage() {
   NewWithType(eUint8, nWidth, nHeight, nPlanes, nPelsX, nPelsY, true);
@@ -97,7 +100,8 @@ void ClImage::NewWithType(unsigned char nType, int nWidth, int nHeight, int nPla
 
 void ClImage::NewWithType(const ClImage& oModel, unsigned char nType) {
   if (&oModel == this) KLV_RAISE(ClException, "this function dose not work on the same image.", -44);
-  NewWithType(nType, oModel.m_nWidth, oModel.m_nHeight, oModel.m_nPlanes, oModel.m_nPelsX, oModel.m_nPelsY, true);
+  NewWithType(nType, oModel.m_nWidth, oModel.m_nHeight, oModel.m_nPlanes, oModel.m_nPelsX, oModel.m_nPelsY,
+              true);
   m_eContent = oModel.m_eContent;
   m_nTag = oModel.m_nTag;
 }
@@ -110,8 +114,8 @@ void ClImage::New(const ClImage& oModel) {
 }
 
 void ClImage::TakeFields(const ClImage& oOther) {
-  SetFields(oOther.m_nType, oOther.m_nWidth, oOther.m_nHeight, oOther.m_nPlanes, oOther.m_nPelsX, oOther.m_nPelsY,
-            oOther.m_bAlignedRows);
+  SetFields(oOther.m_nType, oOther.m_nWidth, oOther.m_nHeight, oOther.m_nPlanes, oOther.m_nPelsX,
+            oOther.m_nPelsY, oOther.m_bAlignedRows);
   m_eContent = oOther.m_eContent;
   m_dBlack = oOther.m_dBlack;
   m_dWhite = oOther.m_dWhite;
@@ -222,10 +226,17 @@ int ClImage::ElementsPerRow() const {
 
 void ClImage::ContentFromPlanes(int nPlanes) {
   switch (nPlanes) {
-    case 1: m_eContent = eGrayscale; break;
-    case 3: m_eContent = eRGB; break;
-    case 4: m_eContent = eRGBA; break;
-    default: m_eContent = eUnknown;
+    case 1:
+      m_eContent = eGrayscale;
+      break;
+    case 3:
+      m_eContent = eRGB;
+      break;
+    case 4:
+      m_eContent = eRGBA;
+      break;
+    default:
+      m_eContent = eUnknown;
   }
 }
 
@@ -261,7 +272,9 @@ const char* ClImage::BrokenRule() const {
   return nullptr;
 }
 
-bool ClImage::IsValid() const { return BrokenRule() == nullptr; }
+bool ClImage::IsValid() const {
+  return BrokenRule() == nullptr;
+}
 
 void ClImage::CheckValid() const {
   if (const char* szRule = BrokenRule()) KLV_RAISE(ClException, szRule, -101);

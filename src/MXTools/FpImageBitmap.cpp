@@ -9,10 +9,17 @@ bool ClImage::Attach(const ClBitmap& oBitmap) {
   if (pHeader == nullptr || pHeader->biCompression != 0) return false;
   int nPlanes = 0;
   switch (pHeader->biBitCount) {
-    case 8: nPlanes = 1; break;
-    case 24: nPlanes = 3; break;
-    case 32: nPlanes = 4; break;
-    default: KLV_RAISE(ClException, "bitmap bit depth not supported\n", -12);
+    case 8:
+      nPlanes = 1;
+      break;
+    case 24:
+      nPlanes = 3;
+      break;
+    case 32:
+      nPlanes = 4;
+      break;
+    default:
+      KLV_RAISE(ClException, "bitmap bit depth not supported\n", -12);
   }
   SetFields(eUint8, pHeader->biWidth, pHeader->biHeight, nPlanes, pHeader->biXPelsPerMeter,
             pHeader->biYPelsPerMeter, true);

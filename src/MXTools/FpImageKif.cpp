@@ -57,17 +57,18 @@ void CheckPixelsPresent(ClStream& oStream, const StKifHeader& oHeader) {
   const int64_t nLeft = static_cast<int64_t>(oStream.Size()) - oStream.Pos();
   const int64_t nSamples = static_cast<int64_t>(oHeader.nWidth) * oHeader.nPlanes;
   int64_t nBytes = 0;
-  const bool bTooMuch =
-      __builtin_mul_overflow(nSamples, static_cast<int64_t>(oHeader.nHeight), &nBytes) ||
-      __builtin_mul_overflow(nBytes, static_cast<int64_t>(oHeader.nType & ClImage::cnTypeSizeMask), &nBytes) ||
-      nBytes > nLeft;
+  const bool bTooMuch = __builtin_mul_overflow(nSamples, static_cast<int64_t>(oHeader.nHeight), &nBytes) ||
+                        __builtin_mul_overflow(
+                            nBytes, static_cast<int64_t>(oHeader.nType & ClImage::cnTypeSizeMask), &nBytes) ||
+                        nBytes > nLeft;
   if (!bTooMuch) return;
   if (oStream.m_bFailureFlag) KLV_RAISE(ClExStreamUnexpectedEnd, "Unexpected end of stream", -201);
   KLV_RAISE(ClException, "KIF end Magic is missing", -101);
 }
 
 unsigned int ElementCount(const ClImage& oImage) {
-  const uint64_t nElements = static_cast<uint64_t>(oImage.ElementsPerRow()) * static_cast<uint64_t>(oImage.Height());
+  const uint64_t nElements =
+      static_cast<uint64_t>(oImage.ElementsPerRow()) * static_cast<uint64_t>(oImage.Height());
   // Streams count in 32 bits.
   if (nElements > UINT32_MAX) KlvRaiseBadAlloc();
   return static_cast<unsigned int>(nElements);

@@ -23,15 +23,24 @@ struct TpElementType {
 template <typename TCall>
 long DispatchElementType(unsigned char nType, long nUnknown, TCall&& oCall) {
   switch (nType) {
-    case ClImage::eUint8: return oCall(TpElementType<uint8_t>());
-    case ClImage::eInt8: return oCall(TpElementType<int8_t>());
-    case ClImage::eUint16: return oCall(TpElementType<uint16_t>());
-    case ClImage::eInt16: return oCall(TpElementType<int16_t>());
-    case ClImage::eUint32: return oCall(TpElementType<uint32_t>());
-    case ClImage::eInt32: return oCall(TpElementType<int32_t>());
-    case ClImage::eFloat32: return oCall(TpElementType<float>());
-    case ClImage::eDouble64: return oCall(TpElementType<double>());
-    default: return nUnknown;
+    case ClImage::eUint8:
+      return oCall(TpElementType<uint8_t>());
+    case ClImage::eInt8:
+      return oCall(TpElementType<int8_t>());
+    case ClImage::eUint16:
+      return oCall(TpElementType<uint16_t>());
+    case ClImage::eInt16:
+      return oCall(TpElementType<int16_t>());
+    case ClImage::eUint32:
+      return oCall(TpElementType<uint32_t>());
+    case ClImage::eInt32:
+      return oCall(TpElementType<int32_t>());
+    case ClImage::eFloat32:
+      return oCall(TpElementType<float>());
+    case ClImage::eDouble64:
+      return oCall(TpElementType<double>());
+    default:
+      return nUnknown;
   }
 }
 

@@ -6,7 +6,8 @@
 /// Value, limits, default and presentation of a number, whatever its type.
 ///
 /// Range   equal limits mean no range. Limits are information for callers unless the parameter's flags say
-/// otherwise. Errors  ClExRange -35 for a number that the type cannot hold; ClExBadAlloc -102.
+///         otherwise.
+/// Errors  ClExRange -35 for a number that the type cannot hold; ClExBadAlloc -102.
 class ClParameterNumericInterface {
  public:
   ClParameterNumericInterface() = default;

@@ -16,7 +16,9 @@ ClClassCallProfile* g_pClassCallProfile = nullptr;
 
 ClProcessorBase::ClProcessorBase() : m_pTimer(g_pProfileTimer) {}
 
-bool ClProcessorBase::CanApply() { return false; }
+bool ClProcessorBase::CanApply() {
+  return false;
+}
 
 void ClProcessorBase::ParameterString(char* szText, unsigned int nSize) const {
   FormatParameterString(szText, nSize, "%s", "");
@@ -37,7 +39,9 @@ void ClProcessorBase::QueryParameters(ClParameterContainer& oContainer) {
   ClParameterProvider::QueryParameters(oContainer);
 }
 
-void ClProcessorBase::Timer(bool bOn) { m_pTimer = bOn ? g_pProfileTimer : nullptr; }
+void ClProcessorBase::Timer(bool bOn) {
+  m_pTimer = bOn ? g_pProfileTimer : nullptr;
+}
 
 void ClProcessorBase::TimerStart(const char* szText) {
   if (m_pTimer != nullptr) m_pTimer->TimerStart("%s", szText != nullptr ? szText : "");

@@ -15,8 +15,8 @@ ClVector ClVector::IntersectionINF(const ClVector& p1, const ClVector& d1, const
   return p2 + d2 * t2;
 }
 
-ClVector ClVector::Intersection(const ClVector& p1, const ClVector& d1, const ClVector& p2, const ClVector& d2,
-                                double& t1, double& t2) {
+ClVector ClVector::Intersection(const ClVector& p1, const ClVector& d1, const ClVector& p2,
+                                const ClVector& d2, double& t1, double& t2) {
   const ClVector oPoint = IntersectionINF(p1, d1, p2, d2, t1, t2);
   if (std::isinf(t1)) {
     t1 = t2 = 0;
@@ -25,6 +25,7 @@ ClVector ClVector::Intersection(const ClVector& p1, const ClVector& d1, const Cl
   return oPoint;
 }
 
-ClVector ClVector::CrossPoint(ClVector& p1, ClVector& d1, ClVector& p2, ClVector& d2, double& t1, double& t2) {
+ClVector ClVector::CrossPoint(ClVector& p1, ClVector& d1, ClVector& p2, ClVector& d2, double& t1,
+                              double& t2) {
   return Intersection(p1, d1, p2, d2, t1, t2);
 }

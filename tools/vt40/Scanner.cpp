@@ -1,9 +1,11 @@
 // Calls of the library, and what their numbers mean to the user of the tool.
 #include "Scanner.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "KelvarinLiveScannerVT40.h"
+#include "Scene.h"
 #include "ToolError.h"
 
 namespace {
@@ -29,10 +31,33 @@ void Check(long nError, const std::string& sWhat) {
   if (nError != KLV_SUCCESS) throw ClToolError(ExitCodeOf(nError), Describe(sWhat, nError));
 }
 
-/// An image that did not come in time. The library tells a silent scanner and a lost one alike.
-void CheckImage(long nError, const std::string& sWhat) {
+std::vector<std::string> ListSerials() {
+  std::vector<char> aCells;
+  unsigned int nCount = 0;
+  long nError = LS_VT40QueryScanners(nullptr, &nCount);
+  while (nError == KLV_ERROR_SIZE_TOO_SMALL) {
+    // A scanner may be plugged in between the two calls.
+    aCells.assign(static_cast<size_t>(nCount) * KLV_VT40_SERIAL_SIZE, '\0');
+    nError = LS_VT40QueryScanners(aCells.data(), &nCount);
+  }
+  Check(nError, "list of scanners");
+  std::vector<std::string> aSerials;
+  for (unsigned int n = 0; n < nCount; ++n) {
+    const std::string sCell(&aCells[static_cast<size_t>(n) * KLV_VT40_SERIAL_SIZE], KLV_VT40_SERIAL_SIZE);
+    aSerials.push_back(sCell.substr(0, sCell.find('\0')));
+  }
+  return aSerials;
+}
+
+/// An image that did not come. The library tells a silent scanner and a lost one alike; the list of scanners does not.
+void CheckImage(long nError, const std::string& sWhat, const std::string& sSerial) {
   if (nError != KLV_ERROR_DISCONNECTED) return Check(nError, sWhat);
-  throw ClToolError(eExitTimeout, Describe(sWhat, nError) + "; is the scanner still connected?");
+  const std::vector<std::string> aSerials = ListSerials();
+  if (std::find(aSerials.begin(), aSerials.end(), sSerial) == aSerials.end()) {
+    throw ClToolError(eExitLost, Describe(sWhat, nError) + "; scanner " + sSerial + " was unplugged");
+  }
+  throw ClToolError(eExitTimeout,
+                    Describe(sWhat, nError) + "; no image came in time from scanner " + sSerial);
 }
 
 using SizeFunction = long (*)(void*, unsigned int*, unsigned int*);
@@ -55,11 +80,13 @@ ClPicture FormOf(void* h, SizeFunction pfnSize, SizeFunction pfnDpi) {
 
 using ImageFunction = long (*)(void*, void*, double*, unsigned char*, long*);
 
-StDelivery Deliver(void* h, ImageFunction pfnImage, ClPicture& oPicture, const std::string& sWhat) {
+StDelivery Deliver(void* h, ImageFunction pfnImage, ClPicture& oPicture, const std::string& sWhat,
+                   const std::string& sSerial) {
   oPicture.aPixels.resize(static_cast<size_t>(oPicture.nWidth) * oPicture.nHeight);
   StDelivery oDelivery;
   unsigned char bDone = 0;
-  CheckImage(pfnImage(h, oPicture.aPixels.data(), &oDelivery.dScore, &bDone, &oDelivery.nResult), sWhat);
+  CheckImage(pfnImage(h, oPicture.aPixels.data(), &oDelivery.dScore, &bDone, &oDelivery.nResult), sWhat,
+             sSerial);
   oDelivery.bDone = bDone != 0;
   return oDelivery;
 }
@@ -68,6 +95,14 @@ StDelivery Deliver(void* h, ImageFunction pfnImage, ClPicture& oPicture, const s
 
 ClLibrary::ClLibrary() {
   const long nError = LS_VT40Initialize(nullptr);
+  const std::string sScene = nError == KLV_SUCCESS ? "" : WithdrawScene();
+  if (!sScene.empty() && LS_VT40Initialize(nullptr) == KLV_SUCCESS) {
+    // It starts without the scene: the scene it is.
+    LS_VT40Uninitialize();
+    throw ClToolError(
+        eExitFile, "the scene \"" + sScene +
+                       "\" is no built-in scene, cannot be read, or holds a mistake; see docs/simulator.md");
+  }
   if (nError == KLV_ERROR_FILE_OPEN_FAIL) {
     throw ClToolError(
         eExitNoScanner,
@@ -92,21 +127,7 @@ std::string ClLibrary::Version() {
 }
 
 std::vector<std::string> ClLibrary::Serials() const {
-  std::vector<char> aCells;
-  unsigned int nCount = 0;
-  long nError = LS_VT40QueryScanners(nullptr, &nCount);
-  while (nError == KLV_ERROR_SIZE_TOO_SMALL) {
-    // A scanner may be plugged in between the two calls.
-    aCells.assign(static_cast<size_t>(nCount) * KLV_VT40_SERIAL_SIZE, '\0');
-    nError = LS_VT40QueryScanners(aCells.data(), &nCount);
-  }
-  Check(nError, "list of scanners");
-  std::vector<std::string> aSerials;
-  for (unsigned int n = 0; n < nCount; ++n) {
-    const std::string sCell(&aCells[static_cast<size_t>(n) * KLV_VT40_SERIAL_SIZE], KLV_VT40_SERIAL_SIZE);
-    aSerials.push_back(sCell.substr(0, sCell.find('\0')));
-  }
-  return aSerials;
+  return ListSerials();
 }
 
 ClScanner::ClScanner(const ClLibrary& oLibrary, const std::string& sSerial) : m_sSerial(sSerial) {
@@ -160,12 +181,12 @@ ClPicture ClScanner::PreviewForm() const {
 
 StDelivery ClScanner::GetImage(ClPicture& oPicture) {
   oPicture = ImageForm();
-  return Deliver(m_hScanner, LS_VT40GetImage, oPicture, "capture");
+  return Deliver(m_hScanner, LS_VT40GetImage, oPicture, "capture", m_sSerial);
 }
 
 StDelivery ClScanner::GetPreview(ClPicture& oPicture) {
   oPicture = PreviewForm();
-  return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview");
+  return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview", m_sSerial);
 }
 
 void ClScanner::SetLed(unsigned int nIndex, unsigned int nState) {

@@ -31,3 +31,10 @@ void ChooseScene(const std::string& sScene, const std::string& sPrintFile) {
   if (!sPrintFile.empty()) setenv(cszVariable, SceneOfPrint(sPrintFile).c_str(), 1);
   if (!sScene.empty()) setenv(cszVariable, sScene.c_str(), 1);
 }
+
+std::string WithdrawScene() {
+  const char* szScene = std::getenv(cszVariable);
+  const std::string sScene = szScene != nullptr ? szScene : "";
+  unsetenv(cszVariable);
+  return sScene;
+}

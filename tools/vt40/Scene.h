@@ -9,3 +9,6 @@
 ///
 /// Errors  ClToolError eExitUsage for both at once, eExitFile when the picture cannot be read.
 void ChooseScene(const std::string& sScene, const std::string& sPrintFile);
+
+/// Takes back the scene that was chosen, by whomever, and returns it; empty when there was none.
+std::string WithdrawScene();
