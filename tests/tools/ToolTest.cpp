@@ -1,0 +1,141 @@
+// The command-line tool as a process: exit codes, facts and files.
+#include <gtest/gtest.h>
+#include <png.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct StRun {
+  int nExit = -1;
+  std::string sOutput;  ///< standard output and standard error
+};
+
+class Tool : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string sPattern = (std::filesystem::temp_directory_path() / "vt40-XXXXXX").string();
+    ASSERT_NE(mkdtemp(sPattern.data()), nullptr);
+    m_oFolder = sPattern;
+  }
+  void TearDown() override { std::filesystem::remove_all(m_oFolder); }
+
+  static StRun Run(const std::string& sArguments) {
+    StRun oRun;
+    std::FILE* pPipe = popen((std::string(KLV_TOOL) + " " + sArguments + " 2>&1").c_str(), "r");
+    if (pPipe == nullptr) return oRun;
+    char aBuffer[4096];
+    for (size_t n; (n = std::fread(aBuffer, 1, sizeof(aBuffer), pPipe)) != 0;)
+      oRun.sOutput.append(aBuffer, n);
+    const int nStatus = pclose(pPipe);
+    oRun.nExit = WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
+    return oRun;
+  }
+
+  std::string Out() const { return " --out " + m_oFolder.string(); }
+  std::vector<unsigned char> FileOf(const std::string& sName) const {
+    std::ifstream oFile(m_oFolder / sName, std::ios::binary);
+    return {std::istreambuf_iterator<char>(oFile), {}};
+  }
+  std::string SceneFile(const std::string& sText) const {
+    const std::string sFile = (m_oFolder / "scene.json").string();
+    std::ofstream(sFile) << sText;
+    return " --scene " + sFile;
+  }
+
+  std::filesystem::path m_oFolder;
+};
+
+unsigned long LittleEndian(const std::vector<unsigned char>& aBytes, size_t nOffset) {
+  unsigned long nValue = 0;
+  for (size_t n = 4; n-- > 0;) nValue = nValue << 8 | aBytes.at(nOffset + n);
+  return nValue;
+}
+
+TEST_F(Tool, TellsScannersAndWhatTheyAre) {
+  EXPECT_EQ(Run("list --scene finger").sOutput, "VT40-AB0001\n");
+  const StRun oInfo = Run("info --scene finger --json");
+  ASSERT_EQ(oInfo.nExit, 0) << oInfo.sOutput;
+  const nlohmann::json oFacts = nlohmann::json::parse(oInfo.sOutput);
+  EXPECT_EQ(oFacts["library"], "1.5.1421.5");
+  EXPECT_EQ(oFacts["image"]["width"], 1600);
+  EXPECT_EQ(oFacts["preview"]["pelsPerMetre"], 9842);
+  EXPECT_EQ(Run("property get --scene finger nAutoCaptureBeep").sOutput, "0\n");
+  EXPECT_EQ(Run("property set --scene finger nAutoCaptureBeep 1").nExit, 0);
+  EXPECT_EQ(Run("led --scene finger 3 4").nExit, 0);
+  EXPECT_EQ(Run("beep --scene finger").nExit, 0);
+}
+
+TEST_F(Tool, CapturesIntoPngFilesWithTheirResolution) {
+  const StRun oRun = Run("capture --scene finger --json" + Out());
+  ASSERT_EQ(oRun.nExit, 0) << oRun.sOutput;
+  const nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+  EXPECT_EQ(oFacts["done"], true);
+  EXPECT_EQ(oFacts["pictures"].size(), 2u);
+  for (const auto& [szName, nSide, nPels] :
+       {std::make_tuple("preview.png", 800u, 9842u), std::make_tuple("full.png", 1600u, 19685u)}) {
+    std::FILE* pFile = std::fopen((m_oFolder / szName).c_str(), "rb");
+    ASSERT_NE(pFile, nullptr);
+    png_structp pPng = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop pInfo = png_create_info_struct(pPng);
+    png_init_io(pPng, pFile);
+    png_read_info(pPng, pInfo);
+    EXPECT_EQ(png_get_image_width(pPng, pInfo), nSide);
+    EXPECT_EQ(png_get_image_height(pPng, pInfo), nSide);
+    EXPECT_EQ(png_get_pixels_per_meter(pPng, pInfo), nPels);
+    png_destroy_read_struct(&pPng, &pInfo, nullptr);
+    std::fclose(pFile);
+  }
+}
+
+TEST_F(Tool, WritesTheOtherFormatsByteByByte) {
+  ASSERT_EQ(Run("capture --scene finger --mode off --format bmp" + Out()).nExit, 0);
+  const std::vector<unsigned char> aBmp = FileOf("full.bmp");
+  ASSERT_EQ(aBmp.size(), 14u + 40 + 1024 + 1600 * 1600);
+  EXPECT_EQ(aBmp[0], 'B');
+  EXPECT_EQ(LittleEndian(aBmp, 2), aBmp.size());
+  EXPECT_EQ(LittleEndian(aBmp, 10), 14u + 40 + 1024);
+  EXPECT_EQ(LittleEndian(aBmp, 18), 1600u);
+  EXPECT_EQ(LittleEndian(aBmp, 38), 19685u);
+  ASSERT_EQ(Run("capture --scene finger --mode full --frames 1 --format kif" + Out()).nExit, 0);
+  const std::vector<unsigned char> aKif = FileOf("full.kif");
+  ASSERT_EQ(aKif.size(), 54u + 1600 * 1600 + 4);
+  EXPECT_EQ((std::vector<unsigned char>{aKif.begin(), aKif.begin() + 13}),
+            (std::vector<unsigned char>{0x4B, 0x49, 0x46, 0, 0, 0, 0, 2, 1, 0, 0, 6, 0x40}));
+  EXPECT_TRUE(std::equal(aKif.begin(), aKif.begin() + 4, aKif.end() - 4));
+}
+
+TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
+  const auto Expect = [](const std::string& sArguments, int nExit, const char* szText) {
+    const StRun oRun = Run(sArguments);
+    EXPECT_EQ(oRun.nExit, nExit) << sArguments << "\n" << oRun.sOutput;
+    EXPECT_NE(oRun.sOutput.find(szText), std::string::npos) << oRun.sOutput;
+  };
+  Expect("capture --scene empty" + Out(), 1, "no finger");
+  Expect("capture --mode sideways", 2, "--mode");
+  Expect("capture --scene empty --print x.png", 2, "exclude each other");
+  Expect("property get --scene finger none", 2, "unknown");
+  Expect("list" + SceneFile(R"({"scanners": []})"), 3, "no scanner");
+  Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
+  Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");
+  Expect("list --scene slap-rihgt", 7, "slap-rihgt");
+  Expect("capture --print " + (m_oFolder / "none.png").string(), 7, "No such file");
+  Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
+}
+
+TEST_F(Tool, AScannerThatGoesDuringTheCaptureIsLost) {
+  const StRun oRun = Run("capture --mode off" + Out() + SceneFile(R"({"scanners": [{"serial": "VT40-AB0001"}],
+      "faults": [{"unplug": "VT40-AB0001", "at": 0.0001}]})"));
+  EXPECT_EQ(oRun.nExit, 6) << oRun.sOutput;
+  EXPECT_NE(oRun.sOutput.find("VT40-AB0001"), std::string::npos) << oRun.sOutput;
+}
+
+}  // namespace
