@@ -22,3 +22,10 @@ endif()
 target_compile_definitions(klv_flags INTERFACE
   BOOST_ALL_NO_LIB
   $<$<BOOL:${KLV_SCALAR}>:HWY_COMPILE_ONLY_SCALAR>)
+
+# For tests that load the simulated scan library as an application does. The address sanitizer opens libraries in the
+# library's place, so that the run path of the library does not count.
+set(KLV_RUN_ENVIRONMENT "")
+if(KLV_SANITIZE)
+  set(KLV_RUN_ENVIRONMENT "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+endif()

@@ -49,16 +49,17 @@ ClCalibrateGeometricData::ClCalibrateGeometricData() {
   std::memcpy(m_szVersion, "006", sizeof(m_szVersion));
 }
 
+// Four bytes are compared each time, whatever they are: a tag of the block need not end.
 int ClCalibrateGeometricData::ReadTags(ClEcho& oEcho) {
   char szTag[4];
   oEcho.Tag(szTag);
-  if (std::strncmp(szTag, m_szMagic, 4) != 0 && std::strncmp(szTag, "Cal", 4) != 0) KLV_RAISE_NUMBER(-40);
+  if (std::memcmp(szTag, m_szMagic, 4) != 0 && std::memcmp(szTag, "Cal", 4) != 0) KLV_RAISE_NUMBER(-40);
   oEcho.Tag(szTag);
-  const bool bOld = std::strncmp(szTag, "Fut", 4) == 0;
-  if (std::strncmp(szTag, m_szType, 4) != 0 && !bOld) KLV_RAISE_NUMBER(-40);
+  const bool bOld = std::memcmp(szTag, "Fut", 4) == 0;
+  if (std::memcmp(szTag, m_szType, 4) != 0 && !bOld) KLV_RAISE_NUMBER(-40);
   oEcho.Tag(m_szReadVersion);
-  if (bOld && std::strncmp(m_szReadVersion, "001", 4) == 0) KLV_RAISE_NUMBER(-40);
-  if (bOld && std::strncmp(m_szReadVersion, "002", 4) == 0) return 0;
+  if (bOld && std::memcmp(m_szReadVersion, "001", 4) == 0) KLV_RAISE_NUMBER(-40);
+  if (bOld && std::memcmp(m_szReadVersion, "002", 4) == 0) return 0;
   char szVersion[5] = {};
   std::memcpy(szVersion, m_szReadVersion, sizeof(m_szReadVersion));
   const int nVersion = std::atoi(szVersion);
