@@ -32,7 +32,8 @@ void ParseInteger(const char* psz, bool bSigned, ClParsedNumber& rParsed) {
   } else {
     rParsed.nUnsigned = std::strtoull(psz, nullptr, 10);
     // strtoull wraps negative texts round, some of them to small numbers.
-    rParsed.bOverflow = rParsed.nUnsigned != 0 && std::strchr(psz, '-') != nullptr;
+    const bool bNegative = psz[std::strspn(psz, " \t\n\v\f\r")] == '-';
+    rParsed.bOverflow = bNegative && rParsed.nUnsigned != 0;
   }
   rParsed.bOverflow = rParsed.bOverflow || errno == ERANGE;
 }

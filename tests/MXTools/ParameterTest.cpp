@@ -50,7 +50,7 @@ TEST(NumericParameter, TakesDecimalAndHexadecimalTexts) {
                                                          {"x1f", 31},  {"0xFFFFFFFF", 4294967295u},
                                                          {"1.5", 1},   {"4294967295", 4294967295u},
                                                          {" 12", 12},  {"-0", 0},
-                                                         {"Xx2", 2}};
+                                                         {"Xx2", 2},   {"7e-3", 7}};
   for (const auto& [szText, nExpected] : aTexts) {
     nValue = 99;
     oGain.SetValue(szText);
