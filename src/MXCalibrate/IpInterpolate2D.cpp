@@ -23,10 +23,11 @@ std::vector<int> CornersOf(int nSize, unsigned int nBlock) {
   return aCorners;
 }
 
-/// What bilinear sums of T are made in: exact for integers and the weights of any block, T itself for reals.
+/// What bilinear sums of T are made in: exact for integers, T itself for reals. For 8-bit samples
+/// 32 bits hold the weights of blocks up to 2900 by 2900.
 template <typename T>
 using Sum =
-    std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<sizeof(T) <= 2, int32_t, int64_t>>;
+    std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<sizeof(T) == 1, int32_t, int64_t>>;
 
 /// Fills [nX0, nX1) by [nY0, nY1) from its four corners, and the row or column of a limit that is the image's
 /// last.

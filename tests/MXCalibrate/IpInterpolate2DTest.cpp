@@ -103,6 +103,16 @@ TEST_F(Interpolate2D, BlocksAreBilinearInIntegersAndReachTheLastRowAndColumn) {
   }
 }
 
+TEST_F(Interpolate2D, LargeBlocksDoNotWrapTheSumsOf16BitSamples) {
+  m_oProcessor.m_nDataType = ClImage::eUint16;
+  m_oProcessor.m_dLowerLimit = m_oProcessor.m_dUpperLimit = 60000;
+  m_oProcessor.m_nBlockSize = 300;
+  m_oProcessor.nInTargetWidth = m_oProcessor.nInTargetHeight = 400;
+  ASSERT_EQ(m_oProcessor.Apply(), 0);
+  EXPECT_EQ(m_oOut.Row<uint16_t>(150)[150], 60000);
+  EXPECT_EQ(m_oOut.Row<uint16_t>(399)[350], 60000);
+}
+
 TEST_F(Interpolate2D, ValuesStayWithinTheLimitsAndThoseOfTheType) {
   m_oProcessor.m_nDataType = ClImage::eUint8;
   m_oProcessor.m_dLowerLimit = 10;
