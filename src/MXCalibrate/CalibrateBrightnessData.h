@@ -16,7 +16,7 @@ class ClStream;
 ///
 /// Threads  thread-bound: look-ups enter keys.
 /// Errors   ClExStreamUnexpectedEnd -201 for a block that is too short for its form; the object is then
-/// empty.
+///          empty.
 class ClCalibrateBrightnessData {
  public:
   static constexpr uint32_t cnNoVersion = 0xFFFFFFFFu;

@@ -9,8 +9,7 @@ class ClStream;
 /// Domain   seekable streams, big-endian whatever their setting, which is restored.
 /// Threads  thread-bound.
 /// Errors   ClExKelvarin -40 for foreign tags; ClExStreamUnexpectedEnd -201 for a record that is cut short,
-/// whatever
-///          the stream's failure flag says. The object then holds what was read so far.
+///          whatever the stream's failure flag says. The object then holds what was read so far.
 class ClCalibrateDataBase {
  public:
   virtual ~ClCalibrateDataBase() = default;

@@ -14,7 +14,7 @@ class ClStream;
 ///
 /// Threads  thread-bound: look-ups enter keys.
 /// Errors   ClExStreamUnexpectedEnd -201 for a block that is too short for its form; nothing has changed
-/// then.
+///          then.
 class ClCalibrateGainData {
  public:
   static constexpr uint32_t cnNoVersion = 0xFFFFFFFFu;

@@ -20,8 +20,8 @@ class ClMemStream;
 /// Domain   0 to 3 planes; 0 means no data. Entry i of every array of points belongs to entry i of m_aTarget.
 /// Units    sizes and points in pixels, resolutions in pels per metre.
 /// Errors   ClExKelvarin -40 for foreign tags; ClException -39 "Calibration Data currupt" for a wrong CRC and
-/// for more
-///          than 3 planes; ClExStreamUnexpectedEnd -201 for counts beyond the end; ClExBadAlloc -102.
+///          for more than 3 planes; ClExStreamUnexpectedEnd -201 for counts beyond the end; ClExBadAlloc
+///          -102.
 class ClCalibrateGeometricData : public ClCalibrateDataBase {
  public:
   using Points = TpArrayDynamic<ClVector, 10u>;

@@ -18,16 +18,13 @@ class ClStream;
 /// position, so that positions from 1.0 to the size less 3 have one.
 ///
 /// Domain     input: eUint8, one plane, aligned rows, the source size of the data. Output: eUint8, the target
-/// size or
-///            the region, one plane for each plane of actual points.
+///            size or the region, one plane for each plane of actual points.
 /// Ownership  owns the map.
 /// Threads    thread-bound; objects of their own may run side by side.
 /// Errors     -37 no data; -600 from the spline, after which only Reset helps; -2 without a map; -35 when
-/// input and
-///            output are one image; -44 for a wrong region or an input that does not fit the map.
+///            input and output are one image; -44 for a wrong region or an input that does not fit the map.
 /// Cost       a map entry takes 8 bytes; an Apply with a map is one pass and allocates nothing when the
-/// output has its
-///            size already.
+///            output has its size already.
 class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
  public:
   void Reset() override;

@@ -21,14 +21,12 @@ class ClRadialBasisSquaredDist {
 ///
 /// Domain     block sizes from 1; reference points that are all different.
 /// Range      values are limited to the limits given, and to those of the type; integers are cut toward zero.
-/// With a
-///            block size above 1 only the corners of blocks are computed, and what lies between is bilinear,
-///            in integers for integer types.
+///            With a block size above 1 only the corners of blocks are computed, and what lies between is
+///            bilinear, in integers for integer types.
 /// Ownership  none of values, points and output images.
 /// Threads    thread-bound.
 /// Errors     -44 with the name of a missing parameter; -44 is returned for an unknown type and for points
-/// that allow
-///            no surface.
+///            that allow no surface.
 /// Cost       one basis function for each point and block corner.
 class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
  public:

@@ -12,13 +12,12 @@ class ClParameterContainer;
 /// Domain     any of the eight element types for each of the three images. Equal numbers of planes, or three
 ///            planes and one: the one then goes with each of the three. In other mixes the overlap is 0.
 /// Range      the canvas has the first image's planes and resolution and the output type, 255 meaning the
-/// first
-///            image's type. Outside the overlap it keeps the first image, the second or the fill colour.
+///            first image's type. Outside the overlap it keeps the first image, the second or the fill
+///            colour.
 /// Ownership  the output is allocated on the image handed in, which may be one of the inputs.
 /// Threads    thread-bound.
 /// Errors     returned: -37 an image is missing or an input is empty; -44 sizes differ or an offset is set
-/// while
-///            SizeMustBeEqual; -101 unknown element type. ClExBadAlloc -102.
+///            while SizeMustBeEqual; -101 unknown element type. ClExBadAlloc -102.
 class ClIp2to1Base : public ClProcessorBase {
  public:
   long ApplyParam(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, unsigned char nType);

@@ -13,8 +13,7 @@ class ClParameterContainer;
 /// Ownership  the output is allocated on the image handed in; scratch is kept from run to run.
 /// Threads    thread-bound.
 /// Errors     ClExKelvarin -10 no input, -35 unknown mode; ClException -701 no output. Returned: -10 input
-/// and
-///            output are one object.
+///            and output are one object.
 class ClIpFilterBase : public ClProcessorBase {
  public:
   enum EMode : long { eModeX = 1, eModeY = 2, eModeXY = 3, eModeDirected = 8, eModeDirectedOrtho = 16 };

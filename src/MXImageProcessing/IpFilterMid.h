@@ -9,13 +9,12 @@
 /// Each pixel becomes the mean of its window, over the pixels of it that exist.
 ///
 /// Domain  all eight element types, finite where floating; modes X, Y and XY. An even width counts as the
-/// next odd
-///         one. An image that is smaller than the window in either direction is copied in mode XY; in modes X
-///         and Y the window of that run shrinks to the largest odd width below the extent.
+///         next odd one. An image that is smaller than the window in either direction is copied in mode XY;
+///         in modes X and Y the window of that run shrinks to the largest odd width below the extent.
 /// Range   divisions truncate toward zero. Only eUint8 in mode XY and width 3 rounds.
 /// Threads thread-bound.
-/// Errors  as the base; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an extent of 1; -33 the
-///         directed modes.
+/// Errors  as the base; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an extent of 1; -33
+///         the directed modes.
 /// Cost    a fixed number of additions and one division a pixel, whatever the width.
 class ClIpFilterMid : public ClIpFilterBase {
  public:

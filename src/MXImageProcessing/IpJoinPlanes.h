@@ -9,16 +9,13 @@ class ClParameterContainer;
 /// Makes an image whose planes are the given ones.
 ///
 /// Domain     all planes have the type and size of the first one that is given. The number of planes follows
-/// from
-///            "eOutContent"; for "eUnknown" it is nOutPlanes, and below 1 nothing happens.
+///            from "eOutContent"; for "eUnknown" it is nOutPlanes, and below 1 nothing happens.
 /// Range      a plane that isn't given gets its fill colour with "bFillEmptyPlanes" (NaN fills 0), and what
-/// the
-///            block held without.
+///            the block held without.
 /// Ownership  the output is allocated on the image handed in; with no plane at all it isn't touched.
 /// Threads    thread-bound.
 /// Errors     returned: -35 for a content without a number of planes. ClException -701 no output; -44 a plane
-/// of
-///            another type or size, or more planes than there are places.
+///            of another type or size, or more planes than there are places.
 class ClIpJoinPlanes : public ClProcessorBase {
  public:
   ClIpJoinPlanes() { ClIpJoinPlanes::SetParametersToDefault(); }

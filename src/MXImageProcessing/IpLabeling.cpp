@@ -22,8 +22,8 @@ bool HasNoZero(uint64_t nWord) {
   return ((nWord - cnOnes) & ~nWord & (cnOnes << 7)) == 0;
 }
 
-/// Writes the places where runs of zeros begin and end, in turn, and returns their number, which is even. Room for
-/// nWidth + 2 of them is needed.
+/// Writes the places where runs of zeros begin and end, in turn, and returns their number, which is even.
+/// Room for nWidth + 2 of them is needed.
 int FindEdges(const uint8_t* pRow, int nWidth, int32_t* pEdges) {
   int nEdges = 0;
   bool bInRun = false;

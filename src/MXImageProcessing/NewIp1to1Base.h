@@ -6,7 +6,8 @@
 namespace NewIpBase {
 
 /// Domain     input and output may be one object. A processor that declares itself in-place then works in the
-///            block; any other one reads the old block while it writes another, and the results are exchanged.
+///            block; any other one reads the old block while it writes another, and the results are
+///            exchanged.
 /// Ownership  the output is allocated on the image handed in.
 /// Threads    thread-bound.
 /// Errors     -701 an image or its block is missing; -33 element type not taken; -101 unknown type in the

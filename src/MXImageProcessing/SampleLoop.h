@@ -5,7 +5,8 @@
 
 #include "MXTools/FpImage.h"
 
-/// out = fnSample(in) for width * planes samples of each row; padding is not touched. In may be out when T is U.
+/// out = fnSample(in) for width * planes samples of each row; padding is not touched. In may be out when T is
+/// U.
 template <typename T, typename U, typename TSample>
 void MapSamples(const ClImage& oIn, ClImage& oOut, TSample&& fnSample) {
   const int nSamples = oIn.SamplesPerRow();

@@ -92,7 +92,8 @@ void MoveColumnSumsU16(const uint16_t* pEnter, const uint16_t* pLeave, uint32_t*
   }
 }
 
-/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: the differences of it are right as long as a window's sum fits.
+/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: the differences of it are right as long as a window's sum
+/// fits.
 HWY_INLINE void PrefixSums(const uint32_t* pSums, size_t nCount, uint32_t* pPrefix) {
   const hn::FixedTag<uint32_t, 4> d4;
   auto vCarry = hn::Zero(d4);

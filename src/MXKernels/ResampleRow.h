@@ -6,8 +6,8 @@
 
 namespace MXKernels {
 
-/// The window of one output sample: m_nCount input samples from m_nFirst on, their weights from m_nWeights on in a
-/// shared array, and the divisor.
+/// The window of one output sample: m_nCount input samples from m_nFirst on, their weights from m_nWeights on
+/// in a shared array, and the divisor.
 struct ResampleWindow {
   int32_t m_nFirst;
   int32_t m_nCount;

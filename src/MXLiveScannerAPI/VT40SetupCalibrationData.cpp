@@ -20,7 +20,8 @@ constexpr unsigned int cnNewestRevision = 7;
 /// The illumination keys.
 constexpr unsigned char caKeys[] = {16, 1, 8, 2, 4};
 
-/// Without an input a warp makes its map and nothing else. A failing one must not keep its neighbours from theirs.
+/// Without an input a warp makes its map and nothing else. A failing one must not keep its neighbours from
+/// theirs.
 void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
   try {
     oWarp.m_pInImage = nullptr;

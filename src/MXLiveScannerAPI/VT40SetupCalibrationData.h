@@ -14,27 +14,30 @@
 #include "MXLiveScannerTools/TpIpSubsampleFilter.h"
 #include "MXTools/FpImage.h"
 
-/// Turns the three calibration blocks of a scanner into maps, brightness references and gains, and its frames into
-/// rectified, evenly lit pictures.
+/// Turns the three calibration blocks of a scanner into maps, brightness references and gains, and its frames
+/// into rectified, evenly lit pictures.
 ///
-/// Setup runs on the calling thread and two of its own: maps of preview frames, maps of full frames, and brightness
-/// references are made side by side. They share nothing that is written: references are computed from the geometric data
-/// sets, and each map belongs to one thread. All are joined before Setup returns or raises.
+/// Setup runs on the calling thread and two of its own: maps of preview frames, maps of full frames, and
+/// brightness references are made side by side. They share nothing that is written: references are computed
+/// from the geometric data sets, and each map belongs to one thread. All are joined before Setup returns or
+/// raises.
 ///
 /// Domain     frames are eUint8, one plane, aligned rows; each call knows its kinds of frame by their size.
 /// Units      target pictures have 500 dpi, previews 250 dpi.
-/// Ownership  keeps copies of the blocks; temporaries are kept from frame to frame, so that a frame of the last one's
-///            kind allocates nothing.
-/// Threads    Setup and Update calls are thread-bound. Behind them preview calls, full and roll calls together, and each
-///            brightness call may have a thread of its own.
-/// Errors     -39 for data that is wrong, -201 for blocks cut short, -1 for brightness before geometry, -103 for
-///            revisions and frame sizes that are not supported, -2 for a warp whose map could not be made.
+/// Ownership  keeps copies of the blocks; temporaries are kept from frame to frame, so that a frame of the
+///            last one's kind allocates nothing.
+/// Threads    Setup and Update calls are thread-bound. Behind them preview calls, full and roll calls
+///            together, and each brightness call may have a thread of its own.
+/// Errors     -39 for data that is wrong, -201 for blocks cut short, -1 for brightness before geometry, -103
+///            for revisions and frame sizes that are not supported, -2 for a warp whose map could not be
+///            made.
 class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
  public:
   ClVT40SetupCalibrationData(const char* szSerial, bool bUsbPowered);
 
   void UpdateGeometricData(const void* pData, unsigned int nSize) override;
-  /// Makes the four maps, on two threads. A map that cannot be made is missed by the first call that needs it.
+  /// Makes the four maps, on two threads. A map that cannot be made is missed by the first call that needs
+  /// it.
   void PrecomputeGeometricData() override;
   void StoreData(const char* szDirectory) override;
   unsigned int GetExposure() override;

@@ -11,11 +11,11 @@
 class ClImage;
 class ClIpLiveScannerMask;
 
-/// Serial number, revision, geometry, gains and mask processors of a scanner, and the operations that rectify its
-/// frames.
+/// Serial number, revision, geometry, gains and mask processors of a scanner, and the operations that rectify
+/// its frames.
 ///
-/// A serial number tells the model in its first four characters, "VT40" for ten fingers, and the revision in two letters
-/// behind them.
+/// A serial number tells the model in its first four characters, "VT40" for ten fingers, and the revision in
+/// two letters behind them.
 ///
 /// Ownership  keeps copies of all data; the mask processors belong to the concrete class.
 /// Threads    thread-bound while it is set up; then each operation serves one thread at a time.

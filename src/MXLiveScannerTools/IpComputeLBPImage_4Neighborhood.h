@@ -10,8 +10,7 @@
 ///
 /// Domain     one plane of eUint8.
 /// Range      the output holds the class of each inner pixel; the class images hold 255 at the pixels of
-/// their class.
-///            The first and last row and column are 0 in all seven.
+///            their class. The first and last row and column are 0 in all seven.
 /// Ownership  the output is allocated on the image handed in; the class images are this object's.
 /// Threads    thread-bound.
 /// Errors     ClException -701 an image is missing; -44 another element type.

@@ -18,17 +18,14 @@
 /// Turns a calibrated frame into the ridges, inverted and with even contrast, on a pure white background.
 ///
 /// Domain     one plane of eUint8; input and output may be one object. Inputs of the full-resolution width or
-/// of
-///            19601 pels per metre or more are segmented at half resolution and need even sizes.
+///            of 19601 pels per metre or more are segmented at half resolution and need even sizes.
 /// Range      255 where no finger is; soft transitions at the fingers' edges.
 /// Units      the limits of small islands and holes are pixels of the resolution that is segmented.
 /// Ownership  the output is allocated on the image handed in; scratch images are kept from run to run, so
-/// that
-///            a frame of the last one's size allocates nothing.
+///            that a frame of the last one's size allocates nothing.
 /// Threads    thread-bound.
 /// Errors     ClException -701 an image is missing; -44 several planes, or odd sizes where half resolution is
-/// used;
-///            -33 another element type; ClExBadAlloc -102.
+///            used; -33 another element type; ClExBadAlloc -102.
 class ClIpVT40R4Mask : public ClIpLiveScannerMask {
  public:
   ClIpVT40R4Mask();

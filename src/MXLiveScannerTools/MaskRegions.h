@@ -22,8 +22,8 @@ class ClMaskRegions {
 
   /// Regions of 255 with at most cnLargestIsland pixels become 0.
   void RemoveIslands(ClImage& oMask);
-  /// Regions of 0 with at most cnLargestHole pixels become 255, but for those that hold one of the two upper corner
-  /// pixels: they are open background.
+  /// Regions of 0 with at most cnLargestHole pixels become 255, but for those that hold one of the two upper
+  /// corner pixels: they are open background.
   void FillHoles(ClImage& oMask);
 
  private:

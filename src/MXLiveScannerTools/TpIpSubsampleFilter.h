@@ -70,13 +70,15 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
 
 /// Makes an image of another size; each output sample is a weighted mean of a window of input samples.
 ///
-/// Domain     eUint8, one plane, not empty. Input and output may be one object. An axis that grows takes the nearest
-///            sample, and may only do so together with a changed height. At most 125 taps: shrinking to a thirtieth.
-/// Range      weights have 10 fractional bits and are cut toward zero; each sample is divided by the sum of its own
-///            weights, cut toward zero and clipped to 8 bits, first down the columns, then along the rows.
+/// Domain     eUint8, one plane, not empty. Input and output may be one object. An axis that grows takes the
+///            nearest sample, and may only do so together with a changed height. At most 125 taps: shrinking
+///            to a thirtieth.
+/// Range      weights have 10 fractional bits and are cut toward zero; each sample is divided by the sum of
+///            its own weights, cut toward zero and clipped to 8 bits, first down the columns, then along the
+///            rows.
 /// Units      the output's resolution changes with its size.
-/// Ownership  the output is allocated on the image handed in; windows are kept from run to run, so that an image of
-///            the last one's sizes allocates nothing.
+/// Ownership  the output is allocated on the image handed in; windows are kept from run to run, so that an
+///            image of the last one's sizes allocates nothing.
 /// Threads    thread-bound.
 /// Errors     ClException -44 "invalid parameter".
 /// Cost       windows once for each size; then one multiplication a tap and one division a sample and axis.

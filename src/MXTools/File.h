@@ -7,8 +7,7 @@
 /// Ownership  owns the file until it is destroyed or another one is opened.
 /// Threads    thread-bound.
 /// Errors     ClExFilesystem -200 when the file can't be opened; ClExSystem for a failing operation, and from
-/// the
-///            destructor when closing fails, unless an exception is on its way already.
+///            the destructor when closing fails, unless an exception is on its way already.
 class ClFile : private boost::noncopyable {
  public:
   ClFile();

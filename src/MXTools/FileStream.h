@@ -10,8 +10,7 @@
 /// Ownership  owns the file from Open to Close.
 /// Threads    thread-bound.
 /// Errors     ClExFilesystem -200 when the file can't be opened, a directory always; ClException -44 and -37
-/// for
-///            missing arguments; ClExStream -204 when closing fails. The destructor swallows the last.
+///            for missing arguments; ClExStream -204 when closing fails. The destructor swallows the last.
 class ClFileStream : public ClStream {
  public:
   ClFileStream() = default;

@@ -16,8 +16,8 @@ unsigned int SearchDefaultPath(const char* szName, const char* szExt, unsigned i
 ///
 /// Units      sizes count characters, the closing zero included.
 /// Threads    reentrant, but for errno and the working directory.
-/// Errors     ClExSystem for a failing system call; ClExKelvarin -21 for a buffer too small and -23 for a missing
-///            argument.
+/// Errors     ClExSystem for a failing system call; ClExKelvarin -21 for a buffer too small and -23 for a
+///            missing argument.
 namespace FileSystem {
 
 /// The longest name that is handled, its closing zero included.
@@ -29,26 +29,28 @@ inline bool IsSeparator(char cLetter) {
 }
 
 void GetCurrentWorkingDirectory(char* szBuffer, unsigned int nSize);
-/// Turns backslashes to slashes and a leading "//" to "/"; szOut may be szIn. Gives 0, or the needed size, with
-/// nothing written, when szOut is NULL or too small. Errors: ClExKelvarin -37 without szIn.
+/// Turns backslashes to slashes and a leading "//" to "/"; szOut may be szIn. Gives 0, or the needed size,
+/// with nothing written, when szOut is NULL or too small. Errors: ClExKelvarin -37 without szIn.
 unsigned int NormalizeFilename(const char* szIn, char* szOut, unsigned int nSize);
 unsigned int NormalizeFilename(const wchar_t* wszIn, wchar_t* wszOut, unsigned int nSize);
 /// True when the file can be opened for reading.
 bool IsFileExistent(const char* szName);
-/// Looks for a file in the directories of szPath, parted by ';', in their order; "." is the current directory. A
-/// name without '.' gets szExt, when there is one, which must begin with '.'. Gives the length of the full name, 0
-/// when there is none; the name is copied when it fits, and *pszNamePart points to its file part.
+/// Looks for a file in the directories of szPath, parted by ';', in their order; "." is the current
+/// directory. A name without '.' gets szExt, when there is one, which must begin with '.'. Gives the length
+/// of the full name, 0 when there is none; the name is copied when it fits, and *pszNamePart points to its
+/// file part.
 unsigned int SearchPath(const char* szPath, const char* szName, const char* szExt, unsigned int nSize,
                         char* szOut, char** pszNamePart);
 
-/// Makes an empty file of a new name from a pattern that ends in XXXXXX; gives the pattern, filled in, or NULL.
+/// Makes an empty file of a new name from a pattern that ends in XXXXXX; gives the pattern, filled in, or
+/// NULL.
 char* MakeTempFileName(char* szPattern);
 /// The home directory with a separator behind it.
 void GetTempFileDir(char* szBuffer, unsigned int nSize);
 /// A directory that is there already is no failure. Errors: ClException -101 when there is no parent to make.
 void CreateDirectory(const char* szName, bool bRecursive);
-/// A directory that is not there is no failure. With bRecursive its content goes first; links go, what they point at
-/// stays.
+/// A directory that is not there is no failure. With bRecursive its content goes first; links go, what they
+/// point at stays.
 void RemoveDirectory(const char* szName, bool bRecursive);
 void RemoveFile(const char* szName);
 void RenameFile(const char* szOld, const char* szNew);
@@ -70,7 +72,8 @@ char* GetFileName(char* szFull);
 void GetFileNameWithoutExt(const char* szFull, char* szName, unsigned int nSize);
 /// Appends directories; a path that is not empty ends in a separator afterwards.
 void AddPath(char* szPath, unsigned int nSize, const char* szAppend);
-/// The relative name counted from the root, which must be absolute and end in a separator; an absolute name is copied.
+/// The relative name counted from the root, which must be absolute and end in a separator; an absolute name
+/// is copied.
 /// Errors: ClException -101 for a root that is not.
 void MakeAbsolutePath(const char* szRoot, const char* szRelative, char* szOut, unsigned int nSize);
 /// The inverse: what the absolute name shares with the root is dropped, by whole directories.

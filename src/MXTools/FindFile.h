@@ -16,7 +16,8 @@ namespace FileSystem {
 /// Range      "." and ".." are entries too; a directory that can't be read has none.
 /// Ownership  holds the directory open from First to Close.
 /// Threads    thread-bound.
-/// Errors     ClException -44 for a pattern without a directory; ClExKelvarin -21 for one of 1024 characters or more.
+/// Errors     ClException -44 for a pattern without a directory; ClExKelvarin -21 for one of 1024 characters
+///            or more.
 class ClFindFile : private boost::noncopyable {
  public:
   ClFindFile() = default;

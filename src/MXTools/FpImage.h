@@ -14,8 +14,8 @@ class ClStream;
 /// Domain     width, height, planes and resolution are not negative; 1 to 4 planes where there are pixels.
 /// Units      resolution in pels per metre: 19685 is 500 dpi, 9842 is 250 dpi.
 /// Range      rows lie top row first; a row is padded to a multiple of 4 bytes when the image is aligned.
-/// Ownership  holds its block of pixels, or shares it after Attach; the block lives until its last holder goes.
-///            A block attached by pointer stays the caller's. Copies are deep and explicit.
+/// Ownership  holds its block of pixels, or shares it after Attach; the block lives until its last holder
+///            goes. A block attached by pointer stays the caller's. Copies are deep and explicit.
 /// Threads    thread-bound. The holder's count is atomic, so that two images that share a block may be in two
 ///            threads; the pixels are not guarded.
 /// Errors     ClException -101 for hostile sizes and wrong types, ClExBadAlloc -102.
@@ -60,8 +60,8 @@ class ClImage : private boost::noncopyable {
   void Delete() { Initialize(); }
   void Detach() { Initialize(); }
 
-  /// Makes an image of the given shape with content, black and white by planes and type. Pixels are not cleared:
-  /// a block of the same byte size that only this image holds is kept as it is.
+  /// Makes an image of the given shape with content, black and white by planes and type. Pixels are not
+  /// cleared: a block of the same byte size that only this image holds is kept as it is.
   /// Errors: -101 "Image area must be positive"; ClExBadAlloc, the image is then empty.
   void NewWithType(unsigned char nType, int nWidth, int nHeight, int nPlanes, int nPelsX, int nPelsY,
                    bool bAligned);
@@ -77,15 +77,15 @@ class ClImage : private boost::noncopyable {
   /// The given shape over a block that the caller keeps alive.
   void AttachIntern(void* pData, unsigned char nType, int nWidth, int nHeight, int nPlanes, int nPelsX,
                     int nPelsY, bool bAligned);
-  /// Shares the pixels of a plain BMP of 8, 24 or 32 bits, in the BMP's own row order. False, and empty, for a
-  /// compressed one. Errors: -12 for another depth.
+  /// Shares the pixels of a plain BMP of 8, 24 or 32 bits, in the BMP's own row order. False, and empty, for
+  /// a compressed one. Errors: -12 for another depth.
   bool Attach(const ClBitmap& oBitmap);
   ClImage& operator=(const ClBitmap& oBitmap);
 
   /// A deep copy with aligned rows.
   ClImage& operator=(const ClImage& oOther);
-  /// Fills every element; 0 clears the whole block of any type, padding too. Any other value needs a one-byte type
-  /// (unsigned char) or eInt32 (int). Errors: -101 "Image Type is not the assigned type".
+  /// Fills every element; 0 clears the whole block of any type, padding too. Any other value needs a one-byte
+  /// type (unsigned char) or eInt32 (int). Errors: -101 "Image Type is not the assigned type".
   ClImage& operator=(const unsigned char& nValue);
   ClImage& operator=(const int& nValue);
   /// Fills the padding at the end of each row with the low byte of nValue.

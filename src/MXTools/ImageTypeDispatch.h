@@ -15,8 +15,8 @@ struct TpElementType {
   using Type = T;
 };
 
-/// Calls oCall(TpElementType<T>()) with the C++ type of the element type and returns its result; a type that is
-/// none of the eight returns nUnknown.
+/// Calls oCall(TpElementType<T>()) with the C++ type of the element type and returns its result; a type that
+/// is none of the eight returns nUnknown.
 ///
 /// The levels of a dispatch over several images nest:
 /// DispatchElementType(in1, -101, [&](auto t) { return Level2<typename decltype(t)::Type>(...); }).

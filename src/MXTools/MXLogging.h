@@ -39,8 +39,7 @@ int ReadLevel();
 /// chain, and each has one object, made while the library is loaded.
 ///
 /// Threads  thread-safe: the state is written while the library is loaded and then only read. Lines are kept
-/// apart by
-///          printf.
+///          apart by printf.
 /// Errors   ClException -49, as KlvLogging::Format tells, with logging off as well.
 /// Cost     one vsnprintf with logging off.
 template <typename TNext>

@@ -5,12 +5,11 @@
 
 /// Domain     at most 2^31 - 1 bytes.
 /// Range      the used size is what was written or attached; what was sought past it reads as zeros once a
-/// write
-///            has passed it.
+///            write has passed it.
 /// Ownership  owns its block, but for an attached one, which stays the caller's and must outlive the stream.
 /// Threads    thread-bound.
 /// Errors     ClExStream -204 on a write to a read-only stream or past the end of an attached one;
-/// ClExBadAlloc.
+///            ClExBadAlloc.
 class ClMemStream : public ClStream {
  public:
   /// Empty, writable, grows on demand.

@@ -14,8 +14,7 @@ class ClParameterNumericInterface;
 /// Ownership  a node belongs to the container that it was added to.
 /// Threads    thread-bound, but for the values that TpParameterBase tells about.
 /// Errors     ClException -701 "pCast is not set" when another node is handed in that is not of this node's
-/// class;
-///            ClExBadAlloc -102.
+///            class; ClExBadAlloc -102.
 class ClParameterBase {
  public:
   ClParameterBase() = default;

@@ -12,13 +12,12 @@
 /// Named children in the order of their insertion.
 ///
 /// Domain     names are unique among the children, without regard to case. Paths join names with "."; a
-/// leading "."
-///            starts at the root, and the root's own name may stand first.
+///            leading "." starts at the root, and the root's own name may stand first.
 /// Ownership  owns its children.
 /// Threads    thread-bound.
 /// Errors     ClExKelvarin -46 for a name in use, the container is then as it was; ClException -101 for a
-/// part of a
-///            path with 255 characters or more; -701 where another node is no container or has another shape.
+///            part of a path with 255 characters or more; -701 where another node is no container or has
+///            another shape.
 /// Cost       a search is linear.
 class ClParameterContainer : public ClParameter {
  public:

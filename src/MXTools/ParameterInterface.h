@@ -15,7 +15,8 @@ class ClStream;
 
 /// Ownership  owns its entries; the members that they point at are the processor's and must outlive the list.
 /// Threads    thread-bound.
-/// Errors     ClExKelvarin -33 for a stored list that is another one; ClException -50 for NextParam without an iteration.
+/// Errors     ClExKelvarin -33 for a stored list that is another one; ClException -50 for NextParam without
+///            an iteration.
 class ClParameterInterface : private boost::noncopyable {
  public:
   enum EType : int {
@@ -37,9 +38,10 @@ class ClParameterInterface : private boost::noncopyable {
 
   /// One entry.
   ///
-  /// Range   numbers are cut toward zero and limited to what the member holds. In a stream an eLong has 32 bits.
-  /// Errors  -21 "The buffer size is too small."; -37 for a name of an enumeration that is not there; -44 for a value of
-  ///         another kind; -209 for a name that the enumeration has not.
+  /// Range   numbers are cut toward zero and limited to what the member holds. In a stream an eLong has 32
+  ///         bits.
+  /// Errors  -21 "The buffer size is too small."; -37 for a name of an enumeration that is not there; -44 for
+  ///         a value of another kind; -209 for a name that the enumeration has not.
   class ClParameter {
    public:
     ClParameter() = default;
@@ -128,8 +130,8 @@ class ClParameterInterface : private boost::noncopyable {
   /// All forms append an entry and give it back.
   ClParameter* AddParameter(void** pMember, const char* szName, const char* szDescription,
                             EDirection eDirection, EType eType, bool bFixedRange);
-  /// A number of type unsigned char, short, unsigned short (an angle), int, long, float or double; its value now is the
-  /// default. The limits 1.0 and -1.0 stand for a third around it; limits are cut to what T holds.
+  /// A number of type unsigned char, short, unsigned short (an angle), int, long, float or double; its value
+  /// now is the default. The limits 1.0 and -1.0 stand for a third around it; limits are cut to what T holds.
   template <typename T>
   ClParameter* AddParameter(T* pMember, const char* szName, const char* szDescription, EDirection eDirection,
                             double dMinimum, double dMaximum) {

@@ -6,14 +6,15 @@
 class ClClassCallProfile;
 class ClProfileTimer;
 
-/// Set by a host that wants to watch processors; null otherwise. Not guarded: to be set before any processor runs.
+/// Set by a host that wants to watch processors; null otherwise. Not guarded: to be set before any processor
+/// runs.
 extern ClProfileTimer* g_pProfileTimer;
 extern ClClassCallProfile* g_pClassCallProfile;
 
 /// An operation with parameters: set it up, hand it images, run Apply as often as wanted.
 ///
-/// Ownership  owns no image that it is handed; the pointers need only be valid during a run. Scratch images are
-///            kept, so that a run with the sizes of the last one allocates nothing.
+/// Ownership  owns no image that it is handed; the pointers need only be valid during a run. Scratch images
+///            are kept, so that a run with the sizes of the last one allocates nothing.
 /// Threads    thread-bound.
 /// Errors     what Initialize and Process return is returned; what they raise passes through Apply.
 class ClProcessorBase : public ClParameterProvider {

@@ -21,7 +21,8 @@ class TpArrayStatic {
 
   virtual unsigned int Entries() const { return m_nCapacity; }
 
-  /// Frees the entries and makes nEntries new ones; 0 leaves a null pointer. After a failure the array is empty.
+  /// Frees the entries and makes nEntries new ones; 0 leaves a null pointer. After a failure the array is
+  /// empty.
   virtual void New(unsigned int nEntries) {
     delete[] m_pData;
     m_pData = nullptr;

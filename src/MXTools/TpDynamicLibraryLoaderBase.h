@@ -13,7 +13,8 @@
 /// function and says in BindFunctions which they are.
 ///
 /// Ownership  an object is a ticket for at most one reference, which CloseLibrary or the destructor of T
-///            gives back. The statics are not destroyed at exit: a thread that outlives main finds them whole.
+///            gives back. The statics are not destroyed at exit: a thread that outlives main finds them
+///            whole.
 /// Threads    opening and closing are thread-safe. Function pointers are written by the first open and
 ///            cleared by the last close only, and are read without a lock by whoever holds a reference.
 /// Errors     ClExDynamicLibraryLoadFail -200 without the library, -206 without a required function; nothing

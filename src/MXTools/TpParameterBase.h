@@ -10,10 +10,9 @@
 ///
 /// Ownership  owns nothing of what it is bound to, which must outlive it.
 /// Threads    scalar variables are read and written in one piece, so that a worker may look at them
-/// meanwhile; all
-///            else is thread-bound.
+///            meanwhile; all else is thread-bound.
 /// Errors     -101 "Abstract function" from the text operations of this class; -701 "m_pValue is not set"
-/// when unbound.
+///            when unbound.
 template <typename T, class TClass>
 class TpParameterBase : public ClParameter {
  public:

@@ -17,8 +17,7 @@
 /// Ownership  keeps copies of the names; what a pointer points at is the owner's.
 /// Threads    as TpParameterBase.
 /// Errors     ClException -35 for a value or a name that is not in the list; ClExKelvarin -46 for a name that
-/// is
-///            there under another value.
+///            is there under another value.
 template <typename T, class TClass>
 class TpParameterEnumPointer : public TpParameter<T, TClass>, public ClParameterEnumInterface {
  public:

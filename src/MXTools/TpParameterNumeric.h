@@ -13,8 +13,7 @@
 /// A number of type T with limits, a default and a text form.
 ///
 /// Range    equal limits mean no range. A value outside the limits is taken as it is, unless cnClamp moves it
-/// or
-///          cnStrict refuses it.
+///          or cnStrict refuses it.
 /// Threads  as TpParameterBase.
 /// Errors   ClExRange -35 for numbers beyond T (infinity included) or refused; -44, -20 for texts.
 template <typename T, class TClass>

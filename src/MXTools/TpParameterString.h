@@ -11,8 +11,7 @@
 /// N = 0 the text can only be read.
 ///
 /// Errors  ClException -701 "Point is Null" for a NULL text, and for a NULL buffer with enough room; -21 for
-/// a text
-///         that does not fit.
+///         a text that does not fit.
 template <typename T, class TClass, unsigned int N>
 class TpParameterString : public TpParameter<T, TClass> {
  public:
