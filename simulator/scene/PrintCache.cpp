@@ -13,22 +13,22 @@ namespace {
 
 using Key = std::tuple<std::string, uint64_t, int, double, double, double, double>;
 
-Key KeyOf(const ClPrintSpecification& o) {
+Key KeyOf(const ClPrintDescription& o) {
   if (!o.sFile.empty()) return Key(o.sFile, 0, 0, 0.0, 0.0, 0.0, 0.0);
   return Key("", o.nSeed, o.ePattern, o.dWidthMm, o.dHeightMm, o.dRidgePeriodMm, o.dPores);
 }
 
 }  // namespace
 
-PrintPointer GetPrint(const ClPrintSpecification& oSpecification) {
+PrintPointer GetPrint(const ClPrintDescription& oDescription) {
   static std::mutex s_oMutex;
   static std::map<Key, std::weak_ptr<const ClPrint>> s_mapPrints;
   std::lock_guard<std::mutex> oLock(s_oMutex);
-  std::weak_ptr<const ClPrint>& pWeak = s_mapPrints[KeyOf(oSpecification)];
+  std::weak_ptr<const ClPrint>& pWeak = s_mapPrints[KeyOf(oDescription)];
   PrintPointer pPrint = pWeak.lock();
   if (!pPrint) {
-    pPrint = std::make_shared<const ClPrint>(
-        oSpecification.sFile.empty() ? GeneratePrint(oSpecification) : ReadPrintFile(oSpecification.sFile));
+    pPrint = std::make_shared<const ClPrint>(oDescription.sFile.empty() ? GeneratePrint(oDescription)
+                                                                        : ReadPrintFile(oDescription.sFile));
     pWeak = pPrint;
   }
   return pPrint;

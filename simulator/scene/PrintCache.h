@@ -2,14 +2,14 @@
 #pragma once
 
 #include "scene/Print.h"
-#include "scene/PrintSpecification.h"
+#include "scene/PrintDescription.h"
 
 namespace Simulator {
 
-/// The print of a specification, generated or read on first use and shared while anybody holds it.
+/// The print of a description, generated or read on first use and shared while anybody holds it.
 ///
 /// Threads    thread-safe.
 /// Errors     those of ReadPrintFile.
-PrintPointer GetPrint(const ClPrintSpecification& oSpecification);
+PrintPointer GetPrint(const ClPrintDescription& oDescription);
 
 }  // namespace Simulator

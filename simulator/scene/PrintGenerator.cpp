@@ -89,10 +89,10 @@ double OutlineDistance(double dX, double dY, double dHalfWidth, double dHalfHeig
 
 class ClGrower {
  public:
-  explicit ClGrower(const ClPrintSpecification& oSpecification)
-      : m_oSpecification(oSpecification),
-        m_nWidth(static_cast<int>(std::ceil(oSpecification.dWidthMm * 1.16 / g_cdGrowMm))),
-        m_nHeight(static_cast<int>(std::ceil(oSpecification.dHeightMm * 1.16 / g_cdGrowMm))),
+  explicit ClGrower(const ClPrintDescription& oDescription)
+      : m_oDescription(oDescription),
+        m_nWidth(static_cast<int>(std::ceil(oDescription.dWidthMm * 1.16 / g_cdGrowMm))),
+        m_nHeight(static_cast<int>(std::ceil(oDescription.dHeightMm * 1.16 / g_cdGrowMm))),
         m_nStride(m_nWidth + 2 * g_cnReach) {}
 
   ClPrint Grow() {
@@ -116,19 +116,19 @@ class ClGrower {
   double Y(int nY) const { return (0.5 * m_nHeight - nY - 0.5) * g_cdGrowMm; }
 
   void MakeKernels() {
-    const double dPeriod = m_oSpecification.dRidgePeriodMm / g_cdGrowMm;
+    const double dPeriod = m_oDescription.dRidgePeriodMm / g_cdGrowMm;
     for (int i = 0; i < g_cnPeriods; ++i)
       for (int k = 0; k < g_cnDirections; ++k)
         m_aKernels.push_back(MakeKernel(g_cdPi * k / g_cnDirections, dPeriod * (0.93 + 0.07 * i)));
   }
 
   void ChoosePlaces() {
-    const ClRidgeFlow oFlow(m_oSpecification);
-    const ClSmoothNoise oSpacing(Mix(m_oSpecification.nSeed, 1), 40.0);
+    const ClRidgeFlow oFlow(m_oDescription);
+    const ClSmoothNoise oSpacing(Mix(m_oDescription.nSeed, 1), 40.0);
     for (int y = 0; y < m_nHeight; ++y) {
       for (int x = 0; x < m_nWidth; ++x) {
         const double dX = X(x), dY = Y(y);
-        if (OutlineDistance(dX, dY, 0.5 * m_oSpecification.dWidthMm, 0.5 * m_oSpecification.dHeightMm) > 1.15)
+        if (OutlineDistance(dX, dY, 0.5 * m_oDescription.dWidthMm, 0.5 * m_oDescription.dHeightMm) > 1.15)
           continue;
         const double dTurn = oFlow.Direction(dX, dY) / g_cdPi;
         const int nDirection = static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * g_cnDirections));
@@ -142,7 +142,7 @@ class ClGrower {
   std::vector<float> MakeNoise() const {
     std::vector<float> aNoise(static_cast<size_t>(m_nStride) *
                               static_cast<size_t>(m_nHeight + 2 * g_cnReach));
-    ClRandom oRandom(Mix(m_oSpecification.nSeed, 2));
+    ClRandom oRandom(Mix(m_oDescription.nSeed, 2));
     for (const ClPlace& oPlace : m_aPlaces)
       aNoise[static_cast<size_t>(oPlace.nOffset)] = static_cast<float>(oRandom.Range(-1.0, 1.0));
     return aNoise;
@@ -193,10 +193,10 @@ class ClGrower {
   /// Pores sit on the crests of ridges, some two or three to a millimetre.
   void AddPores(TpPlane<uint8_t>& oRidge) const {
     constexpr int nCell = 9;
-    ClRandom oRandom(Mix(m_oSpecification.nSeed, 3));
+    ClRandom oRandom(Mix(m_oDescription.nSeed, 3));
     for (int nTop = 0; nTop + nCell < oRidge.Height(); nTop += nCell) {
       for (int nLeft = 0; nLeft + nCell < oRidge.Width(); nLeft += nCell) {
-        if (oRandom.Uniform() >= m_oSpecification.dPores) continue;
+        if (oRandom.Uniform() >= m_oDescription.dPores) continue;
         const int nDropX = static_cast<int>(oRandom.Range(0.0, nCell));
         int nBestX = nLeft + nDropX, nBestY = nTop;
         for (int y = nTop; y < nTop + nCell; ++y)
@@ -218,15 +218,15 @@ class ClGrower {
   }
 
   TpPlane<uint8_t> MakeDepth(int nWidth, int nHeight) const {
-    const ClSmoothNoise oEdge(Mix(m_oSpecification.nSeed, 4), 30.0);
-    const ClSmoothNoise oFringe(Mix(m_oSpecification.nSeed, 5), 5.0);
+    const ClSmoothNoise oEdge(Mix(m_oDescription.nSeed, 4), 30.0);
+    const ClSmoothNoise oFringe(Mix(m_oDescription.nSeed, 5), 5.0);
     TpPlane<uint8_t> oDepth(nWidth, nHeight);
     for (int y = 0; y < nHeight; ++y) {
       for (int x = 0; x < nWidth; ++x) {
         const double dX = (x + 0.5 - 0.5 * nWidth) * g_cdPixelMm,
                      dY = (0.5 * nHeight - y - 0.5) * g_cdPixelMm;
         const double dAway =
-            OutlineDistance(dX, dY, 0.5 * m_oSpecification.dWidthMm, 0.5 * m_oSpecification.dHeightMm) +
+            OutlineDistance(dX, dY, 0.5 * m_oDescription.dWidthMm, 0.5 * m_oDescription.dHeightMm) +
             0.02 * oEdge.At(x, y) + 0.012 * oFringe.At(x, y);
         oDepth.At(x, y) = static_cast<uint8_t>(std::clamp(255.0 * (1.12 - dAway) / 0.5, 0.0, 255.0));
       }
@@ -234,7 +234,7 @@ class ClGrower {
     return oDepth;
   }
 
-  const ClPrintSpecification& m_oSpecification;
+  const ClPrintDescription& m_oDescription;
   int m_nWidth;
   int m_nHeight;
   int m_nStride;
@@ -244,8 +244,8 @@ class ClGrower {
 
 }  // namespace
 
-ClPrint GeneratePrint(const ClPrintSpecification& oSpecification) {
-  return ClGrower(oSpecification).Grow();
+ClPrint GeneratePrint(const ClPrintDescription& oDescription) {
+  return ClGrower(oDescription).Grow();
 }
 
 }  // namespace Simulator

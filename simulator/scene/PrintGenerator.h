@@ -2,12 +2,12 @@
 #pragma once
 
 #include "scene/Print.h"
-#include "scene/PrintSpecification.h"
+#include "scene/PrintDescription.h"
 
 namespace Simulator {
 
 /// Grows a ridge pattern: noise is filtered again and again with Gabor kernels that follow the ridge flow
-/// until ridges stand, with the endings and bifurcations that the flow forces. Same specification, same
+/// until ridges stand, with the endings and bifurcations that the flow forces. Same description, same
 /// print.
 ///
 /// R. Cappelli, D. Maio, D. Maltoni, "Synthetic fingerprint-database generation", ICPR 2002, tells the
@@ -15,6 +15,6 @@ namespace Simulator {
 ///
 /// Cost       some 50 milliseconds for a finger of 16 by 23 mm.
 /// Threads    reentrant.
-ClPrint GeneratePrint(const ClPrintSpecification& oSpecification);
+ClPrint GeneratePrint(const ClPrintDescription& oDescription);
 
 }  // namespace Simulator

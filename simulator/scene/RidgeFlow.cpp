@@ -8,11 +8,11 @@
 
 namespace Simulator {
 
-ClRidgeFlow::ClRidgeFlow(const ClPrintSpecification& oSpecification)
-    : m_ePattern(oSpecification.ePattern),
-      m_dHalfWidth(0.5 * oSpecification.dWidthMm),
-      m_dHalfHeight(0.5 * oSpecification.dHeightMm) {
-  ClRandom oRandom(Mix(oSpecification.nSeed, 0x466C6F77));
+ClRidgeFlow::ClRidgeFlow(const ClPrintDescription& oDescription)
+    : m_ePattern(oDescription.ePattern),
+      m_dHalfWidth(0.5 * oDescription.dWidthMm),
+      m_dHalfHeight(0.5 * oDescription.dHeightMm) {
+  ClRandom oRandom(Mix(oDescription.nSeed, 0x466C6F77));
   const double dCoreX = oRandom.Range(-0.8, 0.8);
   const double dCoreY = oRandom.Range(0.5, 1.6);
   const double dDeltaX = m_dHalfWidth * oRandom.Range(0.66, 0.82);

@@ -1,7 +1,7 @@
 // The direction in which ridges run, place by place.
 #pragma once
 
-#include "scene/PrintSpecification.h"
+#include "scene/PrintDescription.h"
 
 namespace Simulator {
 
@@ -15,7 +15,7 @@ namespace Simulator {
 /// Threads    const operations are thread-safe.
 class ClRidgeFlow {
  public:
-  explicit ClRidgeFlow(const ClPrintSpecification& oSpecification);
+  explicit ClRidgeFlow(const ClPrintDescription& oDescription);
 
   /// Direction of the ridge through a place, 0 to the right, counter-clockwise, modulo pi.
   double Direction(double dX, double dY) const;

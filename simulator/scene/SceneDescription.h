@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "scene/PrintSpecification.h"
+#include "scene/PrintDescription.h"
 
 namespace Simulator {
 
@@ -14,7 +14,7 @@ constexpr double g_cdNever = std::numeric_limits<double>::infinity();
 
 /// One finger, or one picture of several, laid on the platen.
 struct ClFingerDescription {
-  ClPrintSpecification oPrint;
+  ClPrintDescription oPrint;
   double dXMm = 40.64;     ///< middle of the print, from the left edge of the picture
   double dYMm = 40.64;     ///< from its top edge
   double dAngle = 0.0;     ///< degrees, counter-clockwise

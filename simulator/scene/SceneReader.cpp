@@ -117,9 +117,9 @@ class ClObject {
 
 constexpr int64_t g_cnMostSeed = 9007199254740992;
 
-ClPrintSpecification ReadPrint(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
+ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
   ClObject o(oJson, sPlace);
-  ClPrintSpecification oPrint;
+  ClPrintDescription oPrint;
   oPrint.sFile = o.Text("file", "");
   if (!oPrint.sFile.empty()) {
     if (oPrint.sFile[0] != '/' && !sFolder.empty()) oPrint.sFile = sFolder + "/" + oPrint.sFile;

@@ -79,7 +79,11 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   ClVT40LiveCapture& Engine() const;
   const ClCalibrateGeometricData& FullData() const;
   const ClCalibrateGeometricData& PreviewData() const;
-  void DeliverRows(void* pImage, unsigned int nWidth, unsigned int nHeight) const;
+  using EngineCall = void (ClVTLiveCaptureBase::*)(ClImage&, ClVTLiveCaptureBase::ECaptureState&, double&);
+  using SizeCall = void (ClVT40Handle::*)(unsigned int*, unsigned int*);
+  /// What the three image calls have in common; m_oMutex is held. True when the image is finished.
+  bool DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pImage, double* pdScore,
+                    unsigned char* pbDone, long* pnResult);
   void SendStatusLeds();
 
   // Getters and setters of the properties

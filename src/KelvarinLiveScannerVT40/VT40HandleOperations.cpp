@@ -151,52 +151,43 @@ void ClVT40Handle::GetCaptureMode(int* pnMode) {
   }
 }
 
-void ClVT40Handle::DeliverRows(void* pImage, unsigned int nWidth, unsigned int nHeight) const {
+bool ClVT40Handle::DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pImage, double* pdScore,
+                                unsigned char* pbDone, long* pnResult) {
+  CheckPointers(pImage, pdScore, pbDone, pnResult);
+  ClVTLiveCaptureBase::ECaptureState eState = ClVTLiveCaptureBase::eCaptureStateNone;
+  double dScore = 0.0;
+  (Engine().*pfnImage)(m_oDelivered, eState, dScore);
+  // The caller's buffer has the size that the size functions tell, and not a byte more.
+  unsigned int nWidth = 0;
+  unsigned int nHeight = 0;
+  (this->*pfnSize)(&nWidth, &nHeight);
   const size_t nRowBytes = m_oDelivered.RowBytes();
   const size_t nRows = static_cast<size_t>(m_oDelivered.Height());
-  // The caller's buffer has the size that the size functions tell, and not a byte more.
   if (nRowBytes > nWidth || nRows > nHeight) KLV_RAISE(ClException, "Invalid capture mode.", -50);
   if (m_oDelivered.Data() != nullptr) std::memcpy(pImage, m_oDelivered.Data(), nRows * nRowBytes);
+  const bool bDone = eState == ClVTLiveCaptureBase::eCaptureStateDone;
+  *pdScore = dScore;
+  *pbDone = bDone;
+  *pnResult = bDone ? 0 : cnNoFinger;
+  return bDone;
 }
 
 void ClVT40Handle::GetImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {
   Lock oLock(m_oMutex);
-  CheckPointers(pImage, pdScore, pbDone, pnResult);
-  ClVTLiveCaptureBase::ECaptureState eState = ClVTLiveCaptureBase::eCaptureStateNone;
-  double dScore = 0.0;
-  Engine().GetImage(m_oDelivered, eState, dScore);
-  DeliverRows(pImage, FullData().m_nTargetWidth, FullData().m_nTargetHeight);
-  const bool bDone = eState == ClVTLiveCaptureBase::eCaptureStateDone;
-  *pdScore = dScore;
-  *pbDone = bDone;
-  *pnResult = bDone ? 0 : cnNoFinger;
+  DeliverImage(&ClVTLiveCaptureBase::GetImage, &ClVT40Handle::GetImageSize, pImage, pdScore, pbDone,
+               pnResult);
 }
 
 void ClVT40Handle::GetPreviewImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {
   Lock oLock(m_oMutex);
-  CheckPointers(pImage, pdScore, pbDone, pnResult);
-  ClVTLiveCaptureBase::ECaptureState eState = ClVTLiveCaptureBase::eCaptureStateNone;
-  double dScore = 0.0;
-  Engine().GetPreviewImage(m_oDelivered, eState, dScore);
-  DeliverRows(pImage, PreviewData().m_nTargetWidth, PreviewData().m_nTargetHeight);
-  const bool bDone = eState == ClVTLiveCaptureBase::eCaptureStateDone;
-  *pdScore = dScore;
-  *pbDone = bDone;
-  *pnResult = bDone ? 0 : cnNoFinger;
+  DeliverImage(&ClVTLiveCaptureBase::GetPreviewImage, &ClVT40Handle::GetPreviewImageSize, pImage, pdScore,
+               pbDone, pnResult);
 }
 
 void ClVT40Handle::GetRollImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {
   Lock oLock(m_oMutex);
-  CheckPointers(pImage, pdScore, pbDone, pnResult);
-  ClVTLiveCaptureBase::ECaptureState eState = ClVTLiveCaptureBase::eCaptureStateNone;
-  double dScore = 0.0;
-  Engine().GetRollImage(m_oDelivered, eState, dScore);
-  DeliverRows(pImage, FullData().m_nTargetWidth / 2, FullData().m_nTargetHeight / 2);
-  const bool bDone = eState == ClVTLiveCaptureBase::eCaptureStateDone;
-  *pdScore = dScore;
-  *pbDone = bDone;
-  *pnResult = cnNoFinger;
-  if (bDone) {
+  if (DeliverImage(&ClVTLiveCaptureBase::GetRollImage, &ClVT40Handle::GetRollImageSize, pImage, pdScore,
+                   pbDone, pnResult)) {
     // A finished roll is reported once.
     Engine().SetDetectState(ClVTLiveCaptureBase::eCaptureStateNoFinger);
     *pnResult = Engine().GetReturnCode();

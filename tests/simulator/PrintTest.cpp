@@ -12,8 +12,8 @@
 namespace Simulator {
 namespace {
 
-ClPrintSpecification Specification(uint64_t nSeed, EPattern ePattern) {
-  ClPrintSpecification o;
+ClPrintDescription Description(uint64_t nSeed, EPattern ePattern) {
+  ClPrintDescription o;
   o.nSeed = nSeed;
   o.ePattern = ePattern;
   return o;
@@ -51,9 +51,9 @@ ClAreas Areas(const ClFingerContent& oFinger, double dSeconds) {
 
 TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
   for (const EPattern ePattern : {ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch}) {
-    ClPrintSpecification oSpecification = Specification(17, ePattern);
-    oSpecification.dPores = 0.0;
-    const ClPrint oPrint = GeneratePrint(oSpecification);
+    ClPrintDescription oDescription = Description(17, ePattern);
+    oDescription.dPores = 0.0;
+    const ClPrint oPrint = GeneratePrint(oDescription);
     EXPECT_NEAR(RidgePeriod(oPrint), 9.0, 1.0) << ePattern;
     double dRidge = 0.0, dSkin = 0.0;
     for (size_t i = 0; i < oPrint.oRidge.Count(); ++i) {
@@ -65,17 +65,17 @@ TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
   }
 }
 
-TEST(PrintGenerator, TheSpacingFollowsTheSpecification) {
-  ClPrintSpecification oWide = Specification(17, ePatternArch);
+TEST(PrintGenerator, TheSpacingFollowsTheDescription) {
+  ClPrintDescription oWide = Description(17, ePatternArch);
   oWide.dRidgePeriodMm *= 1.2;
-  EXPECT_NEAR(RidgePeriod(GeneratePrint(oWide)) / RidgePeriod(GeneratePrint(Specification(17, ePatternArch))),
+  EXPECT_NEAR(RidgePeriod(GeneratePrint(oWide)) / RidgePeriod(GeneratePrint(Description(17, ePatternArch))),
               1.2, 0.1);
 }
 
 TEST(PrintGenerator, ASeedAlwaysGivesTheSamePrintAndAnotherSeedAnother) {
-  const ClPrint oFirst = GeneratePrint(Specification(3, ePatternWhorl));
-  const ClPrint oAgain = GeneratePrint(Specification(3, ePatternWhorl));
-  const ClPrint oOther = GeneratePrint(Specification(4, ePatternWhorl));
+  const ClPrint oFirst = GeneratePrint(Description(3, ePatternWhorl));
+  const ClPrint oAgain = GeneratePrint(Description(3, ePatternWhorl));
+  const ClPrint oOther = GeneratePrint(Description(4, ePatternWhorl));
   ASSERT_EQ(oFirst.oRidge.Count(), oOther.oRidge.Count());
   size_t nSame = 0, nLike = 0;
   for (size_t i = 0; i < oFirst.oRidge.Count(); ++i) {
@@ -89,7 +89,7 @@ TEST(PrintGenerator, ASeedAlwaysGivesTheSamePrintAndAnotherSeedAnother) {
 TEST(RidgeFlow, GoingRoundACoreTurnsTheRidgeByHalfATurn) {
   // Two cores close together turn it by a whole turn, an arch not at all.
   const auto Turn = [](EPattern ePattern) {
-    const ClRidgeFlow oFlow(Specification(5, ePattern));
+    const ClRidgeFlow oFlow(Description(5, ePattern));
     double dSum = 0.0, dLast = oFlow.Direction(3.5, 1.0);
     for (int i = 1; i <= 720; ++i) {
       const double dNow = oFlow.Direction(3.5 * std::cos(i * 3.14159265358979 / 360.0),
@@ -192,9 +192,9 @@ TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
 }
 
 TEST(PrintCache, APrintIsMadeOnceWhileItIsInUse) {
-  const PrintPointer pFirst = GetPrint(Specification(77, ePatternArch));
-  EXPECT_EQ(pFirst.get(), GetPrint(Specification(77, ePatternArch)).get());
-  EXPECT_NE(pFirst.get(), GetPrint(Specification(78, ePatternArch)).get());
+  const PrintPointer pFirst = GetPrint(Description(77, ePatternArch));
+  EXPECT_EQ(pFirst.get(), GetPrint(Description(77, ePatternArch)).get());
+  EXPECT_NE(pFirst.get(), GetPrint(Description(78, ePatternArch)).get());
 }
 
 }  // namespace

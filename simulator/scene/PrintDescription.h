@@ -8,7 +8,7 @@ namespace Simulator {
 
 enum EPattern { ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch };
 
-struct ClPrintSpecification {
+struct ClPrintDescription {
   std::string sFile;  ///< PNG file; empty for a generated print
   uint64_t nSeed = 1;
   EPattern ePattern = ePatternWhorl;
