@@ -65,10 +65,10 @@ void CaptureOutOfPreview(benchmark::State& oState) {
 }
 
 void MakePrint(benchmark::State& oState) {
-  ClPrintSpecification oSpecification;
+  ClPrintDescription oDescription;
   for (auto _ : oState) {
-    ++oSpecification.nSeed;
-    benchmark::DoNotOptimize(GeneratePrint(oSpecification));
+    ++oDescription.nSeed;
+    benchmark::DoNotOptimize(GeneratePrint(oDescription));
   }
 }
 
