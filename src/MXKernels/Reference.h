@@ -3,6 +3,7 @@
 
 #include "MXKernels/BalanceRows.h"
 #include "MXKernels/BoxRows.h"
+#include "MXKernels/DifferenceRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
@@ -18,6 +19,12 @@ void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThr
                   uint8_t nAbove) noexcept;
 void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept;
 void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept;
+
+uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;
+void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
+                  uint16_t nLimit) noexcept;
 
 void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
 void AddToColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept;

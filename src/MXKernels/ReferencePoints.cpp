@@ -1,5 +1,6 @@
 // The plain twins of the kernels that treat samples one by one, and the kernels that have no other form.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 #include "MXKernels/Reference.h"
@@ -94,6 +95,28 @@ void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* p
   for (size_t i = 0; i < nCount; ++i) {
     pMask[i] = pDistance[i] < nDistanceLimit && pNear[i] * 100 > pFar[i] * nFog ? 255 : 0;
   }
+}
+
+uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
+  uint64_t nSum = 0;
+  for (size_t i = 0; i < nCount; ++i) {
+    const int nDifference = pA[i] - pB[i];
+    nSum += static_cast<uint64_t>(nDifference * nDifference);
+  }
+  return nSum;
+}
+
+void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<uint16_t>(pSums[i] + pRow[i]);
+}
+
+void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<uint16_t>(pSums[i] - pRow[i]);
+}
+
+void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
+                  uint16_t nLimit) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = std::abs(pIn[i] - pMean[i]) > nLimit ? 255 : 0;
 }
 
 }  // namespace Reference

@@ -1,0 +1,24 @@
+// Row functions that follow pictures over time: how much changed, sums of the last frames, what stands out.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace MXKernels {
+
+/// Common to all kernels of this header: any alignment; nothing but [0, nCount) is read or written.
+
+/// Sum over i of (pA[i] - pB[i])^2.
+uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;
+
+/// pSums[i] += pRow[i], modulo 2^16.
+void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+
+/// pSums[i] -= pRow[i], modulo 2^16.
+void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+
+/// pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no input.
+void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
+                  uint16_t nLimit) noexcept;
+
+}  // namespace MXKernels
