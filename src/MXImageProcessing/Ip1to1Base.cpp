@@ -20,6 +20,11 @@ void ClIp1to1Base::SetParametersToDefault() {
   m_nOutImageType = ClImage::cnTypeDefault;
 }
 
+void ClIp1to1Base::QueryParameters(ClParameterInterface& oInterface) {
+  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
+  DescribeOutImageType(oInterface, &m_nOutImageType);
+}
+
 void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage", &m_pInImage);
   PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);

@@ -14,6 +14,10 @@ long ClIp1to1Base::ApplyParam(ClImage& oIn, ClImage& oOut) {
   return Apply();
 }
 
+void ClIp1to1Base::QueryParameters(ClParameterInterface& oInterface) {
+  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
+}
+
 void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage", &m_pInImage);
   PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);

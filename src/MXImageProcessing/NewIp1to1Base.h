@@ -17,6 +17,8 @@ class ClIp1to1Base : public ClIpProcessorBase {
   long ApplyParam(ClImage& oImage) { return ApplyParam(oImage, oImage); }
   long ApplyParam(ClImage& oIn, ClImage& oOut);
 
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
  protected:
