@@ -1,8 +1,9 @@
 // Set-up of the ten-finger engine and switching between its capture modes.
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 
-#include <cmath>
+#include <algorithm>
 
+#include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
@@ -11,6 +12,10 @@ namespace {
 
 /// How often a worker that must end is woken again until it has.
 constexpr long cnWakeIntervalMs = 20;
+/// Frames that the rings of the automatic capture hold.
+constexpr unsigned int cnHistory = 16;
+/// Lights of the longest sequence.
+constexpr size_t cnMaxMasks = 6;
 
 void NewFrame(ClImage& oImage, int nWidth, int nHeight) {
   oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
@@ -29,12 +34,16 @@ void CheckSourceSize(const ClCalibrateGeometricData& oData, const ScannerTypes::
 
 }  // namespace
 
-ClVT40LiveCapture::ClVT40LiveCapture() {
+ClVT40LiveCapture::ClVT40LiveCapture() : m_aMotionHistory(cnHistory), m_aDirtHistory(cnHistory) {
   m_nScannerCondition = 100;
+  OpenFakeDetection();
 }
 
 ClVT40LiveCapture::~ClVT40LiveCapture() {
   StopAllThreads();
+  if (m_hFakeDetection == nullptr) return;
+  m_pFakeDetector->FD_VT40DestroyHandle(&m_hFakeDetection);
+  m_pFakeDetector->FD_VT40Uninitialize();
 }
 
 void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData) {
@@ -91,16 +100,24 @@ void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
     case eCaptureModeFull:
       Reset(true);
       StartStream(AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight), m_oFullThread,
-                  &ClVT40LiveCapture::CalibrateFullThread);
+                  &ClVT40LiveCapture::CalibrateFullThread, m_oMaskThread, &ClVT40LiveCapture::MaskThread);
       break;
     case eCaptureModePreview:
       Reset(true);
       StartStream(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight), m_oPreviewThread,
-                  &ClVT40LiveCapture::CalibratePreviewThread);
+                  &ClVT40LiveCapture::CalibratePreviewThread, m_oMaskThread, &ClVT40LiveCapture::MaskThread);
       break;
     case eCaptureModeAutoLive:
-      KLV_RAISE(ClException, "LiveDetection not available in this release.", -103);
+      if (m_hFakeDetection == nullptr) {
+        KLV_RAISE(ClException, "LiveDetection not available in this release.", -103);
+      }
+      [[fallthrough]];
     case eCaptureModeAuto:
+      Reset(true);
+      StartStream(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight), m_oDirtThread,
+                  &ClVT40LiveCapture::CalibratePreviewThreadDirtDetection, m_oAutoDetectionThread,
+                  &ClVT40LiveCapture::MaskThreadAutoDetection);
+      break;
     case eCaptureModeRoll:
     case eCaptureModeSignature:
       KLV_RAISE(ClException, "Capture mode not available in this release.", -103);
@@ -109,19 +126,20 @@ void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
   }
 }
 
-void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCalibrating,
-                                    void (ClVT40LiveCapture::*pfnCalibrate)()) {
+void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCalibrating, Worker pfnCalibrate,
+                                    boost::thread& oMasking, Worker pfnMask) {
   for (ClImage& oImage : m_aCalibratedImages) NewFrame(oImage, nWidth, nHeight);
   for (ClImage& oImage : m_aMaskedImages) NewFrame(oImage, nWidth, nHeight);
   m_oCalibratedBuffer.SetBuffer(&m_aCalibratedImages[0], &m_aCalibratedImages[1], &m_aCalibratedImages[2]);
   m_oMaskedBuffer.SetBuffer(&m_aMaskedImages[0], &m_aMaskedImages[1], &m_aMaskedImages[2]);
   oCalibrating = boost::thread(pfnCalibrate, this);
-  m_oMaskThread = boost::thread(&ClVT40LiveCapture::MaskThread, this);
+  oMasking = boost::thread(pfnMask, this);
 }
 
 void ClVT40LiveCapture::StopAllThreads() {
   boost::this_thread::disable_interruption oNoInterruption;
-  boost::thread* const aThreads[] = {&m_oFullThread, &m_oPreviewThread, &m_oMaskThread};
+  boost::thread* const aThreads[] = {&m_oFullThread, &m_oPreviewThread, &m_oDirtThread, &m_oMaskThread,
+                                     &m_oAutoDetectionThread};
   for (boost::thread* pThread : aThreads) pThread->interrupt();
   for (boost::thread* pThread : aThreads) {
     if (!pThread->joinable()) continue;
@@ -138,6 +156,8 @@ void ClVT40LiveCapture::Reset(bool bReset) {
   if (bReset) {
     m_eDetectState = eCaptureStateNoFinger;
     m_dScore = 0.0;
+    m_nFramesSinceCapture = cnNoCapture;
+    m_nSkipFrames = 0;
     Lock oFullImageLock(m_oFullImageMutex);
     m_oFullMask = static_cast<unsigned char>(255);
     m_oFullRaw = static_cast<unsigned char>(0);
@@ -158,6 +178,11 @@ void ClVT40LiveCapture::InitializeSensor() {
     case eCaptureModePreview:
       ApplySensorRow(PreviewRow());
       break;
+    case eCaptureModeAutoLive:
+    case eCaptureModeAuto:
+      ApplySensorRow(PreviewRow());
+      PrepareAutoDetection();
+      break;
     default:
       KLV_RAISE(ClException, "Capture mode not implemented (should never happen.", -103);
   }
@@ -165,24 +190,40 @@ void ClVT40LiveCapture::InitializeSensor() {
 
 ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::PreviewRow() const {
   const unsigned int nExposure = m_pSetup->GetExposure();
-  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure), 35, 2};
-  return {static_cast<unsigned short>(nExposure / 2), 32, 2};
+  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure), 35};
+  return {static_cast<unsigned short>(nExposure / 2), 32};
 }
 
 ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::FullRow() const {
   const unsigned int nExposure = m_pSetup->GetExposure();
-  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 2), 34, 2};
-  return {static_cast<unsigned short>(nExposure), 7, 2};
+  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 2), 34};
+  return {static_cast<unsigned short>(nExposure), 7};
 }
 
 void ClVT40LiveCapture::ApplySensorRow(const StSensorRow& oRow) {
-  // One dark and one lit frame: their difference cancels the ambient light.
-  unsigned long long aMasks[] = {0, 1};
   m_pScanner->SetVSYNCLength(oRow.nExposure);
+  // One dark and one lit frame: their difference cancels the ambient light.
+  SetSequence(oRow.nScanMode, 2, {0, 1}, 2);
+}
+
+void ClVT40LiveCapture::SetSequence(int nScanMode, unsigned int nEntries,
+                                    std::initializer_list<unsigned long long> aMasks, unsigned int nMasks) {
+  // A copy on the stack: the scan library takes the masks as its own to write.
+  unsigned long long aWords[cnMaxMasks] = {};
+  std::copy(aMasks.begin(), aMasks.end(), aWords);
   const long nResult = m_pScanner->SetCaptureMode(
-      static_cast<ClMXVTScanAPIHandleBase::EScanMode_t>(oRow.nScanMode), oRow.nEntries, aMasks, 2);
+      static_cast<ClMXVTScanAPIHandleBase::EScanMode_t>(nScanMode), nEntries, aWords, nMasks);
   // Frames of another size than the one asked for would be read past their end.
   if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+}
+
+void ClVT40LiveCapture::RestorePreviewRow() noexcept {
+  try {
+    // The preview's workers must never meet frames of another size.
+    ApplySensorRow(PreviewRow());
+  } catch (...) {
+    // The first failure is the one to report.
+  }
 }
 
 void ClVT40LiveCapture::Capture() {

@@ -5,8 +5,11 @@
 #include <boost/thread/thread.hpp>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
+#include <memory>
 
 #include "MXImageProcessing/Histogram.h"
+#include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpSubsample.h"
@@ -14,7 +17,9 @@
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXLiveScannerTools/TpTripleBuffer.h"
 #include "MXTools/TicketMutex.h"
+#include "MXTools/TpArrayStatic.h"
 
+class ClKelvarinFakeFingerDetectionVT40Wrapper;
 class ClVT40SetupCalibrationData;
 
 /// Turns the scanner's stream of raw sequences into the images that callers poll.
@@ -29,6 +34,7 @@ class ClVT40SetupCalibrationData;
 /// Errors     a worker that fails prints the reason and ends: callers see a time-out, -60.
 class ClVT40LiveCapture : public ClVTLiveCaptureBase {
  public:
+  /// Loads the liveness library when there is one; without it eCaptureModeAutoLive is refused.
   ClVT40LiveCapture();
   ~ClVT40LiveCapture() override;
 
@@ -42,7 +48,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   void GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) override;
   void SetDisplayData(unsigned int nType, void* pData, unsigned int nLength) override;
   /// Does nothing when the mode is already set. After any failure the mode is eCaptureModeOff.
-  /// Errors: -103 for a mode that this engine does not have; the scanner's numbers.
+  /// Errors: -103 for a mode that this engine does not have, and for eCaptureModeAutoLive without the
+  /// liveness library; the scanner's numbers.
   void SetCaptureMode(ECaptureMode eMode) override;
 
   /// Drops what a mode has gathered so far. Errors: -50 in a mode that gathers nothing.
@@ -68,6 +75,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   double GetSignatureFilterSigma() const { return m_dSignatureFilterSigma; }
 
  private:
+  static constexpr unsigned int cnNoCapture = 5;
   using Lock = boost::unique_lock<boost::mutex>;
   using SensorLock = boost::unique_lock<ClTicketMutex>;
 
@@ -78,40 +86,73 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
     std::function<void(ClImage&, ClImage&, unsigned char)> fnAdjust;
     ClImage& oResult;
   };
-  /// One sensor setting: exposure, scan mode and the light of each frame of a sequence.
+  /// The scratch of one calibrating worker.
+  struct StScratch {
+    ClImage oBalanced;
+    ClImage oWarped;
+    ClIpLocalWhiteBalance oBalance;
+    ClIpFlip oFlip;
+  };
+  /// One sensor setting: exposure and scan mode; its sequences are one dark and one lit frame.
   struct StSensorRow {
     unsigned short nExposure;
     int nScanMode;
-    unsigned int nEntries;
+  };
+  /// Half-open, in pixels.
+  struct StRectangle {
+    int nX0, nY0, nX1, nY1;
   };
 
   // Set-up and switching
   void StartMode(ECaptureMode eMode);
-  void StartStream(int nWidth, int nHeight, boost::thread& oCalibrating,
-                   void (ClVT40LiveCapture::*pfnCalibrate)());
+  using Worker = void (ClVT40LiveCapture::*)();
+  void StartStream(int nWidth, int nHeight, boost::thread& oCalibrating, Worker pfnCalibrate,
+                   boost::thread& oMasking, Worker pfnMask);
   void StopAllThreads();
   void InitializeSensor();
   StSensorRow PreviewRow() const;
   StSensorRow FullRow() const;
   void ApplySensorRow(const StSensorRow& oRow);
-  template <typename TWork>
-  static void RunWorker(TWork&& oWork) noexcept;
+  /// Selects a scan mode and the lights of a sequence's frames. Errors: the scanner's number.
+  void SetSequence(int nScanMode, unsigned int nEntries, std::initializer_list<unsigned long long> aMasks,
+                   unsigned int nMasks);
+  /// Puts the preview's setting back on the way out with another failure, which stays the one to report.
+  void RestorePreviewRow() noexcept;
+  static void RunWorker(const std::function<void()>& oWork) noexcept;
 
   // Preview and streams
   static void CreateDifferenceImage(const void* pRaw, int nWidth, int nHeight, unsigned char* pDst);
   void ReadDifference(ClImage& oDst);
+  StPipeline PreviewPipeline();
+  void Calibrate(const StPipeline& oPipeline, StScratch& oScratch);
   void CalibrateStream(const StPipeline& oPipeline);
   void CalibratePreviewThread();
   void CalibrateFullThread();
   void MaskThread();
-  /// For image calls behind their lock. Errors: -50 when a switch came first.
-  void CheckMode(ECaptureMode eMode) const;
+  static bool IsPreviewMode(ECaptureMode eMode);
+  /// For image calls behind their lock: a switch may have come first.
+  static void CheckMode(bool bAccepted);
   static bool WaitForImage(ClTpTripleBuffer<ClImage>& oBuffer, unsigned int nSeconds);
+
+  // Automatic capture and dirt
+  void OpenFakeDetection();
+  void CalibratePreviewThreadDirtDetection();
+  void MaskThreadAutoDetection();
+  void PrepareAutoDetection();
+  StRectangle PlatenRectangle() const;
+  void UpdateDirt();
+  int MeasureDirt();
+  void Classify(const ClImage& oMask, int nCount, int nLastCount, uint64_t nMotion);
+  void CaptureAutomatically(const ClImage& oMask);
+  bool ShootAutomatically();
+  bool IsCaptureGood();
+  void MeasureScore();
 
   // Full resolution
   void GetImageOneShot(ClImage& oImage, ECaptureState& eState, double& dScore);
   void GetImageStream(ClImage& oImage, ECaptureState& eState, double& dScore);
   void GetImageOnDemand(ClImage& oImage, ECaptureState& eState, double& dScore);
+  ECaptureState CaptureOnDemand();
   void CaptureHires(ClImage& oImage);
   void CalibrateHighres();
   void MaskHighRes();
@@ -144,6 +185,33 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   ClIpSubsample m_oHalve;
   ClIpFilterMin m_oErode;
 
+  // Automatic capture
+  std::unique_ptr<ClKelvarinFakeFingerDetectionVT40Wrapper> m_pFakeDetector;
+  void* m_hFakeDetection = nullptr;  // null: no liveness library
+  /// Frames of the masking worker since the last automatic capture; cnNoCapture: none waits for GetImage.
+  std::atomic<unsigned int> m_nFramesSinceCapture{cnNoCapture};
+  /// Frames that the masking worker drops: the sensor's settings changed while they were exposed.
+  std::atomic<int> m_nSkipFrames{0};
+  TpArrayStatic<ClImage> m_aMotionHistory;  // the masking worker's, as the index
+  int m_nMotionIndex = 0;
+  // The calibrating worker's: the differences of the last dark scenes, their sum, and what is made of it.
+  TpArrayStatic<ClImage> m_aDirtHistory;
+  ClImage m_oDirtSum;
+  int m_nDirtFrames = 0;
+  unsigned int m_nPreviewFrames = 0;
+  ClImage m_oDirtSmooth;
+  ClImage m_oDirtGround;
+  ClImage m_oDirtSpecks;
+  ClIpFilterMid m_oDirtFilter;
+  // Scratch of the comparison of a capture with the preview before it, guarded by m_oFullImageMutex.
+  ClImage m_oPreviewAtCapture;
+  ClImage m_oCaptureReduced;
+  ClImage m_oCaptureLight;
+  ClImage m_oPreviewReduced;
+  ClImage m_oPreviewLight;
+  ClIpSubsample m_oReduce;
+  ClIpFilterMid m_oLight;
+
   ClImage m_aCalibratedImages[3];
   ClTpTripleBuffer<ClImage> m_oCalibratedBuffer;  // calibrating worker to masking worker
   ClImage m_aMaskedImages[3];
@@ -151,7 +219,9 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
 
   boost::thread m_oFullThread;
   boost::thread m_oPreviewThread;
+  boost::thread m_oDirtThread;
   boost::thread m_oMaskThread;
+  boost::thread m_oAutoDetectionThread;
 
   /// Serialises mode switches against the one shot of eCaptureModeOff.
   boost::mutex m_oModeMutex;

@@ -59,6 +59,8 @@ void ClVT40LiveCapture::GetImage(ClImage& oImage, ECaptureState& eState, double&
     case eCaptureModeFull:
       GetImageStream(oImage, eState, dScore);
       break;
+    case eCaptureModeAutoLive:
+    case eCaptureModeAuto:
     case eCaptureModePreview:
       GetImageOnDemand(oImage, eState, dScore);
       break;
@@ -69,7 +71,7 @@ void ClVT40LiveCapture::GetImage(ClImage& oImage, ECaptureState& eState, double&
 
 void ClVT40LiveCapture::GetImageOneShot(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oModeLock(m_oModeMutex);
-  CheckMode(eCaptureModeOff);
+  CheckMode(m_eCaptureMode == eCaptureModeOff);
   Lock oFullImageLock(m_oFullImageMutex);
   m_pScanner->EnableCaptureThread(true);
   try {
@@ -99,7 +101,7 @@ void ClVT40LiveCapture::GetImageOneShot(ClImage& oImage, ECaptureState& eState, 
 
 void ClVT40LiveCapture::GetImageStream(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oImageLock(m_oImageMutex);
-  CheckMode(eCaptureModeFull);
+  CheckMode(m_eCaptureMode == eCaptureModeFull);
   if (!WaitForImage(m_oMaskedBuffer, cnStreamWaitSeconds)) {
     KLV_RAISE(ClException, "timeout during highres image reading", -60);
   }
@@ -111,8 +113,20 @@ void ClVT40LiveCapture::GetImageStream(ClImage& oImage, ECaptureState& eState, d
 
 void ClVT40LiveCapture::GetImageOnDemand(ClImage& oImage, ECaptureState& eState, double& dScore) {
   SensorLock oSensorLock(m_oSensorMutex);
-  CheckMode(eCaptureModePreview);
+  CheckMode(IsPreviewMode(m_eCaptureMode));
   Lock oFullImageLock(m_oFullImageMutex);
+  if (m_nFramesSinceCapture < cnNoCapture) {
+    MaskHighRes();
+    eState = eCaptureStateDone;
+  } else {
+    eState = CaptureOnDemand();
+  }
+  dScore = m_dScore;
+  oImage = m_oFullMask;
+  m_nFramesSinceCapture = cnNoCapture;
+}
+
+ClVT40LiveCapture::ECaptureState ClVT40LiveCapture::CaptureOnDemand() {
   try {
     CaptureHires(m_oFullRaw);
     CalibrateHighres();
@@ -120,12 +134,7 @@ void ClVT40LiveCapture::GetImageOnDemand(ClImage& oImage, ECaptureState& eState,
     ApplySensorRow(PreviewRow());
     oMasking.Join();
   } catch (...) {
-    try {
-      // The preview's workers must never meet frames of the other size.
-      ApplySensorRow(PreviewRow());
-    } catch (...) {
-      // The first failure is the one to report.
-    }
+    RestorePreviewRow();
     throw;
   }
   m_oHalve.ApplyParam(m_oFullMask, 2, m_oHalfMask, true);
@@ -134,9 +143,7 @@ void ClVT40LiveCapture::GetImageOnDemand(ClImage& oImage, ECaptureState& eState,
   CompareMask(m_oPreviewMask, m_oHalfMask, &nGained, &nLost);
   const int nPixels = GetFingerPixel(m_oFullMask) / 4;
   const bool bDone = nLost - nGained < nPixels / 5 && nPixels > cnMinFingerPixels;
-  eState = bDone ? eCaptureStateDone : eCaptureStateNoFinger;
-  dScore = m_dScore;
-  oImage = m_oFullMask;
+  return bDone ? eCaptureStateDone : eCaptureStateNoFinger;
 }
 
 int ClVT40LiveCapture::GetFingerPixel(const ClImage& oImage) {

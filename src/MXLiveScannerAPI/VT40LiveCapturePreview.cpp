@@ -1,13 +1,11 @@
 // From raw sequences to masked images: the workers of the plain streams, and the preview call.
 #include <cstdio>
 
-#include "MXImageProcessing/IpFlip.h"
 #include "MXKernels/PointRows.h"
 #include "MXLiveScannerAPI/RawSequenceLock.h"
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
-#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXTools/ErrorTable.h"
 #include "MXTools/Exception.h"
 
@@ -23,8 +21,7 @@ constexpr int cnMaskDpi = 500;
 }  // namespace
 
 /// Runs the body of a worker; nothing leaves a thread. The reason of a failure is the worker's last word.
-template <typename TWork>
-void ClVT40LiveCapture::RunWorker(TWork&& oWork) noexcept {
+void ClVT40LiveCapture::RunWorker(const std::function<void()>& oWork) noexcept {
   boost::this_thread::disable_interruption oNoInterruption;
   try {
     oWork();
@@ -52,35 +49,37 @@ void ClVT40LiveCapture::ReadDifference(ClImage& oDst) {
   oSequence.Release();
 }
 
+void ClVT40LiveCapture::Calibrate(const StPipeline& oPipeline, StScratch& oScratch) {
+  oScratch.oBalance.ApplyParam(oPipeline.oRaw, oScratch.oBalanced);
+  oPipeline.fnCalibrate(oScratch.oBalanced, oScratch.oWarped);
+  oScratch.oFlip.ApplyParam(oScratch.oWarped, oScratch.oWarped, true, false);
+  oPipeline.fnAdjust(oScratch.oWarped, oPipeline.oResult, cnTargetGrey);
+}
+
 void ClVT40LiveCapture::CalibrateStream(const StPipeline& oPipeline) {
-  ClImage oBalanced;
-  ClImage oWarped;
-  ClIpLocalWhiteBalance oBalance;
-  ClIpFlip oFlip;
+  StScratch oScratch;
   while (!boost::this_thread::interruption_requested()) {
     {
       SensorLock oSensorLock(m_oSensorMutex);
       ReadDifference(oPipeline.oRaw);
     }
-    oBalance.ApplyParam(oPipeline.oRaw, oBalanced);
-    oPipeline.fnCalibrate(oBalanced, oWarped);
-    oFlip.ApplyParam(oWarped, oWarped, true, false);
-    oPipeline.fnAdjust(oWarped, oPipeline.oResult, cnTargetGrey);
+    Calibrate(oPipeline, oScratch);
     TpWriteLock<ClImage> oWrite(m_oCalibratedBuffer);
     oWrite.Item() = oPipeline.oResult;
     oWrite.Publish();
   }
 }
 
+ClVT40LiveCapture::StPipeline ClVT40LiveCapture::PreviewPipeline() {
+  return {m_oPreviewRaw, [this](ClImage& oIn, ClImage& oOut) { m_pSetup->CalibratePreview(oIn, oOut); },
+          [this](ClImage& oIn, ClImage& oOut, unsigned char n) {
+            m_pSetup->AdjustBrightnessPreview(oIn, oOut, n);
+          },
+          m_oPreviewCalibrated};
+}
+
 void ClVT40LiveCapture::CalibratePreviewThread() {
-  RunWorker([this] {
-    CalibrateStream({m_oPreviewRaw,
-                     [this](ClImage& oIn, ClImage& oOut) { m_pSetup->CalibratePreview(oIn, oOut); },
-                     [this](ClImage& oIn, ClImage& oOut, unsigned char n) {
-                       m_pSetup->AdjustBrightnessPreview(oIn, oOut, n);
-                     },
-                     m_oPreviewCalibrated});
-  });
+  RunWorker([this] { CalibrateStream(PreviewPipeline()); });
 }
 
 void ClVT40LiveCapture::CalibrateFullThread() {
@@ -116,13 +115,17 @@ bool ClVT40LiveCapture::WaitForImage(ClTpTripleBuffer<ClImage>& oBuffer, unsigne
   }
 }
 
-void ClVT40LiveCapture::CheckMode(ECaptureMode eMode) const {
-  if (m_eCaptureMode != eMode) KLV_RAISE(ClException, "Invalid capture mode.", -50);
+bool ClVT40LiveCapture::IsPreviewMode(ECaptureMode eMode) {
+  return eMode == eCaptureModePreview || eMode == eCaptureModeAuto || eMode == eCaptureModeAutoLive;
+}
+
+void ClVT40LiveCapture::CheckMode(bool bAccepted) {
+  if (!bAccepted) KLV_RAISE(ClException, "Invalid capture mode.", -50);
 }
 
 void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oImageLock(m_oImageMutex);
-  CheckMode(eCaptureModePreview);
+  CheckMode(IsPreviewMode(m_eCaptureMode));
   // Read in front of the wait: the state may be a frame older than the image, never newer.
   eState = m_eDetectState;
   if (!WaitForImage(m_oMaskedBuffer, cnPreviewWaitSeconds)) {

@@ -152,7 +152,12 @@ class TpReadLock {
   explicit TpReadLock(ClTpTripleBuffer<T>& oBuffer) : m_oBuffer(oBuffer), m_pItem(oBuffer.GetRead()) {}
   TpReadLock(const TpReadLock&) = delete;
   TpReadLock& operator=(const TpReadLock&) = delete;
-  ~TpReadLock() { m_oBuffer.ReleaseRead(); }
+  ~TpReadLock() { Release(); }
+  /// Ends the read before the scope does; the item must not be touched behind it.
+  void Release() {
+    if (m_pItem != nullptr) m_oBuffer.ReleaseRead();
+    m_pItem = nullptr;
+  }
   T& Item() { return *m_pItem; }
 
  private:

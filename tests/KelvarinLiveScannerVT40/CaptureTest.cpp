@@ -116,13 +116,15 @@ TEST_F(OpenScanner, ModesAreSwitchedOnceAndReportedAsFarAsTheyHaveAName) {
   int nMode = 0;
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, 7), KLV_ERROR_UNSUPPORTED);
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, -1), KLV_ERROR_UNSUPPORTED);
-  for (const int nAbsent : {KLV_VT40_CAPTURE_MODE_AUTO, KLV_VT40_CAPTURE_MODE_ROLL,
-                            KLV_VT40_CAPTURE_MODE_AUTO_LIVE, KLV_VT40_CAPTURE_MODE_SIGNATURE}) {
+  for (const int nAbsent : {KLV_VT40_CAPTURE_MODE_ROLL, KLV_VT40_CAPTURE_MODE_SIGNATURE}) {
     EXPECT_EQ(LS_VT40SetCaptureMode(m_h, nAbsent), KLV_ERROR_UNSUPPORTED) << nAbsent;
     EXPECT_EQ(State().bCaptureEnabled, 0) << nAbsent;
     EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
     EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
   }
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+  EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
+  EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_AUTO);
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
   EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), -101);
   const unsigned long long nSwitches = Calls("VTScanAPISetCaptureMode");
