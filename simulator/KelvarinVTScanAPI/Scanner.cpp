@@ -19,6 +19,7 @@ ClScanner::ClScanner(const ClScannerDescription& oDescription, const ClSceneDesc
       m_bLegacyEprom(oDescription.bLegacyEprom),
       m_fnNote(std::move(fnNote)),
       m_oSensor(oDescription, oScene.nSeed) {
+  m_aFrames.resize(g_cnFramesKept);
   TakeDescription(oDescription, oScene);
 }
 
@@ -272,7 +273,7 @@ void ClScanner::TakeFrame(Session nSession, uint64_t nMask, int nWidth, int nHei
     throw ClSimError(eBadValue, "a frame has " + std::to_string(oSettings.pMode->nWidth) + " x " +
                                     std::to_string(oSettings.pMode->nHeight) + " pixels in this mode");
   aFrame.resize(oSettings.PlaneBytes());
-  m_oSensor.RenderFrame(oSettings, nMask, dTime, nNumber, aFrame.data());
+  m_oSensor.RenderFrame(oSettings, nMask, dTime, dTime, nNumber, aFrame.data());
 }
 
 }  // namespace Simulator

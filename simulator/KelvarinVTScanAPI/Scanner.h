@@ -87,10 +87,16 @@ class ClScanner {
   // The control side.
 
   void SetScene(const ClScannerDescription& oDescription, const ClSceneDescription& oScene);
+  /// Of the moment of the last sequence, or of any.
   void GroundTruth(uint8_t* pPicture, uint8_t* pCover);
+  void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);
   ClPoint PictureToSensor(double dX, double dY) const { return m_oSensor.Optics().PictureToSensor(dX, dY); }
   void State(VTSimState& oState);
   std::vector<VTSimBeep> Beeps();
+  /// The records of the sequences from nFirst on, at most nRoom; the oldest may be forgotten.
+  unsigned Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom);
+  /// Waits until so many sequences were handed out. False when they weren't in time.
+  bool WaitForSequences(uint64_t nCount, std::chrono::milliseconds oTimeout);
   void Advance(double dSeconds);
   void SetPlugged(bool bPlugged);
   void PlanPlug(double dTime, bool bPlugged);
@@ -103,6 +109,8 @@ class ClScanner {
   void ClearFaults();
 
  private:
+  static constexpr size_t g_cnFramesKept = 4096;
+
   using Clock = std::chrono::steady_clock;
   using Guard = std::unique_lock<std::mutex>;
 
@@ -113,6 +121,12 @@ class ClScanner {
   struct ClPlan {
     double dTime;
     bool bPlug;
+  };
+  /// What a sequence shows.
+  struct ClSight {
+    double dTime;
+    uint64_t nState;
+    ClPlatenFacts oFacts;
   };
   struct ClChange {
     bool bMissing;
@@ -131,6 +145,7 @@ class ClScanner {
   Clock::time_point NextPlan(Clock::time_point oLimit) const;
   std::shared_ptr<ClBlock> FreeBlock();
   void Delivered(const ClSensorSettings& oSettings);
+  void Record(const ClSensorSettings& oSettings, const ClSight& oSight);
   void FreeFrames();
 
   // Wants m_oRender held, and m_oState not.
@@ -166,6 +181,9 @@ class ClScanner {
   std::deque<VTSimBeep> m_aBeeps;
   unsigned m_nBeeps = 0;
   uint64_t m_nSequences = 0;
+  std::vector<VTSimFrame> m_aFrames;  // a ring of fixed size: nothing is allocated for a sequence
+  uint64_t m_nLastState = 0;          // of the last recorded sequence
+  uint64_t m_nSteadySince = 0;
   uint64_t m_nFrames = 0;  // single frames of TakeFrame
   std::vector<std::shared_ptr<ClBlock>> m_aBlocks;
   bool m_bStarted = false;  // the time line runs

@@ -73,6 +73,22 @@ void ClScanner::Delivered(const ClSensorSettings& oSettings) {
   } else {
     m_dTime += dSeconds;
   }
+  m_oChanged.notify_all();
+}
+
+/// Keeps what the sequence that is about to be delivered shows.
+void ClScanner::Record(const ClSensorSettings& oSettings, const ClSight& oSight) {
+  if (m_nSequences == 0 || oSight.nState != m_nLastState) m_nSteadySince = m_nSequences;
+  m_nLastState = oSight.nState;
+  VTSimFrame& oFrame = m_aFrames[m_nSequences % g_cnFramesKept];
+  oFrame = VTSimFrame();
+  oFrame.nNumber = m_nSequences;
+  oFrame.nSteadySince = m_nSteadySince;
+  oFrame.dTime = oSight.dTime;
+  oFrame.nSensorMode = oSettings.pMode->nMode;
+  oFrame.nPlanes = static_cast<unsigned>(oSettings.aMasks.size());
+  oFrame.nFingers = oSight.oFacts.nFingers;
+  oFrame.nMoving = oSight.oFacts.nMoving;
 }
 
 /// Makes the sequence of m_oRendered. The block is kept from one to the next; a much larger one of another
@@ -104,7 +120,9 @@ void* ClScanner::LockSequence(Session nSession, size_t* pnBytes) {
     pBlock->bOut = true;
     oGuard.unlock();
     uint8_t* pBytes = nullptr;
+    ClSight oSight;
     try {
+      oSight = {dTime, m_oSensor.StateAt(dTime), m_oSensor.Facts(dTime)};
       pBytes = RenderInto(*pBlock, dTime, nSequence);
     } catch (...) {
       oGuard.lock();
@@ -116,6 +134,7 @@ void* ClScanner::LockSequence(Session nSession, size_t* pnBytes) {
     pBlock->bOut = bCurrent;
     if (!bCurrent) continue;
     m_dShownTime = dTime;
+    Record(m_oRendered, oSight);
     Delivered(m_oRendered);
     if (pnBytes) *pnBytes = pBlock->aBytes.size();
     return pBytes;

@@ -27,7 +27,7 @@ void ClScanner::TakeDescription(const ClScannerDescription& oDescription, const 
   }
   m_aBeeps.clear();
   m_nBeeps = m_nStatusWrites = 0;
-  m_nSequences = m_nFrames = 0;
+  m_nSequences = m_nFrames = m_nSteadySince = 0;
   m_bHold = false;
   m_nPasses = 0;
   m_oDelay = Clock::duration(0);
@@ -53,6 +53,25 @@ void ClScanner::GroundTruth(uint8_t* pPicture, uint8_t* pCover) {
     dTime = m_dShownTime;
   }
   m_oSensor.GroundTruth(dTime, pPicture, pCover);
+}
+
+void ClScanner::GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  m_oSensor.GroundTruth(dTime, pPicture, pCover);
+}
+
+unsigned ClScanner::Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom) {
+  Guard oGuard(m_oState);
+  const uint64_t nOldest = m_nSequences - std::min<uint64_t>(m_nSequences, g_cnFramesKept);
+  unsigned nCount = 0;
+  for (uint64_t n = std::max(nFirst, nOldest); n < m_nSequences && nCount < nRoom; ++n)
+    pFrames[nCount++] = m_aFrames[n % g_cnFramesKept];
+  return nCount;
+}
+
+bool ClScanner::WaitForSequences(uint64_t nCount, std::chrono::milliseconds oTimeout) {
+  Guard oGuard(m_oState);
+  return m_oChanged.wait_for(oGuard, oTimeout, [&] { return m_nSequences >= nCount; });
 }
 
 void ClScanner::State(VTSimState& oState) {

@@ -24,6 +24,15 @@ void NeedTime(double dSeconds) {
     throw ClSimError(eBadValue, "a time lies between 0 and 1000000 seconds");
 }
 
+/// Tells the need of a picture and checks the room.
+void NeedPicture(const unsigned char* pPicture, unsigned int* pnSize) {
+  NeedPointer(pnSize);
+  const unsigned nRoom = *pnSize;
+  *pnSize = VTSIM_PICTURE_SIDE * VTSIM_PICTURE_SIDE;
+  if (nRoom < *pnSize) throw ClSimError(eTooSmall, "the picture has " + std::to_string(*pnSize) + " pixels");
+  NeedPointer(pPicture);
+}
+
 }  // namespace
 
 extern "C" {
@@ -46,13 +55,17 @@ long VTSimReset(void) {
 long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture, unsigned char* pMask,
                          unsigned int* pnSize) {
   return On(szSerial, [&](ClScanner& oScanner) {
-    NeedPointer(pnSize);
-    const unsigned nRoom = *pnSize;
-    *pnSize = VTSIM_PICTURE_SIDE * VTSIM_PICTURE_SIDE;
-    if (nRoom < *pnSize)
-      throw ClSimError(eTooSmall, "the picture has " + std::to_string(*pnSize) + " pixels");
-    NeedPointer(pPicture);
+    NeedPicture(pPicture, pnSize);
     oScanner.GroundTruth(pPicture, pMask);
+  });
+}
+
+long VTSimGetGroundTruthAt(const char* szSerial, double dTime, unsigned char* pPicture, unsigned char* pMask,
+                           unsigned int* pnSize) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    NeedPicture(pPicture, pnSize);
+    oScanner.GroundTruthAt(dTime, pPicture, pMask);
   });
 }
 
@@ -79,6 +92,22 @@ long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCoun
   return On(szSerial, [&](ClScanner& oScanner) {
     const std::vector<VTSimBeep> aBeeps = oScanner.Beeps();
     HandOut(aBeeps.data(), aBeeps.size(), pBeeps, pnCount);
+  });
+}
+
+long VTSimGetFrames(const char* szSerial, unsigned long long nFirst, VTSimFrame* pFrames,
+                    unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pnCount);
+    if (*pnCount != 0) NeedPointer(pFrames);
+    *pnCount = oScanner.Frames(nFirst, pFrames, *pnCount);
+  });
+}
+
+long VTSimWaitForSequences(const char* szSerial, unsigned long long nCount, unsigned int nMilliseconds) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    if (!oScanner.WaitForSequences(nCount, std::chrono::milliseconds(nMilliseconds)))
+      throw ClSimError(eBadState, "only fewer sequences were handed out in time");
   });
 }
 

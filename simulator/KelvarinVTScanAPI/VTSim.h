@@ -49,6 +49,19 @@ typedef struct VTSimBeep {
   unsigned int nArg2;
 } VTSimBeep;
 
+/* One sequence that was handed out, and what it showed. */
+typedef struct VTSimFrame {
+  unsigned long long nNumber; /* counted from 0 since the scene was loaded */
+  unsigned long long
+      nSteadySince; /* number of the first of the sequences that show this very picture, without
+                                      another picture between; nNumber when the one before showed another */
+  double dTime;     /* the moment of the platen that it shows */
+  int nSensorMode;
+  unsigned int nPlanes;
+  unsigned int nFingers; /* fingers that touch the glass */
+  unsigned int nMoving;  /* of these, that come down, come off, slide or change their pressure */
+} VTSimFrame;
+
 /* Why the last failing call of this thread failed; "" when there was none. Valid until the thread's next
  * call. */
 VTSIM_API const char* VTSimLastError(void);
@@ -70,6 +83,10 @@ VTSIM_API long VTSimReset(void);
 VTSIM_API long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture, unsigned char* pMask,
                                    unsigned int* pnSize);
 
+/* The same for any moment of the scanner's time line. */
+VTSIM_API long VTSimGetGroundTruthAt(const char* szSerial, double dTime, unsigned char* pPicture,
+                                     unsigned char* pMask, unsigned int* pnSize);
+
 /* Where a point of the ground-truth picture falls on the full sensor (3840 x 2720), in pixels; whole numbers
  * are pixel centres on both sides. */
 VTSIM_API long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX,
@@ -80,6 +97,16 @@ VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
 /* Copies the latest beeps, oldest first (the scanner remembers 256). *pnCount: in, the room; out, the number.
  */
 VTSIM_API long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCount);
+
+/* Copies the records of the sequences from number nFirst on, oldest first (the scanner remembers 4096). *pnCount:
+ * in, the room; out, the number copied. Less room than there are records is no failure. */
+VTSIM_API long VTSimGetFrames(const char* szSerial, unsigned long long nFirst, VTSimFrame* pFrames,
+                              unsigned int* pnCount);
+
+/* Waits until nCount sequences were handed out since the scene was loaded. -50 when they weren't within
+ * nMilliseconds. Together with VTSimHoldSequences and VTSimPassSequences a test goes frame by frame. */
+VTSIM_API long VTSimWaitForSequences(const char* szSerial, unsigned long long nCount,
+                                     unsigned int nMilliseconds);
 
 /* Moves the scanner's time line on. */
 VTSIM_API long VTSimAdvance(const char* szSerial, double dSeconds);

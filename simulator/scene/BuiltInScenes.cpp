@@ -1,6 +1,8 @@
 // The scenes that need no file.
 #include "scene/BuiltInScenes.h"
 
+#include "scene/StagedScenes.h"
+
 namespace Simulator {
 namespace {
 
@@ -30,16 +32,24 @@ constexpr ClRow g_caRows[] = {
 
 constexpr const char* g_caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
 
+/// Takes ":17" off the name and stores the number. Nothing else behind a colon is a seed.
+std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
+  const size_t nColon = sName.rfind(':');
+  if (nColon == std::string::npos) return sName;
+  const std::string sSeed = sName.substr(nColon + 1);
+  // Fifteen digits fit any number that scene files take.
+  if (sSeed.empty() || sSeed.size() > 15 || sSeed.find_first_not_of("0123456789") != std::string::npos)
+    return sName;
+  nSeed = std::stoull(sSeed);
+  return sName.substr(0, nColon);
+}
+
 }  // namespace
 
-bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
-  bool bFound = false;
-  for (const char* szName : g_caszNames) bFound = bFound || sName == szName;
-  if (!bFound) return false;
-  oScene = ClSceneDescription();
-  oScene.aScanners.emplace_back();
+std::vector<ClFingerDescription> StillFingers(const std::string& sScene) {
+  std::vector<ClFingerDescription> aFingers;
   for (const ClRow& oRow : g_caRows) {
-    if (sName != oRow.szScene) continue;
+    if (sScene != oRow.szScene) continue;
     ClFingerDescription oFinger;
     oFinger.oPrint.nSeed = oRow.nSeed;
     oFinger.oPrint.ePattern = oRow.ePattern;
@@ -48,15 +58,32 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
     oFinger.dXMm = oRow.dX;
     oFinger.dYMm = oRow.dY;
     oFinger.dAngle = oRow.dAngle;
-    oScene.aScanners[0].aFingers.push_back(oFinger);
+    aFingers.push_back(oFinger);
   }
+  return aFingers;
+}
+
+bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
+  uint64_t nSeed = 1;
+  const std::string sScene = CutSeed(sName, nSeed);
+  ClScannerDescription oScanner;
+  bool bFound = StageScene(sScene, nSeed, oScanner);
+  for (const char* szName : g_caszNames) {
+    if (sScene != szName) continue;
+    oScanner.aFingers = StillFingers(sScene);
+    bFound = true;
+  }
+  if (!bFound) return false;
+  oScene = ClSceneDescription();
+  oScene.nSeed = nSeed;
+  oScene.aScanners.push_back(oScanner);
   return true;
 }
 
 std::string BuiltInSceneNames() {
   std::string sNames;
-  for (const char* szName : g_caszNames) sNames += (sNames.empty() ? "" : ", ") + std::string(szName);
-  return sNames;
+  for (const char* szName : g_caszNames) sNames += std::string(szName) + ", ";
+  return sNames + StagedSceneNames();
 }
 
 }  // namespace Simulator

@@ -2,21 +2,20 @@
 #include "scene/FingerContent.h"
 
 #include <cmath>
+#include <cstring>
 
+#include "scene/FingerMotion.h"
 #include "scene/PrintCache.h"
 #include "scene/Random.h"
 
 namespace Simulator {
 namespace {
 
-// A finger takes a quarter of a second to lie down fully and less to come off.
-constexpr double g_cdTouchSeconds = 0.25;
-constexpr double g_cdLiftSeconds = 0.15;
-constexpr int g_cnSteps = 16;
-
 // The place at which the pressed-on area ends under ordinary pressure, on the scale of ClPrint::oDepth.
 constexpr double g_cdOrdinaryPressure = 0.6;
 constexpr double g_cdOrdinaryEdge = 61.0;
+// Light from a film of water against that of a ridge.
+constexpr double g_cdHaloLight = 0.3;
 
 /// Bilinear sample in 1/256 steps; 0 outside.
 int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
@@ -34,7 +33,7 @@ int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
 /// What pressure makes of the print: a table from skin height to contact, and the edge of the pressed-on
 /// area.
 struct ClPress {
-  ClPress(const ClPrint& oPrint, double dPressure) {
+  ClPress(const ClPrint& oPrint, double dPressure, double dHalo) {
     const double dBias = (dPressure - g_cdOrdinaryPressure) * 90.0;
     for (int i = 0; i < g_cnHeights; ++i) {
       // Heights below 0 are those that dryness has taken down.
@@ -45,6 +44,8 @@ struct ClPress {
     for (int i = 0; i < 256; ++i) {
       const double dIn = std::clamp((i - dEdge + 14.0) / 28.0, 0.0, 1.0);
       aCover[i] = static_cast<uint8_t>(i == 0 ? 0.0 : 255.0 * dIn * dIn * (3.0 - 2.0 * dIn));
+      const double dWet = std::clamp(i / std::max(1.0, dEdge), 0.0, 1.0);
+      aHalo[i] = static_cast<uint8_t>(255.0 * g_cdHaloLight * dHalo * dWet);
     }
   }
 
@@ -52,6 +53,7 @@ struct ClPress {
   static constexpr int g_cnHeights = 256 + g_cnSunken;
   uint8_t aContact[g_cnHeights];
   uint8_t aCover[256];
+  uint8_t aHalo[256];
 };
 
 /// Dry skin touches in patches: a fixed texture of 64 by 64 values, repeated.
@@ -87,7 +89,8 @@ struct ClRowDrawer {
   void Draw(int nX, int nY, int nCount, uint8_t* pContact, uint8_t* pCover) const {
     for (int i = 0; i < nCount; ++i, nX += nStepX, nY += nStepY) {
       const int nX256 = (nX + 128) >> 8, nY256 = (nY + 128) >> 8;
-      const int nCover = oPress.aCover[Sample(oPrint.oDepth, nX256, nY256)];
+      const int nDepth = Sample(oPrint.oDepth, nX256, nY256), nCover = oPress.aCover[nDepth];
+      pContact[i] = std::max(pContact[i], oPress.aHalo[nDepth]);
       if (nCover == 0) continue;
       const int nHeight = Sample(oPrint.oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
       const int nContact = oPress.aContact[nHeight + ClPress::g_cnSunken] * nCover / 255;
@@ -102,31 +105,37 @@ struct ClRowDrawer {
 ClFingerContent::ClFingerContent(const ClFingerDescription& oDescription)
     : m_oDescription(oDescription), m_pPrint(GetPrint(oDescription.oPrint)) {}
 
-int ClFingerContent::StepAt(double dSeconds) const {
-  double dDown = 1.0;
-  if (m_oDescription.dTouch >= 0.0)
-    dDown = std::min(dDown, (dSeconds - m_oDescription.dTouch) / g_cdTouchSeconds);
-  if (m_oDescription.dLift < g_cdNever)
-    dDown = std::min(dDown, 1.0 - (dSeconds - m_oDescription.dLift) / g_cdLiftSeconds);
-  return static_cast<int>(std::ceil(std::clamp(dDown, 0.0, 1.0) * g_cnSteps));
+uint64_t ClFingerContent::StateAt(double dSeconds) const {
+  const ClFingerPose oPose = ClFingerMotion::At(m_oDescription, dSeconds);
+  uint64_t nState = static_cast<uint64_t>(oPose.nDown);
+  for (const double d : {oPose.dXMm, oPose.dYMm, oPose.dAngle, oPose.dPressure}) {
+    uint64_t nBits;
+    std::memcpy(&nBits, &d, sizeof nBits);
+    nState = Mix(nState, nBits);
+  }
+  return nState;
 }
 
-uint64_t ClFingerContent::StateAt(double dSeconds) const {
-  return static_cast<uint64_t>(StepAt(dSeconds));
+void ClFingerContent::Count(double dSeconds, ClPlatenFacts& oFacts) const {
+  const ClFingerPose oPose = ClFingerMotion::At(m_oDescription, dSeconds);
+  oFacts.nFingers += oPose.nDown > 0;
+  oFacts.nMoving += oPose.bMoving;
 }
 
 void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
-  const int nStep = StepAt(dSeconds);
-  if (nStep == 0) return;
-  const double dDown = static_cast<double>(nStep) / g_cnSteps;
-  const ClPress oPress(*m_pPrint, nStep == g_cnSteps
-                                      ? m_oDescription.dPressure
-                                      : m_oDescription.dPressure * (0.4 + 0.6 * dDown) - 0.4 * (1.0 - dDown));
+  const ClFingerPose oPose = ClFingerMotion::At(m_oDescription, dSeconds);
+  if (oPose.nDown == 0) return;
+  const double dDown = static_cast<double>(oPose.nDown) / ClFingerMotion::nSteps;
+  const ClPress oPress(*m_pPrint,
+                       oPose.nDown == ClFingerMotion::nSteps
+                           ? oPose.dPressure
+                           : oPose.dPressure * (0.4 + 0.6 * dDown) - 0.4 * (1.0 - dDown),
+                       m_oDescription.dHalo);
   const ClDryness oDry(m_oDescription.oPrint.nSeed, m_oDescription.dDryness);
   const TpPlane<uint8_t>& oRidge = m_pPrint->oRidge;
-  const double dTurn = m_oDescription.dAngle * 3.14159265358979323846 / 180.0;
+  const double dTurn = oPose.dAngle * 3.14159265358979323846 / 180.0;
   const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
-  const double dMidX = MmToPixel(m_oDescription.dXMm), dMidY = MmToPixel(m_oDescription.dYMm);
+  const double dMidX = MmToPixel(oPose.dXMm), dMidY = MmToPixel(oPose.dYMm);
   const double dHalfX = 0.5 * (oRidge.Width() * std::fabs(dCos) + oRidge.Height() * std::fabs(dSin)) + 1.0;
   const double dHalfY = 0.5 * (oRidge.Width() * std::fabs(dSin) + oRidge.Height() * std::fabs(dCos)) + 1.0;
   const int nLeft = std::max(0, static_cast<int>(std::floor(dMidX - dHalfX)));

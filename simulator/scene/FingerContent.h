@@ -14,11 +14,9 @@ class ClFingerContent : public ClPlatenContent {
 
   uint64_t StateAt(double dSeconds) const override;
   void Draw(double dSeconds, ClPlatenMap& oMap) const override;
+  void Count(double dSeconds, ClPlatenFacts& oFacts) const override;
 
  private:
-  /// How far the finger is down, in [0, g_cnSteps].
-  int StepAt(double dSeconds) const;
-
   ClFingerDescription m_oDescription;
   PrintPointer m_pPrint;
 };

@@ -7,6 +7,12 @@
 
 namespace Simulator {
 
+/// What a scene knows of its fingers at one moment.
+struct ClPlatenFacts {
+  unsigned nFingers = 0;  ///< that touch the glass
+  unsigned nMoving = 0;   ///< of these, that come down, come off, slide or change their pressure
+};
+
 /// Something that can lie on the platen: fingers, and whatever else a scene may know.
 ///
 /// Threads    const operations are thread-safe.
@@ -19,6 +25,9 @@ class ClPlatenContent {
 
   /// Adds what lies there at that time to the map.
   virtual void Draw(double dSeconds, ClPlatenMap& oMap) const = 0;
+
+  /// Adds its fingers.
+  virtual void Count(double dSeconds, ClPlatenFacts& oFacts) const = 0;
 };
 
 }  // namespace Simulator

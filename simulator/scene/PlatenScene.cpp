@@ -1,6 +1,7 @@
 // All that lies on one platen.
 #include "scene/PlatenScene.h"
 
+#include "scene/DirtContent.h"
 #include "scene/FingerContent.h"
 #include "scene/Random.h"
 
@@ -9,6 +10,8 @@ namespace Simulator {
 ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
   for (const ClFingerDescription& oFinger : oScanner.aFingers)
     m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
+  for (const ClDirtDescription& oDirt : oScanner.aDirt)
+    m_aContent.push_back(std::make_unique<ClDirtContent>(oDirt));
 }
 
 uint64_t ClPlatenScene::StateAt(double dSeconds) const {
@@ -19,6 +22,10 @@ uint64_t ClPlatenScene::StateAt(double dSeconds) const {
 
 void ClPlatenScene::Draw(double dSeconds, ClPlatenMap& oMap) const {
   for (const auto& pContent : m_aContent) pContent->Draw(dSeconds, oMap);
+}
+
+void ClPlatenScene::Count(double dSeconds, ClPlatenFacts& oFacts) const {
+  for (const auto& pContent : m_aContent) pContent->Count(dSeconds, oFacts);
 }
 
 }  // namespace Simulator

@@ -11,11 +11,11 @@
 namespace Simulator {
 namespace {
 
-using Key = std::tuple<std::string, uint64_t, int, double, double, double, double>;
+using Key = std::tuple<std::string, uint64_t, int, double, double, double, double, int>;
 
 Key KeyOf(const ClPrintDescription& o) {
-  if (!o.sFile.empty()) return Key(o.sFile, 0, 0, 0.0, 0.0, 0.0, 0.0);
-  return Key("", o.nSeed, o.ePattern, o.dWidthMm, o.dHeightMm, o.dRidgePeriodMm, o.dPores);
+  if (!o.sFile.empty()) return Key(o.sFile, 0, 0, 0.0, 0.0, 0.0, 0.0, 0);
+  return Key("", o.nSeed, o.ePattern, o.dWidthMm, o.dHeightMm, o.dRidgePeriodMm, o.dPores, o.eMaterial);
 }
 
 }  // namespace

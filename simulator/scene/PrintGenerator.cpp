@@ -106,7 +106,7 @@ class ClGrower {
     ClPrint oPrint;
     oPrint.dSlope = 2.4;
     oPrint.oRidge = Enlarge(aNow);
-    AddPores(oPrint.oRidge);
+    Imitate(oPrint);
     oPrint.oDepth = MakeDepth(oPrint.oRidge.Width(), oPrint.oRidge.Height());
     return oPrint;
   }
@@ -188,6 +188,49 @@ class ClGrower {
       }
     }
     return oOut;
+  }
+
+  /// Makes of living skin what the description says.
+  void Imitate(ClPrint& oPrint) const {
+    switch (m_oDescription.eMaterial) {
+      case eMaterialSkin:
+        AddPores(oPrint.oRidge);
+        break;
+      case eMaterialSoftCast:
+        for (int i = 0; i < 3; ++i) Soften(oPrint.oRidge);
+        oPrint.dSlope = 1.5;
+        break;
+      case eMaterialFlatCast:
+        oPrint.dSlope = 6.0;
+        break;
+      case eMaterialHalftone:
+        AddRaster(oPrint.oRidge);
+        break;
+    }
+  }
+
+  /// Means of three by three.
+  static void Soften(TpPlane<uint8_t>& oRidge) {
+    const TpPlane<uint8_t> oIn = oRidge;
+    for (int y = 1; y + 1 < oIn.Height(); ++y) {
+      const uint8_t* aRow[3] = {oIn.Row(y - 1), oIn.Row(y), oIn.Row(y + 1)};
+      for (int x = 1; x + 1 < oIn.Width(); ++x) {
+        unsigned nSum = 4;
+        for (const uint8_t* pRow : aRow) nSum += 0u + pRow[x - 1] + pRow[x] + pRow[x + 1];
+        oRidge.At(x, y) = static_cast<uint8_t>(nSum / 9);
+      }
+    }
+  }
+
+  /// A printer's dots, 133 to the inch at 45 degrees: heights become larger and smaller dots of ink.
+  static void AddRaster(TpPlane<uint8_t>& oRidge) {
+    const double dWave = 2.0 * g_cdPi * 133.0 * g_cdPixelMm / 25.4 * 0.70710678118654752;
+    for (int y = 0; y < oRidge.Height(); ++y) {
+      for (int x = 0; x < oRidge.Width(); ++x) {
+        const double dDot = std::cos(dWave * (x + y)) + std::cos(dWave * (x - y));
+        oRidge.At(x, y) = static_cast<uint8_t>(std::clamp(oRidge.At(x, y) + 45.0 * dDot, 0.0, 255.0));
+      }
+    }
   }
 
   /// Pores sit on the crests of ridges, some two or three to a millimetre.

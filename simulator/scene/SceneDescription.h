@@ -12,6 +12,32 @@ namespace Simulator {
 
 constexpr double g_cdNever = std::numeric_limits<double>::infinity();
 
+/// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the finger
+/// says, ever slower.
+struct ClSettleDescription {
+  double dSeconds = 0.0;  ///< 0: it lies still from the touch on
+  double dXMm = 0.0;      ///< where it starts, from its resting place
+  double dYMm = 0.0;
+  double dTurn = 0.0;  ///< degrees
+  double dPressure = 0.6;
+};
+
+/// A finger that slides at a steady speed, straight on or round a circle.
+struct ClSlideDescription {
+  double dStart = 0.0;  ///< seconds after the touch
+  double dUntil = g_cdNever;
+  double dSpeed = 0.0;      ///< mm per second; 0: it doesn't slide
+  double dDirection = 0.0;  ///< degrees, 0 to the right, counter-clockwise
+  double dRadiusMm = 0.0;   ///< 0: straight on
+};
+
+/// A finger that presses harder or more lightly from some moment on.
+struct ClPressDescription {
+  double dStart = g_cdNever;  ///< seconds after the touch
+  double dSeconds = 0.3;      ///< how long the change takes
+  double dPressure = 0.6;
+};
+
 /// One finger, or one picture of several, laid on the platen.
 struct ClFingerDescription {
   ClPrintDescription oPrint;
@@ -22,6 +48,32 @@ struct ClFingerDescription {
   double dDryness = 0.1;   ///< 0 to 1
   double dTouch = -1.0;    ///< seconds; before 0: lies there from the start
   double dLift = g_cdNever;
+  double dTouchSeconds = 0.25;  ///< how long it takes to lie down fully
+  double dLiftSeconds = 0.15;   ///< how long it takes to come off
+  double dRepeat = 0.0;         ///< seconds from one touch to the next; 0: it comes once
+  double dHalo = 0.0;           ///< 0 to 1: how wet the glass is round it
+  ClSettleDescription oSettle;
+  ClSlideDescription oSlide;
+  ClPressDescription oPress;
+};
+
+/// Something on the glass that is no finger: a speck, or a smear of streaks when dLengthMm is larger than
+/// dWidthMm.
+struct ClDirtDescription {
+  double dXMm = 40.64;
+  double dYMm = 40.64;
+  double dWidthMm = 0.5;
+  double dLengthMm = 0.0;
+  double dAngle = 0.0;     ///< degrees, counter-clockwise; 0: a smear runs to the right
+  double dStrength = 0.4;  ///< light that it throws against that of a ridge, 0 to 1
+  double dFrom = 0.0;      ///< seconds
+  double dUntil = g_cdNever;
+};
+
+/// Room light at a moment; between moments it changes evenly.
+struct ClAmbientPoint {
+  double dSeconds;
+  double dLevel;
 };
 
 /// What happens to a file of the EEPROM.
@@ -41,9 +93,11 @@ struct ClScannerDescription {
   bool bLegacyEprom = false;
   std::map<std::string, ClEpromChange> mapEprom;
   EPlaneOrder eOrder = eOrderMixed;
-  double dAmbient = 6.0;  ///< levels of room light at nominal gain and exposure
-  double dNoise = 1.0;    ///< factor on the sensor's noise
+  double dAmbient = 6.0;                 ///< levels of room light at nominal gain and exposure
+  std::vector<ClAmbientPoint> aAmbient;  ///< room light over time, in order; empty: it stays
+  double dNoise = 1.0;                   ///< factor on the sensor's noise
   std::vector<ClFingerDescription> aFingers;
+  std::vector<ClDirtDescription> aDirt;
 };
 
 /// One entry of the fault script: calls that fail, or a scanner that comes or goes.

@@ -17,6 +17,9 @@ using Json = nlohmann::json;
 
 constexpr size_t g_cnMostScanners = 127;
 constexpr size_t g_cnMostFingers = 32;
+constexpr size_t g_cnMostDirt = 1000;
+constexpr size_t g_cnMostAmbient = 1000;
+constexpr double g_cdLongest = 1e6;  // seconds
 
 /// One JSON object being read. Each key is asked for once; Done complains about keys that nobody asked for.
 class ClObject {
@@ -133,8 +136,60 @@ ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const
   oPrint.dHeightMm = o.Number("height", oPrint.dHeightMm, 4.0, 60.0);
   oPrint.dRidgePeriodMm = o.Number("ridgePeriod", oPrint.dRidgePeriodMm, 0.3, 0.8);
   oPrint.dPores = o.Number("pores", oPrint.dPores, 0.0, 1.0);
+  oPrint.eMaterial = static_cast<EMaterial>(
+      o.Choice("material", eMaterialSkin, {"skin", "soft-cast", "flat-cast", "halftone"}));
   o.Done();
   return oPrint;
+}
+
+ClSettleDescription ReadSettle(ClObject o, double dPressure) {
+  ClSettleDescription oSettle;
+  oSettle.dSeconds = o.Number("seconds", 0.8, 0.0, g_cdLongest);
+  oSettle.dXMm = o.Number("x", 0.0, -20.0, 20.0);
+  oSettle.dYMm = o.Number("y", 0.0, -20.0, 20.0);
+  oSettle.dTurn = o.Number("turn", 0.0, -90.0, 90.0);
+  oSettle.dPressure = o.Number("pressure", dPressure, 0.0, 1.0);
+  o.Done();
+  return oSettle;
+}
+
+ClSlideDescription ReadSlide(ClObject o) {
+  ClSlideDescription oSlide;
+  oSlide.dStart = o.Number("start", oSlide.dStart, 0.0, g_cdLongest);
+  oSlide.dUntil = o.Number("until", oSlide.dUntil, 0.0, g_cdLongest);
+  oSlide.dSpeed = o.Number("speed", 3.0, 0.0, 1000.0);
+  oSlide.dDirection = o.Number("direction", oSlide.dDirection, -360.0, 360.0);
+  oSlide.dRadiusMm = o.Number("radius", oSlide.dRadiusMm, 0.0, 100.0);
+  if (oSlide.dUntil < oSlide.dStart) o.Fail("comes before the start", "until");
+  o.Done();
+  return oSlide;
+}
+
+ClPressDescription ReadPress(ClObject o) {
+  ClPressDescription oPress;
+  oPress.dStart = o.Number("start", 1.0, 0.0, g_cdLongest);
+  oPress.dSeconds = o.Number("seconds", oPress.dSeconds, 0.01, g_cdLongest);
+  oPress.dPressure = o.Number("pressure", 0.9, 0.0, 1.0);
+  o.Done();
+  return oPress;
+}
+
+/// What a finger does after it was laid down.
+void ReadMotion(ClObject& o, ClFingerDescription& oFinger) {
+  oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, g_cdLongest);
+  oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, g_cdLongest);
+  if (oFinger.dLift < oFinger.dTouch) o.Fail("comes before the touch", "lift");
+  oFinger.dTouchSeconds = o.Number("touchSeconds", oFinger.dTouchSeconds, 0.01, 60.0);
+  oFinger.dLiftSeconds = o.Number("liftSeconds", oFinger.dLiftSeconds, 0.01, 60.0);
+  oFinger.dRepeat = o.Number("repeat", oFinger.dRepeat, 0.0, g_cdLongest);
+  if (oFinger.dRepeat > 0.0 &&
+      (oFinger.dTouch < 0.0 || oFinger.dRepeat < oFinger.dLift + oFinger.dLiftSeconds - oFinger.dTouch))
+    o.Fail("must be longer than the time from touch to the end of the lift, which both must be there",
+           "repeat");
+  if (const Json* p = o.Find("settle"))
+    oFinger.oSettle = ReadSettle(ClObject(*p, o.Place("settle")), oFinger.dPressure);
+  if (const Json* p = o.Find("slide")) oFinger.oSlide = ReadSlide(ClObject(*p, o.Place("slide")));
+  if (const Json* p = o.Find("press")) oFinger.oPress = ReadPress(ClObject(*p, o.Place("press")));
 }
 
 ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
@@ -147,11 +202,41 @@ ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, con
   oFinger.dPressure = o.Number("pressure", oFinger.dPressure, 0.0, 1.0);
   // A picture of a real print is as dry as it is.
   oFinger.dDryness = o.Number("dryness", oFinger.oPrint.sFile.empty() ? oFinger.dDryness : 0.0, 0.0, 1.0);
-  oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, 1e6);
-  oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, 1e6);
-  if (oFinger.dLift < oFinger.dTouch) o.Fail("comes before the touch", "lift");
+  oFinger.dHalo = o.Number("halo", oFinger.dHalo, 0.0, 1.0);
+  ReadMotion(o, oFinger);
   o.Done();
   return oFinger;
+}
+
+ClDirtDescription ReadDirt(const Json& oJson, const std::string& sPlace) {
+  ClObject o(oJson, sPlace);
+  ClDirtDescription oDirt;
+  oDirt.dXMm = o.Number("x", oDirt.dXMm, -50.0, 130.0);
+  oDirt.dYMm = o.Number("y", oDirt.dYMm, -50.0, 130.0);
+  oDirt.dWidthMm = o.Number("width", oDirt.dWidthMm, 0.05, 80.0);
+  oDirt.dLengthMm = o.Number("length", oDirt.dLengthMm, 0.0, 120.0);
+  oDirt.dAngle = o.Number("angle", oDirt.dAngle, -180.0, 180.0);
+  oDirt.dStrength = o.Number("strength", oDirt.dStrength, 0.0, 1.0);
+  oDirt.dFrom = o.Number("from", oDirt.dFrom, 0.0, g_cdLongest);
+  oDirt.dUntil = o.Number("until", oDirt.dUntil, 0.0, g_cdLongest);
+  o.Done();
+  return oDirt;
+}
+
+/// One level, or a list of moments.
+void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
+  const Json* p = o.Find("ambient");
+  if (!p || !p->is_array()) {
+    oScanner.dAmbient = o.Number("ambient", oScanner.dAmbient, 0.0, 200.0);
+    return;
+  }
+  o.Each("ambient", g_cnMostAmbient, [&](const Json& oPoint, const std::string& sWhere) {
+    ClObject oRead(oPoint, sWhere);
+    const double dBefore = oScanner.aAmbient.empty() ? 0.0 : oScanner.aAmbient.back().dSeconds;
+    const double dSeconds = oRead.Number("at", 0.0, dBefore, g_cdLongest);
+    oScanner.aAmbient.push_back({dSeconds, oRead.Number("level", oScanner.dAmbient, 0.0, 200.0)});
+    oRead.Done();
+  });
 }
 
 ClEpromChange ReadEpromChange(const Json& oJson, const std::string& sPlace) {
@@ -180,7 +265,7 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
   if (oScanner.sVersion.size() > 255) o.Fail("must not be longer than 255 characters", "version");
   oScanner.eOrder =
       static_cast<EPlaneOrder>(o.Choice("planeOrder", eOrderMixed, {"mixed", "dark-first", "lit-first"}));
-  oScanner.dAmbient = o.Number("ambient", oScanner.dAmbient, 0.0, 200.0);
+  ReadAmbient(o, oScanner);
   oScanner.dNoise = o.Number("noise", oScanner.dNoise, 0.0, 10.0);
   if (const Json* p = o.Find("eprom")) {
     ClObject oEprom(*p, o.Place("eprom"));
@@ -192,6 +277,9 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
   }
   o.Each("fingers", g_cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
     oScanner.aFingers.push_back(ReadFinger(oFinger, sWhere, sFolder));
+  });
+  o.Each("dirt", g_cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
+    oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
   });
   o.Done();
   return oScanner;
@@ -214,7 +302,7 @@ ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
   Kind("plug", ClFaultDescription::ePlug);
   if (nKinds != 1) o.Fail("must have exactly one of \"call\", \"random\", \"unplug\" and \"plug\"");
   if (oFault.eKind == ClFaultDescription::eUnplug || oFault.eKind == ClFaultDescription::ePlug) {
-    oFault.dAt = o.Number("at", 0.0, 0.0, 1e6);
+    oFault.dAt = o.Number("at", 0.0, 0.0, g_cdLongest);
   } else {
     oFault.nResult = static_cast<long>(o.Whole("result", oFault.nResult, -2147483647, 2147483647));
     if (oFault.eKind == ClFaultDescription::eCall) {

@@ -72,7 +72,8 @@ ClSensor::ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed)
 void ClSensor::SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed) {
   m_oScene = ClPlatenScene(oScanner);
   m_nNoiseSeed = Mix(m_nDeviceSeed, nSceneSeed);
-  m_dAmbient = oScanner.dAmbient;
+  m_aAmbient = oScanner.aAmbient;
+  if (m_aAmbient.empty()) m_aAmbient.push_back({0.0, oScanner.dAmbient});
   m_dNoise = oScanner.dNoise;
   m_eOrder = oScanner.eOrder;
   m_nDrawnState = 0;
@@ -136,8 +137,27 @@ void ClSensor::PrepareSignal(const ClSensorMode& oMode, double dSeconds) {
   m_pSignal = &pCached->oSignal;
 }
 
+double ClSensor::AmbientAt(double dSeconds) const noexcept {
+  const ClAmbientPoint* pBefore = &m_aAmbient.front();
+  for (const ClAmbientPoint& oPoint : m_aAmbient) {
+    if (oPoint.dSeconds > dSeconds) {
+      if (&oPoint == pBefore) break;
+      const double dPart = (dSeconds - pBefore->dSeconds) / (oPoint.dSeconds - pBefore->dSeconds);
+      return pBefore->dLevel + dPart * (oPoint.dLevel - pBefore->dLevel);
+    }
+    pBefore = &oPoint;
+  }
+  return pBefore->dLevel;
+}
+
+ClPlatenFacts ClSensor::Facts(double dSeconds) const {
+  ClPlatenFacts oFacts;
+  m_oScene.Count(dSeconds, oFacts);
+  return oFacts;
+}
+
 /// Gain and base of each column for even and odd rows.
-void ClSensor::PrepareColumns(const ClSensorSettings& oSettings, double dLight) {
+void ClSensor::PrepareColumns(const ClSensorSettings& oSettings, double dLight, double dAmbient) {
   const ClSensorMode& oMode = *oSettings.pMode;
   const double dExposure = oSettings.nExposure / (m_nNominalExposure * oMode.dNominalExposure);
   const size_t nWidth = static_cast<size_t>(oMode.nWidth);
@@ -151,7 +171,7 @@ void ClSensor::PrepareColumns(const ClSensorSettings& oSettings, double dLight) 
       m_aGain[nParity][x] =
           static_cast<uint16_t>(std::min(65535.0, g_cdNominalAmplification * dLight * dAmplification + 0.5));
       const double dColumn = static_cast<double>(Mix(m_nDeviceSeed, x) & 15) / 16.0;
-      const double dBase = g_cdBlackOffset + dColumn + m_dAmbient * dAmplification;
+      const double dBase = g_cdBlackOffset + dColumn + dAmbient * dAmplification;
       m_aBase[nParity][x] = static_cast<int16_t>(std::min(8191.0, dBase * g_cnLevelSteps));
     }
   }
@@ -175,10 +195,10 @@ void ClSensor::MakePlane(const ClSensorMode& oMode, bool bLit, uint64_t nNumber,
 }
 
 void ClSensor::RenderFrame(const ClSensorSettings& oSettings, uint64_t nMask, double dSeconds,
-                           uint64_t nNumber, uint8_t* pOut) {
+                           double dLightSeconds, uint64_t nNumber, uint8_t* pOut) {
   const double dStrength = StrengthOf(nMask);
   if (dStrength > 0.0) PrepareSignal(*oSettings.pMode, dSeconds);
-  PrepareColumns(oSettings, dStrength);
+  PrepareColumns(oSettings, dStrength, AmbientAt(dLightSeconds));
   MakePlane(*oSettings.pMode, dStrength > 0.0, Mix(m_nNoiseSeed, nNumber), pOut);
 }
 
@@ -194,7 +214,9 @@ void ClSensor::Render(const ClSensorSettings& oSettings, double dSeconds, uint64
   const bool bSwap = bPair && bLitFirst == (aMasks[0] == 0);
   for (size_t i = 0; i < aMasks.size(); ++i) {
     const uint64_t nMask = aMasks[bSwap ? 1 - i : i];
-    RenderFrame(oSettings, nMask, dSeconds, 64 * nSequence + i, pOut + i * oSettings.PlaneBytes());
+    const double dLightSeconds = dSeconds + oSettings.pMode->dFrameSeconds * static_cast<double>(i);
+    RenderFrame(oSettings, nMask, dSeconds, dLightSeconds, 64 * nSequence + i,
+                pOut + i * oSettings.PlaneBytes());
   }
   if (bPair) {
     const unsigned nTag = bLitFirst ? 1 + static_cast<unsigned>(nSequence % 15) : 0;

@@ -44,16 +44,20 @@ class ClSensor {
   /// Changes what lies on the platen and the noise; optics and calibration stay.
   void SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
-  /// Writes the planes of a sequence, one behind the other. In a sequence of one dark and one lit plane the
+  /// Writes the planes of a sequence, one behind the other. They show the platen at dSeconds, each under the room
+  /// light of its own moment. In a sequence of one dark and one lit plane the
   /// low four bits of the first byte tell the order: 0 when the dark plane comes first.
   void Render(const ClSensorSettings& oSettings, double dSeconds, uint64_t nSequence, uint8_t* pOut);
 
-  /// One frame without an order tag.
-  void RenderFrame(const ClSensorSettings& oSettings, uint64_t nMask, double dSeconds, uint64_t nNumber,
-                   uint8_t* pOut);
+  /// One frame without an order tag, under the room light of dLightSeconds.
+  void RenderFrame(const ClSensorSettings& oSettings, uint64_t nMask, double dSeconds, double dLightSeconds,
+                   uint64_t nNumber, uint8_t* pOut);
 
   /// Black ridges on white, right way round, and the area near skin; both pictures have the platen's size.
   void GroundTruth(double dSeconds, uint8_t* pPicture, uint8_t* pCover);
+
+  uint64_t StateAt(double dSeconds) const { return m_oScene.StateAt(dSeconds); }
+  ClPlatenFacts Facts(double dSeconds) const;
 
   /// Gives back all memory of frames; the next frame takes it anew.
   void Free();
@@ -74,7 +78,8 @@ class ClSensor {
  private:
   void SetPower(const ClScannerDescription& oScanner);
   void PrepareSignal(const ClSensorMode& oMode, double dSeconds);
-  void PrepareColumns(const ClSensorSettings& oSettings, double dLight);
+  double AmbientAt(double dSeconds) const noexcept;
+  void PrepareColumns(const ClSensorSettings& oSettings, double dLight, double dAmbient);
   void MakePlane(const ClSensorMode& oMode, bool bLit, uint64_t nNumber, uint8_t* pOut);
   bool LitFirst(uint64_t nSequence) const noexcept;
 
@@ -98,7 +103,7 @@ class ClSensor {
   bool m_bUsbPowered = false;
   unsigned m_nNominalExposure = 0;
   std::array<unsigned, 3> m_anNominalGain{};
-  double m_dAmbient = 0.0;
+  std::vector<ClAmbientPoint> m_aAmbient;  // never empty
   double m_dNoise = 0.0;
   EPlaneOrder m_eOrder = eOrderMixed;
 
