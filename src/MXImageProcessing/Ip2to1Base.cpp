@@ -10,6 +10,7 @@
 #include "MXImageProcessing/SampleCast.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
 
@@ -107,6 +108,30 @@ void ClIp2to1Base::SetParametersToDefault() {
   OffsetY = 0;
 }
 
+void ClIp2to1Base::QueryParameters(ClParameterInterface& oInterface) {
+  DescribeImages(oInterface);
+  DescribeOutImageType(oInterface, &OutImageType);
+  DescribePlacement(oInterface);
+}
+
+void ClIp2to1Base::DescribeImages(ClParameterInterface& oInterface) {
+  DescribeInputImage(oInterface, "InImage1", "In1: Original Image", &pInImage1);
+  DescribeInputImage(oInterface, "InImage2", "In2: 2nd Original Image", &pInImage2);
+  DescribeOutputImage(oInterface, "OutImage", "Out: Output Image", &pOutImage);
+}
+
+void ClIp2to1Base::DescribePlacement(ClParameterInterface& oInterface) {
+  constexpr auto eIn = ClParameterInterface::eIn;
+  const long aValues[] = {1, 0};
+  oInterface.AddBool(&SizeMustBeEqual, "SizeMustBeEqual", "Bool: Size must be equal", eIn)
+      ->SetEnumList("true\0false\0", aValues);
+  oInterface.AddParameter(&FillColor, "FillColor", "Double: Fillcolor for Offset-Images", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&OffsetX, "OffsetX", "Long: Offset of Image2 to Image1 in x-direction", eIn, 1.0,
+                          -1.0);
+  oInterface.AddParameter(&OffsetY, "OffsetY", "Long: Offset of Image2 to Image1 in y-direction", eIn, 1.0,
+                          -1.0);
+}
+
 void ClIp2to1Base::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage1", &pInImage1);
   PublishInputImage(oContainer, "pInImage2", &pInImage2);
@@ -122,7 +147,8 @@ void ClIp2to1Base::PublishParameters(ClParameterContainer& oContainer) {
 }
 
 long ClIp2to1Base::Initialize() {
-  if (!CanApply()) return -37;
+  // A subclass may have other conditions, but none of them can do without pixels.
+  if (!CanApply() || !ClIp2to1Base::CanApply()) return -37;
   return SizeMustBeEqual && IsOverlaid() ? -44 : 0;
 }
 
@@ -205,6 +231,25 @@ void ClIp2to1Base::SetOverlap(const ClImage& oTarget) {
   m_nOverlapStartOut = nShiftX * oTarget.Planes() + nShiftY * oTarget.ElementsPerRow();
   m_nOverlapStart1 = std::max(0L, OffsetX) * pInImage1->Planes() + std::max(0L, OffsetY) * nStep1;
   m_nOverlapStart2 = std::max(0L, -OffsetX) * pInImage2->Planes() + std::max(0L, -OffsetY) * nStep2;
+}
+
+const ClImage& ClIp2to1Base::SpreadOverlap(const ClImage& oIn2, ClOverlap& rOverlap) {
+  const long nRepeat = rOverlap.m_nPlanes1;
+  m_oSpread.NewWithType(oIn2.DataType(), static_cast<int>(rOverlap.m_nWidth),
+                        static_cast<int>(rOverlap.m_nHeight), static_cast<int>(nRepeat), 0, 0, true);
+  DispatchElementType(oIn2.DataType(), 0, [&](auto oElement) {
+    using U = typename decltype(oElement)::Type;
+    for (int y = 0; y < m_oSpread.Height(); ++y) {
+      const U* pIn = oIn2.Row<U>(0) + rOverlap.m_nOffset2 + y * rOverlap.m_nRowStep2;
+      U* pOut = m_oSpread.Row<U>(y);
+      for (long x = 0; x < rOverlap.m_nWidth; ++x, pOut += nRepeat) std::fill_n(pOut, nRepeat, pIn[x]);
+    }
+    return 0L;
+  });
+  rOverlap.m_nPlanes2 = nRepeat;
+  rOverlap.m_nOffset2 = 0;
+  rOverlap.m_nRowStep2 = m_oSpread.ElementsPerRow();
+  return m_oSpread;
 }
 
 double ClIp2to1Base::GetValue(ClImage&, ClImage&, ClImage&, double, double) {

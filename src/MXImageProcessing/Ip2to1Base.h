@@ -6,6 +6,8 @@
 #include "MXTools/TpArrayStatic.h"
 
 class ClParameterContainer;
+class ClParameterInterface;
+struct ClOverlap;
 
 /// Places two images on a common canvas and applies a rule to the samples of their overlap.
 ///
@@ -23,6 +25,8 @@ class ClIp2to1Base : public ClProcessorBase {
   long ApplyParam(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, unsigned char nType);
 
   bool CanApply() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
@@ -50,6 +54,14 @@ class ClIp2to1Base : public ClProcessorBase {
                          long nRowStep2, long nOffsetOut, long nRowStepOut);
   virtual double GetValue(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, double dA, double dB);
 
+  /// The overlap of a one-plane second image with each sample repeated for the first image's planes; the overlap
+  /// then tells where it lies in the image given back, which this object keeps.
+  const ClImage& SpreadOverlap(const ClImage& oIn2, ClOverlap& rOverlap);
+
+  /// The parts of the older list: the three images; what tells where they lie on the canvas.
+  void DescribeImages(ClParameterInterface& oInterface);
+  void DescribePlacement(ClParameterInterface& oInterface);
+
  private:
   template <typename T>
   long Dispatch1(ClImage& oTarget);
@@ -71,4 +83,5 @@ class ClIp2to1Base : public ClProcessorBase {
   long m_nOverlapStart2 = 0;
   bool m_bLookUpTable;
   ClImage m_oScratch;
+  ClImage m_oSpread;
 };

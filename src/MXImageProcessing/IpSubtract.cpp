@@ -1,11 +1,36 @@
-// Parameters of the difference and the first level of its type dispatch.
+// The difference: its rule, its three kinds of limits and its parameters.
 #include "MXImageProcessing/IpSubtract.h"
 
-#include <algorithm>
-
-#include "IpSubtractDispatch.h"
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/PointRows.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
+#include "TpIp2to1RuleImpl.h"
+
+struct ClRuleSubtract {
+  template <typename T, typename U, typename V>
+  using Working = TpWorkingDifference<T, U, V>;
+  static constexpr ByteRule cpfnBytes = MXKernels::SubtractSaturated;
+
+  template <typename W>
+  static W Apply(W nA, W nB) {
+    return nA - nB;
+  }
+};
+template class TpIp2to1Rule<ClRuleSubtract>;
+
+namespace {
+
+/// The bound as the output can hold it.
+double CutToType(double dBound, unsigned char nType) {
+  DispatchElementType(nType, -101, [&](auto oElement) {
+    dBound = static_cast<double>(ElementFromDouble<typename decltype(oElement)::Type>(dBound));
+    return 0L;
+  });
+  return dBound;
+}
+
+}  // namespace
 
 ClProcessorBase* ClIpSubtract::Create() const {
   return NewProcessor<ClIpSubtract>();
@@ -16,6 +41,15 @@ void ClIpSubtract::SetParametersToDefault() {
   m_dLowerBound = 0.0;
   m_dUpperBound = 0.0;
   m_eDataRange = DataDependent;
+}
+
+void ClIpSubtract::QueryParameters(ClParameterInterface& oInterface) {
+  ClIp2to1Base::QueryParameters(oInterface);
+  constexpr auto eIn = ClParameterInterface::eIn;
+  oInterface.AddParameter(&m_dLowerBound, "LowerBound", "Double: Lower limit of the result", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_dUpperBound, "UpperBound", "Double: Upper limit of the result", eIn, 1.0, -1.0);
+  oInterface.AddEnum(&m_eDataRange, "Data Output Range", "Enum: Where the limits come from",
+                     "DataDependent\0InputDependent\0UserDependent\0", eIn);
 }
 
 void ClIpSubtract::PublishParameters(ClParameterContainer& oContainer) {
@@ -30,18 +64,17 @@ void ClIpSubtract::PublishParameters(ClParameterContainer& oContainer) {
   pRange->AddValue(UserDependent, "UserDependent");
 }
 
-double ClIpSubtract::GetValue(ClImage&, ClImage&, ClImage& oOut, double dA, double dB) {
-  const double dLower = std::min(oOut.Black(), oOut.White());
-  const double dUpper = std::max(oOut.Black(), oOut.White());
-  return std::min(std::max(dA - dB, dLower), dUpper);
-}
-
-long ClIpSubtract::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight,
-                             long nPlanes1, long nPlanes2, long nOffset1, long nRowStep1, long nOffset2,
-                             long nRowStep2, long nOffsetOut, long nRowStepOut) {
-  const ClOverlap oOverlap{nWidth,    nHeight,  nPlanes1,  nPlanes2,   nOffset1,
-                           nRowStep1, nOffset2, nRowStep2, nOffsetOut, nRowStepOut};
-  return DispatchElementType(oIn1.DataType(), -101, [&](auto oElement) {
-    return DispatchDefault<typename decltype(oElement)::Type>(oIn1, oIn2, oOut, oOverlap);
-  });
+ClIpSubtract::ClLimits ClIpSubtract::Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const {
+  switch (m_eDataRange) {
+    case InputDependent:
+      return {oIn1.Black() - oIn2.White(), oIn1.White() - oIn2.Black()};
+    case UserDependent: {
+      const ClLimits oBounds{CutToType(m_dLowerBound, oOut.DataType()),
+                             CutToType(m_dUpperBound, oOut.DataType())};
+      oOut.SetBlackWhite(oBounds.m_dLower, oBounds.m_dUpper);
+      return oBounds;
+    }
+    default:
+      return LimitsOf(oOut);
+  }
 }

@@ -1,9 +1,10 @@
 // The difference of two images.
 #pragma once
 
-#include "MXImageProcessing/Ip2to1Base.h"
+#include "MXImageProcessing/TpIp2to1Rule.h"
 
-struct ClOverlap;
+struct ClRuleSubtract;
+extern template class TpIp2to1Rule<ClRuleSubtract>;
 
 /// out = first - second, limited as "Data Output Range" says.
 ///
@@ -13,7 +14,7 @@ struct ClOverlap;
 ///         bounds, which become the output's black and white. All limits are cut to the output type.
 /// Threads thread-bound.
 /// Cost    one pass; three eUint8 images under limits of 0 and 255 take the vector kernel.
-class ClIpSubtract : public ClIp2to1Base {
+class ClIpSubtract : public TpIp2to1Rule<ClRuleSubtract> {
  public:
   enum EDataRangeType { DataDependent = 0, InputDependent = 1, UserDependent = 2 };
 
@@ -21,27 +22,15 @@ class ClIpSubtract : public ClIp2to1Base {
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpSubtract"; }
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
  protected:
-  long DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight, long nPlanes1,
-                 long nPlanes2, long nOffset1, long nRowStep1, long nOffset2, long nRowStep2, long nOffsetOut,
-                 long nRowStepOut) override;
-  double GetValue(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, double dA, double dB) override;
+  ClLimits Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const override;
 
  private:
-  // The levels below the first input's type are compiled in a source of their own for each type group.
-  template <typename T>
-  long DispatchDefault(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap);
-  template <typename T, typename U>
-  long DispatchDefault2(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap);
-  template <typename T, typename U, typename V>
-  long Default(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap);
-  /// The limits of the output, before they are cut to its type; sets the output's black and white.
-  template <typename V>
-  void Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut, V& nLower, V& nUpper) const;
-
   double m_dLowerBound;
   double m_dUpperBound;
   EDataRangeType m_eDataRange;

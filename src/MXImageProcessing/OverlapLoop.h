@@ -35,9 +35,3 @@ void ForOverlapElements(const ClOverlap& oOverlap, const TSample& fnSample) {
     }
   }
 }
-
-/// out = fnRule(first, second) for each sample of the overlap; the pointers lead to row 0 of each image.
-template <typename T, typename U, typename V, typename TRule>
-void ForOverlap(const T* pIn1, const U* pIn2, V* pOut, const ClOverlap& oOverlap, const TRule& fnRule) {
-  ForOverlapElements(oOverlap, [&](long n1, long n2, long nOut) { pOut[nOut] = fnRule(pIn1[n1], pIn2[n2]); });
-}

@@ -35,6 +35,35 @@ void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut,
   }
 }
 
+struct RuleAbsoluteDifference {
+  const uint8_t* m_pA;
+  const uint8_t* m_pB;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const auto vA = hn::LoadU(d, m_pA + i);
+    const auto vB = hn::LoadU(d, m_pB + i);
+    return hn::Or(hn::SaturatedSub(vA, vB), hn::SaturatedSub(vB, vA));
+  }
+};
+
+void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleAbsoluteDifference{pA, pB}, pOut, nCount))
+    Reference::AbsoluteDifferenceRow(pA, pB, pOut, nCount);
+}
+
+struct RuleAnd {
+  const uint8_t* m_pA;
+  const uint8_t* m_pB;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    return hn::And(hn::LoadU(d, m_pA + i), hn::LoadU(d, m_pB + i));
+  }
+};
+
+void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleAnd{pA, pB}, pOut, nCount)) Reference::AndRow(pA, pB, pOut, nCount);
+}
+
 struct RuleClamp {
   const uint8_t* m_pIn;
   uint8_t m_nLower, m_nUpper;
@@ -122,6 +151,8 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_TABLE(SubtractSaturated);
+MXKERNELS_TABLE(AbsoluteDifferenceRow);
+MXKERNELS_TABLE(AndRow);
 MXKERNELS_TABLE(ClampRow);
 MXKERNELS_TABLE(ThresholdRow);
 MXKERNELS_TABLE(EqualRow);
@@ -129,6 +160,14 @@ MXKERNELS_TABLE(InvertedBlendRow);
 
 void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept {
   MXKERNELS_CALL(SubtractSaturated)(pLit, pDark, pOut, nCount);
+}
+
+void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(AbsoluteDifferenceRow)(pA, pB, pOut, nCount);
+}
+
+void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(AndRow)(pA, pB, pOut, nCount);
 }
 
 void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept {

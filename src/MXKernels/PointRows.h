@@ -1,4 +1,4 @@
-// Row functions that treat each sample by itself: difference, limits, threshold, look-up, blend.
+// Row functions that treat each sample by itself: difference, distance, limits, threshold, look-up, blend and such.
 #pragma once
 
 #include <cstddef>
@@ -11,6 +11,12 @@ namespace MXKernels {
 
 /// pOut[i] = pLit[i] > pDark[i] ? pLit[i] - pDark[i] : 0.
 void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept;
+
+/// pOut[i] = |pA[i] - pB[i]|.
+void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
+
+/// pOut[i] = pA[i] & pB[i].
+void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
 
 /// pOut[i] = pIn[i] limited to nLower and nUpper; nLower <= nUpper.
 void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept;

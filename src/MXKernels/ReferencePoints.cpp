@@ -42,6 +42,14 @@ void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut,
   }
 }
 
+void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = static_cast<uint8_t>(std::abs(pA[i] - pB[i]));
+}
+
+void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = pA[i] & pB[i];
+}
+
 void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::min(std::max(pIn[i], nLower), nUpper);
 }

@@ -1,18 +1,15 @@
-// Tests of the two-image base and of the difference.
+// Tests of the two-image processors: their rules, their canvas, their limits.
 #include <cmath>
+#include <cstring>
 
+#include "MXImageProcessing/IpAnd.h"
+#include "MXImageProcessing/IpDelta.h"
+#include "MXImageProcessing/IpMultiply.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXTools/ParameterContainer.h"
 #include "TestImages.h"
 
 namespace {
-
-/// What the output holds for a mathematical result: limited, then cut toward zero for integers.
-long double Limited(long double dValue, const ClImage& oOut) {
-  const long double dLow = std::min(oOut.Black(), oOut.White()), dHigh = std::max(oOut.Black(), oOut.White());
-  const long double dLimited = std::min(std::max(dValue, dLow), dHigh);
-  return oOut.IsFloating() ? dLimited : std::trunc(dLimited);
-}
 
 void SetParameter(ClIpSubtract& oSubtract, const char* szName, const char* szValue) {
   ClParameterContainer oContainer;
@@ -38,40 +35,140 @@ class ClWeighted : public ClIp2to1Base {
 
 }  // namespace
 
-TEST(Subtract, EveryMixOfTheEightTypesGivesTheLimitedDifference) {
+/// Each rule as long double arithmetic, which is exact for differences of all types and products of integers.
+template <class TProcessor>
+long double PlainRule(long double dA, long double dB) {
+  if (std::is_same_v<TProcessor, ClIpMultiply>) return dA * dB;
+  return std::is_same_v<TProcessor, ClIpDelta> ? std::fabs(dA - dB) : dA - dB;
+}
+
+/// What an output of this type holds for it: within black and white and the type's range, cut toward zero.
+double PlainSample(long double dResult, const ClImage& oOut) {
+  const double dLower = std::min(oOut.Black(), oOut.White()), dUpper = std::max(oOut.Black(), oOut.White());
+  double dLimited = 0;
+  DispatchElementType(oOut.DataType(), 0, [&](auto oElement) {
+    using V = typename decltype(oElement)::Type;
+    const auto dLow = static_cast<long double>(ElementFromDouble<V>(dLower));
+    const auto dHigh = static_cast<long double>(ElementFromDouble<V>(dUpper));
+    const long double dCut = std::min(std::max(dResult, dLow), dHigh);
+    dLimited = static_cast<double>(std::is_integral_v<V> ? std::trunc(dCut) : dCut);
+    if (std::is_same_v<V, float>) dLimited = static_cast<float>(dLimited);
+    return 0L;
+  });
+  return dLimited;
+}
+
+template <class TProcessor>
+class TwoImageRule : public testing::Test {};
+using TwoImageProcessors = testing::Types<ClIpSubtract, ClIpMultiply, ClIpDelta>;
+struct ClProcessorNames {
+  template <class TProcessor>
+  static std::string GetName(int) {
+    return TProcessor().Name();
+  }
+};
+TYPED_TEST_SUITE(TwoImageRule, TwoImageProcessors, ClProcessorNames);
+
+TYPED_TEST(TwoImageRule, HoldsForEveryMixOfTheEightTypesWithOneAndThreePlanesInRowsThatAreNotAligned) {
   std::mt19937 oRandom(11);
-  for (const unsigned char nType1 : g_aTypes) {
-    for (const unsigned char nType2 : g_aTypes) {
-      for (const unsigned char nTypeOut : g_aTypes) {
-        ClImage oIn1, oIn2, oOut;
-        SetRandomOfType(oIn1, nType1, 11, 3, oRandom);
-        SetRandomOfType(oIn2, nType2, 11, 3, oRandom);
-        ClIpSubtract oSubtract;
-        ASSERT_EQ(oSubtract.ApplyParam(oIn1, oIn2, oOut, nTypeOut), 0);
-        ASSERT_EQ(oOut.DataType(), nTypeOut);
-        for (int y = 0; y < 3; ++y) {
-          for (int x = 0; x < 11; ++x) {
-            long double dExpected = Limited(SampleAt(oIn1, x, y) - SampleAt(oIn2, x, y), oOut);
-            if (nTypeOut == ClImage::eFloat32) dExpected = static_cast<float>(dExpected);
-            ASSERT_EQ(SampleAt(oOut, x, y), dExpected)
-                << int{nType1} << " - " << int{nType2} << " into " << int{nTypeOut};
-          }
-        }
-      }
+  for (int nMix = 0; nMix < 512; ++nMix) {
+    const unsigned char nType1 = g_aTypes[nMix / 64], nType2 = g_aTypes[nMix / 8 % 8],
+                        nTypeOut = g_aTypes[nMix % 8];
+    const int nPlanes1 = nMix % 3 == 0 ? 3 : 1, nPlanes2 = nMix % 2 == 0 ? 1 : nPlanes1;
+    ClImage oIn1, oAligned, oIn2, oOut;
+    SetRandomOfType(oIn1, nType1, 37, 2, oRandom, nPlanes1);
+    SetRandomOfType(oAligned, nType2, 37, 2, oRandom, nPlanes2);
+    oIn2.NewWithType(nType2, 37, 2, nPlanes2, 0, 0, false);
+    for (int y = 0; y < 2; ++y) {
+      std::memcpy(oIn2.Row<uint8_t>(y), oAligned.Row<uint8_t>(y), static_cast<size_t>(oIn2.RowBytes()));
+    }
+    TypeParam oProcessor;
+    ASSERT_EQ(oProcessor.ApplyParam(oIn1, oIn2, oOut, nTypeOut), 0);
+    ASSERT_EQ(oOut.DataType(), nTypeOut);
+    for (int n = 0; n < 2 * oIn1.SamplesPerRow(); ++n) {
+      const int x = n / 2, y = n % 2;
+      const long double dSecond = SampleAt(oIn2, nPlanes1 == nPlanes2 ? x : x / 3, y);
+      const long double dExact = PlainRule<TypeParam>(SampleAt(oIn1, x, y), dSecond);
+      ASSERT_EQ(SampleAt(oOut, x, y), PlainSample(dExact, oOut))
+          << int{nType1} << " and " << int{nType2} << " into " << int{nTypeOut};
     }
   }
 }
 
-TEST(Subtract, TheOutputMayBeEitherInput) {
-  ClImage oA, oB;
-  ClIpSubtract oSubtract;
-  SetImage<uint8_t>(oA, 3, 1, {10, 200, 5});
-  SetImage<uint8_t>(oB, 3, 1, {1, 250, 5});
-  ASSERT_EQ(oSubtract.ApplyParam(oA, oB, oA, ClImage::cnTypeDefault), 0);
-  EXPECT_EQ(Samples<uint8_t>(oA), (std::vector<uint8_t>{9, 0, 0}));
-  ASSERT_EQ(oSubtract.ApplyParam(oA, oB, oB, ClImage::eInt16), 0);
-  EXPECT_EQ(Samples<int16_t>(oB), (std::vector<int16_t>{8, -250, -5}));
-  EXPECT_EQ(Samples<uint8_t>(oA), (std::vector<uint8_t>{9, 0, 0}));
+TYPED_TEST(TwoImageRule, GivesTheSameOverEitherInput) {
+  std::mt19937 oRandom(12);
+  ClImage oIn1, oIn2, oOut;
+  SetRandom<uint8_t>(oIn1, 19, 2, oRandom);
+  SetRandom<uint8_t>(oIn2, 19, 2, oRandom);
+  TypeParam oProcessor;
+  ASSERT_EQ(oProcessor.ApplyParam(oIn1, oIn2, oOut, ClImage::eInt16), 0);
+  for (ClImage* pOver : {&oIn1, &oIn2}) {
+    ClImage oKeep;
+    oKeep = *pOver;
+    ASSERT_EQ(oProcessor.ApplyParam(oIn1, oIn2, *pOver, ClImage::eInt16), 0);
+    EXPECT_EQ(Samples<int16_t>(*pOver), Samples<int16_t>(oOut));
+    pOver->Swap(oKeep);
+  }
+}
+
+TEST(Delta, IsTheDistanceWhicheverIsTheBrighter) {
+  ClImage oA, oB, oOut;
+  SetImage<uint8_t>(oA, 3, 1, {10, 200, 0});
+  SetImage<uint8_t>(oB, 3, 1, {200, 10, 255});
+  ClIpDelta oDelta;
+  ASSERT_EQ(oDelta.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{190, 190, 255}));
+}
+
+TEST(Multiply, TheOutputsRangeIsThatOfTheFourProducts) {
+  ClImage oA, oB, oOut;
+  SetImage<int8_t>(oA, 4, 1, {-128, -128, 127, 0});
+  SetImage<uint8_t>(oB, 4, 1, {255, 1, 255, 9});
+  ClIpMultiply oMultiply;
+  ASSERT_EQ(oMultiply.ApplyParam(oA, oB, oOut, ClImage::eInt16), 0);
+  EXPECT_EQ(Samples<int16_t>(oOut), (std::vector<int16_t>{-32640, -128, 32385, 0}));
+  EXPECT_EQ(oOut.Black(), -32640);
+  EXPECT_EQ(oOut.White(), 32385);
+  ASSERT_EQ(oMultiply.ApplyParam(oA, oB, oOut, ClImage::eUint16), 0);
+  EXPECT_EQ(Samples<uint16_t>(oOut), (std::vector<uint16_t>{0, 0, 32385, 0}));
+  EXPECT_EQ(oOut.Black(), 0);
+  // Limits that the type cannot hold are cut to what it can.
+  ASSERT_EQ(oMultiply.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault), 0);
+  EXPECT_EQ(Samples<int8_t>(oOut), (std::vector<int8_t>{-128, -128, 127, 0}));
+}
+
+TEST(And, JoinsTheBitsOfEveryIntegerTypeOneMaskSampleForThreeAndFourPlanes) {
+  std::mt19937 oRandom(13);
+  for (int nCase = 0; nCase < 6 * 4 * 2; ++nCase) {
+    const unsigned char nType = g_aTypes[nCase % 6];
+    const int nPlanes1 = 1 + nCase / 6 % 4, nPlanes2 = nCase < 24 ? 1 : nPlanes1;
+    ClImage oIn1, oIn2, oOut;
+    SetRandomOfType(oIn1, nType, 37, 2, oRandom, nPlanes1);
+    SetRandomOfType(oIn2, nType, 37, 2, oRandom, nPlanes2);
+    ClIpAnd oAnd;
+    ASSERT_EQ(oAnd.ApplyParam(oIn1, oIn2, oOut, ClImage::cnTypeDefault), 0);
+    for (int x = 0; x < oIn1.SamplesPerRow(); ++x) {
+      const auto nFirst = static_cast<int64_t>(SampleAt(oIn1, x, 1));
+      const auto nMask = static_cast<int64_t>(SampleAt(oIn2, nPlanes1 == nPlanes2 ? x : x / nPlanes1, 1));
+      const bool bFits = nPlanes2 != 1 || nPlanes1 != 2;
+      ASSERT_EQ(SampleAt(oOut, x, 1), bFits ? nFirst & nMask : 0) << int{nType} << " planes " << nPlanes1;
+    }
+  }
+}
+
+TEST(And, RefusesTypesAndPlanesThatDoNotFit) {
+  ClImage oByte, oWord, oFloat, oColor, oEmpty, oOut;
+  SetImage<uint8_t>(oByte, 1, 1, {12});
+  SetImage<uint16_t>(oWord, 1, 1, {10});
+  SetImage<float>(oFloat, 1, 1, {1});
+  SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
+  ClIpAnd oAnd;
+  EXPECT_EQ(oAnd.ApplyParam(oByte, oWord, oOut, ClImage::cnTypeDefault), -37);
+  EXPECT_EQ(oAnd.ApplyParam(oFloat, oFloat, oOut, ClImage::cnTypeDefault), -37);
+  EXPECT_EQ(oAnd.ApplyParam(oByte, oColor, oOut, ClImage::cnTypeDefault), -37);
+  EXPECT_EQ(oAnd.ApplyParam(oEmpty, oEmpty, oOut, ClImage::cnTypeDefault), -37);
+  EXPECT_EQ(oAnd.ApplyParam(oByte, oByte, oOut, ClImage::eUint16), -101);
+  EXPECT_EQ(oAnd.ApplyParam(oByte, oByte, oOut, ClImage::cnTypeDefault), 0);
 }
 
 TEST(Subtract, TheRangeFollowsTheInputsOrTheUser) {

@@ -17,19 +17,28 @@ void AllPairs(Bytes& aFirst, Bytes& aSecond) {
 }
 }  // namespace
 
-TEST(SubtractSaturated, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
-  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+using PairRule = void (*)(const uint8_t*, const uint8_t*, uint8_t*, size_t) noexcept;
+class RowsOfPairs : public testing::TestWithParam<std::pair<PairRule, PairRule>> {};
+
+TEST_P(RowsOfPairs, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
+  const auto [pfnRow, pfnReference] = GetParam();
+  ForEveryLevelAndTail([=](size_t nCount, ClSamples& oSamples) {
     const Bytes aLit = oSamples.Row<uint8_t>(nCount), aDark = oSamples.Row<uint8_t>(nCount);
     TpGuardedRow<uint8_t> oOut(nCount), oExpected(nCount), oOverLit(aLit), oOverDark(aDark);
-    Reference::SubtractSaturated(aLit.data(), aDark.data(), oExpected.Data(), nCount);
-    SubtractSaturated(aLit.data(), aDark.data(), oOut.Data(), nCount);
-    SubtractSaturated(oOverLit.Data(), aDark.data(), oOverLit.Data(), nCount);
-    SubtractSaturated(aLit.data(), oOverDark.Data(), oOverDark.Data(), nCount);
+    pfnReference(aLit.data(), aDark.data(), oExpected.Data(), nCount);
+    pfnRow(aLit.data(), aDark.data(), oOut.Data(), nCount);
+    pfnRow(oOverLit.Data(), aDark.data(), oOverLit.Data(), nCount);
+    pfnRow(aLit.data(), oOverDark.Data(), oOverDark.Data(), nCount);
     ExpectSameAndGuarded(oOut, oExpected);
     ExpectSameAndGuarded(oOverLit, oExpected);
     ExpectSameAndGuarded(oOverDark, oExpected);
   });
 }
+
+INSTANTIATE_TEST_SUITE_P(PointRows, RowsOfPairs,
+                         testing::Values(std::pair{&SubtractSaturated, &Reference::SubtractSaturated},
+                                         std::pair{&AbsoluteDifferenceRow, &Reference::AbsoluteDifferenceRow},
+                                         std::pair{&AndRow, &Reference::AndRow}));
 
 TEST(SubtractSaturated, ADarkerLitPixelGivesZeroAndDoesNotWrap) {
   const Bytes aLit(100, 10), aDark(100, 11);

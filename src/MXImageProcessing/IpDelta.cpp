@@ -1,0 +1,23 @@
+// The distance's rule.
+#include "MXImageProcessing/IpDelta.h"
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/PointRows.h"
+#include "TpIp2to1RuleImpl.h"
+
+struct ClRuleDelta {
+  template <typename T, typename U, typename V>
+  using Working = TpWorkingDifference<T, U, V>;
+  static constexpr ByteRule cpfnBytes = MXKernels::AbsoluteDifferenceRow;
+
+  template <typename W>
+  static W Apply(W nA, W nB) {
+    // NaN takes the second way and stays NaN.
+    return nA > nB ? nA - nB : nB - nA;
+  }
+};
+template class TpIp2to1Rule<ClRuleDelta>;
+
+ClProcessorBase* ClIpDelta::Create() const {
+  return NewProcessor<ClIpDelta>();
+}

@@ -1,0 +1,43 @@
+// The product's rule and its limits.
+#include "MXImageProcessing/IpMultiply.h"
+
+#include <limits>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "TpIp2to1RuleImpl.h"
+
+struct ClRuleMultiply {
+  /// 32 bits hold the product of two bytes, or of a byte and a word, but not of two unsigned words.
+  template <typename T, typename U, typename V>
+  using Working =
+      std::conditional_t<cbAnyFloating<T, U, V>, double,
+                         std::conditional_t<(sizeof(T) + sizeof(U) < 4 && sizeof(V) < 4), int32_t, int64_t>>;
+  static constexpr ByteRule cpfnBytes = nullptr;
+
+  template <typename W>
+  static W Apply(W nA, W nB) {
+    if constexpr (std::is_same_v<W, int64_t>) {
+      // Only the product of two unsigned 32-bit numbers can pass 63 bits; it is then above every limit.
+      constexpr auto cnLargest = std::numeric_limits<int64_t>::max();
+      const uint64_t nProduct = static_cast<uint64_t>(nA) * static_cast<uint64_t>(nB);
+      const bool bPositive = (nA >= 0) == (nB >= 0);
+      if (bPositive && nProduct > static_cast<uint64_t>(cnLargest)) return cnLargest;
+      return static_cast<int64_t>(nProduct);
+    } else {
+      return nA * nB;
+    }
+  }
+};
+template class TpIp2to1Rule<ClRuleMultiply>;
+
+ClProcessorBase* ClIpMultiply::Create() const {
+  return NewProcessor<ClIpMultiply>();
+}
+
+ClIpMultiply::ClLimits ClIpMultiply::Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const {
+  const auto [dSmallest, dLargest] = std::minmax({oIn1.Black() * oIn2.Black(), oIn1.Black() * oIn2.White(),
+                                                  oIn1.White() * oIn2.Black(), oIn1.White() * oIn2.White()});
+  const bool bUnsigned = !oOut.IsSigned() && !oOut.IsFloating();
+  oOut.SetBlackWhite(bUnsigned ? std::max(dSmallest, 0.0) : dSmallest, dLargest);
+  return LimitsOf(oOut);
+}

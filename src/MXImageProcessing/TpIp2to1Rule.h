@@ -1,0 +1,47 @@
+// The two-image processors whose rule is compiled into the loop: dispatch, limits and loop that they share.
+#pragma once
+
+#include "MXImageProcessing/Ip2to1Base.h"
+
+struct ClOverlap;
+
+/// Applies TRule to each pair of samples and limits the result.
+///
+/// TRule says in what type the rule works (Working<T, U, V>), what it is (Apply) and, where there is one, which
+/// kernel does the same on bytes under limits of 0 and 255 (cpfnBytes). A processor with a new rule derives from
+/// this class and instantiates it in its own source, which includes TpIp2to1RuleImpl.h.
+///
+/// Domain   as the base.
+/// Range    mathematically the rule's result, limited, then cut toward zero for integer outputs. NaN becomes the
+///          lower limit of an integer output.
+/// Threads  thread-bound.
+/// Cost     one pass; the types are resolved once a call. One plane beside three is first spread to three.
+template <class TRule>
+class TpIp2to1Rule : public ClIp2to1Base {
+ protected:
+  struct ClLimits {
+    double m_dLower;
+    double m_dUpper;
+  };
+
+  long DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight, long nPlanes1,
+                 long nPlanes2, long nOffset1, long nRowStep1, long nOffset2, long nRowStep2, long nOffsetOut,
+                 long nRowStepOut) override;
+  double GetValue(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, double dA, double dB) override;
+
+  /// The limits of this call, before they are cut to the output's type; may set the output's black and white.
+  /// Here they are the output's black and white themselves.
+  virtual ClLimits Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const;
+  static ClLimits LimitsOf(const ClImage& oOut);
+
+ private:
+  template <typename T>
+  static long DispatchDefault(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
+                              const ClOverlap& oOverlap, const ClLimits& oLimits);
+  template <typename T, typename U>
+  static long DispatchDefault2(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
+                               const ClOverlap& oOverlap, const ClLimits& oLimits);
+  template <typename T, typename U, typename V>
+  static long Default(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap,
+                      const ClLimits& oLimits);
+};
