@@ -4,8 +4,10 @@
 #include <cstring>
 
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 ClIpCut::ClIpCut() {
   EnableDataType(m_caAllTypes);
@@ -38,6 +40,16 @@ void ClIpCut::PublishParameters(ClParameterContainer& oContainer) {
   oContainer.AddNumeric("nY0", &m_nY0);
   oContainer.AddNumeric("nDestWidth", &m_nDestWidth);
   oContainer.AddNumeric("nDestHeight", &m_nDestHeight);
+}
+
+void ClIpCut::QueryParameters(ClParameterInterface& oInterface) {
+  constexpr auto eIn = ClParameterInterface::eIn;
+  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
+  DescribeOutputImage(oInterface, "OutImage", "Out: Clipping", &m_pOutImage);
+  oInterface.AddParameter(&m_nX0, "X0", "In: Start X", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_nY0, "Y0", "In: Start Y", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_nDestWidth, "DestWidth", "In: Cut Width", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_nDestHeight, "DestHeight", "In: Cut Height", eIn, 1.0, -1.0);
 }
 
 void ClIpCut::CheckRectangle(const ClImage& oIn) const {

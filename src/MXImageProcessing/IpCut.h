@@ -20,6 +20,8 @@ class ClIpCut : public NewIpBase::ClIp1to1Base {
   const char* Name() const override { return "ClIpCut"; }
   void SetParametersToDefault() override;
   void PublishParameters(ClParameterContainer& oContainer) override;
+  using NewIpBase::ClIp1to1Base::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
 
  protected:
   /// Left to DoProcess, so that a refused rectangle leaves the output alone.

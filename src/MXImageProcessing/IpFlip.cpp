@@ -4,12 +4,16 @@
 #include <cstring>
 
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/SampleCast.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
+
+constexpr char szXFlip[] = "In: Mirror by the X Axis";
+constexpr char szYFlip[] = "In: Mirror by the Y Axis";
 
 template <typename T, typename U>
 void ConvertRow(const T* pIn, U* pOut, long nSamples) {
@@ -48,15 +52,14 @@ void ClIpFlip::SetParametersToDefault() {
 
 void ClIpFlip::PublishParameters(ClParameterContainer& oContainer) {
   ClIp1to1Base::PublishParameters(oContainer);
-  const auto PublishFlag = [&oContainer](const char* szName, bool* pbFlag, const char* szDescription) {
-    auto* pFlag = oContainer.AddParam<TpParameterEnumPointer<bool, ClParameter>>(szName);
-    pFlag->BindVariable(pbFlag);
-    pFlag->AddValue(false, "False");
-    pFlag->AddValue(true, "True");
-    pFlag->SetDescription(szDescription);
-  };
-  PublishFlag("XFlip", &m_bXFlip, "In: Mirror by the X Axis");
-  PublishFlag("YFlip", &m_bYFlip, "In: Mirror by the Y Axis");
+  PublishFlag(oContainer, "XFlip", &m_bXFlip)->SetDescription(szXFlip);
+  PublishFlag(oContainer, "YFlip", &m_bYFlip)->SetDescription(szYFlip);
+}
+
+void ClIpFlip::QueryParameters(ClParameterInterface& oInterface) {
+  ClIp1to1Base::QueryParameters(oInterface);
+  oInterface.AddBool(&m_bXFlip, "XFlip", szXFlip, ClParameterInterface::eIn);
+  oInterface.AddBool(&m_bYFlip, "YFlip", szYFlip, ClParameterInterface::eIn);
 }
 
 long ClIpFlip::DoProcess(ClImage& oIn, ClImage& oOut) {

@@ -21,6 +21,8 @@ class ClIpFlip : public ClIp1to1Base {
   bool CanApply() override;
   void SetParametersToDefault() override;
   void PublishParameters(ClParameterContainer& oContainer) override;
+  using ClIp1to1Base::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
 
  protected:
   long DoProcess(ClImage& oIn, ClImage& oOut) override;

@@ -5,9 +5,10 @@
 
 #include "MXImageProcessing/MultiPlane.h"
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
 
@@ -102,10 +103,16 @@ void ClIpSubsample::PublishParameters(ClParameterContainer& oContainer) {
   oContainer.AddNumeric("nRate", &m_nRate);
   oContainer.AddNumeric("nRateX", &m_nRateX);
   oContainer.AddNumeric("nRateY", &m_nRateY);
-  auto* pMid = oContainer.AddParam<TpParameterEnumPointer<bool, ClParameter>>("bMid");
-  pMid->BindVariable(&m_bMid);
-  pMid->AddValue(false, "False");
-  pMid->AddValue(true, "True");
+  PublishFlag(oContainer, "bMid", &m_bMid);
+}
+
+void ClIpSubsample::QueryParameters(ClParameterInterface& oInterface) {
+  constexpr auto eIn = ClParameterInterface::eIn;
+  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
+  oInterface.AddParameter(&m_nRate, "Rate", "In: Common Rate", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_nRateX, "RateX", "In: Rate X", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_nRateY, "RateY", "In: Rate Y", eIn, 1.0, -1.0);
+  oInterface.AddBool(&m_bMid, "Mid", "In: Mean of the Pixels", eIn);
 }
 
 void ClIpSubsample::ParameterString(char* szText, unsigned int nSize) const {

@@ -28,6 +28,8 @@ class ClIpSubsample : public ClProcessorBase {
   bool CanApply() override;
   void SetParametersToDefault() override;
   void PublishParameters(ClParameterContainer& oContainer) override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
  protected:

@@ -1,6 +1,10 @@
-// Tests of mirror, cut and reduction.
+// Tests of mirror, cut, reduction, shift and turn.
+#include <cmath>
+
 #include "MXImageProcessing/IpCut.h"
 #include "MXImageProcessing/IpFlip.h"
+#include "MXImageProcessing/IpMoveImage.h"
+#include "MXImageProcessing/IpRotate.h"
 #include "MXImageProcessing/IpSubsample.h"
 #include "TestImages.h"
 
@@ -48,6 +52,172 @@ TYPED_TEST(Geometry, CutCopiesTheRectangle) {
   ASSERT_EQ(oCut.ApplyParam(oIn, 3, oIn), 0);
   EXPECT_TRUE(oIn.HasSize(3, 1));
   EXPECT_EQ(oIn.PelsY(), 9842);
+}
+
+TYPED_TEST(Geometry, MoveTakesEachPixelFromWhereItWasAndFillsTheRest) {
+  std::mt19937 oRandom(33);
+  const int nWidth = 7, nHeight = 5;
+  for (const int nPlanes : {1, 3}) {
+    for (const auto& [nX, nY] :
+         {std::pair(0, 0), {2, -1}, {-6, 4}, {7, 0}, {-3, -5}, {INT32_MAX, INT32_MIN}}) {
+      ClImage oIn, oOut;
+      SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom, nPlanes);
+      ClIpMoveImage oMove;
+      ASSERT_EQ(oMove.ApplyParam(oIn, oOut, nX, nY, 100.75), 0);
+      const auto nFill = static_cast<TypeParam>(100.75);
+      for (int y = 0; y < nHeight; ++y) {
+        for (int n = 0; n < nWidth * nPlanes; ++n) {
+          const int64_t nFromX = n / nPlanes - int64_t{nX}, nFromY = y - int64_t{nY};
+          const bool bInside = nFromX >= 0 && nFromX < nWidth && nFromY >= 0 && nFromY < nHeight;
+          ASSERT_EQ(oOut.Row<TypeParam>(y)[n],
+                    bInside ? oIn.Row<TypeParam>(y - nY)[n - nX * nPlanes] : nFill);
+        }
+      }
+      const auto aExpected = Samples<TypeParam>(oOut);
+      ASSERT_EQ(oMove.ApplyParam(oIn, oIn, nX, nY, 100.75), 0);
+      EXPECT_EQ(Samples<TypeParam>(oIn), aExpected);
+    }
+  }
+}
+
+/// The turned image by the rule of its rows, a test for each pixel and wide sums.
+template <typename T>
+std::vector<T> SlowTurn(const ClImage& oIn, const ClVector& oCentre, double dAngle, const ClVector& oShift,
+                        int nOutWidth, int nOutHeight, bool bInterpolate, T nBackground) {
+  const auto Fixed = [](double d) { return static_cast<int64_t>(d); };
+  const int64_t nCos = Fixed(std::cos(dAngle) * 4096), nSin = Fixed(std::sin(dAngle) * 4096);
+  const int64_t nMaxX = (oIn.Width() - 1) * 4096, nMaxY = (oIn.Height() - 1) * 4096;
+  const auto IsInside = [](int64_t nStart, int64_t nStep, int64_t nMax, int64_t n) {
+    if (nStep == 0) return nStart >= 0 && nStart <= nMax;
+    const int64_t nA = -nStart / nStep, nB = (nMax - nStart) / nStep;
+    return n > std::min(nA, nB) && n < std::max(nA, nB);
+  };
+  std::vector<T> aOut;
+  for (int y = 0; y < nOutHeight; ++y) {
+    const double u = 0 - oCentre.x - oShift.x, v = y - oCentre.y - oShift.y;
+    const auto d = [](int64_t n) { return static_cast<double>(n); };
+    const int64_t nX0 = Fixed(v * d(nSin)) + Fixed(u * d(nCos)) + Fixed(oCentre.x * 4096);
+    const int64_t nY0 = Fixed(v * d(nCos)) + Fixed(u * d(-nSin)) + Fixed(oCentre.y * 4096);
+    for (int x = 0; x < nOutWidth; ++x) {
+      aOut.push_back(nBackground);
+      if (!IsInside(nX0, nCos, nMaxX, x) || !IsInside(nY0, -nSin, nMaxY, x)) continue;
+      const int64_t nX = nX0 + x * nCos, nY = nY0 - x * nSin;
+      const auto Pixel = [&](int64_t nDx, int64_t nDy) {
+        return int64_t{oIn.Row<T>(static_cast<int>((nY >> 12) + nDy))[(nX >> 12) + nDx]};
+      };
+      const int64_t nFx = nX & 4095, nFy = nY & 4095;
+      if (!bInterpolate) {
+        aOut.back() = static_cast<T>(Pixel(0, 0));
+      } else if (nX < nMaxX && nY < nMaxY) {
+        aOut.back() =
+            static_cast<T>(((4096 - nFx) * (4096 - nFy) * Pixel(0, 0) + nFx * (4096 - nFy) * Pixel(1, 0) +
+                            nFx * nFy * Pixel(1, 1) + (4096 - nFx) * nFy * Pixel(0, 1)) >>
+                           24);
+      }
+    }
+  }
+  return aOut;
+}
+
+template <typename T>
+void CompareTurn() {
+  std::mt19937 oRandom(34);
+  for (int nCase = 0; nCase < 400; ++nCase) {
+    ClImage oIn, oOut;
+    const int nWidth = 1 + static_cast<int>(oRandom() % 23), nHeight = 1 + static_cast<int>(oRandom() % 17);
+    SetRandom<T>(oIn, nWidth, nHeight, oRandom);
+    // Every fifth one turns by quarters, where an axis has no step.
+    const double dAngle = nCase % 5 == 0 ? (nCase / 5 % 7 - 3) * std::acos(-1.0) / 2 : (nCase - 200) * 0.037;
+    if (dAngle == 0) continue;
+    const ClVector oCentre(static_cast<int>(oRandom() % 40) - 10 + 0.25, static_cast<int>(oRandom() % 20));
+    const bool bResize = nCase % 2 != 0, bInterpolate = nCase % 4 > 1;
+    ClIpRotate oRotate;
+    oRotate.SetBackgroundColor(200);
+    ASSERT_EQ(oRotate.ApplyParam(oIn, oOut, oCentre, dAngle, bResize, bInterpolate), 0);
+    double dMinX = 1e9, dMaxX = -1e9, dMinY = 1e9, dMaxY = -1e9;
+    for (const double dX : {0.0, nWidth - 1.0}) {
+      for (const double dY : {0.0, nHeight - 1.0}) {
+        const double dU = dX - oCentre.x, dV = dY - oCentre.y;
+        const double dTurnedX = std::cos(dAngle) * dU - std::sin(dAngle) * dV + oCentre.x;
+        const double dTurnedY = std::sin(dAngle) * dU + std::cos(dAngle) * dV + oCentre.y;
+        dMinX = std::min(dMinX, dTurnedX), dMaxX = std::max(dMaxX, dTurnedX);
+        dMinY = std::min(dMinY, dTurnedY), dMaxY = std::max(dMaxY, dTurnedY);
+      }
+    }
+    const int nOutWidth = bResize ? static_cast<int>(dMaxX + 1 - dMinX) : nWidth;
+    const int nOutHeight = bResize ? static_cast<int>(dMaxY + 1 - dMinY) : nHeight;
+    ASSERT_TRUE(oOut.HasSize(nOutWidth, nOutHeight)) << nCase;
+    const ClVector oShift = bResize ? ClVector(std::trunc(-dMinX), std::trunc(-dMinY)) : ClVector();
+    ASSERT_EQ(Samples<T>(oOut), SlowTurn<T>(oIn, oCentre, dAngle, oShift, nOutWidth, nOutHeight, bInterpolate,
+                                            static_cast<T>(200)))
+        << nCase;
+    EXPECT_EQ(oOut.PelsX(), 19685);
+  }
+}
+
+TEST(Rotate, EveryAngleGivesWhatATestForEachPixelGives) {
+  CompareTurn<uint8_t>();
+  CompareTurn<int8_t>();
+}
+
+TEST(Rotate, TransformLeadsToWhereThePixelsWent) {
+  ClImage oIn(64, 48, 1, 0, 0), oOut;
+  oIn = static_cast<unsigned char>(0);
+  for (const int y : {29, 30, 31})
+    std::fill_n(oIn.Row<unsigned char>(y) + 19, 3, static_cast<unsigned char>(255));
+  for (const bool bResize : {false, true}) {
+    ClIpRotate oRotate;
+    oRotate.SetBackgroundColor(0);
+    ASSERT_EQ(oRotate.ApplyParam(oIn, oOut, ClVector(32, 24), 0.3, bResize, false), 0);
+    double dX = 0, dY = 0, dCount = 0;
+    for (int y = 0; y < oOut.Height(); ++y) {
+      for (int x = 0; x < oOut.Width(); ++x) {
+        if (oOut.Row<unsigned char>(y)[x] == 255) dX += x, dY += y, ++dCount;
+      }
+    }
+    const ClVector oThere = oRotate.Transform({20, 30}), oBack = oRotate.TransformInverse(oThere);
+    EXPECT_NEAR(oThere.x, dX / dCount, 1.5) << bResize;
+    EXPECT_NEAR(oThere.y, dY / dCount, 1.5) << bResize;
+    EXPECT_TRUE(oBack.IsNear({20, 30}));
+  }
+}
+
+TEST(Rotate, PlanesTurnAboutTheSamePointAndAnAngleOfNothingCopiesAnyType) {
+  std::mt19937 oRandom(35);
+  ClImage oIn, oOut, oPlane, oOfPlane, oTurned;
+  SetRandom<uint8_t>(oIn, 13, 9, oRandom, 3);
+  ClIpRotate oRotate;
+  ASSERT_EQ(oRotate.ApplyParam(oIn, oOut, ClVector(2, 7), 0.8, true, true), 0);
+  for (int k = 0; k < 3; ++k) {
+    oIn.GetPlane(k, oPlane);
+    ASSERT_EQ(ClIpRotate().ApplyParam(oPlane, oTurned, ClVector(2, 7), 0.8, true, true), 0);
+    oOut.GetPlane(k, oOfPlane);
+    EXPECT_EQ(Samples<uint8_t>(oOfPlane), Samples<uint8_t>(oTurned)) << k;
+  }
+  SetRandom<double>(oIn, 5, 2, oRandom);
+  ASSERT_EQ(oRotate.ApplyParam(oIn, oOut, ClVector(1, 1), 0, true, true), 0);
+  EXPECT_EQ(Samples<double>(oOut), Samples<double>(oIn));
+}
+
+TEST(Rotate, ErrorsHaveTheirNumbers) {
+  ClImage oIn, oWide, oOut;
+  SetImage<uint8_t>(oIn, 2, 1, {1, 2});
+  SetImage<uint16_t>(oWide, 2, 1, {1, 2});
+  ClIpRotate oRotate;
+  const auto Apply = [&](ClImage& oFrom, ClImage& oTo, ClVector oCentre, double dAngle) {
+    return oRotate.ApplyParam(oFrom, oTo, oCentre, dAngle, false, false);
+  };
+  EXPECT_EQ(oRotate.Apply(), -10);
+  EXPECT_EQ(Apply(oOut, oIn, {}, 1), -10) << "an empty input";
+  EXPECT_EQ(Apply(oIn, oIn, {}, 1), -10);
+  EXPECT_EQ(Apply(oIn, oOut, {}, NAN), -35);
+  EXPECT_EQ(Apply(oIn, oOut, {0, INFINITY}, 1), -35);
+  EXPECT_EQ(RaisedNumber([&] { Apply(oWide, oOut, {}, 1); }), -101);
+  char szText[20];
+  oRotate.ApplyParam(oIn, oOut, {}, -0.5, true, false);
+  oRotate.ParameterString(szText, sizeof(szText));
+  EXPECT_STREQ(szText, "-0.500rad Resize");
+  EXPECT_EQ(RaisedNumber([&] { oRotate.ParameterString(szText, 16); }), -101);
 }
 
 TEST(Flip, ATypeChangeConvertsWithoutMirroringTheRows) {
