@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <iterator>
 #include <numeric>
 
 #include "MXKernels/PointRows.h"
@@ -81,33 +83,104 @@ double ClHistogram::GetUniformity() const {
 double ClHistogram::GetAverageDeviation() const {
   const double dTotal = static_cast<double>(Total());
   if (dTotal == 0.0) return 0.0;
-  const double dMean = GetGreyMid(0, 255) + m_nOffset;
+  const double dMean = MeanBin(0, 255);
   double dSum = 0.0;
   for (int i = 0; i < 256; ++i) dSum += std::fabs(i - dMean) * m_aCounts[i];
   return dSum / dTotal;
 }
 
-double ClHistogram::GetGreyMid(unsigned char nPos1, unsigned char nPos2) const {
-  int64_t nWeighted = 0, nSum = 0;
-  for (int i = nPos1; i <= nPos2; ++i) {
-    nWeighted += int64_t{i} * m_aCounts[i];
-    nSum += m_aCounts[i];
+bool ClHistogram::SumBins(int nFirst, int nLast, int64_t& rnSum, int64_t& rnWeighted) const {
+  rnSum = rnWeighted = 0;
+  for (int i = nFirst; i <= nLast; ++i) {
+    rnWeighted += int64_t{i} * m_aCounts[i];
+    rnSum += m_aCounts[i];
   }
-  const int nMiddle = (nPos1 + nPos2) / 2;
-  if (nSum == 0) return nMiddle;
-  return static_cast<double>(nWeighted) / static_cast<double>(nSum) - m_nOffset;
+  return rnSum != 0;
 }
 
-double ClHistogram::GetStdDeviation(unsigned char nPos1, unsigned char nPos2) const {
-  const double dMean = GetGreyMid(nPos1, nPos2);
+/// The mean with the shift; the middle of the range, truncated, when its bins are empty.
+double ClHistogram::MeanBin(int nFirst, int nLast) const {
+  int64_t nSum, nWeighted;
+  const int nMiddle = (nFirst + nLast) / 2;
+  return SumBins(nFirst, nLast, nSum, nWeighted) ? static_cast<double>(nWeighted) / static_cast<double>(nSum)
+                                                 : nMiddle;
+}
+
+double ClHistogram::DeviationFrom(double dMean, int nFirst, int nLast) const {
   double dSquares = 0.0;
   int64_t nSum = 0;
-  for (int i = nPos1; i <= nPos2; ++i) {
+  for (int i = nFirst; i <= nLast; ++i) {
     dSquares += (i - dMean) * (i - dMean) * m_aCounts[i];
     nSum += m_aCounts[i];
   }
-  if (nSum < 2) return -m_nOffset;
-  return std::sqrt(dSquares / static_cast<double>(nSum - 1)) - m_nOffset;
+  return nSum < 2 ? 0.0 : std::sqrt(dSquares / static_cast<double>(nSum - 1));
+}
+
+double ClHistogram::GetGreyMid(unsigned char nPos1, unsigned char nPos2) const {
+  int64_t nSum, nWeighted;
+  return MeanBin(nPos1, nPos2) - (SumBins(nPos1, nPos2, nSum, nWeighted) ? m_nOffset : 0);
+}
+
+double ClHistogram::GetStdDeviation(unsigned char nPos1, unsigned char nPos2) const {
+  return DeviationFrom(GetGreyMid(nPos1, nPos2), nPos1, nPos2) - m_nOffset;
+}
+
+void ClHistogram::CheckRange(const char* szOperation, unsigned char nPos1, unsigned char nPos2) {
+  if (nPos2 >= nPos1) return;
+  char szText[128];
+  std::snprintf(szText, sizeof(szText), "ClHistogram::%s(BYTE nPos1, BYTE nPos2): nPos2 >= nPos1 must given.",
+                szOperation);
+  KLV_RAISE(ClException, szText, -35);
+}
+
+int ClHistogram::GetMid(unsigned char nPos1, unsigned char nPos2) const {
+  CheckRange("GetMid", nPos1, nPos2);
+  int64_t nSum, nWeighted;
+  SumBins(nPos1, nPos2, nSum, nWeighted);
+  return static_cast<int>(nSum / (nPos2 - nPos1 + 1));
+}
+
+int ClHistogram::GetLocalMin(unsigned char nPos1, unsigned char nPos2) const {
+  CheckRange("GetLocalMin", nPos1, nPos2);
+  const auto* pFound = std::min_element(m_aCounts + nPos1, m_aCounts + nPos2 + 1);
+  return static_cast<int>(pFound - m_aCounts) - m_nOffset;
+}
+
+int ClHistogram::GetLocalMax(unsigned char nPos1, unsigned char nPos2) const {
+  CheckRange("GetLocalMax", nPos1, nPos2);
+  const auto* pFound = std::max_element(m_aCounts + nPos1, m_aCounts + nPos2 + 1);
+  return static_cast<int>(pFound - m_aCounts) - m_nOffset;
+}
+
+int ClHistogram::GetCentreOfMass(unsigned char nPos1, unsigned char nPos2) const {
+  CheckRange("GetCentreOfMass", nPos1, nPos2);
+  int64_t nSum, nWeighted;
+  if (!SumBins(nPos1, nPos2, nSum, nWeighted)) return (nPos1 + nPos2) / 2;
+  return static_cast<int>(nWeighted / nSum) - m_nOffset;
+}
+
+/// The bin, from one end on, whose samples bring the sum above the share of all samples.
+unsigned char ClHistogram::NoiseEnd(double dShare, int64_t nTotal, int nFirstBin, int nStep) const {
+  const int nLastBin = 255 - nFirstBin;
+  if (!(dShare < 1.0)) return static_cast<unsigned char>(nLastBin);
+  const auto nNoise = static_cast<int64_t>(std::max(dShare, -1.0) * static_cast<double>(nTotal));
+  int nBin = nFirstBin;
+  for (int64_t nSum = m_aCounts[nBin]; nSum <= nNoise && nBin != nLastBin; nSum += m_aCounts[nBin])
+    nBin += nStep;
+  return static_cast<unsigned char>(nBin);
+}
+
+void ClHistogram::GetNoiseFreeRange(double dLow, double dHigh, unsigned char& rnFirst,
+                                    unsigned char& rnLast) const {
+  const int64_t nTotal = Total();
+  rnFirst = nTotal == 0 ? 255 : NoiseEnd(dLow, nTotal, 0, 1);
+  rnLast = nTotal == 0 ? 0 : NoiseEnd(dHigh, nTotal, 255, -1);
+}
+
+void ClHistogram::GetRange(ClImage& oImage, double dLow, double dHigh, unsigned char& rnFirst,
+                           unsigned char& rnLast) {
+  Create(oImage);
+  GetNoiseFreeRange(dLow, dHigh, rnFirst, rnLast);
 }
 
 double ClHistogram::GetAverage(double dLow, double dHigh) const {

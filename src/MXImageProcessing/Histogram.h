@@ -10,7 +10,9 @@ class ClImage;
 ///
 /// Domain  one-plane images of 8-bit samples.
 /// Threads thread-bound.
-/// Errors  ClException -101 several planes, or an empty rectangle; -33 samples wider than 8 bits.
+/// Errors  ClException -101 several planes, or an empty rectangle; -33 samples wider than 8 bits; -35 a range
+///         of bins that ends before it begins, where the operation is one of GetMid to GetCentreOfMass or
+///         stands on GetMid.
 class ClHistogram {
  public:
   ClHistogram() { Reset(); }
@@ -46,11 +48,58 @@ class ClHistogram {
   double GetBrightestAvrg(unsigned int nCount) const;
   double GetDarkestAvrg(unsigned int nCount) const;
 
+  /// The bins that are left when the share dLow of the samples is taken off below and the share dHigh above;
+  /// a share of 1 takes all. No samples: 255 to 0.
+  void GetNoiseFreeRange(double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast) const;
+  /// The same of an image, whose histogram this becomes.
+  void GetRange(ClImage& oImage, double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast);
+
+  /// Mean count of the bins nPos1 to nPos2, truncated.
+  int GetMid(unsigned char nPos1, unsigned char nPos2) const;
+  /// The first of the smallest or largest bins of the range, less the shift.
+  int GetLocalMin(unsigned char nPos1, unsigned char nPos2) const;
+  int GetLocalMax(unsigned char nPos1, unsigned char nPos2) const;
+  /// Mean bin of the range, weighted by the counts, truncated, less the shift. Empty bins: the middle of the
+  /// range with the shift.
+  int GetCentreOfMass(unsigned char nPos1, unsigned char nPos2) const;
+
+  /// Each bin becomes the truncated mean of the nWidth / 2 bins on either side and itself, as far as there are
+  /// any. Without a width: by 3 bins, twice.
+  void LowPass();
+  void LowPass(int nWidth);
+  /// pOut[i], for i from nWidth to 255 - nWidth, is the mean over k from 1 to nWidth of the slopes between the
+  /// bins i - k and i + k; the rest of its 256 places stays as it is.
+  void CalcFirstDerivation(int nWidth, double* pOut) const;
+
+  /// Where a walk from nPos ends that goes uphill (downhill) while the mean of the nStep bins ahead is above
+  /// (below) that of the nStep bins behind; less the shift. Descend starts nStep bins from the ends at least.
+  int Climb(unsigned char nPos, unsigned char nStep) const;
+  int Descend(unsigned char nPos, unsigned char nStep) const;
+  /// Whether the counts, once they have begun to fall, rise no more below bin 240. The argument has no
+  /// meaning.
+  bool IsUnimodal(unsigned char nUnused) const;
+
+  /// The threshold between two clusters of grey values, less the shift: by the middle of their means, or where
+  /// the normal distribution of the upper one begins to outweigh that of the lower one.
+  int TwoMeansClustering(bool bGaussian) const;
+  /// One round of either: the clusters of the bins up to nThreshold and above it, and the next threshold, all
+  /// with the shift. The mean of an empty cluster is its middle.
+  unsigned int TwoMeansClustering(double& rdMean1, double& rdMean2, unsigned int nThreshold) const;
+  unsigned int TwoMeansClustering(double& rdMean1, double& rdDeviation1, double& rdMean2,
+                                  double& rdDeviation2, unsigned int nThreshold) const;
+
   int Count(unsigned char nBin) const { return m_aCounts[nBin]; }
   int Offset() const { return m_nOffset; }
 
  private:
+  static void CheckRange(const char* szOperation, unsigned char nPos1, unsigned char nPos2);
   int64_t Total() const;
+  bool SumBins(int nFirst, int nLast, int64_t& rnSum, int64_t& rnWeighted) const;
+  double MeanBin(int nFirst, int nLast) const;
+  double DeviationFrom(double dMean, int nFirst, int nLast) const;
+  unsigned char NoiseEnd(double dShare, int64_t nTotal, int nFirstBin, int nStep) const;
+  int Slope(int nPos, int nStep) const;
+  int Walk(int nPos, int nStep, int nSense) const;
   double ExtremeAverage(unsigned int nCount, int nFirstBin, int nStep) const;
 
   int32_t m_aCounts[256];

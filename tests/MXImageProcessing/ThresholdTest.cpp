@@ -1,5 +1,6 @@
 // Tests of the histogram, the global threshold and the labeller.
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 #include "MXImageProcessing/Histogram.h"
@@ -90,6 +91,131 @@ TEST(Histogram, MeansAndDeviationsAreThoseOfTheSamples) {
   EXPECT_DOUBLE_EQ(oHistogram.GetAverage(0.0, 1.0), 5.0);
 }
 
+TEST(Histogram, RangesOfBinsGiveWhatCountingOneByOneGives) {
+  std::mt19937 oRandom(22);
+  ClHistogram oHistogram;
+  for (int n = 0; n < 40; ++n) {
+    ClImage oImage;
+    if (n % 2 == 0) SetRandom<uint8_t>(oImage, 13, 31, oRandom);
+    if (n % 2 == 1) SetRandom<int8_t>(oImage, 40, 7, oRandom);
+    oHistogram.Create(oImage);
+    const int nFirst = static_cast<int>(oRandom() % 256);
+    const int nLast = nFirst + static_cast<int>(oRandom() % static_cast<unsigned>(256 - nFirst));
+    const auto nPos1 = static_cast<uint8_t>(nFirst), nPos2 = static_cast<uint8_t>(nLast);
+    int nSum = 0, nWeighted = 0, nMin = nFirst, nMax = nFirst;
+    const auto CountAt = [&](int i) { return oHistogram.Count(static_cast<uint8_t>(i)); };
+    for (int i = nFirst; i <= nLast; ++i) {
+      nSum += CountAt(i);
+      nWeighted += i * CountAt(i);
+      if (CountAt(i) < CountAt(nMin)) nMin = i;
+      if (CountAt(i) > CountAt(nMax)) nMax = i;
+    }
+    const int nShift = oHistogram.Offset();
+    EXPECT_EQ(oHistogram.GetMid(nPos1, nPos2), nSum / (nLast - nFirst + 1));
+    EXPECT_EQ(oHistogram.GetLocalMin(nPos1, nPos2), nMin - nShift);
+    EXPECT_EQ(oHistogram.GetLocalMax(nPos1, nPos2), nMax - nShift);
+    EXPECT_EQ(oHistogram.GetCentreOfMass(nPos1, nPos2),
+              nSum > 0 ? nWeighted / nSum - nShift : (nFirst + nLast) / 2);
+    double aSlopes[256];
+    const int nWidth = 1 + n;
+    oHistogram.CalcFirstDerivation(nWidth, aSlopes);
+    std::vector<int> aMeans;
+    for (int i = 0; i < 256; ++i) {
+      int nBins = 0, nTotal = 0;
+      for (int k = std::max(0, i - nWidth / 2); k <= std::min(255, i + nWidth / 2); ++k, ++nBins)
+        nTotal += CountAt(k);
+      aMeans.push_back(nTotal / nBins);
+      if (i < nWidth || i > 255 - nWidth) continue;
+      double dSlopes = 0;
+      for (int k = 1; k <= nWidth; ++k) dSlopes += (CountAt(i + k) - CountAt(i - k)) * 0.5 / k;
+      ASSERT_NEAR(aSlopes[i], dSlopes / nWidth, 1e-12);
+    }
+    oHistogram.LowPass(nWidth);
+    for (int i = 0; i < 256; ++i) ASSERT_EQ(CountAt(i), aMeans[static_cast<size_t>(i)]) << nWidth;
+  }
+}
+
+TEST(Histogram, SmoothingWithoutAWidthAveragesThreeBinsTwice) {
+  ClImage oImage;
+  SetImage<uint8_t>(oImage, 9, 3, std::vector<uint8_t>(27, 1));
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  oHistogram.LowPass();
+  // 0 27 0 0 0 becomes 13 9 9 0 0 and then (13 + 9) / 2, 31 / 3, 18 / 3, 9 / 3, 0.
+  constexpr int aExpected[] = {11, 10, 6, 3, 0};
+  for (uint8_t i = 0; i < 5; ++i) EXPECT_EQ(oHistogram.Count(i), aExpected[i]);
+}
+
+TEST(Histogram, TheNoiseFreeRangeCountsEachShareFromItsOwnEnd) {
+  ClImage oImage;
+  SetImage<int8_t>(oImage, 10, 1, {-3, -2, -2, 5, 5, 5, 5, 5, 9, 11});
+  ClHistogram oHistogram;
+  unsigned char nFirst, nLast;
+  oHistogram.GetRange(oImage, 0.0, 0.0, nFirst, nLast);
+  EXPECT_EQ(std::make_pair(int{nFirst}, int{nLast}), std::make_pair(125, 139));
+  oHistogram.GetNoiseFreeRange(0.1, 0.2, nFirst, nLast);
+  EXPECT_EQ(std::make_pair(int{nFirst}, int{nLast}), std::make_pair(126, 133));
+  oHistogram.GetNoiseFreeRange(1.0, 1.0, nFirst, nLast);
+  EXPECT_EQ(std::make_pair(int{nFirst}, int{nLast}), std::make_pair(255, 0));
+  ClHistogram().GetNoiseFreeRange(0.1, 0.1, nFirst, nLast);
+  EXPECT_EQ(std::make_pair(int{nFirst}, int{nLast}), std::make_pair(255, 0));
+}
+
+TEST(Histogram, WalksEndOnTheHillAndInTheValley) {
+  // A ramp up to 60, down to 120, up to 255: bin i holds 3 * |i - foot| samples.
+  std::vector<uint8_t> aSamples;
+  const auto HeightAt = [](int i) { return 3 * (i <= 60 ? i : i <= 120 ? 120 - i : i - 120); };
+  for (int i = 0; i < 256; ++i)
+    aSamples.insert(aSamples.end(), static_cast<size_t>(HeightAt(i)), static_cast<uint8_t>(i));
+  ClImage oImage;
+  SetImage(oImage, static_cast<int>(aSamples.size()), 1, aSamples);
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.Climb(20, 4), 60);
+  EXPECT_EQ(oHistogram.Climb(0, 4), 60);
+  EXPECT_EQ(oHistogram.Climb(100, 4), 60);
+  EXPECT_EQ(oHistogram.Climb(200, 4), 255);
+  EXPECT_EQ(oHistogram.Descend(80, 4), 120);
+  EXPECT_EQ(oHistogram.Descend(255, 4), 120);
+  EXPECT_EQ(oHistogram.Descend(1, 4), 0);
+  EXPECT_FALSE(oHistogram.IsUnimodal(0));
+  SetImage(oImage, 4, 1, std::vector<uint8_t>{100, 101, 101, 102});
+  oHistogram.Create(oImage);
+  EXPECT_TRUE(oHistogram.IsUnimodal(0));
+}
+
+TEST(Histogram, TwoClustersAreParted) {
+  ClImage oImage;
+  // Means 15 and 210 part at 112.5, rounded up; the lower cluster is the wider one.
+  SetImage<uint8_t>(oImage, 8, 1, {0, 10, 20, 30, 208, 210, 210, 212});
+  ClHistogram oHistogram;
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.TwoMeansClustering(false), 113);
+  double dMean1, dDeviation1, dMean2, dDeviation2;
+  EXPECT_EQ(oHistogram.TwoMeansClustering(dMean1, dMean2, 100), 113U);
+  EXPECT_EQ(std::make_pair(dMean1, dMean2), std::make_pair(15.0, 210.0));
+  const auto nLevel = oHistogram.TwoMeansClustering(dMean1, dDeviation1, dMean2, dDeviation2, 100);
+  EXPECT_DOUBLE_EQ(dDeviation1, std::sqrt(500.0 / 3));
+  EXPECT_DOUBLE_EQ(dDeviation2, std::sqrt(8.0 / 3));
+  EXPECT_EQ(oHistogram.TwoMeansClustering(true), static_cast<int>(nLevel));
+  const auto DensityAt = [](double dX, double dMean, double dDeviation) {
+    return std::exp(-0.5 * std::pow((dX - dMean) / dDeviation, 2)) / (dDeviation * dDeviation);
+  };
+  EXPECT_GT(DensityAt(nLevel, dMean2, dDeviation2), DensityAt(nLevel, dMean1, dDeviation1));
+  EXPECT_LE(DensityAt(nLevel - 1, dMean2, dDeviation2), DensityAt(nLevel - 1, dMean1, dDeviation1));
+  // A signed image gives the same threshold, less the shift.
+  SetImage<int8_t>(oImage, 8, 1, {-128, -118, -108, -98, 80, 82, 82, 84});
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.TwoMeansClustering(false), 113 - 128);
+  SetImage(oImage, 3, 1, std::vector<uint8_t>(3, 255));
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.TwoMeansClustering(false), 255);
+  // All in one bin: the middle of the empty upper cluster moves up to 237, where the middle of both stays.
+  SetImage(oImage, 3, 1, std::vector<uint8_t>(3, 200));
+  oHistogram.Create(oImage);
+  EXPECT_EQ(oHistogram.TwoMeansClustering(false), 219);
+}
+
 TEST(Histogram, AnEmptyOneDividesByNothing) {
   const ClHistogram oHistogram;
   EXPECT_EQ(oHistogram.FirstValue(), 255);
@@ -112,6 +238,18 @@ TEST(Histogram, ErrorsHaveTheirNumbers) {
   oHistogram.Create(oGrey);
   EXPECT_EQ(RaisedNumber([&] { oHistogram.GetBrightestAvrg(3); }), -44);
   EXPECT_EQ(RaisedNumber([&] { oHistogram.GetDarkestAvrg(3); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.GetMid(3, 2); }), -35);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.GetLocalMin(3, 2); }), -35);
+  EXPECT_EQ(RaisedNumber([&] { oHistogram.GetLocalMax(3, 2); }), -35);
+  try {
+    oHistogram.GetCentreOfMass(3, 2);
+    ADD_FAILURE();
+  } catch (const ClException& oFailure) {
+    EXPECT_NE(std::strstr(oFailure.What(),
+                          "ClHistogram::GetCentreOfMass(BYTE nPos1, BYTE nPos2): nPos2 >= "
+                          "nPos1 must given."),
+              nullptr);
+  }
 }
 
 template <typename T>
