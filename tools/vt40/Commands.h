@@ -15,7 +15,10 @@ struct StCaptureOptions {
   std::string sMode = "preview";
   std::string sFolder = "out";
   std::string sFormat = "png";
-  unsigned int nFrames = 5;  ///< frames of the stream to see before the capture
+  unsigned int nFrames = 5;    ///< frames of the stream to see before the capture
+  unsigned int nCount = 1;     ///< automatic captures in a row
+  unsigned int nTimeout = 60;  ///< seconds to wait for each of them
+  double dMinScore = 50.0;     ///< liveness score from which a finger counts as living
 };
 
 int RunList(const StCommonOptions& oCommon);

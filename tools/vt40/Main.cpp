@@ -52,8 +52,10 @@ void AddCapture(CLI::App& oApp, StCommandLine& oLine) {
                                   [&oLine] { return RunCapture(oLine.oCommon, oLine.oCapture); });
   StCaptureOptions& oCapture = oLine.oCapture;
   pCapture
-      ->add_option("--mode", oCapture.sMode, "off: one shot; preview: preview, then a capture; full: stream")
-      ->check(CLI::IsMember({"off", "preview", "full"}))
+      ->add_option("--mode", oCapture.sMode,
+                   "off: one shot; preview: preview, then a capture; full: stream; auto: when fingers lie "
+                   "still; auto-live: the same with a liveness score")
+      ->check(CLI::IsMember({"off", "preview", "full", "auto", "auto-live"}))
       ->capture_default_str();
   pCapture->add_option("--out", oCapture.sFolder, "Folder for the pictures")->capture_default_str();
   pCapture->add_option("--format", oCapture.sFormat, "Format of the pictures")
@@ -61,6 +63,15 @@ void AddCapture(CLI::App& oApp, StCommandLine& oLine) {
       ->capture_default_str();
   pCapture->add_option("--frames", oCapture.nFrames, "Images of the stream to wait for")
       ->check(CLI::Range(1, 100000))
+      ->capture_default_str();
+  pCapture->add_option("--count", oCapture.nCount, "Automatic captures in a row, fingers lifted in between")
+      ->check(CLI::Range(1, 10000))
+      ->capture_default_str();
+  pCapture->add_option("--timeout", oCapture.nTimeout, "Seconds to wait for each automatic capture")
+      ->check(CLI::Range(1, 86400))
+      ->capture_default_str();
+  pCapture->add_option("--min-score", oCapture.dMinScore, "Liveness score below which auto-live ends with 1")
+      ->check(CLI::Range(0.0, 100.0))
       ->capture_default_str();
 }
 

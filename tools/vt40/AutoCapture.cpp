@@ -1,0 +1,173 @@
+// How the tool waits for the scanner's own decision, and what it tells meanwhile.
+#include "AutoCapture.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include "KelvarinLiveScannerVT40.h"
+#include "Progress.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// The scanner's own limits, so that what is told is why it waits.
+constexpr size_t cnMinFingerPixels = 1000;
+constexpr size_t cnLargeFingerPixels = 5000;
+constexpr uint64_t cnStillMotion = 99999999;
+
+/// What one preview shows.
+struct StObservation {
+  const char* szState;
+  const char* szReason;  ///< why there is no capture; empty when there is one
+  size_t nFingerPixels = 0;
+  uint64_t nMotion = 0;
+};
+
+/// Compares each preview with the one before it.
+class ClObserver {
+ public:
+  StObservation Observe(const ClPicture& oPreview, const StDelivery& oDelivery, bool bTaken) {
+    StObservation oSeen{"hold still", "the fingers have just come to rest"};
+    // Outside the fingers the preview is white.
+    oSeen.nFingerPixels =
+        oPreview.aPixels.size() -
+        static_cast<size_t>(std::count(oPreview.aPixels.begin(), oPreview.aPixels.end(), 255));
+    for (size_t n = 0; n < m_aPrevious.size(); ++n) {
+      const int nDifference = oPreview.aPixels[n] - m_aPrevious[n];
+      oSeen.nMotion += static_cast<uint64_t>(nDifference * nDifference);
+    }
+    m_aPrevious = oPreview.aPixels;
+    Judge(oSeen, oDelivery.bDone, bTaken);
+    m_nPreviousPixels = oSeen.nFingerPixels;
+    return oSeen;
+  }
+
+ private:
+  void Judge(StObservation& oSeen, bool bDone, bool bTaken) const {
+    const size_t nTenth = m_nPreviousPixels / 10;
+    const bool bSteady =
+        oSeen.nFingerPixels > cnLargeFingerPixels || (oSeen.nFingerPixels + nTenth > m_nPreviousPixels &&
+                                                      oSeen.nFingerPixels < m_nPreviousPixels + nTenth);
+    if (bDone) {
+      oSeen.szState = bTaken ? "lift" : "done";
+      oSeen.szReason = bTaken ? "these fingers are captured; lift them" : "";
+    } else if (oSeen.nFingerPixels <= cnMinFingerPixels) {
+      oSeen.szState = "no finger";
+      oSeen.szReason = "nothing lies on the platen";
+    } else if (oSeen.nMotion > cnStillMotion) {
+      oSeen.szState = "finger";
+      oSeen.szReason = "the fingers move";
+    } else if (!bSteady) {
+      oSeen.szState = "finger";
+      oSeen.szReason = "the area of the fingers changes";
+    }
+  }
+
+  std::vector<unsigned char> m_aPrevious;
+  size_t m_nPreviousPixels = 0;
+};
+
+std::string ProgressLine(const StObservation& oSeen, unsigned int nFrame, unsigned int nCondition) {
+  return std::string(oSeen.szState) + ", frame " + std::to_string(nFrame) + ", finger pixels " +
+         std::to_string(oSeen.nFingerPixels) + ", dirt " + std::to_string(nCondition);
+}
+
+/// One run: what was seen and what was taken so far.
+class ClAutoRun {
+ public:
+  ClAutoRun(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult)
+      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult) {
+    m_oResult.Facts()["captures"] = nlohmann::json::array();
+    m_oResult.Facts()["frames"] = nlohmann::json::array();
+  }
+
+  /// True while captures are wanted and fetched in time.
+  bool Next() {
+    if (m_nCaptures == m_oOptions.nCount || !m_bFetched) return false;
+    if (Clock::now() < m_tEnd) return true;
+    m_oResult.SetVerdict(eExitTimeout, "no capture within " + std::to_string(m_oOptions.nTimeout) +
+                                           " seconds (" + std::to_string(m_nCaptures) + " of " +
+                                           std::to_string(m_oOptions.nCount) + " taken); see --timeout");
+    return false;
+  }
+
+  void Step() {
+    const StDelivery oSeenAs = m_oScanner.GetPreview(m_oPreview);
+    const StObservation oSeen = m_oObserver.Observe(m_oPreview, oSeenAs, m_bTaken);
+    const unsigned int nCondition = m_oScanner.Condition();
+    ++m_nFrame;
+    m_oProgress.Show(ProgressLine(oSeen, m_nFrame, nCondition));
+    m_oResult.Facts()["frames"].push_back({{"frame", m_nFrame},
+                                           {"state", oSeen.szState},
+                                           {"fingerPixels", oSeen.nFingerPixels},
+                                           {"motion", oSeen.nMotion},
+                                           {"reason", oSeen.szReason}});
+    // The scanner goes on telling "done" until the fingers are lifted.
+    if (oSeenAs.bDone && !m_bTaken) Fetch(nCondition);
+    m_bTaken = oSeenAs.bDone;
+  }
+
+  double LowestScore() const { return m_dLowestScore; }
+
+ private:
+  void Fetch(unsigned int nCondition) {
+    const StDelivery oDelivery = m_oScanner.GetImage(m_oPicture);
+    ++m_nCaptures;
+    m_bFetched = oDelivery.bDone;
+    m_dLowestScore = std::min(m_dLowestScore, oDelivery.dScore);
+    m_oResult.SetDelivery(oDelivery);
+    m_oResult.Add(m_oPreview, Name("preview"));
+    m_oResult.Add(m_oPicture, Name("full"));
+    m_oResult.Facts()["captures"].push_back({{"frame", m_nFrame},
+                                             {"done", oDelivery.bDone},
+                                             {"score", oDelivery.dScore},
+                                             {"condition", nCondition}});
+    if (!m_bFetched)
+      m_oResult.SetVerdict(eExitNegative, "the fingers were gone before the picture was fetched");
+    m_tEnd = Deadline();
+  }
+
+  /// "preview" and "full" for a single capture, numbered names for several.
+  std::string Name(const char* szName) const {
+    return m_oOptions.nCount == 1 ? szName : std::string(szName) + "-" + std::to_string(m_nCaptures);
+  }
+
+  Clock::time_point Deadline() const { return Clock::now() + std::chrono::seconds(m_oOptions.nTimeout); }
+
+  ClScanner& m_oScanner;
+  const StCaptureOptions& m_oOptions;
+  ClCaptureResult& m_oResult;
+  ClProgress m_oProgress;
+  ClObserver m_oObserver;
+  ClPicture m_oPreview;
+  ClPicture m_oPicture;
+  bool m_bTaken = false;
+  bool m_bFetched = true;
+  unsigned int m_nFrame = 0;
+  unsigned int m_nCaptures = 0;
+  double m_dLowestScore = 100.0;
+  Clock::time_point m_tEnd = Deadline();
+};
+
+std::string ScoreText(double dScore) {
+  char szText[32];
+  std::snprintf(szText, sizeof(szText), "%.1f", dScore);
+  return szText;
+}
+
+}  // namespace
+
+void CaptureAutomatically(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult) {
+  const bool bLive = oOptions.sMode == "auto-live";
+  ClAutoRun oRun(oScanner, oOptions, oResult);
+  oScanner.SetMode(bLive ? KLV_VT40_CAPTURE_MODE_AUTO_LIVE : KLV_VT40_CAPTURE_MODE_AUTO);
+  while (oRun.Next()) oRun.Step();
+  if (bLive && oRun.LowestScore() < oOptions.dMinScore) {
+    oResult.SetVerdict(eExitNegative, "liveness score " + ScoreText(oRun.LowestScore()) + " is below " +
+                                          ScoreText(oOptions.dMinScore) + "; see --min-score");
+  }
+}
