@@ -8,6 +8,8 @@
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXKernels/RankRows.h"
+#include "MXKernels/RollRows.h"
+#include "MXKernels/RunRows.h"
 #include "MXKernels/WarpRow.h"
 
 /// The contracts are those of the functions of the same names in MXKernels.
@@ -28,6 +30,9 @@ void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexce
 void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
                   uint16_t nLimit) noexcept;
 
+void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept;
+void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept;
+
 void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
 void AddToColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
 void TakeFromColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
@@ -44,6 +49,8 @@ void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount)
 void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
 void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
 void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
+
+void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept;
 
 void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept;
 void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept;

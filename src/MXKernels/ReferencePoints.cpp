@@ -127,5 +127,15 @@ void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, siz
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::abs(pIn[i] - pMean[i]) > nLimit ? 255 : 0;
 }
 
+void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pInOut[i] = static_cast<uint8_t>((pIn[i] * pWeight[i] + pInOut[i] * (255 - pWeight[i])) / 255);
+  }
+}
+
+void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] < pLimit[i] ? 255 : 0;
+}
+
 }  // namespace Reference
 }  // namespace MXKernels

@@ -1,0 +1,104 @@
+// Vector variants of the kernels that put rolled prints together, and those that have no other form.
+#include "MXKernels/RollRows.h"
+
+#include "KernelTargets.h"
+#include "MXKernels/Level.h"
+#include "MXKernels/Reference.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "RollRows.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#include "Elementwise-inl.h"
+
+#if MXKERNELS_VECTOR_TARGET
+HWY_BEFORE_NAMESPACE();
+namespace MXKernels {
+namespace HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Bytes = hn::ScalableTag<uint8_t>;
+
+struct RuleWeightedBlend {
+  const uint8_t* m_pIn;
+  const uint8_t* m_pWeight;
+  const uint8_t* m_pInOut;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const hn::Half<D> dHalf;
+    return hn::Combine(d, Share(dHalf, i + hn::Lanes(dHalf)), Share(dHalf, i));
+  }
+  template <class DHalf>
+  hn::Vec<DHalf> Share(DHalf dHalf, size_t i) const {
+    const hn::Rebind<uint16_t, DHalf> d16;
+    const auto vWeight = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pWeight + i));
+    const auto vSum = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + i)) * vWeight +
+                      hn::PromoteTo(d16, hn::LoadU(dHalf, m_pInOut + i)) * (hn::Set(d16, 255) - vWeight);
+    // (x + 1 + (x >> 8)) >> 8 is x / 255 truncated for every x up to 65534; a blend of bytes is 65025 at most.
+    const auto vOut = hn::ShiftRight<8>(vSum + hn::Set(d16, 1) + hn::ShiftRight<8>(vSum));
+    return hn::DemoteTo(dHalf, hn::BitCast(hn::Rebind<int16_t, DHalf>(), vOut));
+  }
+};
+
+void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleWeightedBlend{pIn, pWeight, pInOut}, pInOut, nCount)) {
+    Reference::WeightedBlendRow(pIn, pWeight, pInOut, nCount);
+  }
+}
+
+struct RuleBelow {
+  const uint8_t* m_pIn;
+  const uint8_t* m_pLimit;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const auto vIn = hn::LoadU(d, m_pIn + i);
+    // x86 has no unsigned comparison of bytes, but an unsigned maximum.
+    const auto bAtLeast = hn::Max(vIn, hn::LoadU(d, m_pLimit + i)) == vIn;
+    return hn::IfThenElse(bAtLeast, hn::Zero(d), hn::Set(d, 255));
+  }
+};
+
+void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
+  if (!ForEachVector(Bytes(), RuleBelow{pIn, pLimit}, pOut, nCount)) {
+    Reference::BelowRow(pIn, pLimit, pOut, nCount);
+  }
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace MXKernels
+HWY_AFTER_NAMESPACE();
+#endif
+
+#if HWY_ONCE
+namespace MXKernels {
+
+MXKERNELS_TABLE(WeightedBlendRow);
+MXKERNELS_TABLE(BelowRow);
+
+void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(WeightedBlendRow)(pIn, pWeight, pInOut, nCount);
+}
+
+void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
+  MXKERNELS_CALL(BelowRow)(pIn, pLimit, pOut, nCount);
+}
+
+size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
+  size_t nBelow = 0;
+  for (size_t i = 0; i < nCount; ++i) nBelow += (pA[i] < 255) & (pB[i] < 255);
+  return nBelow;
+}
+
+void SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint8_t* pFirstMask,
+                            const uint8_t* pSecondMask, size_t nCount, MaskedDifference& rTotal) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const unsigned nTakes = (pFirstMask[i] & pSecondMask[i]) == 255;
+    const int nDifference = pA[i] - pB[i];
+    rTotal.m_nSum += nTakes * static_cast<unsigned>(nDifference * nDifference);
+    rTotal.m_nCount += nTakes;
+  }
+}
+
+}  // namespace MXKernels
+#endif
