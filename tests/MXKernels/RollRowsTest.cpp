@@ -10,8 +10,8 @@ using Bytes = std::vector<uint8_t>;
 TEST(RollRows, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Bytes aIn = oSamples.Row<uint8_t>(nCount), aWeight = oSamples.Row<uint8_t>(nCount);
-    const Bytes aStart = oSamples.Row<uint8_t>(nCount);
-    TpGuardedRow<uint8_t> oBlend(aStart), oExpected(aStart), oBelow(nCount), oExpectedBelow(nCount);
+    TpGuardedRow<uint8_t> oBlend(oSamples.Row<uint8_t>(nCount)), oBelow(nCount), oExpectedBelow(nCount);
+    TpGuardedRow<uint8_t> oExpected = oBlend;
     WeightedBlendRow(aIn.data(), aWeight.data(), oBlend.Data(), nCount);
     Reference::WeightedBlendRow(aIn.data(), aWeight.data(), oExpected.Data(), nCount);
     ExpectSameAndGuarded(oBlend, oExpected);
