@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "KelvarinVTScanAPI/FaultScript.h"
 #include "KelvarinVTScanAPI/Scanner.h"
+#include "boundary/FaultScript.h"
 
 namespace Simulator {
 

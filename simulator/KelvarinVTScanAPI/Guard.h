@@ -1,42 +1,12 @@
-// What every exported function has around it: nothing but numbers leaves the library.
+// What every function of the scan library has around it: the fault script comes first.
 #pragma once
 
-#include <cstring>
-#include <new>
-#include <string>
-
 #include "KelvarinVTScanAPI/Bus.h"
-#include "scene/SimError.h"
+#include "boundary/Boundary.h"
 
 namespace Simulator {
 
-/// Keeps the reason of this thread's last failure.
-void SetLastError(const char* szText) noexcept;
-const char* GetLastErrorText() noexcept;
-
-/// Runs an operation and answers its number: 0, or that of what it threw.
-template <class F>
-long Guarded(F&& fnOperation) noexcept {
-  try {
-    SetLastError("");
-    fnOperation();
-    return 0;
-  } catch (const ClSimError& oError) {
-    SetLastError(oError.what());
-    return oError.Number();
-  } catch (const std::bad_alloc&) {
-    SetLastError("out of memory");
-    return eOutOfMemory;
-  } catch (const std::exception& oError) {
-    SetLastError(oError.what());
-    return eInternal;
-  } catch (...) {
-    SetLastError("unknown failure");
-    return eInternal;
-  }
-}
-
-/// The same for a function of the scan library: the fault script comes first.
+/// Runs the operation of a function unless the fault script strikes.
 template <class F>
 long Called(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept {
   return Guarded([&] {
@@ -69,32 +39,6 @@ long CalledOn(const char* szFunction, void* hDevice, F&& fnOperation) noexcept {
     const ClBus::ClDevice oDevice = ClBus::Get().Device(hDevice);
     fnOperation(*oDevice.pScanner, oDevice.nSession);
   });
-}
-
-inline void NeedPointer(const void* pPointer) {
-  if (!pPointer) throw ClSimError(eBadPointer, "a pointer is NULL");
-}
-
-/// Hands out nCount elements through a buffer and a size, in: the room, out: the need.
-///
-/// Errors     -701 no size, or room without a buffer; -702 too little room.
-template <class T>
-void HandOut(const T* pData, size_t nCount, T* pBuffer, unsigned* pnSize) {
-  NeedPointer(pnSize);
-  const unsigned nRoom = *pnSize;
-  *pnSize = static_cast<unsigned>(nCount);
-  if (nRoom < nCount) throw ClSimError(eTooSmall, "room for " + std::to_string(nCount) + " is needed");
-  if (nCount == 0) return;
-  NeedPointer(pBuffer);
-  std::memcpy(pBuffer, pData, nCount * sizeof(T));
-}
-
-inline void HandOutText(const std::string& sText, char* pBuffer, unsigned* pnSize) {
-  HandOut(sText.c_str(), sText.size() + 1, pBuffer, pnSize);
-}
-
-inline void HandOutText(const std::wstring& sText, wchar_t* pBuffer, unsigned* pnSize) {
-  HandOut(sText.c_str(), sText.size() + 1, pBuffer, pnSize);
 }
 
 }  // namespace Simulator

@@ -2,6 +2,7 @@
 #include "KelvarinVTScanAPI/VTScanAPI.h"
 
 #include "KelvarinVTScanAPI/Guard.h"
+#include "boundary/ErrorText.h"
 
 using namespace Simulator;
 
@@ -185,6 +186,15 @@ long VTScanAPISetPropertyDoubleA(void* hDevice, const char* pszName, double) {
                     NeedPointer(pszName);
                     RefuseProperty(oScanner, nSession, pszName);
                   });
+}
+
+// The interface hands out writable pointers by its type; nobody may write through them.
+char* VTScanAPIGetErrorDescriptionA(long nError) {
+  return const_cast<char*>(ErrorText(nError));
+}
+
+wchar_t* VTScanAPIGetErrorDescriptionW(long nError) {
+  return const_cast<wchar_t*>(ErrorTextWide(nError));
 }
 
 }  // extern "C"

@@ -8,8 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "scene/SceneDescription.h"
-
 namespace Simulator {
 
 /// Threads    thread-safe.

@@ -1,6 +1,7 @@
-// The scan library's texts of its numbers.
-#include "KelvarinVTScanAPI/VTScanAPI.h"
+// The libraries' texts of their numbers.
+#include "boundary/ErrorText.h"
 
+namespace Simulator {
 namespace {
 
 struct ClText {
@@ -15,7 +16,7 @@ struct ClText {
 constexpr ClText g_caTexts[] = {
     VTSIM_TEXT(0, "No error."),
     VTSIM_TEXT(-2, "The library is not initialized."),
-    VTSIM_TEXT(-43, "The handle is no open device."),
+    VTSIM_TEXT(-43, "The handle is not valid."),
     VTSIM_TEXT(-44, "A parameter is invalid."),
     VTSIM_TEXT(-47, "The property can't be set."),
     VTSIM_TEXT(-50, "The call is not possible in the present state."),
@@ -39,14 +40,11 @@ const ClText& Find(long nNumber) {
 
 }  // namespace
 
-extern "C" {
-
-// The interface hands out writable pointers by its type; nobody may write through them.
-char* VTScanAPIGetErrorDescriptionA(long nError) {
-  return const_cast<char*>(Find(nError).szText);
+const char* ErrorText(long nNumber) noexcept {
+  return Find(nNumber).szText;
 }
-wchar_t* VTScanAPIGetErrorDescriptionW(long nError) {
-  return const_cast<wchar_t*>(Find(nError).wszText);
+const wchar_t* ErrorTextWide(long nNumber) noexcept {
+  return Find(nNumber).wszText;
 }
 
-}  // extern "C"
+}  // namespace Simulator

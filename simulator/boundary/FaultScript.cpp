@@ -1,5 +1,5 @@
 // Calls that are to fail, and the record of those that did.
-#include "KelvarinVTScanAPI/FaultScript.h"
+#include "boundary/FaultScript.h"
 
 #include <limits>
 

@@ -1,5 +1,5 @@
-// What every exported function has around it: nothing but numbers leaves the library.
-#include "KelvarinVTScanAPI/Guard.h"
+// What the exported functions of the simulated libraries share: nothing but numbers leaves a library.
+#include "boundary/Boundary.h"
 
 #include <cstdio>
 

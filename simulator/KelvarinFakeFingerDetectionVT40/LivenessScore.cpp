@@ -1,0 +1,103 @@
+// How far a picture looks like living skin: pores on its ridges against the ridges themselves.
+#include "KelvarinFakeFingerDetectionVT40/LivenessScore.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace Simulator {
+namespace {
+
+constexpr uint8_t g_cnInk = 160;       // the mask's ridges are darker
+constexpr int g_cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
+constexpr double g_cdLeastInk = 0.3;   // part of that window; less is the rim of a finger, or dirt
+constexpr double g_cdMostInk = 0.85;   // more is a smudge without ridges
+constexpr int g_cnPeriod = 8;          // reach of a mean over a ridge and a valley
+constexpr int g_cnPore = 2;            // reach of a mean that covers a pore
+constexpr double g_cdClear = 15.0;     // by which ridges and valleys stand out of that mean
+constexpr size_t g_cnLeastPlaces = 5000;
+// What living skin with many pores has; measured on the generated prints.
+constexpr double g_cdFullStrength = 0.03;
+
+/// Sums of rectangles in four look-ups. Sums wrap around; differences of small rectangles are right all the same.
+class ClSums {
+ public:
+  template <class F>
+  ClSums(int nWidth, int nHeight, F&& fnValue)
+      : m_nStride(static_cast<size_t>(nWidth) + 1), m_aSums(m_nStride * (static_cast<size_t>(nHeight) + 1)) {
+    for (int y = 0; y < nHeight; ++y) {
+      uint32_t nRow = 0;
+      uint32_t* pOut = &m_aSums[(static_cast<size_t>(y) + 1) * m_nStride + 1];
+      for (int x = 0; x < nWidth; ++x) {
+        nRow += fnValue(static_cast<size_t>(y) * static_cast<size_t>(nWidth) + static_cast<size_t>(x));
+        pOut[x] = pOut[static_cast<ptrdiff_t>(x) - static_cast<ptrdiff_t>(m_nStride)] + nRow;
+      }
+    }
+  }
+
+  double Mean(int nX, int nY, int nReach) const noexcept {
+    const size_t nSide = static_cast<size_t>(2 * nReach + 1);
+    const uint32_t* pTop =
+        &m_aSums[static_cast<size_t>(nY - nReach) * m_nStride + static_cast<size_t>(nX - nReach)];
+    const uint32_t* pLow = pTop + nSide * m_nStride;
+    return static_cast<double>(static_cast<uint32_t>(pLow[nSide] - pTop[nSide] - pLow[0] + pTop[0])) /
+           static_cast<double>(nSide * nSide);
+  }
+
+ private:
+  size_t m_nStride;
+  std::vector<uint32_t> m_aSums;
+};
+
+/// By how much a place is a hole (or, with nSign -1, a dot) against its neighbours on both sides, in the direction
+/// in which it is most: along a ridge these are alike.
+int Depth(const uint8_t* pPlace, const ptrdiff_t (&anStep)[4], int nSign) noexcept {
+  int nDepth = 0;
+  for (const ptrdiff_t nStep : anStep)
+    nDepth =
+        std::max(nDepth, std::min(nSign * (pPlace[nStep] - *pPlace), nSign * (pPlace[-nStep] - *pPlace)));
+  return nDepth;
+}
+
+}  // namespace
+
+ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, int nWidth, int nHeight) {
+  const ClSums oLight(nWidth, nHeight, [pImage](size_t n) { return static_cast<uint32_t>(pImage[n]); });
+  const ClSums oInk(nWidth, nHeight, [pMask](size_t n) { return pMask[n] < g_cnInk ? 1u : 0u; });
+  const ptrdiff_t nStride = nWidth;
+  const ptrdiff_t anStep[4] = {3, 3 * nStride, 2 * nStride + 2, 2 * nStride - 2};
+  ClLivenessMeasures o;
+  double dHoles = 0.0, dDots = 0.0, dRidges = 0.0;
+  size_t nCrests = 0, nValleys = 0;
+  for (int y = g_cnNeighbourhood; y < nHeight - g_cnNeighbourhood; ++y) {
+    const uint8_t* pRow = pImage + y * nStride;
+    for (int x = g_cnNeighbourhood; x < nWidth - g_cnNeighbourhood; ++x) {
+      const double dInk = oInk.Mean(x, y, g_cnNeighbourhood);
+      if (dInk < g_cdLeastInk || dInk > g_cdMostInk) continue;
+      const double dMean = oLight.Mean(x, y, g_cnPeriod), dHere = oLight.Mean(x, y, g_cnPore);
+      const double dFine = oLight.Mean(x, y, 1) - dMean;
+      dRidges += dFine * dFine;
+      ++o.nPixels;
+      if (dHere >= dMean + g_cdClear) {
+        dHoles += Depth(pRow + x, anStep, 1);
+        ++nCrests;
+      } else if (dHere < dMean - g_cdClear) {
+        dDots += Depth(pRow + x, anStep, -1);
+        ++nValleys;
+      }
+    }
+  }
+  if (nCrests == 0 || nValleys == 0) return o;
+  o.dHoles = dHoles / static_cast<double>(nCrests);
+  o.dDots = dDots / static_cast<double>(nValleys);
+  o.dRidges = std::sqrt(dRidges / static_cast<double>(o.nPixels));
+  return o;
+}
+
+double LivenessScore(const ClLivenessMeasures& oMeasures) noexcept {
+  if (oMeasures.nPixels < g_cnLeastPlaces || oMeasures.dRidges <= 0.0) return 0.0;
+  const double dStrength = (oMeasures.dHoles - oMeasures.dDots) / oMeasures.dRidges;
+  return 100.0 * std::clamp(dStrength / g_cdFullStrength, 0.0, 1.0);
+}
+
+}  // namespace Simulator
