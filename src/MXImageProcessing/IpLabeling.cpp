@@ -2,47 +2,31 @@
 #include "MXImageProcessing/IpLabeling.h"
 
 #include <algorithm>
-#include <cstring>
+#include <numeric>
 
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
+#include "MXKernels/RunRows.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
 
-constexpr uint64_t cnOnes = 0x0101010101010101U;
-
-uint64_t LoadWord(const uint8_t* p) {
-  uint64_t nWord;
-  std::memcpy(&nWord, p, sizeof(nWord));
-  return nWord;
+/// Calls fnPlace(x) for each bit x that is set in the words, from the lowest on.
+template <typename TPlace>
+void ForEachBit(uint64_t nWord, int32_t nFirst, const TPlace& fnPlace) {
+  for (; nWord != 0; nWord &= nWord - 1) fnPlace(nFirst + __builtin_ctzll(nWord));
 }
 
-bool HasNoZero(uint64_t nWord) {
-  return ((nWord - cnOnes) & ~nWord & (cnOnes << 7)) == 0;
-}
-
-/// Writes the places where runs of zeros begin and end, in turn, and returns their number, which is even.
-/// Room for nWidth + 2 of them is needed.
-int FindEdges(const uint8_t* pRow, int nWidth, int32_t* pEdges) {
-  int nEdges = 0;
-  bool bInRun = false;
-  // Taken without a branch: in noise no branch of it could be predicted.
-  const auto Look = [&](int x) {
-    const bool bObject = pRow[x] == 0;
-    pEdges[nEdges] = x;
-    nEdges += bObject != bInRun ? 1 : 0;
-    bInRun = bObject;
-  };
-  int x = 0;
-  for (; x + 8 <= nWidth; x += 8) {
-    const uint64_t nWord = LoadWord(pRow + x);
-    if (bInRun ? nWord == 0 : HasNoZero(nWord)) continue;
-    for (int k = 0; k < 8; ++k) Look(x + k);
+/// Labels [nBegin, nEnd) of a row. Short runs are written at full width, where there is room: what is written
+/// behind the end is written again by the runs that follow.
+void FillAndBeyond(int32_t* pRow, int nBegin, int nEnd, int nRowEnd, int32_t nLabel) {
+  constexpr int cnStep = 8;
+  if (nEnd - nBegin <= cnStep && nBegin + cnStep <= nRowEnd) {
+    std::fill_n(pRow + nBegin, cnStep, nLabel);
+  } else {
+    std::fill(pRow + nBegin, pRow + nEnd, nLabel);
   }
-  for (; x < nWidth; ++x) Look(x);
-  if (bInRun) pEdges[nEdges++] = nWidth;
-  return nEdges;
 }
 
 }  // namespace
@@ -60,6 +44,11 @@ void ClIpLabeling::PublishParameters(ClParameterContainer& oContainer) {
   PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
 }
 
+void ClIpLabeling::QueryParameters(ClParameterInterface& oInterface) {
+  oInterface.AddParameter(&m_pInImage, "InImage", "In: Original Image", ClParameterInterface::eIn, 0, 0);
+  oInterface.AddParameter(&m_pOutImage, "OutImage", "Out: Output Image", ClParameterInterface::eOut, 0, 0);
+}
+
 long ClIpLabeling::ApplyParam(ClImage& oIn, ClImage& oOut) {
   m_pInImage = &oIn;
   m_pOutImage = &oOut;
@@ -75,55 +64,79 @@ long ClIpLabeling::Process() {
                            oIn.AlignedRows());
   m_pOutImage->SetContent(oIn.Content());
   m_pOutImage->SetBlackWhite(oIn.Black(), oIn.White());
-  *m_pOutImage = 0;
   m_aRuns.Clear();
-  m_aEdges.SetEntries(static_cast<unsigned int>(oIn.Width()) + 2);
+  m_aLeaders.Clear();
+  m_aRowEnds.SetEntries(static_cast<unsigned int>(oIn.Height()));
+  m_aBits.SetEntries((static_cast<unsigned int>(oIn.Width()) + 63) / 64);
   unsigned int nAbove = 0;
   for (int y = 0; y < oIn.Height(); ++y) {
     const unsigned int nHere = m_aRuns.Entries();
-    FindRuns(y);
+    FindRuns(oIn.Row<uint8_t>(y), oIn.Width());
     JoinRows(nAbove, nHere);
     nAbove = nHere;
+    m_aRowEnds[static_cast<unsigned int>(y)] = m_aRuns.Entries();
   }
+  NumberSets();
   WriteLabels();
   return 0;
 }
 
-void ClIpLabeling::FindRuns(int nY) {
-  const int nEdges = FindEdges(m_pInImage->Row<uint8_t>(nY), m_pInImage->Width(), m_aEdges.Data());
+void ClIpLabeling::FindRuns(const uint8_t* pRow, int nWidth) {
+  MXKernels::ZeroBitsRow(pRow, m_aBits.Data(), static_cast<size_t>(nWidth));
   const unsigned int nFirst = m_aRuns.Entries();
-  const unsigned int nRuns = static_cast<unsigned int>(nEdges) / 2;
   // A noisy image has very many runs; fixed steps would copy the list over and over.
-  if (nFirst + nRuns > m_aRuns.Capacity()) m_aRuns.SetEntries(nFirst + nFirst / 2 + nRuns + 100);
-  m_aRuns.SetEntries(nFirst + nRuns);
-  const int32_t* pEdge = m_aEdges.Data();
-  for (unsigned int n = nFirst; n < nFirst + nRuns; ++n, pEdge += 2)
-    m_aRuns[n] = {pEdge[0], pEdge[1], nY, n, 0};
+  const unsigned int nMost = nFirst + static_cast<unsigned int>(nWidth) / 2 + 1;
+  if (nMost > m_aRuns.Capacity()) {
+    m_aRuns.SetEntries(nMost + nMost / 2);
+    m_aLeaders.SetEntries(nMost + nMost / 2);
+  }
+  ClLinePart* pBegins = m_aRuns.Data() + nFirst;
+  ClLinePart* pEnds = pBegins;
+  uint64_t nCarry = 0;
+  for (unsigned int w = 0; w < m_aBits.Entries(); ++w) {
+    const uint64_t nBits = m_aBits[w];
+    // A run begins, or ended one place before, where a bit differs from the one below it.
+    const uint64_t nChanges = nBits ^ (nBits << 1 | nCarry);
+    const auto nX = static_cast<int32_t>(64 * w);
+    ForEachBit(nChanges & nBits, nX, [&](int32_t x) { pBegins++->m_nBegin = x; });
+    ForEachBit(nChanges & ~nBits, nX, [&](int32_t x) { pEnds++->m_nEnd = x; });
+    nCarry = nBits >> 63;
+  }
+  if (pEnds != pBegins) pEnds->m_nEnd = nWidth;
+  const auto nEntries = static_cast<unsigned int>(pBegins - m_aRuns.Data());
+  m_aRuns.SetEntries(nEntries);
+  m_aLeaders.SetEntries(nEntries);
+  std::iota(m_aLeaders.Data() + nFirst, m_aLeaders.Data() + nEntries, nFirst);
 }
 
 /// Joins the runs [nAbove, nBelow) of one row with those from nBelow on where they share a column.
 void ClIpLabeling::JoinRows(unsigned int nAbove, unsigned int nBelow) {
-  const ClLinePart* pUpper = m_aRuns.Data() + nAbove;
-  const ClLinePart* pLower = m_aRuns.Data() + nBelow;
-  const ClLinePart* const pUpperEnd = pLower;
-  const ClLinePart* const pLowerEnd = m_aRuns.Data() + m_aRuns.Entries();
-  while (pUpper != pUpperEnd && pLower != pLowerEnd) {
-    if (pUpper->m_nBegin < pLower->m_nEnd && pLower->m_nBegin < pUpper->m_nEnd) {
-      Join(static_cast<uint32_t>(pUpper - m_aRuns.Data()), static_cast<uint32_t>(pLower - m_aRuns.Data()));
-    }
+  const unsigned int nEnd = m_aRuns.Entries();
+  m_aPairs.SetEntries(nEnd - nAbove + 1);
+  const ClLinePart* pRuns = m_aRuns.Data();
+  ClPair* pPair = m_aPairs.Data();
+  unsigned int nUpper = nAbove, nLower = nBelow;
+  // The pairs are gathered without a branch: in noise no branch of it could be predicted.
+  while (nUpper != nBelow && nLower != nEnd) {
+    const ClLinePart& oUpper = pRuns[nUpper];
+    const ClLinePart& oLower = pRuns[nLower];
+    *pPair = {nUpper, nLower};
+    pPair +=
+        static_cast<int>(oUpper.m_nBegin < oLower.m_nEnd) & static_cast<int>(oLower.m_nBegin < oUpper.m_nEnd);
     // The run that ends first meets nothing more.
-    const bool bUpperEndsFirst = pUpper->m_nEnd < pLower->m_nEnd;
-    pUpper += bUpperEndsFirst ? 1 : 0;
-    pLower += bUpperEndsFirst ? 0 : 1;
+    const bool bUpperEndsFirst = oUpper.m_nEnd < oLower.m_nEnd;
+    nUpper += bUpperEndsFirst ? 1 : 0;
+    nLower += bUpperEndsFirst ? 0 : 1;
   }
+  for (const ClPair* p = m_aPairs.Data(); p != pPair; ++p) Join(p->m_nUpper, p->m_nLower);
 }
 
 uint32_t ClIpLabeling::LeaderOf(uint32_t nRun) {
-  while (m_aRuns[nRun].m_nLeader != nRun) {
+  uint32_t* pLeaders = m_aLeaders.Data();
+  while (pLeaders[nRun] != nRun) {
     // Halves the path for the next search.
-    uint32_t& rnLeader = m_aRuns[nRun].m_nLeader;
-    rnLeader = m_aRuns[rnLeader].m_nLeader;
-    nRun = rnLeader;
+    pLeaders[nRun] = pLeaders[pLeaders[nRun]];
+    nRun = pLeaders[nRun];
   }
   return nRun;
 }
@@ -132,16 +145,32 @@ uint32_t ClIpLabeling::LeaderOf(uint32_t nRun) {
 void ClIpLabeling::Join(uint32_t nRunA, uint32_t nRunB) {
   const uint32_t nLeaderA = LeaderOf(nRunA);
   const uint32_t nLeaderB = LeaderOf(nRunB);
-  m_aRuns[std::max(nLeaderA, nLeaderB)].m_nLeader = std::min(nLeaderA, nLeaderB);
+  m_aLeaders[std::max(nLeaderA, nLeaderB)] = std::min(nLeaderA, nLeaderB);
+}
+
+/// Puts labels in the place of leaders.
+void ClIpLabeling::NumberSets() {
+  uint32_t* pLeaders = m_aLeaders.Data();
+  uint32_t nLabels = 0;
+  for (unsigned int n = 0; n < m_aLeaders.Entries(); ++n) {
+    // A run points at itself or at an earlier one of its set, which has its label by now.
+    pLeaders[n] = pLeaders[n] == n ? ++nLabels : pLeaders[pLeaders[n]];
+  }
+  m_nLabels = static_cast<int32_t>(nLabels);
 }
 
 void ClIpLabeling::WriteLabels() {
-  m_nLabels = 0;
-  for (unsigned int n = 0; n < m_aRuns.Entries(); ++n) {
-    ClLinePart& oRun = m_aRuns[n];
-    // A run points at an earlier one of its set, which has its label by now, or at itself.
-    oRun.m_nLabel = oRun.m_nLeader == n ? ++m_nLabels : m_aRuns[oRun.m_nLeader].m_nLabel;
-    int32_t* pLabels = m_pOutImage->Row<int32_t>(oRun.m_nY);
-    std::fill(pLabels + oRun.m_nBegin, pLabels + oRun.m_nEnd, oRun.m_nLabel);
+  const int nRowEnd = m_pOutImage->ElementsPerRow();
+  unsigned int n = 0;
+  for (int y = 0; y < m_pOutImage->Height(); ++y) {
+    int32_t* pRow = m_pOutImage->Row<int32_t>(y);
+    int nDone = 0;
+    for (; n < m_aRowEnds[static_cast<unsigned int>(y)]; ++n) {
+      const ClLinePart& oRun = m_aRuns[n];
+      FillAndBeyond(pRow, nDone, oRun.m_nBegin, nRowEnd, 0);
+      FillAndBeyond(pRow, oRun.m_nBegin, oRun.m_nEnd, nRowEnd, static_cast<int32_t>(m_aLeaders[n]));
+      nDone = oRun.m_nEnd;
+    }
+    std::fill(pRow + nDone, pRow + nRowEnd, 0);
   }
 }

@@ -23,6 +23,8 @@ class ClIpLabeling : public ClProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLabeling"; }
   bool CanApply() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
   long ApplyParam(ClImage& oIn, ClImage& oOut);
@@ -36,22 +38,30 @@ class ClIpLabeling : public ClProcessorBase {
   long Process() override;
 
  private:
-  /// A run of object pixels in one row. Runs that touch belong to one set, led by its first run.
+  /// A run [m_nBegin, m_nEnd) of object pixels in one row.
   struct ClLinePart {
     int32_t m_nBegin;
     int32_t m_nEnd;
-    int32_t m_nY;
-    uint32_t m_nLeader;
-    int32_t m_nLabel;
+  };
+  /// Two runs of neighbouring rows that touch.
+  struct ClPair {
+    uint32_t m_nUpper;
+    uint32_t m_nLower;
   };
   using ClLineParts = TpArrayDynamic<ClLinePart, 100>;
 
-  void FindRuns(int nY);
+  void FindRuns(const uint8_t* pRow, int nWidth);
   void JoinRows(unsigned int nAbove, unsigned int nBelow);
   uint32_t LeaderOf(uint32_t nRun);
   void Join(uint32_t nRunA, uint32_t nRunB);
+  void NumberSets();
   void WriteLabels();
 
+  /// The runs of all rows; for each row the number of those up to its end.
   ClLineParts m_aRuns;
-  TpArrayDynamic<int32_t, 1> m_aEdges;
+  TpArrayDynamic<uint32_t, 1> m_aRowEnds;
+  /// Runs that touch belong to one set: each run leads to an earlier one of its set, the first to itself.
+  TpArrayDynamic<uint32_t, 1> m_aLeaders;
+  TpArrayDynamic<uint64_t, 1> m_aBits;
+  TpArrayDynamic<ClPair, 1> m_aPairs;
 };

@@ -1,4 +1,4 @@
-// The plain twins of the kernels that look at more than one place: windows, cells, neighbours, the warp.
+// The plain twins of the kernels that look at more than one place: windows, runs, cells, neighbours, the warp.
 #include <algorithm>
 
 #include "MXKernels/Reference.h"
@@ -97,6 +97,11 @@ void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWor
 
 void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
   WindowRow(pIn, nCount, nHalf, pWork, pOut, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
+}
+
+void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
+  std::fill_n(pBits, (nCount + 63) / 64, uint64_t{0});
+  for (size_t i = 0; i < nCount; ++i) pBits[i / 64] |= static_cast<uint64_t>(pIn[i] == 0) << (i % 64);
 }
 
 void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {

@@ -1,4 +1,4 @@
-// Tests of the kernels of the mean, minimum and maximum filters.
+// Tests of the kernels of the filters and of the search for runs.
 #include "KernelRows.h"
 
 using namespace MXKernels;
@@ -132,4 +132,14 @@ TEST(RankWindows, TheWindowIsClippedAtBothEnds) {
   EXPECT_EQ(aOut, (std::vector<uint8_t>{5, 5, 5, 5, 7}));
   MaxWindowRow(aIn.data(), 5, 1, aWork.data(), aOut.data());
   EXPECT_EQ(aOut, (std::vector<uint8_t>{9, 9, 200, 200, 200}));
+}
+
+TEST(ZeroBitsRow, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const auto aIn = oSamples.Row<uint8_t>(nCount, 1 + oSamples.Number(254));
+    TpGuardedRow<uint64_t> oBits((nCount + 63) / 64), oExpected((nCount + 63) / 64);
+    Reference::ZeroBitsRow(aIn.data(), oExpected.Data(), nCount);
+    ZeroBitsRow(aIn.data(), oBits.Data(), nCount);
+    ExpectSameAndGuarded(oBits, oExpected);
+  });
 }
