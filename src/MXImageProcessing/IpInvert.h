@@ -16,5 +16,6 @@ class ClIpInvert : public NewIpBase::ClIp1to1Base {
   const char* Name() const override { return "ClIpInvert"; }
 
  protected:
+  long DoProcess(ClImage& oIn, ClImage& oOut) override;
   double GetValue(ClImage& oIn, ClImage& oOut, double dValue) override;
 };

@@ -1,6 +1,7 @@
 // Strided copies into the pixels.
 #include "MXImageProcessing/IpJoinPlanes.h"
 
+#include <cmath>
 #include <limits>
 
 #include "MXImageProcessing/NewProcessor.h"
@@ -8,6 +9,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 long ClIpJoinPlanes::ApplyParam(ClImage& oOut, ClImage* pPlane0, ClImage* pPlane1, ClImage* pPlane2,
                                 ClImage* pPlane3) {
@@ -31,6 +33,24 @@ void ClIpJoinPlanes::SetParametersToDefault() {
   for (double& dColor : dInFillcolors) dColor = std::numeric_limits<double>::quiet_NaN();
   eOutContent = ClImage::eUnknown;
   bFillEmptyPlanes = true;
+}
+
+void ClIpJoinPlanes::QueryParameters(ClParameterInterface& oInterface) {
+  constexpr auto eIn = ClParameterInterface::eIn;
+  const char* const aPlaneNames[4] = {"InPlane[0]", "InPlane[1]", "InPlane[2]", "InPlane[3]"};
+  const char* const aColorNames[4] = {"InFillcolors[0]", "InFillcolors[1]", "InFillcolors[2]",
+                                      "InFillcolors[3]"};
+  for (int n = 0; n < 4; ++n) {
+    DescribeInputImage(oInterface, aPlaneNames[n], "In: One-plane Image", &m_apInPlanes[n]);
+  }
+  for (int n = 0; n < 4; ++n) {
+    oInterface.AddParameter(&dInFillcolors[n], aColorNames[n], "In: Fillcolor of a missing Plane", eIn, 1.0,
+                            -1.0);
+  }
+  DescribeOutputImage(oInterface, "OutImage", "Out: Output Image", &m_pOutImage);
+  oInterface.AddEnum(&eOutContent, "OutContent", "In: Content of the OutImage",
+                     "eUnknown\0eGrayscale\0eRGB\0eRGBA\0eHSV\0eXYZ\0eCIELab\0eCIELUV\0", eIn);
+  oInterface.AddBool(&bFillEmptyPlanes, "FillEmptyPlanes", "In: Fill missing Planes", eIn);
 }
 
 void ClIpJoinPlanes::PublishParameters(ClParameterContainer& oContainer) {
@@ -112,7 +132,8 @@ void ClIpJoinPlanes::JoinPlane(int nPlane) {
   const ClImage* pPlane = m_apInPlanes[nPlane];
   if (pPlane == nullptr && !bFillEmptyPlanes) return;
   const int nStep = m_pOutImage->Planes();
-  const T nFill = ElementFromDouble<T>(dInFillcolors[nPlane]);
+  const double dColor = dInFillcolors[nPlane];
+  const T nFill = std::isnan(dColor) ? T{0} : ElementFromDouble<T>(dColor);
   for (int y = 0; y < m_pOutImage->Height(); ++y) {
     T* pOut = m_pOutImage->Row<T>(y) + nPlane;
     const T* pIn = pPlane != nullptr ? pPlane->Row<T>(y) : nullptr;

@@ -5,6 +5,7 @@
 #include "MXTools/ProcessorBase.h"
 
 class ClParameterContainer;
+class ClParameterInterface;
 
 /// Makes an image whose planes are the given ones.
 ///
@@ -26,6 +27,8 @@ class ClIpJoinPlanes : public ClProcessorBase {
   const char* Name() const override { return "ClIpJoinPlanes"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
   double dInFillcolors[4];

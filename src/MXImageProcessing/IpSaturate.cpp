@@ -9,6 +9,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 ClIpSaturate::ClIpSaturate() : NewIpBase::ClIp1to1Base(true) {
   EnableDataType(m_caAllTypes);
@@ -23,6 +24,13 @@ long ClIpSaturate::ApplyParam(ClImage& oIn, ClImage& oOut, double dLower, double
 
 ClProcessorBase* ClIpSaturate::Create() const {
   return NewProcessor<ClIpSaturate>();
+}
+
+void ClIpSaturate::QueryParameters(ClParameterInterface& oInterface) {
+  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
+  constexpr auto eIn = ClParameterInterface::eIn;
+  oInterface.AddParameter(&m_dInLowerBorder, "InLowerBorder", "In: Lowest Grey Value", eIn, 1.0, -1.0);
+  oInterface.AddParameter(&m_dInUpperBorder, "InUpperBorder", "In: Highest Grey Value", eIn, 1.0, -1.0);
 }
 
 void ClIpSaturate::PublishParameters(ClParameterContainer& oContainer) {

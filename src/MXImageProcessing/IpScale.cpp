@@ -5,16 +5,25 @@
 
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
-#include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
 
-double Limited(double dValue, const ClImage& oOut) {
-  const double dLower = std::min(oOut.Black(), oOut.White());
-  const double dUpper = std::max(oOut.Black(), oOut.White());
-  return std::min(std::max(dValue, dLower), dUpper);
-}
+/// The product within the output's black and white, which are taken once for all samples.
+class ClLimitedProduct {
+ public:
+  ClLimitedProduct(double dFactor, const ClImage& oOut)
+      : m_dFactor(dFactor),
+        m_dLower(std::min(oOut.Black(), oOut.White())),
+        m_dUpper(std::max(oOut.Black(), oOut.White())) {}
+  double operator()(double dValue) const {
+    return std::min(std::max(dValue * m_dFactor, m_dLower), m_dUpper);
+  }
+
+ private:
+  double m_dFactor, m_dLower, m_dUpper;
+};
 
 }  // namespace
 
@@ -32,6 +41,12 @@ ClProcessorBase* ClIpScale::Create() const {
   return NewProcessor<ClIpScale>();
 }
 
+void ClIpScale::QueryParameters(ClParameterInterface& oInterface) {
+  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
+  oInterface.AddParameter(&m_dScaleFactor, "ScaleFactor", "In: Grey Value Multiplier",
+                          ClParameterInterface::eIn, 1.0, -1.0);
+}
+
 void ClIpScale::PublishParameters(ClParameterContainer& oContainer) {
   NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
   oContainer.AddNumeric("dScaleFactor", &m_dScaleFactor);
@@ -43,21 +58,9 @@ void ClIpScale::ParameterString(char* szText, unsigned int nSize) const {
 }
 
 double ClIpScale::GetValue(ClImage&, ClImage& oOut, double dValue) {
-  return Limited(dValue * m_dScaleFactor, oOut);
+  return ClLimitedProduct(m_dScaleFactor, oOut)(dValue);
 }
 
 long ClIpScale::DoProcess(ClImage& oIn, ClImage& oOut) {
-  if (oIn.DataType() == ClImage::eUint8) return NewIpBase::ClIp1to1Base::DoProcess(oIn, oOut);
-  return DispatchElementType(oIn.DataType(), -101, [&](auto oElement) {
-    Scale<typename decltype(oElement)::Type>(oIn, oOut);
-    return 0L;
-  });
-}
-
-template <typename T>
-void ClIpScale::Scale(const ClImage& oIn, ClImage& oOut) const {
-  const double dFactor = m_dScaleFactor;
-  MapSamples<T, T>(oIn, oOut, [&oOut, dFactor](T nValue) {
-    return ElementFromDouble<T>(Limited(static_cast<double>(nValue) * dFactor, oOut));
-  });
+  return MapByRule(oIn, oOut, true, ClLimitedProduct(m_dScaleFactor, oOut));
 }

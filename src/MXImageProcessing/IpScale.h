@@ -19,6 +19,8 @@ class ClIpScale : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpScale"; }
   void SetParametersToDefault() override { m_dScaleFactor = 1.0; }
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
@@ -27,8 +29,5 @@ class ClIpScale : public NewIpBase::ClIp1to1Base {
   double GetValue(ClImage& oIn, ClImage& oOut, double dValue) override;
 
  private:
-  template <typename T>
-  void Scale(const ClImage& oIn, ClImage& oOut) const;
-
   double m_dScaleFactor;
 };

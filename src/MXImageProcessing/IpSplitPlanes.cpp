@@ -24,6 +24,14 @@ bool ClIpSplitPlanes::CanApply() {
   return m_pInImage != nullptr && m_pInImage->Planes() <= 4;
 }
 
+void ClIpSplitPlanes::QueryParameters(ClParameterInterface& oInterface) {
+  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
+  const char* const aNames[4] = {"OutPlane[0]", "OutPlane[1]", "OutPlane[2]", "OutPlane[3]"};
+  for (int n = 0; n < 4; ++n) {
+    DescribeOutputImage(oInterface, aNames[n], "Out: One-plane Image", &m_apOutPlanes[n]);
+  }
+}
+
 void ClIpSplitPlanes::PublishParameters(ClParameterContainer& oContainer) {
   PublishInputImage(oContainer, "pInImage", &m_pInImage);
   const char* const aNames[4] = {"pOutPlane[0]", "pOutPlane[1]", "pOutPlane[2]", "pOutPlane[3]"};
@@ -34,6 +42,10 @@ long ClIpSplitPlanes::Process() {
   if (m_pInImage == nullptr) KLV_RAISE(ClException, "m_pInImage is not set", -701);
   const ClImage& oIn = *m_pInImage;
   if (oIn.Planes() > 4) KLV_RAISE(ClException, "Image has more than 4 planes.", -35);
+  for (const ClImage* pOut : m_apOutPlanes) {
+    // The first plane would otherwise take the block away from those behind it.
+    if (pOut == m_pInImage) KLV_RAISE(ClException, "planes must differ from the input", -44);
+  }
   for (int nPlane = 0; nPlane < oIn.Planes(); ++nPlane) {
     ClImage* pOut = m_apOutPlanes[nPlane];
     if (pOut == nullptr) continue;

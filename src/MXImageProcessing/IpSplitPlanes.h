@@ -5,13 +5,14 @@
 #include "MXTools/ProcessorBase.h"
 
 class ClParameterContainer;
+class ClParameterInterface;
 
 /// Copies each plane of the input into its one-plane output, where there is one. Outputs beyond the input's
 /// planes aren't touched; an element type outside the eight leaves all of them out.
 ///
 /// Ownership  outputs are allocated on the images handed in; none of them is the input.
 /// Threads    thread-bound.
-/// Errors     ClException -701 no input; -35 more than 4 planes.
+/// Errors     ClException -701 no input; -35 more than 4 planes; -44 an output that is the input.
 class ClIpSplitPlanes : public ClProcessorBase {
  public:
   long ApplyParam(ClImage& oIn, ClImage* pPlane0, ClImage* pPlane1, ClImage* pPlane2, ClImage* pPlane3);
@@ -19,6 +20,8 @@ class ClIpSplitPlanes : public ClProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpSplitPlanes"; }
   bool CanApply() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
  protected:

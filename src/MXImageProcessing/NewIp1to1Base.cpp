@@ -4,7 +4,6 @@
 #include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ImageTypeDispatch.h"
 
 namespace NewIpBase {
 
@@ -52,20 +51,7 @@ long ClIp1to1Base::Process() {
 }
 
 long ClIp1to1Base::DoProcess(ClImage& oIn, ClImage& oOut) {
-  return DispatchElementType(oIn.DataType(), -101, [&](auto oElement) {
-    using T = typename decltype(oElement)::Type;
-    const auto fnSample = [&](T nValue) {
-      return ElementFromDouble<T>(GetValue(oIn, oOut, static_cast<double>(nValue)));
-    };
-    if constexpr (std::is_same_v<T, uint8_t>) {
-      if (m_bLookUpTable) {
-        MapSamplesByTable<T>(oIn, oOut, fnSample);
-        return 0L;
-      }
-    }
-    MapSamples<T, T>(oIn, oOut, fnSample);
-    return 0L;
-  });
+  return MapByRule(oIn, oOut, m_bLookUpTable, [&](double dValue) { return GetValue(oIn, oOut, dValue); });
 }
 
 }  // namespace NewIpBase

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "MXTools/FpImage.h"
+#include "MXTools/ImageTypeDispatch.h"
 
 /// out = fnSample(in) for width * planes samples of each row; padding is not touched. In may be out when T is
 /// U.
@@ -23,4 +24,22 @@ void MapSamplesByTable(const ClImage& oIn, ClImage& oOut, TSample&& fnSample) {
   U aTable[256];
   for (int n = 0; n < 256; ++n) aTable[n] = fnSample(static_cast<uint8_t>(n));
   MapSamples<uint8_t, U>(oIn, oOut, [&aTable](uint8_t nValue) { return aTable[nValue]; });
+}
+
+/// out = fnRule(in) as numbers, limited to the type, for two images that share one of the eight types; eUint8 by a
+/// table when bTable is set. Errors: -101, returned, for another type.
+template <typename TRule>
+long MapByRule(const ClImage& oIn, ClImage& oOut, bool bTable, const TRule& fnRule) {
+  return DispatchElementType(oIn.DataType(), -101, [&](auto oElement) {
+    using T = typename decltype(oElement)::Type;
+    const auto fnSample = [&](T nValue) { return ElementFromDouble<T>(fnRule(static_cast<double>(nValue))); };
+    if constexpr (std::is_same_v<T, uint8_t>) {
+      if (bTable) {
+        MapSamplesByTable<T>(oIn, oOut, fnSample);
+        return 0L;
+      }
+    }
+    MapSamples<T, T>(oIn, oOut, fnSample);
+    return 0L;
+  });
 }

@@ -11,6 +11,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 ClIpAdjustBrightness::ClIpAdjustBrightness() {
   EnableDataType(ClImage::eInt8);
@@ -44,6 +45,14 @@ void ClIpAdjustBrightness::SetParametersToDefault() {
   m_dInAdjustmentValue = 128.0;
   m_nInAdjustmentMin = 1.0;
   m_nInPosX = m_nInPosY = m_nInWidth = m_nInHeight = 0;
+}
+
+void ClIpAdjustBrightness::QueryParameters(ClParameterInterface& oInterface) {
+  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
+  DescribeInputImage(oInterface, "InImageBrightness", "In: Reference Brightness Image",
+                     &m_pInImageBrightness);
+  oInterface.AddParameter(&m_dInAdjustmentValue, "InAdjustmentValue", "In: Grey Value of the Reference",
+                          ClParameterInterface::eIn, 1.0, -1.0);
 }
 
 void ClIpAdjustBrightness::PublishParameters(ClParameterContainer& oContainer) {

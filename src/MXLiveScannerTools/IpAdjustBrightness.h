@@ -30,6 +30,8 @@ class ClIpAdjustBrightness : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpAdjustBrightness"; }
   void SetParametersToDefault() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
   double m_nInAdjustmentMin;

@@ -11,6 +11,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 ClIpLocalWhiteBalance::ClIpLocalWhiteBalance() {
   EnableDataType(ClImage::eUint8);
@@ -22,6 +23,12 @@ ClIpLocalWhiteBalance::ClIpLocalWhiteBalance() {
 
 ClProcessorBase* ClIpLocalWhiteBalance::Create() const {
   return NewProcessor<ClIpLocalWhiteBalance>();
+}
+
+void ClIpLocalWhiteBalance::QueryParameters(ClParameterInterface& oInterface) {
+  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
+  oInterface.AddParameter(&m_nInFilterWidth, "InFilterWidth", "In: Filter Width", ClParameterInterface::eIn,
+                          1.0, -1.0);
 }
 
 void ClIpLocalWhiteBalance::PublishParameters(ClParameterContainer& oContainer) {

@@ -25,6 +25,8 @@ class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLocalWhiteBalance"; }
   void SetParametersToDefault() override { m_nInFilterWidth = 51; }
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
 
  protected:

@@ -1,5 +1,6 @@
 // Tests of the processors that change samples one by one or rearrange planes.
 #include <cmath>
+#include <cstring>
 
 #include "MXImageProcessing/IpConvertDataType.h"
 #include "MXImageProcessing/IpInvert.h"
@@ -63,6 +64,39 @@ TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
   SetImage<float>(oFloat, 2, 1, {0.25F, 0.75F});
   ASSERT_EQ(oScale.ApplyParam(oFloat, 2.0), 0);
   EXPECT_EQ(Samples<float>(oFloat), (std::vector<float>{0.5F, 1.0F}));
+}
+
+template <typename T>
+class PointRules : public testing::Test {};
+TYPED_TEST_SUITE(PointRules, AllElementTypes, ClElementTypeNames);
+
+TYPED_TEST(PointRules, ScaleAndInvertEqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
+  std::mt19937 oRandom(44);
+  ClImage oAligned, oIn, oOut;
+  SetRandom<TypeParam>(oAligned, 35, 3, oRandom, 2);
+  oIn.NewWithType(oAligned.DataType(), 35, 3, 2, 19685, 9842, false);
+  for (int y = 0; y < 3; ++y) std::memcpy(oIn.Row<uint8_t>(y), oAligned.Row<uint8_t>(y), oIn.RowBytes());
+  // Ranges of its own, but those that the type always has.
+  if (!std::is_same_v<TypeParam, uint8_t> && !std::is_same_v<TypeParam, int8_t>) oIn.SetBlackWhite(3.0, 90.0);
+  const double dBlack = oIn.Black(), dWhite = oIn.White();
+  std::vector<TypeParam> aScaled, aInverted;
+  for (const TypeParam nSample : Samples<TypeParam>(oIn)) {
+    const double dScaled = std::min(std::max(static_cast<double>(nSample) * 1.75, dBlack), dWhite);
+    aScaled.push_back(ElementFromDouble<TypeParam>(dScaled));
+    aInverted.push_back(ElementFromDouble<TypeParam>(dWhite - static_cast<double>(nSample) + dBlack));
+  }
+  ClIpScale oScale;
+  ClIpInvert oInvert;
+  for (ClImage* pOut : {&oOut, &oIn}) {
+    ClImage oKeep;
+    oKeep = oIn;
+    ASSERT_EQ(oScale.ApplyParam(oIn, *pOut, 1.75), 0);
+    EXPECT_EQ(Samples<TypeParam>(*pOut), aScaled);
+    if (pOut == &oIn) oIn = oKeep;
+    ASSERT_EQ(oInvert.ApplyParam(oIn, *pOut), 0);
+    EXPECT_EQ(Samples<TypeParam>(*pOut), aInverted);
+  }
+  EXPECT_EQ(oOut.White(), dWhite);
 }
 
 template <typename T>
@@ -137,6 +171,15 @@ TEST(Planes, MissingPlanesTakeTheFillColourAndMissingOutputsAreSkipped) {
   oJoin.dInFillcolors[2] = 99.0;
   ASSERT_EQ(oJoin.ApplyParam(oOut, &oRed, &oGreen, nullptr, nullptr), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{1, 3, 99, 2, 4, 99}));
+  // A colour that is not set is 0, in a floating image too.
+  ClImage oFloat, oFloatOut;
+  SetImage<float>(oFloat, 1, 1, {0.5F});
+  ASSERT_EQ(oJoin.ApplyParam(oFloatOut, nullptr, &oFloat, nullptr, nullptr), 0);
+  EXPECT_EQ(Samples<float>(oFloatOut), (std::vector<float>{0.0F, 0.5F, 99.0F}));
+  oJoin.bFillEmptyPlanes = false;
+  oFloatOut.Row<float>(0)[2] = 7.0F;
+  ASSERT_EQ(oJoin.ApplyParam(oFloatOut, nullptr, &oFloat, nullptr, nullptr), 0);
+  EXPECT_EQ(Samples<float>(oFloatOut), (std::vector<float>{0.0F, 0.5F, 7.0F}));
   ClIpSplitPlanes oSplit;
   ASSERT_EQ(oSplit.ApplyParam(oOut, nullptr, nullptr, &oBlue, &oRed), 0);
   EXPECT_EQ(Samples<uint8_t>(oBlue), (std::vector<uint8_t>{99, 99}));
@@ -160,4 +203,6 @@ TEST(Planes, JoinRefusesContentsWithoutANumberOfPlanesAndPlanesThatDiffer) {
   oFive.NewWithType(ClImage::eUint8, 1, 1, 5, 0, 0, true);
   ClIpSplitPlanes oSplit;
   EXPECT_EQ(RaisedNumber([&] { oSplit.ApplyParam(oFive, nullptr, nullptr, nullptr, nullptr); }), -35);
+  EXPECT_EQ(RaisedNumber([&] { oSplit.ApplyParam(oRed, nullptr, &oRed, nullptr, nullptr); }), -44);
+  EXPECT_EQ(Samples<uint8_t>(oRed), (std::vector<uint8_t>{1, 2}));
 }

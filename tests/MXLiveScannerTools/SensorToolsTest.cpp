@@ -1,6 +1,8 @@
-// Tests of the brightness adjustment and the local white balance.
+// Tests of the brightness adjustment, the local white balance and the parting of a mosaic.
+#include "../MXImageProcessing/ParameterLists.h"
 #include "../MXImageProcessing/TestImages.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
+#include "MXLiveScannerTools/IpBayerDecomposition.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXTools/ParameterContainer.h"
 
@@ -161,4 +163,82 @@ TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
   oContainer.Find("nInFilterWidth")->SetValue("0");
   SetImage<uint8_t>(oOdd, 2, 2, {1, 2, 3, 4});
   EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+}
+
+template <typename T>
+class BayerDecomposition : public testing::Test {};
+using MosaicTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, float, double>;
+TYPED_TEST_SUITE(BayerDecomposition, MosaicTypes, ClElementTypeNames);
+
+TYPED_TEST(BayerDecomposition, PartsEachCellWhereverItsSamplesLie) {
+  std::mt19937 oRandom(63);
+  ClImage oIn, oRed, oGreen, oBlue;
+  SetRandom<TypeParam>(oIn, 70, 4, oRandom);
+  ClIpBayerDecomposition oBayer;
+  oBayer.m_pInImage = &oIn;
+  oBayer.m_pOutImageRed = &oRed;
+  oBayer.m_pOutImageGreen = &oGreen;
+  oBayer.m_pOutImageBlue = &oBlue;
+  for (const bool bTurned : {false, true}) {
+    if (bTurned) {
+      oBayer.m_oRed = {0, 0};
+      oBayer.m_oGreen1 = {1, 0};
+      oBayer.m_oGreen2 = {0, 1};
+      oBayer.m_oBlue = {1, 1};
+    }
+    ASSERT_EQ(oBayer.Apply(), 0);
+    std::vector<TypeParam> aRed, aGreen, aBlue;
+    for (int n = 0; n < 2 * 35; ++n) {
+      const int x = n % 35 * 2, y = n / 35 * 2;
+      const auto At = [&](int nX, int nY) {
+        return static_cast<double>(oIn.Row<TypeParam>(y + nY)[x + (bTurned ? 1 - nX : nX)]);
+      };
+      aRed.push_back(static_cast<TypeParam>(At(1, 0)));
+      aBlue.push_back(static_cast<TypeParam>(At(0, 1)));
+      aGreen.push_back(ElementFromDouble<TypeParam>((At(0, 0) + At(1, 1)) / 2));
+    }
+    EXPECT_EQ(Samples<TypeParam>(oRed), aRed);
+    EXPECT_EQ(Samples<TypeParam>(oGreen), aGreen);
+    EXPECT_EQ(Samples<TypeParam>(oBlue), aBlue);
+  }
+  EXPECT_EQ(oGreen.PelsX(), 0);
+}
+
+TEST(BayerDecompositionErrors, HaveTheirNumbersInOrder) {
+  ClImage oIn, oEmpty, oOdd, oLong, oColor, oOut, oOut2, oOut3;
+  SetImage<uint8_t>(oIn, 2, 2, {255, 1, 2, 254});
+  SetImage<uint8_t>(oOdd, 2, 1, {1, 2});
+  SetImage<int32_t>(oLong, 2, 2, {1, 2, 3, 4});
+  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
+  ClIpBayerDecomposition oBayer;
+  const auto Number = [&](ClImage* pIn, ClImage* pRed, ClImage* pGreen, ClImage* pBlue) {
+    oBayer.m_pInImage = pIn;
+    oBayer.m_pOutImageRed = pRed;
+    oBayer.m_pOutImageGreen = pGreen;
+    oBayer.m_pOutImageBlue = pBlue;
+    return RaisedNumber([&] { oBayer.Apply(); });
+  };
+  EXPECT_EQ(Number(nullptr, nullptr, nullptr, nullptr), -44);
+  EXPECT_EQ(Number(&oEmpty, nullptr, nullptr, nullptr), -14);
+  EXPECT_EQ(Number(&oOdd, nullptr, nullptr, nullptr), -44);
+  EXPECT_EQ(Number(&oLong, nullptr, nullptr, nullptr), -33);
+  EXPECT_EQ(Number(&oIn, nullptr, &oOut, &oOut), -44);
+  EXPECT_EQ(Number(&oIn, &oOut, nullptr, &oOut), -44);
+  EXPECT_EQ(Number(&oIn, &oOut, &oOut, nullptr), -44);
+  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oIn), -701);
+  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut), -701);
+  EXPECT_EQ(Number(&oColor, &oOut, &oOut2, &oOut3), -44);
+  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut3), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut2), (std::vector<uint8_t>{254}));
+  oBayer.m_oBlue.m_nX = 2;
+  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut3), -44);
+}
+
+TEST(SensorToolParameters, OfBothListsNameOneSetOfMembers) {
+  ClIpAdjustBrightness oAdjust;
+  ExpectListsOfOneSetOfMembers(oAdjust, "pInImage pOutImage pInImageBrightness dInAdjustmentValue");
+  ClIpLocalWhiteBalance oBalance;
+  ExpectListsOfOneSetOfMembers(oBalance, "pInImage pOutImage nInFilterWidth");
+  ClIpBayerDecomposition oBayer;
+  ExpectListsOfOneSetOfMembers(oBayer, "pInImage pOutImageRed pOutImageGreen pOutImageBlue");
 }

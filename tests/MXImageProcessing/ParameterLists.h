@@ -1,0 +1,63 @@
+// What the two lists of a processor's parameters must have in common.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <string>
+
+#include "MXTools/FpImage.h"
+#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterEnumInterface.h"
+#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterNumericInterface.h"
+#include "MXTools/ProcessorBase.h"
+
+/// The value of a published parameter as a number; of an image its address.
+inline double PublishedNumber(ClProcessorBase& oProcessor, const std::string& szName) {
+  ClParameterContainer oContainer;
+  oProcessor.QueryParameters(oContainer);
+  ClParameter* pParameter = oContainer.Find(szName.c_str());
+  if (pParameter->IsNumeric()) return pParameter->GetNumericInterface()->GetNumber();
+  return static_cast<double>(pParameter->GetEnumInterface()->GetValue());
+}
+
+/// Both lists have szNames, separated by blanks: the published names, which the older list has without their type
+/// letter. A value that is set by the older list shows in the published one, and defaults come back.
+inline void ExpectListsOfOneSetOfMembers(ClProcessorBase& oProcessor, const std::string& szNames) {
+  ClParameterContainer oContainer;
+  ClParameterInterface oList;
+  oProcessor.QueryParameters(oContainer);
+  oProcessor.QueryParameters(oList);
+  std::string szPublished;
+  for (unsigned int n = 0; n < oContainer.Entries(); ++n) {
+    szPublished += (n > 0 ? " " : "") + std::string(oContainer.At(n)->GetName());
+  }
+  EXPECT_EQ(szPublished, szNames);
+  ClImage oImage;
+  for (unsigned int n = 0; n < oContainer.Entries(); ++n) {
+    const std::string szName = oContainer.At(n)->GetName();
+    SCOPED_TRACE(szName);
+    ClParameterInterface::ClParameter* pEntry =
+        oList.GetParam(szName.c_str() + (std::islower(szName[0]) != 0 ? 1 : 0));
+    if (pEntry == nullptr && szName == "OutImageType") continue;
+    ASSERT_NE(pEntry, nullptr);
+    EXPECT_STRNE(pEntry->GetDescription(), "");
+    if (pEntry->Type() == ClParameterInterface::eImage) {
+      pEntry->SetValue(oImage);
+      const auto nAddress = static_cast<double>(static_cast<long>(reinterpret_cast<intptr_t>(&oImage)));
+      EXPECT_EQ(PublishedNumber(oProcessor, szName), nAddress);
+      pEntry->SetValue(static_cast<ClImage*>(nullptr));
+      continue;
+    }
+    const double dDefault = pEntry->GetValue();
+    const double dOther = dDefault == 1.0 ? 0.0 : 1.0;
+    pEntry->SetValue(dOther);
+    EXPECT_EQ(PublishedNumber(oProcessor, szName), dOther);
+    ClParameterContainer oChanged;
+    oProcessor.QueryParameters(oChanged);
+    EXPECT_FALSE(oChanged.Find(szName.c_str())->IsDefault());
+    oProcessor.SetParametersToDefault();
+    EXPECT_TRUE(pEntry->GetValue() == dDefault || dDefault != dDefault);
+  }
+}

@@ -1,0 +1,208 @@
+// Tests of what all processors share: the run, the generic loops, the lists of parameters.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <memory>
+
+#include "MXImageProcessing/IpAnd.h"
+#include "MXImageProcessing/IpConvertDataType.h"
+#include "MXImageProcessing/IpDelta.h"
+#include "MXImageProcessing/IpInvert.h"
+#include "MXImageProcessing/IpJoinPlanes.h"
+#include "MXImageProcessing/IpMultiply.h"
+#include "MXImageProcessing/IpSaturate.h"
+#include "MXImageProcessing/IpScale.h"
+#include "MXImageProcessing/IpSplitPlanes.h"
+#include "MXImageProcessing/IpSubtract.h"
+#include "MXTools/ClassCallProfile.h"
+#include "ParameterLists.h"
+#include "TestImages.h"
+
+namespace {
+
+/// Returns what it is told to and notes what was called.
+class ClScripted : public ClProcessorBase {
+ public:
+  ClProcessorBase* Create() const override { return new ClScripted; }
+  const char* Name() const override { return "ClScripted"; }
+  long m_nInitialize = 0, m_nProcess = 0, m_nFinalize = 0, m_nSeen = -1;
+  std::string m_szCalls;
+
+ protected:
+  long Initialize() override { return Note("I"), m_nInitialize; }
+  long Process() override { return Note("P"), m_nProcess; }
+  long Finalize(long nResult) override { return Note("F"), m_nSeen = nResult, m_nFinalize; }
+
+ private:
+  void Note(const char* szCall) { m_szCalls += szCall; }
+};
+
+/// Half of the value, by the generic loop of either base.
+template <class TBase>
+class TpHalf : public TBase {
+ public:
+  template <typename... TFlags>
+  explicit TpHalf(TFlags... bFlags) : TBase(bFlags...) {}
+  ClProcessorBase* Create() const override { return new TpHalf; }
+  const char* Name() const override { return "TpHalf"; }
+  int m_nCalls = 0;
+
+ protected:
+  double GetValue(ClImage&, ClImage&, double dValue) override { return ++m_nCalls, dValue / 2; }
+};
+
+class ClHalf : public TpHalf<NewIpBase::ClIp1to1Base> {
+ public:
+  explicit ClHalf(bool bTable = true) : TpHalf(false, bTable) {
+    EnableDataType(ClImage::eUint8);
+    EnableDataType(ClImage::eUint8);
+    EnableDataType(ClImage::eInt16);
+  }
+};
+
+}  // namespace
+
+TEST(Processor, RunsItsStepsInOrderAndStopsAtAFailingStart) {
+  ClScripted oProcessor;
+  EXPECT_FALSE(oProcessor.CanApply());
+  oProcessor.m_nProcess = -5;
+  EXPECT_EQ(oProcessor.Apply(), -5);
+  EXPECT_EQ(oProcessor.m_szCalls, "IPF");
+  EXPECT_EQ(oProcessor.m_nSeen, -5);
+  oProcessor.m_nInitialize = -7;
+  EXPECT_EQ(oProcessor.Apply(), -7);
+  EXPECT_EQ(oProcessor.m_szCalls, "IPFI");
+  oProcessor.m_nInitialize = 0;
+  oProcessor.m_nFinalize = -9;
+  EXPECT_EQ(RaisedNumber([&] { oProcessor.Apply(); }), -9);
+}
+
+TEST(Processor, CountsItsCompletedRunsUnderItsOwnClass) {
+  ClClassCallProfile oProfile;
+  g_pClassCallProfile = &oProfile;
+  ClScripted oProcessor;
+  for (int n = 0; n < 3; ++n) oProcessor.Apply();
+  oProcessor.m_nInitialize = -1;
+  oProcessor.Apply();
+  g_pClassCallProfile = nullptr;
+  ASSERT_EQ(oProfile.Entries().Entries(), 1u);
+  EXPECT_EQ(*oProfile.Entries()[0].m_pType, typeid(ClScripted));
+  EXPECT_EQ(oProfile.Entries()[0].m_nCalls, 3u);
+}
+
+TEST(GenericLoop, AsksForEachByteValueOnceAndForOtherSamplesOneByOne) {
+  ClImage oImage, oSharer;
+  SetImage<uint8_t>(oImage, 300, 3, std::vector<uint8_t>(1800, 201), 2);
+  oSharer.Attach(oImage);
+  ClHalf oHalf;
+  ASSERT_EQ(oHalf.ApplyParam(oImage), 0);
+  EXPECT_EQ(oHalf.m_nCalls, 256);
+  EXPECT_EQ(Samples<uint8_t>(oImage), std::vector<uint8_t>(1800, 100));
+  EXPECT_EQ(Samples<uint8_t>(oSharer), std::vector<uint8_t>(1800, 201)) << "the old block was written";
+  ClHalf oSingly(false);
+  ASSERT_EQ(oSingly.ApplyParam(oImage), 0);
+  EXPECT_EQ(oSingly.m_nCalls, 1800);
+  EXPECT_EQ(Samples<uint8_t>(oImage), std::vector<uint8_t>(1800, 50));
+  SetImage<int16_t>(oImage, 2, 1, {-7, 7, -32768, 1}, 2);
+  ASSERT_EQ(oHalf.ApplyParam(oImage), 0);
+  EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{-3, 3, -16384, 0}));
+  EXPECT_EQ(oHalf.m_nCalls, 260);
+}
+
+TEST(GenericLoop, RefusesOtherTypesByNameAndMissingImages) {
+  ClImage oFloat, oByte, oEmpty, oOut;
+  SetImage<float>(oFloat, 1, 1, {1});
+  SetImage<uint8_t>(oByte, 1, 1, {1});
+  ClHalf oHalf;
+  EXPECT_FALSE(oHalf.CanApply());
+  EXPECT_EQ(RaisedNumber([&] { oHalf.Apply(); }), -701);
+  try {
+    oHalf.ApplyParam(oFloat, oOut);
+    FAIL();
+  } catch (const ClException& oFailure) {
+    EXPECT_EQ(oFailure.Number(), -33);
+    EXPECT_THAT(oFailure.What(), testing::HasSubstr("\"float32\""));
+  }
+  EXPECT_FALSE(oHalf.CanApply());
+  oEmpty.NewWithType(ClImage::eUint8, 0, 0, 1, 0, 0, true);
+  EXPECT_EQ(RaisedNumber([&] { oHalf.ApplyParam(oEmpty, oOut); }), -701);
+  ASSERT_EQ(oHalf.ApplyParam(oByte, oOut), 0);
+  EXPECT_TRUE(oHalf.CanApply());
+}
+
+TEST(GenericLoop, OfTheOlderBaseServesEveryPairOfTypesInPlaceToo) {
+  std::mt19937 oRandom(51);
+  for (const unsigned char nFrom : g_aTypes) {
+    for (const unsigned char nTo : g_aTypes) {
+      ClImage oIn, oOut;
+      SetRandomOfType(oIn, nFrom, 13, 2, oRandom, 2);
+      TpHalf<ClIp1to1Base> oHalf;
+      ASSERT_EQ(oHalf.ApplyParam(oIn, oOut, nTo), 0);
+      ASSERT_EQ(oHalf.m_nCalls, nFrom == ClImage::eUint8 ? 256 : 52);
+      ASSERT_EQ(oOut.DataType(), nTo);
+      for (int x = 0; x < 26; ++x) {
+        double dExpected = 0;
+        DispatchElementType(nTo, 0, [&](auto oElement) {
+          using U = typename decltype(oElement)::Type;
+          dExpected = static_cast<double>(ElementFromDouble<U>(static_cast<double>(SampleAt(oIn, x, 1)) / 2));
+          return 0L;
+        });
+        ASSERT_EQ(SampleAt(oOut, x, 1), dExpected) << int{nFrom} << " to " << int{nTo};
+      }
+      ASSERT_EQ(oHalf.ApplyParam(oIn, oIn, nTo), 0);
+      ASSERT_EQ(SampleAt(oIn, 25, 1), SampleAt(oOut, 25, 1));
+    }
+  }
+  ClImage oByte, oEmpty, oOut;
+  SetImage<uint8_t>(oByte, 1, 1, {1});
+  TpHalf<ClIp1to1Base> oHalf;
+  EXPECT_EQ(oHalf.Apply(), -10);
+  EXPECT_EQ(oHalf.ApplyParam(oEmpty, oOut, ClImage::cnTypeDefault), -10);
+  EXPECT_EQ(oHalf.ApplyParam(oByte, oOut, 3), -101);
+}
+
+TEST(ParameterLists, OfTheProcessorsNameOneSetOfMembers) {
+  const std::string szPair = "pInImage pOutImage";
+  const std::string szTwo =
+      "pInImage1 pInImage2 pOutImage OutImageType SizeMustBeEqual FillColor OffsetX OffsetY";
+  const std::pair<ClProcessorBase*, std::string> aProcessors[] = {
+      {new ClIpAnd, szTwo},
+      {new ClIpDelta, szTwo},
+      {new ClIpMultiply, szTwo},
+      {new ClIpSubtract, szTwo + " LowerBound UpperBound Data Output Range"},
+      {new ClIpConvertDataType, szPair + " OutImageType"},
+      {new ClIpInvert, szPair},
+      {new ClIpSaturate, szPair + " dInLowerBorder dInUpperBorder"},
+      {new ClIpScale, szPair + " dScaleFactor"},
+      {new ClIpSplitPlanes, "pInImage pOutPlane[0] pOutPlane[1] pOutPlane[2] pOutPlane[3]"},
+      {new ClIpJoinPlanes,
+       "pInPlane[0] pInPlane[1] pInPlane[2] pInPlane[3] dInFillcolors[0] dInFillcolors[1] dInFillcolors[2] "
+       "dInFillcolors[3] pOutImage eOutContent bFillEmptyPlanes"}};
+  for (const auto& [pProcessor, szNames] : aProcessors) {
+    const std::unique_ptr<ClProcessorBase> oOwner(pProcessor);
+    const std::unique_ptr<ClProcessorBase> oNew(pProcessor->Create());
+    SCOPED_TRACE(oNew->Name());
+    EXPECT_STREQ(oNew->Name(), pProcessor->Name());
+    ExpectListsOfOneSetOfMembers(*oNew, szNames);
+  }
+}
+
+TEST(ParameterLists, NameTheElementTypesAndCopyFromProcessorToProcessor) {
+  ClIpSubtract oFrom, oTo;
+  ClParameterInterface oList;
+  oFrom.QueryParameters(oList);
+  oList.GetParam("OutImageType")->SetEnum("signed short");
+  EXPECT_EQ(oFrom.OutImageType, ClImage::eInt16);
+  oList.GetParam("SizeMustBeEqual")->SetEnum("false");
+  EXPECT_FALSE(oFrom.SizeMustBeEqual);
+  oFrom.OffsetX = -3;
+  oFrom.CopyParametersTo(oTo);
+  EXPECT_EQ(oTo.OutImageType, ClImage::eInt16);
+  EXPECT_FALSE(oTo.SizeMustBeEqual);
+  EXPECT_EQ(oTo.OffsetX, -3);
+  ClIpAnd oAnd;
+  ClParameterInterface oAndList;
+  oAnd.QueryParameters(oAndList);
+  EXPECT_EQ(oAndList.GetParam("OutImageType"), nullptr);
+  EXPECT_EQ(oAndList.Count(), 7);
+}
