@@ -1,10 +1,22 @@
 // The choice between axes, sample signs and planes that all filters share.
 #include "MXImageProcessing/IpFilterBase.h"
 
+#include <cstring>
+
 #include "MXImageProcessing/MultiPlane.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
+
+namespace {
+
+constexpr long g_anModes[] = {ClIpFilterBase::eModeX, ClIpFilterBase::eModeY, ClIpFilterBase::eModeXY,
+                              ClIpFilterBase::eModeDirected, ClIpFilterBase::eModeDirectedOrtho};
+/// Their names, each with its own end.
+constexpr char g_szModeNames[] = "Mode X\0Mode Y\0Mode XY\0MODE_DIRECTED\0MODE_DIRECTED_ORTHO\0";
+
+}  // namespace
 
 long ClIpFilterBase::ApplyParam(ClImage& oIn, ClImage& oOut, long nWidth, long nFilterMode) {
   m_pInImage = &oIn;
@@ -30,13 +42,42 @@ void ClIpFilterBase::PublishParameters(ClParameterContainer& oContainer) {
   oContainer.AddNumeric("nFilterWidth", &nFilterWidth);
   auto* pMode = oContainer.AddParam<TpParameterEnumPointer<long, ClParameter>>("nMode");
   pMode->BindVariable(&nMode);
-  pMode->AddValue(eModeX, "Mode X");
-  pMode->AddValue(eModeY, "Mode Y");
-  pMode->AddValue(eModeXY, "Mode XY");
-  pMode->AddValue(eModeDirected, "MODE_DIRECTED");
-  pMode->AddValue(eModeDirectedOrtho, "MODE_DIRECTED_ORTHO");
+  const char* szName = g_szModeNames;
+  for (const long nValue : g_anModes) {
+    pMode->AddValue(nValue, szName);
+    szName += std::strlen(szName) + 1;
+  }
   PublishInputImage(oContainer, "pInDxImage", &pInDxImage);
   PublishInputImage(oContainer, "pInDyImage", &pInDyImage);
+}
+
+void ClIpFilterBase::QueryParameters(ClParameterInterface& oInterface) {
+  DescribeFilter(oInterface);
+  constexpr auto eIn = ClParameterInterface::eIn;
+  // A number that names are given to: an enumeration proper would have 32 bits.
+  oInterface.AddParameter(&nMode, "nMode", "in: Filter Mode", eIn, eModeX, eModeDirectedOrtho)
+      ->SetEnumList(g_szModeNames, g_anModes);
+  DescribeInputImage(oInterface, "InDxImage", "in: Dx Image", &pInDxImage);
+  DescribeInputImage(oInterface, "InDyImage", "in: Dy Image", &pInDyImage);
+}
+
+void ClIpFilterBase::DescribeFilter(ClParameterInterface& oInterface) {
+  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
+  oInterface.AddParameter(&nFilterWidth, "nFilterWidth", "in: Filter Width", ClParameterInterface::eIn, 1.0,
+                          -1.0);
+}
+
+void ClIpFilterBase::CheckDirections() const {
+  if (pInDxImage == nullptr) KLV_RAISE(ClException, "pInDxImage is not set", -701);
+  if (pInDyImage == nullptr) KLV_RAISE(ClException, "pInDyImage is not set", -701);
+  for (const ClImage* pImage : {pInDxImage, pInDyImage}) {
+    if (!pImage->HasSize(m_pInImage->Width(), m_pInImage->Height())) {
+      KLV_RAISE(ClException, "direction images must have the size of the input", -44);
+    }
+    if (pImage->DataType() != ClImage::eInt8 || pImage->Planes() > 1) {
+      KLV_RAISE(ClException, "direction images must be signed, of 8 bits and one plane", -33);
+    }
+  }
 }
 
 void ClIpFilterBase::ParameterString(char* szText, unsigned int nSize) const {

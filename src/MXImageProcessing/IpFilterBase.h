@@ -22,6 +22,8 @@ class ClIpFilterBase : public ClProcessorBase {
 
   bool CanApply() override;
   void SetParametersToDefault() override;
+  using ClProcessorBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override;
   void PublishParameters(ClParameterContainer& oContainer) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
@@ -29,7 +31,7 @@ class ClIpFilterBase : public ClProcessorBase {
   ClImage* m_pOutImage = nullptr;
   long nFilterWidth = 3;
   long nMode = eModeXY;
-  /// Direction of each pixel, signed 8-bit components, for the directed modes.
+  /// Direction of each pixel, eInt8 components of which 128 are a pixel, for the directed modes.
   ClImage* pInDxImage = nullptr;
   ClImage* pInDyImage = nullptr;
 
@@ -46,6 +48,12 @@ class ClIpFilterBase : public ClProcessorBase {
   virtual long ProcessSignedXY();
   virtual long ProcessDirected(bool bOrtho);
   virtual long ProcessSignedDirected(bool bOrtho);
+
+  /// The entries of the older list that every filter has: images and width.
+  void DescribeFilter(ClParameterInterface& oInterface);
+  /// Errors: ClException -701 a direction image is missing; -44 it has another size than the input; -33 it is
+  /// not of eInt8 and one plane.
+  void CheckDirections() const;
 
   /// Runs fnFirst, then fnSecond on its result as the input; the pointers are as before in the end.
   template <typename TFirst, typename TSecond>

@@ -5,9 +5,11 @@
 #include <limits>
 #include <type_traits>
 
+#include "DirectedWindows.h"
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ImageTypeDispatch.h"
 
 namespace {
 
@@ -60,26 +62,14 @@ long ClIpFilterMid::Initialize() {
 
 long ClIpFilterMid::DoProcess() {
   if (m_pInImage == nullptr) KLV_RAISE_NUMBER(-10);
-  switch (m_pInImage->DataType()) {
-    case ClImage::eUint8:
-      return ClIpFilterBase::DoProcess();
-    case ClImage::eInt8:
-      return ProcessT<int8_t, int64_t>();
-    case ClImage::eUint16:
-      return ProcessT<uint16_t, int64_t>();
-    case ClImage::eInt16:
-      return ProcessT<int16_t, int64_t>();
-    case ClImage::eUint32:
-      return ProcessT<uint32_t, int64_t>();
-    case ClImage::eInt32:
-      return ProcessT<int32_t, int64_t>();
-    case ClImage::eFloat32:
-      return ProcessT<float, double>();
-    case ClImage::eDouble64:
-      return ProcessT<double, double>();
-    default:
-      KLV_RAISE_NUMBER(-35);
-  }
+  constexpr long cnUnknown = 1;
+  const long nResult = DispatchElementType(m_pInImage->DataType(), cnUnknown, [this](auto oElement) {
+    using T = typename decltype(oElement)::Type;
+    using S = std::conditional_t<std::is_floating_point_v<T>, double, int64_t>;
+    return std::is_same_v<T, uint8_t> ? ClIpFilterBase::DoProcess() : ProcessT<T, S>();
+  });
+  if (nResult == cnUnknown) KLV_RAISE_NUMBER(-35);
+  return nResult;
 }
 
 long ClIpFilterMid::ProcessX() {
@@ -98,11 +88,15 @@ long ClIpFilterMid::ProcessSignedXY() {
   return ProcessT_XY<int8_t, int64_t>();
 }
 
-long ClIpFilterMid::ProcessDirected(bool) {
-  return -33;
+long ClIpFilterMid::ProcessDirected(bool bOrtho) {
+  return ProcessT_Directed<uint8_t, int64_t>(bOrtho);
+}
+long ClIpFilterMid::ProcessSignedDirected(bool bOrtho) {
+  return ProcessT_Directed<int8_t, int64_t>(bOrtho);
 }
 
 long ClIpFilterMid::ProcessXY() {
+  if (m_pRemainderImage != nullptr) return ProcessXYRemainder();
   const bool bFits = m_pInImage->Width() >= nFilterWidth && m_pInImage->Height() >= nFilterWidth;
   return bFits && nFilterWidth == 3 ? Process3x3() : ProcessT_XY<uint8_t, int64_t>();
 }
@@ -118,8 +112,9 @@ long ClIpFilterMid::ProcessT() {
     case eModeXY:
       return ProcessT_XY<T, S>();
     case eModeDirected:
+      return ProcessT_Directed<T, S>(false);
     case eModeDirectedOrtho:
-      return -33;
+      return ProcessT_Directed<T, S>(true);
     default:
       KLV_RAISE_NUMBER(-35);
   }
@@ -161,6 +156,42 @@ long ClIpFilterMid::ProcessT_XY() {
 }
 
 template <typename T, typename S>
+long ClIpFilterMid::ProcessT_Directed(bool bOrtho) {
+  CheckDirections();
+  m_pOutImage->New(*m_pInImage);
+  const long nHalf = nFilterWidth / 2;
+  ForDirectedWindows<T>(*m_pInImage, *pInDxImage, *pInDyImage, bOrtho, -nHalf, nHalf,
+                        [&](int64_t x, int64_t y, const auto& fnTap) {
+                          S oSum{0};
+                          for (long k = -nHalf; k <= nHalf; ++k) oSum += static_cast<S>(fnTap(k));
+                          m_pOutImage->Row<T>(static_cast<int>(y))[x] = TruncatedMean<T>(oSum, nFilterWidth);
+                        });
+  return 0;
+}
+
+/// In whole numbers, so that a mean on a multiple of 1 / 256 can't come out below it.
+long ClIpFilterMid::ProcessXYRemainder() {
+  if (m_pRemainderImage == m_pInImage || m_pRemainderImage == m_pOutImage) return -10;
+  m_pRemainderImage->New(*m_pInImage);
+  if (m_pInImage->Width() < nFilterWidth || m_pInImage->Height() < nFilterWidth) {
+    // Each sample is its own mean.
+    *m_pRemainderImage = 0;
+    *m_pOutImage = *m_pInImage;
+    return 0;
+  }
+  m_pOutImage->New(*m_pInImage);
+  ForWindows<uint8_t, int64_t>(nFilterWidth / 2, nFilterWidth / 2, [this](int y) {
+    uint8_t* pOut = m_pOutImage->Row<uint8_t>(y);
+    uint8_t* pRemainder = m_pRemainderImage->Row<uint8_t>(y);
+    return [=](long x, int64_t nSum, int64_t nArea) {
+      pOut[x] = static_cast<uint8_t>(nSum / nArea);
+      pRemainder[x] = static_cast<uint8_t>(nSum % nArea * 256 / nArea);
+    };
+  });
+  return 0;
+}
+
+template <typename T, typename S>
 void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
   if (nHalfX == 0 && nHalfY == 0) {
     *m_pOutImage = *m_pInImage;
@@ -170,7 +201,10 @@ void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
   if constexpr (std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t>) {
     if (FitsKernels<T>(2 * nHalfX + 1, 2 * nHalfY + 1)) return MeanOfWindowsByKernels<T>(nHalfX, nHalfY);
   }
-  MeanOfWindowsPlain<T, S>(nHalfX, nHalfY);
+  ForWindows<T, S>(nHalfX, nHalfY, [this](int y) {
+    T* pOut = m_pOutImage->Row<T>(y);
+    return [=](long x, S oSum, int64_t nArea) { pOut[x] = TruncatedMean<T>(oSum, nArea); };
+  });
 }
 
 template <typename T>
@@ -202,8 +236,9 @@ void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY) {
   }
 }
 
-template <typename T, typename S>
-void ClIpFilterMid::MeanOfWindowsPlain(long nHalfX, long nHalfY) {
+/// Calls fnRow(y)(x, sum of the window, number of its pixels) for every pixel.
+template <typename T, typename S, typename TRow>
+void ClIpFilterMid::ForWindows(long nHalfX, long nHalfY, const TRow& fnRow) {
   const ClImage& oIn = *m_pInImage;
   const long nHeight = oIn.Height();
   const long nWidth = oIn.Width();
@@ -222,7 +257,7 @@ void ClIpFilterMid::MeanOfWindowsPlain(long nHalfX, long nHalfY) {
   for (long y = 0; y < nHeight; ++y) {
     AddRow(y + nHalfY, S{1});
     AddRow(y - nHalfY - 1, S{-1});
-    T* pOut = m_pOutImage->Row<T>(static_cast<int>(y));
+    const auto fnStore = fnRow(static_cast<int>(y));
     S oSum{0};
     long nColumns = 0;
     for (long x = 0; x < std::min(nHalfX, nWidth); ++x, ++nColumns) oSum += pSums[x];
@@ -235,7 +270,7 @@ void ClIpFilterMid::MeanOfWindowsPlain(long nHalfX, long nHalfY) {
         oSum -= pSums[x - nHalfX - 1];
         --nColumns;
       }
-      pOut[x] = TruncatedMean<T>(oSum, int64_t{nRows} * nColumns);
+      fnStore(x, oSum, int64_t{nRows} * nColumns);
     }
   }
 }

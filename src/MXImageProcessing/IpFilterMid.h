@@ -8,14 +8,15 @@
 
 /// Each pixel becomes the mean of its window, over the pixels of it that exist.
 ///
-/// Domain  all eight element types, finite where floating; modes X, Y and XY. An even width counts as the
-///         next odd one. An image that is smaller than the window in either direction is copied in mode XY;
-///         in modes X and Y the window of that run shrinks to the largest odd width below the extent.
-/// Range   divisions truncate toward zero. Only eUint8 in mode XY and width 3 rounds.
+/// Domain  all eight element types, finite where floating; all modes. An even width counts as the next odd one. An image that is smaller than the window in either direction is copied in mode XY;
+///         in modes X and Y the window of that run shrinks to the largest odd width below the extent; in the
+///         directed modes places outside the image are those nearest in it.
+/// Range   divisions truncate toward zero. Only eUint8 in mode XY and width 3 without a remainder image rounds.
 /// Threads thread-bound.
-/// Errors  as the base; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an extent of 1; -33
-///         the directed modes.
-/// Cost    a fixed number of additions and one division a pixel, whatever the width.
+/// Errors  as the base and CheckDirections; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an
+///         extent of 1; -10 the remainder image is the input or the output.
+/// Cost    a fixed number of additions and one division a pixel, whatever the width; in the directed modes as
+///         many additions as the window has places.
 class ClIpFilterMid : public ClIpFilterBase {
  public:
   using ClIpFilterBase::ApplyParam;
@@ -23,6 +24,9 @@ class ClIpFilterMid : public ClIpFilterBase {
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpFilterMid"; }
+
+  /// Optional, for eUint8 in mode XY: gets what the means have behind the point, in 256ths, truncated.
+  ClImage* m_pRemainderImage = nullptr;
 
  protected:
   long Initialize() override;
@@ -34,6 +38,7 @@ class ClIpFilterMid : public ClIpFilterBase {
   long ProcessSignedY() override;
   long ProcessSignedXY() override;
   long ProcessDirected(bool bOrtho) override;
+  long ProcessSignedDirected(bool bOrtho) override;
 
  private:
   template <typename T, typename S>
@@ -44,12 +49,15 @@ class ClIpFilterMid : public ClIpFilterBase {
   long ProcessT_Y();
   template <typename T, typename S>
   long ProcessT_XY();
+  template <typename T, typename S>
+  long ProcessT_Directed(bool bOrtho);
   long Process3x3();
+  long ProcessXYRemainder();
 
   template <typename T, typename S>
   void MeanOfWindows(long nHalfX, long nHalfY);
-  template <typename T, typename S>
-  void MeanOfWindowsPlain(long nHalfX, long nHalfY);
+  template <typename T, typename S, typename TRow>
+  void ForWindows(long nHalfX, long nHalfY, const TRow& fnRow);
   template <typename T>
   void MeanOfWindowsByKernels(long nHalfX, long nHalfY);
   long WidthOnAxis(long nExtent) const;

@@ -13,6 +13,10 @@
 /// Cost    along the rows some log2(width) passes, along the columns three, whatever the width.
 template <class TRank>
 class TpIpFilterRank : public ClIpFilterBase {
+ public:
+  using ClIpFilterBase::QueryParameters;
+  void QueryParameters(ClParameterInterface& oInterface) override { DescribeFilter(oInterface); }
+
  protected:
   long DoProcess() override;
 

@@ -8,7 +8,6 @@
 #include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/RunRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterInterface.h"
 
 namespace {
 
@@ -45,8 +44,7 @@ void ClIpLabeling::PublishParameters(ClParameterContainer& oContainer) {
 }
 
 void ClIpLabeling::QueryParameters(ClParameterInterface& oInterface) {
-  oInterface.AddParameter(&m_pInImage, "InImage", "In: Original Image", ClParameterInterface::eIn, 0, 0);
-  oInterface.AddParameter(&m_pOutImage, "OutImage", "Out: Output Image", ClParameterInterface::eOut, 0, 0);
+  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
 }
 
 long ClIpLabeling::ApplyParam(ClImage& oIn, ClImage& oOut) {

@@ -1,10 +1,13 @@
 // Tests of the minimum, maximum and mean filters against plain ones.
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 #include "MXImageProcessing/IpFilterMax.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
+#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 #include "TestImages.h"
 
 namespace {
@@ -52,6 +55,21 @@ void ExpectFiltered(const ClImage& oIn, const ClImage& oOut, long nHalfX, long n
           << nHalfX << " by " << nHalfY;
     }
   }
+}
+
+/// The samples from nFirst to nLast steps along (or across) a pixel's direction.
+template <typename T>
+std::vector<T> DirectedWindow(const ClImage& oImage, const ClImage& oDx, const ClImage& oDy, int nX, int nY,
+                              bool bAcross, long nFirst, long nLast) {
+  const double dX = oDx.Row<int8_t>(nY)[nX] / 128.0, dY = oDy.Row<int8_t>(nY)[nX] / 128.0;
+  std::vector<T> aWindow;
+  for (long k = nFirst; k <= nLast; ++k) {
+    const double x = std::floor(nX + 0.5 + static_cast<double>(k) * (bAcross ? -dY : dX));
+    const double y = std::floor(nY + 0.5 + static_cast<double>(k) * (bAcross ? dX : dY));
+    const int nRow = static_cast<int>(std::clamp(y, 0.0, oImage.Height() - 1.0));
+    aWindow.push_back(oImage.Row<T>(nRow)[static_cast<int>(std::clamp(x, 0.0, oImage.Width() - 1.0))]);
+  }
+  return aWindow;
 }
 
 const std::pair<int, int> g_aSizes[] = {{1, 1}, {2, 5}, {7, 3}, {16, 9}, {33, 40}, {70, 21}};
@@ -119,6 +137,58 @@ TYPED_TEST(Filters, AlongOneAxisTheMeansWindowShrinksToTheLargestOddOneThatFits)
       EXPECT_EQ(oMid.nFilterWidth, nFilter);
     }
   }
+}
+
+TYPED_TEST(Filters, ADirectedMeanLiesAlongOrAcrossTheDirectionOfEachPixel) {
+  std::mt19937 oRandom(9);
+  ClIpFilterMid oMid;
+  for (const auto& [nWidth, nHeight] : g_aSizes) {
+    ClImage oIn, oOut, oDx, oDy;
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
+    SetRandom<int8_t>(oDx, nWidth, nHeight, oRandom);
+    SetRandom<int8_t>(oDy, nWidth, nHeight, oRandom);
+    oMid.pInDxImage = &oDx;
+    oMid.pInDyImage = &oDy;
+    for (const long nFilter : {3L, 9L}) {
+      for (const bool bAcross : {false, true}) {
+        const long nMode = bAcross ? ClIpFilterBase::eModeDirectedOrtho : ClIpFilterBase::eModeDirected;
+        ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter, nMode), 0);
+        for (int y = 0; y < nHeight; ++y) {
+          for (int x = 0; x < nWidth; ++x) {
+            const auto aWindow =
+                DirectedWindow<TypeParam>(oIn, oDx, oDy, x, y, bAcross, -nFilter / 2, nFilter / 2);
+            ASSERT_EQ(oOut.Row<TypeParam>(y)[x], Mean(aWindow))
+                << "at " << x << ", " << y << ", mode " << nMode;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(FilterMid, WithARemainderImageMeansAreCutAndTheRestIsKeptIn256ths) {
+  std::mt19937 oRandom(10);
+  ClImage oIn, oOut, oRemainder;
+  SetRandom<uint8_t>(oIn, 21, 17, oRandom);
+  ClIpFilterMid oMid;
+  oMid.m_pRemainderImage = &oRemainder;
+  for (const long nFilter : {3L, 7L, 15L}) {
+    ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter), 0);
+    ExpectFiltered<uint8_t>(oIn, oOut, nFilter / 2, nFilter / 2, Mean<uint8_t>);
+    ExpectFiltered<uint8_t>(oIn, oRemainder, nFilter / 2, nFilter / 2,
+                            [](const std::vector<uint8_t>& aWindow) {
+                              double dSum = 0;
+                              for (const uint8_t n : aWindow) dSum += n;
+                              const double dMean = dSum / static_cast<double>(aWindow.size());
+                              return static_cast<uint8_t>((dMean - std::floor(dMean)) * 256);
+                            });
+  }
+  // Smaller than the window: the samples are their own means.
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 19), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), Samples<uint8_t>(oIn));
+  EXPECT_EQ(Samples<uint8_t>(oRemainder), std::vector<uint8_t>(21 * 17, 0));
+  oMid.m_pRemainderImage = &oOut;
+  EXPECT_EQ(oMid.ApplyParam(oIn, oOut, 3), -10);
 }
 
 TEST(FilterMid, AWindowBeyondTheKernelsSumsIsStillExact) {
@@ -201,7 +271,14 @@ TEST(FilterBase, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(oMid.ApplyParam(oIn, oIn, 3), -10);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirectedOrtho), -33);
-  EXPECT_EQ(oMid.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
+  const auto Directed = [&] { oMid.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected); };
+  EXPECT_EQ(RaisedNumber(Directed), -701);
+  oMid.pInDxImage = oMid.pInDyImage = &oIn;
+  EXPECT_EQ(RaisedNumber(Directed), -33);
+  oMid.pInDyImage = &oOut;
+  oOut.NewWithType(ClImage::eInt8, 4, 3, 1, 0, 0, true);
+  oMid.pInDxImage = &oOut;
+  EXPECT_EQ(RaisedNumber(Directed), -44);
   EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 3, 7); }), -35);
   EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oIn, oOut, 3, 7); }), -35);
   oOdd.NewWithType(3, 4, 4, 1, 0, 0, true);
@@ -223,6 +300,25 @@ TEST(FilterBase, AWidthBelowTwoCopies) {
     ASSERT_EQ(oMin.ApplyParam(oIn, oOut, nWidth, ClIpFilterBase::eModeXY), 0);
     EXPECT_EQ(Samples<int16_t>(oOut), Samples<int16_t>(oIn));
   }
+}
+
+TEST(FilterBase, TheOlderListDescribesWhatEachFilterUses) {
+  ClIpFilterMin oMin;
+  ClParameterInterface oShort, oLong;
+  oMin.QueryParameters(oShort);
+  EXPECT_EQ(oShort.Count(), 3);
+  ClIpFilterMid oMid;
+  oMid.QueryParameters(oLong);
+  ASSERT_EQ(oLong.Count(), 6);
+  EXPECT_STREQ(oLong.GetParam(2)->GetDescription(), "in: Filter Width");
+  EXPECT_EQ(oLong.GetParam("nMode")->szValue(), "Mode XY");
+  oLong.GetParam("nMode")->SetEnum("MODE_DIRECTED");
+  EXPECT_EQ(oMid.nMode, ClIpFilterBase::eModeDirected);
+  EXPECT_STREQ(oLong.GetParam("InDyImage")->GetDescription(), "in: Dy Image");
+  ClParameterContainer oContainer;
+  oMid.QueryParameters(oContainer);
+  EXPECT_EQ(oContainer.Find("nMode")->GetValue(), "MODE_DIRECTED");
+  EXPECT_EQ(oContainer.Find("nMode")->GetDefaultValue(), "Mode XY");
 }
 
 TEST(FilterBase, TheSummaryNamesWidthAxesAndSign) {
