@@ -10,11 +10,12 @@ namespace {
 
 constexpr uint8_t g_cnInk = 160;       // the mask's ridges are darker
 constexpr int g_cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
-constexpr double g_cdLeastInk = 0.3;   // part of that window; less is the rim of a finger, or dirt
-constexpr double g_cdMostInk = 0.85;   // more is a smudge without ridges
-constexpr int g_cnPeriod = 8;          // reach of a mean over a ridge and a valley
-constexpr int g_cnPore = 2;            // reach of a mean that covers a pore
-constexpr double g_cdClear = 15.0;     // by which ridges and valleys stand out of that mean
+// Three tenths of that window: less is the rim of a finger, or dirt. More than 85 % is a smudge without ridges.
+constexpr uint32_t g_cnLeastInk = 327;
+constexpr uint32_t g_cnMostInk = 925;
+constexpr int g_cnPeriod = 8;       // reach of a mean over a ridge and a valley
+constexpr int g_cnPore = 2;         // reach of a mean that covers a pore
+constexpr double g_cdClear = 15.0;  // by which ridges and valleys stand out of that mean
 constexpr size_t g_cnLeastPlaces = 5000;
 // What living skin with many pores has; measured on the generated prints.
 constexpr double g_cdFullStrength = 0.03;
@@ -35,13 +36,17 @@ class ClSums {
     }
   }
 
-  double Mean(int nX, int nY, int nReach) const noexcept {
-    const size_t nSide = static_cast<size_t>(2 * nReach + 1);
+  template <int nReach>
+  uint32_t Sum(int nX, int nY) const noexcept {
+    constexpr size_t nSide = 2 * nReach + 1;
     const uint32_t* pTop =
         &m_aSums[static_cast<size_t>(nY - nReach) * m_nStride + static_cast<size_t>(nX - nReach)];
     const uint32_t* pLow = pTop + nSide * m_nStride;
-    return static_cast<double>(static_cast<uint32_t>(pLow[nSide] - pTop[nSide] - pLow[0] + pTop[0])) /
-           static_cast<double>(nSide * nSide);
+    return pLow[nSide] - pTop[nSide] - pLow[0] + pTop[0];
+  }
+  template <int nReach>
+  double Mean(int nX, int nY) const noexcept {
+    return Sum<nReach>(nX, nY) * (1.0 / ((2 * nReach + 1) * (2 * nReach + 1)));
   }
 
  private:
@@ -72,10 +77,10 @@ ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, 
   for (int y = g_cnNeighbourhood; y < nHeight - g_cnNeighbourhood; ++y) {
     const uint8_t* pRow = pImage + y * nStride;
     for (int x = g_cnNeighbourhood; x < nWidth - g_cnNeighbourhood; ++x) {
-      const double dInk = oInk.Mean(x, y, g_cnNeighbourhood);
-      if (dInk < g_cdLeastInk || dInk > g_cdMostInk) continue;
-      const double dMean = oLight.Mean(x, y, g_cnPeriod), dHere = oLight.Mean(x, y, g_cnPore);
-      const double dFine = oLight.Mean(x, y, 1) - dMean;
+      const uint32_t nInk = oInk.Sum<g_cnNeighbourhood>(x, y);
+      if (nInk < g_cnLeastInk || nInk > g_cnMostInk) continue;
+      const double dMean = oLight.Mean<g_cnPeriod>(x, y), dHere = oLight.Mean<g_cnPore>(x, y);
+      const double dFine = oLight.Mean<1>(x, y) - dMean;
       dRidges += dFine * dFine;
       ++o.nPixels;
       if (dHere >= dMean + g_cdClear) {

@@ -199,6 +199,47 @@ TEST_F(CaptureTest, TheTruthShowsTheMomentOfTheLastSequence) {
   EXPECT_GT(Black(), 30000);
 }
 
+TEST_F(CaptureTest, EachSequenceIsRecordedWithWhatItShowed) {
+  // Full sequences take a fifth of a second, preview ones a fifteenth.
+  void* hDevice =
+      StartCapture(R"({"scanners": [{"fingers": [{"touch": 0.1, "touchSeconds": 0.1, "lift": 0.5}]}]})", 35);
+  for (int i = 0; i < 5; ++i) ASSERT_EQ(Take(hDevice), 0);
+  SetMode(hDevice, 34, {0, 1});
+  ASSERT_EQ(Take(hDevice), 0);
+  VTSimFrame aFrames[8] = {};
+  unsigned nCount = 8;
+  ASSERT_EQ(VTSimGetFrames(nullptr, 0, aFrames, &nCount), 0);
+  ASSERT_EQ(nCount, 6u);
+  const unsigned anFingers[] = {0, 0, 1, 1, 1, 1}, anMoving[] = {0, 0, 1, 0, 0, 0},
+                 anSteady[] = {0, 0, 2, 3, 3, 3};
+  for (unsigned n = 0; n < 6; ++n) {
+    EXPECT_EQ(aFrames[n].nNumber, n);
+    EXPECT_NEAR(aFrames[n].dTime, n / 15.0, 1e-9);
+    EXPECT_EQ(aFrames[n].nFingers, anFingers[n]) << n;
+    EXPECT_EQ(aFrames[n].nMoving, anMoving[n]) << n;
+    EXPECT_EQ(aFrames[n].nSteadySince, anSteady[n]) << n;
+  }
+  EXPECT_EQ(aFrames[4].nSensorMode, 35);
+  EXPECT_EQ(aFrames[5].nSensorMode, 34);
+  nCount = 1;
+  ASSERT_EQ(VTSimGetFrames(nullptr, 4, aFrames, &nCount), 0);
+  EXPECT_EQ(nCount, 1u);
+  EXPECT_EQ(aFrames[0].nNumber, 4u);
+  EXPECT_EQ(VTSimWaitForSequences(nullptr, 6, 0), 0);
+  EXPECT_EQ(VTSimWaitForSequences(nullptr, 7, 1), -50);
+  auto oWaiter = std::async(std::launch::async, [] { return VTSimWaitForSequences(nullptr, 7, 30000); });
+  EXPECT_EQ(Take(hDevice), 0);
+  EXPECT_EQ(oWaiter.get(), 0);
+  // The finger has gone since, and any moment can be looked at.
+  std::vector<unsigned char> aThen(VTSIM_PICTURE_SIDE * VTSIM_PICTURE_SIDE), aMask(aThen.size());
+  unsigned nSize = static_cast<unsigned>(aThen.size());
+  const auto Skin = [&] { return std::count(aMask.begin(), aMask.end(), 255); };
+  ASSERT_EQ(VTSimGetGroundTruthAt(nullptr, 0.4, aThen.data(), aMask.data(), &nSize), 0);
+  EXPECT_GT(Skin(), 50000);
+  ASSERT_EQ(VTSimGetGroundTruthAt(nullptr, 0.7, aThen.data(), aMask.data(), &nSize), 0);
+  EXPECT_EQ(Skin(), 0);
+}
+
 TEST_F(CaptureTest, AScannerCanBeUnpluggedAndReplugedAtAMomentOfItsTimeLine) {
   void* hDevice = StartCapture(R"({"scanners": [{}], "faults": [{"unplug": "VT40-AB0001", "at": 0.1},
                                                                 {"plug": "VT40-AB0001", "at": 5.0}]})");
@@ -253,7 +294,13 @@ TEST_F(CaptureTest, ManyThreadsAtOnceDoNoHarm) {
   std::atomic<bool> bStop{false};
   std::vector<std::thread> aThreads;
   aThreads.emplace_back([&] {
-    while (!bStop) Take(hDevice);
+    while (!bStop) {
+      void* pSequence = nullptr;
+      if (VTScanAPILockRawSequence(hDevice, &pSequence) != 0) continue;
+      // The scanner may be unplugged in between.
+      const long nReleased = VTScanAPIReleaseRawSequence(hDevice, &pSequence);
+      EXPECT_TRUE(nReleased == 0 || nReleased == -60) << nReleased;
+    }
   });
   aThreads.emplace_back([&] {
     for (unsigned i = 0; !bStop; ++i) {

@@ -78,6 +78,24 @@ TEST(ScanLibrary, LoadsByItsNameAndHasAllFunctionsOfBothSides) {
   }
 }
 
+TEST(LivenessLibrary, LoadsByItsNameWithItsOwnFunctionsOnly) {
+  const std::string sPath = LIVENESS_LIBRARY;
+  EXPECT_EQ(sPath.substr(sPath.rfind('/') + 1), "libkelvarinfakefingerdetectionvt40.gcc.Release.32.so");
+  for (int i = 0; i < 2; ++i) {
+    void* pLibrary = dlopen(sPath.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_TRUE(pLibrary) << dlerror();
+    for (const char* szName : {"FD_VT40Initialize", "FD_VT40GetErrorDescriptionW", "FDSimFailCall"})
+      EXPECT_TRUE(dlsym(pLibrary, szName)) << szName;
+    EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator11ClDetection3GetEv"));
+    const auto fnInitialize = reinterpret_cast<long (*)(void*)>(dlsym(pLibrary, "FD_VT40Initialize"));
+    const auto fnUninitialize = reinterpret_cast<long (*)()>(dlsym(pLibrary, "FD_VT40Uninitialize"));
+    EXPECT_EQ(fnInitialize(nullptr), 0);
+    EXPECT_EQ(fnUninitialize(), 0);
+    EXPECT_EQ(fnUninitialize(), -2);
+    EXPECT_EQ(dlclose(pLibrary), 0);
+  }
+}
+
 TEST(ScanLibrary, TheControlHeaderCompilesAsC) {
   EXPECT_EQ(VTSimHeaderWorksInC(), 1);
 }

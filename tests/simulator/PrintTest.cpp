@@ -3,6 +3,7 @@
 
 #include "TestFiles.h"
 #include "scene/FingerContent.h"
+#include "scene/FingerMotion.h"
 #include "scene/PrintCache.h"
 #include "scene/PrintFile.h"
 #include "scene/PrintGenerator.h"
@@ -189,6 +190,64 @@ TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
   EXPECT_EQ(oMap.oContact.At(800 - 180, 800), 255);
   EXPECT_EQ(oMap.oContact.At(800 + 180, 800), 0);
   EXPECT_EQ(oMap.oContact.At(800, 800 - 180), 0);
+}
+
+TEST(FingerMotion, AFingerSettlesSlidesPressesAndComesBackOnTime) {
+  ClFingerDescription o;
+  o.dTouch = 1.0;
+  o.dLift = 6.0;
+  o.dRepeat = 8.0;
+  o.oSettle = {1.0, 2.56, -1.28, 16.0, 0.1};
+  o.oSlide = {2.0, 3.0, 1.6256, 90.0, 0.0};
+  o.oPress = {3.5, 0.5, 1.0};
+  const auto At = [&o](double dSeconds) { return ClFingerMotion::At(o, dSeconds); };
+  EXPECT_EQ(At(1.0).nDown, 0);
+  // A quarter of the way to rest is left: an eighth of the deviation.
+  const ClFingerPose oSettling = At(1.75);
+  EXPECT_TRUE(oSettling.bMoving);
+  EXPECT_NEAR(oSettling.dXMm, 40.64 + 0.32, 1e-3);
+  EXPECT_NEAR(oSettling.dYMm, 40.64 - 0.16, 1e-3);
+  EXPECT_NEAR(oSettling.dAngle, 2.0, 0.01);
+  EXPECT_NEAR(oSettling.dPressure, 0.6 - 0.0625, 0.004);
+  // At rest it is as described, to the last bit.
+  EXPECT_FALSE(At(2.5).bMoving);
+  EXPECT_EQ(At(2.5).dXMm, 40.64);
+  EXPECT_EQ(At(2.5).dPressure, 0.6);
+  // 32 pixels a second upwards, for a second.
+  EXPECT_TRUE(At(3.5).bMoving);
+  EXPECT_NEAR(At(3.5).dYMm, 40.64 - 0.8128, 1e-9);
+  EXPECT_FALSE(At(4.2).bMoving);
+  EXPECT_NEAR(At(4.2).dYMm, 40.64 - 1.6256, 1e-9);
+  EXPECT_NEAR(At(4.75).dPressure, 0.8, 0.004);
+  EXPECT_FALSE(At(5.5).bMoving);
+  EXPECT_NEAR(At(5.5).dPressure, 1.0, 0.004);
+  EXPECT_EQ(At(6.2).nDown, 0);
+  EXPECT_EQ(At(8.9).nDown, 0);
+  EXPECT_TRUE(At(9.75).SameAs(oSettling)) << "the second visit is as the first";
+  // Round a circle a finger is back after its circumference, and a diameter away at the half.
+  o.oSlide = {2.0, 1000.0, 2.0 * 3.14159265358979, 0.0, 1.0};
+  EXPECT_NEAR(At(3.5).dYMm, 40.64 - 2.0, 1e-3);
+  EXPECT_NEAR(At(4.0).dYMm, 40.64, 1e-3);
+}
+
+TEST(FingerContent, WaterShowsRoundAFingerAndIsNoSkin) {
+  ClPlatenMap aMaps[2];
+  for (int n = 0; n < 2; ++n) {
+    ClFingerDescription oFinger;
+    oFinger.dHalo = n;
+    aMaps[n].Clear();
+    ClFingerContent(oFinger).Draw(0.0, aMaps[n]);
+  }
+  int nWet = 0;
+  for (size_t i = 0; i < aMaps[0].oContact.Count(); ++i) {
+    ASSERT_EQ(aMaps[0].oCover.Data()[i], aMaps[1].oCover.Data()[i]);
+    if (aMaps[1].oCover.Data()[i] == 0) {
+      ASSERT_EQ(aMaps[0].oContact.Data()[i], 0);
+      ASSERT_LE(aMaps[1].oContact.Data()[i], 77);  // three tenths of a ridge
+      nWet += aMaps[1].oContact.Data()[i] > 20;
+    }
+  }
+  EXPECT_GT(nWet, 10000);
 }
 
 TEST(PrintCache, APrintIsMadeOnceWhileItIsInUse) {

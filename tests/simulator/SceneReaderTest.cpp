@@ -62,6 +62,33 @@ TEST(SceneReader, AFullSceneArrivesWithAllItSays) {
   EXPECT_EQ(o.aFaults[1].dAt, 3.5);
 }
 
+TEST(SceneReader, WhatHappensOnThePlatenArrives) {
+  const ClScannerDescription o = ReadScene(R"({"scanners": [{
+       "ambient": [{"at": 1, "level": 3}, {"at": 1, "level": 30}],
+       "dirt": [{"x": 1, "y": 2, "width": 3, "length": 4, "angle": 5, "strength": 0.6, "from": 7, "until": 8}],
+       "fingers": [{"print": {"material": "halftone"}, "touch": 1, "lift": 2, "touchSeconds": 0.5, "liftSeconds": 0.1,
+                    "repeat": 4, "halo": 0.5, "pressure": 0.7,
+                    "settle": {"seconds": 0.5, "x": 1, "y": 2, "turn": 3},
+                    "slide": {"start": 1, "until": 2, "speed": 3, "direction": 4, "radius": 5},
+                    "press": {"start": 1, "seconds": 2, "pressure": 0.9}}]}]})",
+                                           "")
+                                     .aScanners[0];
+  ASSERT_EQ(o.aAmbient.size(), 2u);
+  EXPECT_EQ(o.aAmbient[1].dLevel, 30.0);
+  ASSERT_EQ(o.aDirt.size(), 1u);
+  EXPECT_EQ(o.aDirt[0].dLengthMm, 4.0);
+  EXPECT_EQ(o.aDirt[0].dUntil, 8.0);
+  const ClFingerDescription& oFinger = o.aFingers[0];
+  EXPECT_EQ(oFinger.oPrint.eMaterial, eMaterialHalftone);
+  EXPECT_EQ(oFinger.dTouchSeconds, 0.5);
+  EXPECT_EQ(oFinger.dRepeat, 4.0);
+  EXPECT_EQ(oFinger.dHalo, 0.5);
+  EXPECT_EQ(oFinger.oSettle.dTurn, 3.0);
+  EXPECT_EQ(oFinger.oSettle.dPressure, 0.7) << "without a word the pressure stays";
+  EXPECT_EQ(oFinger.oSlide.dRadiusMm, 5.0);
+  EXPECT_EQ(oFinger.oPress.dSeconds, 2.0);
+}
+
 TEST(SceneReader, AnUnknownKeyIsRefusedByNameAndPlace) {
   const auto oRefusal = Refusal(R"({"scanners": [{"fingers": [{"presure": 1}]}]})");
   EXPECT_EQ(oRefusal.first, -44);
@@ -84,6 +111,10 @@ TEST(SceneReader, WhatIsNoSceneAtAllIsRefused) {
        {"", "[]", "{", "{\"scanners\": {}}", "{\"scanners\": [1]}", "{\"seed\": \"1\"}",
         "{\"scanners\": [{\"serial\": \"\"}]}", "{\"scanners\": [{\"serial\": \"0123456789ABCDEF\"}]}",
         "{\"scanners\": [{}, {}]}", "{\"scanners\": [{\"fingers\": [{\"touch\": 2, \"lift\": 1}]}]}",
+        "{\"scanners\": [{\"fingers\": [{\"touch\": 1, \"lift\": 3, \"repeat\": 2}]}]}",
+        "{\"scanners\": [{\"fingers\": [{\"repeat\": 2}]}]}",
+        "{\"scanners\": [{\"fingers\": [{\"slide\": {\"start\": 2, \"until\": 1}}]}]}",
+        "{\"scanners\": [{\"ambient\": [{\"at\": 2}, {\"at\": 1}]}]}",
         "{\"faults\": [{\"call\": \"a\", \"plug\": \"b\"}]}", "{\"faults\": [{}]}",
         "{\"scanners\": [{\"eprom\": {\"GEOCAL\": {\"flip\": [-1]}}}]}"})
     EXPECT_EQ(Refusal(szText).first, -44) << szText;
@@ -94,17 +125,24 @@ TEST(SceneReader, ASceneIsFoundByNamePathOrText) {
   EXPECT_EQ(FindScene("thumbs").aScanners[0].aFingers.size(), 2u);
   EXPECT_EQ(FindScene("finger").aScanners[0].aFingers.size(), 1u);
   EXPECT_EQ(FindScene("empty").aScanners[0].aFingers.size(), 0u);
+  EXPECT_EQ(FindScene("settling-slap:17").nSeed, 17u);
+  EXPECT_NE(FindScene("settling-slap:17").aScanners[0].aFingers[0].dTouch,
+            FindScene("settling-slap:18").aScanners[0].aFingers[0].dTouch);
+  EXPECT_EQ(FindScene("slap-left:5").nSeed, 5u);
   EXPECT_EQ(FindScene(" {\"scanners\": []}").aScanners.size(), 0u);
   const ClTestFolder oFolder;
   const std::string sPath =
       oFolder.Write("scene.json", R"({"scanners": [{"fingers": [{"print": {"file": "a.png"}}]}]})");
   EXPECT_EQ(FindScene(sPath).aScanners[0].aFingers[0].oPrint.sFile, oFolder.Path("a.png"));
-  try {
-    FindScene("slap-rihgt");
-    FAIL() << "a misspelt name was taken";
-  } catch (const ClSimError& oError) {
-    EXPECT_EQ(oError.Number(), -200);
-    EXPECT_THAT(oError.what(), HasSubstr("slap-right"));
+  for (const char* szWrong : {"slap-rihgt", "finger:", "finger:x", "finger:1234567890123456"}) {
+    try {
+      FindScene(szWrong);
+      FAIL() << szWrong << " was taken";
+    } catch (const ClSimError& oError) {
+      EXPECT_EQ(oError.Number(), -200);
+      EXPECT_THAT(oError.what(), HasSubstr("slap-right"));
+      EXPECT_THAT(oError.what(), HasSubstr("settling-slap"));
+    }
   }
 }
 

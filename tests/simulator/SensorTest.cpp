@@ -6,13 +6,12 @@
 #include <cmath>
 #include <numeric>
 
+#include "Frames.h"
 #include "TestFiles.h"
 #include "scene/SceneReader.h"
 
 namespace Simulator {
 namespace {
-
-using Plane = std::vector<int>;
 
 ClScannerDescription Quiet(const ClScannerDescription& oFrom) {
   ClScannerDescription o = oFrom;
@@ -33,35 +32,6 @@ ClScannerDescription FullContact(const ClTestFolder& oFolder) {
   oFinger.dDryness = 0.0;
   o.aFingers.push_back(oFinger);
   return o;
-}
-
-/// Settings as a host makes them: exposure dFactor times that of full readout, nominal gain, one dark and one
-/// lit frame.
-ClSensorSettings Settings(const ClSensor& oSensor, int nMode, double dFactor) {
-  ClSensorSettings o;
-  o.pMode = FindSensorMode(nMode);
-  o.nExposure = static_cast<unsigned>(oSensor.NominalExposure() * dFactor);
-  o.anGain = oSensor.NominalGain();
-  o.aMasks = {0, 1};
-  return o;
-}
-
-std::vector<uint8_t> Sequence(ClSensor& oSensor, const ClSensorSettings& oSettings, uint64_t nNumber = 1) {
-  std::vector<uint8_t> aBytes(oSettings.PlaneBytes() * oSettings.aMasks.size());
-  oSensor.Render(oSettings, 0.0, nNumber, aBytes.data());
-  return aBytes;
-}
-
-/// Lit minus dark, in the order that the tag tells, 0 where that would be negative.
-Plane Difference(const std::vector<uint8_t>& aBytes) {
-  const size_t nPlane = aBytes.size() / 2;
-  const bool bLitFirst = (aBytes[0] & 15) != 0;
-  Plane aOut(nPlane);
-  for (size_t i = 0; i < nPlane; ++i) {
-    const int nStep = aBytes[i + nPlane] - aBytes[i];
-    aOut[i] = std::max(0, bLitFirst ? -nStep : nStep);
-  }
-  return aOut;
 }
 
 double Mean(const Plane& a) {
