@@ -189,7 +189,7 @@ void ClVT40Handle::GetRollImage(void* pImage, double* pdScore, unsigned char* pb
   if (DeliverImage(&ClVTLiveCaptureBase::GetRollImage, &ClVT40Handle::GetRollImageSize, pImage, pdScore,
                    pbDone, pnResult)) {
     // A finished roll is reported once.
-    Engine().SetDetectState(ClVTLiveCaptureBase::eCaptureStateNoFinger);
+    Engine().TakeDone();
     *pnResult = Engine().GetReturnCode();
   }
 }

@@ -5,6 +5,7 @@
 
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/AtomicAccess.h"
 #include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
 
@@ -57,6 +58,8 @@ void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData
   NewFrame(m_oPreviewCalibrated, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
   NewFrame(m_oFullRaw, AsInt(oFull.m_nSourceWidth), AsInt(oFull.m_nSourceHeight));
   NewFrame(m_oFullCalibrated, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
+  NewFrame(m_oRollRaw, AsInt(oFull.m_nSourceWidth / 2), AsInt(oFull.m_nSourceHeight / 2 + 2));
+  NewFrame(m_oRollCalibrated, AsInt(oFull.m_nTargetWidth / 2), AsInt(oFull.m_nTargetHeight / 2));
   NewFrame(m_oFullMask, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
   NewFrame(m_oPreviewMask, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
   m_oPreviewMask = static_cast<unsigned char>(255);
@@ -119,6 +122,15 @@ void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
                   &ClVT40LiveCapture::MaskThreadAutoDetection);
       break;
     case eCaptureModeRoll:
+      Reset(true);
+      {
+        Lock oAutoRollLock(m_oAutoRollMutex);
+        m_oAutoRoll.ResetProcessor();
+      }
+      StartStream(AsInt(oFull.m_nTargetWidth / 2), AsInt(oFull.m_nTargetHeight / 2), m_oRollThread,
+                  &ClVT40LiveCapture::CalibrateRollThread, m_oMaskRollThread,
+                  &ClVT40LiveCapture::MaskRollThread);
+      break;
     case eCaptureModeSignature:
       KLV_RAISE(ClException, "Capture mode not available in this release.", -103);
     default:
@@ -138,8 +150,9 @@ void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCal
 
 void ClVT40LiveCapture::StopAllThreads() {
   boost::this_thread::disable_interruption oNoInterruption;
-  boost::thread* const aThreads[] = {&m_oFullThread, &m_oPreviewThread, &m_oDirtThread, &m_oMaskThread,
-                                     &m_oAutoDetectionThread};
+  boost::thread* const aThreads[] = {&m_oFullThread,    &m_oPreviewThread, &m_oDirtThread,
+                                     &m_oRollThread,    &m_oMaskThread,    &m_oAutoDetectionThread,
+                                     &m_oMaskRollThread};
   for (boost::thread* pThread : aThreads) pThread->interrupt();
   for (boost::thread* pThread : aThreads) {
     if (!pThread->joinable()) continue;
@@ -163,6 +176,8 @@ void ClVT40LiveCapture::Reset(bool bReset) {
     m_oFullRaw = static_cast<unsigned char>(0);
   }
   InitializeSensor();
+  Lock oAutoRollLock(m_oAutoRollMutex);
+  m_oAutoRoll.SetAutoRotate(KlvAtomicLoad(m_nRolledPostProcess) != 0);
 }
 
 void ClVT40LiveCapture::InitializeSensor() {
@@ -183,6 +198,9 @@ void ClVT40LiveCapture::InitializeSensor() {
       ApplySensorRow(PreviewRow());
       PrepareAutoDetection();
       break;
+    case eCaptureModeRoll:
+      ApplySensorRow(RollRow());
+      break;
     default:
       KLV_RAISE(ClException, "Capture mode not implemented (should never happen.", -103);
   }
@@ -192,6 +210,12 @@ ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::PreviewRow() const {
   const unsigned int nExposure = m_pSetup->GetExposure();
   if (m_bSmallImages) return {static_cast<unsigned short>(nExposure), 35};
   return {static_cast<unsigned short>(nExposure / 2), 32};
+}
+
+ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::RollRow() const {
+  const unsigned int nExposure = m_pSetup->GetExposure();
+  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 4), 36};
+  return {static_cast<unsigned short>(nExposure * 2), 8};
 }
 
 ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::FullRow() const {

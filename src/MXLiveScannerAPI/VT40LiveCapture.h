@@ -13,6 +13,7 @@
 #include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpSubsample.h"
+#include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXLiveScannerAPI/VTLiveCaptureBase.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXLiveScannerTools/TpTripleBuffer.h"
@@ -29,8 +30,9 @@ class ClVT40SetupCalibrationData;
 /// workers and builds the next set.
 ///
 /// Threads    thread-safe but for SetScanner, SetupCalibrationData and destruction. Locks are taken in this
-///            order: m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex; workers take
-///            the last two at most, which is why a mode switch can join them while it holds the others.
+///            order: m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex or
+///            m_oAutoRollMutex; workers take none of the first three, which is why a mode switch can join them
+///            while it holds these.
 /// Errors     a worker that fails prints the reason and ends: callers see a time-out, -60.
 class ClVT40LiveCapture : public ClVTLiveCaptureBase {
  public:
@@ -111,6 +113,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   void StopAllThreads();
   void InitializeSensor();
   StSensorRow PreviewRow() const;
+  StSensorRow RollRow() const;
   StSensorRow FullRow() const;
   void ApplySensorRow(const StSensorRow& oRow);
   /// Selects a scan mode and the lights of a sequence's frames. Errors: the scanner's number.
@@ -148,6 +151,11 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   bool IsCaptureGood();
   void MeasureScore();
 
+  // Rolled prints
+  void CalibrateRollThread();
+  void MaskRollThread();
+  void ReportFinishedRoll(long nReturnCode);
+
   // Full resolution
   void GetImageOneShot(ClImage& oImage, ECaptureState& eState, double& dScore);
   void GetImageStream(ClImage& oImage, ECaptureState& eState, double& dScore);
@@ -169,6 +177,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
 
   ClImage m_oPreviewRaw;         // written by the calibrating worker of the mode
   ClImage m_oPreviewCalibrated;  // likewise
+  ClImage m_oRollRaw;            // likewise
+  ClImage m_oRollCalibrated;     // likewise
   ClImage m_oFullRaw;            // the worker of eCaptureModeFull, else whoever holds m_oFullImageMutex
   ClImage m_oFullCalibrated;     // likewise
   ClImage m_oFullMask;           // guarded by m_oFullImageMutex
@@ -212,6 +222,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   ClIpSubsample m_oReduce;
   ClIpFilterMid m_oLight;
 
+  ClIpAutoRoll m_oAutoRoll;  // guarded by m_oAutoRollMutex
+
   ClImage m_aCalibratedImages[3];
   ClTpTripleBuffer<ClImage> m_oCalibratedBuffer;  // calibrating worker to masking worker
   ClImage m_aMaskedImages[3];
@@ -220,8 +232,10 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   boost::thread m_oFullThread;
   boost::thread m_oPreviewThread;
   boost::thread m_oDirtThread;
+  boost::thread m_oRollThread;
   boost::thread m_oMaskThread;
   boost::thread m_oAutoDetectionThread;
+  boost::thread m_oMaskRollThread;
 
   /// Serialises mode switches against the one shot of eCaptureModeOff.
   boost::mutex m_oModeMutex;
@@ -231,6 +245,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   /// between two frames of a stream.
   ClTicketMutex m_oSensorMutex;
   boost::mutex m_oFullImageMutex;
+  boost::mutex m_oAutoRollMutex;
   boost::mutex m_oDisplayMutex;
 
   unsigned int m_nRolledPostProcess = 0;

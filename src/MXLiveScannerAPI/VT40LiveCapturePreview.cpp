@@ -15,7 +15,6 @@ namespace {
 constexpr unsigned char cnTargetGrey = 224;
 constexpr unsigned int cnMaskWaitSeconds = 3;
 constexpr unsigned int cnPreviewWaitSeconds = 15;
-constexpr unsigned int cnRollWaitSeconds = 5;
 constexpr int cnMaskDpi = 500;
 
 }  // namespace
@@ -136,16 +135,10 @@ void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, 
   dScore = m_dScore;
 }
 
-void ClVT40LiveCapture::GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
-  const bool bArrived = WaitForImage(m_oMaskedBuffer, cnRollWaitSeconds);
-  // Read between wait and copy, so that "done" always comes with the finished picture.
-  eState = m_eDetectState;
-  if (!bArrived) KLV_RAISE(ClException, "timeout during rolled image reading", -60);
-  TpReadLock<ClImage> oRead(m_oMaskedBuffer);
-  oImage = oRead.Item();
-  dScore = 0.0;
-}
-
 void ClVT40LiveCapture::ResetImage() {
-  KLV_RAISE(ClException, "Image reset not supported in current capture mode.", -50);
+  if (m_eCaptureMode != eCaptureModeRoll) {
+    KLV_RAISE(ClException, "Image reset not supported in current capture mode.", -50);
+  }
+  Lock oAutoRollLock(m_oAutoRollMutex);
+  m_oAutoRoll.ResetProcessor();
 }

@@ -62,7 +62,11 @@ class ClVTLiveCaptureBase {
   virtual ECaptureMode GetCaptureMode() { return m_eCaptureMode; }
 
   ECaptureState GetDetectState() const { return m_eDetectState; }
-  void SetDetectState(ECaptureState eState) { m_eDetectState = eState; }
+  /// For a finished capture that was delivered: done becomes no finger. A state that has gone on stays.
+  void TakeDone() {
+    ECaptureState eDone = eCaptureStateDone;
+    m_eDetectState.compare_exchange_strong(eDone, eCaptureStateNoFinger);
+  }
   /// The outcome of the last roll: 0 or -801 to -805.
   long GetReturnCode() const { return m_nReturnCode; }
   /// Dirt level of the platen, 0 clean to 100.

@@ -1,0 +1,137 @@
+// Puts a rolled fingerprint together from the frames of a finger that turns on the platen.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "MXImageProcessing/IpAnd.h"
+#include "MXImageProcessing/IpBinarizeGlobal.h"
+#include "MXImageProcessing/IpDelta.h"
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/IpInvert.h"
+#include "MXImageProcessing/IpLabeling.h"
+#include "MXImageProcessing/IpMoveImage.h"
+#include "MXImageProcessing/IpRotate.h"
+#include "MXImageProcessing/NewIp1to1Base.h"
+#include "MXTools/Vector.h"
+
+/// Nobody tells it when a roll begins or ends: a finger in the frame begins one, an empty frame ends it. Each
+/// frame adds the strip that newly came into contact to the merged image, and the movement is graded.
+///
+/// Domain     masked frames, eUint8, one plane: fingers dark on 255. The size may change only behind
+///            ResetProcessor.
+/// Range      the output is the merged image so far, behind a roll the finished one until the next begins.
+/// Ownership  keeps no frame beyond a call.
+/// Threads    thread-bound.
+/// Errors     returned, and no failures, the grade of the roll: -801 the ridges slipped, -802 too fast, -803
+///            turned back, -804 twisted, -805 too small. Raised: -14 a size of 0, -701 no output, -44 another
+///            size in mid-stream.
+/// Cost       some ten mean filters and one labelling a frame; nothing is allocated from the second roll on.
+class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
+ public:
+  enum EProcessorState : int { eStateIdle = 0, eStateRolling = 1, eStateFinished = 2 };
+
+  /// What one frame shows of the finger: centre of mass in pixels, axis in radians, 0 to pi.
+  struct stMomentMeasures {
+    double dX = 0.0;
+    double dY = 0.0;
+    double dAngle = 0.0;
+  };
+
+  ClIpAutoRoll();
+
+  int GetProcessorState() const { return m_nProcessorState; }
+  /// 0 or the grade of the roll that is running or finished.
+  long GetReturnCode() const { return m_nReturnCode; }
+  /// On: finished rolls are centred and turned upright.
+  void SetAutoRotate(bool bAutoRotate) { m_bAutoRotate = bAutoRotate; }
+  /// Drops the roll; the next finger begins on a white image.
+  void ResetProcessor();
+
+  ClProcessorBase* Create() const override;
+  const char* Name() const override { return "ClIpAutoRoll"; }
+  void SetParametersToDefault() override;
+
+ protected:
+  long Process() override;
+  void CheckInOutImageTypes() override;
+
+ private:
+  /// Sums over the pixels of the largest object of an image.
+  struct StRegion {
+    int64_t nCount = 0;
+    double dX = 0.0;
+    double dY = 0.0;
+    double dXX = 0.0;
+    double dYY = 0.0;
+    double dXY = 0.0;
+  };
+  /// Towards higher x, towards lower x, not yet known.
+  enum EDirection : int { eDirectionForward = 0, eDirectionBack = 1, eDirectionUnknown = 2 };
+
+  void EnhanceCurrentImage();
+  void BeginRoll();
+  void ContinueRoll();
+  void FinishRoll();
+  stMomentMeasures ComputeCenterOfMassAndCentroidAngle();
+  StRegion LargestRegion(ClImage& oImage);
+  void DetermineRollDirectionAndAngle();
+  void AddCurrentImage();
+  void MakeWeights();
+  void CheckForSkippedImage(const ClImage& oFirst, const ClImage& oSecond);
+  void MeasureRidges();
+  void CheckSlippageBetweenImages();
+  void BinarizeImage(ClImage& oIn, ClImage& oOut);
+  void CheckRollAreaSize();
+  void CheckForRotation();
+  void AutoRotateAndCropMergedImage();
+
+  bool m_bAutoRotate = true;
+  long m_nReturnCode = 0;
+  int m_nDirection = eDirectionUnknown;
+  unsigned int m_nImageCount = 0;
+  int m_nProcessorState = eStateIdle;
+  ClImage m_oCurrent;
+  bool m_bFingerPresent = false;
+  ClImage m_oMerged;
+  ClImage m_oRotated;
+  std::vector<stMomentMeasures> m_aMoments;
+  int m_nMaxArea = 0;
+  /// Root of the mean squared difference of two frames' ridges from which they have slipped.
+  double m_dSlipThreshold = 85.0;
+  int m_nMaxSlipRun = 0;
+  int m_nSlipRun = 0;
+  ClVector m_oCenter;
+
+  // The finger's area and its softened ridges, of this frame and of the one before.
+  ClImage m_oArea;
+  ClImage m_oRidges;
+  ClImage m_oLastArea;
+  ClImage m_oLastRidges;
+
+  // Scratch, named by what it holds.
+  ClImage m_oMergedFinger;
+  ClImage m_oFrameFinger;
+  ClImage m_oShared;
+  ClImage m_oSoftFrame;
+  ClImage m_oSoftShared;
+  ClImage m_oDifference;
+  ClImage m_oStrip;
+  ClImage m_oFrameArea;
+  ClImage m_oSoft;
+  ClImage m_oLabels;
+  ClImage m_oCentred;
+  std::vector<int64_t> m_aLabelSizes;
+
+  ClIpFilterMid m_oMean;
+  ClIpBinarizeGlobal m_oBinarize;
+  ClIpInvert m_oInvert;
+  ClIpAnd m_oAnd;
+  ClIpDelta m_oDelta;
+  ClIpLabeling m_oLabeling;
+  ClIpMoveImage m_oMove;
+  ClIpRotate m_oRotate;
+};
+
+/// Sorts by angle, the greatest first.
+bool sortMomentMeasures(const ClIpAutoRoll::stMomentMeasures& a, const ClIpAutoRoll::stMomentMeasures& b);
