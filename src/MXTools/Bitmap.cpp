@@ -292,6 +292,26 @@ void ClBitmap::CopyFrom(const ClImage& oImage, bool bCopyPixels) {
   Install(pHeader, pPixels);
 }
 
+void ClBitmap::CopyFrom(const unsigned char* pBlock, bool bCopyPixels) {
+  unsigned char* pHeader = MemToBitmapInfoHeader(const_cast<unsigned char*>(pBlock));
+  ClBitmap oOther;
+  tagBITMAPINFOHEADER oHeader;
+  std::memcpy(&oHeader, pHeader, sizeof(oHeader));
+  oOther.Attach(pHeader, pHeader + HeadBytes(&oHeader));
+  CopyFrom(oOther, bCopyPixels);
+}
+
+void ClBitmap::CopyTo(unsigned char* pBlock) const {
+  const unsigned int nPixelBytes = ImageSize(Header());
+  const auto nHeadBytes = static_cast<size_t>(HeadBytes(Header()));
+  std::memcpy(pBlock, Header(), nHeadBytes);
+  std::copy_n(Pixels(), nPixelBytes, pBlock + nHeadBytes);
+}
+
+unsigned int ClBitmap::BlockSize() const {
+  return static_cast<unsigned int>(HeadBytes(Header()) + ImageSize(Header()));
+}
+
 void ClBitmap::DetachThis() {
   CopyFrom(*this, true);
 }

@@ -53,6 +53,45 @@ class ClBitmap : private boost::noncopyable {
   void CopyFrom(const ClBitmap& oOther, bool bCopyPixels);
   /// Errors: -33 for an element type other than eUint8, and for rows that can't be shared.
   void CopyFrom(const ClImage& oImage, bool bCopyPixels);
+  /// The same from a block of header, palette and pixels as long as its header tells.
+  void CopyFrom(const unsigned char* pBlock, bool bCopyPixels);
+  /// Writes header, palette and pixels one behind the other: BlockSize() bytes.
+  void CopyTo(unsigned char* pBlock) const;
+  /// Errors: -10 when empty.
+  unsigned int BlockSize() const;
+  /// An image of its own: one plane for up to 8 bits and a grey palette, four for 32 bits, else three, blue
+  /// first. Rows keep the order of the block.
+  /// Errors: -10 when empty; -31 for an encoded bitmap.
+  void GetImage(ClImage& oImage) const;
+
+  /// The colour of a pixel, blue in the lowest byte, then green, red, and alpha where there is any. An index
+  /// without an entry in the palette is black; a depth beyond 32 bits gives all bits set.
+  /// Errors: -35 outside; -10 and -31 as GetImage.
+  unsigned int GetPixel(long nX, long nY) const;
+  /// Sets what GetPixel tells, to the precision of the depth; with a palette to its nearest colour.
+  void SetPixel(long nX, long nY, unsigned int nColor);
+  /// Whether red, green and blue are equal in each entry of the palette. With bPixels, and without a palette,
+  /// in each pixel.
+  bool IsGray(bool bPixels) const;
+
+  enum EChannel : int { eBlue = 0, eGreen = 1, eRed = 2, eAlpha = 3 };
+  /// One channel as an image of one plane. Errors: -35 for another channel.
+  void GetChannel(int nChannel, ClImage& oImage) const;
+  /// Errors: -33 for an image that is not of one plane of eUint8, -44 for one of another size.
+  void SetChannel(int nChannel, const ClImage& oImage);
+  void GetBlueChannel(ClImage& oImage) const { GetChannel(eBlue, oImage); }
+  void GetGreenChannel(ClImage& oImage) const { GetChannel(eGreen, oImage); }
+  void GetRedChannel(ClImage& oImage) const { GetChannel(eRed, oImage); }
+  void GetAlphaChannel(ClImage& oImage) const { GetChannel(eAlpha, oImage); }
+  void SetBlueChannel(const ClImage& oImage) { SetChannel(eBlue, oImage); }
+  void SetGreenChannel(const ClImage& oImage) { SetChannel(eGreen, oImage); }
+  void SetRedChannel(const ClImage& oImage) { SetChannel(eRed, oImage); }
+  void SetAlphaChannel(const ClImage& oImage) { SetChannel(eAlpha, oImage); }
+  /// All channels at once; NULL leaves one out.
+  void SplitChannels(ClImage* pBlue, ClImage* pGreen, ClImage* pRed, ClImage* pAlpha) const;
+  /// A new bitmap of the first image's size and resolution: 32 bits with pAlpha, else 24. A channel of NULL
+  /// is 0. Errors: as SetChannel; -10 without any image.
+  void JoinChannels(const ClImage* pBlue, const ClImage* pGreen, const ClImage* pRed, const ClImage* pAlpha);
 
   /// The file format. After a failure of Load the bitmap is empty.
   void Load(ClStream& oStream);
@@ -91,6 +130,9 @@ class ClBitmap : private boost::noncopyable {
   unsigned int RowSize() const { return RowSize(m_pHeader.get()); }
 
   static bool IsValidBitCount(long nBits);
+  /// nBytes of [1, 4], little-endian.
+  static uint32_t LongFromMem(const unsigned char* pMemory, unsigned int nBytes);
+  static void LongToMem(unsigned char* pMemory, unsigned int nBytes, uint32_t nValue);
   /// Palette entries or masks. Errors: ClExKelvarin -10 without a header.
   static unsigned int PalSize(const tagBITMAPINFOHEADER* pHeader);
   static unsigned int RowSize(const tagBITMAPINFOHEADER* pHeader);
@@ -112,6 +154,23 @@ class ClBitmap : private boost::noncopyable {
   static HeaderHolder CopyHead(const unsigned char* pHeader, uint64_t nPixelBytes);
   static PixelsHolder PixelsBehind(const HeaderHolder& pHeader);
   static PixelsHolder SharePixels(const ClImage& oImage);
+  /// Where a channel lies in a pixel of 16 or 32 bits.
+  struct MaskData {
+    explicit MaskData(uint32_t nMask);
+    uint32_t Get(uint32_t nPixel) const;
+    uint32_t Set(uint32_t nPixel, uint32_t nValue) const;
+
+    uint32_t m_nMask;
+    unsigned int m_nLowest = 0;  ///< lowest set bit
+    uint32_t m_nLargest = 0;     ///< what its length can hold
+  };
+  void CheckPlain() const;
+  void CheckPosition(long nX, long nY) const;
+  long Rows() const;
+  unsigned int PaletteColor(uint32_t nIndex) const;
+  uint32_t NearestIndex(uint32_t nColor) const;
+  /// Of EChannel.
+  MaskData GetMask(int nChannel) const;
   void Install(const HeaderHolder& pHeader, const PixelsHolder& pPixels);
   size_t LineOffset(long nY) const { return static_cast<size_t>(nY) * RowSize(); }
 

@@ -62,7 +62,8 @@ class ClBitmapReader {
     }
     const unsigned int nPixelBytes = ClBitmap::ImageSize(&oPlain);
     if (bEncoded) oPlain.biSizeImage = nPixelBytes;
-    RequireLeft(static_cast<uint64_t>(m_nPaletteRead) * 4 + (bEncoded ? 0 : nPixelBytes));
+    RequireLeft(static_cast<uint64_t>(m_nPaletteRead) * 4 +
+                (bEncoded ? LeastEncodedBytes(nPixelBytes) : nPixelBytes));
     const uint64_t nPaletteBytes = static_cast<uint64_t>(ClBitmap::PalSize(&oPlain)) * 4;
     const ClBitmap::HeaderHolder pHeader = ClBitmap::AllocBlock(cnHeaderSize + nPaletteBytes, nPixelBytes);
     *pHeader = oPlain;
@@ -173,6 +174,13 @@ class ClBitmapReader {
   void Skip(unsigned int nBytes) {
     unsigned char aIgnored[256];
     while (nBytes != 0) nBytes -= m_oStream.Read(aIgnored, std::min<unsigned int>(nBytes, sizeof(aIgnored)));
+  }
+
+  /// Runs give less than 128 pixels a byte. Small bitmaps may leave out what they like; a large one has to
+  /// hold what fills it, so that no short file can ask for gigabytes.
+  static uint64_t LeastEncodedBytes(unsigned int nPixelBytes) {
+    constexpr unsigned int cnSmall = 1u << 20;
+    return nPixelBytes > cnSmall ? (nPixelBytes - cnSmall) / 128 : 0;
   }
 
   unsigned char* Row(int32_t nY) {

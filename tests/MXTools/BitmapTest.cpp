@@ -198,19 +198,6 @@ TEST(BitmapFile, WhatIsStoredIsLoadedAndTheBytesAreTheFormats) {
   EXPECT_TRUE(oLoaded == oBitmap);
 }
 
-TEST(BitmapFile, AFileCutAtAnyByteIsRefusedAndLeavesNothing) {
-  ClBitmap oBitmap;
-  oBitmap.Create(5, 2, 8, 0);
-  const Bytes aFile = Stored(oBitmap);
-  for (size_t nCut = 0; nCut < aFile.size(); ++nCut) {
-    ClBitmap oLoaded;
-    oLoaded.Create(1, 1, 8, 0);
-    ASSERT_EQ(Load(oLoaded, Bytes(aFile.begin(), aFile.begin() + static_cast<ptrdiff_t>(nCut))), -201)
-        << nCut;
-    ASSERT_TRUE(oLoaded.IsEmpty());
-  }
-}
-
 TEST(BitmapFile, HostileHeadersAreRefusedBeforeAnythingIsAllocated) {
   ClBitmap oBitmap;
   EXPECT_EQ(Load(oBitmap, HeaderBytes(30000, 30000, 8, 0, 0)), -201);
