@@ -10,6 +10,7 @@
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
 #include "MXKernels/RunRows.h"
+#include "MXKernels/TapRows.h"
 #include "MXKernels/WarpRow.h"
 
 /// The contracts are those of the functions of the same names in MXKernels.
@@ -49,6 +50,13 @@ void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount)
 void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
 void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
 void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
+
+void WeightRowsU8(const uint8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
+                  int32_t* pLine, size_t nCount) noexcept;
+void WeightRowsI8(const int8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
+                  int32_t* pLine, size_t nCount) noexcept;
+void WeightLine(const int32_t* pLine, const int32_t* pTaps, size_t nTaps, int32_t* pSums,
+                size_t nCount) noexcept;
 
 void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept;
 

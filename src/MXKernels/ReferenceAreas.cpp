@@ -46,6 +46,18 @@ void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, 
   }
 }
 
+template <typename T>
+void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, int32_t* pLine,
+                size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    uint32_t nSum = 0;
+    for (size_t k = 0; k < nTaps; ++k) {
+      nSum += static_cast<uint32_t>(pTaps[k]) * static_cast<uint32_t>(pIn[pOffsets[k] + i]);
+    }
+    pLine[i] = static_cast<int32_t>(nSum);
+  }
+}
+
 }  // namespace
 
 void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
@@ -97,6 +109,27 @@ void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWor
 
 void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
   WindowRow(pIn, nCount, nHalf, pWork, pOut, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
+}
+
+void WeightRowsU8(const uint8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
+                  int32_t* pLine, size_t nCount) noexcept {
+  WeightRows(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
+}
+
+void WeightRowsI8(const int8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
+                  int32_t* pLine, size_t nCount) noexcept {
+  WeightRows(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
+}
+
+void WeightLine(const int32_t* pLine, const int32_t* pTaps, size_t nTaps, int32_t* pSums,
+                size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    uint32_t nSum = 0;
+    for (size_t k = 0; k < nTaps; ++k) {
+      nSum += static_cast<uint32_t>(pTaps[k]) * static_cast<uint32_t>(pLine[i + k]);
+    }
+    pSums[i] = static_cast<int32_t>(nSum);
+  }
 }
 
 void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {

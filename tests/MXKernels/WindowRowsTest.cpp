@@ -143,3 +143,28 @@ TEST(ZeroBitsRow, EveryLevelEqualsTheReferenceForEveryTail) {
     ExpectSameAndGuarded(oBits, oExpected);
   });
 }
+
+TEST(TapRows, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const size_t nTaps = 1 + oSamples.Number(12);
+    // Rows may come more than once; taps may be negative.
+    std::vector<size_t> aOffsets;
+    for (size_t k = 0; k < nTaps; ++k) aOffsets.push_back(oSamples.Number(3) * nCount);
+    std::vector<int32_t> aTaps;
+    for (size_t k = 0; k < nTaps; ++k) aTaps.push_back(static_cast<int32_t>(oSamples.Number(8190)) - 4095);
+    const auto aIn = oSamples.Row<uint8_t>(4 * nCount);
+    const std::vector<int8_t> aSigned(aIn.begin(), aIn.end());
+    TpGuardedRow<int32_t> oOut(nCount), oExpected(nCount);
+    Reference::WeightRowsU8(aIn.data(), aOffsets.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
+    WeightRowsU8(aIn.data(), aOffsets.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
+    ExpectSameAndGuarded(oOut, oExpected);
+    Reference::WeightRowsI8(aSigned.data(), aOffsets.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
+    WeightRowsI8(aSigned.data(), aOffsets.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
+    ExpectSameAndGuarded(oOut, oExpected);
+    const auto aWords = oSamples.Row<uint32_t>(nCount + nTaps - 1, 255 * 4095);
+    const std::vector<int32_t> aLine(aWords.begin(), aWords.end());
+    Reference::WeightLine(aLine.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
+    WeightLine(aLine.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
+    ExpectSameAndGuarded(oOut, oExpected);
+  });
+}

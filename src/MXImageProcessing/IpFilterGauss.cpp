@@ -1,0 +1,71 @@
+// The bell and its width.
+#include "MXImageProcessing/IpFilterGauss.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "MXImageProcessing/NewProcessor.h"
+#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
+
+long ClIpFilterGauss::ApplyParam(ClImage& oIn, ClImage& oOut, double dDeviation, long nWidth) {
+  m_pInImage = &oIn;
+  m_pOutImage = &oOut;
+  dSigma = dDeviation;
+  nFilterWidth = nWidth;
+  return Apply();
+}
+
+ClProcessorBase* ClIpFilterGauss::Create() const {
+  return NewProcessor<ClIpFilterGauss>();
+}
+
+void ClIpFilterGauss::SetParametersToDefault() {
+  ClIpLinFilterBase::SetParametersToDefault();
+  nFilterWidth = 0;
+  dSigma = 1.0;
+}
+
+void ClIpFilterGauss::QueryParameters(ClParameterInterface& oInterface) {
+  ClIpLinFilterBase::QueryParameters(oInterface);
+  oInterface.AddParameter(&dSigma, "dSigma", "In Sigma", ClParameterInterface::eIn, 1.0, -1.0);
+}
+
+void ClIpFilterGauss::PublishParameters(ClParameterContainer& oContainer) {
+  ClIpLinFilterBase::PublishParameters(oContainer);
+  oContainer.AddNumeric("dSigma", &dSigma)->SetDescription("In Sigma");
+}
+
+void ClIpFilterGauss::ParameterString(char* szText, unsigned int nSize) const {
+  FormatParameterString(szText, nSize, "S[%.2f] ", dSigma);
+  const auto nLength = static_cast<unsigned int>(std::strlen(szText));
+  ClIpLinFilterBase::ParameterString(szText + nLength, nSize - nLength);
+}
+
+long ClIpFilterGauss::CalcFilterWidth(double dDeviation) {
+  // No image is as wide as the limit.
+  constexpr double cdMost = 1 << 30;
+  if (!(dDeviation > 0.0)) return 1;
+  const auto nWidth = static_cast<long>(std::min(8.0 * dDeviation, cdMost));
+  return nWidth < 4 ? 3 : nWidth | 1;
+}
+
+void ClIpFilterGauss::CalcFilter(TpArrayStatic<double>& oReal, long nWidth) {
+  const long nFirst = (1 - nWidth) / 2;
+  const double dTwoSquares = 2.0 * dSigma * dSigma;
+  // The square of a very small deviation is 0 as well.
+  const bool bBell = dSigma > 0.0 && dTwoSquares > 0.0;
+  for (long n = 0; n < nWidth; ++n) {
+    const auto i = static_cast<double>(nFirst + n);
+    const double dNone = nFirst + n == 0 ? 1.0 : 0.0;
+    oReal[static_cast<unsigned int>(n)] =
+        bBell ? std::exp(-(i * i) / dTwoSquares) / (2.5066282746310002 * dSigma) : dNone;
+  }
+}
+
+long ClIpFilterGauss::Initialize() {
+  if (m_pInImage == nullptr || m_pOutImage == nullptr) return -35;
+  if (nFilterWidth < 1) nFilterWidth = CalcFilterWidth(dSigma);
+  return ClIpLinFilterBase::Initialize();
+}
