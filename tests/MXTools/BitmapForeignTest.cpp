@@ -1,0 +1,105 @@
+// Bitmaps of every depth against another reader and writer of the format.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "MXTools/Bitmap.h"
+#include "TemporaryDirectory.h"
+
+namespace {
+
+class BitmapForeign : public testing::Test {
+ protected:
+  std::string Path(const std::string& sName) const { return m_oDirectory.Path(sName); }
+
+  void Convert(const std::string& sArguments) const {
+    const std::string sCommand = std::string(KLV_CONVERT) + " " + sArguments;
+    ASSERT_EQ(std::system(sCommand.c_str()), 0) << sCommand;
+  }
+
+  /// Red, green and blue of each pixel, top row first.
+  static std::vector<int> ColorsOf(const ClBitmap& oBitmap) {
+    std::vector<int> aColors;
+    for (long y = oBitmap.Header()->biHeight - 1; y >= 0; --y) {
+      for (long x = 0; x < oBitmap.Header()->biWidth; ++x) {
+        for (const int nShift : {16, 8, 0})
+          aColors.push_back(static_cast<int>(oBitmap.GetPixel(x, y) >> nShift & 255));
+      }
+    }
+    return aColors;
+  }
+
+  std::vector<int> ColorsOf(const std::string& sFile) const {
+    Convert("'" + Path(sFile) + "' -alpha off -depth 8 'ppm:" + Path("back.ppm") + "'");
+    std::ifstream oFile(Path("back.ppm"), std::ios::binary);
+    std::string sMagic;
+    int nWidth = 0, nHeight = 0, nLargest = 0;
+    oFile >> sMagic >> nWidth >> nHeight >> nLargest;
+    oFile.get();
+    const std::string sPixels((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
+    std::vector<int> aColors;
+    for (const char c : sPixels) aColors.push_back(static_cast<unsigned char>(c));
+    return aColors;
+  }
+
+  /// Five bits become eight by a product here and by repeated bits elsewhere, which may differ by one.
+  static void ExpectEqual(const std::vector<int>& aOurs, const std::vector<int>& aTheirs, int nTolerance) {
+    ASSERT_EQ(aOurs.size(), aTheirs.size());
+    for (size_t n = 0; n < aOurs.size(); ++n) ASSERT_NEAR(aOurs[n], aTheirs[n], nTolerance) << n;
+  }
+
+  ClTemporaryDirectory m_oDirectory;
+};
+
+TEST_F(BitmapForeign, ReadsWhatWeWriteInEveryDepth) {
+  std::mt19937 oRandom(61);
+  for (const auto& [nBits, nCompression] :
+       {std::pair(1L, 0L), {4, 0}, {8, 0}, {16, 0}, {16, 3}, {24, 0}, {32, 0}, {32, 3}}) {
+    SCOPED_TRACE(testing::Message() << nBits << " bits, compression " << nCompression);
+    ClBitmap oBitmap;
+    oBitmap.Create(37, 11, nBits, nCompression);
+    // A palette of colours shows an exchange of red and blue.
+    for (unsigned int n = 0; nBits <= 8 && n < 1u << nBits; ++n)
+      ClBitmap::LongToMem(oBitmap.Palette() + 4 * n, 4, static_cast<uint32_t>(oRandom()) & 0xFFFFFF);
+    for (int n = 0; n < 37 * 11; ++n)
+      oBitmap.SetPixel(n % 37, n / 37, static_cast<uint32_t>(oRandom()) | 0xFF000000);
+    oBitmap.Store(Path("ours.bmp").c_str());
+    ExpectEqual(ColorsOf(oBitmap), ColorsOf("ours.bmp"), nBits == 16 ? 1 : 0);
+  }
+}
+
+TEST_F(BitmapForeign, WritesWhatWeReadInEveryDepth) {
+  std::mt19937 oRandom(62);
+  std::ofstream oSource(Path("source.ppm"), std::ios::binary);
+  oSource << "P6\n37 11\n255\n";
+  for (int n = 0; n < 37 * 11 * 3; ++n) oSource.put(static_cast<char>(oRandom()));
+  oSource.close();
+  const struct {
+    const char* szOptions;
+    int nBits;  ///< 0: as the other program likes it
+  } aCases[] = {{"-monochrome -type bilevel BMP3:", 1},
+                {"+dither -colors 12 -type palette BMP3:", 4},
+                {"+dither -colors 200 -type palette BMP3:", 8},
+                {"+dither -colors 20 -type palette -compress RLE BMP3:", 8},
+                {"-colorspace gray -type grayscale BMP3:", 8},
+                {"-define bmp:subtype=RGB555 BMP3:", 0},
+                {"-define bmp:subtype=RGB565 BMP3:", 0},
+                {"-type truecolor BMP3:", 24},
+                {"-alpha set -type truecolormatte BMP4:", 32}};
+  for (const auto& oCase : aCases) {
+    SCOPED_TRACE(oCase.szOptions);
+    Convert("'" + Path("source.ppm") + "' " + oCase.szOptions + "'" + Path("theirs.bmp") + "'");
+    ClBitmap oBitmap;
+    oBitmap.Load(Path("theirs.bmp").c_str());
+    EXPECT_TRUE(oCase.nBits == 0 || oCase.nBits == oBitmap.Header()->biBitCount)
+        << oBitmap.Header()->biBitCount;
+    ExpectEqual(ColorsOf(oBitmap), ColorsOf("theirs.bmp"), oBitmap.Header()->biBitCount == 16 ? 1 : 0);
+  }
+}
+
+}  // namespace
