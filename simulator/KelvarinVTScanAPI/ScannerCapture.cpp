@@ -80,7 +80,7 @@ void ClScanner::Delivered(const ClSensorSettings& oSettings) {
 void ClScanner::Record(const ClSensorSettings& oSettings, const ClSight& oSight) {
   if (m_nSequences == 0 || oSight.nState != m_nLastState) m_nSteadySince = m_nSequences;
   m_nLastState = oSight.nState;
-  VTSimFrame& oFrame = m_aFrames[m_nSequences % g_cnFramesKept];
+  VTSimFrame& oFrame = m_aFrames[static_cast<size_t>(m_nSequences % g_cnFramesKept)];
   oFrame = VTSimFrame();
   oFrame.nNumber = m_nSequences;
   oFrame.nSteadySince = m_nSteadySince;

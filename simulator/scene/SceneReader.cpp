@@ -200,8 +200,9 @@ ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, con
   oFinger.dYMm = o.Number("y", oFinger.dYMm, -50.0, 130.0);
   oFinger.dAngle = o.Number("angle", oFinger.dAngle, -180.0, 180.0);
   oFinger.dPressure = o.Number("pressure", oFinger.dPressure, 0.0, 1.0);
-  // A picture of a real print is as dry as it is.
-  oFinger.dDryness = o.Number("dryness", oFinger.oPrint.sFile.empty() ? oFinger.dDryness : 0.0, 0.0, 1.0);
+  // A picture of a real print is as dry as it is, and an imitation is not dry at all.
+  const bool bSkin = oFinger.oPrint.sFile.empty() && oFinger.oPrint.eMaterial == eMaterialSkin;
+  oFinger.dDryness = o.Number("dryness", bSkin ? oFinger.dDryness : 0.0, 0.0, 1.0);
   oFinger.dHalo = o.Number("halo", oFinger.dHalo, 0.0, 1.0);
   ReadMotion(o, oFinger);
   o.Done();

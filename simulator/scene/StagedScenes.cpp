@@ -100,7 +100,7 @@ void Soil(ClStage& o) {
 void Imitate(ClStage& o, uint64_t nSeed) {
   constexpr EMaterial caMaterials[] = {eMaterialSoftCast, eMaterialFlatCast, eMaterialHalftone};
   for (ClFingerDescription& oFinger : o.oScanner.aFingers) {
-    oFinger.oPrint.eMaterial = caMaterials[nSeed % 3];
+    oFinger.oPrint.eMaterial = caMaterials[static_cast<size_t>(nSeed % 3)];
     oFinger.dDryness = 0.0;
   }
 }

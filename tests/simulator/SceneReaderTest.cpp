@@ -80,6 +80,7 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   EXPECT_EQ(o.aDirt[0].dUntil, 8.0);
   const ClFingerDescription& oFinger = o.aFingers[0];
   EXPECT_EQ(oFinger.oPrint.eMaterial, eMaterialHalftone);
+  EXPECT_EQ(oFinger.dDryness, 0.0) << "only skin is dry";
   EXPECT_EQ(oFinger.dTouchSeconds, 0.5);
   EXPECT_EQ(oFinger.dRepeat, 4.0);
   EXPECT_EQ(oFinger.dHalo, 0.5);
