@@ -51,7 +51,7 @@ class ClParameterInterface : private boost::noncopyable {
     ClParameter& operator=(const ClParameter& oOther);
 
     virtual void WriteToStream(ClStream& oStream) const;
-    /// 0, or -33, with the entry as it was, for the record of another parameter.
+    /// 0; with the entry as it was, -33 for the record of another parameter and -201 for one cut short.
     virtual long ReadFromStream(ClStream& oStream);
 
     const char* GetName() const { return m_szName.c_str(); }
@@ -101,7 +101,6 @@ class ClParameterInterface : private boost::noncopyable {
     void SetPointer(EType eType, const void* pValue);
     const void* GetPointer(EType eType) const;
     void WriteValue(ClStream& oStream) const;
-    double ReadValue(ClStream& oStream) const;
 
     EType m_eType = eVoid;
     EDirection m_eDirection = eInOut;

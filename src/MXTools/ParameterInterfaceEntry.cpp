@@ -29,17 +29,41 @@ void Write(ClStream& oStream, double dValue) {
   oStream.WriteAutoSwap(ElementFromDouble<T>(dValue));
 }
 
-template <typename T>
-double Read(ClStream& oStream) {
-  T tValue = 0;
-  oStream.ReadAutoSwap(tValue);
-  return static_cast<double>(tValue);
-}
+/// Reads numbers and remembers whether one came short, which a stream without its failure flag does not tell.
+class ClRecord {
+ public:
+  explicit ClRecord(ClStream& oStream) : m_oStream(oStream) {}
 
-unsigned char ReadByte(ClStream& oStream) {
-  unsigned char nByte = 0;
-  oStream.ReadAutoSwap(nByte);
-  return nByte;
+  template <typename T>
+  T Read() {
+    T tValue = 0;
+    m_bWhole &= m_oStream.ReadAutoSwap(tValue) == sizeof(T);
+    return tValue;
+  }
+  bool IsWhole() const { return m_bWhole; }
+
+ private:
+  ClStream& m_oStream;
+  bool m_bWhole = true;
+};
+
+double ReadRecordValue(ClRecord& rRecord, ClParameterInterface::EType eType) {
+  switch (eType) {
+    case ClParameterInterface::eByte:
+      return rRecord.Read<uint8_t>();
+    case ClParameterInterface::eShort:
+      return rRecord.Read<int16_t>();
+    case ClParameterInterface::eAngle:
+      return rRecord.Read<uint16_t>();
+    case ClParameterInterface::eLong:
+      return rRecord.Read<int32_t>();
+    case ClParameterInterface::eDouble:
+      return rRecord.Read<double>();
+    case ClParameterInterface::eFloat:
+      return static_cast<double>(rRecord.Read<float>());
+    default:
+      return 0;
+  }
 }
 
 void Copy(char* szText, unsigned int nSize, const char* szSource) {
@@ -338,38 +362,26 @@ void ClEntry::WriteValue(ClStream& oStream) const {
   }
 }
 
-double ClEntry::ReadValue(ClStream& oStream) const {
-  switch (m_eType) {
-    case eByte:
-      return Read<uint8_t>(oStream);
-    case eShort:
-      return Read<int16_t>(oStream);
-    case eAngle:
-      return Read<uint16_t>(oStream);
-    case eLong:
-      return Read<int32_t>(oStream);
-    case eDouble:
-      return Read<double>(oStream);
-    default:
-      return Read<float>(oStream);
-  }
-}
-
 long ClEntry::ReadFromStream(ClStream& oStream) {
   char* szStored = nullptr;
   oStream.ReadString(&szStored);
   const std::unique_ptr<char[]> szName(szStored);
   if (szStored == nullptr || m_szName != szStored) return -33;
-  const unsigned char nDirection = ReadByte(oStream);
-  const bool bFixedRange = ReadByte(oStream) != 0;
-  const double dMinimum = Read<double>(oStream);
-  const double dMaximum = Read<double>(oStream);
-  const double dDefault = Read<double>(oStream);
-  const bool bMarked = ReadByte(oStream) != 0;
-  const bool bLocked = ReadByte(oStream) != 0;
+  ClRecord oRecord(oStream);
+  const uint8_t nDirection = oRecord.Read<uint8_t>();
+  const bool bFixedRange = oRecord.Read<uint8_t>() != 0;
+  const double dMinimum = oRecord.Read<double>();
+  const double dMaximum = oRecord.Read<double>();
+  const double dDefault = oRecord.Read<double>();
+  const bool bMarked = oRecord.Read<uint8_t>() != 0;
+  const bool bLocked = oRecord.Read<uint8_t>() != 0;
+  const uint8_t nType = oRecord.Read<uint8_t>();
+  if (!oRecord.IsWhole()) return -201;
   // The member has the size of this entry's type, whatever the record says.
-  if (ReadByte(oStream) != static_cast<unsigned char>(m_eType)) return -33;
-  if (m_eType <= eFloat) SetValue(ReadValue(oStream));
+  if (nType != static_cast<uint8_t>(m_eType)) return -33;
+  const double dValue = ReadRecordValue(oRecord, m_eType);
+  if (!oRecord.IsWhole()) return -201;
+  if (m_eType <= eFloat) SetValue(dValue);
   m_eDirection = static_cast<EDirection>(nDirection & 3);
   m_bFixedRange = bFixedRange;
   m_dMinimum = dMinimum;
