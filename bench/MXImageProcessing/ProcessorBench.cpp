@@ -4,10 +4,13 @@
 #include <random>
 
 #include "MXImageProcessing/Histogram.h"
+#include "MXImageProcessing/IpAnd.h"
+#include "MXImageProcessing/IpDelta.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpLabeling.h"
+#include "MXImageProcessing/IpMultiply.h"
 #include "MXImageProcessing/IpSubsample.h"
 #include "MXImageProcessing/IpSubtract.h"
 
@@ -56,12 +59,13 @@ void Labeling(benchmark::State& oState) {
   for (auto _ : oState) oLabeling.ApplyParam(oIn, oOut);
 }
 
-void Subtract800(benchmark::State& oState) {
+template <class TProcessor>
+void TwoImages800(benchmark::State& oState) {
   ClImage oIn1, oIn2, oOut;
   FillRandom(oIn1, 800);
   FillRandom(oIn2, 800);
-  ClIpSubtract oSubtract;
-  for (auto _ : oState) oSubtract.ApplyParam(oIn1, oIn2, oOut, ClImage::cnTypeDefault);
+  TProcessor oProcessor;
+  for (auto _ : oState) oProcessor.ApplyParam(oIn1, oIn2, oOut, ClImage::cnTypeDefault);
 }
 
 void Flip1600(benchmark::State& oState) {
@@ -92,7 +96,10 @@ BENCHMARK(FilterMid)->ArgsProduct({{800, 1600}, {3, 7, 15, 101}})->Unit(benchmar
 BENCHMARK(FilterMid16Bit)->Unit(benchmark::kMillisecond);
 BENCHMARK(FilterMin)->Arg(7)->Arg(101)->Unit(benchmark::kMillisecond);
 BENCHMARK(Labeling)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
-BENCHMARK(Subtract800)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(TwoImages800, ClIpSubtract)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(TwoImages800, ClIpDelta)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(TwoImages800, ClIpAnd)->Unit(benchmark::kMillisecond);
+BENCHMARK_TEMPLATE(TwoImages800, ClIpMultiply)->Unit(benchmark::kMillisecond);
 BENCHMARK(Flip1600)->Args({1, 0})->Args({0, 1})->Unit(benchmark::kMillisecond);
 BENCHMARK(Subsample1600)->Unit(benchmark::kMillisecond);
 BENCHMARK(Histogram1600)->Unit(benchmark::kMillisecond);

@@ -1,7 +1,8 @@
 // Tests of what all processors share: the run, the generic loops, the lists of parameters.
 #include <gmock/gmock.h>
 
-#include <cmath>
+#include <cstdarg>
+#include <cstdio>
 #include <memory>
 
 #include "MXImageProcessing/IpAnd.h"
@@ -15,6 +16,7 @@
 #include "MXImageProcessing/IpSplitPlanes.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXTools/ClassCallProfile.h"
+#include "MXTools/ProfileTimer.h"
 #include "ParameterLists.h"
 #include "TestImages.h"
 
@@ -35,6 +37,31 @@ class ClScripted : public ClProcessorBase {
 
  private:
   void Note(const char* szCall) { m_szCalls += szCall; }
+};
+
+/// Keeps what processors send it.
+class ClNotingTimer : public ClProfileTimer {
+ public:
+  void TimerStart(const char* szFormat, ...) override {
+    va_list aArguments;
+    va_start(aArguments, szFormat);
+    Note("start ", szFormat, aArguments);
+    va_end(aArguments);
+  }
+  void TimerStop(const char* szFormat, ...) override {
+    va_list aArguments;
+    va_start(aArguments, szFormat);
+    Note("stop ", szFormat, aArguments);
+    va_end(aArguments);
+  }
+  std::vector<std::string> m_aLines;
+
+ private:
+  void Note(const char* szKind, const char* szFormat, va_list aArguments) {
+    char szText[600];
+    std::vsnprintf(szText, sizeof(szText), szFormat, aArguments);
+    m_aLines.push_back(szKind + std::string(szText));
+  }
 };
 
 /// Half of the value, by the generic loop of either base.
@@ -88,6 +115,26 @@ TEST(Processor, CountsItsCompletedRunsUnderItsOwnClass) {
   ASSERT_EQ(oProfile.Entries().Entries(), 1u);
   EXPECT_EQ(*oProfile.Entries()[0].m_pType, typeid(ClScripted));
   EXPECT_EQ(oProfile.Entries()[0].m_nCalls, 3u);
+}
+
+TEST(Processor, TellsTheTimerItsNameAndParametersBehindACompletedRun) {
+  ClNotingTimer oTimer;
+  ClImage oImage;
+  SetImage<float>(oImage, 1, 1, {1});
+  g_pProfileTimer = &oTimer;
+  ClIpScale oTimed;
+  ASSERT_TRUE(oTimed.IsTimerEnabled());
+  oTimed.ApplyParam(oImage, 1.5);
+  EXPECT_EQ(oTimer.m_aLines, (std::vector<std::string>{"start ", "stop ClIpScale ScaleFactor = 1.5000"}));
+  oImage.SetDataType(3);
+  EXPECT_EQ(RaisedNumber([&] { oTimed.ApplyParam(oImage, 1.5); }), -33);
+  EXPECT_EQ(oTimer.m_aLines.size(), 3u) << "a run that fails is not stopped";
+  oTimed.Timer(false);
+  g_pProfileTimer = nullptr;
+  EXPECT_FALSE(oTimed.IsTimerEnabled());
+  char szText[8];
+  EXPECT_EQ(RaisedNumber([&] { oTimed.ParameterString(szText, 0); }), -101);
+  EXPECT_EQ(RaisedNumber([&] { oTimed.ParameterString(szText, sizeof(szText)); }), -101) << "too long a text";
 }
 
 TEST(GenericLoop, AsksForEachByteValueOnceAndForOtherSamplesOneByOne) {
