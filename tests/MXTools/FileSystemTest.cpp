@@ -96,6 +96,48 @@ TEST(FileNames, RelativeAndAbsoluteOnesGoIntoEachOther) {
   EXPECT_EQ(Absolute("/a/bc/", Relative("/a/bc/", "/a/bd/e").c_str()), "/a/bd/e");
 }
 
+TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingBehindItsEnd) {
+  setenv("HOME", "/home/me", 1);
+  using namespace FileSystem;
+  const struct {
+    std::string szBefore;
+    std::string szAfter;
+    std::function<void(char*, unsigned int)> oCall;
+  } aCases[] = {{"", "a/b/", [](char* sz, unsigned int n) { GetPath("a/b/c.d", sz, n); }},
+                {"", "c.d", [](char* sz, unsigned int n) { GetFileName("a/b/c.d", sz, n); }},
+                {"", "c", [](char* sz, unsigned int n) { GetFileNameWithoutExt("a/b/c.d", sz, n); }},
+                {"", "a/", [](char* sz, unsigned int n) { GetPathAndName("a/c", sz, n, nullptr, 0); }},
+                {"", "/home/me/", [](char* sz, unsigned int n) { GetTempFileDir(sz, n); }},
+                {"", "/a/c/d", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "../c/d", sz, n); }},
+                {"", "/x/y", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "/x/y", sz, n); }},
+                {"", "../../x", [](char* sz, unsigned int n) { MakeRelativePath("/a/b/", "/x", sz, n); }},
+                {"ab", "ab/c/", [](char* sz, unsigned int n) { AddPath(sz, n, "c"); }},
+                {"ab.c", "ab.html", [](char* sz, unsigned int n) { ChangeExtension("html", sz, n); }},
+                {"", "/s/d", [](char* sz, unsigned int n) {
+                   if (NormalizeFilename("\\\\s\\d", sz, n) != 0) KLV_RAISE_NUMBER(-21);
+                 }}};
+  for (const auto& oCase : aCases) {
+    for (size_t nSize = oCase.szBefore.size() + 1; nSize < oCase.szAfter.size() + 3; ++nSize) {
+      std::string szBuffer(64, '\xA5');
+      szBuffer.replace(0, oCase.szBefore.size() + 1, oCase.szBefore.c_str(), oCase.szBefore.size() + 1);
+      long nNumber = 0;
+      try {
+        oCase.oCall(&szBuffer[0], static_cast<unsigned int>(nSize));
+      } catch (const ClException& e) {
+        nNumber = e.Number();
+      }
+      EXPECT_EQ(szBuffer.substr(nSize), std::string(64 - nSize, '\xA5')) << oCase.szAfter << ", " << nSize;
+      const bool bNormalized = oCase.szAfter == "/s/d";  // told the size of what goes in
+      if (nSize > oCase.szAfter.size() + (bNormalized ? 1 : 0)) {
+        EXPECT_EQ(nNumber, 0) << oCase.szAfter << ", " << nSize;
+        EXPECT_STREQ(szBuffer.c_str(), oCase.szAfter.c_str());
+      } else {
+        EXPECT_EQ(nNumber, -21) << oCase.szAfter << ", " << nSize;
+      }
+    }
+  }
+}
+
 TEST(WildCard, AStarIsAnyRunAndAQuestionMarkOneCharacterButNoDot) {
   const auto Match = [](const char* szPattern, const char* szName) {
     return FileSystem::ClWildCard(szPattern).Match(szName);
@@ -181,6 +223,19 @@ TEST_F(Disk, FilesAreCopiedWholeAndNotOntoThemselves) {
   } catch (const ClExFilesystem& e) {
     EXPECT_EQ(e.Number(), -200);
   }
+}
+
+TEST_F(Disk, ACopyThatCanNotBeReadOrWrittenIsTold) {
+  Write("small", "x");
+  Write("large", std::string(100000, 'x'));
+  for (const char* szName : {"small", "large"}) {
+    const std::string szFrom = m_oDirectory.Path(szName);
+    EXPECT_THROW(FileSystem::CopyFile(szFrom.c_str(), "/dev/full"), ClExSystem) << szName;
+    EXPECT_THROW(FileSystem::CopyFile(szFrom.c_str(), "/"), ClExFilesystem) << szName;
+  }
+  EXPECT_THROW(FileSystem::CopyFile("/", m_oDirectory.Path("to").c_str()), ClExSystem) << "a directory";
+  EXPECT_THROW(FileSystem::CreateDirectory(m_oDirectory.Path("small/below").c_str(), true), ClExSystem);
+  EXPECT_THROW(FileSystem::RemoveDirectory(m_oDirectory.Path("small").c_str(), true), ClExSystem);
 }
 
 TEST_F(Disk, EntriesAreFoundByPattern) {
