@@ -1,0 +1,221 @@
+// Rolls of drawn frames: the life of a roll, what it paints, and each grade on both sides of its limit.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "MXLiveScannerAPI/IpAutoRoll.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+constexpr int cnSize = 400;
+
+/// Ridges of the unrolled finger, 9 pixels apart, at a place of the platen.
+unsigned char Skin(double dX, double dY) {
+  const double dDistance = std::hypot(dX - 200.0, dY - 500.0);
+  return static_cast<unsigned char>(130.0 + 90.0 * std::sin(dDistance * 2.0 * 3.14159265358979 / 9.0));
+}
+
+/// One frame: the ellipse in contact, and how far the skin has drifted against the platen.
+struct StContact {
+  double dX = 200.0;
+  double dY = 200.0;
+  double dHalfWidth = 45.0;
+  double dHalfHeight = 110.0;
+  double dTilt = 0.0;  // of the ellipse, radians
+  double dDrift = 0.0;
+};
+
+void Draw(const StContact& oContact, ClImage& oFrame) {
+  oFrame.NewWithType(ClImage::eUint8, cnSize, cnSize, 1, 19685, 19685, true);
+  for (int y = 0; y < cnSize; ++y) {
+    unsigned char* pRow = oFrame.Row<unsigned char>(y);
+    for (int x = 0; x < cnSize; ++x) {
+      const double dX = x - oContact.dX, dY = y - oContact.dY;
+      const double dAcross = std::cos(oContact.dTilt) * dX + std::sin(oContact.dTilt) * dY;
+      const double dAlong = std::cos(oContact.dTilt) * dY - std::sin(oContact.dTilt) * dX;
+      // Like the mask's, the edge fades within some pixels.
+      const double dInside = 1.0 - std::hypot(dAcross / oContact.dHalfWidth, dAlong / oContact.dHalfHeight);
+      const double dShare = std::clamp(dInside * oContact.dHalfWidth / 12.0, 0.0, 1.0);
+      pRow[x] = static_cast<unsigned char>(255.0 - dShare * (255.0 - Skin(x, y + oContact.dDrift)));
+    }
+  }
+}
+
+class Roll : public testing::Test {
+ protected:
+  Roll() { m_oRoll.SetAutoRotate(false); }
+
+  long Show(const StContact& oContact) {
+    Draw(oContact, m_oFrame);
+    return m_oRoll.ApplyParam(m_oFrame, m_oOut);
+  }
+  long ShowEmpty() {
+    m_oFrame.NewWithType(ClImage::eUint8, cnSize, cnSize, 1, 19685, 19685, true);
+    m_oFrame = static_cast<unsigned char>(255);
+    return m_oRoll.ApplyParam(m_oFrame, m_oOut);
+  }
+  /// nFrames from dFrom to dTo, each changed by fnChange(n, contact), then an empty one; returns the grade.
+  long Perform(
+      double dFrom, double dTo, int nFrames,
+      const std::function<void(int, StContact&)>& fnChange = [](int, StContact&) {}) {
+    for (int n = 0; n < nFrames; ++n) {
+      StContact oContact;
+      oContact.dX = dFrom + (dTo - dFrom) * n / (nFrames - 1);
+      fnChange(n, oContact);
+      Show(oContact);
+    }
+    return ShowEmpty();
+  }
+  /// The painted columns of a row: how many, and their mean.
+  struct StPainted {
+    int nCount = 0;
+    double dColumn = 0.0;
+  };
+  StPainted PaintedIn(int nRow) const {
+    StPainted oPainted;
+    for (int x = 0; x < cnSize; ++x) {
+      if (m_oOut.Row<unsigned char>(nRow)[x] >= 250) continue;
+      ++oPainted.nCount;
+      oPainted.dColumn += x;
+    }
+    if (oPainted.nCount > 0) oPainted.dColumn /= oPainted.nCount;
+    return oPainted;
+  }
+  int PaintedWidth() const { return PaintedIn(200).nCount; }
+
+  ClIpAutoRoll m_oRoll;
+  ClImage m_oFrame;
+  ClImage m_oOut;
+};
+
+TEST_F(Roll, ACleanOnePaintsTheSkinAsItLiesOnThePlaten) {
+  EXPECT_EQ(ShowEmpty(), 0);
+  EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateIdle);
+  StContact oFirst;
+  oFirst.dX = 120.0;
+  Show(oFirst);
+  EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateRolling);
+  EXPECT_EQ(PaintedWidth(), 0) << "the first frame is measured only";
+  EXPECT_EQ(Perform(126.0, 290.0, 20), 0);
+  EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateFinished);
+  EXPECT_GT(PaintedWidth(), 240) << "one contact is 90 wide";
+  int nWrong = 0;
+  for (int y = 150; y < 250; ++y) {
+    for (int x = 100; x < 310; ++x) nWrong += std::abs(m_oOut.Row<unsigned char>(y)[x] - Skin(x, y)) > 40;
+  }
+  EXPECT_EQ(nWrong, 0) << "no seam is wider than the fading edges";
+  ShowEmpty();
+  EXPECT_GT(PaintedWidth(), 240) << "the finished print stays";
+  Show(oFirst);
+  EXPECT_EQ(PaintedWidth(), 0) << "the next finger begins on white";
+  EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateRolling);
+}
+
+TEST_F(Roll, SlippedIsThreeFramesInARowAndNotTwo) {
+  const auto Slip = [](std::vector<int> aFrames) {
+    return [aFrames = std::move(aFrames)](int n, StContact& oContact) {
+      for (const int nFrame : aFrames) oContact.dDrift += n >= nFrame ? 3.6 : 0.0;
+    };
+  };
+  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7})), 0);
+  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7, 9, 10})), 0) << "an interrupted run starts again";
+  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7, 8})), -801);
+}
+
+TEST_F(Roll, TooFastIsAFrameThatSharesTooLittle) {
+  EXPECT_EQ(Perform(60.0, 340.0, 4), -802);
+  EXPECT_EQ(Perform(280.0, 120.0, 20), 0) << "a new roll has a new grade; the direction is free";
+}
+
+TEST_F(Roll, TurnedBackNeedsMoreThanTwentyColumnsInThreeFrames) {
+  const auto Back = [](double dStep) {
+    return [dStep](int n, StContact& oContact) {
+      oContact.dX = n < 20 ? 120.0 + 8.0 * n + (n > 0 ? 5.0 : 0.0) : 285.0 - dStep * (n - 19);
+      // The first three frames set the direction.
+      if (n == 2) oContact.dX = 141.0;
+    };
+  };
+  EXPECT_EQ(Perform(0.0, 0.0, 24, Back(10.0)), 0) << "20 exactly";
+  EXPECT_EQ(Perform(0.0, 0.0, 24, Back(10.5)), -803);
+}
+
+TEST_F(Roll, TwistedIsMoreThanTwoFramesOffTheMean) {
+  const auto Twist = [](int nFrames) {
+    return [nFrames](int n, StContact& oContact) { oContact.dTilt = n >= 6 && n < 6 + nFrames ? 0.9 : 0.0; };
+  };
+  EXPECT_EQ(Perform(120.0, 280.0, 20, Twist(2)), 0);
+  EXPECT_EQ(Perform(120.0, 280.0, 20, Twist(3)), -804);
+}
+
+TEST_F(Roll, TooSmallIsAPrintHardlyWiderThanOneContact) {
+  EXPECT_EQ(Perform(190.0, 215.0, 8), -805);
+  EXPECT_EQ(Perform(180.0, 250.0, 12), 0);
+  Show({});
+  EXPECT_EQ(ShowEmpty(), -805) << "one frame has painted nothing";
+  EXPECT_EQ(PaintedWidth(), 0);
+}
+
+TEST_F(Roll, AFingerIsMoreThanAThousandDarkPixelsInTheMiddle) {
+  const auto ShowDark = [&](int nPixels) {
+    m_oFrame.NewWithType(ClImage::eUint8, cnSize, cnSize, 1, 0, 0, true);
+    m_oFrame = static_cast<unsigned char>(255);
+    for (int n = 0; n < nPixels; ++n) m_oFrame.Row<unsigned char>(200 + n / 40)[180 + n % 40] = 128;
+    m_oRoll.ApplyParam(m_oFrame, m_oOut);
+    return m_oRoll.GetProcessorState();
+  };
+  EXPECT_EQ(ShowDark(1000), ClIpAutoRoll::eStateIdle);
+  EXPECT_EQ(ShowDark(1001), ClIpAutoRoll::eStateRolling);
+}
+
+TEST_F(Roll, PostProcessingCentresThePrintAndTurnsItUpright) {
+  m_oRoll.SetAutoRotate(true);
+  const auto Tilt = [](int, StContact& oContact) {
+    oContact.dTilt = 0.35;
+    // The finger rolls square to its axis.
+    oContact.dY = 180.0 + (oContact.dX - 180.0) * std::tan(oContact.dTilt);
+  };
+  EXPECT_EQ(Perform(130.0, 230.0, 14, Tilt), 0);
+  double dX = 0.0, dY = 0.0, dCount = 0.0;
+  for (int y = 0; y < cnSize; ++y) {
+    const StPainted oRow = PaintedIn(y);
+    dCount += oRow.nCount;
+    dX += oRow.dColumn * oRow.nCount;
+    dY += 1.0 * y * oRow.nCount;
+  }
+  EXPECT_NEAR(dX / dCount, 200.0, 3.0);
+  EXPECT_NEAR(dY / dCount, 200.0, 3.0);
+  EXPECT_NEAR(PaintedIn(140).dColumn, PaintedIn(260).dColumn, 4.0) << "tilted they would lie 44 apart";
+}
+
+TEST_F(Roll, AResetBeginsAfreshAndFreesTheSize) {
+  StContact oContact;
+  Show(oContact);
+  oContact.dX = 206.0;
+  Show(oContact);
+  m_oRoll.ResetProcessor();
+  EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateIdle);
+  EXPECT_EQ(ShowEmpty(), 0);
+  EXPECT_EQ(PaintedWidth(), 0);
+  m_oFrame.NewWithType(ClImage::eUint8, 300, 200, 1, 0, 0, true);
+  m_oFrame = static_cast<unsigned char>(255);
+  const auto Number = [&](ClImage& oIn) {
+    try {
+      m_oRoll.ApplyParam(oIn, m_oOut);
+    } catch (const ClException& oFailure) {
+      return static_cast<long>(oFailure.Number());
+    }
+    return 0L;
+  };
+  EXPECT_EQ(Number(m_oFrame), -44);
+  m_oRoll.ResetProcessor();
+  EXPECT_EQ(Number(m_oFrame), 0);
+  ClImage oOther;
+  oOther.NewWithType(ClImage::eInt16, 300, 200, 1, 0, 0, true);
+  EXPECT_EQ(Number(oOther), -33);
+}
+
+}  // namespace
