@@ -10,6 +10,7 @@
 #include "MXKernels/PointRows.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 
 namespace {
 
@@ -39,6 +40,15 @@ ClProcessorBase* ClIpBinarizeGlobal::Create() const {
 
 void ClIpBinarizeGlobal::SetParametersToDefault() {
   m_dBlack = m_dWhite = m_dThreshold = std::numeric_limits<double>::quiet_NaN();
+}
+
+void ClIpBinarizeGlobal::QueryParameters(ClParameterInterface& oInterface) {
+  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
+  constexpr auto eIn = ClParameterInterface::eIn;
+  oInterface.AddParameter(&m_dBlack, "Black", "In: Pixelvalue of Black", eIn, 0, 0);
+  oInterface.AddParameter(&m_dWhite, "White", "In: Pixelvalue of White", eIn, 0, 0);
+  oInterface.AddParameter(&m_dThreshold, "Threshold", "In: Smallest Pixelvalue that becomes White", eIn, 0,
+                          0);
 }
 
 void ClIpBinarizeGlobal::PublishParameters(ClParameterContainer& oContainer) {
@@ -94,8 +104,10 @@ void ClIpBinarizeGlobal::Binarize(const ClImage& oIn, ClImage& oOut) const {
   const T nThreshold = ElementFromDouble<T>(std::is_floating_point_v<T> ? dThreshold : std::ceil(dThreshold));
   if constexpr (std::is_same_v<T, uint8_t>) {
     const auto nSamples = static_cast<size_t>(oIn.SamplesPerRow());
+    // Other than in the wider types, no byte reaches a threshold above all bytes.
+    const T nAbove = dThreshold > 255.0 ? nBlack : nWhite;
     for (int y = 0; y < oIn.Height(); ++y) {
-      MXKernels::ThresholdRow(oIn.Row<T>(y), oOut.Row<T>(y), nSamples, nThreshold, nBlack, nWhite);
+      MXKernels::ThresholdRow(oIn.Row<T>(y), oOut.Row<T>(y), nSamples, nThreshold, nBlack, nAbove);
     }
   } else {
     MapSamples<T, T>(oIn, oOut, [=](T nValue) { return nValue < nThreshold ? nBlack : nWhite; });

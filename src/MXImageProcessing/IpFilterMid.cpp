@@ -5,32 +5,13 @@
 #include <limits>
 #include <type_traits>
 
+#include "ColumnSums.h"
 #include "DirectedWindows.h"
 #include "MXImageProcessing/NewProcessor.h"
-#include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 
 namespace {
-
-template <typename T>
-struct TpBoxKernels;
-
-template <>
-struct TpBoxKernels<uint8_t> {
-  static constexpr auto Add = MXKernels::AddToColumnSumsU8;
-  static constexpr auto Take = MXKernels::TakeFromColumnSumsU8;
-  static constexpr auto Move = MXKernels::MoveColumnSumsU8;
-  static constexpr auto Mean = MXKernels::SlidingMeanRowU8;
-};
-
-template <>
-struct TpBoxKernels<uint16_t> {
-  static constexpr auto Add = MXKernels::AddToColumnSumsU16;
-  static constexpr auto Take = MXKernels::TakeFromColumnSumsU16;
-  static constexpr auto Move = MXKernels::MoveColumnSumsU16;
-  static constexpr auto Mean = MXKernels::SlidingMeanRowU16;
-};
 
 /// Whether the sum of a whole window fits the 32 bits of the kernels.
 template <typename T>
@@ -209,31 +190,12 @@ void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
 
 template <typename T>
 void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY) {
-  using Kernels = TpBoxKernels<T>;
-  const ClImage& oIn = *m_pInImage;
-  const long nHeight = oIn.Height();
-  const auto nCount = static_cast<unsigned int>(oIn.Width());
-  m_aSums.SetEntries(nCount);
+  const auto nCount = static_cast<unsigned int>(m_pInImage->Width());
   m_aPrefix.SetEntries(nCount + 1);
-  std::fill_n(m_aSums.Data(), nCount, 0U);
-  const auto Row = [&oIn](long y) { return oIn.Row<T>(static_cast<int>(y)); };
-  long nRows = std::min(nHalfY, nHeight);
-  for (long y = 0; y < nRows; ++y) Kernels::Add(Row(y), m_aSums.Data(), nCount);
-  for (long y = 0; y < nHeight; ++y) {
-    const bool bEnters = y + nHalfY < nHeight;
-    const bool bLeaves = y - nHalfY - 1 >= 0;
-    if (bEnters && bLeaves) {
-      Kernels::Move(Row(y + nHalfY), Row(y - nHalfY - 1), m_aSums.Data(), nCount);
-    } else if (bEnters) {
-      Kernels::Add(Row(y + nHalfY), m_aSums.Data(), nCount);
-      ++nRows;
-    } else if (bLeaves) {
-      Kernels::Take(Row(y - nHalfY - 1), m_aSums.Data(), nCount);
-      --nRows;
-    }
-    Kernels::Mean(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), static_cast<uint32_t>(nRows),
-                  m_aPrefix.Data(), m_pOutImage->Row<T>(static_cast<int>(y)));
-  }
+  ForColumnSums<T>(*m_pInImage, nHalfY, m_aSums, [&](int y, uint32_t nRows) {
+    TpBoxKernels<T>::Mean(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), nRows, m_aPrefix.Data(),
+                          m_pOutImage->Row<T>(y));
+  });
 }
 
 /// Calls fnRow(y)(x, sum of the window, number of its pixels) for every pixel.

@@ -1,4 +1,4 @@
-// Vector variants of the mean filter's kernels.
+// Vector variants of the kernels of the mean filter and threshold.
 #include "MXKernels/BoxRows.h"
 
 #include <algorithm>
@@ -199,6 +199,54 @@ void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint3
   SlidingMeanRow(pSums, nCount, nHalf, nRows, pPrefix, pOut);
 }
 
+/// In 32 bits: a sample with its offset is 511 at most, the area is limited by the caller.
+struct RuleAboveMean {
+  const uint8_t* m_pIn;
+  const uint32_t* m_pPrefix;
+  size_t m_nWidth;
+  int32_t m_nArea;
+  WindowThreshold m_oWindow;
+  template <class D>
+  hn::Vec<D> operator()(D d, size_t i) const {
+    const hn::Rebind<uint32_t, D> d32;
+    const hn::Rebind<int32_t, D> dSigned32;
+    const auto vSum = hn::LoadU(d32, m_pPrefix + i + m_nWidth) - hn::LoadU(d32, m_pPrefix + i);
+    const auto vSample =
+        hn::PromoteTo(dSigned32, hn::LoadU(d, m_pIn + i)) + hn::Set(dSigned32, m_oWindow.m_nOffset);
+    const auto vAbove = vSample * hn::Set(dSigned32, m_nArea) > hn::BitCast(dSigned32, vSum);
+    return LimitToBytes(d, hn::IfThenElse(vAbove, hn::Set(dSigned32, m_oWindow.m_nAbove),
+                                          hn::Set(dSigned32, m_oWindow.m_nBelow)));
+  }
+};
+
+void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  uint32_t* pPrefix, uint8_t* pOut) noexcept {
+  constexpr uint64_t cnLargestArea = 0x7FFFFFFF / 511;
+  const size_t nWidth = oWindow.m_nLeft + oWindow.m_nRight + 1;
+  const uint64_t nArea = uint64_t{oWindow.m_nRows} * nWidth;
+  if (nCount < nWidth || nArea > cnLargestArea) {
+    return Reference::AboveMeanRow(pIn, pSums, nCount, oWindow, pPrefix, pOut);
+  }
+  PrefixSums(pSums, nCount, pPrefix);
+  const auto Border = [&](size_t nFirst, size_t nEnd) {
+    for (size_t x = nFirst; x < nEnd; ++x) {
+      const size_t nBegin = x - std::min(x, oWindow.m_nLeft);
+      const size_t nStop = std::min(x + oWindow.m_nRight + 1, nCount);
+      const auto nPixels = static_cast<int32_t>(oWindow.m_nRows * static_cast<uint32_t>(nStop - nBegin));
+      const auto nSum = static_cast<int32_t>(pPrefix[nStop] - pPrefix[nBegin]);
+      pOut[x] = (pIn[x] + oWindow.m_nOffset) * nPixels > nSum ? oWindow.m_nAbove : oWindow.m_nBelow;
+    }
+  };
+  const size_t nInner = nCount - nWidth + 1;
+  const RuleAboveMean oRule = {pIn + oWindow.m_nLeft, pPrefix, nWidth, static_cast<int32_t>(nArea), oWindow};
+  const hn::Rebind<uint8_t, hn::ScalableTag<int32_t>> d;
+  Border(0, oWindow.m_nLeft);
+  if (!ForEachVector(d, oRule, pOut + oWindow.m_nLeft, nInner)) {
+    Border(oWindow.m_nLeft, oWindow.m_nLeft + nInner);
+  }
+  Border(oWindow.m_nLeft + nInner, nCount);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace MXKernels
 HWY_AFTER_NAMESPACE();
@@ -215,6 +263,7 @@ MXKERNELS_TABLE(MoveColumnSumsU8);
 MXKERNELS_TABLE(MoveColumnSumsU16);
 MXKERNELS_TABLE(SlidingMeanRowU8);
 MXKERNELS_TABLE(SlidingMeanRowU16);
+MXKERNELS_TABLE(AboveMeanRow);
 
 void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
   MXKERNELS_CALL(AddToColumnSumsU8)(pRow, pSums, nCount);
@@ -249,6 +298,11 @@ void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32
 void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
                        uint16_t* pOut) noexcept {
   MXKERNELS_CALL(SlidingMeanRowU16)(pSums, nCount, nHalf, nRows, pPrefix, pOut);
+}
+
+void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  uint32_t* pPrefix, uint8_t* pOut) noexcept {
+  MXKERNELS_CALL(AboveMeanRow)(pIn, pSums, nCount, oWindow, pPrefix, pOut);
 }
 
 }  // namespace MXKernels

@@ -1,4 +1,4 @@
-// Row functions of the mean filter: column sums and the sliding window mean over them.
+// Row functions of the mean filter and threshold: column sums and the sliding window mean over them.
 #pragma once
 
 #include <cstddef>
@@ -29,5 +29,23 @@ void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32
                       uint8_t* pOut) noexcept;
 void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
                        uint16_t* pOut) noexcept;
+
+/// The window of AboveMeanRow, [x - m_nLeft, x + m_nRight], and what is made of its mean.
+struct WindowThreshold {
+  size_t m_nLeft;
+  size_t m_nRight;
+  uint32_t m_nRows;
+  int32_t m_nOffset;  ///< added to the sample before it is compared; -256 to 256
+  uint8_t m_nAbove;
+  uint8_t m_nBelow;
+};
+
+/// pOut[x] = pIn[x] + offset > sum of pSums over the window / (rows * columns) ? above : below, compared
+/// without a division; the window is clipped to [0, nCount) and columns is the number of columns left in it.
+///
+/// Domain  each column sum is at most 255 times the rows, of which there is one at least.
+/// pPrefix is scratch of nCount + 1 words. Nothing else is written but pOut[0, nCount).
+void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  uint32_t* pPrefix, uint8_t* pOut) noexcept;
 
 }  // namespace MXKernels

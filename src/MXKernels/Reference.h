@@ -45,6 +45,8 @@ void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32
                       uint8_t* pOut) noexcept;
 void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
                        uint16_t* pOut) noexcept;
+void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  uint32_t* pPrefix, uint8_t* pOut) noexcept;
 
 void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
 void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;

@@ -95,6 +95,19 @@ void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint3
   SlidingMeanRow(pSums, nCount, nHalf, nRows, pOut);
 }
 
+void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  uint32_t*, uint8_t* pOut) noexcept {
+  int64_t nSum = 0;
+  for (size_t x = 0; x < std::min(oWindow.m_nRight, nCount); ++x) nSum += pSums[x];
+  for (size_t x = 0; x < nCount; ++x) {
+    if (x + oWindow.m_nRight < nCount) nSum += pSums[x + oWindow.m_nRight];
+    if (x > oWindow.m_nLeft) nSum -= pSums[x - oWindow.m_nLeft - 1];
+    const size_t nColumns = std::min(x + oWindow.m_nRight + 1, nCount) - (x - std::min(x, oWindow.m_nLeft));
+    const int64_t nArea = int64_t{oWindow.m_nRows} * static_cast<int64_t>(nColumns);
+    pOut[x] = (pIn[x] + oWindow.m_nOffset) * nArea > nSum ? oWindow.m_nAbove : oWindow.m_nBelow;
+  }
+}
+
 void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::min(pA[i], pB[i]);
 }

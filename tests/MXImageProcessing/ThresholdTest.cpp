@@ -7,6 +7,7 @@
 #include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpLabeling.h"
 #include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
 #include "TestImages.h"
 
 namespace {
@@ -294,6 +295,15 @@ TEST(BinarizeGlobalDefaults, ValuesOutsideTheirRangeAreRefused) {
   char szText[32];
   oBinarize.ParameterString(szText, sizeof(szText));
   EXPECT_STREQ(szText, "Thr10 [3;200]");
+  EXPECT_EQ(RaisedNumber([&] { oBinarize.ParameterString(szText, 13); }), -101);
+  ClParameterInterface oInterface;
+  oBinarize.QueryParameters(oInterface);
+  EXPECT_STREQ(oInterface.GetParam("Black")->GetDescription(), "In: Pixelvalue of Black");
+  EXPECT_EQ(oInterface.GetParam("Threshold")->GetValue(), 10.0);
+  // An image may declare a white that its bytes don't reach.
+  oIn.SetBlackWhite(0, 400);
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 300), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{3, 3}));
 }
 
 TEST(Labeling, EqualsAPlainFillOnNoiseOfEveryDensity) {

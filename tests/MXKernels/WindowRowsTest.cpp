@@ -107,6 +107,22 @@ TEST(SlidingMeanRow, TheWindowIsClippedAtBothEnds) {
   EXPECT_EQ(aOut, (std::vector<uint8_t>{15, 30, 60, 55, 53}));
 }
 
+TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    // Few rows let many samples lie at their mean; very many take the comparison beyond 32 bits.
+    const unsigned nRows = 1 + oSamples.Number(oSamples.Number(3) == 0 ? 1U << 24 : 3U);
+    const WindowThreshold oWindow = {
+        oSamples.Number(9), oSamples.Number(9), nRows, static_cast<int32_t>(oSamples.Number(6)) - 3, 200, 7};
+    const auto aIn = oSamples.Row<uint8_t>(nCount, 5);
+    const auto aSums = oSamples.Row<uint32_t>(nCount, nRows * 5);
+    std::vector<uint32_t> aPrefix(nCount + 1);
+    TpGuardedRow<uint8_t> oOut(nCount), oExpected(nCount);
+    Reference::AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), oExpected.Data());
+    AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), oOut.Data());
+    ExpectSameAndGuarded(oOut, oExpected);
+  });
+}
+
 TEST(RankRows, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const auto aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);

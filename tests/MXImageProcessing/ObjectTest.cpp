@@ -1,0 +1,178 @@
+// Tests of the local threshold and of what is measured of objects.
+#include <cmath>
+#include <utility>
+
+#include "MXImageProcessing/IpBinarizeLocal2.h"
+#include "MXImageProcessing/IpConnectedComponent2.h"
+#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterInterface.h"
+#include "TestImages.h"
+
+namespace {
+
+using Components = ClIpConnectedComponent2::ComponentsArray_t;
+
+template <typename T>
+void ExpectAboveLocalMean(const ClImage& oIn, const ClImage& oOut, int nWidthX, int nWidthY, int nOffset) {
+  for (int y = 0; y < oIn.Height(); ++y) {
+    for (int x = 0; x < oIn.Width(); ++x) {
+      int nSum = 0, nArea = 0;
+      for (int r = std::max(0, y - nWidthY / 2); r <= std::min(oIn.Height() - 1, y + nWidthY / 2); ++r) {
+        const int nLast = std::min(oIn.Width() - 1, x + nWidthX / 2);
+        for (int c = std::max(0, x + nWidthX / 2 - nWidthX + 1); c <= nLast; ++c, ++nArea)
+          nSum += oIn.Row<T>(r)[c];
+      }
+      const int nExpected = (oIn.Row<T>(y)[x] + nOffset) * nArea > nSum ? 250 : 3;
+      ASSERT_EQ(oOut.Row<uint8_t>(y)[x], nExpected)
+          << "at " << x << ", " << y << " of " << oIn.Width() << " by " << oIn.Height() << ", window "
+          << nWidthX << " by " << nWidthY;
+    }
+  }
+}
+
+}  // namespace
+
+template <typename T>
+class BinarizeLocal : public testing::Test {};
+using ByteTypes = testing::Types<uint8_t, int8_t>;
+TYPED_TEST_SUITE(BinarizeLocal, ByteTypes, ClElementTypeNames);
+
+TYPED_TEST(BinarizeLocal, APixelIsComparedWithTheMeanOfItsClippedWindow) {
+  std::mt19937 oRandom(31);
+  ClIpBinarizeLocal2 oBinarize;
+  oBinarize.m_nBlack = 3;
+  oBinarize.m_nWhite = 250;
+  for (int n = 0; n < 60; ++n) {
+    const int nWidth = 1 + static_cast<int>(oRandom() % 50), nHeight = 1 + static_cast<int>(oRandom() % 20);
+    const int nWidthX = 1 + static_cast<int>(oRandom() % static_cast<unsigned>(nWidth));
+    const int nWidthY = 1 + static_cast<int>(oRandom() % static_cast<unsigned>(nHeight));
+    const int nOffset = n % 3 == 0 ? 0 : static_cast<int>(oRandom() % 601) - 300;
+    ClImage oIn, oOut;
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
+    ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, nWidthX, nWidthY, nOffset), 0);
+    ASSERT_EQ(oOut.DataType(), oIn.DataType());
+    ExpectAboveLocalMean<TypeParam>(oIn, oOut, nWidthX, nWidthY, nOffset);
+    ASSERT_EQ(oBinarize.ApplyParam(oIn, oIn, nWidthX, nWidthY, nOffset), 0);
+    EXPECT_EQ(Samples<uint8_t>(oIn), Samples<uint8_t>(oOut));
+  }
+}
+
+TEST(BinarizeLocalLimits, AnImageBelowTheWindowIsCopiedAndErrorsHaveTheirNumbers) {
+  std::mt19937 oRandom(32);
+  ClImage oIn, oOut, oColor, oWide;
+  SetRandom<uint8_t>(oIn, 12, 10, oRandom);
+  SetRandom<uint8_t>(oColor, 12, 10, oRandom, 3);
+  SetRandom<uint16_t>(oWide, 12, 10, oRandom);
+  ClIpBinarizeLocal2 oBinarize;
+  EXPECT_EQ(oBinarize.Apply(), -10);
+  for (const auto& [nWidthX, nWidthY] : {std::make_pair(13L, 3L), {3L, 11L}}) {
+    ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, nWidthX, nWidthY, 0), 0);
+    EXPECT_EQ(Samples<uint8_t>(oOut), Samples<uint8_t>(oIn));
+  }
+  EXPECT_EQ(oBinarize.ApplyParam(oColor, oOut, 3, 3, 0), -101);
+  EXPECT_EQ(oBinarize.ApplyParam(oWide, oOut, 3, 3, 0), -101);
+  EXPECT_EQ(RaisedNumber([&] { oBinarize.ApplyParam(oIn, oOut, 0, 3, 0); }), -44);
+  EXPECT_EQ(RaisedNumber([&] { oBinarize.ApplyParam(oIn, oOut, 3, -1, 0); }), -44);
+}
+
+TEST(BinarizeLocalLimits, ParametersHaveTheirNamesAndDefaults) {
+  ClIpBinarizeLocal2 oBinarize;
+  oBinarize.nFilterWidthY = 5;
+  ClParameterContainer oContainer;
+  oBinarize.QueryParameters(oContainer);
+  EXPECT_EQ(oContainer.Find("White")->GetDefaultValue(), "255");
+  EXPECT_EQ(oContainer.Find("nFilterWidthY")->GetDefaultValue(), "11");
+  EXPECT_EQ(oContainer.Find("nFilterWidthY")->GetValue(), "5");
+  oContainer.Find("Black")->SetValue("7");
+  ClParameterInterface oInterface;
+  oBinarize.QueryParameters(oInterface);
+  EXPECT_EQ(oInterface.GetParam("Black")->GetValue(), 7);
+  EXPECT_EQ(oInterface.GetParam("nGrayOffset")->GetValue(), 0);
+}
+
+TEST(ConnectedComponent, ObjectsAreMeasuredInTheOrderOfTheirFirstPixels) {
+  ClImage oObjects, oGrey, oLabels;
+  // A rod of three pixels, an L and a single pixel.
+  SetImage<uint8_t>(oObjects, 6, 4, {9, 0, 0, 0, 9, 0,  //
+                                     9, 9, 9, 9, 9, 9,  //
+                                     0, 9, 9, 9, 9, 9,  //
+                                     0, 0, 9, 9, 9, 9});
+  SetImage<uint8_t>(oGrey, 6, 4, {1,   10,  20, 60, 1, 255,  //
+                                  1,   1,   1,  1,  1, 1,    //
+                                  100, 1,   1,  1,  1, 1,    //
+                                  101, 102, 1,  1,  1, 1});
+  ClIpConnectedComponent2 oComponents;
+  Components aFound;
+  // What an earlier run left does not count.
+  ASSERT_EQ(oComponents.ApplyParam(oGrey, aFound), 0);
+  EXPECT_EQ(aFound.Entries(), 0U);
+  ASSERT_EQ(oComponents.ApplyParam(oObjects, aFound, &oGrey, &oLabels), 0);
+  ASSERT_EQ(oComponents.ApplyParam(oObjects, aFound, &oGrey, &oLabels), 0);
+  ASSERT_EQ(aFound.Entries(), 3U);
+  EXPECT_EQ(oLabels.Row<int32_t>(3)[1], 3);
+  const auto& oRod = aFound[0];
+  EXPECT_TRUE(oRod.vCentre.IsNear({2, 0}) && oRod.vFirst.IsNear({1, 0}) && oRod.vMin.IsNear({1, 0}) &&
+              oRod.vMax.IsNear({3, 0}));
+  EXPECT_EQ(std::make_pair(oRod.dArea, oRod.dGrey), std::make_pair(3.0, 30.0));
+  EXPECT_EQ(std::make_pair(oRod.dMu20, oRod.dMu02), std::make_pair(2.0, 0.0));
+  EXPECT_EQ(std::make_pair(oRod.dEccentricity, oRod.dAngle), std::make_pair(1.0, 0.0));
+  const auto& oDot = aFound[1];
+  EXPECT_EQ(oDot.nLabel, 2);
+  EXPECT_TRUE(oDot.vCentre.IsNear({5, 0}) && oDot.vFirst.IsNear({5, 0}) && oDot.vMin.IsNear({5, 0}) &&
+              oDot.vMax.IsNear({5, 0}));
+  EXPECT_EQ(std::make_pair(oDot.dEccentricity, oDot.dGrey), std::make_pair(0.0, 255.0));
+  EXPECT_TRUE(std::isnan(oDot.dAngle));
+  // Around (1/3, 8/3) both axes have 2/3 and the mixed moment is 1/3, so that the L lies along the diagonal down.
+  const auto& oL = aFound[2];
+  EXPECT_TRUE(oL.vCentre.IsNear({1.0 / 3, 8.0 / 3}) && oL.vMin.IsNear({0, 2}) && oL.vMax.IsNear({1, 3}));
+  EXPECT_NEAR(oL.dMu11, 1.0 / 3, 1e-12);
+  EXPECT_NEAR(oL.dEccentricity, (4.0 / 9) / (16.0 / 9), 1e-12);
+  EXPECT_NEAR(std::fabs(oL.dAngle), std::atan(1.0), 1e-6);
+  auto oCopy = oL;
+  oCopy.dAngle = oCopy.dMu11 = 9;
+  oCopy.vCentre.x += 5e-8;
+  EXPECT_TRUE(oCopy == oL);
+  oCopy.vMin.y += 1e-6;
+  EXPECT_FALSE(oCopy == oL);
+}
+
+TEST(ConnectedComponent, ARodGrownInAnyDirectionHasThatAngle) {
+  for (int nDegrees = 0; nDegrees < 180; nDegrees += 15) {
+    const double dAngle = nDegrees * std::atan(1.0) / 45;
+    ClImage oObjects;
+    SetImage(oObjects, 101, 101, std::vector<uint8_t>(101 * 101, 255));
+    for (int y = -50; y <= 50; ++y) {
+      for (int x = -50; x <= 50; ++x) {
+        const double dAlong = x * std::cos(dAngle) + y * std::sin(dAngle);
+        const double dAcross = y * std::cos(dAngle) - x * std::sin(dAngle);
+        if (std::fabs(dAlong) < 40 && std::fabs(dAcross) < 6) oObjects.Row<uint8_t>(y + 50)[x + 50] = 0;
+      }
+    }
+    ClIpConnectedComponent2 oComponents;
+    Components aFound;
+    ASSERT_EQ(oComponents.ApplyParam(oObjects, aFound), 0);
+    ASSERT_EQ(aFound.Entries(), 1U);
+    EXPECT_TRUE(aFound[0].vCentre.IsNear({50, 50}));
+    EXPECT_GT(aFound[0].dEccentricity, 0.8);
+    EXPECT_LT(std::fabs(std::sin(aFound[0].dAngle - dAngle)), 0.02) << nDegrees;
+  }
+}
+
+TEST(ConnectedComponent, ErrorsHaveTheirNumbers) {
+  ClImage oObjects, oGrey;
+  SetImage<uint8_t>(oObjects, 2, 1, {0, 1});
+  SetImage<uint8_t>(oGrey, 1, 2, {0, 1});
+  ClIpConnectedComponent2 oComponents;
+  Components aFound;
+  EXPECT_EQ(RaisedNumber([&] { oComponents.Apply(); }), -37);
+  oComponents.m_pInImage = &oObjects;
+  EXPECT_EQ(RaisedNumber([&] { oComponents.Apply(); }), -37);
+  EXPECT_FALSE(oComponents.CanApply());
+  EXPECT_EQ(RaisedNumber([&] { oComponents.ApplyParam(oObjects, aFound, &oGrey); }), -44);
+  EXPECT_FALSE(oComponents.CanApply());
+  EXPECT_EQ(RaisedNumber([&] { oComponents.ApplyParam(oObjects, aFound, nullptr, &oObjects); }), -44);
+  EXPECT_TRUE(oComponents.CanApply());
+  ClParameterContainer oContainer;
+  oComponents.QueryParameters(oContainer);
+  EXPECT_NE(oContainer.Find("m_pInImageGrey"), nullptr);
+}
