@@ -44,12 +44,12 @@ void ClIpCut::PublishParameters(ClParameterContainer& oContainer) {
 
 void ClIpCut::QueryParameters(ClParameterInterface& oInterface) {
   constexpr auto eIn = ClParameterInterface::eIn;
-  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
-  DescribeOutputImage(oInterface, "OutImage", "Out: Clipping", &m_pOutImage);
   oInterface.AddParameter(&m_nX0, "X0", "In: Start X", eIn, 1.0, -1.0);
   oInterface.AddParameter(&m_nY0, "Y0", "In: Start Y", eIn, 1.0, -1.0);
   oInterface.AddParameter(&m_nDestWidth, "DestWidth", "In: Cut Width", eIn, 1.0, -1.0);
   oInterface.AddParameter(&m_nDestHeight, "DestHeight", "In: Cut Height", eIn, 1.0, -1.0);
+  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
+  DescribeOutputImage(oInterface, "OutImage", "Out: Clipping", &m_pOutImage);
 }
 
 void ClIpCut::CheckRectangle(const ClImage& oIn) const {

@@ -335,7 +335,7 @@ TEST(GeometryParameters, SettingsAreReachedByNameInBothForms) {
   EXPECT_EQ(Names(oFlip, false), "pInImage pOutImage OutImageType XFlip YFlip ");
   EXPECT_EQ(Names(oFlip, true), "InImage OutImage OutImageType XFlip YFlip ");
   EXPECT_EQ(Names(oCut, false), "pInImage pOutImage nX0 nY0 nDestWidth nDestHeight ");
-  EXPECT_EQ(Names(oCut, true), "InImage OutImage X0 Y0 DestWidth DestHeight ");
+  EXPECT_EQ(Names(oCut, true), "X0 Y0 DestWidth DestHeight InImage OutImage ");
   EXPECT_EQ(Names(oRotate, false), "pInImage pOutImage Rotation ResizeOutImage Interpolate BackgroundColor ");
   EXPECT_EQ(Names(oMove, false), "pInImage pOutImage nOffsetX nOffsetY dFillValue ");
   EXPECT_EQ(Names(oMove, true), "InImage OutImage OffsetX OffsetY FillValue ");
