@@ -237,6 +237,43 @@ TEST(TwoImages, OnePlaneGoesWithEachOfThreeAndOtherMixesAreCleared) {
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{0, 0}));
 }
 
+TEST(TwoImages, OnePlaneIsTakenFromWhereTheOverlapBeginsInIt) {
+  ClImage oColor, oGrey, oFour, oOut;
+  SetImage<uint8_t>(oColor, 2, 1, {10, 20, 30, 40, 50, 60}, 3);
+  SetImage<uint8_t>(oGrey, 2, 1, {1, 2});
+  SetImage<uint8_t>(oFour, 2, 1, {3, 4, 6, 7, 8, 9, 10, 11}, 4);
+  const auto Overlaid = [&](ClIp2to1Base& oProcessor, ClImage& oFirst) {
+    oProcessor.SizeMustBeEqual = false;
+    oProcessor.OffsetX = -1;
+    EXPECT_EQ(oProcessor.ApplyParam(oFirst, oGrey, oOut, ClImage::cnTypeDefault), 0);
+    return Samples<uint8_t>(oOut);
+  };
+  ClIpSubtract oSubtract;
+  EXPECT_EQ(Overlaid(oSubtract, oColor), (std::vector<uint8_t>{1, 1, 1, 8, 18, 28, 40, 50, 60}));
+  ClWeighted oWeighted(false);
+  EXPECT_EQ(Overlaid(oWeighted, oColor), (std::vector<uint8_t>{1, 1, 1, 102, 202, 255, 40, 50, 60}));
+  // On four planes one plane is not copied, but its samples are the mask.
+  ClIpAnd oAnd;
+  EXPECT_EQ(Overlaid(oAnd, oFour), (std::vector<uint8_t>{0, 0, 0, 0, 2, 0, 2, 2, 8, 9, 10, 11}));
+}
+
+TEST(TwoImages, NoNumberStaysNoNumberInAFloatAndIsTheLowerLimitOfAnInteger) {
+  ClImage oNaN, oOne, oOut;
+  SetImage<float>(oNaN, 1, 1, {NAN});
+  SetImage<float>(oOne, 1, 1, {1});
+  ClIpSubtract oSubtract;
+  ClIpMultiply oMultiply;
+  ClIpDelta oDelta;
+  for (ClIp2to1Base* pProcessor :
+       {static_cast<ClIp2to1Base*>(&oSubtract), static_cast<ClIp2to1Base*>(&oMultiply),
+        static_cast<ClIp2to1Base*>(&oDelta)}) {
+    ASSERT_EQ(pProcessor->ApplyParam(oNaN, oOne, oOut, ClImage::cnTypeDefault), 0);
+    EXPECT_TRUE(std::isnan(oOut.Row<float>(0)[0]));
+    ASSERT_EQ(pProcessor->ApplyParam(oOne, oNaN, oOut, ClImage::eInt8), 0);
+    EXPECT_EQ(oOut.Row<int8_t>(0)[0], oOut.Black());
+  }
+}
+
 TEST(TwoImages, ASubclassWithOnlyTheRuleIsServedWithAndWithoutATable) {
   ClImage oA, oB, oOut;
   SetImage<int8_t>(oA, 4, 1, {-128, -1, 3, 12});
