@@ -176,7 +176,7 @@ void ClBitmap::GetImage(ClImage& oImage) const {
                       GetMask(eBlue).m_nMask == 255;
   unsigned char aGray[256];
   for (uint32_t n = 0; bGray && n < 256; ++n) aGray[n] = static_cast<unsigned char>(PaletteColor(n));
-  for (int y = 0; y < nHeight; ++y) {
+  for (int y = 0; nWidth > 0 && y < nHeight; ++y) {
     unsigned char* pOut = oNew.Row<unsigned char>(y);
     const unsigned char* pIn = Line(y);
     if (bGray && nBits == 8) {
