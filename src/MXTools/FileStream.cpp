@@ -58,7 +58,10 @@ void ClFileStream::Close() {
   if (m_pFile == nullptr) return;
   FILE* pFile = m_pFile;
   m_pFile = nullptr;
-  if (std::fclose(pFile) != 0) KLV_RAISE(ClExStream, "ClFileStream::Close. Failed to Close", -204);
+  const bool bCut = m_bWriteCut;
+  m_bWriteCut = false;
+  // A block that passes stdio's buffer by leaves nothing behind for fclose to fail on.
+  if (std::fclose(pFile) != 0 || bCut) KLV_RAISE(ClExStream, "ClFileStream::Close. Failed to Close", -204);
 }
 
 long ClFileStream::Pos() const {
@@ -98,7 +101,9 @@ void ClFileStream::Prepare(ELastMove eMove) {
 unsigned int ClFileStream::WriteRaw(const void* pData, unsigned int nBytes) {
   if (m_pFile == nullptr || nBytes == 0) return 0;
   Prepare(eMoveWrite);
-  return static_cast<unsigned int>(std::fwrite(pData, 1, nBytes, m_pFile));
+  const size_t nWritten = std::fwrite(pData, 1, nBytes, m_pFile);
+  if (nWritten < nBytes) m_bWriteCut = true;
+  return static_cast<unsigned int>(nWritten);
 }
 
 unsigned int ClFileStream::ReadRaw(void* pData, unsigned int nBytes) {

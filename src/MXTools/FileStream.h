@@ -10,7 +10,8 @@
 /// Ownership  owns the file from Open to Close.
 /// Threads    thread-bound.
 /// Errors     ClExFilesystem -200 when the file can't be opened, a directory always; ClException -44 and -37
-///            for missing arguments; ClExStream -204 when closing fails. The destructor swallows the last.
+///            for missing arguments; ClExStream -204 when closing fails or a write before it came short. The
+///            destructor swallows the last.
 class ClFileStream : public ClStream {
  public:
   ClFileStream() = default;
@@ -42,4 +43,5 @@ class ClFileStream : public ClStream {
   std::string m_szName;
   bool m_bNamed = false;
   mutable ELastMove m_eLastMove = eMoveNone;
+  bool m_bWriteCut = false;  ///< a write came short since Open
 };

@@ -151,9 +151,16 @@ TEST_F(FileStream, AClosingThatFailsIsNotSwallowed) {
     oFile.Write("x", 1);
   };
   EXPECT_THROW(CloseFull(), ClExSystem);
-  ClFileStream oStream("/dev/full", "wb");
-  oStream.Write("x", 1);
-  EXPECT_THROW(oStream.Close(), ClExStream);
+  // Small blocks wait in the buffer, large ones pass it by.
+  for (const unsigned int nBytes : {1u, 5000u, 1000000u}) {
+    const std::string szData(nBytes, 'x');
+    ClFileStream oStream("/dev/full", "wb");
+    oStream.Write(szData.data(), nBytes);
+    EXPECT_THROW(oStream.Close(), ClExStream) << nBytes;
+    oStream.Open("/dev/null", "wb");
+    oStream.Write(szData.data(), nBytes);
+    EXPECT_NO_THROW(oStream.Close()) << "the next file is another one";
+  }
 }
 
 }  // namespace
