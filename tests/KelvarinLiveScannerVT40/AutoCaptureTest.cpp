@@ -1,0 +1,267 @@
+// Automatic capture through the exported functions: when it fires, when it must not, and what breaks it.
+#include <algorithm>
+#include <cstdlib>
+#include <thread>
+
+#include "AutoFixture.h"
+#include "KelvarinFakeFingerDetectionVT40/FDSim.h"
+
+namespace {
+
+/// Seeds of each kind of scene: a sample, or as many as the environment asks for.
+int Seeds() {
+  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
+  return szSeeds != nullptr ? std::atoi(szSeeds) : 2;
+}
+
+std::string Seeded(const char* szScene, int nSeed) {
+  return std::string(szScene) + ":" + std::to_string(nSeed);
+}
+
+/// Two seconds of previews of a still or empty scene.
+constexpr int cnFewFrames = 30;
+/// Enough for two placements of a hand that settles.
+constexpr int cnManyFrames = 200;
+
+TEST_F(AutoScanner, CapturesEverySteadyPlacementOnceWithin30Frames) {
+  int nMissed = 0;
+  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
+    SCOPED_TRACE(nSeed);
+    Start(Seeded("settling-slap", nSeed));
+    for (int nPlacement = 0; nPlacement < 2; ++nPlacement) {
+      const size_t nBefore = Shots().size();
+      const StDelivered oPreview = PollUntil(true, cnManyFrames);
+      ASSERT_EQ(oPreview.nError, 0);
+      EXPECT_EQ(oPreview.dScore, 0.0) << "without a liveness score";
+      const StDelivered oImage = Image();
+      EXPECT_EQ(oImage.nError, 0);
+      EXPECT_EQ(oImage.bDone, 1);
+      EXPECT_EQ(oImage.nResult, 0);
+      EXPECT_GT(std::count_if(oImage.aPixels.begin(), oImage.aPixels.end(), [](int n) { return n < 128; }),
+                100000);
+      ASSERT_EQ(PollUntil(false, cnManyFrames).nError, 0);
+      const std::vector<VTSimFrame> aShots = Shots();
+      // The capture; a fetch that comes behind its five frames takes a shot of its own.
+      const std::vector<VTSimFrame> aShots = Shots();
+      ASSERT_GT(aShots.size(), nBefore);
+      const VTSimFrame& oShot = aShots[nBefore];
+      nMissed += oShot.nNumber - oShot.nSteadySince > 30;
+      EXPECT_EQ(oShot.nFingers, 4u);
+      EXPECT_EQ(oShot.nMoving, 0u);
+    }
+  }
+  EXPECT_LE(nMissed * 100, 2 * Seeds());
+}
+
+TEST_F(AutoScanner, NeverFiresOnAnEmptyADirtyOrAMovingPlaten) {
+  for (const char* szScene : {"empty", "dirty", "sliding-slap"}) {
+    for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
+      SCOPED_TRACE(Seeded(szScene, nSeed));
+      Start(Seeded(szScene, nSeed));
+      for (int n = 0; n < cnFewFrames; ++n) ASSERT_EQ(Preview().bDone, 0);
+      EXPECT_EQ(Shots().size(), 0u);
+    }
+  }
+}
+
+TEST_F(AutoScanner, AFingerThatLiftsBeforeTheShotIsNotTaken) {
+  size_t nShots = 0;
+  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
+    SCOPED_TRACE(nSeed);
+    Start(Seeded("early-lift", nSeed));
+    for (int n = 0; n < 2 * cnFewFrames; ++n) ASSERT_EQ(Preview().bDone, 0);
+    nShots += Shots().size();
+  }
+  EXPECT_GT(nShots, 0u) << "some of them were tried";
+}
+
+TEST_F(AutoScanner, DirtRaisesTheConditionWithItsAreaAndACleanPlatenHasNone) {
+  unsigned int nBefore = 0;
+  for (const int nSpecks : {0, 6, 18, 54}) {
+    std::string sDirt;
+    for (int n = 0; n < nSpecks; ++n) {
+      sDirt += std::string(n == 0 ? "" : ",") + R"({"x": )" + std::to_string(10 + n % 9 * 7) + R"(, "y": )" +
+               std::to_string(12 + n / 9 * 10) + R"(, "width": 0.6, "strength": 0.2})";
+    }
+    Start(R"({"scanners": [{"serial": "VT40-AB0001", "dirt": [)" + sDirt + "]}]}");
+    // Seventeen dark scenes, every second frame.
+    for (int n = 0; n < 40; ++n) ASSERT_EQ(Preview().nError, 0);
+    const unsigned int nCondition = Condition();
+    if (nSpecks == 0) {
+      EXPECT_LE(nCondition, 2u);
+    } else {
+      EXPECT_GT(nCondition, nBefore) << nSpecks;
+    }
+    EXPECT_LE(nCondition, 100u);
+    nBefore = nCondition;
+  }
+}
+
+TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
+  // At the pace of the hardware five frames are a third of a second.
+  LoadScene(R"({"pacing": "real", "scanners": [{"serial": "VT40-AB0001", "fingers": [{}]}]})");
+  ASSERT_EQ(Open(), 0);
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+  ASSERT_EQ(PollUntil(true, cnFewFrames).nError, 0);
+  EXPECT_EQ(Image().bDone, 1);
+  EXPECT_EQ(Shots().size(), 1u) << "the capture that was kept";
+  EXPECT_EQ(Image().bDone, 1);
+  EXPECT_EQ(Shots().size(), 2u) << "it is given out once";
+  EXPECT_EQ(Preview().bDone, 1);
+  EXPECT_EQ(Preview().bDone, 1);
+  VTSimBeep aBeeps[4];
+  unsigned int nBeeps = 4;
+  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nBeeps), 0);
+  ASSERT_EQ(nBeeps, 1u);
+  EXPECT_EQ(aBeeps[0].nArg1, 300u);
+  EXPECT_EQ(aBeeps[0].nArg2, 100u);
+}
+
+TEST_F(AutoScanner, TwoScannersDecideEachForItself) {
+  LoadScene(R"({"scanners": [
+      {"serial": "VT40-AB0001", "fingers": [{"touch": 0.5, "settle": {"seconds": 0.5, "y": 3}}]},
+      {"serial": "VT40-AB0002", "fingers": [{"touch": 1.5, "settle": {"seconds": 0.5, "x": 3}}]}]})");
+  ASSERT_EQ(Open(), 0);
+  void* hOther = nullptr;
+  ASSERT_EQ(LS_VT40OpenScanner("VT40-AB0002", &hOther), 0);
+  const auto Capture = [](void* h) {
+    std::vector<unsigned char> aPixels(1600 * 1600);
+    double dScore = 0.0;
+    unsigned char bDone = 0;
+    long nResult = 0;
+    if (LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_AUTO) != 0) return false;
+    for (int n = 0; n < cnManyFrames && bDone == 0; ++n) {
+      if (LS_VT40GetPreviewImage(h, aPixels.data(), &dScore, &bDone, &nResult) != 0) return false;
+    }
+    return bDone == 1 && LS_VT40GetImage(h, aPixels.data(), &dScore, &bDone, &nResult) == 0 && bDone == 1;
+  };
+  bool bOtherDone = false;
+  std::thread oOther([&] { bOtherDone = Capture(hOther); });
+  EXPECT_TRUE(Capture(m_h));
+  oOther.join();
+  EXPECT_TRUE(bOtherDone);
+  EXPECT_EQ(LS_VT40CloseScanner(&hOther), 0);
+}
+
+TEST_F(AutoScanner, LivenessTellsSkinFromImitations) {
+  Start("settling-slap:3", KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
+  ASSERT_EQ(PollUntil(true, cnManyFrames).nError, 0);
+  EXPECT_GT(Image().dScore, 50.0);
+  for (int nSeed = 1; nSeed <= 3; ++nSeed) {
+    Start(Seeded("fake-finger", nSeed), KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
+    ASSERT_EQ(PollUntil(true, cnManyFrames).nError, 0);
+    EXPECT_LT(Image().dScore, 50.0) << nSeed;
+  }
+}
+
+TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
+  const auto Expect = [&](const char* szFunction) {
+    SCOPED_TRACE(szFunction);
+    ASSERT_EQ(FDSimFailCall(szFunction, 1, 1, -777), 0);
+    LoadScene("slap-right");
+    ASSERT_EQ(Open(), 0);
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), KLV_ERROR_UNSUPPORTED);
+    int nMode = 0;
+    EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
+    EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
+    EXPECT_EQ(State().bCaptureEnabled, 0);
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+    EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
+    ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
+    FDSimState oState{};
+    oState.nStructSize = sizeof(oState);
+    ASSERT_EQ(FDSimGetState(&oState), 0);
+    EXPECT_EQ(oState.nInitialized, 0u);
+    EXPECT_EQ(oState.nContexts, 0u);
+  };
+  Expect("FD_VT40Initialize");
+  Expect("FD_VT40CreateFakeDetectionVT40Handle");
+}
+
+TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
+  LoadScene("slap-right");
+  ASSERT_EQ(Open(), 0);
+  ASSERT_EQ(FDSimFailCall("FD_VT40GetFakeFingerDetectionScore", 1, 0, -777), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), 0);
+  ASSERT_EQ(PollUntil(true, cnFewFrames).nError, 0);
+  const StDelivered oImage = Image();
+  EXPECT_EQ(oImage.bDone, 1);
+  EXPECT_EQ(oImage.dScore, 0.0);
+  ASSERT_EQ(FDSimReset(), 0);
+}
+
+/// Brings the scanner to the moments of an automatic capture: so many sequences were passed (two or three previews,
+/// four of the liveness lights, the shot), or the pause behind a good shot has begun.
+class AtEachMoment : public AutoScanner, public testing::WithParamInterface<int> {
+ public:
+  static constexpr int cnPause = 8;
+
+ protected:
+  void GoToMoment() {
+    LoadScene("slap-right");
+    ASSERT_EQ(Open(), 0);
+    const auto nPass = static_cast<unsigned int>(GetParam());
+    if (GetParam() != cnPause) {
+      ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+    }
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), 0);
+    if (GetParam() == cnPause) {
+      ASSERT_TRUE(WaitFor([] { return State().nPlanes == 1; })) << "the light of the pause";
+    } else if (nPass > 0) {
+      ASSERT_EQ(VTSimPassSequences(nullptr, nPass), 0);
+      ASSERT_EQ(VTSimWaitForSequences(nullptr, nPass, 30000), 0) << VTSimLastError();
+    }
+  }
+
+  /// Nothing is left behind: the scanner opens again and captures.
+  void ExpectFreshStart() {
+    ASSERT_EQ(VTSimClearFaults(), 0);
+    if (m_h != nullptr) {
+      EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+    }
+    VTSimPlug(nullptr);
+    EXPECT_EQ(State().nLockedSequences, 0u);
+    Start("slap-right");
+    EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
+  }
+};
+
+TEST_P(AtEachMoment, AModeSwitchEndsTheCaptureAndTheNextModeRuns) {
+  GoToMoment();
+  std::thread oRelease([] {
+    // The switch is under way: workers that wait for a sequence must get one.
+    VTSimHoldSequences(nullptr, 0);
+  });
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  oRelease.join();
+  EXPECT_EQ(State().nSensorMode, 35);
+  EXPECT_EQ(Preview().nError, 0);
+  ExpectFreshStart();
+}
+
+TEST_P(AtEachMoment, ACloseHangsNowhere) {
+  GoToMoment();
+  std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
+  EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+  oRelease.join();
+  EXPECT_EQ(State().bOpen, 0);
+  ExpectFreshStart();
+}
+
+TEST_P(AtEachMoment, AnUnpluggedScannerEndsTheWorkersAndIsReportedByTheImageCalls) {
+  GoToMoment();
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+  const StDelivered oImage = Image();
+  // A capture that was complete can still be fetched.
+  if (GetParam() != cnPause) {
+    EXPECT_EQ(oImage.nError, KLV_ERROR_DISCONNECTED);
+  }
+  LS_VT40CloseScanner(&m_h);
+  ExpectFreshStart();
+}
+
+INSTANTIATE_TEST_SUITE_P(FrameByFrame, AtEachMoment, testing::Values(0, 2, 4, 6, 7, AtEachMoment::cnPause));
+
+}  // namespace
