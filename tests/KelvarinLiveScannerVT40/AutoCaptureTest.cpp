@@ -40,7 +40,6 @@ TEST_F(AutoScanner, CapturesEverySteadyPlacementOnceWithin30Frames) {
       EXPECT_GT(std::count_if(oImage.aPixels.begin(), oImage.aPixels.end(), [](int n) { return n < 128; }),
                 100000);
       ASSERT_EQ(PollUntil(false, cnManyFrames).nError, 0);
-      const std::vector<VTSimFrame> aShots = Shots();
       // The capture; a fetch that comes behind its five frames takes a shot of its own.
       const std::vector<VTSimFrame> aShots = Shots();
       ASSERT_GT(aShots.size(), nBefore);
