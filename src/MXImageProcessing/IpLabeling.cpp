@@ -66,6 +66,8 @@ long ClIpLabeling::Process() {
   m_aLeaders.Clear();
   m_aRowEnds.SetEntries(static_cast<unsigned int>(oIn.Height()));
   m_aBits.SetEntries((static_cast<unsigned int>(oIn.Width()) + 63) / 64);
+  // Every step of the search for pairs passes a run of one of two rows, and writes one place ahead.
+  m_aPairs.SetEntries(static_cast<unsigned int>(oIn.Width()) + 3);
   unsigned int nAbove = 0;
   for (int y = 0; y < oIn.Height(); ++y) {
     const unsigned int nHere = m_aRuns.Entries();
@@ -110,7 +112,6 @@ void ClIpLabeling::FindRuns(const uint8_t* pRow, int nWidth) {
 /// Joins the runs [nAbove, nBelow) of one row with those from nBelow on where they share a column.
 void ClIpLabeling::JoinRows(unsigned int nAbove, unsigned int nBelow) {
   const unsigned int nEnd = m_aRuns.Entries();
-  m_aPairs.SetEntries(nEnd - nAbove + 1);
   const ClLinePart* pRuns = m_aRuns.Data();
   ClPair* pPair = m_aPairs.Data();
   unsigned int nUpper = nAbove, nLower = nBelow;

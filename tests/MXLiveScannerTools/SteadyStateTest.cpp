@@ -5,6 +5,11 @@
 #include <cstdlib>
 #include <new>
 
+#include "MXImageProcessing/IpBinarizeLocal2.h"
+#include "MXImageProcessing/IpConnectedComponent2.h"
+#include "MXImageProcessing/IpFilterGauss.h"
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpFlip.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
@@ -110,6 +115,28 @@ TEST(SteadyState, WhiteBalanceBrightnessAndMirrorAllocateNothing) {
               oFlip.ApplyParam(oFrame, oFrame, true, false);
               oAdjust.ApplyParam(oFrame, oReference, oFrame, 128.0);
               oAdjust.ApplyParam(oFrame, oReference, oOut, 128.0);
+            }),
+            0);
+}
+
+TEST(SteadyState, FiltersThresholdsAndObjectsAllocateNothing) {
+  ClImage oFrame, oOut, oObjects;
+  ClIpFilterMid oMid;
+  ClIpFilterMin oMin;
+  ClIpFilterGauss oGauss;
+  ClIpBinarizeLocal2 oBinarize;
+  ClIpConnectedComponent2 oComponents;
+  ClIpConnectedComponent2::ComponentsArray_t aFound;
+  EXPECT_EQ(AllocationsOfALaterRun([&](int nRun) {
+              FillFrame(oFrame, 100, 80, 0, nRun);
+              oMid.ApplyParam(oFrame, oOut, 15);
+              oMin.ApplyParam(oFrame, oOut, 7, ClIpFilterBase::eModeXY);
+              oGauss.ApplyParam(oFrame, oOut, 1.5, 0);
+              oBinarize.ApplyParam(oFrame, oOut, 11, 11, 0);
+              // As many objects each time: the array of results has room for just them.
+              FillFrame(oObjects, 100, 80, 0, 0);
+              oBinarize.ApplyParam(oObjects, oObjects, 11, 11, 0);
+              oComponents.ApplyParam(oObjects, aFound, &oFrame);
             }),
             0);
 }
