@@ -194,14 +194,16 @@ class ClBitmapReader {
     return nByte;
   }
 
+  /// A row ends where its padding does: some writers encode the padding too.
   void PutPixel(unsigned char nValue) {
-    if (m_nX >= m_oHeader.biWidth && m_oHeader.biWidth > 0) {
-      m_nY += m_nX / m_oHeader.biWidth;
-      m_nX %= m_oHeader.biWidth;
+    if (m_nX >= m_nRowSize && m_nRowSize > 0) {
+      m_nY += m_nX / m_nRowSize;
+      m_nX %= m_nRowSize;
     }
-    if (m_nY >= m_oHeader.biHeight || m_oHeader.biWidth == 0)
+    if (m_nY >= m_oHeader.biHeight || m_nRowSize == 0)
       KLV_RAISE(ClException, "ClBitmap::Load. RLE Encoding corrupt", -38);
-    Row(static_cast<int32_t>(m_nY))[m_nX++] = nValue;
+    if (m_nX < m_oHeader.biWidth) Row(static_cast<int32_t>(m_nY))[m_nX] = nValue;
+    ++m_nX;
   }
 
   void DecodeRLE8() {

@@ -239,8 +239,8 @@ TEST(BitmapFile, TheMasksOfALargerHeaderAreKept) {
 }
 
 TEST(BitmapFile, RunsBecomePlainPixels) {
-  const auto LoadRuns = [](ClBitmap& rBitmap, const Bytes& aRuns) {
-    Bytes aFile = HeaderBytes(4, 3, 8, 1, 1);
+  const auto LoadRuns = [](ClBitmap& rBitmap, const Bytes& aRuns, int nWidth = 4) {
+    Bytes aFile = HeaderBytes(nWidth, 3, 8, 1, 1);
     Append(aFile, 0, 4);
     aFile.insert(aFile.end(), aRuns.begin(), aRuns.end());
     return Load(rBitmap, aFile);
@@ -257,6 +257,9 @@ TEST(BitmapFile, RunsBecomePlainPixels) {
   EXPECT_EQ(LoadRuns(oBitmap, {0, 2, 0, 3, 0, 1}), 0) << "a move past the end writes nothing";
   EXPECT_EQ(LoadRuns(oBitmap, {0, 2, 0, 3, 1, 1}), -38);
   EXPECT_EQ(LoadRuns(oBitmap, {6, 7, 0}), -201);
+  ASSERT_EQ(LoadRuns(oBitmap, {4, 7, 0, 0, 4, 8, 2, 9, 0, 1}, 3), 0) << "rows with their padding";
+  EXPECT_THAT(Bytes(oBitmap.Pixels(), oBitmap.Pixels() + 12),
+              ElementsAre(7, 7, 7, 0, 8, 8, 8, 0, 9, 9, 0, 0));
 }
 
 }  // namespace
