@@ -11,7 +11,7 @@ namespace {
 constexpr int cnLastBin = 255;
 
 int Rounded(double dValue) {
-  return static_cast<int>(dValue + 0.5);
+  return static_cast<int>(std::trunc(dValue + 0.5));
 }
 
 /// The density of a normal distribution with the factors that the comparison of two needs. A cluster of one

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <type_traits>
 
 #include "DirectedWindows.h"
@@ -58,7 +57,9 @@ long ClIpLinFilterBase::Initialize() {
   if ((nMode & eModeY) != 0) nLimit = std::min<long>(nLimit, m_pInImage->Height() - 1L);
   if (nLimit < nFilterWidth) nFilterWidth = nLimit % 2 == 0 ? nLimit - 1 : nLimit;
   if (nFilterWidth < 1) return 0;
-  if (nFilterWidth > std::numeric_limits<int32_t>::max()) KlvRaiseBadAlloc();
+  // Only the directed modes have no limit of their own.
+  constexpr long cnMostTaps = 1L << 30;
+  if (nFilterWidth > cnMostTaps) KlvRaiseBadAlloc();
   const auto nEntries = static_cast<unsigned int>(nFilterWidth);
   if (m_aReal.Entries() != nEntries) m_aReal.New(nEntries);
   CalcFilter(m_aReal, nFilterWidth);
