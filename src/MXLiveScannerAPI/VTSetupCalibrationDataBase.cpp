@@ -8,6 +8,7 @@
 #include <string>
 
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXLiveScannerAPI/VT4SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/File.h"
 #include "MXTools/MemStream.h"
@@ -27,9 +28,7 @@ ClVTSetupCalibrationDataBase* ClVTSetupCalibrationDataBase::GetSetupObject(const
     KLV_RAISE(ClException, "serial number has unknown format", -44);
   }
   if (szSerial[3] == '0') return std::make_unique<ClVT40SetupCalibrationData>(szSerial, false).release();
-  // A single-finger scanner: its serial number is checked like any other one's.
-  ReadScannerRevision(Behind(szSerial, 4));
-  KLV_RAISE_NUMBER(-103);
+  return std::make_unique<ClVT4SetupCalibrationData>(szSerial).release();
 }
 
 unsigned int ClVTSetupCalibrationDataBase::ReadScannerRevision(const char* szLetters) {

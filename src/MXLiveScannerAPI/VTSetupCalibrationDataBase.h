@@ -14,8 +14,8 @@ class ClIpLiveScannerMask;
 /// Serial number, revision, geometry, gains and mask processors of a scanner, and the operations that rectify
 /// its frames.
 ///
-/// A serial number tells the model in its first four characters, "VT40" for ten fingers, and the revision in
-/// two letters behind them.
+/// A serial number tells the model in its first four characters, "VT40" for ten fingers, "VT4" and anything else
+/// for one, and the revision in two letters: "VT40-AB0001", "VT41AB0001".
 ///
 /// Ownership  keeps copies of all data; the mask processors belong to the concrete class.
 /// Threads    thread-bound while it is set up; then each operation serves one thread at a time.
@@ -47,7 +47,7 @@ class ClVTSetupCalibrationDataBase {
   }
 
   /// A new object of the model that the serial number names; the caller owns it.
-  /// Errors: -44; -103 for a model that is not supported.
+  /// Errors: -44; -103 for a revision that is not supported.
   static ClVTSetupCalibrationDataBase* GetSetupObject(const char* szSerial);
   /// The number that two letters stand for: "AA" 0, "AB" 1, "BA" 26, in either case.
   static unsigned int ReadScannerRevision(const char* szLetters);
