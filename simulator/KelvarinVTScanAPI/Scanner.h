@@ -90,6 +90,7 @@ class ClScanner {
   /// Of the moment of the last sequence, or of any.
   void GroundTruth(uint8_t* pPicture, uint8_t* pCover);
   void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);
+  void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
   ClPoint PictureToSensor(double dX, double dY) const { return m_oSensor.Optics().PictureToSensor(dX, dY); }
   void State(VTSimState& oState);
   std::vector<VTSimBeep> Beeps();

@@ -60,6 +60,11 @@ void ClScanner::GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover) 
   m_oSensor.GroundTruth(dTime, pPicture, pCover);
 }
 
+void ClScanner::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  m_oSensor.UnrolledTruth(dFrom, dUntil, pPicture, pCover);
+}
+
 unsigned ClScanner::Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom) {
   Guard oGuard(m_oState);
   const uint64_t nOldest = m_nSequences - std::min<uint64_t>(m_nSequences, g_cnFramesKept);

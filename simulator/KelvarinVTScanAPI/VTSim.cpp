@@ -69,6 +69,18 @@ long VTSimGetGroundTruthAt(const char* szSerial, double dTime, unsigned char* pP
   });
 }
 
+long VTSimGetUnrolledTruth(const char* szSerial, double dFrom, double dUntil, unsigned char* pPicture,
+                           unsigned char* pMask, unsigned int* pnSize) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dFrom);
+    NeedTime(dUntil);
+    if (!(dUntil >= dFrom && dUntil - dFrom <= 3600.0))
+      throw ClSimError(eBadValue, "the second moment comes at most an hour after the first");
+    NeedPicture(pPicture, pnSize);
+    oScanner.UnrolledTruth(dFrom, dUntil, pPicture, pMask);
+  });
+}
+
 long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX, double* pdSensorY) {
   return On(szSerial, [&](ClScanner& oScanner) {
     NeedPointer(pdSensorX);

@@ -87,6 +87,12 @@ VTSIM_API long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture
 VTSIM_API long VTSimGetGroundTruthAt(const char* szSerial, double dTime, unsigned char* pPicture,
                                      unsigned char* pMask, unsigned int* pnSize);
 
+/* The skin of fingers that rolled over the glass between two moments at most 3600 s apart, unrolled: the picture that
+ * a perfect scanner would put together of rolls without slip and twist, and the mask of the skin that was down.
+ * Fingers that don't roll are not in it. */
+VTSIM_API long VTSimGetUnrolledTruth(const char* szSerial, double dFrom, double dUntil,
+                                     unsigned char* pPicture, unsigned char* pMask, unsigned int* pnSize);
+
 /* Where a point of the ground-truth picture falls on the full sensor (3840 x 2720), in pixels; whole numbers
  * are pixel centres on both sides. */
 VTSIM_API long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX,

@@ -1,10 +1,10 @@
-// A finger on the platen: laid down, pressed on, lifted.
+// A finger on the platen: laid down, pressed on, rolled, lifted.
 #include "scene/FingerContent.h"
 
 #include <cmath>
 #include <cstring>
+#include <limits>
 
-#include "scene/FingerMotion.h"
 #include "scene/PrintCache.h"
 #include "scene/Random.h"
 
@@ -16,6 +16,9 @@ constexpr double g_cdOrdinaryPressure = 0.6;
 constexpr double g_cdOrdinaryEdge = 61.0;
 // Light from a film of water against that of a ridge.
 constexpr double g_cdHaloLight = 0.3;
+constexpr double g_cdDegree = 3.14159265358979323846 / 180.0;
+// Steps in which a roll is followed when all of it is to be drawn.
+constexpr double g_cdUnrollSeconds = 1.0 / 240.0;
 
 /// Bilinear sample in 1/256 steps; 0 outside.
 int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
@@ -79,6 +82,24 @@ int ToFixed(double d) {
   return static_cast<int>(std::floor(d * 65536.0 + 0.5));
 }
 
+/// How firmly the parts of a rolling finger are pressed on, on the scale of ClPrint::oDepth.
+struct ClStripPress {
+  float fLow, fHigh;  ///< ends of the part that is pressed on most, in pixels across the strip
+  float fFall;        ///< for each pixel beyond
+  float fStart;       ///< place across the strip of the stretch's first pixel
+  float fStep;        ///< from one platen pixel to the next
+
+  int DepthAt(int i) const {
+    const float fPlace = fStart + static_cast<float>(i) * fStep;
+    const float fAway = std::max(0.0f, std::max(fLow - fPlace, fPlace - fHigh));
+    return static_cast<int>(std::clamp(g_cfDeepest - fAway * fFall, 0.0f, 255.0f));
+  }
+
+  // Depth falls from the middle to the edge as it does across a generated print.
+  static constexpr float g_cfDeepest = 255.0f * 1.12f / 0.5f;
+  static constexpr float g_cfFall = 255.0f / 0.5f;
+};
+
 /// Draws stretches of platen rows; the steps are those in the print from one platen pixel to the next.
 struct ClRowDrawer {
   const ClPrint& oPrint;
@@ -86,10 +107,13 @@ struct ClRowDrawer {
   const ClDryness& oDry;
   int nStepX, nStepY;
 
-  void Draw(int nX, int nY, int nCount, uint8_t* pContact, uint8_t* pCover) const {
+  void Draw(int nX, int nY, int nCount, const ClStripPress* pStrip, uint8_t* pContact,
+            uint8_t* pCover) const {
     for (int i = 0; i < nCount; ++i, nX += nStepX, nY += nStepY) {
+      const int nStrip = pStrip ? pStrip->DepthAt(i) : 255;
+      if (nStrip == 0) continue;
       const int nX256 = (nX + 128) >> 8, nY256 = (nY + 128) >> 8;
-      const int nDepth = Sample(oPrint.oDepth, nX256, nY256), nCover = oPress.aCover[nDepth];
+      const int nDepth = Sample(oPrint.oDepth, nX256, nY256) * nStrip / 255, nCover = oPress.aCover[nDepth];
       pContact[i] = std::max(pContact[i], oPress.aHalo[nDepth]);
       if (nCover == 0) continue;
       const int nHeight = Sample(oPrint.oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
@@ -108,7 +132,7 @@ ClFingerContent::ClFingerContent(const ClFingerDescription& oDescription)
 uint64_t ClFingerContent::StateAt(double dSeconds) const {
   const ClFingerPose oPose = ClFingerMotion::At(m_oDescription, dSeconds);
   uint64_t nState = static_cast<uint64_t>(oPose.nDown);
-  for (const double d : {oPose.dXMm, oPose.dYMm, oPose.dAngle, oPose.dPressure}) {
+  for (const double d : {oPose.dXMm, oPose.dYMm, oPose.dAngle, oPose.dPressure, oPose.dStripMm}) {
     uint64_t nBits;
     std::memcpy(&nBits, &d, sizeof nBits);
     nState = Mix(nState, nBits);
@@ -124,16 +148,48 @@ void ClFingerContent::Count(double dSeconds, ClPlatenFacts& oFacts) const {
 
 void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   const ClFingerPose oPose = ClFingerMotion::At(m_oDescription, dSeconds);
-  if (oPose.nDown == 0) return;
-  const double dDown = static_cast<double>(oPose.nDown) / ClFingerMotion::nSteps;
-  const ClPress oPress(*m_pPrint,
-                       oPose.nDown == ClFingerMotion::nSteps
-                           ? oPose.dPressure
-                           : oPose.dPressure * (0.4 + 0.6 * dDown) - 0.4 * (1.0 - dDown),
-                       m_oDescription.dHalo);
+  if (oPose.nDown != 0) DrawSkin(oPose, StripAt(oPose), oMap);
+}
+
+void ClFingerContent::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const {
+  if (m_oDescription.oRoll.dWidthMm == 0.0) return;
+  // Skin comes down on its own place, whatever slips or turns on the way: the unrolled print lies as the finger does
+  // without. Its edges are where the strips of all moments reach.
+  ClFingerPose oFlat;
+  double dLeft = std::numeric_limits<double>::infinity(), dRight = -dLeft, dWidest = 0.0;
+  const int nSteps = static_cast<int>(std::ceil((dUntil - dFrom) / g_cdUnrollSeconds));
+  for (int i = 0; i <= nSteps; ++i) {
+    const ClFingerPose oPose =
+        ClFingerMotion::At(m_oDescription, std::min(dUntil, dFrom + i * g_cdUnrollSeconds));
+    if (oPose.nDown == 0) continue;
+    const ClStrip oStrip = StripAt(oPose);
+    dLeft = std::min(dLeft, oStrip.dLow - oStrip.dHalf);
+    dRight = std::max(dRight, oStrip.dHigh + oStrip.dHalf);
+    dWidest = std::max(dWidest, oStrip.dHalf);
+    oFlat.dPressure = std::max(oFlat.dPressure, oPose.dPressure);
+  }
+  if (dWidest == 0.0) return;
+  oFlat.nDown = ClFingerMotion::nSteps;
+  oFlat.dXMm = m_oDescription.dXMm;
+  oFlat.dYMm = m_oDescription.dYMm;
+  oFlat.dAngle = m_oDescription.dAngle;
+  DrawSkin(oFlat, {false, dLeft + dWidest, dRight - dWidest, dWidest}, oMap);
+}
+
+ClFingerContent::ClStrip ClFingerContent::StripAt(const ClFingerPose& oPose) const {
+  if (m_oDescription.oRoll.dWidthMm == 0.0) return {};
+  // A cylinder that is pressed on a plane: the width grows with the root of the force.
+  const double dPressure = std::max(0.06, ClFingerMotion::PressureOf(oPose));
+  const double dMiddle = oPose.dStripMm / g_cdPixelMm;
+  return {false, dMiddle, dMiddle,
+          0.5 * m_oDescription.oRoll.dWidthMm / g_cdPixelMm * std::sqrt(dPressure / g_cdOrdinaryPressure)};
+}
+
+void ClFingerContent::DrawSkin(const ClFingerPose& oPose, const ClStrip& oStrip, ClPlatenMap& oMap) const {
+  const ClPress oPress(*m_pPrint, ClFingerMotion::PressureOf(oPose), m_oDescription.dHalo);
   const ClDryness oDry(m_oDescription.oPrint.nSeed, m_oDescription.dDryness);
   const TpPlane<uint8_t>& oRidge = m_pPrint->oRidge;
-  const double dTurn = oPose.dAngle * 3.14159265358979323846 / 180.0;
+  const double dTurn = oPose.dAngle * g_cdDegree;
   const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
   const double dMidX = MmToPixel(oPose.dXMm), dMidY = MmToPixel(oPose.dYMm);
   const double dHalfX = 0.5 * (oRidge.Width() * std::fabs(dCos) + oRidge.Height() * std::fabs(dSin)) + 1.0;
@@ -143,12 +199,20 @@ void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   const int nTop = std::max(0, static_cast<int>(std::floor(dMidY - dHalfY)));
   const int nEnd = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
   const ClRowDrawer oDrawer{*m_pPrint, oPress, oDry, ToFixed(dCos), ToFixed(dSin)};
+  // Directions count counter-clockwise while rows run down.
+  const double dAcrossX = std::cos(m_oDescription.oRoll.dTilt * g_cdDegree);
+  const double dAcrossY = -std::sin(m_oDescription.oRoll.dTilt * g_cdDegree);
+  ClStripPress oStripPress{static_cast<float>(oStrip.dLow), static_cast<float>(oStrip.dHigh),
+                           ClStripPress::g_cfFall / static_cast<float>(std::max(1.0, oStrip.dHalf)), 0.0f,
+                           static_cast<float>(dCos * dAcrossX + dSin * dAcrossY)};
   for (int y = nTop; y < nEnd; ++y) {
     // Back from the platen into the print: a turn the other way, y running down.
     const double dX = (nLeft - dMidX) * dCos - (y - dMidY) * dSin + 0.5 * (oRidge.Width() - 1);
     const double dY = (nLeft - dMidX) * dSin + (y - dMidY) * dCos + 0.5 * (oRidge.Height() - 1);
-    oDrawer.Draw(ToFixed(dX), ToFixed(dY), nRight - nLeft, oMap.oContact.Row(y) + nLeft,
-                 oMap.oCover.Row(y) + nLeft);
+    oStripPress.fStart = static_cast<float>((dX - 0.5 * (oRidge.Width() - 1)) * dAcrossX +
+                                            (dY - 0.5 * (oRidge.Height() - 1)) * dAcrossY);
+    oDrawer.Draw(ToFixed(dX), ToFixed(dY), nRight - nLeft, oStrip.bWhole ? nullptr : &oStripPress,
+                 oMap.oContact.Row(y) + nLeft, oMap.oCover.Row(y) + nLeft);
   }
 }
 

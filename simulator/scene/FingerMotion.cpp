@@ -1,4 +1,4 @@
-// How a finger behaves over time: it touches, settles, slides, presses, lifts and comes back.
+// How a finger behaves over time: it touches, settles, slides, presses, rolls, lifts and comes back.
 #include "scene/FingerMotion.h"
 
 #include <algorithm>
@@ -61,7 +61,29 @@ void Press(const ClFingerDescription& oFinger, double dSince, ClDeviation& o) {
   o.bMoving = o.bMoving || dPart < 1.0;
 }
 
+/// The moment of a roll, and whether anything changes in it.
+ClRollMoment Roll(const std::vector<ClRollMoment>& aPath, double dSince, bool& bMoving) {
+  const auto itNext =
+      std::upper_bound(aPath.begin(), aPath.end(), dSince,
+                       [](double dMoment, const ClRollMoment& o) { return dMoment < o.dSeconds; });
+  if (itNext == aPath.begin()) return aPath.front();
+  if (itNext == aPath.end()) return aPath.back();
+  const ClRollMoment &oBefore = *(itNext - 1), &oNext = *itNext;
+  const double dPart = (dSince - oBefore.dSeconds) / (oNext.dSeconds - oBefore.dSeconds);
+  const auto Between = [dPart](double dFrom, double dTo) { return dFrom + dPart * (dTo - dFrom); };
+  bMoving = bMoving || oBefore.dStripMm != oNext.dStripMm || oBefore.dTurn != oNext.dTurn ||
+            oBefore.dDown != oNext.dDown;
+  return {dSince, Between(oBefore.dStripMm, oNext.dStripMm), Between(oBefore.dTurn, oNext.dTurn),
+          Between(oBefore.dDown, oNext.dDown)};
+}
+
 }  // namespace
+
+double ClFingerMotion::PressureOf(const ClFingerPose& oPose) {
+  if (oPose.nDown == nSteps) return oPose.dPressure;
+  const double dDown = static_cast<double>(oPose.nDown) / nSteps;
+  return oPose.dPressure * (0.4 + 0.6 * dDown) - 0.4 * (1.0 - dDown);
+}
 
 ClFingerPose ClFingerMotion::At(const ClFingerDescription& oFinger, double dSeconds) {
   const double dTouch = std::max(0.0, oFinger.dTouch);
@@ -71,17 +93,23 @@ ClFingerPose ClFingerMotion::At(const ClFingerDescription& oFinger, double dSeco
   if (oFinger.dTouch >= 0.0) dDown = std::min(dDown, (dSeconds - oFinger.dTouch) / oFinger.dTouchSeconds);
   if (oFinger.dLift < g_cdNever)
     dDown = std::min(dDown, 1.0 - (dSeconds - oFinger.dLift) / oFinger.dLiftSeconds);
+  ClDeviation oDeviation;
+  ClRollMoment oRoll;
+  if (oFinger.oRoll.dWidthMm > 0.0) {
+    oRoll = Roll(oFinger.oRoll.aPath, dSeconds - dTouch, oDeviation.bMoving);
+    dDown = std::min(dDown, oRoll.dDown);
+  }
   ClFingerPose oPose;
   oPose.nDown = static_cast<int>(std::ceil(std::clamp(dDown, 0.0, 1.0) * nSteps));
   if (oPose.nDown == 0) return oPose;
 
-  ClDeviation oDeviation;
   Settle(oFinger, dSeconds - dTouch, oDeviation);
   Slide(oFinger.oSlide, dSeconds - dTouch, oDeviation);
   Press(oFinger, dSeconds - dTouch, oDeviation);
   oPose.dXMm = oFinger.dXMm + InSteps(oDeviation.dXMm, g_cdPlaceStep);
   oPose.dYMm = oFinger.dYMm + InSteps(oDeviation.dYMm, g_cdPlaceStep);
-  oPose.dAngle = oFinger.dAngle + InSteps(oDeviation.dTurn, g_cdTurnStep);
+  oPose.dAngle = oFinger.dAngle + InSteps(oDeviation.dTurn + oRoll.dTurn, g_cdTurnStep);
+  oPose.dStripMm = InSteps(oRoll.dStripMm, g_cdPlaceStep);
   oPose.dPressure = oFinger.dPressure + InSteps(oDeviation.dPressure, g_cdPressureStep);
   oPose.bMoving = oPose.nDown < nSteps || oDeviation.bMoving;
   return oPose;

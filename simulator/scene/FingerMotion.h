@@ -1,4 +1,4 @@
-// How a finger behaves over time: it touches, settles, slides, presses, lifts and comes back.
+// How a finger behaves over time: it touches, settles, slides, presses, rolls, lifts and comes back.
 #pragma once
 
 #include <cstdint>
@@ -14,11 +14,12 @@ struct ClFingerPose {
   double dYMm = 0.0;
   double dAngle = 0.0;
   double dPressure = 0.0;
+  double dStripMm = 0.0;  ///< of a finger that rolls
   bool bMoving = false;
 
   bool SameAs(const ClFingerPose& o) const noexcept {
     return nDown == o.nDown && dXMm == o.dXMm && dYMm == o.dYMm && dAngle == o.dAngle &&
-           dPressure == o.dPressure;
+           dPressure == o.dPressure && dStripMm == o.dStripMm;
   }
 };
 
@@ -30,6 +31,9 @@ class ClFingerMotion {
   static constexpr int nSteps = 16;
 
   static ClFingerPose At(const ClFingerDescription& oFinger, double dSeconds);
+
+  /// The pressure with which the pose lies, negative while little of the finger is down.
+  static double PressureOf(const ClFingerPose& oPose);
 };
 
 }  // namespace Simulator

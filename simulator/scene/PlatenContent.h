@@ -26,6 +26,9 @@ class ClPlatenContent {
   /// Adds what lies there at that time to the map.
   virtual void Draw(double dSeconds, ClPlatenMap& oMap) const = 0;
 
+  /// Adds the skin that rolled over the glass between two times, as it lies in the unrolled print.
+  virtual void DrawUnrolled(double /*dFrom*/, double /*dUntil*/, ClPlatenMap& /*oMap*/) const {}
+
   /// Adds its fingers.
   virtual void Count(double dSeconds, ClPlatenFacts& oFacts) const = 0;
 };

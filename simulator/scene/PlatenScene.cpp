@@ -24,6 +24,10 @@ void ClPlatenScene::Draw(double dSeconds, ClPlatenMap& oMap) const {
   for (const auto& pContent : m_aContent) pContent->Draw(dSeconds, oMap);
 }
 
+void ClPlatenScene::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const {
+  for (const auto& pContent : m_aContent) pContent->DrawUnrolled(dFrom, dUntil, oMap);
+}
+
 void ClPlatenScene::Count(double dSeconds, ClPlatenFacts& oFacts) const {
   for (const auto& pContent : m_aContent) pContent->Count(dSeconds, oFacts);
 }

@@ -18,6 +18,7 @@ class ClPlatenScene : public ClPlatenContent {
 
   uint64_t StateAt(double dSeconds) const override;
   void Draw(double dSeconds, ClPlatenMap& oMap) const override;
+  void DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const override;
   void Count(double dSeconds, ClPlatenFacts& oFacts) const override;
 
  private:

@@ -10,6 +10,9 @@
 
 namespace Simulator {
 
+/// Middle of the part of the platen that roll frames show, from the top edge.
+constexpr double g_cdRollMiddleMm = 20.32;
+
 constexpr double g_cdNever = std::numeric_limits<double>::infinity();
 
 /// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the finger
@@ -38,6 +41,23 @@ struct ClPressDescription {
   double dPressure = 0.6;
 };
 
+/// A moment of a roll; between moments all of it changes evenly, and two entries of one moment switch it.
+struct ClRollMoment {
+  double dSeconds = 0.0;  ///< after the touch
+  double dStripMm =
+      0.0;  ///< which part of the skin is down: middle of the strip, to the right of the print's middle
+  double dTurn = 0.0;  ///< degrees by which the finger is turned about its middle
+  double dDown = 1.0;  ///< 0 off the glass, 1 down
+};
+
+/// A finger that rolls over the glass without slip: a strip of its skin is down, and each place of the skin comes
+/// down on the place that it has in the unrolled print.
+struct ClRollDescription {
+  double dWidthMm = 0.0;  ///< of the strip under ordinary pressure; 0: the finger doesn't roll
+  double dTilt = 0.0;     ///< degrees by which the strip is turned against the finger, counter-clockwise
+  std::vector<ClRollMoment> aPath;
+};
+
 /// One finger, or one picture of several, laid on the platen.
 struct ClFingerDescription {
   ClPrintDescription oPrint;
@@ -55,6 +75,7 @@ struct ClFingerDescription {
   ClSettleDescription oSettle;
   ClSlideDescription oSlide;
   ClPressDescription oPress;
+  ClRollDescription oRoll;
 };
 
 /// Something on the glass that is no finger: a speck, or a smear of streaks when dLengthMm is larger than

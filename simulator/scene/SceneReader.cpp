@@ -2,6 +2,8 @@
 #include "scene/SceneReader.h"
 
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <nlohmann/json.hpp>
@@ -19,6 +21,7 @@ constexpr size_t g_cnMostScanners = 127;
 constexpr size_t g_cnMostFingers = 32;
 constexpr size_t g_cnMostDirt = 1000;
 constexpr size_t g_cnMostAmbient = 1000;
+constexpr size_t g_cnMostRollMoments = 1000;
 constexpr double g_cdLongest = 1e6;  // seconds
 
 /// One JSON object being read. Each key is asked for once; Done complains about keys that nobody asked for.
@@ -174,9 +177,40 @@ ClPressDescription ReadPress(ClObject o) {
   return oPress;
 }
 
+ClRollDescription ReadRoll(ClObject o) {
+  ClRollDescription oRoll;
+  oRoll.dWidthMm = o.Number("width", 14.0, 1.0, 60.0);
+  oRoll.dTilt = o.Number("tilt", 0.0, -45.0, 45.0);
+  o.Each("path", g_cnMostRollMoments, [&](const Json& oPoint, const std::string& sWhere) {
+    ClObject oRead(oPoint, sWhere);
+    const ClRollMoment oBefore = oRoll.aPath.empty() ? ClRollMoment() : oRoll.aPath.back();
+    ClRollMoment oMoment;
+    oMoment.dSeconds = oRead.Number("at", oBefore.dSeconds, oBefore.dSeconds, g_cdLongest);
+    oMoment.dStripMm = oRead.Number("strip", oBefore.dStripMm, -60.0, 60.0);
+    oMoment.dTurn = oRead.Number("turn", oBefore.dTurn, -180.0, 180.0);
+    oMoment.dDown = oRead.Number("down", oBefore.dDown, 0.0, 1.0);
+    oRoll.aPath.push_back(oMoment);
+    oRead.Done();
+  });
+  if (oRoll.aPath.empty()) oRoll.aPath = {{0.25, -7.0, 0.0, 1.0}, {1.5, 7.0, 0.0, 1.0}};
+  o.Done();
+  return oRoll;
+}
+
+/// A roll that says nothing else lies in the part of the platen that roll frames show, begins on a free platen and ends.
+void ReadRoll(ClObject& o, ClFingerDescription& oFinger) {
+  const Json* p = o.Find("roll");
+  if (!p) return;
+  oFinger.oRoll = ReadRoll(ClObject(*p, o.Place("roll")));
+  oFinger.dYMm = g_cdRollMiddleMm;
+  oFinger.dTouch = 0.5;
+}
+
 /// What a finger does after it was laid down.
 void ReadMotion(ClObject& o, ClFingerDescription& oFinger) {
   oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, g_cdLongest);
+  if (oFinger.oRoll.dWidthMm > 0.0)
+    oFinger.dLift = oFinger.dTouch + oFinger.oRoll.aPath.back().dSeconds + 0.1;
   oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, g_cdLongest);
   if (oFinger.dLift < oFinger.dTouch) o.Fail("comes before the touch", "lift");
   oFinger.dTouchSeconds = o.Number("touchSeconds", oFinger.dTouchSeconds, 0.01, 60.0);
@@ -196,6 +230,7 @@ ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, con
   ClObject o(oJson, sPlace);
   ClFingerDescription oFinger;
   if (const Json* p = o.Find("print")) oFinger.oPrint = ReadPrint(*p, o.Place("print"), sFolder);
+  ReadRoll(o, oFinger);
   oFinger.dXMm = o.Number("x", oFinger.dXMm, -50.0, 130.0);
   oFinger.dYMm = o.Number("y", oFinger.dYMm, -50.0, 130.0);
   oFinger.dAngle = o.Number("angle", oFinger.dAngle, -180.0, 180.0);
@@ -317,6 +352,12 @@ ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
   return oFault;
 }
 
+/// The pacing of scenes that say nothing of it.
+bool RealTimeByDefault() {
+  const char* szPacing = std::getenv("KELVARIN_VTSIM_PACING");
+  return szPacing != nullptr && std::strcmp(szPacing, "real") == 0;
+}
+
 }  // namespace
 
 ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolder) {
@@ -329,7 +370,7 @@ ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolde
   ClObject o(oJson, "");
   ClSceneDescription oScene;
   oScene.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed));
-  oScene.bRealTime = o.Choice("pacing", 0, {"consumer", "real"}) == 1;
+  oScene.bRealTime = o.Choice("pacing", RealTimeByDefault() ? 1 : 0, {"consumer", "real"}) == 1;
   oScene.sLibraryVersion = o.Text("libraryVersion", oScene.sLibraryVersion);
   if (oScene.sLibraryVersion.size() > 255) o.Fail("must not be longer than 255 characters", "libraryVersion");
   o.Each("scanners", g_cnMostScanners, [&](const Json& oScanner, const std::string& sWhere) {
@@ -351,7 +392,10 @@ ClSceneDescription FindScene(const std::string& sScene) {
   const size_t nFirst = sScene.find_first_not_of(" \t\r\n");
   if (nFirst != std::string::npos && sScene[nFirst] == '{') return ReadScene(sScene, "");
   ClSceneDescription oScene;
-  if (FindBuiltInScene(sScene, oScene)) return oScene;
+  if (FindBuiltInScene(sScene, oScene)) {
+    oScene.bRealTime = RealTimeByDefault();
+    return oScene;
+  }
   std::ifstream oFile(sScene, std::ios::binary);
   if (!oFile)
     throw ClSimError(eFileOpen, "scene \"" + sScene + "\" is neither a built-in scene (" +

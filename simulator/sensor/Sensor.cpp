@@ -228,6 +228,17 @@ void ClSensor::GroundTruth(double dSeconds, uint8_t* pPicture, uint8_t* pCover) 
   ClPlatenMap oMap;
   oMap.Clear();
   m_oScene.Draw(dSeconds, oMap);
+  CopyTruth(oMap, pPicture, pCover);
+}
+
+void ClSensor::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover) {
+  ClPlatenMap oMap;
+  oMap.Clear();
+  m_oScene.DrawUnrolled(dFrom, dUntil, oMap);
+  CopyTruth(oMap, pPicture, pCover);
+}
+
+void ClSensor::CopyTruth(const ClPlatenMap& oMap, uint8_t* pPicture, uint8_t* pCover) {
   for (size_t i = 0; i < oMap.oContact.Count(); ++i) {
     pPicture[i] = static_cast<uint8_t>(255 - oMap.oContact.Data()[i]);
     if (pCover) pCover[i] = oMap.oCover.Data()[i] >= 128 ? 255 : 0;

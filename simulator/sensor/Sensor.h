@@ -55,6 +55,8 @@ class ClSensor {
 
   /// Black ridges on white, right way round, and the area near skin; both pictures have the platen's size.
   void GroundTruth(double dSeconds, uint8_t* pPicture, uint8_t* pCover);
+  /// The same of the skin that rolled over the glass between two times, unrolled.
+  void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
 
   uint64_t StateAt(double dSeconds) const { return m_oScene.StateAt(dSeconds); }
   ClPlatenFacts Facts(double dSeconds) const;
@@ -76,6 +78,7 @@ class ClSensor {
   bool UsbPowered() const noexcept { return m_bUsbPowered; }
 
  private:
+  static void CopyTruth(const ClPlatenMap& oMap, uint8_t* pPicture, uint8_t* pCover);
   void SetPower(const ClScannerDescription& oScanner);
   void PrepareSignal(const ClSensorMode& oMode, double dSeconds);
   double AmbientAt(double dSeconds) const noexcept;

@@ -256,5 +256,62 @@ TEST(PrintCache, APrintIsMadeOnceWhileItIsInUse) {
   EXPECT_NE(pFirst.get(), GetPrint(Description(78, ePatternArch)).get());
 }
 
+/// The map of a moment, of one finger.
+ClPlatenMap MapAt(const ClFingerContent& oFinger, double dSeconds) {
+  ClPlatenMap oMap;
+  oMap.Clear();
+  oFinger.Draw(dSeconds, oMap);
+  return oMap;
+}
+
+TEST(RollingFinger, LeavesTheSkinWhereItCameDown) {
+  ClFingerDescription o;
+  o.oPrint.dWidthMm = 28.0;
+  o.dAngle = 10.0;
+  o.oRoll = {12.0, 4.0, {{0.0, -8.0, 0.0, 1.0}, {1.0, 8.0, 0.0, 1.0}}};
+  const ClFingerContent oFinger(o);
+  const ClPlatenMap oFirst = MapAt(oFinger, 0.3), oSecond = MapAt(oFinger, 0.55);
+  ClPlatenMap oWhole;
+  oWhole.Clear();
+  oFinger.DrawUnrolled(0.3, 0.55, oWhole);
+  int nOnlyFirst = 0, nOnlySecond = 0, nBoth = 0, nWhole = 0;
+  for (size_t i = 0; i < oFirst.oCover.Count(); ++i) {
+    const bool bFirst = oFirst.oCover.Data()[i] == 255, bSecond = oSecond.oCover.Data()[i] == 255;
+    nOnlyFirst += bFirst && !bSecond;
+    nOnlySecond += bSecond && !bFirst;
+    nBoth += bFirst && bSecond;
+    nWhole += oWhole.oCover.Data()[i] == 255;
+    if (bFirst && bSecond) {
+      ASSERT_EQ(oFirst.oContact.Data()[i], oSecond.oContact.Data()[i]) << i;
+    }
+    if (bFirst) {
+      ASSERT_EQ(oFirst.oContact.Data()[i], oWhole.oContact.Data()[i]) << i;
+    }
+  }
+  // A third of the strip was left behind, and as much came down: 4 of 12 millimetres.
+  EXPECT_NEAR(nOnlyFirst, nBoth / 2, nBoth / 6);
+  EXPECT_NEAR(nOnlySecond, nBoth / 2, nBoth / 6);
+  EXPECT_NEAR(nWhole, nBoth + nOnlyFirst + nOnlySecond, nWhole / 50);
+}
+
+TEST(RollingFinger, PressesAWiderStripAndSlipsAndTurnsOnRequest) {
+  ClFingerDescription o;
+  o.oPrint.dWidthMm = 28.0;
+  o.oRoll = {
+      12.0, 0.0, {{0.0, 0.0, 0.0, 1.0}, {1.0, 0.0, 30.0, 1.0}, {2.0, 0.0, 30.0, 1.0}, {2.0, 0.0, 30.0, 0.0}}};
+  o.dPressure = 0.4;
+  const int nLight = Areas(ClFingerContent(o), 0.0).nCover;
+  o.dPressure = 0.8;
+  EXPECT_GT(Areas(ClFingerContent(o), 0.0).nCover, 1.3 * nLight);
+  EXPECT_EQ(Areas(ClFingerContent(o), 2.5).nCover, 0) << "lifted";
+  o.oSlide = {0.0, g_cdNever, 2.0, 90.0, 0.0};
+  const ClFingerPose oPose = ClFingerMotion::At(o, 0.5);
+  EXPECT_NEAR(oPose.dAngle, 15.0, 0.02);
+  EXPECT_NEAR(oPose.dYMm, o.dYMm - 1.0, 0.002);
+  EXPECT_TRUE(oPose.bMoving);
+  o.oSlide = {};
+  EXPECT_FALSE(ClFingerMotion::At(o, 1.5).bMoving);
+}
+
 }  // namespace
 }  // namespace Simulator

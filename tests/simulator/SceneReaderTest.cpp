@@ -70,7 +70,10 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
                     "repeat": 4, "halo": 0.5, "pressure": 0.7,
                     "settle": {"seconds": 0.5, "x": 1, "y": 2, "turn": 3},
                     "slide": {"start": 1, "until": 2, "speed": 3, "direction": 4, "radius": 5},
-                    "press": {"start": 1, "seconds": 2, "pressure": 0.9}}]}]})",
+                    "press": {"start": 1, "seconds": 2, "pressure": 0.9},
+                    "roll": {"width": 12, "tilt": 5, "path": [{"strip": -6}, {"at": 1, "strip": 6, "turn": 7},
+                                                              {"at": 1, "down": 0}]}},
+                   {"roll": {}, "touch": 2}]}]})",
                                            "")
                                      .aScanners[0];
   ASSERT_EQ(o.aAmbient.size(), 2u);
@@ -88,6 +91,16 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   EXPECT_EQ(oFinger.oSettle.dPressure, 0.7) << "without a word the pressure stays";
   EXPECT_EQ(oFinger.oSlide.dRadiusMm, 5.0);
   EXPECT_EQ(oFinger.oPress.dSeconds, 2.0);
+  EXPECT_EQ(oFinger.oRoll.dWidthMm, 12.0);
+  EXPECT_EQ(oFinger.oRoll.dTilt, 5.0);
+  ASSERT_EQ(oFinger.oRoll.aPath.size(), 3u);
+  const ClRollMoment& oLast = oFinger.oRoll.aPath.back();
+  EXPECT_EQ(oLast.dSeconds, 1.0);
+  EXPECT_EQ(oLast.dStripMm, 6.0) << "without a word all stays as it was a moment before";
+  EXPECT_EQ(oLast.dTurn, 7.0);
+  EXPECT_EQ(oLast.dDown, 0.0);
+  EXPECT_EQ(o.aFingers[1].dYMm, 20.32) << "a finger that rolls lies where rolls are seen";
+  EXPECT_EQ(o.aFingers[1].dLift, 2.0 + o.aFingers[1].oRoll.aPath.back().dSeconds + 0.1);
 }
 
 TEST(SceneReader, AnUnknownKeyIsRefusedByNameAndPlace) {
@@ -115,6 +128,8 @@ TEST(SceneReader, WhatIsNoSceneAtAllIsRefused) {
         "{\"scanners\": [{\"fingers\": [{\"touch\": 1, \"lift\": 3, \"repeat\": 2}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"repeat\": 2}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"slide\": {\"start\": 2, \"until\": 1}}]}]}",
+        "{\"scanners\": [{\"fingers\": [{\"roll\": {\"path\": [{\"at\": 2}, {\"at\": 1}]}}]}]}",
+        "{\"scanners\": [{\"fingers\": [{\"roll\": {\"width\": 0}}]}]}",
         "{\"scanners\": [{\"ambient\": [{\"at\": 2}, {\"at\": 1}]}]}",
         "{\"faults\": [{\"call\": \"a\", \"plug\": \"b\"}]}", "{\"faults\": [{}]}",
         "{\"scanners\": [{\"eprom\": {\"GEOCAL\": {\"flip\": [-1]}}}]}"})
