@@ -1,0 +1,186 @@
+// Rolled prints through the exported functions: verdicts, pictures, signals, and what disturbs a roll.
+#include <algorithm>
+#include <chrono>
+
+#include "ApiFixture.h"
+#include "RollRun.h"
+
+namespace {
+
+struct StStaged {
+  const char* szScene;
+  long nVerdict;
+};
+
+/// Pixels that are ridge.
+int Dark(const StRollImage& o) {
+  return static_cast<int>(std::count_if(o.aPixels.begin(), o.aPixels.end(), [](int n) { return n < 128; }));
+}
+
+class Roll : public OpenScanner {
+ protected:
+  void TearDown() override {
+    VTSimHoldSequences(nullptr, 0);
+    OpenScanner::TearDown();
+  }
+
+  void Start(const std::string& sScene) { ASSERT_EQ(StartRoll(m_h, sScene), 0) << VTSimLastError(); }
+
+  /// Goes on until the finger is down or has left, by the simulator's record.
+  void StepUntil(bool bDown) {
+    for (int n = 0; n < 100; ++n) {
+      ASSERT_EQ(StepRoll(m_h).nError, 0);
+      if ((FramesFrom(0).back().nFingers > 0) == bDown) return;
+    }
+    FAIL() << "the finger never " << (bDown ? "came" : "left");
+  }
+};
+
+class GoodRoll : public Roll, public testing::WithParamInterface<const char*> {};
+
+TEST_P(GoodRoll, IsCleanAndShowsTheRidgesOfTheWholeFinger) {
+  Start(GetParam());
+  const StRollImage oRoll = RunRoll(m_h);
+  ASSERT_EQ(oRoll.nError, 0);
+  ASSERT_EQ(oRoll.bDone, 1);
+  EXPECT_EQ(oRoll.nResult, 0);
+  EXPECT_EQ(oRoll.dScore, 0.0);
+  const StRollQuality oQuality = MeasureRoll(oRoll.aPixels, FramesFrom(0));
+  EXPECT_GE(oQuality.dCorrelation, 0.85);
+  EXPECT_GE(oQuality.dGrowth, 1.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(SixFingers, GoodRoll,
+                         testing::Values("roll-right:101", "roll-right:102", "roll-right:103",
+                                         "roll-left:101", "roll-left:102", "roll-left:103"),
+                         [](const auto& oInfo) { return "Finger" + std::to_string(oInfo.index + 1); });
+
+class BadRoll : public Roll, public testing::WithParamInterface<StStaged> {};
+
+TEST_P(BadRoll, GetsItsVerdictWithThePicture) {
+  for (const char* szSeed : {":101", ":102", ":103"}) {
+    Start(GetParam().szScene + std::string(szSeed));
+    const StRollImage oRoll = RunRoll(m_h);
+    ASSERT_EQ(oRoll.nError, 0) << szSeed;
+    EXPECT_EQ(oRoll.bDone, 1) << szSeed;
+    EXPECT_EQ(oRoll.nResult, GetParam().nVerdict) << szSeed;
+    EXPECT_GT(Dark(oRoll), 20000) << szSeed;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(FiveWays, BadRoll,
+                         testing::Values(StStaged{"roll-slipped", -801}, StStaged{"roll-fast", -802},
+                                         StStaged{"roll-back", -803}, StStaged{"roll-twisted", -804},
+                                         StStaged{"roll-short", -805}),
+                         [](const auto& oInfo) { return "Verdict" + std::to_string(-oInfo.param.nVerdict); });
+
+/// A roll of a dozen frames for what needs no good print, again and again.
+std::string QuickRoll(const char* szRepeat = "0.9") {
+  return R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{
+    "print": {"seed": 7, "width": 28}, "touch": 0.1, "touchSeconds": 0.05, "lift": 0.75, "liftSeconds": 0.05,
+    "roll": {"width": 13, "path": [{"at": 0.1, "strip": -7}, {"at": 0.6, "strip": 7}]}, "repeat": )" +
+         std::string(szRepeat) + "}]}]}";
+}
+
+TEST_F(Roll, EndsOnceForTheCallerWithOneBeepAndTheNextFollows) {
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+  Start(QuickRoll());
+  for (unsigned int nRolls = 1; nRolls <= 2; ++nRolls) {
+    StepUntil(true);
+    const StRollImage oRoll = RunRoll(m_h, 30);
+    ASSERT_EQ(oRoll.bDone, 1);
+    EXPECT_EQ(oRoll.nResult, 0);
+    EXPECT_EQ(State().nBeeps, nRolls);
+    const StRollImage oNext = StepRoll(m_h);
+    EXPECT_EQ(oNext.bDone, 0);
+    EXPECT_EQ(oNext.nResult, KLV_ERROR_NO_FINGER);
+    EXPECT_EQ(oNext.aPixels, oRoll.aPixels) << "the print stays until the next finger";
+  }
+  VTSimBeep aBeeps[4];
+  unsigned int nCount = 4;
+  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nCount), 0);
+  EXPECT_EQ(aBeeps[1].nArg1, 300u);
+  EXPECT_EQ(aBeeps[1].nArg2, 100u);
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 0), 0);
+  EXPECT_EQ(RunRoll(m_h, 30).bDone, 1);
+  EXPECT_EQ(State().nBeeps, 2u);
+}
+
+TEST_F(Roll, WaitsWithItsEndForACallerWhoLooksLate) {
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+  Start(QuickRoll("1000"));
+  StepUntil(true);
+  // Sequences go through while nobody fetches, until the end has sounded, and beyond.
+  unsigned long long nSequences = State().nSequences;
+  const auto Pass = [&] {
+    ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
+    ASSERT_EQ(VTSimWaitForSequences(nullptr, ++nSequences, 30000), 0) << VTSimLastError();
+  };
+  for (int n = 0; n < 1000 && State().nBeeps == 0; ++n) Pass();
+  for (int n = 0; n < 5; ++n) Pass();
+  EXPECT_EQ(StepRoll(m_h).bDone, 1);
+  EXPECT_EQ(StepRoll(m_h).bDone, 0);
+  EXPECT_EQ(State().nBeeps, 1u);
+}
+
+TEST_F(Roll, StartsAfreshWhenTheImageIsReset) {
+  Start(QuickRoll());
+  StepUntil(true);
+  StRollImage oRoll;
+  for (int n = 0; n < 4; ++n) oRoll = StepRoll(m_h);
+  EXPECT_GT(Dark(oRoll), 5000);
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
+  oRoll = StepRoll(m_h);
+  EXPECT_EQ(Dark(oRoll), 0) << "the first frame of a roll paints nothing";
+  EXPECT_EQ(oRoll.bDone, 0);
+  oRoll = RunRoll(m_h, 30);
+  EXPECT_EQ(oRoll.bDone, 1);
+  EXPECT_GT(Dark(oRoll), 5000);
+}
+
+TEST_F(Roll, IsCentredAndTurnedUprightOnRequest) {
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nRolledPostProcess", 1), 0);
+  Start("roll-left:104");
+  const StRollImage oRoll = RunRoll(m_h);
+  ASSERT_EQ(oRoll.bDone, 1);
+  double dX = 0.0, dY = 0.0, dN = 0.0;
+  for (int y = 0; y < cnRollSide; ++y) {
+    for (int x = 0; x < cnRollSide; ++x) {
+      if (oRoll.aPixels[static_cast<size_t>(y * cnRollSide + x)] >= 128) continue;
+      dX += x;
+      dY += y;
+      dN += 1.0;
+    }
+  }
+  EXPECT_NEAR(dX / dN, cnRollSide / 2, 10.0);
+  EXPECT_NEAR(dY / dN, cnRollSide / 2, 10.0);
+}
+
+TEST_F(Roll, MayBeLeftAtAnyFrame) {
+  for (int nSteps = 0; nSteps < 13; ++nSteps) {
+    Start(QuickRoll());
+    for (int n = 0; n < nSteps; ++n) ASSERT_EQ(StepRoll(m_h).nError, 0);
+    // Frames are on their way while the scanner turns away.
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    if (nSteps % 2 == 0) {
+      ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0) << nSteps;
+      EXPECT_EQ(Preview().nError, 0) << nSteps;
+    } else {
+      ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0) << nSteps;
+      ASSERT_EQ(Open(), 0);
+    }
+  }
+}
+
+TEST_F(Roll, OfAScannerThatDiesTimesOutAfterFiveSeconds) {
+  Start(QuickRoll());
+  StepUntil(true);
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  const auto tStart = std::chrono::steady_clock::now();
+  EXPECT_EQ(GetRollImage(m_h).nError, KLV_ERROR_DISCONNECTED);
+  const std::chrono::duration<double> oWaited = std::chrono::steady_clock::now() - tStart;
+  EXPECT_GT(oWaited.count(), 4.9);
+  EXPECT_LT(oWaited.count(), 7.0);
+}
+
+}  // namespace
