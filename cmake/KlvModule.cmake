@@ -1,18 +1,23 @@
 # The one rule by which folders become targets.
 #
-#   klv_module(NAME FOLDER folder HEADERS ... SOURCES ... DEPS ... [SYSTEM_DEPS ...] [GROUP sdk|simulator])
+#   klv_module(NAME FOLDER folder HEADERS ... SOURCES ... DEPS ... [SYSTEM_DEPS ...] [GROUP sdk|simulator]
+#              [UNWATCHED])
 #
 # makes the static library NAME from the files of the current folder. Its headers are reached as
 # "folder/Header.h", and only by targets that name NAME among their DEPS: each module has an include
 # folder of its own, with links to just the headers that it lists. A dependency that is not declared
-# therefore does not compile. GROUP collects the modules that make up one shared library.
+# therefore does not compile. GROUP collects the modules that make up one shared library. UNWATCHED keeps the
+# thread sanitizer out of a module that computes for one thread at a time and would take most of a test's time.
 #
 #   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...])
 #
-# makes a GoogleTest program and registers each of its tests.
+# makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
+# meet; the target engine_tests builds these alone.
+
+add_custom_target(engine_tests)
 
 function(klv_module NAME)
-  cmake_parse_arguments(ARG "" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "UNWATCHED" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
   if(ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "klv_module(${NAME}): unknown arguments ${ARG_UNPARSED_ARGUMENTS}")
   endif()
@@ -31,6 +36,9 @@ function(klv_module NAME)
     add_library(${NAME} STATIC ${ARG_SOURCES})
     target_include_directories(${NAME} PUBLIC ${include_dir})
     target_link_libraries(${NAME} PUBLIC ${ARG_DEPS} ${ARG_SYSTEM_DEPS} PRIVATE klv_flags)
+    if(ARG_UNWATCHED AND KLV_SANITIZE STREQUAL "thread")
+      set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -fno-sanitize=thread)
+    endif()
     if(ARG_GROUP)
       set_property(GLOBAL APPEND PROPERTY KLV_GROUP_${ARG_GROUP} ${NAME})
       set_property(GLOBAL APPEND PROPERTY KLV_GROUP_${ARG_GROUP}_SYSTEM_DEPS ${ARG_SYSTEM_DEPS})
@@ -45,8 +53,16 @@ endfunction()
 function(klv_test NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPS;ENVIRONMENT;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
+  if("engine" IN_LIST ARG_LABELS)
+    add_dependencies(engine_tests ${NAME})
+  endif()
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
-  gtest_discover_tests(${NAME}
-    DISCOVERY_MODE PRE_TEST
-    PROPERTIES TIMEOUT 300 ENVIRONMENT "${ARG_ENVIRONMENT}" LABELS "${ARG_LABELS}")
+  # An empty value would vanish from the list and take its neighbour's place.
+  set(properties TIMEOUT 300)
+  foreach(property ENVIRONMENT LABELS)
+    if(ARG_${property})
+      list(APPEND properties ${property} "${ARG_${property}}")
+    endif()
+  endforeach()
+  gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()

@@ -1,56 +1,11 @@
 // Automatic capture through the exported functions: when it fires, when it must not, and what breaks it.
 #include <algorithm>
-#include <cstdlib>
 #include <thread>
 
 #include "AutoFixture.h"
 #include "KelvarinFakeFingerDetectionVT40/FDSim.h"
 
 namespace {
-
-/// Seeds of each kind of scene: a sample, or as many as the environment asks for.
-int Seeds() {
-  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-  return szSeeds != nullptr ? std::atoi(szSeeds) : 2;
-}
-
-std::string Seeded(const char* szScene, int nSeed) {
-  return std::string(szScene) + ":" + std::to_string(nSeed);
-}
-
-/// Two seconds of previews of a still or empty scene.
-constexpr int cnFewFrames = 30;
-/// Enough for two placements of a hand that settles.
-constexpr int cnManyFrames = 200;
-
-TEST_F(AutoScanner, CapturesEverySteadyPlacementOnceWithin30Frames) {
-  int nMissed = 0;
-  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
-    SCOPED_TRACE(nSeed);
-    Start(Seeded("settling-slap", nSeed));
-    for (int nPlacement = 0; nPlacement < 2; ++nPlacement) {
-      const size_t nBefore = Shots().size();
-      const StDelivered oPreview = PollUntil(true, cnManyFrames);
-      ASSERT_EQ(oPreview.nError, 0);
-      EXPECT_EQ(oPreview.dScore, 0.0) << "without a liveness score";
-      const StDelivered oImage = Image();
-      EXPECT_EQ(oImage.nError, 0);
-      EXPECT_EQ(oImage.bDone, 1);
-      EXPECT_EQ(oImage.nResult, 0);
-      EXPECT_GT(std::count_if(oImage.aPixels.begin(), oImage.aPixels.end(), [](int n) { return n < 128; }),
-                100000);
-      ASSERT_EQ(PollUntil(false, cnManyFrames).nError, 0);
-      // The capture; a fetch that comes behind its five frames takes a shot of its own.
-      const std::vector<VTSimFrame> aShots = Shots();
-      ASSERT_GT(aShots.size(), nBefore);
-      const VTSimFrame& oShot = aShots[nBefore];
-      nMissed += oShot.nNumber - oShot.nSteadySince > 30;
-      EXPECT_EQ(oShot.nFingers, 4u);
-      EXPECT_EQ(oShot.nMoving, 0u);
-    }
-  }
-  EXPECT_LE(nMissed * 100, 2 * Seeds());
-}
 
 TEST_F(AutoScanner, NeverFiresOnAnEmptyADirtyOrAMovingPlaten) {
   for (const char* szScene : {"empty", "dirty", "sliding-slap"}) {
@@ -61,17 +16,6 @@ TEST_F(AutoScanner, NeverFiresOnAnEmptyADirtyOrAMovingPlaten) {
       EXPECT_EQ(Shots().size(), 0u);
     }
   }
-}
-
-TEST_F(AutoScanner, AFingerThatLiftsBeforeTheShotIsNotTaken) {
-  size_t nShots = 0;
-  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
-    SCOPED_TRACE(nSeed);
-    Start(Seeded("early-lift", nSeed));
-    for (int n = 0; n < 2 * cnFewFrames; ++n) ASSERT_EQ(Preview().bDone, 0);
-    nShots += Shots().size();
-  }
-  EXPECT_GT(nShots, 0u) << "some of them were tried";
 }
 
 TEST_F(AutoScanner, DirtRaisesTheConditionWithItsAreaAndACleanPlatenHasNone) {
