@@ -113,6 +113,26 @@ TEST_F(Tool, WritesTheOtherFormatsByteByByte) {
   EXPECT_TRUE(std::equal(aKif.begin(), aKif.begin() + 4, aKif.end() - 4));
 }
 
+TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
+  // Slow enough for a machine that is busy with other tests.
+  const std::string sScene = SceneFile(R"({"pacing": "real", "scanners": [{"fingers": [
+      {"print": {"seed": 3, "width": 27}, "touch": 0.3, "lift": 3.4,
+       "roll": {"path": [{"at": 0.4, "strip": 7}, {"at": 2.9, "strip": -7}]}}]}]})");
+  const StRun oClean = Run("roll --json --frames " + (m_oFolder / "frames").string() + sScene + Out());
+  ASSERT_EQ(oClean.nExit, 0) << oClean.sOutput;
+  const nlohmann::json oFacts = nlohmann::json::parse(oClean.sOutput);
+  EXPECT_EQ(oFacts["result"], 0);
+  EXPECT_EQ(oFacts["pictures"][0]["pelsPerMetre"], 19685);
+  EXPECT_GT(oFacts["millimetres"], 22.0);
+  const auto itFrames = std::filesystem::directory_iterator(m_oFolder / "frames");
+  EXPECT_EQ(std::distance(begin(itFrames), end(itFrames)), oFacts["frames"].size());
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "frames" / "frame-0001.png"));
+  const StRun oShort = Run("roll --no-postprocess --format bmp --scene roll-short" + Out());
+  EXPECT_EQ(oShort.nExit, 1) << oShort.sOutput;
+  EXPECT_NE(oShort.sOutput.find("too small"), std::string::npos) << oShort.sOutput;
+  EXPECT_EQ(FileOf("roll.bmp").size(), 14u + 40 + 1024 + 800 * 800);
+}
+
 TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   const auto Expect = [](const std::string& sArguments, int nExit, const char* szText) {
     const StRun oRun = Run(sArguments);
@@ -123,6 +143,7 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("capture --mode sideways", 2, "--mode");
   Expect("capture --scene empty --print x.png", 2, "exclude each other");
   Expect("property get --scene finger none", 2, "unknown");
+  Expect("roll --timeout 1 --scene empty" + Out(), 5, "no finger rolled");
   Expect("list" + SceneFile(R"({"scanners": []})"), 3, "no scanner");
   Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");

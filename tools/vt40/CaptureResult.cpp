@@ -37,6 +37,7 @@ EExitCode ClCaptureResult::Print(bool bJson) const {
                   oPicture["width"].get<unsigned int>(), oPicture["height"].get<unsigned int>(),
                   oPicture["pelsPerMetre"].get<unsigned int>());
     }
+    if (!m_sSummary.empty()) std::puts(m_sSummary.c_str());
   }
   if (!m_sReason.empty()) std::fprintf(stderr, "vt40: %s\n", m_sReason.c_str());
   return m_eExit;

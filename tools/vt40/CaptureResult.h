@@ -18,6 +18,8 @@ class ClCaptureResult {
   void SetDelivery(const StDelivery& oDelivery);
   /// How the run ends, and the sentence that says why when it isn't well.
   void SetVerdict(EExitCode eExit, const std::string& sReason = "");
+  /// A sentence for people, printed in place of the facts of JSON.
+  void SetSummary(const std::string& sSummary) { m_sSummary = sSummary; }
   /// Facts that only one mode has.
   nlohmann::ordered_json& Facts() { return m_oJson; }
 
@@ -29,4 +31,5 @@ class ClCaptureResult {
   nlohmann::ordered_json m_oJson;
   EExitCode m_eExit = eExitOk;
   std::string m_sReason;
+  std::string m_sSummary;
 };

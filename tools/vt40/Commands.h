@@ -21,9 +21,18 @@ struct StCaptureOptions {
   double dMinScore = 50.0;     ///< liveness score from which a finger counts as living
 };
 
+struct StRollOptions {
+  StCaptureOptions oCapture;  ///< folder, format and time-out
+  std::string sFramesFolder;  ///< for each picture of the growing print; empty: none are kept
+  bool bPostProcess = true;   ///< the finished print is centred and turned upright
+
+  StRollOptions() { oCapture.sMode = "roll"; }
+};
+
 int RunList(const StCommonOptions& oCommon);
 int RunInfo(const StCommonOptions& oCommon);
 int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions);
+int RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions);
 int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
 int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
 int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);

@@ -17,6 +17,7 @@ constexpr char cszExitCodes[] =
 struct StCommandLine {
   StCommonOptions oCommon;
   StCaptureOptions oCapture;
+  StRollOptions oRoll;
   std::string sPropertyName;
   std::string sPropertyValue;
   unsigned int nLedIndex = 0;
@@ -47,6 +48,19 @@ void AddQueries(CLI::App& oApp, StCommandLine& oLine) {
              [&oLine] { return RunInfo(oLine.oCommon); });
 }
 
+void AddPictures(CLI::App& oCommand, StCaptureOptions& oCapture) {
+  oCommand.add_option("--out", oCapture.sFolder, "Folder for the pictures")->capture_default_str();
+  oCommand.add_option("--format", oCapture.sFormat, "Format of the pictures")
+      ->check(CLI::IsMember({"png", "bmp", "kif"}))
+      ->capture_default_str();
+}
+
+void AddTimeout(CLI::App& oCommand, StCaptureOptions& oCapture, const char* szDescription) {
+  oCommand.add_option("--timeout", oCapture.nTimeout, szDescription)
+      ->check(CLI::Range(1, 86400))
+      ->capture_default_str();
+}
+
 void AddCapture(CLI::App& oApp, StCommandLine& oLine) {
   CLI::App* pCapture = AddCommand(oApp, oLine, "capture", "Capture fingers and write pictures",
                                   [&oLine] { return RunCapture(oLine.oCommon, oLine.oCapture); });
@@ -57,22 +71,27 @@ void AddCapture(CLI::App& oApp, StCommandLine& oLine) {
                    "still; auto-live: the same with a liveness score")
       ->check(CLI::IsMember({"off", "preview", "full", "auto", "auto-live"}))
       ->capture_default_str();
-  pCapture->add_option("--out", oCapture.sFolder, "Folder for the pictures")->capture_default_str();
-  pCapture->add_option("--format", oCapture.sFormat, "Format of the pictures")
-      ->check(CLI::IsMember({"png", "bmp", "kif"}))
-      ->capture_default_str();
+  AddPictures(*pCapture, oCapture);
   pCapture->add_option("--frames", oCapture.nFrames, "Images of the stream to wait for")
       ->check(CLI::Range(1, 100000))
       ->capture_default_str();
   pCapture->add_option("--count", oCapture.nCount, "Automatic captures in a row, fingers lifted in between")
       ->check(CLI::Range(1, 10000))
       ->capture_default_str();
-  pCapture->add_option("--timeout", oCapture.nTimeout, "Seconds to wait for each automatic capture")
-      ->check(CLI::Range(1, 86400))
-      ->capture_default_str();
+  AddTimeout(*pCapture, oCapture, "Seconds to wait for each automatic capture");
   pCapture->add_option("--min-score", oCapture.dMinScore, "Liveness score below which auto-live ends with 1")
       ->check(CLI::Range(0.0, 100.0))
       ->capture_default_str();
+}
+
+void AddRoll(CLI::App& oApp, StCommandLine& oLine) {
+  StRollOptions& oRoll = oLine.oRoll;
+  CLI::App* pRoll = AddCommand(oApp, oLine, "roll", "Put a rolled fingerprint together and judge the roll",
+                               [&oLine] { return RunRoll(oLine.oCommon, oLine.oRoll); });
+  AddPictures(*pRoll, oRoll.oCapture);
+  pRoll->add_option("--frames", oRoll.sFramesFolder, "Folder that keeps each picture of the growing print");
+  pRoll->add_flag("!--no-postprocess", oRoll.bPostProcess, "Leave the print where and as it lay");
+  AddTimeout(*pRoll, oRoll.oCapture, "Seconds to wait for the end of the roll");
 }
 
 void AddProperty(CLI::App& oApp, StCommandLine& oLine) {
@@ -107,6 +126,7 @@ int RunTool(int nArguments, char** ppArguments) {
   StCommandLine oLine;
   AddQueries(oApp, oLine);
   AddCapture(oApp, oLine);
+  AddRoll(oApp, oLine);
   AddProperty(oApp, oLine);
   AddSignals(oApp, oLine);
   try {

@@ -189,6 +189,11 @@ StDelivery ClScanner::GetPreview(ClPicture& oPicture) {
   return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview", m_sSerial);
 }
 
+StDelivery ClScanner::GetRoll(ClPicture& oPicture) {
+  oPicture = FormOf(m_hScanner, LS_VT40GetRollImageSize, LS_VT40GetRollImageDPI);
+  return Deliver(m_hScanner, LS_VT40GetRollImage, oPicture, "roll", m_sSerial);
+}
+
 void ClScanner::SetLed(unsigned int nIndex, unsigned int nState) {
   Check(LS_VT40SetLED(m_hScanner, static_cast<unsigned char>(nIndex), static_cast<unsigned char>(nState)),
         "LED");

@@ -46,6 +46,7 @@ class ClScanner {
   void SetMode(int nMode);
   StDelivery GetImage(ClPicture& oPicture);
   StDelivery GetPreview(ClPicture& oPicture);
+  StDelivery GetRoll(ClPicture& oPicture);
 
   void SetLed(unsigned int nIndex, unsigned int nState);
   void Beep(unsigned int nArg1, unsigned int nArg2);

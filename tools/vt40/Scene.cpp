@@ -15,21 +15,26 @@ namespace {
 
 constexpr char cszVariable[] = "KELVARIN_VTSIM_SCENE";
 
-std::string SceneOfPrint(const std::string& sFile) {
+std::string SceneOfPrint(const std::string& sFile, bool bRolls) {
   if (access(sFile.c_str(), R_OK) != 0) throw ClToolError(eExitFile, sFile + ": " + std::strerror(errno));
-  const nlohmann::json oFinger = {{"print", {{"file", std::filesystem::absolute(sFile).string()}}}};
+  nlohmann::json oFinger = {{"print", {{"file", std::filesystem::absolute(sFile).string()}}}};
+  if (bRolls) oFinger["roll"] = nlohmann::json::object();
   const nlohmann::json oScanner = {{"fingers", nlohmann::json::array({oFinger})}};
   return nlohmann::json{{"scanners", nlohmann::json::array({oScanner})}}.dump();
 }
 
 }  // namespace
 
-void ChooseScene(const std::string& sScene, const std::string& sPrintFile) {
+void ChooseScene(const std::string& sScene, const std::string& sPrintFile, bool bRolls) {
   if (!sScene.empty() && !sPrintFile.empty()) {
     throw ClToolError(eExitUsage, "--scene and --print exclude each other");
   }
-  if (!sPrintFile.empty()) setenv(cszVariable, SceneOfPrint(sPrintFile).c_str(), 1);
+  if (!sPrintFile.empty()) setenv(cszVariable, SceneOfPrint(sPrintFile, bRolls).c_str(), 1);
   if (!sScene.empty()) setenv(cszVariable, sScene.c_str(), 1);
+}
+
+void PaceScenes() {
+  setenv("KELVARIN_VTSIM_PACING", "real", 0);
 }
 
 std::string WithdrawScene() {
