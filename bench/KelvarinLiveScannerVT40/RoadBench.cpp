@@ -7,8 +7,12 @@
 #include <vector>
 
 #include "KelvarinVTScanAPI/VTSim.h"
+#include "MXImageProcessing/IpBinarizeGlobal.h"
+#include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFlip.h"
+#include "MXImageProcessing/IpLabeling.h"
 #include "MXKernels/PointRows.h"
+#include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
@@ -55,6 +59,9 @@ class ClScene {
                      static_cast<int>(nGain >> 16 & 0xFF));
     m_aPreview = Grab(35, nExposure, 960 * 1360);
     m_aFull = Grab(34, nExposure * 2, 1920 * 2720);
+    // The frames of a roll, from before the finger comes until it has gone.
+    Require(VTSimLoadScene("roll-right:3") == 0, "roll");
+    for (int n = 0; n < 40; ++n) m_aaRoll.push_back(Grab(36, nExposure * 4, 960 * 1362));
   }
 
   std::unique_ptr<ClVT40SetupCalibrationData> MakeSetup() {
@@ -68,6 +75,7 @@ class ClScene {
   ClVT40SetupCalibrationData& Setup() { return *m_pSetup; }
   const std::vector<unsigned char>& Preview() const { return m_aPreview; }
   const std::vector<unsigned char>& Full() const { return m_aFull; }
+  const std::vector<std::vector<unsigned char>>& Roll() const { return m_aaRoll; }
 
  private:
   std::vector<char> Read(const char* szName) {
@@ -97,6 +105,7 @@ class ClScene {
   std::unique_ptr<ClVT40SetupCalibrationData> m_pSetup;
   std::vector<unsigned char> m_aPreview;
   std::vector<unsigned char> m_aFull;
+  std::vector<std::vector<unsigned char>> m_aaRoll;
 };
 
 ClScene& Scene() {
@@ -153,6 +162,57 @@ void Step(benchmark::State& oState, bool bFull, void (ClRoad::*pfnStep)()) {
   for (auto _ : oState) (oRoad.*pfnStep)();
 }
 
+/// The road of roll frames: calibrated, masked, put together.
+struct ClRollRoad {
+  ClRollRoad() { oRaw.NewWithType(ClImage::eUint8, 960, 1362, 1, 0, 0, true); }
+
+  void Difference() {
+    const std::vector<unsigned char>& aPlanes = Scene().Roll()[nFrame];
+    const size_t nPlane = aPlanes.size() / 2;
+    MXKernels::SubtractSaturated(&aPlanes[nPlane], aPlanes.data(), oRaw.Data(), nPlane);
+  }
+  void Balance() { oBalance.ApplyParam(oRaw, oBalanced); }
+  void Warp() { Scene().Setup().CalibrateRoll(oBalanced, oWarped); }
+  void Flip() { oFlip.ApplyParam(oWarped, oWarped, true, false); }
+  void Brightness() { Scene().Setup().AdjustBrightnessRoll(oWarped, oCalibrated, 224); }
+  void Mask() { Scene().Setup().GetMaskProcessor(0)->ApplyParam(oCalibrated, oMasked, 500, 1.0); }
+  void Roll() { oRoll.ApplyParam(oMasked, oPrint); }
+  void Mean() { oMean.ApplyParam(oMasked, oSoft, 15); }
+  void Binarize() { oBinarize.ApplyParam(oMasked, oSoft, 128.0); }
+  void Label() { oLabeling.ApplyParam(oBinary, oLabels); }
+  void Whole() {
+    Difference();
+    Balance();
+    Warp();
+    Flip();
+    Brightness();
+    Mask();
+    Roll();
+    nFrame = (nFrame + 1) % Scene().Roll().size();
+  }
+  /// Stands in the middle of a roll.
+  void Prepare() {
+    for (int n = 0; n < 20; ++n) Whole();
+    Mean();
+    oBinarize.ApplyParam(oSoft, oBinary, 255.0);
+  }
+
+  size_t nFrame = 0;
+  ClImage oRaw, oBalanced, oWarped, oCalibrated, oMasked, oPrint, oSoft, oBinary, oLabels;
+  ClIpLocalWhiteBalance oBalance;
+  ClIpFlip oFlip;
+  ClIpAutoRoll oRoll;
+  ClIpFilterMid oMean;
+  ClIpBinarizeGlobal oBinarize;
+  ClIpLabeling oLabeling;
+};
+
+void RollStep(benchmark::State& oState, void (ClRollRoad::*pfnStep)()) {
+  ClRollRoad oRoad;
+  oRoad.Prepare();
+  for (auto _ : oState) (oRoad.*pfnStep)();
+}
+
 void CalibrationSetup(benchmark::State& oState) {
   for (auto _ : oState) benchmark::DoNotOptimize(Scene().MakeSetup());
 }
@@ -172,6 +232,17 @@ BENCHMARK_CAPTURE(Step, FullFlip, true, &ClRoad::Flip)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullBrightness, true, &ClRoad::Brightness)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullMask, true, &ClRoad::Mask)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullFrame, true, &ClRoad::Whole)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollDifference, &ClRollRoad::Difference)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollBalance, &ClRollRoad::Balance)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollWarp, &ClRollRoad::Warp)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollFlip, &ClRollRoad::Flip)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollBrightness, &ClRollRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollMask, &ClRollRoad::Mask)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollAutoRoll, &ClRollRoad::Roll)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollOneMean, &ClRollRoad::Mean)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollOneBinarize, &ClRollRoad::Binarize)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollOneLabeling, &ClRollRoad::Label)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollFrame, &ClRollRoad::Whole)->Unit(cnUnit);
 BENCHMARK(CalibrationSetup)->Unit(cnUnit)->UseRealTime();
 
 }  // namespace

@@ -22,8 +22,26 @@ constexpr double cdMaxFlatShare = 0.7;
 /// Dark pixels in the middle of a frame up to which there is no finger.
 constexpr int cnNoFingerPixels = 1000;
 constexpr unsigned char cnDarkGrey = 128;
-constexpr long cnBlobWidth = 15;
 constexpr double cdWhite = 255.0;
+
+/// Of the whole numbers from 0 to n - 1.
+constexpr int64_t SumBelow(int64_t n) {
+  return n * (n - 1) / 2;
+}
+constexpr int64_t SumOfSquaresBelow(int64_t n) {
+  return n * (n - 1) * (2 * n - 1) / 6;
+}
+
+/// Calls fnRun(label, begin, end) for each longest stretch [begin, end) of one label above 0.
+template <typename TRun>
+void ForEachRun(const int32_t* pLabels, int nWidth, const TRun& fnRun) {
+  for (int x = 0; x < nWidth;) {
+    const int nBegin = x;
+    const int32_t nLabel = pLabels[x++];
+    while (x < nWidth && pLabels[x] == nLabel) ++x;
+    if (nLabel != 0) fnRun(nLabel, int64_t{nBegin}, int64_t{x});
+  }
+}
 
 }  // namespace
 
@@ -102,6 +120,7 @@ void ClIpAutoRoll::BeginRoll() {
   m_oMerged = static_cast<unsigned char>(255);
   // The first frame is measured but paints nothing: a finger comes down blurred.
   m_oCurrent = static_cast<unsigned char>(255);
+  m_bBlurred = false;
   AddCurrentImage();
 }
 
@@ -129,13 +148,15 @@ void ClIpAutoRoll::FinishRoll() {
 }
 
 ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(ClImage& oImage) {
-  m_oMean.ApplyParam(oImage, m_oSoft, cnBlobWidth);
-  m_oBinarize.ApplyParam(m_oSoft, m_oSoft, cdWhite);
+  m_oMean.ApplyParam(oImage, m_oBlurred, cnBlobWidth);
+  m_oBinarize.ApplyParam(m_oBlurred, m_oSoft, cdWhite);
   m_oLabeling.ApplyParam(m_oSoft, m_oLabels);
   m_aLabelSizes.assign(static_cast<size_t>(m_oLabeling.m_nLabels) + 1, 0);
   for (int y = 0; y < m_oLabels.Height(); ++y) {
-    const int32_t* pRow = m_oLabels.Row<int32_t>(y);
-    for (int x = 0; x < m_oLabels.Width(); ++x) ++m_aLabelSizes[static_cast<size_t>(pRow[x])];
+    ForEachRun(m_oLabels.Row<int32_t>(y), m_oLabels.Width(),
+               [&](int32_t nLabel, int64_t nBegin, int64_t nEnd) {
+                 m_aLabelSizes[static_cast<size_t>(nLabel)] += nEnd - nBegin;
+               });
   }
   StRegion oRegion;
   if (m_oLabeling.m_nLabels == 0) return oRegion;
@@ -143,14 +164,14 @@ ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(ClImage& oImage) {
   const auto nLargest = static_cast<int32_t>(itLargest - m_aLabelSizes.begin());
   oRegion.nCount = *itLargest;
   for (int y = 0; y < m_oLabels.Height(); ++y) {
-    const int32_t* pRow = m_oLabels.Row<int32_t>(y);
     int64_t nCount = 0, nX = 0, nXX = 0;
-    for (int64_t x = 0; x < m_oLabels.Width(); ++x) {
-      const int64_t nIsPart = pRow[x] == nLargest;
-      nCount += nIsPart;
-      nX += nIsPart * x;
-      nXX += nIsPart * x * x;
-    }
+    ForEachRun(m_oLabels.Row<int32_t>(y), m_oLabels.Width(),
+               [&](int32_t nLabel, int64_t nBegin, int64_t nEnd) {
+                 if (nLabel != nLargest) return;
+                 nCount += nEnd - nBegin;
+                 nX += SumBelow(nEnd) - SumBelow(nBegin);
+                 nXX += SumOfSquaresBelow(nEnd) - SumOfSquaresBelow(nBegin);
+               });
     const auto dY = static_cast<double>(y);
     oRegion.dX += static_cast<double>(nX);
     oRegion.dXX += static_cast<double>(nXX);
@@ -163,6 +184,7 @@ ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(ClImage& oImage) {
 
 ClIpAutoRoll::stMomentMeasures ClIpAutoRoll::ComputeCenterOfMassAndCentroidAngle() {
   const StRegion oRegion = LargestRegion(m_oCurrent);
+  m_bBlurred = true;
   stMomentMeasures oMeasures;
   if (oRegion.nCount == 0) return oMeasures;
   const auto dCount = static_cast<double>(oRegion.nCount);

@@ -8,7 +8,6 @@
 #include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpDelta.h"
 #include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpLabeling.h"
 #include "MXImageProcessing/IpMoveImage.h"
 #include "MXImageProcessing/IpRotate.h"
@@ -69,6 +68,9 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   /// Towards higher x, towards lower x, not yet known.
   enum EDirection : int { eDirectionForward = 0, eDirectionBack = 1, eDirectionUnknown = 2 };
 
+  /// Side of the windows in which a print is one piece, and in which ridges are darker than the mean.
+  static constexpr long cnBlobWidth = 15;
+
   void EnhanceCurrentImage();
   void BeginRoll();
   void ContinueRoll();
@@ -119,13 +121,14 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   ClImage m_oStrip;
   ClImage m_oFrameArea;
   ClImage m_oSoft;
+  ClImage m_oBlurred;       // means of cnBlobWidth
+  bool m_bBlurred = false;  // they are those of m_oCurrent
   ClImage m_oLabels;
   ClImage m_oCentred;
   std::vector<int64_t> m_aLabelSizes;
 
   ClIpFilterMid m_oMean;
   ClIpBinarizeGlobal m_oBinarize;
-  ClIpInvert m_oInvert;
   ClIpAnd m_oAnd;
   ClIpDelta m_oDelta;
   ClIpLabeling m_oLabeling;

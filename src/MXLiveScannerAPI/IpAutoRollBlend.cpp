@@ -1,6 +1,7 @@
 // How a frame is blended into the merged print, and how it is compared with what is there.
 #include <cmath>
 
+#include "MXKernels/PointRows.h"
 #include "MXKernels/RollRows.h"
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 
@@ -18,6 +19,14 @@ void ApplyAnd(ClIpAnd& oAnd, ClImage& oFirst, ClImage& oSecond, ClImage& oOut) {
 
 size_t SamplesOf(const ClImage& oImage) {
   return static_cast<size_t>(oImage.Width());
+}
+
+/// Of an image of 0 and 255.
+void InvertBinary(ClImage& oImage) {
+  for (int y = 0; y < oImage.Height(); ++y) {
+    uint8_t* pRow = oImage.Row<uint8_t>(y);
+    MXKernels::ThresholdRow(pRow, pRow, SamplesOf(oImage), 128, 255, 0);
+  }
 }
 
 }  // namespace
@@ -48,12 +57,12 @@ void ClIpAutoRoll::MakeWeights() {
   // Where the frame differs from what it shares with the merged print, and a margin of that.
   m_oDelta.ApplyParam(m_oSoftShared, m_oSoftFrame, m_oDifference, ClImage::cnTypeDefault);
   m_oBinarize.ApplyParam(m_oDifference, m_oShared, 2.0);
-  m_oInvert.ApplyParam(m_oShared);
+  InvertBinary(m_oShared);
   m_oMean.ApplyParam(m_oShared, m_oStrip, 11);
   m_oBinarize.ApplyParam(m_oStrip, m_oShared, 2.0);
   // What the frame shows of the finger.
   m_oBinarize.ApplyParam(m_oSoftFrame, m_oFrameArea, 253.0);
-  m_oInvert.ApplyParam(m_oFrameArea);
+  InvertBinary(m_oFrameArea);
   ApplyAnd(m_oAnd, m_oFrameArea, m_oShared, m_oStrip);
   // Soft edges make no seams.
   m_oMean.ApplyParam(m_oStrip, m_oShared, 5);
@@ -72,16 +81,18 @@ void ClIpAutoRoll::CheckForSkippedImage(const ClImage& oFirst, const ClImage& oS
 void ClIpAutoRoll::MeasureRidges() {
   m_oMean.ApplyParam(m_oCurrent, m_oSoft, 21);
   m_oBinarize.ApplyParam(m_oSoft, m_oArea, cdWhite);
-  m_oInvert.ApplyParam(m_oArea);
+  InvertBinary(m_oArea);
   BinarizeImage(m_oCurrent, m_oSoftFrame);
+  m_bBlurred = false;
   m_oMean.ApplyParam(m_oSoftFrame, m_oRidges, 5);
 }
 
 void ClIpAutoRoll::BinarizeImage(ClImage& oIn, ClImage& oOut) {
   oOut.NewWithType(ClImage::eUint8, oIn.Width(), oIn.Height(), 1, 19685, 19685, true);
-  m_oMean.ApplyParam(oIn, m_oSoft, 15);
+  if (!m_bBlurred) m_oMean.ApplyParam(oIn, m_oBlurred, cnBlobWidth);
   for (int y = 0; y < oIn.Height(); ++y) {
-    MXKernels::BelowRow(oIn.Row<uint8_t>(y), m_oSoft.Row<uint8_t>(y), oOut.Row<uint8_t>(y), SamplesOf(oIn));
+    MXKernels::BelowRow(oIn.Row<uint8_t>(y), m_oBlurred.Row<uint8_t>(y), oOut.Row<uint8_t>(y),
+                        SamplesOf(oIn));
   }
 }
 
