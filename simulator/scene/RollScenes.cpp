@@ -36,7 +36,7 @@ class ClRollStage {
     m_oFinger.dTouchSeconds = Vary(0.18, 0.05);
     m_oFinger.oRoll.dWidthMm = dWidthMm;
     m_oFinger.oRoll.dTilt = Vary(0.0, 4.0);
-    m_dReach = 0.5 * (oPrint.dWidthMm - dWidthMm) * Range(0.9, 1.0);
+    m_dReach = 0.5 * (oPrint.dWidthMm - dWidthMm) * Range(0.94, 1.0);
   }
 
   double Reach() const { return m_dReach; }
@@ -86,7 +86,7 @@ class ClRollStage {
 };
 
 void RollWell(ClRollStage& o, double dDirection) {
-  o.LayFinger(o.Vary(13.0, 1.0));
+  o.LayFinger(o.Vary(12.7, 1.0));
   o.Begin(dDirection, -o.Reach());
   o.RollTo(o.Reach(), o.Range(9.0, 26.0));
 }
@@ -104,7 +104,7 @@ void RollAndSlip(ClRollStage& o) {
 
 /// So fast that between two frames a strip as wide as the finger touches is passed over.
 void RollTooFast(ClRollStage& o) {
-  const double dWidth = o.Vary(8.5, 0.5);
+  const double dWidth = o.Vary(8.2, 0.5);
   o.LayFinger(dWidth);
   o.Finger().dPressure = 0.6;
   o.Begin(o.Side(), -o.Reach());
