@@ -1,6 +1,7 @@
 // From the scanner's point correspondence to the seven data sets of its kinds of frame.
 #include <cmath>
 
+#include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
@@ -61,6 +62,8 @@ void ClVT40SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned
     RaiseInvalid();
   }
   CheckPoints(oData);
+  // Scanners of the first revision came with grids of other shapes.
+  if (m_nScannerRevision != 0) ClIpCalibrateGeometricBuildRefPointsVT40Donut().ValidateCalibrationData(oData);
   RepairPoints(oData.m_aActual[0]);
   m_GeoFull = oData;
   DeriveDataSets();

@@ -43,21 +43,23 @@ inline void AppendPoints(Bytes& aBytes, const std::vector<ClVector>& aPoints) {
   }
 }
 
-/// The platen's 64 grid points in a 1600 by 1600 image, column after column, 190 apart.
+/// The platen's 64 grid points in a 1600 by 1600 image, column after column, 10 mm apart at 500 dpi.
 inline std::vector<ClVector> TargetGrid() {
+  constexpr double cdPitch = 10 * 500 / 25.4;
   std::vector<ClVector> aPoints;
-  for (int n = 0; n < 64; ++n) aPoints.emplace_back(135 + 190 * (n / 8), 135 + 190 * (n % 8));
+  for (int n = 0; n < 64; ++n)
+    aPoints.emplace_back(800 + cdPitch * (n / 8 - 3.5), 800 + cdPitch * (n % 8 - 3.5));
   return aPoints;
 }
 
-/// Where a 3840 by 2720 sensor shows them: mirrored in x, with a keystone and some barrel.
+/// Where a 3840 by 2720 sensor shows them, with a keystone and some barrel.
 inline std::vector<ClVector> ActualGrid() {
   std::vector<ClVector> aPoints;
   for (const ClVector& o : TargetGrid()) {
     const double dX = (o.x - 800) / 800;
     const double dY = (o.y - 800) / 800;
     const double dBarrel = 1 - 0.02 * (dX * dX + dY * dY);
-    aPoints.emplace_back(1920 - 1750 * dX * dBarrel * (1 + 0.02 * dY), 1360 + 1270 * dY * dBarrel);
+    aPoints.emplace_back(1920 + 1750 * dX * dBarrel * (1 + 0.02 * dY), 1360 + 1270 * dY * dBarrel);
   }
   return aPoints;
 }

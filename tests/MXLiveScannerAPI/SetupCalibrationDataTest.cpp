@@ -214,22 +214,77 @@ TEST(Geometry, TheFirstRevisionMayHaveMorePointsOnTheSensorThanTargets) {
 /// A straight grid of 400 by 300, so that each point is its neighbours' middle.
 std::vector<ClVector> StraightGrid() {
   std::vector<ClVector> aPoints;
-  for (int n = 0; n < 64; ++n) aPoints.emplace_back(3400 - 400 * (n / 8), 300 + 300 * (n % 8));
+  for (int n = 0; n < 64; ++n) aPoints.emplace_back(600 + 400 * (n / 8), 300 + 300 * (n % 8));
   return aPoints;
 }
 
-TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
+/// The stray's place and what became of the others that should have stayed.
+void ExpectRepair(ClVT40SetupCalibrationData& oSetup, unsigned int nStray, const ClVector& vOff, double dMost,
+                  bool bOthersStay) {
   ClGeometricRecord oRecord;
   oRecord.aActual = StraightGrid();
-  oRecord.aActual[9].y += 20;                     // column 1, row 1
-  oRecord.aActual[8 * 4 + 4].x += 15;             // exactly at the limit
-  oRecord.aActual[3] = oRecord.aActual[3] * 1.5;  // the border of the grid is not repaired
+  oRecord.aActual[nStray] = oRecord.aActual[nStray] + vOff;
+  UpdateGeometry(oSetup, GeometricBlock(oRecord));
+  const auto& aPoints = oSetup.GetGeometricDataFull(false).m_aActual[0];
+  for (unsigned int n = 0; n < 64; ++n) {
+    const double dOff = (aPoints[n] - StraightGrid()[n]).Length();
+    if (n == nStray) {
+      EXPECT_LE(dOff, dMost + 1e-3) << n << ": " << vOff.x << ", " << vOff.y;
+    } else if (bOthersStay) {
+      EXPECT_EQ(dOff, 0) << n << " of " << nStray;
+    }
+  }
+}
+
+TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  for (unsigned int nColumn = 1; nColumn < 7; ++nColumn) {
+    for (unsigned int nRow = 1; nRow < 7; ++nRow) {
+      const unsigned int n = 8 * nColumn + nRow;
+      for (const ClVector& vWay : {ClVector(1, 0), ClVector(0, 1), ClVector(-0.6, 0.8)}) {
+        ExpectRepair(oSetup, n, vWay * 16, 0, true);
+        ExpectRepair(oSetup, n, vWay * 29, 0, true);
+        // Up to 30 pixels leave the neighbours where they are; beyond that an earlier one gives way by half, which is
+        // a quarter of the stray's own error.
+        ExpectRepair(oSetup, n, vWay * 40, 10, false);
+      }
+      ExpectRepair(oSetup, n, {14, 0}, 14, true);
+      ExpectRepair(oSetup, n, {0, -15}, 15, true);
+    }
+  }
+}
+
+TEST(Geometry, APointAtTheLimitAndTheBorderOfTheGridStay) {
+  ClGeometricRecord oRecord;
+  oRecord.aActual = StraightGrid();
+  oRecord.aActual[8 * 4 + 4].x += 15;
+  oRecord.aActual[3].y += 60;
   ClVT40SetupCalibrationData oSetup(cszSerial, false);
   UpdateGeometry(oSetup, GeometricBlock(oRecord));
   const auto& aPoints = oSetup.GetGeometricDataFull(false).m_aActual[0];
-  EXPECT_TRUE(aPoints[9].IsNear(StraightGrid()[9]));
   EXPECT_TRUE(aPoints[8 * 4 + 4].IsNear(oRecord.aActual[8 * 4 + 4]));
   EXPECT_TRUE(aPoints[3].IsNear(oRecord.aActual[3]));
+}
+
+TEST(Geometry, RefusesGridsThatAreNotTheTargetsButForTheFirstRevision) {
+  std::vector<ClGeometricRecord> aRecords(6);
+  aRecords[0].aTarget[20].x += 10.5;
+  aRecords[1].aTarget[0].y -= 10.5;
+  aRecords[2].aActual[20].y += 110;
+  aRecords[3].aActual[63].x -= 150;
+  for (size_t n = 0; n < 64; ++n) {
+    aRecords[4].aActual[n].x = 3840 - ActualGrid()[n].x;
+    aRecords[5].aActual[n].y = 2720 - ActualGrid()[n].y;
+  }
+  for (size_t n = 0; n < aRecords.size(); ++n) {
+    const auto oRaised = Refusal(aRecords[n]);
+    EXPECT_EQ(oRaised.first, -39) << n;
+    EXPECT_THAT(oRaised.second, EndsWith(n < 2 ? "Target data is corrupt" : "Source data is corrupt")) << n;
+    EXPECT_EQ(Refusal(aRecords[n], "VT40-AA0001").first, 0) << n;
+  }
+  ClGeometricRecord oMoved;
+  for (ClVector& o : oMoved.aTarget) o = o + ClVector(300, -90);
+  EXPECT_EQ(Refusal(oMoved).first, 0) << "a target moved as a whole";
 }
 
 TEST(Geometry, ARepairedPointCountsInItsNewPlaceForTheNextOnes) {
@@ -282,7 +337,7 @@ TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
 TEST(Brightness, TwoPointsInOnePlaceAreRefused) {
   ClGeometricRecord oRecord;
   oRecord.aTarget[7] = oRecord.aTarget[6];
-  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  ClVT40SetupCalibrationData oSetup("VT40-AA0042", false);
   UpdateGeometry(oSetup, GeometricBlock(oRecord));
   const Bytes aBlock = LegacyBrightnessBlock();
   EXPECT_EQ(Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); }).first, -39);

@@ -1,0 +1,257 @@
+// The grid of found dots: built, sorted, cleaned of what is no dot of the pattern.
+#include <algorithm>
+#include <cmath>
+#include <new>
+#include <vector>
+
+#include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "MXCalibrate/RefPointsLog.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
+using ClDot = ClBase::ClDot;
+
+constexpr double cdEighth = 3.14159265358979323846 / 4;
+constexpr unsigned int cnFewestNeighbours = 2;
+/// Beyond any frame: a dot farther off is no match.
+constexpr double cdFarthestMatch = 10000.0;
+
+bool CmpDotX(const ClDot* pA, const ClDot* pB) {
+  return pA->vPosition.x < pB->vPosition.x;
+}
+
+bool CmpDotY(const ClDot* pA, const ClDot* pB) {
+  return pA->vPosition.y < pB->vPosition.y;
+}
+
+/// Gives each target point to the valid dot nearest to it; of several points the last one stands.
+void Match(const ClBase::Points& aTarget, const ClBase::Grid& aGrid) {
+  for (unsigned int nPoint = 0; nPoint < aTarget.Entries(); ++nPoint) {
+    ClDot* pNearest = nullptr;
+    double dNearest = cdFarthestMatch;
+    for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+      const double dDistance = (aGrid[n]->vPosition - aTarget[nPoint]).Length();
+      if (!aGrid[n]->bValid || !(dDistance < dNearest)) continue;
+      dNearest = dDistance;
+      pNearest = aGrid[n];
+    }
+    if (pNearest != nullptr) pNearest->vTarget = aTarget[nPoint];
+  }
+}
+
+/// How far a distance is from none at all or, beyond the tolerance, from one pitch.
+double OffLattice(double dDistance, double dTolerance, double dPitch) {
+  return dDistance > dTolerance ? std::fabs(dDistance - dPitch) : dDistance;
+}
+
+}  // namespace
+
+void ClBase::DeleteDots(Grid& aGrid) {
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) delete aGrid[n];
+  aGrid.Clear();
+}
+
+void ClBase::BuildGrid(Grid& aGrid, ClIpConnectedComponent2::ComponentsArray_t& aComponents) {
+  const ClRefPointsLog oLog("BuildGrid");
+  DeleteDots(aGrid);
+  aGrid.New(aComponents.Entries());
+  for (unsigned int n = 0; n < aComponents.Entries(); ++n) {
+    aGrid[n] = new (std::nothrow) ClDot(aComponents[n]);
+    if (aGrid[n] == nullptr) KlvRaiseBadAlloc();
+    aGrid[n]->nIndex = static_cast<long>(n);
+  }
+  SortXY(aGrid);
+  JudgeDots(aGrid);
+  LinkNeighbours(aGrid);
+}
+
+void ClBase::JudgeDots(const Grid& aGrid) const {
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    ClDot& o = *aGrid[n];
+    if (o.dEccentricity < m_dMinEccentricity) o.nStatus = eTooRound;
+    if (o.dEccentricity > m_dMaxEccentricity) o.nStatus = eTooLong;
+    if (o.dArea < m_dMinArea) o.nStatus = eTooSmall;
+    if (o.dArea > m_dMaxArea) o.nStatus = eTooLarge;
+    if (o.nStatus != eGood) o.bValid = false;
+  }
+}
+
+void ClBase::LinkNeighbours(const Grid& aGrid) {
+  const double dToleranceX = PitchX() * m_dNeighbourTolerance;
+  const double dToleranceY = PitchY() * m_dNeighbourTolerance;
+  std::vector<ClDot*> aValid;
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (aGrid[n]->bValid) aValid.push_back(aGrid[n]);
+  }
+  for (ClDot* pDot : aValid) {
+    for (ClDot* pOther : aValid) {
+      if (pOther == pDot) continue;
+      const double dX = std::fabs(pDot->vPosition.x - pOther->vPosition.x);
+      const double dY = std::fabs(pDot->vPosition.y - pOther->vPosition.y);
+      const bool bOnLattice = OffLattice(dX, dToleranceX, PitchX()) < dToleranceX &&
+                              OffLattice(dY, dToleranceY, PitchY()) < dToleranceY;
+      if (bOnLattice && !(dX < dToleranceX && dY < dToleranceY)) pDot->AddDot(pOther, true);
+    }
+  }
+}
+
+void ClBase::SortX(Grid& aGrid) {
+  std::sort(aGrid.Data(), aGrid.Data() + aGrid.Entries(), CmpDotX);
+}
+
+void ClBase::SortY(Grid& aGrid, unsigned int nFirst, unsigned int nEnd) {
+  std::sort(aGrid.Data() + nFirst, aGrid.Data() + nEnd, CmpDotY);
+}
+
+void ClBase::SortXY(Grid& aGrid) {
+  const ClRefPointsLog oLog("SortXY");
+  if (aGrid.Entries() == 0) return;
+  const double dHalf = PitchX() * 0.5;
+  SortX(aGrid);
+  unsigned int nFirst = 0;
+  while (nFirst < aGrid.Entries()) {
+    // The column's place is the mean of its good dots.
+    double dColumn = aGrid[nFirst]->vPosition.x;
+    double dSum = 0;
+    unsigned int nCount = 0;
+    for (unsigned int n = nFirst; n < aGrid.Entries(); ++n) {
+      const ClDot& o = *aGrid[n];
+      if (!(std::fabs(o.vPosition.x - dColumn) < dHalf)) break;
+      if (o.nStatus != eGood) continue;
+      if (nCount == 0) dColumn = o.vPosition.x;
+      dSum += o.vPosition.x;
+      ++nCount;
+    }
+    if (nCount > 0) dColumn = dSum / nCount;
+    // A column has at least the dot that began it.
+    unsigned int nEnd = nFirst + 1;
+    while (nEnd < aGrid.Entries() && aGrid[nEnd]->vPosition.x - dColumn < dHalf) ++nEnd;
+    SortY(aGrid, nFirst, nEnd);
+    nFirst = nEnd;
+  }
+}
+
+void ClBase::RemoveGridPoint(Grid& aGrid, unsigned int nIndex) {
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) aGrid[n]->Remove(aGrid[nIndex]);
+  aGrid[nIndex]->bValid = false;
+}
+
+void ClBase::RemoveLessNeighbours(Grid& aGrid) {
+  const ClRefPointsLog oLog("RemoveLessNeighbours");
+  bool bChanged = true;
+  while (bChanged) {
+    bChanged = false;
+    for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+      if (!aGrid[n]->bValid || aGrid[n]->aNeighbours.Entries() >= cnFewestNeighbours) continue;
+      RemoveGridPoint(aGrid, n);
+      aGrid[n]->nStatus = eFewNeighbours;
+      bChanged = true;
+    }
+  }
+}
+
+void ClBase::ReduceToFittingNeighbours(Grid& aGrid) {
+  const ClRefPointsLog oLog("ReduceToFittingNeighbours");
+  const double dX = PitchX();
+  const double dY = PitchY();
+  const ClVector aExpected[8] = {{dX, 0},  {dX, dY},   {0, dY},  {-dX, dY},
+                                 {-dX, 0}, {-dX, -dY}, {0, -dY}, {dX, -dY}};
+  for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
+    ClDot& oDot = *aGrid[nDot];
+    // Removal shifts the list that is walked.
+    Grid aNeighbours;
+    aNeighbours.CopyFrom(oDot.aNeighbours);
+    std::vector<long> aOfNeighbour(aNeighbours.Entries());
+    for (size_t n = 0; n < aOfNeighbour.size(); ++n)
+      aOfNeighbour[n] = oDot.GetNeighbourDirection(static_cast<long>(n));
+    ClDot* aHolders[8] = {};
+    double aDistances[8] = {};
+    for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
+      const long nDirection = aOfNeighbour[n];
+      const ClVector vWay = aNeighbours[n]->vPosition - oDot.vPosition;
+      const double dDistance = (vWay - aExpected[nDirection]).Length();
+      if (aHolders[nDirection] != nullptr && !(dDistance < aDistances[nDirection])) {
+        oDot.Remove(aNeighbours[n]);
+        continue;
+      }
+      if (aHolders[nDirection] != nullptr) oDot.Remove(aHolders[nDirection]);
+      aHolders[nDirection] = aNeighbours[n];
+      aDistances[nDirection] = dDistance;
+    }
+  }
+}
+
+void ClBase::RemoveWrongAngleNeighbours(Grid& aGrid) {
+  const ClRefPointsLog oLog("RemoveWrongAngleNeighbours");
+  for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
+    ClDot& oDot = *aGrid[nDot];
+    Grid aNeighbours;
+    aNeighbours.CopyFrom(oDot.aNeighbours);
+    std::vector<double> aAngles;
+    std::vector<double> aTurns;
+    for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
+      aAngles.push_back(ClDot::AngleOf(aNeighbours[n]->vPosition, oDot.vPosition));
+      const double dTurn = std::fmod(aAngles.back(), cdEighth);
+      aTurns.push_back(dTurn > cdEighth / 2 ? dTurn - cdEighth : dTurn);
+    }
+    const double dTurn = GetMedian(aTurns.data(), static_cast<long>(aTurns.size()));
+    for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
+      const double dNearest = cdEighth * std::trunc((aAngles[n] - dTurn) / cdEighth) + dTurn;
+      if (std::fabs(dNearest - aAngles[n]) > m_dAngleTolerance) oDot.Remove(aNeighbours[n]);
+    }
+  }
+}
+
+void ClBase::GridRemoveBadPoints(Grid& aGrid) {
+  const ClRefPointsLog oLog("GridRemoveBadPoints");
+  if (aGrid.Entries() == 0) return;
+  Points aTarget;
+  BuildTarget(aTarget, m_dSourceDpiX, m_dSourceDpiY, 0, 0);
+  MoveArray(aTarget, GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aTarget));
+  Match(aTarget, aGrid);
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (aGrid[n]->bValid && aGrid[n]->vTarget.x < 0) aGrid[n]->nStatus = eUnmatched;
+  }
+  // Once more without the strays, which had moved the centre.
+  MoveArray(aTarget, GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aTarget));
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (aGrid[n]->nStatus == eUnmatched) aGrid[n]->nStatus = eGood;
+    aGrid[n]->vTarget = ClVector(-1, -1);
+  }
+  Match(aTarget, aGrid);
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (!aGrid[n]->bValid || !(aGrid[n]->vTarget.x < 0)) continue;
+    RemoveGridPoint(aGrid, n);
+    aGrid[n]->nStatus = eUnmatched;
+  }
+}
+
+ClVector ClBase::GetCentreOfGrid(const Grid& aGrid) const {
+  ClVector vSum;
+  unsigned int nCount = 0;
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (!aGrid[n]->bValid || aGrid[n]->nStatus != eGood) continue;
+    vSum = vSum + aGrid[n]->vPosition;
+    ++nCount;
+  }
+  return nCount == 0 ? vSum : vSum * (1.0 / nCount);
+}
+
+ClDot* ClBase::GetBottumLeftDot(const Grid& aGrid) const {
+  ClDot* pNearest = nullptr;
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (!aGrid[n]->bValid) continue;
+    if (pNearest == nullptr || aGrid[n]->vPosition.SquaredLength() < pNearest->vPosition.SquaredLength()) {
+      pNearest = aGrid[n];
+    }
+  }
+  return pNearest;
+}
+
+double ClBase::GetMedian(double* pValues, long nCount) {
+  if (nCount <= 0) return 0;
+  std::sort(pValues, pValues + nCount);
+  return pValues[nCount / 2];
+}

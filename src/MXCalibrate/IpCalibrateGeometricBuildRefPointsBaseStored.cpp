@@ -1,0 +1,122 @@
+// Stored grids: whether they can be a scanner's.
+#include <cmath>
+#include <memory>
+
+#include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "MXCalibrate/RefPointsLog.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
+using ClDot = ClBase::ClDot;
+
+constexpr double cdInchesPerMetre = 39.37;
+constexpr double cdMostOffTarget = 10.0;
+/// Part of the mean distance by which a distance may differ.
+constexpr double cdMostOffMean = 0.3;
+
+[[noreturn]] void RaiseTarget() {
+  ClLogging::LogF(eLogError, "calibration data (target) corrupt");
+  KLV_RAISE(ClException, "Target data is corrupt", -39);
+}
+
+[[noreturn]] void RaiseSource() {
+  ClLogging::LogF(eLogError, "calibration data (source) corrupt");
+  KLV_RAISE(ClException, "Source data is corrupt", -39);
+}
+
+/// Mean distance of neighbours along one axis, and the test of single ones against it.
+class ClSpacing {
+ public:
+  void Add(double dDistance) {
+    m_dSum += std::fabs(dDistance);
+    ++m_nCount;
+  }
+  /// The sign counts: a grid that runs the other way is none. False for NaN.
+  bool Fits(double dDistance) const {
+    const double dMean = m_dSum / m_nCount;
+    return dDistance >= dMean - cdMostOffMean * dMean && dDistance <= dMean + cdMostOffMean * dMean;
+  }
+
+ private:
+  double m_dSum = 0;
+  int m_nCount = 0;
+};
+
+struct StFreeDots {
+  void operator()(ClBase::Grid* pGrid) const { ClBase::DeleteDots(*pGrid); }
+};
+
+}  // namespace
+
+void ClBase::ArrayToGrid(Points& aActual, Points& aTarget, Grid& aGrid) {
+  const ClRefPointsLog oLog("ArrayToGrid");
+  TpArrayStatic<int> aLengths;
+  GetGridColumnLengths(aLengths);
+  unsigned int nPoints = 0;
+  for (unsigned int n = 0; n < aLengths.Entries(); ++n) nPoints += static_cast<unsigned int>(aLengths[n]);
+  if (aActual.Entries() != aTarget.Entries() || aActual.Entries() != nPoints) {
+    KLV_RAISE(ClException, "Target and Source arrays must have same size!", -39);
+  }
+  DeleteDots(aGrid);
+  aGrid.New(nPoints);
+  unsigned int nPoint = 0;
+  for (unsigned int nColumn = 0; nColumn < aLengths.Entries(); ++nColumn) {
+    for (int nRow = 0; nRow < aLengths[nColumn]; ++nRow, ++nPoint) {
+      ClDot* pDot = new (std::nothrow) ClDot(aActual[nPoint]);
+      if (pDot == nullptr) KlvRaiseBadAlloc();
+      aGrid[nPoint] = pDot;
+      pDot->vTarget = aTarget[nPoint];
+      pDot->vGrid = ClVector(nColumn, nRow);
+    }
+  }
+}
+
+ClDot* ClBase::RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const {
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    if (aGrid[n]->vGrid.x == nColumn && aGrid[n]->vGrid.y == nRow) return aGrid[n];
+  }
+  return nullptr;
+}
+
+void ClBase::ValidateTargetPoints(ClCalibrateGeometricData& oData) {
+  const ClRefPointsLog oLog("ValidateTargetPoints");
+  Points aIdeal;
+  BuildTargetPoints(aIdeal, oData.m_nTargetPelsX / cdInchesPerMetre, oData.m_nTargetPelsY / cdInchesPerMetre,
+                    0, 0);
+  if (oData.m_aTarget.Entries() < aIdeal.Entries()) RaiseTarget();
+  for (unsigned int n = 0; n < aIdeal.Entries(); ++n) {
+    const ClVector vOff = (aIdeal[n] - oData.m_aTarget[n]) - (aIdeal[0] - oData.m_aTarget[0]);
+    // NaN must fail as well.
+    if (!(std::fabs(vOff.x) <= cdMostOffTarget) || !(std::fabs(vOff.y) <= cdMostOffTarget)) RaiseTarget();
+  }
+}
+
+void ClBase::ValidateCalibrationData(ClCalibrateGeometricData& oData) {
+  const ClRefPointsLog oLog("ValidateCalibrationData");
+  ValidateTargetPoints(oData);
+  Grid aGrid;
+  const std::unique_ptr<Grid, StFreeDots> pFree(&aGrid);
+  ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, aGrid);
+  // The vertical distance to the dot below and the horizontal one to the dot on the right, where there are such.
+  const auto ForDistances = [&](const auto& fnDown, const auto& fnRight) {
+    for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+      const int nColumn = static_cast<int>(aGrid[n]->vGrid.x);
+      const int nRow = static_cast<int>(aGrid[n]->vGrid.y);
+      const ClDot* pBelow = RetrieveDot(aGrid, nColumn, nRow + 1);
+      if (pBelow != nullptr) fnDown(pBelow->vPosition.y - aGrid[n]->vPosition.y);
+      const ClDot* pRight = RetrieveDot(aGrid, nColumn + 1, nRow);
+      if (pRight != nullptr) fnRight(pRight->vPosition.x - aGrid[n]->vPosition.x);
+    }
+  };
+  ClSpacing oDown;
+  ClSpacing oRight;
+  ForDistances([&](double d) { oDown.Add(d); }, [&](double d) { oRight.Add(d); });
+  const auto Check = [](const ClSpacing& oSpacing) {
+    return [&oSpacing](double d) {
+      if (!oSpacing.Fits(d)) RaiseSource();
+    };
+  };
+  ForDistances(Check(oDown), Check(oRight));
+}

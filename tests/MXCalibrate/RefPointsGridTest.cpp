@@ -1,0 +1,310 @@
+// Grids of dots without a picture: neighbours, order, straightness, stored data.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using testing::EndsWith;
+using ClDonut = ClIpCalibrateGeometricBuildRefPointsVT40Donut;
+using ClDot = ClDonut::ClDot;
+
+const double cdPitchX = 10 * 1052 / 25.4;
+const double cdPitchY = 10 * 768 / 25.4;
+
+/// A grid and what was found for it, with the dots' life.
+class ClFound {
+ public:
+  explicit ClFound(ClDonut& oDonut, const std::vector<ClVector>& aPlaces, double dArea = 9000) {
+    ClIpConnectedComponent2::ComponentsArray_t aComponents;
+    aComponents.New(static_cast<unsigned int>(aPlaces.size()));
+    for (unsigned int n = 0; n < aComponents.Entries(); ++n) {
+      aComponents[n].vCentre = aPlaces[n];
+      aComponents[n].dArea = dArea;
+      aComponents[n].dEccentricity = 0.1;
+    }
+    oDonut.BuildGrid(m_aDots, aComponents);
+  }
+  ~ClFound() { ClDonut::DeleteDots(m_aDots); }
+
+  /// The dot of component nIndex.
+  ClDot& Of(long nIndex) {
+    unsigned int n = 0;
+    while (m_aDots[n]->nIndex != nIndex) ++n;
+    return *m_aDots[n];
+  }
+
+  ClDonut::Grid m_aDots;
+};
+
+/// The ideal grid from (500, 300) on, column after column.
+std::vector<ClVector> Ideal() {
+  std::vector<ClVector> aPlaces;
+  for (int n = 0; n < 64; ++n) aPlaces.emplace_back(500 + cdPitchX * (n / 8), 300 + cdPitchY * (n % 8));
+  return aPlaces;
+}
+
+std::pair<long, std::string> Raised(const std::function<void()>& fnCall) {
+  try {
+    fnCall();
+  } catch (const ClException& e) {
+    return {e.Number(), e.What()};
+  }
+  return {0, ""};
+}
+
+std::pair<long, std::string> Associated(const std::vector<ClVector>& aPlaces, ClDonut& oDonut,
+                                        ClDonut::Points& aActual) {
+  ClFound oFound(oDonut, aPlaces);
+  return Raised([&] { oDonut.AssociatePoints(oFound.m_aDots, aActual); });
+}
+
+std::string Text(const std::vector<ClVector>& aPlaces, double dMaxAngleX = 15, double dMaxAngleY = 15) {
+  ClDonut oDonut;
+  oDonut.m_dMaxAngleX = dMaxAngleX;
+  oDonut.m_dMaxAngleY = dMaxAngleY;
+  ClDonut::Points aActual;
+  const auto oRaised = Associated(aPlaces, oDonut, aActual);
+  EXPECT_EQ(oRaised.first, oRaised.second.empty() ? 0 : -600);
+  return oRaised.second;
+}
+
+TEST(Dots, LinkToTheEightAroundThemAndNotToTwins) {
+  ClDonut oDonut;
+  ClFound oFound(oDonut, Ideal());
+  for (long n = 0; n < 64; ++n) {
+    std::set<const ClDot*> aExpected;
+    for (long i = 0; i < 64; ++i) {
+      if (i != n && std::abs(i / 8 - n / 8) <= 1 && std::abs(i % 8 - n % 8) <= 1)
+        aExpected.insert(&oFound.Of(i));
+    }
+    const ClDot& o = oFound.Of(n);
+    EXPECT_EQ(std::set<const ClDot*>(o.aNeighbours.Data(), o.aNeighbours.Data() + o.aNeighbours.Entries()),
+              aExpected);
+    for (const ClDot* pOther : aExpected) {
+      const long nColumn = pOther->nIndex / 8 - n / 8;
+      const long nRow = pOther->nIndex % 8 - n % 8;
+      const long aDirections[3][3] = {{5, 6, 7}, {4, -1, 0}, {3, 2, 1}};
+      EXPECT_EQ(o.GetNeighbourInDirection(aDirections[nRow + 1][nColumn + 1], 0.3), pOther);
+    }
+  }
+  ClFound oTwins(oDonut, {{500, 500}, {700, 600}, {500 + cdPitchX, 500 + cdPitchY}});
+  EXPECT_EQ(oTwins.Of(0).aNeighbours.Entries(), 1u) << "within the tolerance of both axes";
+  EXPECT_EQ(oTwins.Of(0).aNeighbours[0], &oTwins.Of(2));
+}
+
+TEST(Dots, ADirectionsBoundaryBelongsToTheLowerNumber) {
+  ClDot oDot(ClVector(0, 0));
+  std::vector<ClDot> aOthers;
+  for (int n = 0; n < 16; ++n) {
+    const double dAngle = n * 3.14159265358979323846 / 8;
+    aOthers.emplace_back(ClVector(100 * std::cos(dAngle), 100 * std::sin(dAngle)));
+  }
+  for (ClDot& o : aOthers) oDot.AddDot(&o, false);
+  const long aExpected[16] = {0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 0};
+  for (long n = 0; n < 16; ++n) EXPECT_EQ(oDot.GetNeighbourDirection(n), aExpected[n]) << n;
+  EXPECT_EQ(oDot.GetNeighbourInDirection(2, 0.01), &aOthers[4]);
+  oDot.Remove(&aOthers[4]);
+  EXPECT_EQ(oDot.GetNeighbourInDirection(2, 0.3), nullptr);
+}
+
+TEST(Dots, TheLastReasonOfARefusalStands) {
+  ClDonut oDonut;
+  const struct {
+    double dEccentricity, dArea;
+    long nStatus;
+  } aCases[] = {{-0.1, 9000, 1}, {0.21, 9000, 2},  {0.2, 6000, 0},
+                {0.21, 5999, 3}, {-0.1, 20001, 4}, {0, 20000, 0}};
+  ClIpConnectedComponent2::ComponentsArray_t aComponents;
+  aComponents.New(6);
+  for (unsigned int n = 0; n < 6; ++n) {
+    aComponents[n].vCentre = ClVector(1000.0 * n, 5);
+    aComponents[n].dEccentricity = aCases[n].dEccentricity;
+    aComponents[n].dArea = aCases[n].dArea;
+  }
+  ClFound oFound(oDonut, {});
+  oDonut.BuildGrid(oFound.m_aDots, aComponents);
+  for (long n = 0; n < 6; ++n) {
+    EXPECT_EQ(oFound.Of(n).nStatus, aCases[n].nStatus) << n;
+    EXPECT_EQ(oFound.Of(n).bValid, aCases[n].nStatus == 0) << n;
+  }
+}
+
+TEST(Dots, ShuffledAndShakenOnesComeInTheOrderOfThePattern) {
+  std::mt19937 oRandom(4);
+  std::uniform_real_distribution<double> oShake(-30, 30);
+  std::vector<ClVector> aPlaces = Ideal();
+  for (ClVector& o : aPlaces) o = o + ClVector(oShake(oRandom), oShake(oRandom));
+  std::vector<ClVector> aShuffled = aPlaces;
+  std::shuffle(aShuffled.begin(), aShuffled.end(), oRandom);
+  // Chains of strays that hold on to the grid by two neighbours each, and one alone.
+  aShuffled.emplace_back(500 + 8 * cdPitchX, 300 + 3 * cdPitchY);
+  aShuffled.emplace_back(500 - cdPitchX, 310);
+  aShuffled.emplace_back(3700, 20);
+  ClDonut oDonut;
+  ClDonut::Points aActual;
+  const auto oRaised = Associated(aShuffled, oDonut, aActual);
+  ASSERT_EQ(oRaised.first, 0) << oRaised.second;
+  ASSERT_EQ(aActual.Entries(), 64u);
+  for (unsigned int n = 0; n < 64; ++n) {
+    EXPECT_TRUE(aActual[n].IsNear(aPlaces[n])) << n;
+    EXPECT_TRUE(aShuffled[oDonut.m_aDotIndex[n]].IsNear(aPlaces[n])) << n;
+  }
+  EXPECT_EQ(oDonut.m_nDotCount, 67);
+}
+
+TEST(Dots, CrookedGridsAreRefusedRowsFirstAndAnglesFirst) {
+  EXPECT_EQ(Text(Ideal()), "");
+  std::vector<ClVector> aTurned = Ideal();
+  for (ClVector& o : aTurned) {
+    const ClVector v = o - ClVector(1920, 1360);
+    o = ClVector(1920 + v.x, 1360 + v.y + 0.04 * v.x);  // 2.29 degrees
+  }
+  EXPECT_EQ(Text(aTurned), "");
+  EXPECT_EQ(Text(aTurned, 2.3), "");
+  EXPECT_THAT(Text(aTurned, 2.2), EndsWith("The Angle(x) of the Dot Grid is too big."));
+  std::vector<ClVector> aLeaning = Ideal();
+  for (ClVector& o : aLeaning) o.x += 0.04 * (o.y - 1360);
+  EXPECT_EQ(Text(aLeaning, 1), "");
+  EXPECT_THAT(Text(aLeaning, 1, 2.2), EndsWith("The Angle(y) of the Dot Grid is too big."));
+  // A dot in the middle that leaves a line of eight by d is 0.87 d off the fitted one.
+  std::vector<ClVector> aBentRow = Ideal();
+  aBentRow[8 * 3 + 4].y += 62;
+  EXPECT_THAT(Text(aBentRow), EndsWith("There are Dots are too far a way from a Grid(x) line."));
+  std::vector<ClVector> aBentColumn = Ideal();
+  aBentColumn[8 * 3 + 4].x -= 62;
+  EXPECT_THAT(Text(aBentColumn), EndsWith("There are Dots are too far a way from a Grid(y) line."));
+  aBentColumn[8 * 3 + 4].x += 7;
+  EXPECT_EQ(Text(aBentColumn), "") << "47.7 pixels off";
+  aBentRow[8 * 3 + 4].x -= 62;
+  EXPECT_THAT(Text(aBentRow), EndsWith("There are Dots are too far a way from a Grid(x) line."));
+  for (size_t n = 0; n < 64; ++n) aTurned[n] = aTurned[n] + aBentRow[n] - Ideal()[n];
+  EXPECT_THAT(Text(aTurned, 2), EndsWith("The Angle(x) of the Dot Grid is too big."));
+}
+
+TEST(Dots, SixtyThreeAreTooFewWhateverElseIsThere) {
+  std::vector<ClVector> aPlaces = Ideal();
+  aPlaces.erase(aPlaces.begin() + 20);
+  EXPECT_THAT(Text(aPlaces), EndsWith("Not the expected dot count found."));
+  for (int n = 0; n < 5; ++n) aPlaces.emplace_back(100 + 40 * n, 2600);
+  EXPECT_THAT(Text(aPlaces), EndsWith("Not the expected dot count found."));
+  EXPECT_THAT(Text({}), EndsWith("Not the expected dot count found."));
+  EXPECT_THAT(Text({{5, 5}}), EndsWith("Not the expected dot count found."));
+}
+
+TEST(Dots, NeighboursInWrongDirectionsAreForgotten) {
+  ClDonut oDonut;
+  // Right, below, left and above, all turned by 0.1; the fifth lies at a right angle to nothing.
+  ClDot oDot(ClVector(0, 0));
+  std::vector<ClDot> aOthers;
+  for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.14159265, 0.1 + 4.71239, 1.25})
+    aOthers.emplace_back(ClVector(-100 * std::cos(dAngle), -100 * std::sin(dAngle)));
+  for (ClDot& o : aOthers) oDot.AddDot(&o, false);
+  ClDonut::Grid aGrid;
+  aGrid.Add(&oDot);
+  oDonut.RemoveWrongAngleNeighbours(aGrid);
+  for (unsigned int n = 0; n < oDot.aNeighbours.Entries(); ++n) EXPECT_NE(oDot.aNeighbours[n], &aOthers[4]);
+  EXPECT_LT(oDot.aNeighbours.Entries(), 5u);
+  double aValues[] = {5, 1, 4, 2};
+  EXPECT_EQ(ClDonut::GetMedian(aValues, 4), 4);
+}
+
+class StoredGrid : public testing::Test {
+ protected:
+  StoredGrid() {
+    m_oData.m_nTargetPelsX = m_oData.m_nTargetPelsY = 19685;
+    m_oDonut.BuildTargetPoints(m_oData.m_aTarget, 500, 500, 4, 4);
+    for (const ClVector& o : Ideal()) m_oData.m_aActual[0].Add(o);
+  }
+  std::string Refusal() {
+    const auto oRaised = Raised([this] { m_oDonut.ValidateCalibrationData(m_oData); });
+    EXPECT_EQ(oRaised.first, oRaised.second.empty() ? 0 : -39);
+    return oRaised.second;
+  }
+  ClDonut m_oDonut;
+  ClCalibrateGeometricData m_oData;
+};
+
+TEST_F(StoredGrid, MayBeMovedAsAWholeButNotInPart) {
+  EXPECT_EQ(Refusal(), "");
+  ClVector& vTarget = m_oData.m_aTarget[37];
+  vTarget.x += 9.9;
+  EXPECT_EQ(Refusal(), "");
+  vTarget.x += 0.2;
+  EXPECT_THAT(Refusal(), EndsWith("Target data is corrupt"));
+  vTarget.x = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_THAT(Refusal(), EndsWith("Target data is corrupt"));
+}
+
+TEST_F(StoredGrid, HasEvenDistancesInTheRightDirections) {
+  ClVector& vActual = m_oData.m_aActual[0][37];
+  const ClVector vGood = vActual;
+  vActual = vGood + ClVector(0.29 * cdPitchX, -0.29 * cdPitchY);
+  EXPECT_EQ(Refusal(), "");
+  for (const ClVector& vBad : {ClVector(0.32 * cdPitchX, 0), ClVector(0, 0.32 * cdPitchY)}) {
+    vActual = vGood + vBad;
+    EXPECT_THAT(Refusal(), EndsWith("Source data is corrupt"));
+  }
+  vActual = ClVector(std::numeric_limits<double>::quiet_NaN(), vGood.y);
+  EXPECT_THAT(Refusal(), EndsWith("Source data is corrupt"));
+  vActual = vGood;
+  for (unsigned int n = 0; n < 64; ++n) m_oData.m_aActual[0][n].x *= -1;
+  EXPECT_THAT(Refusal(), EndsWith("Source data is corrupt")) << "mirrored";
+}
+
+TEST_F(StoredGrid, HasSixtyFourPairs) {
+  m_oData.m_aActual[0].SetEntries(63);
+  EXPECT_THAT(Refusal(), EndsWith("Target and Source arrays must have same size!"));
+  m_oData.m_aTarget.SetEntries(63);
+  EXPECT_THAT(Refusal(), EndsWith("Target data is corrupt"));
+}
+
+TEST_F(StoredGrid, MovesByOnePitchAndFindsItsDotsAgain) {
+  ClDonut::Grid aGrid;
+  m_oDonut.ArrayToGrid(m_oData.m_aActual[0], m_oData.m_aTarget, aGrid);
+  const ClDot* pDot = m_oDonut.RetrieveDot(aGrid, 3, 5);
+  ASSERT_NE(pDot, nullptr);
+  EXPECT_TRUE(pDot->vPosition.IsNear(Ideal()[29]));
+  EXPECT_EQ(m_oDonut.RetrieveDot(aGrid, 8, 0), nullptr);
+  EXPECT_EQ(m_oDonut.GetBottumLeftDot(aGrid), aGrid[0]);
+  ClDonut::DeleteDots(aGrid);
+  const ClVector vBefore = m_oData.m_aTarget[9];
+  m_oDonut.MoveTarget(m_oData.m_aTarget, m_oData.m_aActual[0]);
+  EXPECT_TRUE(m_oData.m_aTarget[0].IsNear(vBefore));
+}
+
+TEST(SmallPoints, GroupsOfADotsSizeBecomeTheirMean) {
+  ClDonut oDonut;
+  oDonut.m_dSourceDpiX = oDonut.m_dSourceDpiY = 254;
+  oDonut.m_dDotRadius = 0.5;  // 5 pixels: 19.6 points, from 7.07 to 32.2
+  ClDonut::Points aIn;
+  for (const auto& [nCount, dX] : {std::pair{7, 100.0}, {8, 200.0}, {32, 300.0}, {33, 400.0}}) {
+    for (int n = 0; n < nCount; ++n) aIn.Add(ClVector(dX + 0.04 * n, 50));
+  }
+  ClDonut::Points aOut;
+  oDonut.RemoveSmallPoints(aIn, aOut);
+  ASSERT_EQ(aOut.Entries(), 2u);
+  EXPECT_TRUE(aOut[0].IsNear({200.14, 50}));
+  EXPECT_TRUE(aOut[1].IsNear({300.62, 50}));
+  ClImage oImage(30, 30, 1, 0, 0);
+  oImage = static_cast<unsigned char>(200);
+  oImage.Row<uint8_t>(2)[3] = 100;
+  oImage.Row<uint8_t>(2)[5] = 50;
+  oImage.Row<uint8_t>(2)[7] = 0;  // beyond the reach
+  ClVector vOut;
+  oDonut.CheckDot(oImage, 1, 1, 150, vOut);
+  EXPECT_TRUE(vOut.IsNear({3 + 2 * 100 / 150.0, 2}));
+  oDonut.CheckDot(oImage, 20, 20, 150, vOut);
+  EXPECT_TRUE(vOut.IsNear({20, 20}));
+}
+
+}  // namespace

@@ -1,0 +1,196 @@
+// The dot search in drawn pictures of the target: where the dots are found, and which targets are refused.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+
+#include "DotTarget.h"
+#include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
+#include "MXMath/ThinPlateSplinesBOOST.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using testing::EndsWith;
+using ClDonut = ClIpCalibrateGeometricBuildRefPointsVT40Donut;
+
+std::pair<long, std::string> Search(ClDonut& oDonut, ClImage& oImage, ClCalibrateGeometricData& oData) {
+  oDonut.m_pInImage = &oImage;
+  oDonut.m_pOutData = &oData;
+  try {
+    return {oDonut.Apply(), ""};
+  } catch (const ClException& e) {
+    return {e.Number(), e.What()};
+  }
+}
+
+void ExpectPlaces(const ClCalibrateGeometricData::Points& aFound, const std::vector<ClVector>& aTruth,
+                  double dMostRms, double dMost) {
+  ASSERT_EQ(aFound.Entries(), aTruth.size());
+  double dSquares = 0;
+  for (unsigned int n = 0; n < aFound.Entries(); ++n) {
+    const double dOff = (aFound[n] - aTruth[n]).Length();
+    EXPECT_LE(dOff, dMost) << "dot " << n;
+    dSquares += dOff * dOff;
+  }
+  EXPECT_LE(std::sqrt(dSquares / static_cast<double>(aTruth.size())), dMostRms);
+}
+
+class SeededTargets : public testing::TestWithParam<uint32_t> {};
+
+TEST_P(SeededTargets, AreFoundToAFifthOfAPixel) {
+  for (uint32_t nSeed = 5 * GetParam(); nSeed < 5 * GetParam() + 5; ++nSeed) {
+    SCOPED_TRACE(nSeed);
+    const ClDotTarget oTarget = ClDotTarget::Seeded(nSeed);
+    ClImage oImage;
+    oTarget.Draw(oImage);
+    ClDonut oDonut;
+    ClCalibrateGeometricData oData;
+    const auto oResult = Search(oDonut, oImage, oData);
+    ASSERT_EQ(oResult.first, 0) << oResult.second;
+    ExpectPlaces(oData.m_aActual[0], oTarget.Truth(), 0.2, 1);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Fifty, SeededTargets, testing::Range(0u, 10u));
+
+TEST(TargetSearch, FillsARecordThatItsOwnCheckAccepts) {
+  ClDotTarget oTarget;
+  oTarget.dDegrees = 2;
+  ClImage oImage;
+  oTarget.Draw(oImage);
+  ClDonut oDonut;
+  ClImage oDebug;
+  oDonut.m_pOutDebugImage = &oDebug;
+  ClCalibrateGeometricData oData;
+  ASSERT_EQ(Search(oDonut, oImage, oData).first, 0);
+  EXPECT_EQ(oData.m_nSourceWidth, 3840u);
+  EXPECT_EQ(oData.m_nSourceHeight, 2720u);
+  EXPECT_EQ(oData.m_nSourcePelsX, 41417u);
+  EXPECT_EQ(oData.m_nSourcePelsY, 30236u);
+  EXPECT_EQ(oData.m_nTargetWidth, 1600u);
+  EXPECT_EQ(oData.m_nTargetHeight, 1600u);
+  EXPECT_EQ(oData.m_nTargetPelsX, 19685u);
+  EXPECT_EQ(oData.m_nPlanes, 1u);
+  EXPECT_EQ(oData.m_nBackground, 255);
+  // Seven pitches of 196.85 pixels round the middle.
+  EXPECT_NEAR(oData.m_aTarget[0].x, 800 - 3.5 * 196.850394, 1e-4);
+  EXPECT_NEAR(oData.m_aTarget[15].y, 800 + 3.5 * 196.850394, 1e-4);
+  oDonut.ValidateCalibrationData(oData);
+  ASSERT_TRUE(oDebug.HasSize(3840, 2720));
+  const ClVector vDot = oData.m_aActual[0][27];
+  EXPECT_EQ(oDebug.Row<uint8_t>(static_cast<int>(vDot.y))[static_cast<int>(vDot.x)], 255);
+}
+
+TEST(TargetSearch, CentresTheGridOrTheSensorInTheCorrectedImage) {
+  ClDotTarget oTarget;
+  oTarget.vShift = ClVector(40, -25);
+  ClImage oImage;
+  oTarget.Draw(oImage);
+  ClCalibrateGeometricData oData;
+  ClDonut oByGrid;
+  oByGrid.m_dYOffset = 2.54;
+  ASSERT_EQ(Search(oByGrid, oImage, oData).first, 0);
+  EXPECT_NEAR(oData.m_aTarget[0].y + oData.m_aTarget[63].y, 1600 - 50, 1e-6) << "50 pixels are 2.54 mm";
+  ClDonut oByBorder;
+  oByBorder.m_bCentreByBorder = true;
+  ASSERT_EQ(Search(oByBorder, oImage, oData).first, 0);
+  TpThinPlateSplines<double> oSpline;
+  oSpline.Setup(64, oData.m_aTarget.Data(), oData.m_aActual[0].Data());
+  double dX;
+  double dY;
+  oSpline.Transform(800, 800, &dX, &dY);
+  EXPECT_NEAR(dX, 1920, 2.5);
+  EXPECT_NEAR(dY, 1360, 2.5);
+}
+
+TEST(TargetSearch, TakesTheGridOfReferenceDataAtItsOwnScale) {
+  ClImage oImage;
+  ClDotTarget().Draw(oImage);
+  ClCalibrateGeometricData oReference;
+  oReference.m_nTargetPelsX = oReference.m_nTargetPelsY = 39370;  // 1000 dpi
+  ClDonut oDonut;
+  oDonut.BuildTargetPoints(oReference.m_aTarget, 1000, 1000, 7, 9);
+  oReference.m_aTarget[0].x -= 6;
+  oDonut.m_pRefData = &oReference;
+  ClCalibrateGeometricData oData;
+  ASSERT_EQ(Search(oDonut, oImage, oData).first, 0);
+  EXPECT_NEAR(oData.m_aTarget[8].x - oData.m_aTarget[0].x, 196.850394 + 3, 1e-6);
+}
+
+TEST(TargetSearch, SearchesEachPlaneAndBrightDotsToo) {
+  ClDotTarget aTargets[2];
+  aTargets[1].vShift = ClVector(6, -4);
+  ClImage aImages[2];
+  for (int n = 0; n < 2; ++n) aTargets[n].Draw(aImages[n]);
+  ClImage oPlanes;
+  oPlanes.NewWithType(ClImage::eUint8, 3840, 2720, 2, 0, 0, true);
+  for (int y = 0; y < 2720; ++y) {
+    for (int x = 0; x < 3840; ++x) {
+      for (int n = 0; n < 2; ++n)
+        oPlanes.Row<uint8_t>(y)[2 * x + n] = static_cast<uint8_t>(255 - aImages[n].Row<uint8_t>(y)[x]);
+    }
+  }
+  ClDonut oDonut;
+  oDonut.m_bInvert = true;
+  ClCalibrateGeometricData oData;
+  ASSERT_EQ(Search(oDonut, oPlanes, oData).first, 0);
+  EXPECT_EQ(oData.m_nPlanes, 2u);
+  EXPECT_EQ(oData.m_nBackground, 0);
+  for (int n = 0; n < 2; ++n) ExpectPlaces(oData.m_aActual[n], aTargets[n].Truth(), 0.2, 0.5);
+}
+
+TEST(TargetSearch, StraysDoNotMatter) {
+  ClDotTarget oTarget = ClDotTarget::Seeded(3);
+  // Between four dots, beside two, outside, and nearly on another one's place.
+  oTarget.aStrays = {{0, 0}, {-20, 15}, {35, -40.5}, {-38.5, 38.5}};
+  ClImage oImage;
+  oTarget.Draw(oImage);
+  ClDonut oDonut;
+  ClCalibrateGeometricData oData;
+  const auto oResult = Search(oDonut, oImage, oData);
+  ASSERT_EQ(oResult.first, 0) << oResult.second;
+  ExpectPlaces(oData.m_aActual[0], oTarget.Truth(), 0.2, 1);
+  EXPECT_GE(oDonut.m_nDotCount, 68);
+  EXPECT_EQ(oDonut.m_aDotIndex.Entries(), 64u);
+}
+
+TEST(TargetSearch, RefusesAMissingADoubledAndNoDotAtAll) {
+  ClDotTarget aTargets[3];
+  aTargets[0].nMissing = 28;
+  aTargets[1].aStrays = {ClDotTarget::Place(28) + ClVector(1.5, 0)};
+  aTargets[2].dRadiusMm = 0.3;
+  for (const ClDotTarget& oTarget : aTargets) {
+    ClImage oImage;
+    oTarget.Draw(oImage);
+    ClDonut oDonut;
+    ClCalibrateGeometricData oData;
+    const auto oResult = Search(oDonut, oImage, oData);
+    EXPECT_EQ(oResult.first, -600);
+    EXPECT_THAT(oResult.second, EndsWith("Not the expected dot count found."));
+  }
+}
+
+TEST(TargetSearch, NeedsAPictureAndData) {
+  ClDonut oDonut;
+  const auto Text = [&oDonut] {
+    try {
+      oDonut.Apply();
+    } catch (const ClException& e) {
+      EXPECT_EQ(e.Number(), -37);
+      return std::string(e.What());
+    }
+    return std::string();
+  };
+  EXPECT_THAT(Text(), EndsWith("ClIpCalibrateGeometricBuildRefPointsBase m_pInImage is NULL"));
+  ClImage oImage(10, 10, 1, 0, 0);
+  oDonut.m_pInImage = &oImage;
+  EXPECT_FALSE(oDonut.CanApply());
+  EXPECT_THAT(Text(), EndsWith("ClIpCalibrateGeometricBuildRefPointsBase m_pOutData is NULL"));
+  oImage = static_cast<unsigned char>(0);
+  ClCalibrateGeometricData oData;
+  EXPECT_EQ(Search(oDonut, oImage, oData).first, -600) << "smaller than the binariser's window";
+}
+
+}  // namespace
