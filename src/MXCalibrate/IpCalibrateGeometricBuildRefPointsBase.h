@@ -14,16 +14,17 @@ struct Default;
 template <typename T, class TMath>
 class TpThinPlateSplines;
 
-/// Binarises the picture, measures its objects, keeps those that look like dots and have neighbours one pitch away,
-/// fits the ideal grid onto them and places that grid in the corrected image. What the pattern is comes from the
-/// derived class. The same class judges stored grids.
+/// Binarises the picture, measures its objects, keeps those that look like dots and have neighbours one
+/// pitch away, fits the ideal grid onto them and places that grid in the corrected image. What the pattern
+/// is comes from the derived class. The same class judges stored grids.
 ///
 /// Domain     one plane of 8-bit samples, or up to three that are searched one by one.
 /// Units      lengths of the pattern in millimetres, resolutions in dots per inch, places in pixels.
 /// Ownership  owns no image and no data set. A grid owns its dots: whoever made it frees them (DeleteDots).
 /// Threads    thread-bound.
-/// Errors     ClException -37 no input or output; -39 "Target and Source arrays must have same size!", "Target data is
-///            corrupt", "Source data is corrupt"; -600 as the pattern and the splines tell; ClExBadAlloc -102.
+/// Errors     ClException -37 no input or output; -39 "Target and Source arrays must have same size!",
+///            "Target data is corrupt", "Source data is corrupt"; -600 as the pattern and the splines tell;
+///            ClExBadAlloc -102.
 /// Cost       dominated by binarising and labelling; the grid is quadratic in the number of dots.
 class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
  public:
@@ -103,7 +104,8 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   /// Centre of gravity of what is darker than nThreshold round a place; the place itself where nothing is.
   void CheckDot(const ClImage& oImage, long nX, long nY, long nThreshold, ClVector& vOut) const;
   void LogGrid(const Grid&) const {}
-  /// Clears the image and draws the grid: good dots bright, removed ones dim, and the ways to their neighbours.
+  /// Clears the image and draws the grid: good dots bright, removed ones dim, and the ways to their
+  /// neighbours.
   void GridToDebugImage(const Grid& aGrid, ClImage& oImage) const;
   /// Leaves an image as a BMP file named after the tag; szDirectory ends in a slash.
   void StoreDebug(ClImage* pImage, const char* szTag, const char* szDirectory) const;

@@ -99,7 +99,8 @@ void ClBase::ValidateCalibrationData(ClCalibrateGeometricData& oData) {
   Grid aGrid;
   const std::unique_ptr<Grid, StFreeDots> pFree(&aGrid);
   ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, aGrid);
-  // The vertical distance to the dot below and the horizontal one to the dot on the right, where there are such.
+  // The vertical distance to the dot below and the horizontal one to the dot on the right, where there are
+  // such.
   const auto ForDistances = [&](const auto& fnDown, const auto& fnRight) {
     for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
       const int nColumn = static_cast<int>(aGrid[n]->vGrid.x);

@@ -5,8 +5,8 @@
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 
-/// Eight columns of eight round dots, 10 mm apart, seen by a sensor of 1052 by 768 dots per inch and corrected
-/// to 500 dots per inch in a 1600 by 1600 image. Point i lies in column i / 8, row i % 8.
+/// Eight columns of eight round dots, 10 mm apart, seen by a sensor of 1052 by 768 dots per inch and
+/// corrected to 500 dots per inch in a 1600 by 1600 image. Point i lies in column i / 8, row i % 8.
 ///
 /// Threads  thread-bound.
 /// Errors   ClException -600 for a grid of another number of dots, and for one that is tilted or bent.
@@ -17,7 +17,8 @@ class ClIpCalibrateGeometricBuildRefPointsVT40Donut : public ClIpCalibrateGeomet
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpCalibrateGeometricBuildRefPointsVT40Donut"; }
   void BuildTargetPoints(Points& aOut, double dDpiX, double dDpiY, double dOffsetX, double dOffsetY) override;
-  /// Takes the dots that lie where the pattern expects them and judges how straight their rows and columns are.
+  /// Takes the dots that lie where the pattern expects them and judges how straight their rows and columns
+  /// are.
   void GridToArray(Grid& aGrid, Points& aActual) override;
   void GetGridColumnLengths(TpArrayStatic<int>& aLengths) override;
   /// One pitch along both axes.

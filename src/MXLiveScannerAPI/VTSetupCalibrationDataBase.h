@@ -14,8 +14,8 @@ class ClIpLiveScannerMask;
 /// Serial number, revision, geometry, gains and mask processors of a scanner, and the operations that rectify
 /// its frames.
 ///
-/// A serial number tells the model in its first four characters, "VT40" for ten fingers, "VT4" and anything else
-/// for one, and the revision in two letters: "VT40-AB0001", "VT41AB0001".
+/// A serial number tells the model in its first four characters, "VT40" for ten fingers, "VT4" and anything
+/// else for one, and the revision in two letters: "VT40-AB0001", "VT41AB0001".
 ///
 /// Ownership  keeps copies of all data; the mask processors belong to the concrete class.
 /// Threads    thread-bound while it is set up; then each operation serves one thread at a time.

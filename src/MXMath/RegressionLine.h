@@ -5,8 +5,8 @@
 
 #include "MXTools/Vector.h"
 
-/// Least squares over running sums: of the fits of y on x and of x on y the one with the smaller slope counts,
-/// which keeps steep lines well conditioned.
+/// Least squares over running sums: of the fits of y on x and of x on y the one with the smaller slope
+/// counts, which keeps steep lines well conditioned.
 ///
 /// Units    those of the points; angles in radians.
 /// Threads  thread-bound.
@@ -32,7 +32,8 @@ class ClRegressionLine {
   /// With fewer than two points the distance to the first.
   double DistFromLine(const ClVector& oPoint) const;
 
-  /// Whether the segment spans more in x than in y, or more in y than in x; neither with fewer than two points.
+  /// Whether the segment spans more in x than in y, or more in y than in x; neither with fewer than two
+  /// points.
   bool Horizontal() const;
   bool Vertical() const;
   double Len() const;
