@@ -162,8 +162,9 @@ void ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget(Points& aTarget, con
       vMax = ClVector(std::max(vMax.x, aTarget[n].x), std::max(vMax.y, aTarget[n].y));
     }
     const double dOffset = m_dYOffset / cdMillimetresPerInch * m_dTargetDpiY;
-    vShift = ClVector(m_nTargetWidth / 2, m_nTargetHeight / 2) -
-             ClVector(vMin.x + vMax.x, vMin.y + vMax.y + dOffset) * 0.5;
+    const int nMiddleX = m_nTargetWidth / 2;
+    const int nMiddleY = m_nTargetHeight / 2;
+    vShift = ClVector(nMiddleX, nMiddleY) - ClVector(vMin.x + vMax.x, vMin.y + vMax.y + dOffset) * 0.5;
   }
   MoveArray(aTarget, vShift);
 }
