@@ -38,7 +38,7 @@ void UpdateGeometry(ClVT40SetupCalibrationData& oSetup, const Bytes& aBlock) {
 
 std::pair<long, std::string> Refusal(const ClGeometricRecord& oRecord, const char* szSerial = cszSerial) {
   ClVT40SetupCalibrationData oSetup(szSerial, false);
-  const auto oRaised = Raised([&] { UpdateGeometry(oSetup, GeometricBlock(oRecord)); });
+  auto oRaised = Raised([&] { UpdateGeometry(oSetup, GeometricBlock(oRecord)); });
   EXPECT_EQ(oSetup.GetGeometricDataFull(false).IsValid(), oRaised.first == 0);
   return oRaised;
 }
@@ -214,6 +214,7 @@ TEST(Geometry, TheFirstRevisionMayHaveMorePointsOnTheSensorThanTargets) {
 /// A straight grid of 400 by 300, so that each point is its neighbours' middle.
 std::vector<ClVector> StraightGrid() {
   std::vector<ClVector> aPoints;
+  aPoints.reserve(64);
   for (int n = 0; n < 64; ++n) aPoints.emplace_back(600 + 400 * (n / 8), 300 + 300 * (n % 8));
   return aPoints;
 }

@@ -110,6 +110,7 @@ TEST(SingleFinger, AMiniImageIsTheWindowsAreaMeansWithoutFlattening) {
   const int nStepY = (19685 << 12) / (19685 * 256 / cnHeight);
   for (int x = 0; x < 359; x += 7) {
     std::vector<int> aColumn;
+    aColumn.reserve(cnHeight);
     for (int v = 0; v < cnHeight; ++v)
       aColumn.push_back(AreaMean(x, nStepX, [&](int u) { return Halved(oFrame, 650, 220, u, v); }));
     for (int y = 0; y < 255; ++y) {
