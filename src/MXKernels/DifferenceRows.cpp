@@ -81,18 +81,14 @@ struct RuleDeviation {
   uint16_t m_nLimit;
   template <class D>
   hn::Vec<D> operator()(D d, size_t i) const {
-    const hn::Half<D> dHalf;
-    return hn::Combine(d, Share(dHalf, i + hn::Lanes(dHalf)), Share(dHalf, i));
-  }
-  template <class DHalf>
-  hn::Vec<DHalf> Share(DHalf dHalf, size_t i) const {
-    const hn::Rebind<uint16_t, DHalf> d16;
-    const auto vIn = hn::LoadU(d16, m_pIn + i);
-    const auto vMean = hn::LoadU(d16, m_pMean + i);
-    const auto vDistance = hn::Max(vIn, vMean) - hn::Min(vIn, vMean);
-    const auto vAbove = hn::Min(hn::SaturatedSub(vDistance, hn::Set(d16, m_nLimit)), hn::Set(d16, 1));
-    const auto vOut = vAbove * hn::Set(d16, 255);
-    return hn::DemoteTo(dHalf, hn::BitCast(hn::Rebind<int16_t, DHalf>(), vOut));
+    return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
+      const hn::Rebind<uint16_t, decltype(dHalf)> d16;
+      const auto vIn = hn::LoadU(d16, m_pIn + j);
+      const auto vMean = hn::LoadU(d16, m_pMean + j);
+      const auto vDistance = hn::Max(vIn, vMean) - hn::Min(vIn, vMean);
+      const auto vAbove = hn::Min(hn::SaturatedSub(vDistance, hn::Set(d16, m_nLimit)), hn::Set(d16, 1));
+      return NarrowToBytes(dHalf, vAbove * hn::Set(d16, 255));
+    });
   }
 };
 

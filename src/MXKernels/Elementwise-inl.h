@@ -34,6 +34,27 @@ HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
 }
 
+#if HWY_TARGET != HWY_SCALAR
+/// A vector of bytes from a rule that works them out half a vector at a time, because it needs 16 bits for each.
+template <class D, class TRule>
+HWY_INLINE hn::Vec<D> FromHalves(D d, size_t i, const TRule& oRule) {
+  const hn::Half<D> dHalf;
+  return hn::Combine(d, oRule(dHalf, i + hn::Lanes(dHalf)), oRule(dHalf, i));
+}
+
+/// 16-bit numbers of at most 255 as bytes.
+template <class D, class V>
+HWY_INLINE hn::Vec<D> NarrowToBytes(D d, V v) {
+  return hn::DemoteTo(d, hn::BitCast(hn::RebindToSigned<hn::DFromV<V>>(), v));
+}
+
+/// x / 255 truncated, for every x up to 65534.
+template <class V>
+HWY_INLINE V DivideBy255(V v) {
+  return hn::ShiftRight<8>(v + hn::Set(hn::DFromV<V>(), 1) + hn::ShiftRight<8>(v));
+}
+#endif
+
 }  // namespace HWY_NAMESPACE
 }  // namespace MXKernels
 HWY_AFTER_NAMESPACE();

@@ -118,21 +118,12 @@ struct RuleBlend {
   const uint8_t* m_pMask;
   template <class D>
   hn::Vec<D> operator()(D d, size_t i) const {
-    const hn::Repartition<uint16_t, D> d16;
-    const hn::Repartition<int16_t, D> dSigned16;
-    const hn::Half<D> dHalf;
-    const auto vOne = hn::Set(d16, 1);
-    const auto vAll = hn::Set(d16, 255);
-    // (x + 1 + (x >> 8)) >> 8 is x / 255 truncated for every x up to 65534.
-    const auto vLow =
-        hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + i)) * hn::PromoteTo(d16, hn::LoadU(dHalf, m_pMask + i));
-    const size_t nHigh = i + hn::Lanes(dHalf);
-    const auto vHigh = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + nHigh)) *
-                       hn::PromoteTo(d16, hn::LoadU(dHalf, m_pMask + nHigh));
-    const auto vLowOut = vAll - hn::ShiftRight<8>(vLow + vOne + hn::ShiftRight<8>(vLow));
-    const auto vHighOut = vAll - hn::ShiftRight<8>(vHigh + vOne + hn::ShiftRight<8>(vHigh));
-    return hn::Combine(d, hn::DemoteTo(dHalf, hn::BitCast(dSigned16, vHighOut)),
-                       hn::DemoteTo(dHalf, hn::BitCast(dSigned16, vLowOut)));
+    return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
+      const hn::Rebind<uint16_t, decltype(dHalf)> d16;
+      const auto vProduct =
+          hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + j)) * hn::PromoteTo(d16, hn::LoadU(dHalf, m_pMask + j));
+      return NarrowToBytes(dHalf, hn::Set(d16, 255) - DivideBy255(vProduct));
+    });
   }
 };
 

@@ -28,18 +28,14 @@ struct RuleWeightedBlend {
   const uint8_t* m_pInOut;
   template <class D>
   hn::Vec<D> operator()(D d, size_t i) const {
-    const hn::Half<D> dHalf;
-    return hn::Combine(d, Share(dHalf, i + hn::Lanes(dHalf)), Share(dHalf, i));
-  }
-  template <class DHalf>
-  hn::Vec<DHalf> Share(DHalf dHalf, size_t i) const {
-    const hn::Rebind<uint16_t, DHalf> d16;
-    const auto vWeight = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pWeight + i));
-    const auto vSum = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + i)) * vWeight +
-                      hn::PromoteTo(d16, hn::LoadU(dHalf, m_pInOut + i)) * (hn::Set(d16, 255) - vWeight);
-    // (x + 1 + (x >> 8)) >> 8 is x / 255 truncated for every x up to 65534; a blend of bytes is 65025 at most.
-    const auto vOut = hn::ShiftRight<8>(vSum + hn::Set(d16, 1) + hn::ShiftRight<8>(vSum));
-    return hn::DemoteTo(dHalf, hn::BitCast(hn::Rebind<int16_t, DHalf>(), vOut));
+    return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
+      const hn::Rebind<uint16_t, decltype(dHalf)> d16;
+      const auto vWeight = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pWeight + j));
+      // A blend of bytes is 65025 at most.
+      return NarrowToBytes(dHalf, DivideBy255(hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + j)) * vWeight +
+                                              hn::PromoteTo(d16, hn::LoadU(dHalf, m_pInOut + j)) *
+                                                  (hn::Set(d16, 255) - vWeight)));
+    });
   }
 };
 
