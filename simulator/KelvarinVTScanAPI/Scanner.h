@@ -182,6 +182,7 @@ class ClScanner {
   std::deque<VTSimBeep> m_aBeeps;
   unsigned m_nBeeps = 0;
   uint64_t m_nSequences = 0;
+  bool m_bWaiting = false;
   std::vector<VTSimFrame> m_aFrames;  // a ring of fixed size: nothing is allocated for a sequence
   uint64_t m_nLastState = 0;          // of the last recorded sequence
   uint64_t m_nSteadySince = 0;

@@ -12,6 +12,18 @@ constexpr std::chrono::milliseconds g_coLongestWait(1900);
 // Sequences that a host may hold at once.
 constexpr size_t g_cnMostBlocks = 4;
 
+/// Sets a flag for a scope.
+class ClWhile {
+ public:
+  explicit ClWhile(bool& bFlag) : m_bFlag(bFlag) { m_bFlag = true; }
+  ~ClWhile() { m_bFlag = false; }
+  ClWhile(const ClWhile&) = delete;
+  ClWhile& operator=(const ClWhile&) = delete;
+
+ private:
+  bool& m_bFlag;
+};
+
 }  // namespace
 
 /// Without a clock, a scanner that is to go while the next sequence is exposed goes now.
@@ -107,6 +119,7 @@ void* ClScanner::LockSequence(Session nSession, size_t* pnBytes) {
   for (;;) {
     {
       Guard oGuard(m_oState);
+      const ClWhile oWaiting(m_bWaiting);
       while (!WaitForSequence(oGuard, nSession, oDeadline)) {
       }
     }

@@ -95,6 +95,7 @@ void ClScanner::State(VTSimState& oState) {
   oState.nSequences = m_nSequences;
   oState.nLockedSequences = static_cast<unsigned>(
       std::count_if(m_aBlocks.begin(), m_aBlocks.end(), [](const auto& pBlock) { return pBlock->bOut; }));
+  oState.bWaiting = m_bWaiting;
   oState.nBeeps = m_nBeeps;
   oState.dTime = Time();
 }

@@ -38,6 +38,7 @@ typedef struct VTSimState {
   unsigned int nStatusWrites;    /* how often the status LED word was written */
   unsigned long long nSequences; /* sequences handed out since the scene was loaded */
   unsigned int nLockedSequences; /* sequences handed out and not given back */
+  int bWaiting;                  /* 1 while a VTScanAPILockRawSequence waits */
   unsigned int nBeeps;           /* beeps since the scene was loaded */
   double dTime;                  /* the scanner's time line now */
 } VTSimState;

@@ -44,11 +44,9 @@ class CaptureTest : public SimulatorTest {
   /// A thread that waits for a sequence which is held back; returns when it does wait.
   static std::future<long> Waiter(void* hDevice) {
     EXPECT_EQ(VTSimHoldSequences(nullptr, 1), 0);
-    unsigned long long nBefore = 0, nNow = 0;
-    VTSimGetCallCount("VTScanAPILockRawSequence", &nBefore);
     auto oFuture = std::async(std::launch::async, [hDevice] { return Take(hDevice); });
     const auto oStart = Clock::now();
-    while (nNow == nBefore && Seconds(oStart) < 10.0) VTSimGetCallCount("VTScanAPILockRawSequence", &nNow);
+    while (State().bWaiting == 0 && Seconds(oStart) < 10.0) std::this_thread::yield();
     return oFuture;
   }
 };
