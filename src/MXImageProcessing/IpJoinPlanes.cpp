@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
@@ -70,10 +71,7 @@ void ClIpJoinPlanes::PublishParameters(ClParameterContainer& oContainer) {
   pContent->AddValue(ClImage::eXYZ, "eXYZ");
   pContent->AddValue(ClImage::eCIELab, "eCIELab");
   pContent->AddValue(ClImage::eCIELUV, "eCIELUV");
-  auto* pFill = oContainer.AddParam<TpParameterEnumPointer<bool, ClParameter>>("bFillEmptyPlanes");
-  pFill->BindVariable(&bFillEmptyPlanes);
-  pFill->AddValue(false, "False");
-  pFill->AddValue(true, "True");
+  PublishFlag(oContainer, "bFillEmptyPlanes", &bFillEmptyPlanes);
 }
 
 long ClIpJoinPlanes::PlanesOfContent() const {

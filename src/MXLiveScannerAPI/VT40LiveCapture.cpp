@@ -140,10 +140,11 @@ void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
 
 void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCalibrating, Worker pfnCalibrate,
                                     boost::thread& oMasking, Worker pfnMask) {
+  m_oCalibratedBuffer.SetBuffer(&m_aCalibratedImages[0], &m_aCalibratedImages[1], &m_aCalibratedImages[2]);
+  // GetRollImage takes no lock of the engine: while it reads, this raises and its image stays.
+  m_oMaskedBuffer.SetBuffer(&m_aMaskedImages[0], &m_aMaskedImages[1], &m_aMaskedImages[2]);
   for (ClImage& oImage : m_aCalibratedImages) NewFrame(oImage, nWidth, nHeight);
   for (ClImage& oImage : m_aMaskedImages) NewFrame(oImage, nWidth, nHeight);
-  m_oCalibratedBuffer.SetBuffer(&m_aCalibratedImages[0], &m_aCalibratedImages[1], &m_aCalibratedImages[2]);
-  m_oMaskedBuffer.SetBuffer(&m_aMaskedImages[0], &m_aMaskedImages[1], &m_aMaskedImages[2]);
   oCalibrating = boost::thread(pfnCalibrate, this);
   oMasking = boost::thread(pfnMask, this);
 }

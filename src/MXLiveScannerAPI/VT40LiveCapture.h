@@ -78,6 +78,10 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
 
  private:
   static constexpr unsigned int cnNoCapture = 5;
+  static constexpr int cnMaskDpi = 500;
+  static constexpr unsigned int cnMaskWaitSeconds = 3;
+  /// The grey value that a white area gets in front of the mask.
+  static constexpr unsigned char cnTargetGrey = 224;
   using Lock = boost::unique_lock<boost::mutex>;
   using SensorLock = boost::unique_lock<ClTicketMutex>;
 

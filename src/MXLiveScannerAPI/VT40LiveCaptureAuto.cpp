@@ -16,9 +16,6 @@
 
 namespace {
 
-constexpr unsigned int cnMaskWaitSeconds = 3;
-constexpr int cnMaskDpi = 500;
-
 /// Brightness of the brightest tenth of the platen up to which nothing lies on it.
 constexpr double cdEmptyBrightness = 24.0;
 
@@ -60,6 +57,11 @@ void CheckAnswer(long nAnswer) {
 /// A number of a coordinate's size; what lies outside the sensor is cut to it.
 int ToPixel(double dCoordinate, int nLimit) {
   return static_cast<int>(std::max(0.0, std::min(dCoordinate, static_cast<double>(nLimit))));
+}
+
+void CopyUnpadded(const ClImage& oFrom, ClImage& oTo) {
+  oTo.NewWithType(ClImage::eUint8, oFrom.Width(), oFrom.Height(), 1, 0, 0, false);
+  ForEachRow(oFrom, [&](int y) { std::copy_n(oFrom.Row<uint8_t>(y), oFrom.Width(), oTo.Row<uint8_t>(y)); });
 }
 
 /// Milliseconds since local midnight.
@@ -323,11 +325,15 @@ void ClVT40LiveCapture::MeasureScore() {
     m_dScore = 15.0 + (std::rand() % 7500) / 100.0;
   } else if (nRevision <= 6) {
     MaskHighRes();
+    // The library takes rows without padding.
+    ClImage oPicture;
+    ClImage oMask;
+    CopyUnpadded(m_oFullCalibrated, oPicture);
+    CopyUnpadded(m_oFullMask, oMask);
     double dScore = 0.0;
     m_pFakeDetector->FD_VT40GetFakeFingerDetectionScore(
-        m_hFakeDetection, static_cast<unsigned int>(m_oFullCalibrated.Width()),
-        static_cast<unsigned int>(m_oFullCalibrated.Height()), m_oFullCalibrated.Data(), m_oFullMask.Data(),
-        &dScore);
+        m_hFakeDetection, static_cast<unsigned int>(oPicture.Width()),
+        static_cast<unsigned int>(oPicture.Height()), oPicture.Data(), oMask.Data(), &dScore);
     m_dScore = dScore;
   }
 }

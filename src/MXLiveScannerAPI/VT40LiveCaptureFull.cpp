@@ -8,9 +8,7 @@
 
 namespace {
 
-constexpr unsigned char cnTargetGrey = 224;
 constexpr unsigned int cnStreamWaitSeconds = 10;
-constexpr int cnMaskDpi = 500;
 /// Grey values of finger pixels in a masked image.
 constexpr unsigned char cnLastFingerGrey = 160;
 /// Finger pixels, at preview size, below which nothing usable lies on the platen.

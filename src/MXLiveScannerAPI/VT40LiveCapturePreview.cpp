@@ -11,11 +11,7 @@
 
 namespace {
 
-/// The grey value that a white area gets in front of the mask.
-constexpr unsigned char cnTargetGrey = 224;
-constexpr unsigned int cnMaskWaitSeconds = 3;
 constexpr unsigned int cnPreviewWaitSeconds = 15;
-constexpr int cnMaskDpi = 500;
 
 }  // namespace
 

@@ -8,9 +8,7 @@
 
 namespace {
 
-constexpr unsigned int cnMaskWaitSeconds = 3;
 constexpr unsigned int cnRollWaitSeconds = 5;
-constexpr int cnMaskDpi = 500;
 
 }  // namespace
 

@@ -155,12 +155,13 @@ class TpReadLock {
   ~TpReadLock() { Release(); }
   /// Ends the read before the scope does; the item must not be touched behind it.
   void Release() {
-    if (m_pItem != nullptr) m_oBuffer.ReleaseRead();
-    m_pItem = nullptr;
+    if (m_bHeld) m_oBuffer.ReleaseRead();
+    m_bHeld = false;
   }
   T& Item() { return *m_pItem; }
 
  private:
   ClTpTripleBuffer<T>& m_oBuffer;
   T* m_pItem;
+  bool m_bHeld = true;
 };

@@ -179,7 +179,7 @@ class ClBitmapReader {
   /// Runs give less than 128 pixels a byte. Small bitmaps may leave out what they like; a large one has to
   /// hold what fills it, so that no short file can ask for gigabytes.
   static uint64_t LeastEncodedBytes(unsigned int nPixelBytes) {
-    constexpr unsigned int cnSmall = 1u << 20;
+    constexpr unsigned int cnSmall = 1u << 26;
     return nPixelBytes > cnSmall ? (nPixelBytes - cnSmall) / 128 : 0;
   }
 

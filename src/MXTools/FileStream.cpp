@@ -102,7 +102,8 @@ unsigned int ClFileStream::WriteRaw(const void* pData, unsigned int nBytes) {
   if (m_pFile == nullptr || nBytes == 0) return 0;
   Prepare(eMoveWrite);
   const size_t nWritten = std::fwrite(pData, 1, nBytes, m_pFile);
-  if (nWritten < nBytes) m_bWriteCut = true;
+  // A stream that is not open for writing has lost nothing.
+  if (nWritten < nBytes && errno != EBADF) m_bWriteCut = true;
   return static_cast<unsigned int>(nWritten);
 }
 
