@@ -56,6 +56,7 @@ function(klv_test NAME)
   if("engine" IN_LIST ARG_LABELS)
     add_dependencies(engine_tests ${NAME})
   endif()
+  target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
   # An empty value would vanish from the list and take its neighbour's place.
   set(properties TIMEOUT 300)

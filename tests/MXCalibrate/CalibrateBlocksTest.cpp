@@ -6,18 +6,14 @@
 #include "MXCalibrate/CalibrateGainData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
 template <class TData>
 long Read(TData& oData, const Bytes& aBytes) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
-  try {
-    oData.Read(oStream);
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
+  return NumberOf([&] { oData.Read(oStream); });
 }
 
 template <class TData>

@@ -6,6 +6,7 @@
 #include "MXCalibrate/CalibrateGeometricData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
@@ -13,12 +14,7 @@ using testing::AnyOf;
 
 long Read(ClCalibrateGeometricData& oData, const Bytes& aBytes) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
-  try {
-    oData.Read(oStream);
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
+  return NumberOf([&] { oData.Read(oStream); });
 }
 
 Bytes Written(const ClCalibrateGeometricData& oData) {

@@ -13,6 +13,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
@@ -76,16 +77,6 @@ int SlowSample(const MXKernels::WarpMapEntry& oEntry, const ClImage& oIn, const 
     }
   }
   return std::min(255, std::max(0, nSum >> 10));
-}
-
-template <typename TCall>
-std::pair<long, std::string> Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
 }
 
 class Warp : public testing::Test {

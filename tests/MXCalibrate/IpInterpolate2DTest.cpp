@@ -7,6 +7,7 @@
 #include "MXCalibrate/IpInterpolate2D.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
+#include "Raised.h"
 
 namespace {
 
@@ -27,13 +28,9 @@ class Interpolate2D : public testing::Test {
   }
   std::string Refusal() {
     EXPECT_FALSE(m_oProcessor.CanApply());
-    try {
-      m_oProcessor.Apply();
-    } catch (const ClException& e) {
-      EXPECT_EQ(e.Number(), -44);
-      return e.What();
-    }
-    return "";
+    const auto [nNumber, sText] = Raised([&] { m_oProcessor.Apply(); });
+    EXPECT_EQ(nNumber, -44);
+    return sText;
   }
 
   double m_aValues[8] = {10, 60, 35.5, -20, 1, 2, 3, 4};

@@ -11,6 +11,7 @@
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -56,15 +57,6 @@ std::vector<ClVector> Ideal() {
         ClVector(500 + cdPitchX * static_cast<double>(nColumn), 300 + cdPitchY * static_cast<double>(nRow));
   }
   return aPlaces;
-}
-
-std::pair<long, std::string> Raised(const std::function<void()>& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
 }
 
 std::pair<long, std::string> Associated(const std::vector<ClVector>& aPlaces, ClDonut& oDonut,

@@ -9,6 +9,7 @@
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -175,13 +176,9 @@ TEST(TargetSearch, RefusesAMissingADoubledAndNoDotAtAll) {
 TEST(TargetSearch, NeedsAPictureAndData) {
   ClDonut oDonut;
   const auto Text = [&oDonut] {
-    try {
-      oDonut.Apply();
-    } catch (const ClException& e) {
-      EXPECT_EQ(e.Number(), -37);
-      return std::string(e.What());
-    }
-    return std::string();
+    const auto [nNumber, sText] = Raised([&] { oDonut.Apply(); });
+    EXPECT_EQ(nNumber, -37);
+    return sText;
   };
   EXPECT_THAT(Text(), EndsWith("ClIpCalibrateGeometricBuildRefPointsBase m_pInImage is NULL"));
   ClImage oImage(10, 10, 1, 0, 0);

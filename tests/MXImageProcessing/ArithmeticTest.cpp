@@ -222,7 +222,7 @@ TEST(TwoImages, AnOffsetBeyondTheImagesLeavesNoOverlap) {
   ASSERT_EQ(oSubtract.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{50, 60, 0, 0, 9}));
   oSubtract.OffsetX = 2147483647L;
-  EXPECT_EQ(RaisedNumber([&] { oSubtract.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault); }), -44);
+  EXPECT_EQ(NumberOf([&] { oSubtract.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault); }), -44);
 }
 
 TEST(TwoImages, OnePlaneGoesWithEachOfThreeAndOtherMixesAreCleared) {

@@ -126,10 +126,10 @@ TEST(SaturateBorders, AreCutToTheTypeAndMustBeInOrder) {
   ClIpSaturate oSaturate;
   ASSERT_EQ(oSaturate.ApplyParam(oIn, oOut, -300.0, 500.0), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{0, 100, 255}));
-  EXPECT_EQ(RaisedNumber([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
+  EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
   ClImage oOdd;
   oOdd.NewWithType(3, 1, 1, 1, 0, 0, true);
-  EXPECT_EQ(RaisedNumber([&] { oSaturate.ApplyParam(oOdd, oOut, 1.0, 2.0); }), -33);
+  EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oOdd, oOut, 1.0, 2.0); }), -33);
 }
 
 TEST(Invert, ReversesTheRangeOfTheInput) {
@@ -198,11 +198,11 @@ TEST(Planes, JoinRefusesContentsWithoutANumberOfPlanesAndPlanesThatDiffer) {
     EXPECT_EQ(oJoin.ApplyParam(oOut, &oRed, nullptr, nullptr, nullptr), -35);
   }
   oJoin.eOutContent = ClImage::eRGB;
-  EXPECT_EQ(RaisedNumber([&] { oJoin.ApplyParam(oOut, &oRed, &oWide, nullptr, nullptr); }), -44);
+  EXPECT_EQ(NumberOf([&] { oJoin.ApplyParam(oOut, &oRed, &oWide, nullptr, nullptr); }), -44);
   ClImage oFive;
   oFive.NewWithType(ClImage::eUint8, 1, 1, 5, 0, 0, true);
   ClIpSplitPlanes oSplit;
-  EXPECT_EQ(RaisedNumber([&] { oSplit.ApplyParam(oFive, nullptr, nullptr, nullptr, nullptr); }), -35);
-  EXPECT_EQ(RaisedNumber([&] { oSplit.ApplyParam(oRed, nullptr, &oRed, nullptr, nullptr); }), -44);
+  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(oFive, nullptr, nullptr, nullptr, nullptr); }), -35);
+  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(oRed, nullptr, &oRed, nullptr, nullptr); }), -44);
   EXPECT_EQ(Samples<uint8_t>(oRed), (std::vector<uint8_t>{1, 2}));
 }

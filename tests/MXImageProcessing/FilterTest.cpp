@@ -237,28 +237,28 @@ TEST(FilterBase, ErrorsHaveTheirNumbers) {
   SetImage<uint8_t>(oIn, 4, 4, std::vector<uint8_t>(16, 7));
   ClIpFilterMin oMin;
   ClIpFilterMid oMid;
-  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 4, 3); }), -44);
+  EXPECT_EQ(NumberOf([&] { oMin.ApplyParam(oIn, oOut, 4, 3); }), -44);
   EXPECT_EQ(oMin.ApplyParam(oIn, oIn, 3, 3), -10);
   EXPECT_EQ(oMid.ApplyParam(oIn, oIn, 3), -10);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected), -33);
   EXPECT_EQ(oMin.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirectedOrtho), -33);
   const auto Directed = [&] { oMid.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected); };
-  EXPECT_EQ(RaisedNumber(Directed), -701);
+  EXPECT_EQ(NumberOf(Directed), -701);
   oMid.pInDxImage = oMid.pInDyImage = &oIn;
-  EXPECT_EQ(RaisedNumber(Directed), -33);
+  EXPECT_EQ(NumberOf(Directed), -33);
   oMid.pInDyImage = &oOut;
   oOut.NewWithType(ClImage::eInt8, 4, 3, 1, 0, 0, true);
   oMid.pInDxImage = &oOut;
-  EXPECT_EQ(RaisedNumber(Directed), -44);
-  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oIn, oOut, 3, 7); }), -35);
-  EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oIn, oOut, 3, 7); }), -35);
+  EXPECT_EQ(NumberOf(Directed), -44);
+  EXPECT_EQ(NumberOf([&] { oMin.ApplyParam(oIn, oOut, 3, 7); }), -35);
+  EXPECT_EQ(NumberOf([&] { oMid.ApplyParam(oIn, oOut, 3, 7); }), -35);
   oOdd.NewWithType(3, 4, 4, 1, 0, 0, true);
-  EXPECT_EQ(RaisedNumber([&] { oMin.ApplyParam(oOdd, oOut, 3, 3); }), -35);
-  EXPECT_EQ(RaisedNumber([&] { oMid.ApplyParam(oOdd, oOut, 3, 3); }), -35);
+  EXPECT_EQ(NumberOf([&] { oMin.ApplyParam(oOdd, oOut, 3, 3); }), -35);
+  EXPECT_EQ(NumberOf([&] { oMid.ApplyParam(oOdd, oOut, 3, 3); }), -35);
   ClIpFilterMax oEmpty;
-  EXPECT_EQ(RaisedNumber([&] { oEmpty.Apply(); }), -10);
+  EXPECT_EQ(NumberOf([&] { oEmpty.Apply(); }), -10);
   oEmpty.m_pInImage = &oIn;
-  EXPECT_EQ(RaisedNumber([&] { oEmpty.Apply(); }), -701);
+  EXPECT_EQ(NumberOf([&] { oEmpty.Apply(); }), -701);
   EXPECT_FALSE(oEmpty.CanApply());
 }
 
@@ -302,5 +302,5 @@ TEST(FilterBase, TheSummaryNamesWidthAxesAndSign) {
   oMin.ApplyParam(oIn, oOut, 5, ClIpFilterBase::eModeY);
   oMin.ParameterString(szText, sizeof(szText));
   EXPECT_STREQ(szText, "W[5] M[Y] S[Signed]");
-  EXPECT_EQ(RaisedNumber([&] { oMin.ParameterString(szText, 5); }), -101);
+  EXPECT_EQ(NumberOf([&] { oMin.ParameterString(szText, 5); }), -101);
 }

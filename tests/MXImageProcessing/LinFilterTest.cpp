@@ -180,15 +180,15 @@ TEST(FilterGauss, ErrorsHaveTheirNumbers) {
   ClIpFilterGauss oGauss;
   EXPECT_EQ(oGauss.Apply(), -35);
   EXPECT_EQ(oGauss.ApplyParam(oIn, oIn, 1.0, 3), -10);
-  EXPECT_EQ(RaisedNumber([&] { oGauss.ApplyParam(oIn, oOut, HUGE_VAL, 3); }), -44);
+  EXPECT_EQ(NumberOf([&] { oGauss.ApplyParam(oIn, oOut, HUGE_VAL, 3); }), -44);
   oGauss.nMode = 7;
-  EXPECT_EQ(RaisedNumber([&] { oGauss.ApplyParam(oIn, oOut, 1.0, 3); }), -35);
+  EXPECT_EQ(NumberOf([&] { oGauss.ApplyParam(oIn, oOut, 1.0, 3); }), -35);
   ClIpAnyFilter oFilter({1});
   EXPECT_EQ(oFilter.Apply(), -35);
-  EXPECT_EQ(RaisedNumber([&] { oFilter.ApplyParam(oIn, oOut, 0, ClIpFilterBase::eModeX); }), -101);
-  EXPECT_EQ(RaisedNumber([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected); }), -701);
+  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 0, ClIpFilterBase::eModeX); }), -101);
+  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected); }), -701);
   oIn.NewWithType(3, 4, 4, 1, 0, 0, true);
-  EXPECT_EQ(RaisedNumber([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeX); }), -35);
+  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeX); }), -35);
 }
 
 TEST(FilterGauss, ParametersHaveNamesDefaultsAndASummary) {
@@ -204,5 +204,5 @@ TEST(FilterGauss, ParametersHaveNamesDefaultsAndASummary) {
   char szText[64];
   oGauss.ParameterString(szText, sizeof(szText));
   EXPECT_STREQ(szText, "S[2.50] W[0] M[XY] S[Unknown]");
-  EXPECT_EQ(RaisedNumber([&] { oGauss.ParameterString(szText, 29); }), -101);
+  EXPECT_EQ(NumberOf([&] { oGauss.ParameterString(szText, 29); }), -101);
 }

@@ -71,8 +71,8 @@ TEST(BinarizeLocalLimits, AnImageBelowTheWindowIsCopiedAndErrorsHaveTheirNumbers
   }
   EXPECT_EQ(oBinarize.ApplyParam(oColor, oOut, 3, 3, 0), -101);
   EXPECT_EQ(oBinarize.ApplyParam(oWide, oOut, 3, 3, 0), -101);
-  EXPECT_EQ(RaisedNumber([&] { oBinarize.ApplyParam(oIn, oOut, 0, 3, 0); }), -44);
-  EXPECT_EQ(RaisedNumber([&] { oBinarize.ApplyParam(oIn, oOut, 3, -1, 0); }), -44);
+  EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 0, 3, 0); }), -44);
+  EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 3, -1, 0); }), -44);
 }
 
 TEST(BinarizeLocalLimits, ParametersHaveTheirNamesAndDefaults) {
@@ -164,13 +164,13 @@ TEST(ConnectedComponent, ErrorsHaveTheirNumbers) {
   SetImage<uint8_t>(oGrey, 1, 2, {0, 1});
   ClIpConnectedComponent2 oComponents;
   Components aFound;
-  EXPECT_EQ(RaisedNumber([&] { oComponents.Apply(); }), -37);
+  EXPECT_EQ(NumberOf([&] { oComponents.Apply(); }), -37);
   oComponents.m_pInImage = &oObjects;
-  EXPECT_EQ(RaisedNumber([&] { oComponents.Apply(); }), -37);
+  EXPECT_EQ(NumberOf([&] { oComponents.Apply(); }), -37);
   EXPECT_FALSE(oComponents.CanApply());
-  EXPECT_EQ(RaisedNumber([&] { oComponents.ApplyParam(oObjects, aFound, &oGrey); }), -44);
+  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(oObjects, aFound, &oGrey); }), -44);
   EXPECT_FALSE(oComponents.CanApply());
-  EXPECT_EQ(RaisedNumber([&] { oComponents.ApplyParam(oObjects, aFound, nullptr, &oObjects); }), -44);
+  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(oObjects, aFound, nullptr, &oObjects); }), -44);
   EXPECT_TRUE(oComponents.CanApply());
   ClParameterContainer oContainer;
   oComponents.QueryParameters(oContainer);

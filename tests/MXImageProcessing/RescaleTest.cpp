@@ -301,7 +301,7 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, INT32_MAX, 1, eBiLinear), 0) << "218 thousand columns";
   oIn.SetPels(1, 1);
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, INT32_MAX, 1, eBiLinear), -35);
-  EXPECT_EQ(RaisedNumber([&] { oRescale.ApplyParamSize(oWide, oOut, 5, 5, eBiLinear); }), -101);
+  EXPECT_EQ(NumberOf([&] { oRescale.ApplyParamSize(oWide, oOut, 5, 5, eBiLinear); }), -101);
   SetImage<uint8_t>(oOut, 1, 1, {42});
   EXPECT_EQ(oRescale.ApplyParamSize(oIn, oOut, 5, 5, static_cast<ClIpRescale::eProcessingMode>(5)), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (Row8{42})) << "an unknown mode does nothing";

@@ -14,6 +14,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "Raised.h"
 
 template <typename T>
 constexpr ClImage::EDataType TypeOf() {
@@ -105,14 +106,3 @@ inline long double SampleAt(const ClImage& oImage, int nX, int nY) {
 constexpr unsigned char g_aTypes[] = {ClImage::eUint8,   ClImage::eInt8,    ClImage::eUint16,
                                       ClImage::eInt16,   ClImage::eUint32,  ClImage::eInt32,
                                       ClImage::eFloat32, ClImage::eDouble64};
-
-/// The number of the ClException that fnCall raises; 0 when it raises none.
-template <typename TCall>
-long RaisedNumber(TCall&& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClException& oFailure) {
-    return oFailure.Number();
-  }
-  return 0;
-}

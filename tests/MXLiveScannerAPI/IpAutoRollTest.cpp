@@ -8,6 +8,7 @@
 
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -202,14 +203,7 @@ TEST_F(Roll, AResetBeginsAfreshAndFreesTheSize) {
   EXPECT_EQ(PaintedWidth(), 0);
   m_oFrame.NewWithType(ClImage::eUint8, 300, 200, 1, 0, 0, true);
   m_oFrame = static_cast<unsigned char>(255);
-  const auto Number = [&](ClImage& oIn) {
-    try {
-      m_oRoll.ApplyParam(oIn, m_oOut);
-    } catch (const ClException& oFailure) {
-      return static_cast<long>(oFailure.Number());
-    }
-    return 0L;
-  };
+  const auto Number = [&](ClImage& oIn) { return NumberOf([&] { m_oRoll.ApplyParam(oIn, m_oOut); }); };
   EXPECT_EQ(Number(m_oFrame), -44);
   m_oRoll.ResetProcessor();
   EXPECT_EQ(Number(m_oFrame), 0);

@@ -8,6 +8,7 @@
 #include "MXTools/Bitmap.h"
 #include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
+#include "Raised.h"
 
 namespace {
 
@@ -49,12 +50,7 @@ class LiveCaptureBase : public testing::Test {
   LiveCaptureBase() { m_oEngine.SetScanner(&m_oScanner); }
 
   long Version(unsigned int nId, char* szBuffer, unsigned int* pnLength) {
-    try {
-      m_oEngine.GetVersionInfo(nId, szBuffer, pnLength);
-    } catch (const ClException& oFailure) {
-      return oFailure.Number();
-    }
-    return 0;
+    return NumberOf([&] { m_oEngine.GetVersionInfo(nId, szBuffer, pnLength); });
   }
 
   ClTestScanner m_oScanner;
@@ -106,12 +102,7 @@ TEST_F(LiveCaptureBase, TwoExposuresGiveTheSecondLessTheFirst) {
   EXPECT_EQ(oResult.Row<unsigned char>(3)[7], 0) << "never below black";
   for (const int nFailing : {5, 20}) {
     m_oScanner.nFailing = nFailing;
-    try {
-      m_oEngine.CaptureCurrent(oFirst, oSecond, oResult, 20, 5);
-      ADD_FAILURE() << nFailing;
-    } catch (const ClException& oFailure) {
-      EXPECT_EQ(oFailure.Number(), -60);
-    }
+    EXPECT_EQ(NumberOf([&] { m_oEngine.CaptureCurrent(oFirst, oSecond, oResult, 20, 5); }), -60) << nFailing;
   }
 }
 

@@ -11,22 +11,13 @@
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
 using testing::EndsWith;
 
 constexpr const char* cszSerial = "VT40-AD0042";
-
-template <typename TCall>
-std::pair<long, std::string> Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
-}
 
 unsigned int Size(const Bytes& aBytes) {
   return static_cast<unsigned int>(aBytes.size());

@@ -8,22 +8,13 @@
 #include "CountedAllocations.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
 using testing::EndsWith;
 
 constexpr const char* cszSerial = "VT40-AD0042";
-
-template <typename TCall>
-std::pair<long, std::string> Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
-}
 
 void SetUpScanner(ClVT40SetupCalibrationData& oSetup, const Bytes& aGeo, const Bytes& aBrightness) {
   oSetup.Setup(aGeo.data(), static_cast<unsigned int>(aGeo.size()), aBrightness.data(),

@@ -8,6 +8,7 @@
 
 #include "MXLiveScannerAPI/VT4SetupCalibrationData.h"
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -27,16 +28,6 @@ Bytes Block(uint32_t nCentreX, uint32_t nCentreY) {
 
 void Update(ClVT4SetupCalibrationData& oSetup, const Bytes& aBlock) {
   oSetup.Setup(aBlock.data(), static_cast<unsigned int>(aBlock.size()), nullptr, 0);
-}
-
-template <typename TCall>
-long NumberOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
 }
 
 void FillFrame(ClImage& oFrame, int nWidth, int nHeight) {
@@ -132,13 +123,9 @@ TEST(SingleFinger, RefusesOtherBlocksAndKeepsWhatItHas) {
   for (const size_t nSize : {0u, 11u, 13u}) {
     Bytes aBlock = Block(1, 1);
     aBlock.resize(nSize, 0);
-    try {
-      Update(oSetup, aBlock);
-      ADD_FAILURE() << nSize;
-    } catch (const ClException& e) {
-      EXPECT_EQ(e.Number(), -101);
-      EXPECT_THAT(e.What(), EndsWith("Wrong size of geometric calibration data."));
-    }
+    EXPECT_THAT(Raised([&] { Update(oSetup, aBlock); }),
+                testing::Pair(-101, EndsWith("Wrong size of geometric calibration data.")))
+        << nSize;
   }
   oSetup.Reset(true, true);
   oSetup.CalibrateFull(oFrame, oAfter);

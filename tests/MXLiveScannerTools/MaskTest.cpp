@@ -135,10 +135,10 @@ TEST(Mask, ErrorsHaveTheirNumbers) {
   SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
   SetImage<uint8_t>(oOdd, 3, 2, {1, 2, 3, 4, 5, 6});
   ClIpVT40R4Mask oMask;
-  EXPECT_EQ(RaisedNumber([&] { oMask.Apply(); }), -701);
-  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oWide, oOut); }), -33);
-  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oColor, oOut); }), -44);
-  EXPECT_EQ(RaisedNumber([&] { oMask.ApplyParam(oOdd, oOut); }),
+  EXPECT_EQ(NumberOf([&] { oMask.Apply(); }), -701);
+  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oWide, oOut); }), -33);
+  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oColor, oOut); }), -44);
+  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }),
             -44);  // 19685 pels per metre: half resolution
   oOdd.SetPels(9842, 9842);
   EXPECT_EQ(oMask.ApplyParam(oOdd, oOut, 250, 1.0), 0);
@@ -212,7 +212,7 @@ TEST(Texture, ClassesOfInnerPixelsOnlyAndOneImageForEach) {
 TEST(Texture, SmallImagesHaveNoInnerPixelsAndErrorsTheirNumbers) {
   ClImage oIn, oOut;
   ClIpComputeLBPImage_4Neighborhood oTexture;
-  EXPECT_EQ(RaisedNumber([&] { oTexture.Apply(); }), -701);
+  EXPECT_EQ(NumberOf([&] { oTexture.Apply(); }), -701);
   oTexture.m_poInImage = &oIn;
   oTexture.m_poOutImage = &oOut;
   for (const auto& [nWidth, nHeight] : {std::pair{5, 2}, {2, 5}, {1, 1}}) {
@@ -222,5 +222,5 @@ TEST(Texture, SmallImagesHaveNoInnerPixelsAndErrorsTheirNumbers) {
               std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 0));
   }
   SetImage<int8_t>(oIn, 3, 3, std::vector<int8_t>(9, 0));
-  EXPECT_EQ(RaisedNumber([&] { oTexture.Apply(); }), -44);
+  EXPECT_EQ(NumberOf([&] { oTexture.Apply(); }), -44);
 }

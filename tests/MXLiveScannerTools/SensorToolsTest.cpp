@@ -89,15 +89,6 @@ TYPED_TEST(SensorTools, WhiteBalanceDrawsThePhasesTogether) {
   EXPECT_EQ(Samples<TypeParam>(oSharer), aBefore);
 }
 
-TYPED_TEST(SensorTools, AUniformGreyPassesTheWhiteBalanceUnchanged) {
-  ClImage oImage;
-  const std::vector<TypeParam> aGrey(40 * 30, 100);
-  SetImage(oImage, 40, 30, aGrey);
-  ClIpLocalWhiteBalance oBalance;
-  ASSERT_EQ(oBalance.ApplyParam(oImage), 0);
-  EXPECT_EQ(Samples<TypeParam>(oImage), aGrey);
-}
-
 TEST(AdjustBrightness, ARegionIsAllThatIsWritten) {
   ClImage oIn, oReference;
   SetImage<uint8_t>(oIn, 3, 2, {10, 20, 30, 40, 50, 60});
@@ -120,16 +111,16 @@ TEST(AdjustBrightness, ErrorsHaveTheirNumbers) {
   oEmpty.NewWithType(ClImage::eUint8, 0, 2, 1, 0, 0, true);
   ClIpAdjustBrightness oAdjust;
   const auto Number = [&](ClImage& oImage, ClImage& oBy) {
-    return RaisedNumber([&] { oAdjust.ApplyParam(oImage, oBy, oOut, 1.0); });
+    return NumberOf([&] { oAdjust.ApplyParam(oImage, oBy, oOut, 1.0); });
   };
-  EXPECT_EQ(RaisedNumber([&] { oAdjust.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut); }), -701);
+  EXPECT_EQ(NumberOf([&] { oAdjust.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut); }), -701);
   EXPECT_EQ(Number(oColor, oColor), -44);
   EXPECT_EQ(Number(oIn, oSmall), -44);
   EXPECT_EQ(Number(oEmpty, oEmpty), -14);
   EXPECT_EQ(Number(oIn, oWide), -103);
   EXPECT_EQ(Number(oFloat, oFloat), -33);
   const auto Region = [&](int nX, int nY, int nWidth, int nHeight) {
-    return RaisedNumber([&] { oAdjust.ApplyParam(oIn, oIn, oOut, 1.0, nX, nY, nWidth, nHeight); });
+    return NumberOf([&] { oAdjust.ApplyParam(oIn, oIn, oOut, 1.0, nX, nY, nWidth, nHeight); });
   };
   const int nLargest = std::numeric_limits<int>::max();
   EXPECT_EQ(Region(1, 0, 0, 1), -44);
@@ -153,16 +144,16 @@ TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
   SetImage<float>(oFloat, 2, 2, {1, 2, 3, 4});
   oEmpty.NewWithType(ClImage::eUint8, 0, 0, 1, 0, 0, true);
   ClIpLocalWhiteBalance oBalance;
-  EXPECT_EQ(RaisedNumber([&] { oBalance.Apply(); }), -701);
-  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
-  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oEmpty, oOut); }), -14);
-  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oColor, oOut); }), -44);
-  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oFloat, oOut); }), -33);
+  EXPECT_EQ(NumberOf([&] { oBalance.Apply(); }), -701);
+  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oEmpty, oOut); }), -14);
+  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oColor, oOut); }), -44);
+  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oFloat, oOut); }), -33);
   ClParameterContainer oContainer;
   oBalance.QueryParameters(oContainer);
   oContainer.Find("nInFilterWidth")->SetValue("0");
   SetImage<uint8_t>(oOdd, 2, 2, {1, 2, 3, 4});
-  EXPECT_EQ(RaisedNumber([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
 }
 
 template <typename T>
@@ -216,7 +207,7 @@ TEST(BayerDecompositionErrors, HaveTheirNumbersInOrder) {
     oBayer.m_pOutImageRed = pRed;
     oBayer.m_pOutImageGreen = pGreen;
     oBayer.m_pOutImageBlue = pBlue;
-    return RaisedNumber([&] { oBayer.Apply(); });
+    return NumberOf([&] { oBayer.Apply(); });
   };
   EXPECT_EQ(Number(nullptr, nullptr, nullptr, nullptr), -44);
   EXPECT_EQ(Number(&oEmpty, nullptr, nullptr, nullptr), -14);

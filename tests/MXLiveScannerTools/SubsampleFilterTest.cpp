@@ -9,6 +9,7 @@
 #include "MXLiveScannerTools/TpIpSubsampleFilter.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
+#include "Raised.h"
 
 namespace {
 
@@ -115,12 +116,7 @@ TEST(SubsampleFilter, RefusesWhatItCannotResize) {
   ClImage oOut;
   FillRandom(oIn, 300, 40);
   const auto oRefused = [&](int nWidth, int nHeight) {
-    try {
-      ClFilter().ApplyParam(oIn, oOut, nWidth, nHeight);
-    } catch (const ClException& e) {
-      return e.Number();
-    }
-    return 0L;
+    return NumberOf([&] { ClFilter().ApplyParam(oIn, oOut, nWidth, nHeight); });
   };
   EXPECT_EQ(oRefused(300, 40), -44) << "the size that it has";
   EXPECT_EQ(oRefused(301, 40), -44);

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "MXLiveScannerTools/TpTripleBuffer.h"
+#include "Raised.h"
 
 namespace {
 
@@ -22,15 +23,6 @@ class TripleBuffer : public testing::Test {
     m_oBuffer.ReleaseRead();
     return nValue;
   }
-  static long NumberOf(const std::function<void()>& fnCall) {
-    try {
-      fnCall();
-    } catch (const ClException& oFailure) {
-      return oFailure.Number();
-    }
-    return 0;
-  }
-
   int m_aItems[3] = {100, 101, 102};
   ClTpTripleBuffer<int> m_oBuffer;
 };

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "MXMath/ThinPlateSplinesBOOST.h"
+#include "Raised.h"
 
 namespace {
 
@@ -32,16 +33,6 @@ template <typename T>
 void Fit(TpThinPlateSplines<T>& oSpline, const std::vector<ClVector>& aFrom,
          const std::vector<ClVector>& aTo) {
   oSpline.Setup(static_cast<long>(aFrom.size()), aFrom.data(), aTo.data());
-}
-
-template <typename TCall>
-std::pair<long, std::string> Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
 }
 
 TEST(PortableLog, AgreesWithTheLibraryToTwoUnitsInTheLastPlace) {

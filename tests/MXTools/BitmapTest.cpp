@@ -12,21 +12,12 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
 using testing::ElementsAre;
-
-template <typename TCall>
-long NumberOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 void Append(Bytes& rBytes, uint32_t nValue, int nSize) {
   for (int n = 0; n < nSize; ++n) rBytes.push_back(static_cast<unsigned char>(nValue >> (8 * n)));

@@ -10,6 +10,7 @@
 
 #include "MXTools/Exception.h"
 #include "MXTools/File.h"
+#include "Raised.h"
 #include "TemporaryDirectory.h"
 
 namespace {
@@ -84,19 +85,9 @@ TEST_F(FileStream, WhatCannotBeOpenedRaisesWithItsName) {
   ClFileStream oStream;
   const char* szNone = nullptr;
   const wchar_t* wszNone = nullptr;
-  try {
-    oStream.Open(szNone, "rb");
-    ADD_FAILURE();
-  } catch (const ClException& e) {
-    EXPECT_EQ(e.Number(), -44);
-  }
-  try {
-    oStream.Open(L"name", wszNone);
-    ADD_FAILURE();
-  } catch (const ClException& e) {
-    EXPECT_EQ(e.Number(), -37);
-    EXPECT_THAT(e.What(), testing::EndsWith("\nthe szMode parameter is invalid."));
-  }
+  EXPECT_EQ(NumberOf([&] { oStream.Open(szNone, "rb"); }), -44);
+  EXPECT_THAT(Raised([&] { oStream.Open(L"name", wszNone); }),
+              testing::Pair(-37, testing::EndsWith("\nthe szMode parameter is invalid.")));
 }
 
 TEST_F(FileStream, WideNamesAreUtf8OnDisk) {

@@ -8,6 +8,7 @@
 
 #include "MXTools/SDKBase.h"
 #include "MXTools/SDKHandleBase.h"
+#include "Raised.h"
 
 namespace {
 
@@ -52,15 +53,6 @@ class ClTestHandle
   double m_dNumber = 0.25;
   long m_nChoice = 1;
 };
-
-long NumberOf(const std::function<void()>& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClException& oFailure) {
-    return oFailure.Number();
-  }
-  return 0;
-}
 
 TEST(Singleton, InitialisesOnceAndUninitialisesWithTheLastReference) {
   ClTestSDK::s_nInitialized = ClTestSDK::s_nUninitialized = 0;

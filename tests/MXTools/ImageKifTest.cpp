@@ -6,6 +6,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
@@ -28,12 +29,7 @@ std::vector<unsigned char> BytesOf(const ClImage& oImage) {
 long LoadNumber(const std::vector<unsigned char>& aBytes, bool bFailureFlag, ClImage& oImage) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
   oStream.m_bFailureFlag = bFailureFlag;
-  try {
-    oImage.Load(oStream);
-  } catch (const ClException& oFailure) {
-    return oFailure.Number();
-  }
-  return 0;
+  return NumberOf([&] { oImage.Load(oStream); });
 }
 
 TEST(ImageKif, TheBytesAreTheContainersAndComeBack) {

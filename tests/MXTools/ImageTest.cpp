@@ -11,17 +11,9 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "Raised.h"
 
 namespace {
-
-long NumberOf(const std::function<void()>& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClException& oFailure) {
-    return oFailure.Number();
-  }
-  return 0;
-}
 
 TEST(Image, AnEmptyOneIsValidAndHoldsNothing) {
   const ClImage oImage;

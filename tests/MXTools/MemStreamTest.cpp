@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -17,26 +18,6 @@ using testing::ElementsAre;
 Bytes Content(const ClMemStream& oStream) {
   const unsigned char* pData = oStream.GetData();
   return pData == nullptr ? Bytes() : Bytes(pData, pData + oStream.Size());
-}
-
-template <typename TCall>
-long NumberOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
-}
-
-template <typename TCall>
-std::string TextOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.What();
-  }
-  return "";
 }
 
 TEST(Stream, NumbersOfEveryWidthAreBigEndianOnANewStream) {
@@ -197,7 +178,7 @@ TEST(MemStream, AnAttachedBlockIsWrittenInPlaceAndNeverGrows) {
   ClMemStream oStream(aData, 4, true);
   oStream.WriteAutoSwap<uint32_t>(0x01020304);
   EXPECT_EQ(aData[3], 4);
-  const std::string szText = TextOf([&] { oStream.Write("x", 1); });
+  const std::string szText = Raised([&] { oStream.Write("x", 1); }).second;
   EXPECT_THAT(szText, testing::EndsWith("\nClMemStream::ExpandData. Stream too small"));
   oStream.Close();
   EXPECT_EQ(oStream.Size(), 0);
@@ -210,7 +191,7 @@ TEST(StreamBits, BitsJoinMostSignificantFirstAndBlockByteTransfers) {
   ClMemStream oStream;
   for (unsigned int nValue : {5u, 2u, 7u}) oStream.WriteBits(nValue, 3);
   EXPECT_EQ(oStream.BitPos(), 9u);
-  EXPECT_THAT(TextOf([&] { oStream.Write("x", 1); }),
+  EXPECT_THAT(Raised([&] { oStream.Write("x", 1); }).second,
               testing::EndsWith("the last bit I/O was finish with out bitflush."));
   oStream.Flush();
   // 101 010 111 -> 10101011 1.......

@@ -3,18 +3,9 @@
 
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "Raised.h"
 
 namespace {
-
-template <typename TCall>
-long Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 /// A root that holds the container "a" with the leaf "b", and the leaf "z".
 class ParameterTree : public testing::Test {
@@ -55,7 +46,7 @@ TEST_F(ParameterTree, TheNameOfTheRootMayStandInFrontWithItsCase) {
 
 TEST_F(ParameterTree, RefusesAPartOf255Characters) {
   EXPECT_EQ(m_oRoot.Find(("a." + std::string(254, 'x')).c_str()), nullptr);
-  EXPECT_EQ(Raised([&] { m_oRoot.Find(("a." + std::string(255, 'x')).c_str()); }), -101);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.Find(("a." + std::string(255, 'x')).c_str()); }), -101);
 }
 
 TEST_F(ParameterTree, APathOfAnyLengthIsWalkedWithoutRecursion) {
@@ -89,7 +80,7 @@ TEST_F(ParameterTree, WalksItsLeavesInOrderAcrossEmptyContainers) {
   EXPECT_EQ(aSeen, (std::vector<ClParameter*>{m_pLeaf, m_pLast, pTail}));
   EXPECT_EQ(m_oRoot.GetNextParameter(static_cast<ClParameter*>(nullptr)), m_pLeaf);
   EXPECT_EQ(m_oRoot.GetNextParameter(4u), nullptr);
-  EXPECT_EQ(Raised([&] { m_pInner->GetNextParameter(&m_oRoot); }), -701) << "the root has no parent";
+  EXPECT_EQ(NumberOf([&] { m_pInner->GetNextParameter(&m_oRoot); }), -701) << "the root has no parent";
   ClParameterContainer oBare;
   oBare.AddContainer("empty");
   EXPECT_EQ(oBare.GetFirstParameter(), nullptr);
@@ -97,10 +88,10 @@ TEST_F(ParameterTree, WalksItsLeavesInOrderAcrossEmptyContainers) {
 
 TEST_F(ParameterTree, RefusesANameInUseAndLeavesTheParameterToItsOwner) {
   int nOther = 0;
-  EXPECT_EQ(Raised([&] { m_oRoot.AddNumeric("Z", &nOther); }), -46);
-  EXPECT_EQ(Raised([&] { m_oRoot.AddContainer("A"); }), -46);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.AddNumeric("Z", &nOther); }), -46);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.AddContainer("A"); }), -46);
   TpParameterNumeric<int, ClParameter> oMine;
-  EXPECT_EQ(Raised([&] { m_oRoot.AddParameter("z", &oMine); }), -46);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.AddParameter("z", &oMine); }), -46);
   EXPECT_EQ(m_oRoot.Entries(), 2u);
 }
 
@@ -116,8 +107,8 @@ TEST_F(ParameterTree, CloningReplacesWhatTheDestinationHeld) {
   EXPECT_EQ(pLeaf->GetRoot(), &oCopy);
   pLeaf->SetValue("17");
   EXPECT_EQ(m_nValue, 17) << "a clone stays bound to the variable";
-  EXPECT_EQ(Raised([&] { m_oRoot.CloneDataTo(m_pLeaf); }), -701);
-  EXPECT_EQ(Raised([&] { m_oRoot.CloneDataTo(nullptr); }), -701);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.CloneDataTo(m_pLeaf); }), -701);
+  EXPECT_EQ(NumberOf([&] { m_oRoot.CloneDataTo(nullptr); }), -701);
   m_oRoot.CloneDataTo(&m_oRoot);
   EXPECT_EQ(m_oRoot.Find("a.b"), m_pLeaf);
 }
@@ -140,7 +131,7 @@ TEST_F(ParameterTree, OperationsReachEveryLeafOfATreeOfTheSameShape) {
   EXPECT_EQ(m_pLeaf->GetDefaultValue(), "5");
   ClParameterContainer oEmpty;
   EXPECT_TRUE(oEmpty.IsDefault());
-  EXPECT_EQ(Raised([&] { m_oRoot.CopyValuesFrom(&oEmpty, false); }), -701) << "too few children";
+  EXPECT_EQ(NumberOf([&] { m_oRoot.CopyValuesFrom(&oEmpty, false); }), -701) << "too few children";
 }
 
 TEST_F(ParameterTree, AContainerHasAnEmptyValue) {

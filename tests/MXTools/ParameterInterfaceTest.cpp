@@ -11,20 +11,11 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MemStream.h"
+#include "Raised.h"
 
 namespace {
 
 using List = ClParameterInterface;
-
-template <typename TCall>
-long NumberOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return e.Number();
-  }
-  return 0;
-}
 
 /// Members of every type, described by a list.
 struct ClMembers {

@@ -7,6 +7,7 @@
 
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "Raised.h"
 
 namespace {
 
@@ -14,17 +15,6 @@ using testing::EndsWith;
 using ClUnsigned = TpParameterNumeric<unsigned int, ClParameter>;
 using ClDouble = TpParameterNumeric<double, ClParameter>;
 using ClLong = TpParameterNumeric<long, ClParameter>;
-
-/// What a call raised: its number and the text of its own; 0 and "" when it raised nothing.
-template <typename TCall>
-std::pair<long, std::string> Raised(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return {e.Number(), e.What()};
-  }
-  return {0, ""};
-}
 
 template <class P, typename T>
 void Bind(P& oParameter, T* pValue) {

@@ -6,6 +6,7 @@
 
 #include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
+#include "Raised.h"
 
 namespace {
 
@@ -47,13 +48,8 @@ TEST(MXVTScanAPIHandleBase, WhatAnImplementationDoesNotTellIsRefusedOrLeft) {
   EXPECT_TRUE(oScanner.ClMXVTScanAPIHandleBase::GetEPROMSize(&nSize));
   EXPECT_EQ(nSize, 4711);
   EXPECT_FALSE(oScanner.IsUSBPowered());
-  try {
-    oScanner.ClMXVTScanAPIHandleBase::GetAPIVersion(nullptr, nullptr);
-    ADD_FAILURE();
-  } catch (const ClException& e) {
-    EXPECT_EQ(e.Number(), -103);
-    EXPECT_THAT(e.What(), testing::EndsWith("\nNo API version available."));
-  }
+  EXPECT_THAT(Raised([&] { oScanner.ClMXVTScanAPIHandleBase::GetAPIVersion(nullptr, nullptr); }),
+              testing::Pair(-103, testing::EndsWith("\nNo API version available.")));
   ClMXVTScanAPI::EScannerProductID_t ePid;
   oScanner.GetPid(&ePid);
   EXPECT_EQ(ePid, 17);
