@@ -1,4 +1,6 @@
 // Tests of mirror, cut, reduction, shift and turn.
+#include <gmock/gmock.h>
+
 #include <cmath>
 
 #include "MXImageProcessing/IpCut.h"

@@ -1,4 +1,6 @@
 // Tests of the histogram, the global threshold and the labeller.
+#include <gmock/gmock.h>
+
 #include <cmath>
 #include <utility>
 
