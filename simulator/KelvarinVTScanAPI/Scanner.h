@@ -92,6 +92,7 @@ class ClScanner {
   void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);
   void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
   ClPoint PictureToSensor(double dX, double dY) const { return m_oSensor.Optics().PictureToSensor(dX, dY); }
+  std::vector<VTSimPoint> TargetDots();
   void State(VTSimState& oState);
   std::vector<VTSimBeep> Beeps();
   /// The records of the sequences from nFirst on, at most nRoom; the oldest may be forgotten.

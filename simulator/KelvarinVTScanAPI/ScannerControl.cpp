@@ -55,6 +55,13 @@ void ClScanner::GroundTruth(uint8_t* pPicture, uint8_t* pCover) {
   m_oSensor.GroundTruth(dTime, pPicture, pCover);
 }
 
+std::vector<VTSimPoint> ClScanner::TargetDots() {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  std::vector<VTSimPoint> aDots;
+  for (const ClPoint& oPoint : m_oSensor.TargetDots()) aDots.push_back({oPoint.dX, oPoint.dY});
+  return aDots;
+}
+
 void ClScanner::GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover) {
   std::lock_guard<std::mutex> oRender(m_oRender);
   m_oSensor.GroundTruth(dTime, pPicture, pCover);

@@ -92,6 +92,13 @@ long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pd
   });
 }
 
+long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    const std::vector<VTSimPoint> aDots = oScanner.TargetDots();
+    HandOut(aDots.data(), aDots.size(), pDots, pnCount);
+  });
+}
+
 long VTSimGetState(const char* szSerial, VTSimState* pState) {
   return On(szSerial, [&](ClScanner& oScanner) {
     NeedPointer(pState);

@@ -99,6 +99,17 @@ VTSIM_API long VTSimGetUnrolledTruth(const char* szSerial, double dFrom, double 
 VTSIM_API long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX,
                                     double* pdSensorY);
 
+/* A place on the full sensor, in pixels; whole numbers are pixel centres. */
+typedef struct VTSimPoint {
+  double dX;
+  double dY;
+} VTSimPoint;
+
+/* Where the middles of the 64 dots of the calibration target fall on the full sensor, in the order of the geometric
+ * calibration file: columns from left to right, each from top to bottom. Dots that are missing are told too. *pnCount:
+ * in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room is too small. */
+VTSIM_API long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount);
+
 VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
 
 /* Copies the latest beeps, oldest first (the scanner remembers 256). *pnCount: in, the room; out, the number.

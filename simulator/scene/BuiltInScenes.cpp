@@ -3,6 +3,7 @@
 
 #include "scene/RollScenes.h"
 #include "scene/StagedScenes.h"
+#include "scene/TargetContent.h"
 
 namespace Simulator {
 namespace {
@@ -32,6 +33,7 @@ constexpr ClRow g_caRows[] = {
 };
 
 constexpr const char* g_caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
+constexpr char g_cszTarget[] = "target";
 
 /// Takes ":17" off the name and stores the number. Nothing else behind a colon is a seed.
 std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
@@ -74,6 +76,10 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
     oScanner.aFingers = StillFingers(sScene);
     bFound = true;
   }
+  if (sScene == g_cszTarget) {
+    oScanner.oTarget = PlainTarget(nSeed);
+    bFound = true;
+  }
   if (!bFound) return false;
   oScene = ClSceneDescription();
   oScene.nSeed = nSeed;
@@ -84,7 +90,7 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
 std::string BuiltInSceneNames() {
   std::string sNames;
   for (const char* szName : g_caszNames) sNames += std::string(szName) + ", ";
-  return sNames + StagedSceneNames() + ", " + RollSceneNames();
+  return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + g_cszTarget;
 }
 
 }  // namespace Simulator

@@ -22,11 +22,14 @@ constexpr double MmToPixel(double dMm) {
 ///
 /// oContact   255 where skin touches the glass, 0 where it doesn't, values between on the flanks of ridges.
 /// oCover     255 where skin is close to the glass, valleys included, 0 where there is none.
+/// bGoesOn    what lies on the edge goes on beyond it, where the sensor sees a little more of the glass.
 struct ClPlatenMap {
   TpPlane<uint8_t> oContact;
   TpPlane<uint8_t> oCover;
+  bool bGoesOn = false;
 
   void Clear() {
+    bGoesOn = false;
     if (oContact.Empty()) {
       oContact.Resize(g_cnPictureSide, g_cnPictureSide);
       oCover.Resize(g_cnPictureSide, g_cnPictureSide);

@@ -4,10 +4,12 @@
 #include "scene/DirtContent.h"
 #include "scene/FingerContent.h"
 #include "scene/Random.h"
+#include "scene/TargetContent.h"
 
 namespace Simulator {
 
 ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
+  if (oScanner.oTarget.bThere) m_aContent.push_back(std::make_unique<ClTargetContent>(oScanner.oTarget));
   for (const ClFingerDescription& oFinger : oScanner.aFingers)
     m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
   for (const ClDirtDescription& oDirt : oScanner.aDirt)

@@ -91,6 +91,21 @@ struct ClDirtDescription {
   double dUntil = g_cdNever;
 };
 
+/// The calibration target: a bright sheet with 8 by 8 dark dots, 10 mm apart. Dots are counted as in TargetDots.
+struct ClTargetDescription {
+  bool bThere = false;
+  uint64_t nSeed = 1;   ///< of light, dust and scratches
+  double dXMm = 40.64;  ///< its middle
+  double dYMm = 40.64;
+  double dAngle = 0.0;  ///< degrees, counter-clockwise
+  double dRadiusMm = 1.75;
+  double dUneven = 0.2;  ///< part of the light that the darkest corner lacks
+  unsigned nDust = 120;
+  unsigned nScratches = 6;
+  std::vector<unsigned> aMissing;
+  std::vector<unsigned> aDoubled;  ///< printed a second time, to the right
+};
+
 /// Room light at a moment; between moments it changes evenly.
 struct ClAmbientPoint {
   double dSeconds;
@@ -119,6 +134,7 @@ struct ClScannerDescription {
   double dNoise = 1.0;                   ///< factor on the sensor's noise
   std::vector<ClFingerDescription> aFingers;
   std::vector<ClDirtDescription> aDirt;
+  ClTargetDescription oTarget;
 };
 
 /// One entry of the fault script: calls that fail, or a scanner that comes or goes.

@@ -11,6 +11,7 @@
 
 #include "scene/BuiltInScenes.h"
 #include "scene/SimError.h"
+#include "scene/TargetContent.h"
 
 namespace Simulator {
 namespace {
@@ -259,6 +260,31 @@ ClDirtDescription ReadDirt(const Json& oJson, const std::string& sPlace) {
   return oDirt;
 }
 
+std::vector<unsigned> ReadDots(ClObject& o, const char* szKey) {
+  std::vector<unsigned> aDots;
+  o.Each(szKey, g_cnTargetDots, [&](const Json& oDot, const std::string& sWhere) {
+    if (!oDot.is_number_unsigned() || oDot.get<uint64_t>() >= g_cnTargetDots)
+      throw ClSimError(eBadValue, "scene: \"" + sWhere + "\" must be a dot from 0 to 63");
+    aDots.push_back(oDot.get<unsigned>());
+  });
+  return aDots;
+}
+
+ClTargetDescription ReadTarget(ClObject o) {
+  ClTargetDescription oTarget = PlainTarget(static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed)));
+  oTarget.dXMm = o.Number("x", oTarget.dXMm, -50.0, 130.0);
+  oTarget.dYMm = o.Number("y", oTarget.dYMm, -50.0, 130.0);
+  oTarget.dAngle = o.Number("angle", oTarget.dAngle, -180.0, 180.0);
+  oTarget.dRadiusMm = o.Number("radius", oTarget.dRadiusMm, 0.1, 5.0);
+  oTarget.dUneven = o.Number("uneven", oTarget.dUneven, 0.0, 1.0);
+  oTarget.nDust = static_cast<unsigned>(o.Whole("dust", oTarget.nDust, 0, 10000));
+  oTarget.nScratches = static_cast<unsigned>(o.Whole("scratches", oTarget.nScratches, 0, 1000));
+  oTarget.aMissing = ReadDots(o, "missing");
+  oTarget.aDoubled = ReadDots(o, "doubled");
+  o.Done();
+  return oTarget;
+}
+
 /// One level, or a list of moments.
 void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
   const Json* p = o.Find("ambient");
@@ -317,6 +343,7 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
   o.Each("dirt", g_cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
     oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
   });
+  if (const Json* p = o.Find("target")) oScanner.oTarget = ReadTarget(ClObject(*p, o.Place("target")));
   o.Done();
   return oScanner;
 }

@@ -11,6 +11,7 @@ void ClReflectance::Update(const ClPlatenMap& oMap) {
   constexpr int nBlocks = (g_cnPictureSide + nBlock - 1) / nBlock;
   if (m_oPicture.Empty()) m_oPicture.Resize(g_cnPictureSide, g_cnPictureSide);
   m_oOccupied.Resize(nBlocks, nBlocks, 0);
+  m_bGoesOn = oMap.bGoesOn;
   // Contact adds to the light of the skin what that leaves of full light.
   constexpr unsigned nValley = static_cast<unsigned>(g_cdValleyPart * 65536.0);
   for (int y = 0; y < g_cnPictureSide; ++y) {
@@ -37,6 +38,7 @@ void ClReflectance::Free() {
 }
 
 bool ClReflectance::Occupied(int nLeft, int nTop, int nRight, int nBottom) const noexcept {
+  if (m_bGoesOn) return true;
   if (m_oOccupied.Empty() || nRight < 0 || nBottom < 0) return false;
   const int nLastX = std::min(nRight / nBlock, m_oOccupied.Width() - 1);
   const int nLastY = std::min(nBottom / nBlock, m_oOccupied.Height() - 1);

@@ -20,6 +20,8 @@ class ClReflectance {
   void Free();
 
   const TpPlane<uint8_t>& Picture() const noexcept { return m_oPicture; }
+  /// Beyond its edge: dark, or as bright as on the edge.
+  bool GoesOn() const noexcept { return m_bGoesOn; }
 
   /// Whether anything lies in the rectangle of pixels [nLeft, nRight] x [nTop, nBottom], which may reach
   /// beyond the picture. May say yes for a bare place near skin, never no for skin.
@@ -28,6 +30,7 @@ class ClReflectance {
  private:
   TpPlane<uint8_t> m_oPicture;
   TpPlane<uint8_t> m_oOccupied;
+  bool m_bGoesOn = false;
 };
 
 }  // namespace Simulator

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "scene/Random.h"
+#include "scene/TargetContent.h"
 #include "sensor/Light.h"
 
 namespace Simulator {
@@ -71,6 +72,7 @@ ClSensor::ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed)
 
 void ClSensor::SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed) {
   m_oScene = ClPlatenScene(oScanner);
+  m_oTarget = oScanner.oTarget;
   m_nNoiseSeed = Mix(m_nDeviceSeed, nSceneSeed);
   m_aAmbient = oScanner.aAmbient;
   if (m_aAmbient.empty()) m_aAmbient.push_back({0.0, oScanner.dAmbient});
@@ -229,6 +231,14 @@ void ClSensor::GroundTruth(double dSeconds, uint8_t* pPicture, uint8_t* pCover) 
   oMap.Clear();
   m_oScene.Draw(dSeconds, oMap);
   CopyTruth(oMap, pPicture, pCover);
+}
+
+std::vector<ClPoint> ClSensor::TargetDots() const {
+  std::vector<ClPoint> aDots;
+  if (!m_oTarget.bThere) return aDots;
+  for (const ClPlaceMm& oPlace : Simulator::TargetDots(m_oTarget))
+    aDots.push_back(m_oOptics.PictureToSensor(MmToPixel(oPlace.dX), MmToPixel(oPlace.dY)));
+  return aDots;
 }
 
 void ClSensor::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover) {

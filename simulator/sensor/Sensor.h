@@ -64,6 +64,10 @@ class ClSensor {
   /// Gives back all memory of frames; the next frame takes it anew.
   void Free();
 
+  /// Where the dots of the target fall on the full sensor, in the order of the geometric calibration file; none without
+  /// a target.
+  std::vector<ClPoint> TargetDots() const;
+
   const ClOptics& Optics() const noexcept { return m_oOptics; }
   /// A calibration file by name; null when the scanner has none of that name.
   const ByteBlock* EpromFile(const std::string& sName) const;
@@ -103,6 +107,7 @@ class ClSensor {
   std::array<double, 4> m_adTap;
 
   ClPlatenScene m_oScene;
+  ClTargetDescription m_oTarget;
   bool m_bUsbPowered = false;
   unsigned m_nNominalExposure = 0;
   std::array<unsigned, 3> m_anNominalGain{};

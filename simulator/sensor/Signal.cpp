@@ -86,7 +86,7 @@ void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& 
         const ClNode oLeft = Between(m_aAbove[i], m_aBelow[i], fRow);
         const ClNode oRight = Between(m_aAbove[i + 1], m_aBelow[i + 1], fRow);
         for (int u = 0; u < nAcross; ++u)
-          Collect(oReflectance.Picture(), oLeft, oRight, (u + 0.5) / nAcross, nCount, m_aSum.data());
+          Collect(oReflectance, oLeft, oRight, (u + 0.5) / nAcross, nCount, m_aSum.data());
       }
     }
     float fLight = oFirst.fLight;
@@ -99,7 +99,7 @@ void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& 
 }
 
 /// Adds one bilinear sample, in 1/256 steps, for each pixel of a run; dOffset is its place across the pixel.
-void ClSignal::Collect(const TpPlane<uint8_t>& oPicture, const ClNode& oFirst, const ClNode& oLast,
+void ClSignal::Collect(const ClReflectance& oReflectance, const ClNode& oFirst, const ClNode& oLast,
                        double dOffset, int nCount, uint32_t* pSum) const noexcept {
   const double dStepX = (static_cast<double>(oLast.fX) - oFirst.fX) / m_cnRun;
   const double dStepY = (static_cast<double>(oLast.fY) - oFirst.fY) / m_cnRun;
@@ -108,10 +108,14 @@ void ClSignal::Collect(const TpPlane<uint8_t>& oPicture, const ClNode& oFirst, c
   const int nStepX = static_cast<int>(std::floor(dStepX * 65536.0 + 0.5));
   const int nStepY = static_cast<int>(std::floor(dStepY * 65536.0 + 0.5));
   const unsigned nLimit = static_cast<unsigned>(g_cnPictureSide - 1);
-  const uint8_t* pPicture = oPicture.Data();
+  const uint8_t* pPicture = oReflectance.Picture().Data();
   for (int k = 0; k < nCount; ++k, nX += nStepX, nY += nStepY) {
-    const int nColumn = nX >> 16, nRow = nY >> 16;
-    if (static_cast<unsigned>(nColumn) >= nLimit || static_cast<unsigned>(nRow) >= nLimit) continue;
+    int nColumn = nX >> 16, nRow = nY >> 16;
+    if (static_cast<unsigned>(nColumn) >= nLimit || static_cast<unsigned>(nRow) >= nLimit) {
+      if (!oReflectance.GoesOn()) continue;
+      nColumn = std::clamp(nColumn, 0, g_cnPictureSide - 2);
+      nRow = std::clamp(nRow, 0, g_cnPictureSide - 2);
+    }
     const uint8_t* p = pPicture + static_cast<size_t>(nRow) * g_cnPictureSide + static_cast<size_t>(nColumn);
     const unsigned nA = (static_cast<unsigned>(nX) >> 8) & 255u, nB = (static_cast<unsigned>(nY) >> 8) & 255u;
     const unsigned nTop = p[0] * (256u - nA) + p[1] * nA;

@@ -38,7 +38,7 @@ class ClSignal {
   void LookThrough(const ClOptics& oOptics, const ClSensorMode& oMode, int nRow,
                    std::vector<ClNode>& aNodes) const;
   void RenderRow(const ClReflectance& oReflectance, const ClSensorMode& oMode, int nRow);
-  void Collect(const TpPlane<uint8_t>& oPicture, const ClNode& oFirst, const ClNode& oLast, double dOffset,
+  void Collect(const ClReflectance& oReflectance, const ClNode& oFirst, const ClNode& oLast, double dOffset,
                int nCount, uint32_t* pSum) const noexcept;
 
   TpPlane<uint16_t> m_oSignal;
