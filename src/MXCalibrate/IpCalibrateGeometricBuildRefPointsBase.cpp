@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "MXCalibrate/RefPointsLog.h"
+#include "MXCalibrate/RefPointsOwnedGrid.h"
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpSplitPlanes.h"
@@ -14,8 +15,6 @@
 
 namespace {
 
-constexpr double cdMillimetresPerInch = 25.4;
-constexpr double cdInchesPerMetre = 39.37;
 /// What a window of the binariser has beyond one pitch, so that it always holds the ground between two dots.
 constexpr double cdWindowPitches = 1.1;
 
@@ -24,19 +23,9 @@ void CheckResult(long nResult) {
 }
 
 uint32_t PelsPerMetre(double dDpi) {
-  return Klv::ClampNumber<uint32_t>(dDpi / cdMillimetresPerInch * 1000);
+  return Klv::ClampNumber<uint32_t>(dDpi / ClIpCalibrateGeometricBuildRefPointsBase::cdMillimetresPerInch *
+                                    1000);
 }
-
-/// Frees the dots of one plane's search, whatever ends it.
-class ClOwnedGrid {
- public:
-  ClOwnedGrid() = default;
-  ~ClOwnedGrid() { ClIpCalibrateGeometricBuildRefPointsBase::DeleteDots(m_aDots); }
-  ClOwnedGrid(const ClOwnedGrid&) = delete;
-  ClOwnedGrid& operator=(const ClOwnedGrid&) = delete;
-
-  ClIpCalibrateGeometricBuildRefPointsBase::Grid m_aDots;
-};
 
 }  // namespace
 
@@ -98,12 +87,12 @@ void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& oImage, Gri
   // Dots come out as 0, which is what makes an object.
   oBinarize.m_nBlack = m_bInvert ? 255 : 0;
   oBinarize.m_nWhite = m_bInvert ? 0 : 255;
-  const long nOffset = static_cast<long>(m_dThresholdOffset);
+  const long nOffset = Klv::ClampNumber<long>(m_dThresholdOffset);
   ClImage oBinary;
   CheckResult(oBinarize.ApplyParam(
       oImage, oBinary,
-      static_cast<long>(m_dSourceDpiX * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
-      static_cast<long>(m_dSourceDpiY * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
+      Klv::ClampNumber<long>(m_dSourceDpiX * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
+      Klv::ClampNumber<long>(m_dSourceDpiY * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
       m_bInvert ? -nOffset : nOffset));
   ClImage oInverted;
   if (m_bInvert) CheckResult(ClIpInvert().ApplyParam(oImage, oInverted));
@@ -184,11 +173,13 @@ double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(const Spline& oS
 }
 
 ClVector ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray(const Points& aArray) const {
+  const ClRefPointsLog oLog("GetCentreOfVectorArray");
   ClVector vSum;
   for (unsigned int n = 0; n < aArray.Entries(); ++n) vSum = vSum + aArray[n];
-  return aArray.Entries() == 0 ? vSum : vSum * (1.0 / aArray.Entries());
+  return aArray.Entries() == 0 ? vSum : Divided(vSum, aArray.Entries());
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::MoveArray(Points& aArray, const ClVector& vShift) const {
+  const ClRefPointsLog oLog("MoveArray");
   for (unsigned int n = 0; n < aArray.Entries(); ++n) aArray[n] = aArray[n] + vShift;
 }

@@ -28,6 +28,9 @@ class TpThinPlateSplines;
 /// Cost       dominated by binarising and labelling; the grid is quadratic in the number of dots.
 class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
  public:
+  static constexpr double cdMillimetresPerInch = 25.4;
+  static constexpr double cdInchesPerMetre = 39.37;
+
   class ClDot;
   using Grid = TpArrayDynamic<ClDot*, 10u>;
   using Points = TpArrayDynamic<ClVector, 10u>;
@@ -141,8 +144,10 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   int m_nTargetHeight = 0;
 
  protected:
-  double PitchX() const { return m_dSourceDpiX / 25.4 * m_dGridPitch; }
-  double PitchY() const { return m_dSourceDpiY / 25.4 * m_dGridPitch; }
+  double PitchX() const { return m_dSourceDpiX / cdMillimetresPerInch * m_dGridPitch; }
+  double PitchY() const { return m_dSourceDpiY / cdMillimetresPerInch * m_dGridPitch; }
+  /// Both co-ordinates by a count or weight; multiplying by its reciprocal would round twice.
+  static ClVector Divided(const ClVector& v, double dBy) { return ClVector(v.x / dBy, v.y / dBy); }
 
  private:
   void LinkNeighbours(const Grid& aGrid);

@@ -5,13 +5,13 @@
 #include "MXCalibrate/IpCalibrateBase.h"
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "MXCalibrate/RefPointsLog.h"
+#include "MXTools/NumericFormat.h"
 
 namespace {
 
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 
 constexpr double cdPi = 3.14159265358979323846;
-constexpr double cdMillimetresPerInch = 25.4;
 /// Points nearer than this are one.
 constexpr double cdSamePoint = 1.5;
 /// What a dot's radius may differ by, in millimetres.
@@ -63,13 +63,14 @@ void ClBase::RemoveSmallPoints(Points& aIn, Points& aOut) const {
       ++nCount;
       aIn[n].x = -1;
     }
-    if (nCount > dArea - dTolerance && nCount < dArea + dTolerance) aOut.Add(vSum * (1.0 / nCount));
+    if (nCount > dArea - dTolerance && nCount < dArea + dTolerance) aOut.Add(Divided(vSum, nCount));
   }
 }
 
 void ClBase::CheckDot(const ClImage& oImage, long nX, long nY, long nThreshold, ClVector& vOut) const {
-  const long nReachX = static_cast<long>(m_dSourceDpiX / cdMillimetresPerInch * m_dDotRadius);
-  const long nReachY = static_cast<long>(m_dSourceDpiY / cdMillimetresPerInch * m_dDotRadius);
+  const ClRefPointsLog oLog("CheckDot");
+  const long nReachX = Klv::ClampNumber<long>(m_dSourceDpiX / cdMillimetresPerInch * m_dDotRadius);
+  const long nReachY = Klv::ClampNumber<long>(m_dSourceDpiY / cdMillimetresPerInch * m_dDotRadius);
   const long nLastX = std::min<long>(nX + nReachX, oImage.Width() - 1);
   const long nLastY = std::min<long>(nY + nReachY, oImage.Height() - 1);
   ClVector vSum;
@@ -82,10 +83,11 @@ void ClBase::CheckDot(const ClImage& oImage, long nX, long nY, long nThreshold, 
       dWeights += dWeight;
     }
   }
-  vOut = dWeights > 0 ? vSum * (1 / dWeights) : ClVector(static_cast<double>(nX), static_cast<double>(nY));
+  vOut = dWeights > 0 ? Divided(vSum, dWeights) : ClVector(static_cast<double>(nX), static_cast<double>(nY));
 }
 
 void ClBase::GridToDebugImage(const Grid& aGrid, ClImage& oImage) const {
+  const ClRefPointsLog oLog("GridToDebugImage");
   if (oImage.Data() == nullptr) return;
   oImage = static_cast<unsigned char>(0);
   if (oImage.ElementSize() != 1) return;
@@ -103,5 +105,6 @@ void ClBase::GridToDebugImage(const Grid& aGrid, ClImage& oImage) const {
 }
 
 void ClBase::StoreDebug(ClImage* pImage, const char* szTag, const char* szDirectory) const {
+  const ClRefPointsLog oLog("StoreDebug");
   StDebugStore::StoreDebug(pImage, szTag, szDirectory);
 }

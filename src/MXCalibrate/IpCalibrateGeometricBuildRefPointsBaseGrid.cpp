@@ -98,10 +98,12 @@ void ClBase::LinkNeighbours(const Grid& aGrid) {
 }
 
 void ClBase::SortX(Grid& aGrid) {
+  const ClRefPointsLog oLog("SortX");
   std::sort(aGrid.Data(), aGrid.Data() + aGrid.Entries(), CmpDotX);
 }
 
 void ClBase::SortY(Grid& aGrid, unsigned int nFirst, unsigned int nEnd) {
+  const ClRefPointsLog oLog("SortY");
   std::sort(aGrid.Data() + nFirst, aGrid.Data() + nEnd, CmpDotY);
 }
 
@@ -134,6 +136,7 @@ void ClBase::SortXY(Grid& aGrid) {
 }
 
 void ClBase::RemoveGridPoint(Grid& aGrid, unsigned int nIndex) {
+  const ClRefPointsLog oLog("RemoveGridPoint");
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) aGrid[n]->Remove(aGrid[nIndex]);
   aGrid[nIndex]->bValid = false;
 }
@@ -161,23 +164,20 @@ void ClBase::ReduceToFittingNeighbours(Grid& aGrid) {
   for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
     ClDot& oDot = *aGrid[nDot];
     // Removal shifts the list that is walked.
-    Grid aNeighbours;
-    aNeighbours.CopyFrom(oDot.aNeighbours);
-    std::vector<long> aOfNeighbour(aNeighbours.Entries());
-    for (size_t n = 0; n < aOfNeighbour.size(); ++n)
-      aOfNeighbour[n] = oDot.GetNeighbourDirection(static_cast<long>(n));
+    const ClDot oBefore(oDot);
     ClDot* aHolders[8] = {};
     double aDistances[8] = {};
-    for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
-      const long nDirection = aOfNeighbour[n];
-      const ClVector vWay = aNeighbours[n]->vPosition - oDot.vPosition;
+    for (unsigned int n = 0; n < oBefore.aNeighbours.Entries(); ++n) {
+      ClDot* const pNeighbour = oBefore.aNeighbours[n];
+      const long nDirection = oBefore.GetNeighbourDirection(static_cast<long>(n));
+      const ClVector vWay = pNeighbour->vPosition - oDot.vPosition;
       const double dDistance = (vWay - aExpected[nDirection]).Length();
       if (aHolders[nDirection] != nullptr && !(dDistance < aDistances[nDirection])) {
-        oDot.Remove(aNeighbours[n]);
+        oDot.Remove(pNeighbour);
         continue;
       }
       if (aHolders[nDirection] != nullptr) oDot.Remove(aHolders[nDirection]);
-      aHolders[nDirection] = aNeighbours[n];
+      aHolders[nDirection] = pNeighbour;
       aDistances[nDirection] = dDistance;
     }
   }
@@ -229,6 +229,7 @@ void ClBase::GridRemoveBadPoints(Grid& aGrid) {
 }
 
 ClVector ClBase::GetCentreOfGrid(const Grid& aGrid) const {
+  const ClRefPointsLog oLog("GetCentreOfGrid");
   ClVector vSum;
   unsigned int nCount = 0;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
@@ -236,10 +237,11 @@ ClVector ClBase::GetCentreOfGrid(const Grid& aGrid) const {
     vSum = vSum + aGrid[n]->vPosition;
     ++nCount;
   }
-  return nCount == 0 ? vSum : vSum * (1.0 / nCount);
+  return nCount == 0 ? vSum : Divided(vSum, nCount);
 }
 
 ClDot* ClBase::GetBottumLeftDot(const Grid& aGrid) const {
+  const ClRefPointsLog oLog("GetBottumLeftDot");
   ClDot* pNearest = nullptr;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
     if (!aGrid[n]->bValid) continue;
@@ -251,6 +253,7 @@ ClDot* ClBase::GetBottumLeftDot(const Grid& aGrid) const {
 }
 
 double ClBase::GetMedian(double* pValues, long nCount) {
+  const ClRefPointsLog oLog("GetMedian");
   if (nCount <= 0) return 0;
   std::sort(pValues, pValues + nCount);
   return pValues[nCount / 2];

@@ -1,9 +1,11 @@
 // Stored grids: whether they can be a scanner's.
+#include <algorithm>
 #include <cmath>
-#include <memory>
+#include <vector>
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "MXCalibrate/RefPointsLog.h"
+#include "MXCalibrate/RefPointsOwnedGrid.h"
 #include "MXTools/Exception.h"
 
 namespace {
@@ -11,7 +13,6 @@ namespace {
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 using ClDot = ClBase::ClDot;
 
-constexpr double cdInchesPerMetre = 39.37;
 constexpr double cdMostOffTarget = 10.0;
 /// Part of the mean distance by which a distance may differ.
 constexpr double cdMostOffMean = 0.3;
@@ -26,27 +27,16 @@ constexpr double cdMostOffMean = 0.3;
   KLV_RAISE(ClException, "Source data is corrupt", -39);
 }
 
-/// Mean distance of neighbours along one axis, and the test of single ones against it.
-class ClSpacing {
- public:
-  void Add(double dDistance) {
-    m_dSum += std::fabs(dDistance);
-    ++m_nCount;
-  }
-  /// The sign counts: a grid that runs the other way is none. False for NaN.
-  bool Fits(double dDistance) const {
-    const double dMean = m_dSum / m_nCount;
-    return dDistance >= dMean - cdMostOffMean * dMean && dDistance <= dMean + cdMostOffMean * dMean;
-  }
-
- private:
-  double m_dSum = 0;
-  int m_nCount = 0;
-};
-
-struct StFreeDots {
-  void operator()(ClBase::Grid* pGrid) const { ClBase::DeleteDots(*pGrid); }
-};
+/// True when each distance is the mean of all, give or take a part of it. The sign counts: a grid that runs the other way
+/// is none. False for NaN.
+bool AreEven(const std::vector<double>& aDistances) {
+  double dSum = 0;
+  for (const double d : aDistances) dSum += std::fabs(d);
+  const double dMean = dSum / static_cast<double>(aDistances.size());
+  return std::all_of(aDistances.begin(), aDistances.end(), [dMean](double d) {
+    return d >= dMean - cdMostOffMean * dMean && d <= dMean + cdMostOffMean * dMean;
+  });
+}
 
 }  // namespace
 
@@ -74,6 +64,7 @@ void ClBase::ArrayToGrid(Points& aActual, Points& aTarget, Grid& aGrid) {
 }
 
 ClDot* ClBase::RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const {
+  const ClRefPointsLog oLog("RetrieveDot");
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
     if (aGrid[n]->vGrid.x == nColumn && aGrid[n]->vGrid.y == nRow) return aGrid[n];
   }
@@ -96,28 +87,18 @@ void ClBase::ValidateTargetPoints(ClCalibrateGeometricData& oData) {
 void ClBase::ValidateCalibrationData(ClCalibrateGeometricData& oData) {
   const ClRefPointsLog oLog("ValidateCalibrationData");
   ValidateTargetPoints(oData);
-  Grid aGrid;
-  const std::unique_ptr<Grid, StFreeDots> pFree(&aGrid);
-  ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, aGrid);
-  // The vertical distance to the dot below and the horizontal one to the dot on the right, where there are
-  // such.
-  const auto ForDistances = [&](const auto& fnDown, const auto& fnRight) {
-    for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-      const int nColumn = static_cast<int>(aGrid[n]->vGrid.x);
-      const int nRow = static_cast<int>(aGrid[n]->vGrid.y);
-      const ClDot* pBelow = RetrieveDot(aGrid, nColumn, nRow + 1);
-      if (pBelow != nullptr) fnDown(pBelow->vPosition.y - aGrid[n]->vPosition.y);
-      const ClDot* pRight = RetrieveDot(aGrid, nColumn + 1, nRow);
-      if (pRight != nullptr) fnRight(pRight->vPosition.x - aGrid[n]->vPosition.x);
-    }
-  };
-  ClSpacing oDown;
-  ClSpacing oRight;
-  ForDistances([&](double d) { oDown.Add(d); }, [&](double d) { oRight.Add(d); });
-  const auto Check = [](const ClSpacing& oSpacing) {
-    return [&oSpacing](double d) {
-      if (!oSpacing.Fits(d)) RaiseSource();
-    };
-  };
-  ForDistances(Check(oDown), Check(oRight));
+  ClOwnedGrid oGrid;
+  const Grid& aGrid = oGrid.m_aDots;
+  ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, oGrid.m_aDots);
+  std::vector<double> aDown;
+  std::vector<double> aRight;
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
+    const int nColumn = static_cast<int>(aGrid[n]->vGrid.x);
+    const int nRow = static_cast<int>(aGrid[n]->vGrid.y);
+    const ClDot* pBelow = RetrieveDot(aGrid, nColumn, nRow + 1);
+    if (pBelow != nullptr) aDown.push_back(pBelow->vPosition.y - aGrid[n]->vPosition.y);
+    const ClDot* pRight = RetrieveDot(aGrid, nColumn + 1, nRow);
+    if (pRight != nullptr) aRight.push_back(pRight->vPosition.x - aGrid[n]->vPosition.x);
+  }
+  if (!AreEven(aDown) || !AreEven(aRight)) RaiseSource();
 }

@@ -13,7 +13,6 @@ namespace {
 
 using ClDonut = ClIpCalibrateGeometricBuildRefPointsVT40Donut;
 
-constexpr double cdMillimetresPerInch = 25.4;
 constexpr double cdDegreesPerRadian = 57.29577951308232;
 constexpr int cnRows = 8;
 
@@ -76,12 +75,12 @@ void ClDonut::BuildTargetPoints(Points& aOut, double dDpiX, double dDpiY, double
 }
 
 void ClDonut::MoveTarget(Points& aTarget, Points& /*aOther*/) {
-  MoveArray(aTarget, ClVector(m_dTargetDpiX, m_dTargetDpiY) * (m_dGridPitch / cdMillimetresPerInch));
+  MoveArray(aTarget, ClVector(m_dTargetDpiX / cdMillimetresPerInch * m_dGridPitch,
+                              m_dTargetDpiY / cdMillimetresPerInch * m_dGridPitch));
 }
 
 void ClDonut::GridToArray(Grid& aGrid, Points& aActual) {
   const ClRefPointsLog oLog("GridToArray");
-  SortXY(aGrid);
   const unsigned int nFound = PickDots(aGrid, aActual);
   LogGrid(aGrid);
   if (nFound != cnColumns * cnRows) KLV_RAISE(ClException, "Not the expected dot count found.", -600);
@@ -96,6 +95,7 @@ unsigned int ClDonut::PickDots(Grid& aGrid, Points& aActual) {
   const ClVector vShift = GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aIdeal);
   const double dToleranceX = PitchX() * m_dNeighbourTolerance;
   const double dToleranceY = PitchY() * m_dNeighbourTolerance;
+  SortXY(aGrid);
   aActual.SetEntries(aGrid.Entries());
   m_aDotIndex.SetEntries(aGrid.Entries());
   m_nDotCount = static_cast<int32_t>(aGrid.Entries());

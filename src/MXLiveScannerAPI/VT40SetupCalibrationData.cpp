@@ -58,10 +58,6 @@ ClVT40SetupCalibrationData::ClVT40SetupCalibrationData(const char* szSerial, boo
   }
 }
 
-void ClVT40SetupCalibrationData::CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
-
 void ClVT40SetupCalibrationData::FillTables() {
   if (m_nScannerRevision > cnNewestRevision) KLV_RAISE(ClException, "Scanner revision not supported.", -103);
   if (m_nScannerRevision == 0) {

@@ -74,8 +74,6 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   static constexpr int cnWorkWidth = 2560;
   static constexpr int cnWorkHeight = 2720;
 
-  /// Raises a processor's number unless it is 0.
-  static void CheckResult(long nResult);
   static void Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut);
   void FillTables();
   void CheckPoints(const ClCalibrateGeometricData& oData) const;

@@ -62,7 +62,7 @@ void ClVT40SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned
     RaiseInvalid();
   }
   CheckPoints(oData);
-  // Scanners of the first revision came with grids of other shapes.
+  // Scanners of the first revision are not held to the target's grid.
   if (m_nScannerRevision != 0) ClIpCalibrateGeometricBuildRefPointsVT40Donut().ValidateCalibrationData(oData);
   RepairPoints(oData.m_aActual[0]);
   m_GeoFull = oData;

@@ -2,7 +2,9 @@
 #include "MXLiveScannerAPI/VT4SetupCalibrationData.h"
 
 #include <cstring>
+#include <vector>
 
+#include "MXCalibrate/CalibrateBlock.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXTools/Bitmap.h"
 #include "MXTools/Exception.h"
@@ -16,16 +18,6 @@ constexpr int cnHalvedWidth = 620;
 constexpr int cnMiniWidth = 360;
 constexpr int cnMiniHeight = 256;
 constexpr long cnProfileFilterWidth = 15;
-
-void CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
-
-uint32_t LittleEndian32(const unsigned char* pBytes) {
-  uint32_t nValue = 0;
-  for (int n = 3; n >= 0; --n) nValue = nValue << 8 | pBytes[n];
-  return nValue;
-}
 
 /// A centre near the border leaves the frame to the left or above: the difference is negative, and ClIpCut
 /// judges it.
@@ -62,9 +54,10 @@ void ClVT4SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned 
   if (pData == nullptr || nSize != cnBlockSize) {
     KLV_RAISE(ClException, "Wrong size of geometric calibration data.", -101);
   }
-  const unsigned char* pBytes = static_cast<const unsigned char*>(pData);
-  m_nCentreX = LittleEndian32(pBytes + 4);
-  m_nCentreY = LittleEndian32(pBytes + 8);
+  const uint8_t* pBytes = static_cast<const uint8_t*>(pData);
+  const std::vector<uint8_t> aBlock(pBytes, pBytes + cnBlockSize);
+  m_nCentreX = static_cast<uint32_t>(LittleEndian(aBlock, 4, 4));
+  m_nCentreY = static_cast<uint32_t>(LittleEndian(aBlock, 8, 4));
   ClImage oProfile(cnHalvedWidth, static_cast<int>(cnWindowHeight), 1, 0, 0);
   for (int nY = 0; nY < oProfile.Height(); ++nY) {
     std::memset(oProfile.Row<uint8_t>(nY), Profile(nY), static_cast<size_t>(oProfile.Width()));

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
@@ -27,8 +26,8 @@ ClVTSetupCalibrationDataBase* ClVTSetupCalibrationDataBase::GetSetupObject(const
   if (UpperCase(szSerial[0]) != 'V' || UpperCase(szSerial[1]) != 'T' || szSerial[2] != '4') {
     KLV_RAISE(ClException, "serial number has unknown format", -44);
   }
-  if (szSerial[3] == '0') return std::make_unique<ClVT40SetupCalibrationData>(szSerial, false).release();
-  return std::make_unique<ClVT4SetupCalibrationData>(szSerial).release();
+  if (szSerial[3] == '0') return new ClVT40SetupCalibrationData(szSerial, false);
+  return new ClVT4SetupCalibrationData(szSerial);
 }
 
 unsigned int ClVTSetupCalibrationDataBase::ReadScannerRevision(const char* szLetters) {
@@ -69,6 +68,10 @@ void ClVTSetupCalibrationDataBase::ResetGeo() {
   m_GeoPreview.Clear();
   m_GeoQuarter.Clear();
   m_aGeoRaw.New(0);
+}
+
+void ClVTSetupCalibrationDataBase::CheckResult(long nResult) {
+  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
 }
 
 void ClVTSetupCalibrationDataBase::CopyBlock(const void* pData, unsigned int nSize,

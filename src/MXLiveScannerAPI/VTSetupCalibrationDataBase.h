@@ -56,7 +56,10 @@ class ClVTSetupCalibrationDataBase {
   unsigned int GetScannerType() const { return m_nScannerType; }
   unsigned int GetScannerRevision() const { return m_nScannerRevision; }
   /// nIndex 0 or 1: two that may run at the same time.
-  ClIpLiveScannerMask* GetMaskProcessor(unsigned int nIndex) const { return m_aMask[nIndex]; }
+  /// NULL for a model that has none.
+  ClIpLiveScannerMask* GetMaskProcessor(unsigned int nIndex) const {
+    return nIndex < m_aMask.Entries() ? m_aMask[nIndex] : nullptr;
+  }
   void ResetGeo();
 
  protected:
@@ -64,6 +67,8 @@ class ClVTSetupCalibrationDataBase {
 
   /// The text from nOffset on; the empty text when it is shorter than that. Errors: -44 for NULL.
   static const char* Behind(const char* szSerial, size_t nOffset);
+  /// Raises a processor's number unless it is 0.
+  static void CheckResult(long nResult);
   static void CopyBlock(const void* pData, unsigned int nSize, TpArrayStatic<char>& aBlock);
   static void StoreBlock(const char* szDirectory, const char* szName, const TpArrayStatic<char>& aBlock);
 

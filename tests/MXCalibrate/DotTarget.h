@@ -24,7 +24,6 @@ struct ClDotTarget {
   int nScratches = 0;
   int nNoise = 0;    ///< half the width of a triangular distribution, grey levels
   double dFall = 0;  ///< part of the light that is lost at the corners
-  int nMissing = -1;
   /// Whole dots beside those of the grid, in mm from the target's middle.
   std::vector<ClVector> aStrays;
   uint32_t nSeed = 1;
@@ -69,9 +68,7 @@ struct ClDotTarget {
   void Draw(ClImage& oImage) const {
     oImage.NewWithType(ClImage::eUint8, cnWidth, cnHeight, 1, 41417, 30236, true);
     std::vector<float> aDark(static_cast<size_t>(cnWidth) * cnHeight, 0.0F);
-    for (int n = 0; n < 64; ++n) {
-      if (n != nMissing) AddDot(aDark, Place(n));
-    }
+    for (int n = 0; n < 64; ++n) AddDot(aDark, Place(n));
     for (const ClVector& v : aStrays) AddDot(aDark, v);
     std::mt19937 oRandom(nSeed + 1000);
     for (int n = 0; n < nDust; ++n) {
