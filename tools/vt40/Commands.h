@@ -29,10 +29,18 @@ struct StRollOptions {
   StRollOptions() { oCapture.sMode = "roll"; }
 };
 
+struct StCalibrateOptions {
+  std::string sFromFile;        ///< a raw picture; empty: the scanner takes one
+  std::string sFolder = "out";  ///< for record and pictures
+  bool bCheck = false;          ///< judge stored data instead
+  std::string sCheckFolder;     ///< of the stored data; empty: the scanner's
+};
+
 int RunList(const StCommonOptions& oCommon);
 int RunInfo(const StCommonOptions& oCommon);
 int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions);
 int RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions);
+int RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions);
 int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
 int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
 int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);

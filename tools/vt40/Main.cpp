@@ -18,6 +18,7 @@ struct StCommandLine {
   StCommonOptions oCommon;
   StCaptureOptions oCapture;
   StRollOptions oRoll;
+  StCalibrateOptions oCalibrate;
   std::string sPropertyName;
   std::string sPropertyValue;
   unsigned int nLedIndex = 0;
@@ -94,6 +95,28 @@ void AddRoll(CLI::App& oApp, StCommandLine& oLine) {
   AddTimeout(*pRoll, oRoll.oCapture, "Seconds to wait for the end of the roll");
 }
 
+void AddCalibrate(CLI::App& oApp, StCommandLine& oLine) {
+  StCalibrateOptions& oCalibrate = oLine.oCalibrate;
+  CLI::App* pCalibrate = AddCommand(oApp, oLine, "calibrate",
+                                    "Make calibration data from the dot target, or judge what is stored",
+                                    [&oLine] { return RunCalibrate(oLine.oCommon, oLine.oCalibrate); });
+  CLI::Option* pFrom =
+      pCalibrate->add_option("--from", oCalibrate.sFromFile, "PNG of the target, raw, 3840 x 2720 pixels");
+  pCalibrate->add_option("--out", oCalibrate.sFolder, "Folder for geometric.calibrate and the pictures")
+      ->capture_default_str();
+  pCalibrate
+      ->add_option_function<std::string>(
+          "--check",
+          [&oCalibrate](const std::string& sFolder) {
+            oCalibrate.bCheck = true;
+            oCalibrate.sCheckFolder = sFolder;
+          },
+          "Judge the data in a folder, or that of the scanner")
+      ->type_name("[FOLDER]")
+      ->expected(0, 1)
+      ->excludes(pFrom);
+}
+
 void AddProperty(CLI::App& oApp, StCommandLine& oLine) {
   CLI::App* pProperty = oApp.add_subcommand("property", "Read or set a property");
   pProperty->require_subcommand(1);
@@ -127,6 +150,7 @@ int RunTool(int nArguments, char** ppArguments) {
   AddQueries(oApp, oLine);
   AddCapture(oApp, oLine);
   AddRoll(oApp, oLine);
+  AddCalibrate(oApp, oLine);
   AddProperty(oApp, oLine);
   AddSignals(oApp, oLine);
   try {

@@ -17,8 +17,10 @@ struct ClPicture {
   }
 };
 
-/// Each writes the picture with its resolution. Errors: ClToolError eExitFile.
+/// The Write functions write the picture with its resolution. Errors: ClToolError eExitFile.
 void WritePng(const ClPicture& oPicture, const std::string& sFile);
+/// The grey values of a PNG file; colours become grey. Errors: ClToolError eExitFile.
+ClPicture ReadPng(const std::string& sFile);
 void WriteBmp(const ClPicture& oPicture, const std::string& sFile);
 void WriteKif(const ClPicture& oPicture, const std::string& sFile);
 

@@ -46,3 +46,22 @@ void WritePng(const ClPicture& oPicture, const std::string& sFile) {
   png_write_end(oWriter.pPng, oWriter.pInfo);
   WriteFile(aBytes, sFile);
 }
+
+ClPicture ReadPng(const std::string& sFile) {
+  png_image oImage = {};
+  oImage.version = PNG_IMAGE_VERSION;
+  const auto Check = [&](int nGood) {
+    if (nGood != 0) return;
+    const std::string sReason = oImage.message;
+    png_image_free(&oImage);
+    throw ClToolError(eExitFile, sFile + ": " + sReason);
+  };
+  Check(png_image_begin_read_from_file(&oImage, sFile.c_str()));
+  oImage.format = PNG_FORMAT_GRAY;
+  ClPicture oPicture;
+  oPicture.nWidth = oImage.width;
+  oPicture.nHeight = oImage.height;
+  oPicture.aPixels.resize(static_cast<size_t>(oImage.width) * oImage.height);
+  Check(png_image_finish_read(&oImage, nullptr, oPicture.aPixels.data(), 0, nullptr));
+  return oPicture;
+}

@@ -8,8 +8,6 @@
 #include "Scene.h"
 #include "ToolError.h"
 
-namespace {
-
 EExitCode ExitCodeOf(long nError) {
   switch (nError) {
     case KLV_ERROR_FILE_OPEN_FAIL:
@@ -22,6 +20,8 @@ EExitCode ExitCodeOf(long nError) {
       return eExitUsage;
   }
 }
+
+namespace {
 
 std::string Describe(const std::string& sWhat, long nError) {
   return sWhat + ": " + LS_VT40GetErrorDescriptionA(nError) + " (" + std::to_string(nError) + ")";
@@ -130,16 +130,19 @@ std::vector<std::string> ClLibrary::Serials() const {
   return ListSerials();
 }
 
-ClScanner::ClScanner(const ClLibrary& oLibrary, const std::string& sSerial) : m_sSerial(sSerial) {
-  if (m_sSerial.empty()) {
-    const std::vector<std::string> aSerials = oLibrary.Serials();
-    if (aSerials.empty()) throw ClToolError(eExitNoScanner, "no scanner is connected");
-    if (aSerials.size() > 1) {
-      throw ClToolError(eExitUsage, std::to_string(aSerials.size()) +
-                                        " scanners are connected; name one with --serial (see vt40 list)");
-    }
-    m_sSerial = aSerials.front();
+std::string ClLibrary::ChooseSerial(const std::string& sSerial) const {
+  if (!sSerial.empty()) return sSerial;
+  const std::vector<std::string> aSerials = Serials();
+  if (aSerials.empty()) throw ClToolError(eExitNoScanner, "no scanner is connected");
+  if (aSerials.size() > 1) {
+    throw ClToolError(eExitUsage, std::to_string(aSerials.size()) +
+                                      " scanners are connected; name one with --serial (see vt40 list)");
   }
+  return aSerials.front();
+}
+
+ClScanner::ClScanner(const ClLibrary& oLibrary, const std::string& sSerial)
+    : m_sSerial(oLibrary.ChooseSerial(sSerial)) {
   const long nError = LS_VT40OpenScanner(m_sSerial.c_str(), &m_hScanner);
   if (nError == KLV_ERROR_DISCONNECTED) {
     throw ClToolError(eExitNoScanner, "no scanner " + m_sSerial + " is connected; see vt40 list");

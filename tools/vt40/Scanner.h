@@ -5,6 +5,10 @@
 #include <vector>
 
 #include "Picture.h"
+#include "ToolError.h"
+
+/// The exit code that suits a number of the library or the scan library.
+EExitCode ExitCodeOf(long nError);
 
 /// Keeps the library initialised.
 ///
@@ -18,6 +22,8 @@ class ClLibrary {
 
   /// Serial numbers of the connected scanners.
   std::vector<std::string> Serials() const;
+  /// The serial number that is given, or that of the only scanner. Errors: eExitNoScanner, eExitUsage.
+  std::string ChooseSerial(const std::string& sSerial) const;
   static std::string Version();
 };
 

@@ -6,7 +6,7 @@
 
 enum EExitCode {
   eExitOk = 0,
-  eExitNegative = 1,  ///< the capture's verdict is negative
+  eExitNegative = 1,  ///< the verdict on a capture or on calibration data is negative
   eExitUsage = 2,
   eExitNoScanner = 3,
   eExitBusy = 4,
