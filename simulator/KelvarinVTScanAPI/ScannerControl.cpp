@@ -11,7 +11,8 @@ void ClScanner::TakeDescription(const ClScannerDescription& oDescription, const 
   m_sVersion = oDescription.sVersion;
   m_mapEprom.clear();
   for (const auto& oEntry : oDescription.mapEprom) {
-    ClChange oChange{oEntry.second.bMissing, *m_oSensor.EpromFile(oEntry.first)};
+    ClChange oChange{oEntry.second.bMissing,
+                     oEntry.second.bReplaced ? oEntry.second.aData : *m_oSensor.EpromFile(oEntry.first)};
     for (const unsigned nOffset : oEntry.second.aFlips)
       if (nOffset < oChange.aData.size())
         oChange.aData[nOffset] = static_cast<uint8_t>(~oChange.aData[nOffset]);

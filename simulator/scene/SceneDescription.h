@@ -1,6 +1,7 @@
 // A scene as data: which scanners hang on the bus and what is laid on them when.
 #pragma once
 
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <string>
@@ -115,6 +116,8 @@ struct ClAmbientPoint {
 /// What happens to a file of the EEPROM.
 struct ClEpromChange {
   bool bMissing = false;
+  bool bReplaced = false;
+  std::vector<uint8_t> aData;    ///< what takes its place; cut and flips come after it
   long nCut = -1;                ///< bytes that are left; -1 for all
   std::vector<unsigned> aFlips;  ///< offsets of bytes that are inverted
 };

@@ -23,6 +23,7 @@ constexpr size_t g_cnMostFingers = 32;
 constexpr size_t g_cnMostDirt = 1000;
 constexpr size_t g_cnMostAmbient = 1000;
 constexpr size_t g_cnMostRollMoments = 1000;
+constexpr size_t g_cnMostEpromBytes = 8192;
 constexpr double g_cdLongest = 1e6;  // seconds
 
 /// One JSON object being read. Each key is asked for once; Done complains about keys that nobody asked for.
@@ -124,12 +125,16 @@ class ClObject {
 
 constexpr int64_t g_cnMostSeed = 9007199254740992;
 
+std::string InFolder(const std::string& sFile, const std::string& sFolder) {
+  return sFile[0] == '/' || sFolder.empty() ? sFile : sFolder + "/" + sFile;
+}
+
 ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
   ClObject o(oJson, sPlace);
   ClPrintDescription oPrint;
   oPrint.sFile = o.Text("file", "");
   if (!oPrint.sFile.empty()) {
-    if (oPrint.sFile[0] != '/' && !sFolder.empty()) oPrint.sFile = sFolder + "/" + oPrint.sFile;
+    oPrint.sFile = InFolder(oPrint.sFile, sFolder);
     o.Done();
     return oPrint;
   }
@@ -301,9 +306,25 @@ void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
   });
 }
 
-ClEpromChange ReadEpromChange(const Json& oJson, const std::string& sPlace) {
+/// The bytes of a file that takes the place of one in the EEPROM.
+std::vector<uint8_t> ReadEpromFile(const std::string& sFile) {
+  std::ifstream oFile(sFile, std::ios::binary);
+  if (!oFile) throw ClSimError(eFileOpen, "scene: can't open EEPROM file \"" + sFile + "\"");
+  std::vector<uint8_t> aData(g_cnMostEpromBytes + 1);
+  oFile.read(reinterpret_cast<char*>(aData.data()), static_cast<std::streamsize>(aData.size()));
+  if (oFile.bad()) throw ClSimError(eFileRead, "scene: can't read EEPROM file \"" + sFile + "\"");
+  aData.resize(static_cast<size_t>(oFile.gcount()));
+  if (aData.size() > g_cnMostEpromBytes)
+    throw ClSimError(eBadValue, "scene: EEPROM file \"" + sFile + "\" has more than 8192 bytes");
+  return aData;
+}
+
+ClEpromChange ReadEpromChange(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
   ClObject o(oJson, sPlace);
   ClEpromChange oChange;
+  const std::string sFile = o.Text("file", "");
+  oChange.bReplaced = !sFile.empty();
+  if (oChange.bReplaced) oChange.aData = ReadEpromFile(InFolder(sFile, sFolder));
   oChange.bMissing = o.Flag("missing", false);
   oChange.nCut = static_cast<long>(o.Whole("cut", -1, 0, 8192));
   o.Each("flip", 64, [&](const Json& oOffset, const std::string& sWhere) {
@@ -334,7 +355,7 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
     oScanner.bLegacyEprom = oEprom.Choice("form", 0, {"current", "legacy"}) == 1;
     for (const char* szName : {"GEOCAL", "BRGHTCAL", "GAINSET"})
       if (const Json* pFile = oEprom.Find(szName))
-        oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName));
+        oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName), sFolder);
     oEprom.Done();
   }
   o.Each("fingers", g_cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {

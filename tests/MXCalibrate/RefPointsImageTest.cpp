@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 #include "DotTarget.h"
@@ -37,26 +36,6 @@ void ExpectPlaces(const ClCalibrateGeometricData::Points& aFound, const std::vec
     dSquares += dOff * dOff;
   }
   EXPECT_LE(std::sqrt(dSquares / static_cast<double>(aTruth.size())), dMostRms);
-}
-
-/// A sample of the seeds, or as many as the environment asks for.
-uint32_t Seeds() {
-  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-  return szSeeds != nullptr ? static_cast<uint32_t>(std::atoi(szSeeds)) : 4;
-}
-
-TEST(TargetSearch, FindsSeededTargetsToAFifthOfAPixel) {
-  for (uint32_t nSeed = 0; nSeed < Seeds(); ++nSeed) {
-    SCOPED_TRACE(nSeed);
-    const ClDotTarget oTarget = ClDotTarget::Seeded(nSeed);
-    ClImage oImage;
-    oTarget.Draw(oImage);
-    ClDonut oDonut;
-    ClCalibrateGeometricData oData;
-    const auto oResult = Search(oDonut, oImage, oData);
-    ASSERT_EQ(oResult.first, 0) << oResult.second;
-    ExpectPlaces(oData.m_aActual[0], oTarget.Truth(), 0.2, 1);
-  }
 }
 
 TEST(TargetSearch, FillsARecordThatItsOwnCheckAccepts) {

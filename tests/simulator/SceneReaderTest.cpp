@@ -103,6 +103,43 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   EXPECT_EQ(o.aFingers[1].dLift, 2.0 + o.aFingers[1].oRoll.aPath.back().dSeconds + 0.1);
 }
 
+TEST(SceneReader, TheTargetIsWhatItsSeedSaysButForWhatIsSaid) {
+  const auto Target = [](const char* szText) { return ReadScene(szText, "").aScanners[0].oTarget; };
+  EXPECT_FALSE(Target(R"({"scanners": [{}]})").bThere);
+  const ClTargetDescription oPlain = Target(R"({"scanners": [{"target": {"seed": 9}}]})");
+  EXPECT_EQ(oPlain.dRadiusMm, FindScene("target:9").aScanners[0].oTarget.dRadiusMm);
+  EXPECT_EQ(oPlain.dAngle, 0.0);
+  EXPECT_TRUE(oPlain.bThere && oPlain.aMissing.empty() && oPlain.nDust > 0 && oPlain.nScratches > 0);
+  const ClTargetDescription oSaid =
+      Target(R"({"scanners": [{"target": {"x": 41, "y": 42, "angle": -3, "radius": 2,
+      "uneven": 0.5, "dust": 1, "scratches": 0, "missing": [3, 63], "doubled": [0]}}]})");
+  EXPECT_EQ(oSaid.dXMm, 41.0);
+  EXPECT_EQ(oSaid.dYMm, 42.0);
+  EXPECT_EQ(oSaid.dAngle, -3.0);
+  EXPECT_EQ(oSaid.dRadiusMm, 2.0);
+  EXPECT_EQ(oSaid.dUneven, 0.5);
+  EXPECT_EQ(oSaid.nDust + 10 * oSaid.nScratches, 1u);
+  EXPECT_EQ(oSaid.aMissing, (std::vector<unsigned>{3, 63}));
+  EXPECT_EQ(oSaid.aDoubled, (std::vector<unsigned>{0}));
+}
+
+TEST(SceneReader, AFileCanTakeThePlaceOfOneInTheEeprom) {
+  const ClTestFolder oFolder;
+  oFolder.Write("geo.bin", "GEO");
+  oFolder.Write("large.bin", std::string(8193, 'x'));
+  const std::string sScene = oFolder.Write(
+      "scene.json", R"({"scanners": [{"eprom": {"GEOCAL": {"file": "geo.bin"}, "GAINSET": {"cut": 3}}}]})");
+  const ClScannerDescription oScanner = FindScene(sScene).aScanners[0];
+  EXPECT_EQ(oScanner.mapEprom.at("GEOCAL").aData, (std::vector<uint8_t>{'G', 'E', 'O'}));
+  EXPECT_FALSE(oScanner.mapEprom.at("GAINSET").bReplaced);
+  for (const auto& [sFile, nNumber] : {std::pair<std::string, long>{"none.bin", -200}, {"large.bin", -44}}) {
+    const std::string sText =
+        R"({"scanners": [{"eprom": {"GEOCAL": {"file": ")" + oFolder.Path(sFile) + "\"}}}]}";
+    EXPECT_EQ(Refusal(sText).first, nNumber);
+    EXPECT_THAT(Refusal(sText).second, HasSubstr(sFile));
+  }
+}
+
 TEST(SceneReader, AnUnknownKeyIsRefusedByNameAndPlace) {
   const auto oRefusal = Refusal(R"({"scanners": [{"fingers": [{"presure": 1}]}]})");
   EXPECT_EQ(oRefusal.first, -44);
@@ -122,17 +159,26 @@ TEST(SceneReader, AValueOutOfRangeIsRefusedWithTheValueAndTheRange) {
 
 TEST(SceneReader, WhatIsNoSceneAtAllIsRefused) {
   for (const char* szText :
-       {"", "[]", "{", "{\"scanners\": {}}", "{\"scanners\": [1]}", "{\"seed\": \"1\"}",
-        "{\"scanners\": [{\"serial\": \"\"}]}", "{\"scanners\": [{\"serial\": \"0123456789ABCDEF\"}]}",
-        "{\"scanners\": [{}, {}]}", "{\"scanners\": [{\"fingers\": [{\"touch\": 2, \"lift\": 1}]}]}",
+       {"",
+        "[]",
+        "{",
+        "{\"scanners\": {}}",
+        "{\"scanners\": [1]}",
+        "{\"seed\": \"1\"}",
+        "{\"scanners\": [{\"serial\": \"\"}]}",
+        "{\"scanners\": [{\"serial\": \"0123456789ABCDEF\"}]}",
+        "{\"scanners\": [{}, {}]}",
+        "{\"scanners\": [{\"fingers\": [{\"touch\": 2, \"lift\": 1}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"touch\": 1, \"lift\": 3, \"repeat\": 2}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"repeat\": 2}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"slide\": {\"start\": 2, \"until\": 1}}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"roll\": {\"path\": [{\"at\": 2}, {\"at\": 1}]}}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"roll\": {\"width\": 0}}]}]}",
         "{\"scanners\": [{\"ambient\": [{\"at\": 2}, {\"at\": 1}]}]}",
-        "{\"faults\": [{\"call\": \"a\", \"plug\": \"b\"}]}", "{\"faults\": [{}]}",
-        "{\"scanners\": [{\"eprom\": {\"GEOCAL\": {\"flip\": [-1]}}}]}"})
+        "{\"faults\": [{\"call\": \"a\", \"plug\": \"b\"}]}",
+        "{\"faults\": [{}]}",
+        "{\"scanners\": [{\"eprom\": {\"GEOCAL\": {\"flip\": [-1]}}}]}",
+        "{\"scanners\": [{\"target\": {\"missing\": [64]}}]}"})
     EXPECT_EQ(Refusal(szText).first, -44) << szText;
 }
 
