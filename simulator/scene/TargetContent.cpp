@@ -21,7 +21,7 @@ ClTargetDescription PlainTarget(uint64_t nSeed) {
   ClTargetDescription oTarget;
   oTarget.bThere = true;
   oTarget.nSeed = nSeed;
-  oTarget.dRadiusMm = oRandom.Range(1.35, 2.15);
+  oTarget.dRadiusMm = oRandom.Range(1.35, 2.1);
   oTarget.dUneven = oRandom.Range(0.1, 0.25);
   return oTarget;
 }

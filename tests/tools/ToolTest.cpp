@@ -133,6 +133,35 @@ TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
   EXPECT_EQ(FileOf("roll.bmp").size(), 14u + 40 + 1024 + 800 * 800);
 }
 
+TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
+  const StRun oMade = Run("calibrate --json --scene target" + Out());
+  ASSERT_EQ(oMade.nExit, 0) << oMade.sOutput;
+  const nlohmann::json oFacts = nlohmann::json::parse(oMade.sOutput);
+  EXPECT_EQ(oFacts["dots"], 64);
+  EXPECT_GT(oFacts["residualMicrometres"]["before"]["rms"], 100.0);
+  EXPECT_LT(oFacts["residualMicrometres"]["after"]["rms"], 10.0);
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "residual.png"));
+  const std::vector<unsigned char> aRecord = FileOf("geometric.calibrate");
+  const std::string sRaw = (m_oFolder / "raw.png").string();
+  EXPECT_EQ(Run("calibrate --from " + sRaw + " --out " + (m_oFolder / "again").string()).nExit, 0);
+  EXPECT_EQ(FileOf("again/geometric.calibrate"), aRecord);
+
+  const std::string sCheck = "calibrate --check " + m_oFolder.string();
+  EXPECT_EQ(Run(sCheck).sOutput, "geometric.calibrate   good\n");
+  const std::string sStored =
+      R"({"scanners": [{"eprom": {"GEOCAL": {"file": "geometric.calibrate"BAD}}, "fingers": [{}]}]})";
+  const auto Stored = [&](const std::string& sBad) {
+    return SceneFile(std::string(sStored).replace(sStored.find("BAD"), 3, sBad));
+  };
+  EXPECT_EQ(Run("capture --mode off" + Out() + Stored("")).nExit, 0) << "the scanner works with it";
+  EXPECT_EQ(Run("calibrate --check" + Stored("")).nExit, 0);
+  const StRun oBad = Run("calibrate --check --json" + Stored(R"(, "flip": [200])"));
+  EXPECT_EQ(oBad.nExit, 1);
+  const nlohmann::json oGeometry = nlohmann::json::parse(oBad.sOutput)["data"][0];
+  EXPECT_EQ(oGeometry["good"], false);
+  EXPECT_NE(oGeometry["reason"].get<std::string>().find("Calibration Data currupt"), std::string::npos);
+}
+
 TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   const auto Expect = [](const std::string& sArguments, int nExit, const char* szText) {
     const StRun oRun = Run(sArguments);
@@ -149,6 +178,11 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");
   Expect("list --scene slap-rihgt", 7, "slap-rihgt");
   Expect("capture --print " + (m_oFolder / "none.png").string(), 7, "No such file");
+  Expect(R"(calibrate --scene '{"scanners": [{"target": {"missing": [5]}}]}')" + Out(), 1, "dot count");
+  Expect("calibrate --check x --from y.png", 2, "excludes");
+  Expect("calibrate --check --scene empty --serial VT40-XX", 3, "VT40-XX");
+  Expect("calibrate --check /dev/null", 7, "/dev/null/geometric.calibrate");
+  Expect("calibrate --from /dev/null" + Out(), 7, "/dev/null");
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
 }
 
