@@ -282,6 +282,24 @@ TEST_F(SimulatorTest, ABadSceneChangesNothingAndAGoodOneKeepsTheHandles) {
   EXPECT_EQ(VTSimUnplug("VT40-AB0001"), -44);
 }
 
+TEST_F(SimulatorTest, TellsWhereTheTargetsDotsAreWhereOneLies) {
+  Start("empty");
+  std::vector<VTSimPoint> aDots(64);
+  unsigned nCount = 64;
+  EXPECT_EQ(VTSimGetTargetDots(nullptr, aDots.data(), &nCount), 0);
+  EXPECT_EQ(nCount, 0u);
+  ASSERT_EQ(VTSimLoadScene("target"), 0);
+  EXPECT_EQ(VTSimGetTargetDots(nullptr, aDots.data(), &nCount), -702);
+  EXPECT_EQ(nCount, 64u);
+  EXPECT_EQ(VTSimGetTargetDots(nullptr, aDots.data(), &nCount), 0);
+  // The first dot is the one at the top right of the picture.
+  const double dFar = 799.5 + 35.0 / 81.28 * 1600.0, dNear = 1599.0 - dFar;
+  double dX = 0.0, dY = 0.0;
+  ASSERT_EQ(VTSimPictureToSensor(nullptr, dFar, dNear, &dX, &dY), 0);
+  EXPECT_NEAR(aDots[0].dX, dX, 1e-6);
+  EXPECT_NEAR(aDots[0].dY, dY, 1e-6);
+}
+
 TEST_F(SimulatorTest, TheEnvironmentChoosesTheSceneAndABadOneFailsTheInitialisation) {
   ASSERT_EQ(setenv("KELVARIN_VTSIM_SCENE", R"({"scanners": [{"serial": "VT40-AC0077"}]})", 1), 0);
   ASSERT_EQ(VTSimReset(), 0);

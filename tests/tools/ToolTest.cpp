@@ -155,6 +155,10 @@ TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
   };
   EXPECT_EQ(Run("capture --mode off" + Out() + Stored("")).nExit, 0) << "the scanner works with it";
   EXPECT_EQ(Run("calibrate --check" + Stored("")).nExit, 0);
+  const StRun oNone =
+      Run("calibrate --check" + SceneFile(R"({"scanners": [{"eprom": {"BRGHTCAL": {"missing": true}}}]})"));
+  EXPECT_EQ(oNone.nExit, 1);
+  EXPECT_NE(oNone.sOutput.find("Error reading brightness calibration data."), std::string::npos);
   const StRun oBad = Run("calibrate --check --json" + Stored(R"(, "flip": [200])"));
   EXPECT_EQ(oBad.nExit, 1);
   const nlohmann::json oGeometry = nlohmann::json::parse(oBad.sOutput)["data"][0];

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
@@ -173,26 +174,28 @@ std::vector<StBlockVerdict> JudgeBlocks(const StCalibrationBlocks& oBlocks, cons
   const std::string sNoSerial =
       Refusal([&] { pSetup = std::make_unique<ClVT40SetupCalibrationData>(sSerial.c_str(), false); });
   if (!sNoSerial.empty()) throw ClToolError(eExitUsage, "\"" + sSerial + "\": " + sNoSerial);
+  const auto SizeOf = [](const std::vector<unsigned char>& a) { return static_cast<unsigned int>(a.size()); };
   std::vector<StBlockVerdict> aVerdicts;
   StBlockVerdict oGeometry{"geometric.calibrate", "", 0};
   oGeometry.sReason = Refusal([&] {
+    if (oBlocks.aGeometry.empty()) KLV_RAISE(ClException, "Error reading geometric calibration data.", -200);
     UpdateGeometry(*pSetup, oBlocks.aGeometry);
     oGeometry.nRepaired = CountRepaired(*pSetup, oBlocks.aGeometry);
     WarpBlank(*pSetup);
   });
   aVerdicts.push_back(oGeometry);
-  if (!oBlocks.aBrightness.empty()) {
-    const auto Update = [&] {
-      pSetup->UpdateBrightnessData(oBlocks.aBrightness.data(),
-                                   static_cast<unsigned int>(oBlocks.aBrightness.size()));
-    };
-    aVerdicts.push_back({"brightness.calibrate", Refusal(Update), 0});
+  const std::vector<unsigned char>& aBrightness = oBlocks.aBrightness;
+  if (oBlocks.bOfScanner || !aBrightness.empty()) {
+    const std::string sReason = Refusal([&] {
+      if (aBrightness.empty()) KLV_RAISE(ClException, "Error reading brightness calibration data.", -200);
+      pSetup->UpdateBrightnessData(aBrightness.data(), SizeOf(aBrightness));
+    });
+    aVerdicts.push_back({"brightness.calibrate", sReason, 0});
   }
   if (!oBlocks.aGains.empty()) {
-    const auto Update = [&] {
-      pSetup->UpdateGainData(oBlocks.aGains.data(), static_cast<unsigned int>(oBlocks.aGains.size()));
-    };
-    aVerdicts.push_back({"gaindata.calibrate", Refusal(Update), 0});
+    const std::string sReason =
+        Refusal([&] { pSetup->UpdateGainData(oBlocks.aGains.data(), SizeOf(oBlocks.aGains)); });
+    aVerdicts.push_back({"gaindata.calibrate", sReason, 0});
   }
   return aVerdicts;
 }

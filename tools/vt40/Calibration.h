@@ -6,8 +6,9 @@
 
 #include "Picture.h"
 
-/// The scanner's three calibration blocks; an empty one is not there.
+/// The three calibration blocks; an empty one is not there. A scanner must have geometry and brightness, a folder geometry.
 struct StCalibrationBlocks {
+  bool bOfScanner = false;
   std::vector<unsigned char> aGeometry;
   std::vector<unsigned char> aBrightness;
   std::vector<unsigned char> aGains;
@@ -44,7 +45,7 @@ struct StBlockVerdict {
       0;  ///< points that were so far off their neighbours that these decide on their place
 };
 
-/// The verdicts on the geometry, and on brightness and gains where they are there. The serial number decides how strict
+/// The verdicts on what must be there, and on what is there beyond it. The serial number decides how strict
 /// the library is.
 ///
 /// Errors  ClToolError eExitUsage for a serial number that is none.

@@ -102,6 +102,7 @@ void AddCalibrate(CLI::App& oApp, StCommandLine& oLine) {
                                     [&oLine] { return RunCalibrate(oLine.oCommon, oLine.oCalibrate); });
   CLI::Option* pFrom =
       pCalibrate->add_option("--from", oCalibrate.sFromFile, "PNG of the target, raw, 3840 x 2720 pixels");
+  pFrom->excludes(pCalibrate->get_option("--scene"));
   pCalibrate->add_option("--out", oCalibrate.sFolder, "Folder for geometric.calibrate and the pictures")
       ->capture_default_str();
   pCalibrate

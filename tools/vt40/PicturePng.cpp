@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr unsigned long long cnMostPixels = 100000000;
+
 void Collect(png_structp pPng, png_bytep pData, size_t nBytes) {
   auto* pBytes = static_cast<std::vector<unsigned char>*>(png_get_io_ptr(pPng));
   pBytes->insert(pBytes->end(), pData, pData + nBytes);
@@ -57,6 +59,11 @@ ClPicture ReadPng(const std::string& sFile) {
     throw ClToolError(eExitFile, sFile + ": " + sReason);
   };
   Check(png_image_begin_read_from_file(&oImage, sFile.c_str()));
+  if (static_cast<unsigned long long>(oImage.width) * oImage.height > cnMostPixels) {
+    const std::string sSize = std::to_string(oImage.width) + " x " + std::to_string(oImage.height);
+    png_image_free(&oImage);
+    throw ClToolError(eExitFile, sFile + ": " + sSize + " pixels are more than any picture of a scanner has");
+  }
   oImage.format = PNG_FORMAT_GRAY;
   ClPicture oPicture;
   oPicture.nWidth = oImage.width;

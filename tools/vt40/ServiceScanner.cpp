@@ -18,6 +18,7 @@ namespace {
 constexpr unsigned int cnProduct = 17;
 constexpr unsigned int cnMostDevices = 127;
 constexpr unsigned int cnFileRoom = 8192;
+constexpr long cnDisconnected = -60;
 constexpr unsigned int cnWidth = 3840;
 constexpr unsigned int cnHeight = 2720;
 constexpr unsigned int cnPelsX = 41417;
@@ -65,7 +66,7 @@ struct ClServiceScanner::StDevice {
     std::vector<unsigned char> aFile(cnFileRoom);
     unsigned int nSize = cnFileRoom;
     const long nResult = oLibrary.VTScanAPIReadEPROMFile(hDevice, szName, aFile.data(), &nSize);
-    if (nResult == -60) Check(nResult);
+    if (nResult == cnDisconnected) Check(nResult);
     aFile.resize(nResult == 0 && nSize <= cnFileRoom ? nSize : 0);
     return aFile;
   }
@@ -91,6 +92,7 @@ ClServiceScanner::~ClServiceScanner() {
 
 StCalibrationBlocks ClServiceScanner::Blocks() const {
   StCalibrationBlocks oBlocks;
+  oBlocks.bOfScanner = true;
   WithScanner(m_sSerial, [&] {
     oBlocks.aGeometry = m_pDevice->ReadFile("GEOCAL");
     oBlocks.aBrightness = m_pDevice->ReadFile("BRGHTCAL");
