@@ -276,7 +276,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   boost::thread m_oMaskRollThread;
   boost::thread m_oSignatureThread;
 
-  /// Serialises mode switches against the one shot of eCaptureModeOff.
+  /// Serialises mode switches against the one shot of eCaptureModeOff and changes of the signature's height.
   boost::mutex m_oModeMutex;
   /// Serialises mode switches against the image calls that wait for a stream.
   boost::mutex m_oImageMutex;
