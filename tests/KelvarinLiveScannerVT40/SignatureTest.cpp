@@ -37,6 +37,8 @@ TEST_P(SignatureOfHeight, ShowsEveryStrokeOnceWhereThePenWas) {
   for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
     SCOPED_TRACE(nSeed);
     Start(Seeded("signature", nSeed), GetParam());
+    // The preview keeps what was drawn before a change of modes.
+    ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
     const std::vector<StStroke> aStrokes = TrueStrokes();
     ASSERT_FALSE(aStrokes.empty());
     EXPECT_EQ(StepUntil(aStrokes.back().dEnd), 0);
@@ -51,7 +53,11 @@ TEST_P(SignatureOfHeight, ShowsEveryStrokeOnceWhereThePenWas) {
     const StLikeness oLikeness = Compare(oPicture.aPixels, 1600, aStrokes);
     EXPECT_LE(oLikeness.dRms, 1.5);
     EXPECT_LE(oLikeness.dFarthest, 6.0) << "no line across a pen-up";
-    for (const double dCovered : oLikeness.aCovered) EXPECT_GE(dCovered, 0.85);
+    EXPECT_LE(oLikeness.dMissing, 0.05) << "three frames at the ends";
+    RecordProperty("x", 0);
+    std::printf("LIKE seed %d rms %.3f far %.2f missing %.3f strokes %zu prev %.3f\n", nSeed, oLikeness.dRms,
+                oLikeness.dFarthest, oLikeness.dMissing, aStrokes.size(),
+                Compare(m_oPreview.aPixels, 800, aStrokes).dRms);
     EXPECT_LE(Compare(m_oPreview.aPixels, 800, aStrokes).dRms, 2.5);
   }
 }
@@ -114,7 +120,9 @@ TEST_F(Signature, WithoutADetectTimeIsNeverDoneAndNeverErased) {
 TEST_F(Signature, OfATapIsNone) {
   Start("dot");
   EXPECT_EQ(StepUntil(5.0), 0);
-  EXPECT_GT(Ink(m_oPreview), 0);
+  EXPECT_GT(
+      std::count_if(m_oPreview.aPixels.begin(), m_oPreview.aPixels.end(), [](int n) { return n < 255; }), 0);
+  EXPECT_EQ(Picture().bDone, 1) << "all the same the picture can be had";
 }
 
 TEST_F(Signature, MayBeLeftAtAnyFrame) {

@@ -21,12 +21,14 @@ struct StStroke {
 };
 
 struct StLikeness {
-  double dRms = 0.0;             ///< of the distance of the ink from the way of the pen, in sensor pixels
-  double dFarthest = 0.0;        ///< the largest of them
-  std::vector<double> aCovered;  ///< for each stroke, the part of its way beside which there is ink
+  double dRms = 0.0;       ///< of the distance of the ink from the way of the pen, in sensor pixels
+  double dFarthest = 0.0;  ///< the largest of them
+  double dMissing = 0.0;  ///< seconds of a stroke beside which there is no ink, in the stroke that lacks most
 };
 
-/// The strokes of the scene that is loaded, every two milliseconds.
+constexpr double cdStep = 0.002;
+
+/// The strokes of the scene that is loaded, with a place for each step of time.
 inline std::vector<StStroke> TrueStrokes() {
   std::vector<VTSimStroke> aTimes(200);
   unsigned int nCount = 200;
@@ -35,7 +37,7 @@ inline std::vector<StStroke> TrueStrokes() {
   std::vector<StStroke> aStrokes;
   for (const VTSimStroke& o : aTimes) {
     aStrokes.push_back({o.dBegin, o.dEnd, {}});
-    for (double dTime = o.dBegin; dTime < o.dEnd; dTime += 0.002) {
+    for (double dTime = o.dBegin; dTime < o.dEnd; dTime += cdStep) {
       VTSimPen oPen = {};
       EXPECT_EQ(VTSimGetPenAt(nullptr, dTime, &oPen), 0) << VTSimLastError();
       // Four by four pixels of the full sensor are one of the pad.
@@ -74,8 +76,8 @@ inline StLikeness Compare(const std::vector<unsigned char>& aPixels, int nWidth,
   auto itBegin = aBeside.begin();
   for (const StStroke& o : aStrokes) {
     const auto itEnd = itBegin + static_cast<std::ptrdiff_t>(o.aWay.size());
-    oLikeness.aCovered.push_back(static_cast<double>(std::count(itBegin, itEnd, true)) /
-                                 static_cast<double>(o.aWay.size()));
+    oLikeness.dMissing =
+        std::max(oLikeness.dMissing, cdStep * static_cast<double>(std::count(itBegin, itEnd, false)));
     itBegin = itEnd;
   }
   return oLikeness;

@@ -23,10 +23,11 @@ class Swipe : public testing::Test {
     ASSERT_EQ(m_oLibrary.VTScanAPIQueryDevices(&nDevice, &nCount, ClMXVTScanAPI::eProductVT40), 0);
     ASSERT_EQ(m_oLibrary.VTScanAPICreateHandle(nDevice, &m_hDevice), 0);
     m_oScanner.SetDllWrapper(&m_oLibrary, m_hDevice);
-    ReadFile("GEOCAL", m_aGeometry);
-    ReadFile("BRGHTCAL", m_aBrightness);
-    m_oSetup.Setup(m_aGeometry.data(), static_cast<unsigned int>(m_aGeometry.size()), m_aBrightness.data(),
-                   static_cast<unsigned int>(m_aBrightness.size()), nullptr, 0);
+    const std::vector<char> aGeometry = File("GEOCAL"), aBrightness = File("BRGHTCAL"),
+                            aGain = File("GAINSET");
+    const auto Size = [](const std::vector<char>& a) { return static_cast<unsigned int>(a.size()); };
+    m_oSetup.Setup(aGeometry.data(), Size(aGeometry), aBrightness.data(), Size(aBrightness), aGain.data(),
+                   Size(aGain));
     m_pEngine = std::make_unique<Engine>();
     m_pEngine->SetScanner(&m_oScanner);
     m_pEngine->SetupCalibrationData(&m_oSetup);
@@ -65,17 +66,17 @@ class Swipe : public testing::Test {
   int m_nForward = 0;
 
  private:
-  void ReadFile(const char* szName, std::vector<char>& aData) {
+  std::vector<char> File(const char* szName) {
     unsigned int nSize = 8192;
+    std::vector<char> aData(nSize);
+    EXPECT_EQ(m_oLibrary.VTScanAPIReadEPROMFile(m_hDevice, szName, aData.data(), &nSize), 0);
     aData.resize(nSize);
-    ASSERT_EQ(m_oLibrary.VTScanAPIReadEPROMFile(m_hDevice, szName, aData.data(), &nSize), 0);
-    aData.resize(nSize);
+    return aData;
   }
 
   ClKelvarinVTScanAPIWrapper m_oLibrary;
   void* m_hDevice = nullptr;
   ClMXVTScanAPIWrapper m_oScanner{nullptr, nullptr};
-  std::vector<char> m_aGeometry, m_aBrightness;
   ClVT40SetupCalibrationData m_oSetup{"VT40-AB0001", false};
   std::unique_ptr<Engine> m_pEngine;
   ClImage m_oImage;
