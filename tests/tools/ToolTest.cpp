@@ -136,7 +136,7 @@ TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
 TEST_F(Tool, TakesASignatureWhenThePenRests) {
   const std::string sScene = SceneFile(R"({"scanners": [{"pen": {"strokes": [
       {"at": 0.5, "line": "straight", "speed": 40, "points": [[10, 15], [70, 25]]}]}}]})");
-  const StRun oRun = Run("sign --half --time 1 --format bmp --json" + sScene + Out());
+  const StRun oRun = Run("sign --half --time 0.4 --format bmp --json" + sScene + Out());
   ASSERT_EQ(oRun.nExit, 0) << oRun.sOutput;
   const nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
   EXPECT_EQ(oFacts["done"], true);
