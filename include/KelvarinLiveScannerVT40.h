@@ -171,7 +171,7 @@ KLV_API long LS_VT40GetRollImageDPI(void* h, unsigned int* pnDpiX, unsigned int*
 /* Selects a capture mode, one of KLV_VT40_CAPTURE_MODE_TAGS. A scanner that was just opened is in mode OFF;
  * the mode that is set already is left alone. A number that is no mode changes nothing; after any other
  * failure the mode is OFF.
- * Errors: KLV_ERROR_UNSUPPORTED no such mode, or not in this release; the scan library's own number. */
+ * Errors: KLV_ERROR_UNSUPPORTED no such mode, or AUTO_LIVE without the liveness library; the scan library's own number. */
 KLV_API long LS_VT40SetCaptureMode(void* h, int nMode);
 
 /* The capture mode, when it is AUTO, AUTO_LIVE or OFF.
@@ -188,6 +188,11 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  * the stream in mode FULL (likewise; waits up to 10 seconds), a capture on request in mode PREVIEW.
  * LS_VT40GetPreviewImage, the next preview that was not delivered yet; waits up to 15 seconds.
  * LS_VT40GetRollImage, the roll as assembled so far; waits up to 5 seconds.
+ *
+ * Mode SIGNATURE: LS_VT40GetPreviewImage shows the strokes so far, black on white, and is finished once when the
+ * pen has rested for "dSignatureDetectTime" behind more than 50 places that it was seen at; a pen that comes back
+ * later than that starts the next signature. LS_VT40GetImage draws the strokes at full size, always "finished".
+ * Both have the sizes of the signature's two size calls.
  *
  * Errors: KLV_ERROR_BAD_POINTER any pointer NULL; KLV_ERROR_INVALID_STATE not in this mode;
  * KLV_ERROR_DISCONNECTED no image came in time, or the scanner was disconnected; the scan library's own
@@ -207,8 +212,10 @@ KLV_API long LS_VT40GetRollImage(void* h, void* pImage, double* pdScore, unsigne
  *   "nRolledPostProcess"    long                not 0: rotate and centre a finished roll; from the next
  *                                             mode change on
  *   "dSignatureFilterSigma" double              width of the signature's softening, 0.5 to 100
- *   "dSignatureDetectTime"  double              idle seconds that end a signature; 0 never
- *   "nSignatureSensorMode"  long                0 full, else half height of the signature area
+ *   "dSignatureDetectTime"  double              idle seconds that end a signature, as processor time of the
+ *                                             process; 0 never
+ *   "nSignatureSensorMode"  long                0 full, else half height of the signature area; not in mode
+ *                                             SIGNATURE
  *   "nResetImage"           long, write only    any value starts the current roll or signature afresh
  *   "STATUS_LED"            long, write only    up to 0xFFFE: index * 256 + state; above: bits 16 to
  *                                             27 select the LEDs that take the state in bits 0 to 2

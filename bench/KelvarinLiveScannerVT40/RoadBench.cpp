@@ -1,6 +1,7 @@
 // The road of one frame on one thread, from the raw planes to the masked image, by step and as a whole.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -13,6 +14,7 @@
 #include "MXImageProcessing/IpLabeling.h"
 #include "MXKernels/PointRows.h"
 #include "MXLiveScannerAPI/IpAutoRoll.h"
+#include "MXLiveScannerAPI/PenDetector.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
@@ -62,6 +64,8 @@ class ClScene {
     // The frames of a roll, from before the finger comes until it has gone.
     Require(VTSimLoadScene("roll-right:3") == 0, "roll");
     for (int n = 0; n < 40; ++n) m_aaRoll.push_back(Grab(36, nExposure * 4, 960 * 1362));
+    Require(VTSimLoadScene("signature:3") == 0, "signature");
+    for (int n = 0; n < 40; ++n) m_aaSignature.push_back(Grab(6, nExposure / 3, 960 * 680));
   }
 
   std::unique_ptr<ClVT40SetupCalibrationData> MakeSetup() {
@@ -76,6 +80,7 @@ class ClScene {
   const std::vector<unsigned char>& Preview() const { return m_aPreview; }
   const std::vector<unsigned char>& Full() const { return m_aFull; }
   const std::vector<std::vector<unsigned char>>& Roll() const { return m_aaRoll; }
+  const std::vector<std::vector<unsigned char>>& Signature() const { return m_aaSignature; }
 
  private:
   std::vector<char> Read(const char* szName) {
@@ -106,6 +111,7 @@ class ClScene {
   std::vector<unsigned char> m_aPreview;
   std::vector<unsigned char> m_aFull;
   std::vector<std::vector<unsigned char>> m_aaRoll;
+  std::vector<std::vector<unsigned char>> m_aaSignature;
 };
 
 ClScene& Scene() {
@@ -213,6 +219,22 @@ void RollStep(benchmark::State& oState, void (ClRollRoad::*pfnStep)()) {
   for (auto _ : oState) (oRoad.*pfnStep)();
 }
 
+/// A lit frame of the signature pad, from the raw plane to the place of the pen.
+void SignatureFrame(benchmark::State& oState) {
+  ClImage oRaw, oAdjusted;
+  oRaw.NewWithType(ClImage::eUint8, 960, 680, 1, 0, 0, true);
+  ClPenDetector oDetector(oRaw.Width(), oRaw.Height(), false);
+  size_t nFrame = 0;
+  for (auto _ : oState) {
+    const std::vector<unsigned char>& aPlanes = Scene().Signature()[nFrame++ % Scene().Signature().size()];
+    const bool bLitFirst = (aPlanes[0] & 0x0F) != 0;
+    const unsigned char* pLit = aPlanes.data() + (bLitFirst ? 0 : oRaw.DataBytes());
+    std::copy_n(pLit, oRaw.DataBytes(), oRaw.Data());
+    Scene().Setup().AdjustBrightnessSignature(oRaw, oAdjusted, 192);
+    benchmark::DoNotOptimize(oDetector.Detect(oAdjusted));
+  }
+}
+
 void CalibrationSetup(benchmark::State& oState) {
   for (auto _ : oState) benchmark::DoNotOptimize(Scene().MakeSetup());
 }
@@ -243,6 +265,7 @@ BENCHMARK_CAPTURE(RollStep, RollOneMean, &ClRollRoad::Mean)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneBinarize, &ClRollRoad::Binarize)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneLabeling, &ClRollRoad::Label)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollFrame, &ClRollRoad::Whole)->Unit(cnUnit);
+BENCHMARK(SignatureFrame)->Unit(cnUnit);
 BENCHMARK(CalibrationSetup)->Unit(cnUnit)->UseRealTime();
 
 }  // namespace

@@ -84,6 +84,7 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   /// What the three image calls have in common; m_oMutex is held. True when the image is finished.
   bool DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pImage, double* pdScore,
                     unsigned char* pbDone, long* pnResult);
+  bool IsSignaturePad() const;
   void SendStatusLeds();
 
   // Getters and setters of the properties

@@ -172,16 +172,24 @@ bool ClVT40Handle::DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pIm
   return bDone;
 }
 
+/// Its pictures may have half the height of the others. The mode stays while m_oMutex is held.
+bool ClVT40Handle::IsSignaturePad() const {
+  return Engine().GetCaptureMode() == ClVTLiveCaptureBase::eCaptureModeSignature;
+}
+
 void ClVT40Handle::GetImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {
   Lock oLock(m_oMutex);
-  DeliverImage(&ClVTLiveCaptureBase::GetImage, &ClVT40Handle::GetImageSize, pImage, pdScore, pbDone,
-               pnResult);
+  DeliverImage(&ClVTLiveCaptureBase::GetImage,
+               IsSignaturePad() ? &ClVT40Handle::GetSignatureImageSize : &ClVT40Handle::GetImageSize, pImage,
+               pdScore, pbDone, pnResult);
 }
 
 void ClVT40Handle::GetPreviewImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {
   Lock oLock(m_oMutex);
-  DeliverImage(&ClVTLiveCaptureBase::GetPreviewImage, &ClVT40Handle::GetPreviewImageSize, pImage, pdScore,
-               pbDone, pnResult);
+  DeliverImage(
+      &ClVTLiveCaptureBase::GetPreviewImage,
+      IsSignaturePad() ? &ClVT40Handle::GetSignaturePreviewImageSize : &ClVT40Handle::GetPreviewImageSize,
+      pImage, pdScore, pbDone, pnResult);
 }
 
 void ClVT40Handle::GetRollImage(void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {

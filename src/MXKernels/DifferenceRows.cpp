@@ -99,6 +99,23 @@ void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, siz
   }
 }
 
+void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept {
+  const hn::ScalableTag<uint16_t> d16;
+  const hn::Rebind<uint8_t, decltype(d16)> d8;
+  const size_t nLanes = hn::Lanes(d16);
+  const size_t nWhole = nCount - nCount % nLanes;
+  for (size_t i = 0; i < nWhole; i += nLanes) {
+    const auto vBytes = hn::LoadU(d8, pPicture + i);
+    const auto vPicture = hn::PromoteTo(d16, vBytes);
+    const auto vOldest = hn::PromoteTo(d16, hn::LoadU(d8, pOldest + i));
+    const auto vSums = hn::LoadU(d16, pSums + i);
+    hn::StoreU(vSums - vOldest + vPicture, d16, pSums + i);
+    hn::StoreU(vBytes, d8, pOldest + i);
+    hn::StoreU(NarrowToBytes(d8, hn::SaturatedSub(vPicture, hn::ShiftRight<3>(vSums))), d8, pPicture + i);
+  }
+  Reference::RemoveBackgroundRow(pPicture + nWhole, pOldest + nWhole, pSums + nWhole, nCount - nWhole);
+}
+
 }  // namespace HWY_NAMESPACE
 }  // namespace MXKernels
 HWY_AFTER_NAMESPACE();
@@ -111,6 +128,7 @@ MXKERNELS_TABLE(SquaredDifference);
 MXKERNELS_TABLE(AddToSumsRow);
 MXKERNELS_TABLE(TakeFromSumsRow);
 MXKERNELS_TABLE(DeviationRow);
+MXKERNELS_TABLE(RemoveBackgroundRow);
 
 uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
   return MXKERNELS_CALL(SquaredDifference)(pA, pB, nCount);
@@ -127,6 +145,10 @@ void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexce
 void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
                   uint16_t nLimit) noexcept {
   MXKERNELS_CALL(DeviationRow)(pIn, pMean, pOut, nCount, nLimit);
+}
+
+void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept {
+  MXKERNELS_CALL(RemoveBackgroundRow)(pPicture, pOldest, pSums, nCount);
 }
 
 }  // namespace MXKernels

@@ -21,4 +21,9 @@ void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexce
 void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
                   uint16_t nLimit) noexcept;
 
+/// Takes the mean of the last eight pictures from pPicture, which then replaces the oldest of them:
+/// mean = pSums[i] / 8; pSums[i] += pPicture[i] - pOldest[i], modulo 2^16; pOldest[i] = pPicture[i];
+/// pPicture[i] = pPicture[i] > mean ? pPicture[i] - mean : 0. No overlap.
+void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept;
+
 }  // namespace MXKernels

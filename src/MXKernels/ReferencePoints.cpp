@@ -127,6 +127,16 @@ void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, siz
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::abs(pIn[i] - pMean[i]) > nLimit ? 255 : 0;
 }
 
+void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const uint8_t nNew = pPicture[i];
+    const int nMean = pSums[i] / 8;
+    pSums[i] = static_cast<uint16_t>(pSums[i] - pOldest[i] + nNew);
+    pOldest[i] = nNew;
+    pPicture[i] = static_cast<uint8_t>(std::max(nNew - nMean, 0));
+  }
+}
+
 void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
   for (size_t i = 0; i < nCount; ++i) {
     pInOut[i] = static_cast<uint8_t>((pIn[i] * pWeight[i] + pInOut[i] * (255 - pWeight[i])) / 255);

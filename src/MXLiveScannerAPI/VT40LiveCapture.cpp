@@ -132,7 +132,9 @@ void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
                   &ClVT40LiveCapture::MaskRollThread);
       break;
     case eCaptureModeSignature:
-      KLV_RAISE(ClException, "Capture mode not available in this release.", -103);
+      Reset(true);
+      StartSignature(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
+      break;
     default:
       KLV_RAISE(ClException, "Unknown capture mode.", -103);
   }
@@ -151,19 +153,21 @@ void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCal
 
 void ClVT40LiveCapture::StopAllThreads() {
   boost::this_thread::disable_interruption oNoInterruption;
-  boost::thread* const aThreads[] = {&m_oFullThread,    &m_oPreviewThread, &m_oDirtThread,
-                                     &m_oRollThread,    &m_oMaskThread,    &m_oAutoDetectionThread,
-                                     &m_oMaskRollThread};
+  boost::thread* const aThreads[] = {&m_oFullThread,     &m_oPreviewThread,  &m_oDirtThread,
+                                     &m_oRollThread,     &m_oMaskThread,     &m_oAutoDetectionThread,
+                                     &m_oMaskRollThread, &m_oSignatureThread};
   for (boost::thread* pThread : aThreads) pThread->interrupt();
   for (boost::thread* pThread : aThreads) {
     if (!pThread->joinable()) continue;
     do {
       m_oCalibratedBuffer.InterruptWait();
       m_oMaskedBuffer.InterruptWait();
+      m_oSignatureBuffer.InterruptWait();
     } while (!pThread->timed_join(boost::posix_time::milliseconds(cnWakeIntervalMs)));
   }
   m_oCalibratedBuffer.InterruptWait();
   m_oMaskedBuffer.InterruptWait();
+  m_oSignatureBuffer.InterruptWait();
 }
 
 void ClVT40LiveCapture::Reset(bool bReset) {
@@ -185,6 +189,7 @@ void ClVT40LiveCapture::InitializeSensor() {
   const unsigned int nGain = m_pSetup->GetGainLevel(1);
   m_pScanner->SetGain(AsInt(nGain & 0xFF), AsInt(nGain >> 8 & 0xFF), AsInt(nGain >> 16 & 0xFF));
   m_nScannerCondition = 0;
+  m_oSwipe.Reset();
   switch (m_eCaptureMode) {
     case eCaptureModeOff:
       break;
@@ -201,6 +206,9 @@ void ClVT40LiveCapture::InitializeSensor() {
       break;
     case eCaptureModeRoll:
       ApplySensorRow(RollRow());
+      break;
+    case eCaptureModeSignature:
+      ApplySignatureRow();
       break;
     default:
       KLV_RAISE(ClException, "Capture mode not implemented (should never happen.", -103);
@@ -264,22 +272,4 @@ void ClVT40LiveCapture::Capture() {
       return;
   }
   KLV_RAISE(ClException, "Current capture mode is not impolemented yet. (should never happen)", -103);
-}
-
-void ClVT40LiveCapture::SetSignatureSensorMode(unsigned int nMode) {
-  if (m_eCaptureMode == eCaptureModeSignature) {
-    KLV_RAISE(ClException, "Mode must not be switched while signature mode is active.", -50);
-  }
-  m_nSignatureSensorMode = nMode;
-}
-
-void ClVT40LiveCapture::SetSignatureDetectTime(double dTime) {
-  if (!(dTime >= 0.0)) KLV_RAISE(ClException, "Illegal time delta.", -44);
-  m_dSignatureDetectTime = dTime;
-}
-
-void ClVT40LiveCapture::SetSignatureFilterSigma(double dSigma) {
-  if (!(dSigma >= 0.5)) KLV_RAISE(ClException, "Sigma must be >= 0.5.", -44);
-  if (dSigma > 100.0) KLV_RAISE(ClException, "Sigma must be <= 100.", -44);
-  m_dSignatureFilterSigma = dSigma;
 }

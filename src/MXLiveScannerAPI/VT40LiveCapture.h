@@ -9,29 +9,36 @@
 #include <memory>
 
 #include "MXImageProcessing/Histogram.h"
+#include "MXImageProcessing/IpFilterGauss.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpFlip.h"
+#include "MXImageProcessing/IpInvert.h"
+#include "MXImageProcessing/IpScale.h"
 #include "MXImageProcessing/IpSubsample.h"
 #include "MXLiveScannerAPI/IpAutoRoll.h"
+#include "MXLiveScannerAPI/PenDetector.h"
+#include "MXLiveScannerAPI/SignatureStrokes.h"
+#include "MXLiveScannerAPI/SwipeDetector.h"
 #include "MXLiveScannerAPI/VTLiveCaptureBase.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXLiveScannerTools/TpTripleBuffer.h"
 #include "MXTools/TicketMutex.h"
 #include "MXTools/TpArrayStatic.h"
 
+class ClSignatureTiming;
 class ClKelvarinFakeFingerDetectionVT40Wrapper;
 class ClVT40SetupCalibrationData;
 
 /// Turns the scanner's stream of raw sequences into the images that callers poll.
 ///
 /// One capture mode is active at a time; each streaming mode is a calibrating worker and a masking worker
-/// joined by a triple buffer, and a second triple buffer from there to the caller. A mode switch stops all
-/// workers and builds the next set.
+/// joined by a triple buffer, and a second triple buffer from there to the caller. The signature pad has one
+/// worker. A mode switch stops all workers and builds the next set.
 ///
 /// Threads    thread-safe but for SetScanner, SetupCalibrationData and destruction. Locks are taken in this
-///            order: m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex or
-///            m_oAutoRollMutex; workers take none of the first three, which is why a mode switch can join them
+///            order: m_oMutex, m_oImageMutex, m_oModeMutex, m_oSensorMutex, m_oFullImageMutex,
+///            m_oAutoRollMutex or m_oSignatureMutex; workers take none of the first three, which is why a mode switch can join them
 ///            while it holds these.
 /// Errors     a worker that fails prints the reason and ends: callers see a time-out, -60.
 class ClVT40LiveCapture : public ClVTLiveCaptureBase {
@@ -104,6 +111,12 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
     unsigned short nExposure;
     int nScanMode;
   };
+  /// What makes ink of strokes.
+  struct StInk {
+    ClIpFilterGauss oFilter;
+    ClIpScale oScale;
+    ClIpInvert oInvert;
+  };
   /// Half-open, in pixels.
   struct StRectangle {
     int nX0, nY0, nX1, nY1;
@@ -159,6 +172,19 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   void CalibrateRollThread();
   void MaskRollThread();
   void ReportFinishedRoll(long nReturnCode);
+
+  // Signature
+  bool IsSignatureHalf() const;
+  void ApplySignatureRow();
+  void StartSignature(int nWidth, int nHeight);
+  void SignatureThread();
+  void MakeSignatureFrame(ClImage& oRaw) const;
+  ECaptureState FollowPen(const ClPenDetector::StSight& oSight, ClSignatureTiming& oTiming);
+  void PublishSignature();
+  ECaptureState TakeSignatureState();
+  void GetSignaturePreview(ClImage& oImage, ECaptureState& eState, double& dScore);
+  void GetImageSignature(ClImage& oImage, ECaptureState& eState, double& dScore);
+  static void DrawInk(StInk& oInk, ClImage& oStrokes, ClImage& oImage, double dSigma);
 
   // Full resolution
   void GetImageOneShot(ClImage& oImage, ECaptureState& eState, double& dScore);
@@ -228,10 +254,18 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
 
   ClIpAutoRoll m_oAutoRoll;  // guarded by m_oAutoRollMutex
 
+  ClSignatureStrokes m_oStrokes;  // guarded by m_oSignatureMutex
+  ClSwipeDetector m_oSwipe;       // the signature worker's
+  StInk m_oPreviewInk;            // guarded by m_oImageMutex
+  StInk m_oFullInk;               // guarded by m_oMutex
+  ClImage m_oFullStrokes;         // likewise
+
   ClImage m_aCalibratedImages[3];
   ClTpTripleBuffer<ClImage> m_oCalibratedBuffer;  // calibrating worker to masking worker
   ClImage m_aMaskedImages[3];
   ClTpTripleBuffer<ClImage> m_oMaskedBuffer;  // masking worker to caller
+  ClImage m_aSignatureImages[3];
+  ClTpTripleBuffer<ClImage> m_oSignatureBuffer;  // signature worker to caller
 
   boost::thread m_oFullThread;
   boost::thread m_oPreviewThread;
@@ -240,8 +274,9 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   boost::thread m_oMaskThread;
   boost::thread m_oAutoDetectionThread;
   boost::thread m_oMaskRollThread;
+  boost::thread m_oSignatureThread;
 
-  /// Serialises mode switches against the one shot of eCaptureModeOff.
+  /// Serialises mode switches against the one shot of eCaptureModeOff and changes of the signature's height.
   boost::mutex m_oModeMutex;
   /// Serialises mode switches against the image calls that wait for a stream.
   boost::mutex m_oImageMutex;
@@ -250,6 +285,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   ClTicketMutex m_oSensorMutex;
   boost::mutex m_oFullImageMutex;
   boost::mutex m_oAutoRollMutex;
+  boost::mutex m_oSignatureMutex;
   boost::mutex m_oDisplayMutex;
 
   unsigned int m_nRolledPostProcess = 0;

@@ -62,6 +62,9 @@ void ClVT40LiveCapture::GetImage(ClImage& oImage, ECaptureState& eState, double&
     case eCaptureModePreview:
       GetImageOnDemand(oImage, eState, dScore);
       break;
+    case eCaptureModeSignature:
+      GetImageSignature(oImage, eState, dScore);
+      break;
     default:
       KLV_RAISE(ClException, "Invalid capture mode.", -50);
   }

@@ -120,6 +120,7 @@ void ClVT40LiveCapture::CheckMode(bool bAccepted) {
 
 void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   Lock oImageLock(m_oImageMutex);
+  if (m_eCaptureMode == eCaptureModeSignature) return GetSignaturePreview(oImage, eState, dScore);
   CheckMode(IsPreviewMode(m_eCaptureMode));
   // Read in front of the wait: the state may be a frame older than the image, never newer.
   eState = m_eDetectState;
@@ -132,9 +133,14 @@ void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, 
 }
 
 void ClVT40LiveCapture::ResetImage() {
-  if (m_eCaptureMode != eCaptureModeRoll) {
+  const ECaptureMode eMode = m_eCaptureMode;
+  if (eMode == eCaptureModeRoll) {
+    Lock oAutoRollLock(m_oAutoRollMutex);
+    m_oAutoRoll.ResetProcessor();
+  } else if (eMode == eCaptureModeSignature) {
+    Lock oSignatureLock(m_oSignatureMutex);
+    m_oStrokes.Clear();
+  } else {
     KLV_RAISE(ClException, "Image reset not supported in current capture mode.", -50);
   }
-  Lock oAutoRollLock(m_oAutoRollMutex);
-  m_oAutoRoll.ResetProcessor();
 }

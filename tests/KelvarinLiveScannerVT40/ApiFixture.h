@@ -41,8 +41,8 @@ class Api : public testing::Test {
 
   long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
 
-  StDelivered Image() { return Deliver(LS_VT40GetImage, 1600 * 1600); }
-  StDelivered Preview() { return Deliver(LS_VT40GetPreviewImage, 800 * 800); }
+  StDelivered Image(size_t nPixels = 1600 * 1600) { return Deliver(LS_VT40GetImage, nPixels); }
+  StDelivered Preview(size_t nPixels = 800 * 800) { return Deliver(LS_VT40GetPreviewImage, nPixels); }
   StDelivered Roll() { return Deliver(LS_VT40GetRollImage, 800 * 800); }
 
   static VTSimState State(const char* szSerial = nullptr) {

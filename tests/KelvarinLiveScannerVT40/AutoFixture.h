@@ -2,21 +2,11 @@
 #pragma once
 
 #include <chrono>
-#include <cstdlib>
 #include <string>
 #include <thread>
 
 #include "ApiFixture.h"
-
-/// Seeds of each kind of scene: a sample, or as many as the environment asks for.
-inline int Seeds() {
-  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-  return szSeeds != nullptr ? std::atoi(szSeeds) : 2;
-}
-
-inline std::string Seeded(const char* szScene, int nSeed) {
-  return std::string(szScene) + ":" + std::to_string(nSeed);
-}
+#include "Seeds.h"
 
 /// Two seconds of previews of a still or empty scene.
 constexpr int cnFewFrames = 30;

@@ -116,7 +116,6 @@ TEST_F(OpenScanner, ModesAreSwitchedOnceAndReportedAsFarAsTheyHaveAName) {
   int nMode = 0;
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, 7), KLV_ERROR_UNSUPPORTED);
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, -1), KLV_ERROR_UNSUPPORTED);
-  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE), KLV_ERROR_UNSUPPORTED);
   EXPECT_EQ(State().bCaptureEnabled, 0);
   EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
   EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
@@ -231,8 +230,8 @@ TEST_F(OpenScanner, AStreamThatStandsStillTimesOutAfterTenSeconds) {
 TEST_F(OpenScanner, AScannerThatClosesInEveryModeHangsNowhere) {
   // Of the image calls, in seconds. What waits one out would hang.
   constexpr double cdShortestTimeout = 10.0;
-  for (const int nMode :
-       {KLV_VT40_CAPTURE_MODE_OFF, KLV_VT40_CAPTURE_MODE_PREVIEW, KLV_VT40_CAPTURE_MODE_FULL}) {
+  for (const int nMode : {KLV_VT40_CAPTURE_MODE_OFF, KLV_VT40_CAPTURE_MODE_PREVIEW,
+                          KLV_VT40_CAPTURE_MODE_FULL, KLV_VT40_CAPTURE_MODE_SIGNATURE}) {
     for (int nFrames = 0; nFrames < 3; ++nFrames) {
       ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
       for (int n = 0; n < nFrames; ++n) {

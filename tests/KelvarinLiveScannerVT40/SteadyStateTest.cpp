@@ -1,6 +1,7 @@
 // What a running stream costs: allocations and memory.
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -100,6 +101,16 @@ TEST_F(SteadyState, AFullFrameAllocatesNothing) {
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
   Poll(LS_VT40GetImage, 5);
   EXPECT_EQ(CountAllocations([&] { Poll(LS_VT40GetImage, 5); }), 0u);
+}
+
+TEST_F(SteadyState, AFrameOfASignatureAllocatesNothing) {
+  LoadScene(R"({"scanners": [{"serial": "VT40-AB0001", "pen": {"strokes": [
+      {"at": 0, "line": "straight", "speed": 20, "points": [[10, 20], [70, 30], [10, 40], [70, 50]]}]}}]})");
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE), 0);
+  Poll(LS_VT40GetPreviewImage, 5);
+  EXPECT_EQ(CountAllocations([&] { Poll(LS_VT40GetPreviewImage, 20); }), 0u);
+  Poll(LS_VT40GetImage, 1);
+  EXPECT_LT(*std::min_element(m_aImage.begin(), m_aImage.end()), 128) << "something was written";
 }
 
 TEST_F(SteadyState, AnAllocationIsSeen) {

@@ -53,3 +53,30 @@ TEST(DeviationRow, EveryLevelEqualsTheReferenceForEveryTailAndTheLimitItselfIsIn
   DeviationRow(aIn, aMean, aOut, 4, 22);
   EXPECT_EQ(std::vector<uint8_t>(aOut, aOut + 4), (std::vector<uint8_t>{0, 255, 0, 255}));
 }
+
+TEST(RemoveBackgroundRow, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const auto aPicture = oSamples.Row<uint8_t>(nCount), aOldest = oSamples.Row<uint8_t>(nCount);
+    const auto aSums = oSamples.Row<uint16_t>(nCount);
+    TpGuardedRow<uint8_t> oPicture(aPicture), oOldest(aOldest);
+    TpGuardedRow<uint8_t> oExpected(aPicture), oExpectedOldest(aOldest);
+    TpGuardedRow<uint16_t> oSums(aSums), oExpectedSums(aSums);
+    RemoveBackgroundRow(oPicture.Data(), oOldest.Data(), oSums.Data(), nCount);
+    Reference::RemoveBackgroundRow(oExpected.Data(), oExpectedOldest.Data(), oExpectedSums.Data(), nCount);
+    ExpectSameAndGuarded(oPicture, oExpected);
+    ExpectSameAndGuarded(oOldest, oExpectedOldest);
+    ExpectSameAndGuarded(oSums, oExpectedSums);
+  });
+}
+
+TEST(RemoveBackgroundRow, ABrightObjectThatStaysFadesWithinEightPictures) {
+  uint8_t aHistory[8] = {};
+  uint16_t nSum = 0;
+  std::vector<uint8_t> aLeft;
+  for (int n = 0; n < 10; ++n) {
+    uint8_t nPixel = 200;
+    RemoveBackgroundRow(&nPixel, &aHistory[n % 8], &nSum, 1);
+    aLeft.push_back(nPixel);
+  }
+  EXPECT_EQ(aLeft, (std::vector<uint8_t>{200, 175, 150, 125, 100, 75, 50, 25, 0, 0}));
+}

@@ -28,14 +28,15 @@ class ClLevelGuard {
 template <typename T>
 class TpGuardedRow {
  public:
-  explicit TpGuardedRow(size_t nCount) : m_aData(nCount + 2 * cnGuard, static_cast<T>(cnPattern)) {}
+  explicit TpGuardedRow(size_t nCount)
+      : m_nCount(nCount), m_aData(nCount + 2 * cnGuard, static_cast<T>(cnPattern)) {}
   /// The row begins as a copy of another one, for kernels that add to it or work in place.
   explicit TpGuardedRow(const std::vector<T>& aStart) : TpGuardedRow(aStart.size()) {
     std::copy(aStart.begin(), aStart.end(), Data());
   }
 
   T* Data() { return m_aData.data() + cnGuard; }
-  std::vector<T> Row() const { return {m_aData.begin() + cnGuard, m_aData.end() - cnGuard}; }
+  std::vector<T> Row() const { return {m_aData.data() + cnGuard, m_aData.data() + cnGuard + m_nCount}; }
   bool GuardsIntact() const {
     for (size_t i = 0; i < cnGuard; ++i) {
       if (m_aData[i] != static_cast<T>(cnPattern)) return false;
@@ -47,6 +48,7 @@ class TpGuardedRow {
  private:
   static constexpr size_t cnGuard = 64;
   static constexpr unsigned cnPattern = 0xA5;
+  size_t m_nCount;
   std::vector<T> m_aData;
 };
 

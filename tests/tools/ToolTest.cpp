@@ -166,6 +166,22 @@ TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
   EXPECT_NE(oGeometry["reason"].get<std::string>().find("Calibration Data currupt"), std::string::npos);
 }
 
+TEST_F(Tool, TakesASignatureWhenThePenRests) {
+  const std::string sScene = SceneFile(R"({"scanners": [{"pen": {"strokes": [
+      {"at": 0.5, "line": "straight", "speed": 40, "points": [[10, 15], [70, 25]]}]}}]})");
+  const StRun oRun = Run("sign --half --time 0.4 --format bmp --json" + sScene + Out());
+  ASSERT_EQ(oRun.nExit, 0) << oRun.sOutput;
+  const nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+  EXPECT_EQ(oFacts["done"], true);
+  EXPECT_GT(oFacts["ink"]["width"], 900);
+  EXPECT_LT(oFacts["ink"]["height"], 300);
+  EXPECT_EQ(FileOf("preview.bmp").size(), 14u + 40 + 1024 + 800 * 400);
+  EXPECT_EQ(FileOf("signature.bmp").size(), 14u + 40 + 1024 + 1600 * 800);
+  const StRun oEndless = Run("sign --time 0 --timeout 3 --sigma 4" + sScene + Out());
+  EXPECT_EQ(oEndless.nExit, 0) << oEndless.sOutput;
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "signature.png"));
+}
+
 TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   const auto Expect = [](const std::string& sArguments, int nExit, const char* szText) {
     const StRun oRun = Run(sArguments);
@@ -177,6 +193,8 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("capture --scene empty --print x.png", 2, "exclude each other");
   Expect("property get --scene finger none", 2, "unknown");
   Expect("roll --timeout 1 --scene empty" + Out(), 5, "no finger rolled");
+  Expect("sign --timeout 1 --scene empty" + Out(), 5, "nothing was signed");
+  Expect("sign --sigma 0.4", 2, "--sigma");
   Expect("list" + SceneFile(R"({"scanners": []})"), 3, "no scanner");
   Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");

@@ -36,11 +36,21 @@ struct StCalibrateOptions {
   std::string sCheckFolder;     ///< of the stored data; empty: the scanner's
 };
 
+struct StSignOptions {
+  StCaptureOptions oCapture;  ///< folder, format and time-out
+  double dTime = 2.0;         ///< the pause that ends a signature; 0: the time-out does
+  double dSigma = 2.0;        ///< softness of the ink
+  bool bHalf = false;         ///< the upper half of the platen only
+
+  StSignOptions() { oCapture.sMode = "signature"; }
+};
+
 int RunList(const StCommonOptions& oCommon);
 int RunInfo(const StCommonOptions& oCommon);
 int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions);
 int RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions);
 int RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions);
+int RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions);
 int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
 int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
 int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);

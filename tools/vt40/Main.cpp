@@ -19,6 +19,7 @@ struct StCommandLine {
   StCaptureOptions oCapture;
   StRollOptions oRoll;
   StCalibrateOptions oCalibrate;
+  StSignOptions oSign;
   std::string sPropertyName;
   std::string sPropertyValue;
   unsigned int nLedIndex = 0;
@@ -118,6 +119,25 @@ void AddCalibrate(CLI::App& oApp, StCommandLine& oLine) {
       ->excludes(pFrom);
 }
 
+void AddSign(CLI::App& oApp, StCommandLine& oLine) {
+  StSignOptions& oSign = oLine.oSign;
+  CLI::App* pSign = AddCommand(oApp, oLine, "sign", "Let somebody sign on the platen",
+                               [&oLine] { return RunSign(oLine.oCommon, oLine.oSign); });
+  AddPictures(*pSign, oSign.oCapture);
+  pSign
+      ->add_option(
+          "--time", oSign.dTime,
+          "Seconds of processor time without the pen that end a signature; 0: it ends with --timeout")
+      ->check(CLI::Range(0.0, 3600.0))
+      ->capture_default_str();
+  pSign->add_option("--sigma", oSign.dSigma, "Softness of the ink in pixels of the finished picture")
+      ->check(CLI::Range(0.5, 100.0))
+      ->capture_default_str();
+  pSign->add_flag("--half", oSign.bHalf,
+                  "Sign on the upper half of the platen, in pictures of half the height");
+  AddTimeout(*pSign, oSign.oCapture, "Seconds to wait for the end of the signature");
+}
+
 void AddProperty(CLI::App& oApp, StCommandLine& oLine) {
   CLI::App* pProperty = oApp.add_subcommand("property", "Read or set a property");
   pProperty->require_subcommand(1);
@@ -152,6 +172,7 @@ int RunTool(int nArguments, char** ppArguments) {
   AddCapture(oApp, oLine);
   AddRoll(oApp, oLine);
   AddCalibrate(oApp, oLine);
+  AddSign(oApp, oLine);
   AddProperty(oApp, oLine);
   AddSignals(oApp, oLine);
   try {

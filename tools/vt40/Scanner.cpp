@@ -197,6 +197,16 @@ StDelivery ClScanner::GetRoll(ClPicture& oPicture) {
   return Deliver(m_hScanner, LS_VT40GetRollImage, oPicture, "roll", m_sSerial);
 }
 
+StDelivery ClScanner::GetSignature(ClPicture& oPicture) {
+  oPicture = FormOf(m_hScanner, LS_VT40GetSignatureImageSize, LS_VT40GetImageDPI);
+  return Deliver(m_hScanner, LS_VT40GetImage, oPicture, "signature", m_sSerial);
+}
+
+StDelivery ClScanner::GetSignaturePreview(ClPicture& oPicture) {
+  oPicture = FormOf(m_hScanner, LS_VT40GetSignaturePreviewImageSize, LS_VT40GetPreviewImageDPI);
+  return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview of the signature", m_sSerial);
+}
+
 void ClScanner::SetLed(unsigned int nIndex, unsigned int nState) {
   Check(LS_VT40SetLED(m_hScanner, static_cast<unsigned char>(nIndex), static_cast<unsigned char>(nState)),
         "LED");

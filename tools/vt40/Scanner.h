@@ -53,6 +53,8 @@ class ClScanner {
   StDelivery GetImage(ClPicture& oPicture);
   StDelivery GetPreview(ClPicture& oPicture);
   StDelivery GetRoll(ClPicture& oPicture);
+  StDelivery GetSignature(ClPicture& oPicture);
+  StDelivery GetSignaturePreview(ClPicture& oPicture);
 
   void SetLed(unsigned int nIndex, unsigned int nState);
   void Beep(unsigned int nArg1, unsigned int nArg2);

@@ -1,0 +1,13 @@
+// The one place that asks for the processor time of the process.
+#pragma once
+
+namespace Klv {
+
+/// What all threads of the process have computed so far. A program that brings a clock() of its own in front of
+/// the C library's decides what is told here.
+///
+/// Units    microseconds, modulo the range of the type: differences are right, also across its end.
+/// Threads  thread-safe.
+unsigned long ProcessorTime() noexcept;
+
+}  // namespace Klv

@@ -1,0 +1,67 @@
+// A signature pad that goes frame by frame, by a clock of the test's own, and the true way of the pen.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+
+#include "ApiFixture.h"
+
+/// What clock() tells the library.
+inline std::atomic<long> s_nProcessorTime{0};
+
+constexpr int cnPadWidth = 960;
+
+class Signature : public OpenScanner {
+ protected:
+  static constexpr int cnFramesPerPreview = 3;
+
+  void TearDown() override {
+    VTSimHoldSequences(nullptr, 0);
+    OpenScanner::TearDown();
+  }
+
+  /// Puts the pad before a scene. Its sequences are held, so that no frame is lost at any speed of the machine.
+  void Start(const std::string& sScene, bool bHalf = false) {
+    Leave(KLV_VT40_CAPTURE_MODE_OFF);
+    LoadScene(sScene);
+    m_bHalf = bHalf;
+    ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", bHalf), 0);
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE), 0);
+    // Only from the second frame on there is something to compare.
+    ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
+  }
+
+  /// Frames are on their way while the scanner turns away.
+  void Leave(int nMode) {
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
+  }
+
+  /// Lets the frames of one preview through and fetches it.
+  StDelivered Step() {
+    s_nProcessorTime += cnFramesPerPreview * (m_bHalf ? 8333 : 16667);
+    VTSimPassSequences(nullptr, cnFramesPerPreview);
+    return Preview(m_bHalf ? 800 * 400 : 800 * 800);
+  }
+  /// Goes on to a moment of the scene; the number of previews that told a finished signature.
+  int StepUntil(double dSeconds) {
+    int nDone = 0;
+    while (State().dTime < dSeconds) {
+      m_oPreview = Step();
+      EXPECT_EQ(m_oPreview.nError, 0);
+      if (m_oPreview.nError != 0) break;
+      nDone += m_oPreview.bDone;
+    }
+    return nDone;
+  }
+  StDelivered Picture() { return Image(m_bHalf ? 1600 * 800 : 1600 * 1600); }
+
+  StDelivered m_oPreview;
+  bool m_bHalf = false;
+};
+
+inline int Ink(const StDelivered& o) {
+  return static_cast<int>(std::count_if(o.aPixels.begin(), o.aPixels.end(), [](int n) { return n < 128; }));
+}

@@ -1,0 +1,174 @@
+// Signatures through the exported functions: what was written against what is drawn, and what ends a signature.
+#include <chrono>
+#include <ctime>
+#include <thread>
+
+#include "Seeds.h"
+#include "SignatureFixture.h"
+#include "SignatureTruth.h"
+
+/// Precedes that of the C library, also for the library under test.
+extern "C" clock_t clock() noexcept {
+  return s_nProcessorTime;
+}
+
+namespace {
+
+/// Straight strokes of the pen across the upper half, at 60 mm/s, from the moments given.
+std::string Lines(const std::vector<double>& aMoments, const char* szMore = "") {
+  std::string sStrokes;
+  double dY = 10.0;
+  for (const double dAt : aMoments) {
+    sStrokes += std::string(sStrokes.empty() ? "" : ",") + R"({"line": "straight", "at": )" +
+                std::to_string(dAt) + R"(, "points": [[10, )" + std::to_string(dY) + "], [70, " +
+                std::to_string(dY + 1.0) + "]]}";
+    dY += 6.0;
+  }
+  return R"({"scanners": [{"serial": "VT40-AB0001", "pen": {"strokes": [)" + sStrokes + "]}" + szMore + "}]}";
+}
+constexpr double cdLineSeconds = 1.0;
+
+class SignatureOfHeight : public Signature, public testing::WithParamInterface<bool> {};
+
+TEST_P(SignatureOfHeight, ShowsEveryStrokeOnceWhereThePenWas) {
+  // Narrow ink, so that what is measured is where it lies.
+  ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureFilterSigma", "0.5"), 0);
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
+    SCOPED_TRACE(nSeed);
+    Start(Seeded("signature", nSeed), GetParam());
+    // The preview keeps what was drawn before a change of modes.
+    ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
+    const std::vector<StStroke> aStrokes = TrueStrokes();
+    ASSERT_FALSE(aStrokes.empty());
+    EXPECT_EQ(StepUntil(aStrokes.back().dEnd), 0);
+    EXPECT_EQ(State().nBeeps, 0u);
+    EXPECT_EQ(StepUntil(aStrokes.back().dEnd + 3.0), 1) << "done is told once";
+    EXPECT_EQ(State().nBeeps, 1u);
+    const StDelivered oPicture = Picture();
+    ASSERT_EQ(oPicture.nError, 0);
+    EXPECT_EQ(oPicture.bDone, 1);
+    EXPECT_EQ(oPicture.nResult, 0);
+    EXPECT_EQ(oPicture.dScore, 0.0);
+    const StLikeness oLikeness = Compare(oPicture.aPixels, 1600, aStrokes);
+    EXPECT_LE(oLikeness.dRms, 1.5);
+    EXPECT_LE(oLikeness.dFarthest, 5.0) << "no line across a pen-up";
+    EXPECT_LE(oLikeness.dMissing, 0.034) << "a frame at each end";
+    EXPECT_LE(Compare(m_oPreview.aPixels, 800, aStrokes).dRms, 2.0);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothHeights, SignatureOfHeight, testing::Bool(),
+                         [](const auto& oInfo) { return oInfo.param ? "Half" : "Full"; });
+
+TEST_F(Signature, HasTheRulesAndSizesOfItsMode) {
+  EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), KLV_ERROR_INVALID_STATE) << "mode off";
+  for (const bool bHalf : {true, false}) {
+    Start("empty", bHalf);
+    EXPECT_EQ(State().nSensorMode, bHalf ? 38 : 6);
+    EXPECT_EQ(State().nPlanes, 1u);
+    EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", !bHalf), KLV_ERROR_INVALID_STATE);
+    unsigned int nWidth = 0, nHeight = 0;
+    EXPECT_EQ(LS_VT40GetSignaturePreviewImageSize(m_h, &nWidth, &nHeight), 0);
+    EXPECT_EQ(nWidth * nHeight, bHalf ? 800u * 400 : 800u * 800);
+    // The pixels behind an image of that size must stay.
+    for (int n = 0; n < 12; ++n) {
+      const StDelivered oPreview = Step();
+      ASSERT_EQ(oPreview.nError, 0);
+      EXPECT_EQ(oPreview.bDone, 0);
+      EXPECT_EQ(oPreview.nResult, KLV_ERROR_NO_FINGER);
+      EXPECT_EQ(Ink(oPreview), 0);
+    }
+    const StDelivered oPicture = Picture();
+    EXPECT_EQ(oPicture.nError, 0);
+    EXPECT_EQ(oPicture.bDone, 1) << "also when nothing was written";
+    EXPECT_TRUE(
+        std::all_of(oPicture.aPixels.begin(), oPicture.aPixels.end(), [](int n) { return n == 255; }));
+    EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
+  }
+}
+
+TEST_F(Signature, BeginsAnewWhenThePenComesBackAfterTheDetectTime) {
+  ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "1"), 0);
+  Start(Lines({0.5, 3.5, 5.0}));
+  EXPECT_EQ(StepUntil(3.4), 1);
+  const int nFirst = Ink(Picture());
+  EXPECT_GT(nFirst, 1000);
+  EXPECT_EQ(StepUntil(3.6), 0);
+  EXPECT_LT(Ink(m_oPreview), 300) << "the first line is gone";
+  EXPECT_EQ(StepUntil(4.9), 0) << "less than the time";
+  EXPECT_EQ(StepUntil(7.5), 1) << "two lines in one signature";
+  EXPECT_GT(Ink(Picture()), nFirst * 3 / 2);
+}
+
+TEST_F(Signature, WithoutADetectTimeIsNeverDoneAndNeverErased) {
+  ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "0"), 0);
+  Start(Lines({0.5, 6.0}));
+  EXPECT_EQ(StepUntil(5.5), 0);
+  const int nFirst = Ink(Picture());
+  EXPECT_EQ(StepUntil(8.0), 0);
+  EXPECT_GT(Ink(Picture()), nFirst * 3 / 2);
+  EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
+  EXPECT_EQ(StepUntil(8.2), 0);
+  EXPECT_EQ(Ink(m_oPreview) + Ink(Picture()), 0);
+}
+
+TEST_F(Signature, OfATapIsNone) {
+  Start("dot");
+  EXPECT_EQ(StepUntil(5.0), 0);
+  EXPECT_GT(
+      std::count_if(m_oPreview.aPixels.begin(), m_oPreview.aPixels.end(), [](int n) { return n < 255; }), 0);
+  EXPECT_EQ(Picture().bDone, 1) << "all the same the picture can be had";
+}
+
+TEST_F(Signature, MayBeLeftAtAnyFrame) {
+  for (int nSteps = 0; nSteps < 12; ++nSteps) {
+    Start(Lines({0.3}), nSteps % 3 == 0);
+    for (int n = 0; n < nSteps; ++n) ASSERT_EQ(Step().nError, 0);
+    if (nSteps % 2 == 0) {
+      Leave(KLV_VT40_CAPTURE_MODE_PREVIEW);
+      EXPECT_EQ(Preview().nError, 0) << nSteps;
+    } else {
+      ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+      ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0) << nSteps;
+      ASSERT_EQ(Open(), 0);
+    }
+  }
+}
+
+TEST_F(Signature, OfAScannerThatDiesTimesOutAfter15SecondsAndKeepsItsStrokes) {
+  Start(Lines({0.3}));
+  StepUntil(1.0);
+  const int nInk = Ink(Picture());
+  EXPECT_GT(nInk, 100);
+  ASSERT_EQ(VTSimUnplug(nullptr), 0);
+  const auto tStart = std::chrono::steady_clock::now();
+  EXPECT_EQ(Preview().nError, KLV_ERROR_DISCONNECTED);
+  const std::chrono::duration<double> oWaited = std::chrono::steady_clock::now() - tStart;
+  EXPECT_GT(oWaited.count(), 14.9);
+  EXPECT_LT(oWaited.count(), 18.0);
+  EXPECT_EQ(Ink(Picture()), nInk);
+}
+
+TEST_F(Signature, IsTakenWhileOtherThreadsAskAndSet) {
+  Start(Lines({0.3}));
+  ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+  std::atomic<bool> bStop{false};
+  std::thread oSetter([&] {
+    for (int n = 0; !bStop; ++n) {
+      EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureFilterSigma", 0.5 + n % 3), 0);
+      EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureDetectTime", n % 2), 0);
+      EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", 1), KLV_ERROR_INVALID_STATE);
+      EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
+    }
+  });
+  std::thread oAsker([&] {
+    while (!bStop) EXPECT_EQ(Picture().nError, 0);
+  });
+  for (int n = 0; n < 20; ++n) EXPECT_EQ(Preview().nError, 0);
+  bStop = true;
+  oSetter.join();
+  oAsker.join();
+}
+
+}  // namespace
