@@ -15,7 +15,7 @@ extern "C" clock_t clock() noexcept {
 namespace {
 
 /// Straight strokes of the pen across the upper half, at 60 mm/s, from the moments given.
-std::string Lines(const std::vector<double>& aMoments, const char* szMore = "") {
+std::string Lines(const std::vector<double>& aMoments) {
   std::string sStrokes;
   double dY = 10.0;
   for (const double dAt : aMoments) {
@@ -24,9 +24,8 @@ std::string Lines(const std::vector<double>& aMoments, const char* szMore = "") 
                 std::to_string(dY + 1.0) + "]]}";
     dY += 6.0;
   }
-  return R"({"scanners": [{"serial": "VT40-AB0001", "pen": {"strokes": [)" + sStrokes + "]}" + szMore + "}]}";
+  return R"({"scanners": [{"serial": "VT40-AB0001", "pen": {"strokes": [)" + sStrokes + "]}}]}";
 }
-constexpr double cdLineSeconds = 1.0;
 
 class SignatureOfHeight : public Signature, public testing::WithParamInterface<bool> {};
 
@@ -54,7 +53,7 @@ TEST_P(SignatureOfHeight, ShowsEveryStrokeOnceWhereThePenWas) {
     EXPECT_LE(oLikeness.dRms, 1.5);
     EXPECT_LE(oLikeness.dFarthest, 5.0) << "no line across a pen-up";
     EXPECT_LE(oLikeness.dMissing, 0.034) << "a frame at each end";
-    EXPECT_LE(Compare(m_oPreview.aPixels, 800, aStrokes).dRms, 2.0);
+    EXPECT_LE(Compare(m_oPreview.aPixels, 800, aStrokes).dRms, 2.0) << "the preview";
   }
 }
 
@@ -68,10 +67,7 @@ TEST_F(Signature, HasTheRulesAndSizesOfItsMode) {
     EXPECT_EQ(State().nSensorMode, bHalf ? 38 : 6);
     EXPECT_EQ(State().nPlanes, 1u);
     EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", !bHalf), KLV_ERROR_INVALID_STATE);
-    unsigned int nWidth = 0, nHeight = 0;
-    EXPECT_EQ(LS_VT40GetSignaturePreviewImageSize(m_h, &nWidth, &nHeight), 0);
-    EXPECT_EQ(nWidth * nHeight, bHalf ? 800u * 400 : 800u * 800);
-    // The pixels behind an image of that size must stay.
+    // The fixture sees to it that nothing behind an image of the signature's size is written.
     for (int n = 0; n < 12; ++n) {
       const StDelivered oPreview = Step();
       ASSERT_EQ(oPreview.nError, 0);
@@ -82,8 +78,7 @@ TEST_F(Signature, HasTheRulesAndSizesOfItsMode) {
     const StDelivered oPicture = Picture();
     EXPECT_EQ(oPicture.nError, 0);
     EXPECT_EQ(oPicture.bDone, 1) << "also when nothing was written";
-    EXPECT_TRUE(
-        std::all_of(oPicture.aPixels.begin(), oPicture.aPixels.end(), [](int n) { return n == 255; }));
+    EXPECT_EQ(Ink(oPicture), 0);
     EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
   }
 }
@@ -92,37 +87,29 @@ TEST_F(Signature, BeginsAnewWhenThePenComesBackAfterTheDetectTime) {
   ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "1"), 0);
   Start(Lines({0.5, 3.5, 5.0}));
   EXPECT_EQ(StepUntil(3.4), 1);
-  const int nFirst = Ink(Picture());
-  EXPECT_GT(nFirst, 1000);
+  const int nFirst = Ink(m_oPreview);
+  EXPECT_GT(nFirst, 300);
   EXPECT_EQ(StepUntil(3.6), 0);
-  EXPECT_LT(Ink(m_oPreview), 300) << "the first line is gone";
+  EXPECT_LT(Ink(m_oPreview), nFirst / 2) << "the first line is gone";
   EXPECT_EQ(StepUntil(4.9), 0) << "less than the time";
   EXPECT_EQ(StepUntil(7.5), 1) << "two lines in one signature";
-  EXPECT_GT(Ink(Picture()), nFirst * 3 / 2);
+  EXPECT_GT(Ink(m_oPreview), nFirst * 3 / 2);
 }
 
 TEST_F(Signature, WithoutADetectTimeIsNeverDoneAndNeverErased) {
   ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "0"), 0);
-  Start(Lines({0.5, 6.0}));
+  Start(Lines({0.5, 4.0}));
+  EXPECT_EQ(StepUntil(3.5), 0);
+  const int nFirst = Ink(m_oPreview);
   EXPECT_EQ(StepUntil(5.5), 0);
-  const int nFirst = Ink(Picture());
-  EXPECT_EQ(StepUntil(8.0), 0);
-  EXPECT_GT(Ink(Picture()), nFirst * 3 / 2);
+  EXPECT_GT(Ink(m_oPreview), nFirst * 3 / 2);
   EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
-  EXPECT_EQ(StepUntil(8.2), 0);
+  EXPECT_EQ(StepUntil(5.7), 0);
   EXPECT_EQ(Ink(m_oPreview) + Ink(Picture()), 0);
 }
 
-TEST_F(Signature, OfATapIsNone) {
-  Start("dot");
-  EXPECT_EQ(StepUntil(5.0), 0);
-  EXPECT_GT(
-      std::count_if(m_oPreview.aPixels.begin(), m_oPreview.aPixels.end(), [](int n) { return n < 255; }), 0);
-  EXPECT_EQ(Picture().bDone, 1) << "all the same the picture can be had";
-}
-
 TEST_F(Signature, MayBeLeftAtAnyFrame) {
-  for (int nSteps = 0; nSteps < 12; ++nSteps) {
+  for (int nSteps = 0; nSteps < 8; ++nSteps) {
     Start(Lines({0.3}), nSteps % 3 == 0);
     for (int n = 0; n < nSteps; ++n) ASSERT_EQ(Step().nError, 0);
     if (nSteps % 2 == 0) {
