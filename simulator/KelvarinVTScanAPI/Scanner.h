@@ -93,6 +93,8 @@ class ClScanner {
   void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
   ClPoint PictureToSensor(double dX, double dY) const { return m_oSensor.Optics().PictureToSensor(dX, dY); }
   std::vector<VTSimPoint> TargetDots();
+  VTSimPen PenAt(double dTime);
+  std::vector<VTSimStroke> PenStrokes();
   void State(VTSimState& oState);
   std::vector<VTSimBeep> Beeps();
   /// The records of the sequences from nFirst on, at most nRoom; the oldest may be forgotten.

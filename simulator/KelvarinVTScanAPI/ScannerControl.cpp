@@ -73,6 +73,31 @@ void ClScanner::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, ui
   m_oSensor.UnrolledTruth(dFrom, dUntil, pPicture, pCover);
 }
 
+VTSimPen ClScanner::PenAt(double dTime) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  VTSimPen oPen = VTSimPen();
+  oPen.nStroke = -1;
+  const ClPenPath* pPath = m_oSensor.Pen();
+  if (!pPath) return oPen;
+  const ClPenTip oTip = pPath->At(dTime);
+  oPen.bDown = oTip.bDown;
+  oPen.nStroke = oTip.nStroke;
+  oPen.dX = MmToPixel(oTip.dXMm);
+  oPen.dY = MmToPixel(oTip.dYMm);
+  const ClPoint oSensor = PictureToSensor(oPen.dX, oPen.dY);
+  oPen.dSensorX = oSensor.dX;
+  oPen.dSensorY = oSensor.dY;
+  return oPen;
+}
+
+std::vector<VTSimStroke> ClScanner::PenStrokes() {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  std::vector<VTSimStroke> aStrokes;
+  if (const ClPenPath* pPath = m_oSensor.Pen())
+    for (const ClPenStroke& oStroke : pPath->Strokes()) aStrokes.push_back({oStroke.dBegin, oStroke.dEnd});
+  return aStrokes;
+}
+
 unsigned ClScanner::Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom) {
   Guard oGuard(m_oState);
   const uint64_t nOldest = m_nSequences - std::min<uint64_t>(m_nSequences, g_cnFramesKept);

@@ -99,6 +99,21 @@ long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* p
   });
 }
 
+long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    NeedPointer(pPen);
+    *pPen = oScanner.PenAt(dTime);
+  });
+}
+
+long VTSimGetPenStrokes(const char* szSerial, VTSimStroke* pStrokes, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    const std::vector<VTSimStroke> aStrokes = oScanner.PenStrokes();
+    HandOut(aStrokes.data(), aStrokes.size(), pStrokes, pnCount);
+  });
+}
+
 long VTSimGetState(const char* szSerial, VTSimState* pState) {
   return On(szSerial, [&](ClScanner& oScanner) {
     NeedPointer(pState);

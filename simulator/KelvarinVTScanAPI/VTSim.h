@@ -63,6 +63,23 @@ typedef struct VTSimFrame {
   unsigned int nMoving;  /* of these, that come down, come off, slide or change their pressure */
 } VTSimFrame;
 
+/* The tip of the pen at one moment. Off the glass it is where it was lifted last, or where it will touch first. Whole
+ * numbers are pixel centres. */
+typedef struct VTSimPen {
+  int bDown;   /* 1 while it touches the glass */
+  int nStroke; /* which stroke it draws, from 0; -1 off the glass */
+  double dX;   /* in the ground-truth picture */
+  double dY;
+  double dSensorX; /* on the full sensor, as VTSimPictureToSensor tells it */
+  double dSensorY;
+} VTSimPen;
+
+/* A stroke of the pen: the tip is down from dBegin on and off the glass from dEnd on. */
+typedef struct VTSimStroke {
+  double dBegin;
+  double dEnd;
+} VTSimStroke;
+
 /* Why the last failing call of this thread failed; "" when there was none. Valid until the thread's next
  * call. */
 VTSIM_API const char* VTSimLastError(void);
@@ -109,6 +126,13 @@ typedef struct VTSimPoint {
  * calibration file: columns from left to right, each from top to bottom. Dots that are missing are told too. *pnCount:
  * in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room is too small. */
 VTSIM_API long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount);
+
+/* The pen at a moment of the scanner's time line. In a scene without a pen bDown is 0 and nStroke -1 always. */
+VTSIM_API long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen);
+
+/* The strokes of the scene's pen, in their order. *pnCount: in, the room; out, the number. -702 when the room is too
+ * small. */
+VTSIM_API long VTSimGetPenStrokes(const char* szSerial, VTSimStroke* pStrokes, unsigned int* pnCount);
 
 VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
 

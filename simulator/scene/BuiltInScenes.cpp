@@ -1,6 +1,7 @@
 // The scenes that need no file.
 #include "scene/BuiltInScenes.h"
 
+#include "scene/PenScenes.h"
 #include "scene/RollScenes.h"
 #include "scene/StagedScenes.h"
 #include "scene/TargetContent.h"
@@ -70,7 +71,8 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
   uint64_t nSeed = 1;
   const std::string sScene = CutSeed(sName, nSeed);
   ClScannerDescription oScanner;
-  bool bFound = StageScene(sScene, nSeed, oScanner) || StageRoll(sScene, nSeed, oScanner);
+  bool bFound = StageScene(sScene, nSeed, oScanner) || StageRoll(sScene, nSeed, oScanner) ||
+                StagePen(sScene, nSeed, oScanner);
   for (const char* szName : g_caszNames) {
     if (sScene != szName) continue;
     oScanner.aFingers = StillFingers(sScene);
@@ -88,7 +90,7 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
 }
 
 std::string BuiltInSceneNames() {
-  std::string sNames;
+  std::string sNames = PenSceneNames() + ", ";
   for (const char* szName : g_caszNames) sNames += std::string(szName) + ", ";
   return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + g_cszTarget;
 }

@@ -3,6 +3,7 @@
 
 #include "scene/DirtContent.h"
 #include "scene/FingerContent.h"
+#include "scene/PenContent.h"
 #include "scene/Random.h"
 #include "scene/TargetContent.h"
 
@@ -14,6 +15,9 @@ ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
     m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
   for (const ClDirtDescription& oDirt : oScanner.aDirt)
     m_aContent.push_back(std::make_unique<ClDirtContent>(oDirt));
+  if (oScanner.oPen.aStrokes.empty()) return;
+  m_pPen = std::make_shared<const ClPenPath>(oScanner.oPen.aStrokes);
+  m_aContent.push_back(std::make_unique<ClPenContent>(oScanner.oPen, m_pPen));
 }
 
 uint64_t ClPlatenScene::StateAt(double dSeconds) const {

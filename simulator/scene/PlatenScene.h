@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "scene/PenPath.h"
 #include "scene/PlatenContent.h"
 #include "scene/SceneDescription.h"
 
@@ -21,7 +22,11 @@ class ClPlatenScene : public ClPlatenContent {
   void DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const override;
   void Count(double dSeconds, ClPlatenFacts& oFacts) const override;
 
+  /// The way of the pen; null when the scene has none.
+  const ClPenPath* Pen() const noexcept { return m_pPen.get(); }
+
  private:
+  std::shared_ptr<const ClPenPath> m_pPen;
   std::vector<std::unique_ptr<const ClPlatenContent>> m_aContent;
 };
 

@@ -79,6 +79,28 @@ struct ClFingerDescription {
   ClRollDescription oRoll;
 };
 
+/// A point through which the tip of the pen goes.
+struct ClPenPoint {
+  double dXMm = 0.0;
+  double dYMm = 0.0;
+  double dPause = 0.0;  ///< seconds that it rests there
+};
+
+/// What the pen draws from a touch to the lift.
+struct ClStrokeDescription {
+  double dAt = -1.0;     ///< second of the touch; before 0: soon after the stroke before
+  double dSpeed = 60.0;  ///< mm per second
+  bool bCurve = true;    ///< a smooth line through the points, slower where it bends; else straight lines
+  std::vector<ClPenPoint> aPoints;
+};
+
+/// A pen whose tip is a small bright disc on the glass.
+struct ClPenDescription {
+  double dDiameterMm = 0.7;
+  double dStrength = 0.9;                     ///< light of the tip against that of a ridge, 0 to 1
+  std::vector<ClStrokeDescription> aStrokes;  ///< one after the other; none: there is no pen
+};
+
 /// Something on the glass that is no finger: a speck, or a smear of streaks when dLengthMm is larger than
 /// dWidthMm.
 struct ClDirtDescription {
@@ -136,6 +158,7 @@ struct ClScannerDescription {
   std::vector<ClAmbientPoint> aAmbient;  ///< room light over time, in order; empty: it stays
   double dNoise = 1.0;                   ///< factor on the sensor's noise
   std::vector<ClFingerDescription> aFingers;
+  ClPenDescription oPen;
   std::vector<ClDirtDescription> aDirt;
   ClTargetDescription oTarget;
 };

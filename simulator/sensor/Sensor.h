@@ -60,6 +60,8 @@ class ClSensor {
 
   uint64_t StateAt(double dSeconds) const { return m_oScene.StateAt(dSeconds); }
   ClPlatenFacts Facts(double dSeconds) const;
+  /// The way of the pen; null when the scene has none.
+  const ClPenPath* Pen() const noexcept { return m_oScene.Pen(); }
 
   /// Gives back all memory of frames; the next frame takes it anew.
   void Free();
