@@ -12,8 +12,6 @@ namespace {
 constexpr double g_cdPlaceStep = g_cdPixelMm / 32.0;
 // A point that is only touched.
 constexpr double g_cdTapSeconds = 0.08;
-// From one stroke to the next when nothing is said, and before the first.
-constexpr double g_cdLiftSeconds = 0.2;
 // Pieces of a curve from point to point: as long as a picture pixel, within bounds.
 constexpr double g_cdPieceMm = 0.05;
 constexpr int g_cnMostPieces = 32;
@@ -56,7 +54,7 @@ ClPenPath::ClPenPath(const std::vector<ClStrokeDescription>& aStrokes) {
 void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
   const std::vector<ClPenPoint>& aPoints = oStroke.aPoints;
   const double dFree = m_aStrokes.empty() ? 0.0 : m_aStrokes.back().dEnd;
-  const double dBegin = oStroke.dAt < 0.0 ? dFree + g_cdLiftSeconds : std::max(oStroke.dAt, dFree);
+  const double dBegin = oStroke.dAt < 0.0 ? dFree + oStroke.dAfter : std::max(oStroke.dAt, dFree);
   m_aKnots.push_back({dBegin, aPoints[0].dXMm, aPoints[0].dYMm});
   Rest(aPoints.size() == 1 && aPoints[0].dPause == 0.0 ? g_cdTapSeconds : aPoints[0].dPause);
   ClPlace oBefore{aPoints[0].dXMm, aPoints[0].dYMm};

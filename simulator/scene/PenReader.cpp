@@ -29,6 +29,7 @@ ClPenPoint ReadPoint(const nlohmann::json& oJson, const std::string& sPlace) {
 ClStrokeDescription ReadStroke(ClObject o) {
   ClStrokeDescription oStroke;
   oStroke.dAt = o.Number("at", oStroke.dAt, 0.0, g_cdLatestStroke);
+  oStroke.dAfter = o.Number("after", oStroke.dAfter, 0.0, g_cdLatestStroke);
   oStroke.dSpeed = o.Number("speed", oStroke.dSpeed, 0.1, 10000.0);
   oStroke.bCurve = o.Choice("line", 0, {"curve", "straight"}) == 0;
   o.Each("points", g_cnMostPoints, [&](const nlohmann::json& oPoint, const std::string& sWhere) {

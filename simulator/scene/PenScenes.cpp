@@ -31,9 +31,9 @@ class ClSignatureStage {
   bool Chance(double dPart) { return m_oRandom.Uniform() < dPart; }
   double X() const { return m_dX; }
 
-  void Begin(double dAt = -1.0) {
+  void Begin() {
     m_oPen.aStrokes.emplace_back();
-    m_oPen.aStrokes.back().dAt = dAt;
+    m_oPen.aStrokes.back().dAfter = m_oPen.aStrokes.size() == 1 ? Range(0.3, 0.6) : Range(0.12, 0.35);
     m_oPen.aStrokes.back().dSpeed = m_dSpeed * Vary(1.0, 0.1);
   }
 
@@ -46,7 +46,7 @@ class ClSignatureStage {
   /// One large loop.
   void Capital() {
     const double dHigh = Range(9.0, 13.0), dWide = Range(4.0, 6.0);
-    Begin(Range(0.3, 0.6));
+    Begin();
     To(m_dX + 0.3 * dWide, 0.9 * dHigh);
     To(m_dX, 0.2 * dHigh);
     To(m_dX + 0.5 * dWide, -0.05 * dHigh);
@@ -100,6 +100,7 @@ class ClSignatureStage {
     To(0.6 * m_dX, dLow - 2.0);
   }
 
+  size_t Strokes() const { return m_oPen.aStrokes.size(); }
   const ClPenDescription& Pen() const { return m_oPen; }
 
  private:
@@ -117,7 +118,7 @@ void Sign(uint64_t nSeed, ClScannerDescription& oScanner) {
     if (o.Chance(0.4)) o.Bar();
     if (o.Chance(0.4)) o.Dot();
   }
-  if (o.Chance(0.6)) o.Flourish();
+  if (o.Chance(0.6) || o.Strokes() < 3) o.Flourish();
   oScanner.oPen = o.Pen();
 }
 

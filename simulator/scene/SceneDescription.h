@@ -88,7 +88,8 @@ struct ClPenPoint {
 
 /// What the pen draws from a touch to the lift.
 struct ClStrokeDescription {
-  double dAt = -1.0;     ///< second of the touch; before 0: soon after the stroke before
+  double dAt = -1.0;     ///< second of the touch; before 0: dAfter says it
+  double dAfter = 0.2;   ///< seconds from the lift of the stroke before, or from 0
   double dSpeed = 60.0;  ///< mm per second
   bool bCurve = true;    ///< a smooth line through the points, slower where it bends; else straight lines
   std::vector<ClPenPoint> aPoints;
