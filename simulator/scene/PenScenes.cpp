@@ -13,6 +13,7 @@ namespace {
 constexpr double g_cdPi = 3.14159265358979323846;
 // The part of the platen that both readouts of the pad see, with some room.
 constexpr double g_cdLeftMm = 7.0, g_cdRightMm = 74.0, g_cdTopMm = 5.0, g_cdBottomMm = 34.0;
+constexpr double g_cdWidestLetterMm = 3.8;
 
 /// A signature in the making: loops that run on to the right, one above the other's end.
 class ClSignatureStage {
@@ -30,6 +31,8 @@ class ClSignatureStage {
   double Vary(double dMiddle, double dBy) { return m_oRandom.Range(dMiddle - dBy, dMiddle + dBy); }
   bool Chance(double dPart) { return m_oRandom.Uniform() < dPart; }
   double X() const { return m_dX; }
+  /// Letters for which there is room.
+  double Room() const { return (g_cdRightMm - 3.0 - m_dX) / g_cdWidestLetterMm; }
 
   void Begin() {
     m_oPen.aStrokes.emplace_back();
@@ -58,11 +61,11 @@ class ClSignatureStage {
   }
 
   /// Small letters without a lift: each a loop or an arch, some with an upper or a lower length.
-  void Letters(int nLetters) {
+  void Letters(double dLetters) {
     Begin();
     To(m_dX, 0.3);
-    for (int i = 0; i < nLetters; ++i) {
-      const double dWide = Range(2.6, 3.8), dKind = m_oRandom.Uniform();
+    for (int i = 1; i <= dLetters; ++i) {
+      const double dWide = Range(2.6, g_cdWidestLetterMm), dKind = m_oRandom.Uniform();
       const double dHigh = dKind < 0.25 ? Range(7.0, 10.0) : Range(2.8, 3.8);
       const double dDeep = dKind > 0.85 ? -Range(4.0, 6.0) : Range(-0.2, 0.4);
       To(m_dX + 0.75 * dWide, 0.55 * dHigh);
@@ -114,7 +117,7 @@ void Sign(uint64_t nSeed, ClScannerDescription& oScanner) {
   o.Capital();
   const int nWords = o.Chance(0.5) ? 1 : 2;
   while (o.X() < 50.0) {
-    o.Letters(static_cast<int>(o.Range(4.0, nWords == 1 ? 12.0 : 7.0)));
+    o.Letters(std::min(o.Range(4.0, nWords == 1 ? 12.0 : 7.0), o.Room()));
     if (o.Chance(0.4)) o.Bar();
     if (o.Chance(0.4)) o.Dot();
   }
