@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <numeric>
 
 #include "Frames.h"
+#include "Seeds.h"
 #include "scene/PlatenScene.h"
 #include "scene/SceneReader.h"
 
@@ -152,16 +152,6 @@ class ClPad {
   std::vector<double> m_aLight;
   int m_nFrame = 0;
 };
-
-/// The share of scenes that take part: a few, or as many as the environment asks for.
-int Seeds() {
-  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-  return szSeeds ? std::atoi(szSeeds) : 1;
-}
-
-std::string Seeded(const char* szScene, int nSeed) {
-  return std::string(szScene) + ":" + std::to_string(nSeed);
-}
 
 /// Follows a pen: how often it was seen in each stroke, how far from its place, and what the host made of the rest.
 struct ClTrace {
