@@ -195,7 +195,8 @@ TEST(PenScenes, EveryStrokeOfASignatureIsSeenWhereItIsInBothReadouts) {
       EXPECT_EQ(o.nGhosts + o.nLarge, 0) << sScene << " mode " << nMode;
       // Three would end the stroke for the host.
       EXPECT_LE(o.nLongestGap, 2) << sScene << " mode " << nMode;
-      EXPECT_LT(o.dDistance, 1.0) << sScene << " mode " << nMode;
+      // Of a slow tip the host sees the part that is ahead.
+      EXPECT_LT(o.dDistance, 1.5) << sScene << " mode " << nMode;
     }
   }
 }
