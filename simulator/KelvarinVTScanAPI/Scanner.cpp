@@ -8,8 +8,12 @@
 namespace Simulator {
 namespace {
 
-constexpr size_t g_cnBeepsKept = 256;
 constexpr size_t g_cnMostMasks = 16;
+// The register of the status LEDs ends with the bus of the character display.
+constexpr int g_cnDisplayBit = 40;
+constexpr uint64_t g_cnLedBits = (uint64_t{1} << g_cnDisplayBit) - 1;
+// Where the state of each LED stands, three bits wide.
+constexpr int g_canLedBit[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
 
 }  // namespace
 
@@ -42,7 +46,9 @@ void ClScanner::Plug(bool bPlugged) {
   if (m_bPlugged == bPlugged) return;
   m_bPlugged = bPlugged;
   m_fnNote((bPlugged ? "plugged " : "unplugged ") + m_sSerial + " at " + std::to_string(Time()));
-  if (!bPlugged) {
+  if (bPlugged) {
+    m_oDisplay = ClCharacterDisplay();
+  } else {
     m_nSession = 0;
     m_bCapture = false;
   }
@@ -182,20 +188,33 @@ void ClScanner::SetIllumination(Session nSession, unsigned nPattern) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
   m_nIllumination = nPattern;
+  AddLight(VTSIM_LIGHT_PLATEN, nPattern);
 }
 
 void ClScanner::SetStatusLed(Session nSession, uint64_t nPattern) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
+  // What is written on the bus of the display is no news of the LEDs.
+  const bool bBus = (nPattern & ~g_cnLedBits) != 0 || (m_nStatusLed & ~g_cnLedBits) != 0;
+  if (!bBus || ((nPattern ^ m_nStatusLed) & g_cnLedBits) != 0) AddLight(VTSIM_LIGHT_STATUS, nPattern);
   m_nStatusLed = nPattern;
   ++m_nStatusWrites;
+  const auto oNow = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now().time_since_epoch());
+  m_oDisplay.Write(static_cast<uint8_t>(nPattern >> g_cnDisplayBit), oNow.count());
+}
+
+void ClScanner::AddLight(int nKind, uint64_t nWord) {
+  VTSimLight oLight{Time(), nKind, nWord, {}};
+  if (nKind == VTSIM_LIGHT_STATUS)
+    for (size_t n = 0; n < std::size(g_canLedBit); ++n)
+      oLight.anLed[n] = static_cast<unsigned char>(nWord >> g_canLedBit[n] & 7);
+  m_oLights.Add(oLight);
 }
 
 void ClScanner::Beep(Session nSession, unsigned nArg1, unsigned nArg2) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
-  if (m_aBeeps.size() == g_cnBeepsKept) m_aBeeps.pop_front();
-  m_aBeeps.push_back({Time(), nArg1, nArg2});
+  m_oBeeps.Add({Time(), nArg1, nArg2});
   ++m_nBeeps;
 }
 
@@ -210,6 +229,7 @@ void ClScanner::SetCaptureMode(Session nSession, int nMode, const std::vector<ui
     throw ClSimError(eBadValue, "a sequence has 1 to 16 frames, not " + std::to_string(aMasks.size()));
   m_oSettings.pMode = pMode;
   m_oSettings.aMasks = aMasks;
+  for (const uint64_t nMask : aMasks) AddLight(VTSIM_LIGHT_SEQUENCE, nMask);
   Restart();
 }
 

@@ -4,7 +4,6 @@
 #include <array>
 #include <chrono>
 #include <condition_variable>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -12,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "KelvarinVTScanAPI/CharacterDisplay.h"
+#include "KelvarinVTScanAPI/Latest.h"
 #include "KelvarinVTScanAPI/VTSim.h"
 #include "scene/SceneDescription.h"
 #include "sensor/Sensor.h"
@@ -97,6 +98,8 @@ class ClScanner {
   std::vector<VTSimStroke> PenStrokes();
   void State(VTSimState& oState);
   std::vector<VTSimBeep> Beeps();
+  std::vector<VTSimLight> Lights();
+  void Display(VTSimDisplay& oDisplay);
   /// The records of the sequences from nFirst on, at most nRoom; the oldest may be forgotten.
   unsigned Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom);
   /// Waits until so many sequences were handed out. False when they weren't in time.
@@ -114,6 +117,7 @@ class ClScanner {
 
  private:
   static constexpr size_t g_cnFramesKept = 4096;
+  static constexpr size_t g_cnSignalsKept = 256;
 
   using Clock = std::chrono::steady_clock;
   using Guard = std::unique_lock<std::mutex>;
@@ -151,6 +155,7 @@ class ClScanner {
   void Delivered(const ClSensorSettings& oSettings);
   void Record(const ClSensorSettings& oSettings, const ClSight& oSight);
   void FreeFrames();
+  void AddLight(int nKind, uint64_t nWord);
 
   // Wants m_oRender held, and m_oState not.
   uint8_t* RenderInto(ClBlock& oBlock, double dTime, uint64_t nSequence);
@@ -182,8 +187,10 @@ class ClScanner {
   unsigned m_nIllumination = 0;
   uint64_t m_nStatusLed = 0;
   unsigned m_nStatusWrites = 0;
-  std::deque<VTSimBeep> m_aBeeps;
+  TpLatest<VTSimBeep> m_oBeeps{g_cnSignalsKept};
   unsigned m_nBeeps = 0;
+  TpLatest<VTSimLight> m_oLights{g_cnSignalsKept};
+  ClCharacterDisplay m_oDisplay;
   uint64_t m_nSequences = 0;
   bool m_bWaiting = false;
   std::vector<VTSimFrame> m_aFrames;  // a ring of fixed size: nothing is allocated for a sequence

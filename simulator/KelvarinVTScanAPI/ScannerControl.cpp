@@ -1,5 +1,6 @@
 // One scanner on the bus: what the control side reads of it and does to it.
 #include <algorithm>
+#include <cstring>
 
 #include "KelvarinVTScanAPI/Scanner.h"
 
@@ -26,7 +27,9 @@ void ClScanner::TakeDescription(const ClScannerDescription& oDescription, const 
     if ((bPlug || oFault.eKind == ClFaultDescription::eUnplug) && oFault.sName == m_sSerial)
       m_aPlans.push_back({oFault.dAt, bPlug});
   }
-  m_aBeeps.clear();
+  m_oBeeps.Clear();
+  m_oLights.Clear();
+  m_oDisplay = ClCharacterDisplay();
   m_nBeeps = m_nStatusWrites = 0;
   m_nSequences = m_nFrames = m_nSteadySince = 0;
   m_bHold = false;
@@ -135,7 +138,23 @@ void ClScanner::State(VTSimState& oState) {
 
 std::vector<VTSimBeep> ClScanner::Beeps() {
   Guard oGuard(m_oState);
-  return {m_aBeeps.begin(), m_aBeeps.end()};
+  return m_oBeeps.All();
+}
+
+std::vector<VTSimLight> ClScanner::Lights() {
+  Guard oGuard(m_oState);
+  return m_oLights.All();
+}
+
+void ClScanner::Display(VTSimDisplay& oDisplay) {
+  Guard oGuard(m_oState);
+  for (int n = 0; n < ClCharacterDisplay::nLines; ++n)
+    std::strcpy(oDisplay.aszLines[n], m_oDisplay.Line(n).c_str());
+  oDisplay.bOn = m_oDisplay.On();
+  oDisplay.bFourWires = m_oDisplay.FourWires();
+  oDisplay.nCommands = m_oDisplay.Commands();
+  oDisplay.nCharacters = m_oDisplay.Characters();
+  oDisplay.nLost = m_oDisplay.Lost();
 }
 
 void ClScanner::Advance(double dSeconds) {

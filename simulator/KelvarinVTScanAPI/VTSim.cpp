@@ -129,6 +129,21 @@ long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCoun
   });
 }
 
+long VTSimGetLights(const char* szSerial, VTSimLight* pLights, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    const std::vector<VTSimLight> aLights = oScanner.Lights();
+    HandOut(aLights.data(), aLights.size(), pLights, pnCount);
+  });
+}
+
+long VTSimGetDisplay(const char* szSerial, VTSimDisplay* pDisplay) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pDisplay);
+    if (pDisplay->nStructSize != sizeof(VTSimDisplay)) throw ClSimError(eBadValue, "nStructSize is wrong");
+    oScanner.Display(*pDisplay);
+  });
+}
+
 long VTSimGetFrames(const char* szSerial, unsigned long long nFirst, VTSimFrame* pFrames,
                     unsigned int* pnCount) {
   return On(szSerial, [&](ClScanner& oScanner) {

@@ -50,6 +50,30 @@ typedef struct VTSimBeep {
   unsigned int nArg2;
 } VTSimBeep;
 
+/* One word by which the host switched lights. */
+typedef struct VTSimLight {
+  double dTime;
+  int nKind; /* VTSIM_LIGHT_… */
+  unsigned long long nWord;
+  unsigned char anLed[12]; /* states of the status LEDs, 0 to 7; all 0 with the other kinds */
+} VTSimLight;
+
+#define VTSIM_LIGHT_STATUS 1   /* the status LED word */
+#define VTSIM_LIGHT_PLATEN 2   /* VTScanAPISetLEDEx, VTScanAPISetLED */
+#define VTSIM_LIGHT_SEQUENCE 3 /* one plane of VTScanAPISetCaptureMode */
+
+/* What the character display shows, and how that came about since the scene was loaded or the
+ * scanner was plugged. */
+typedef struct VTSimDisplay {
+  unsigned int nStructSize; /* in: sizeof(VTSimDisplay) */
+  char aszLines[2][17];     /* 16 characters each and a terminating zero; blanks while the display is off */
+  int bOn;
+  int bFourWires;           /* 1 since a host has told it that data come in halves */
+  unsigned int nCommands;   /* carried out */
+  unsigned int nCharacters; /* likewise */
+  unsigned int nLost;       /* of both, because they came while the display was busy */
+} VTSimDisplay;
+
 /* One sequence that was handed out, and what it showed. */
 typedef struct VTSimFrame {
   unsigned long long nNumber; /* counted from 0 since the scene was loaded */
@@ -139,6 +163,15 @@ VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
 /* Copies the latest beeps, oldest first (the scanner remembers 256). *pnCount: in, the room; out, the number.
  */
 VTSIM_API long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCount);
+
+/* Copies the latest words that switched lights, oldest first (the scanner remembers 256). Words that write the display
+ * alone are left out. *pnCount: in, the room; out, the number. */
+VTSIM_API long VTSimGetLights(const char* szSerial, VTSimLight* pLights, unsigned int* pnCount);
+
+/* The display is a two-line one with the HD44780 command set. It hangs on byte 5 of the status LED register (bits 7 to
+ * 4 data, 3 enable, 1 characters). Real time counts: a command keeps it busy for 37 us, clearing and returning for
+ * 1.52 ms, a character for 41 us, the first command of all for 4.1 ms. */
+VTSIM_API long VTSimGetDisplay(const char* szSerial, VTSimDisplay* pDisplay);
 
 /* Copies the records of the sequences from number nFirst on, oldest first (the scanner remembers 4096). *pnCount:
  * in, the room; out, the number copied. Less room than there are records is no failure. */

@@ -107,4 +107,19 @@ TEST_F(OpenScanner, TheDisplayIsWrittenNibbleByNibble) {
   EXPECT_EQ(LS_VT40SetDisplayData(m_h, 0, szText, 2), KLV_ERROR_DISCONNECTED);
 }
 
+TEST_F(OpenScanner, TheDisplayShowsSixteenCharactersALineAndNoMore) {
+  const std::string sText = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmn";
+  for (const unsigned int nSize : {40u, 0u, 17u, 32u, 1u, 16u}) {
+    std::string sShown = sText.substr(0, nSize);
+    ASSERT_EQ(LS_VT40SetDisplayData(m_h, 0, sShown.data(), nSize), 0);
+    sShown.resize(40, ' ');
+    VTSimDisplay o;
+    o.nStructSize = sizeof(o);
+    ASSERT_EQ(VTSimGetDisplay(nullptr, &o), 0);
+    EXPECT_EQ(o.aszLines[0], sShown.substr(0, 16)) << nSize;
+    EXPECT_EQ(o.aszLines[1], sShown.substr(16, 16)) << nSize;
+    EXPECT_EQ(o.nLost, 0u) << "the display was given its time";
+  }
+}
+
 }  // namespace

@@ -203,6 +203,44 @@ TEST_F(SimulatorTest, WhatTheHostSetsShowsOnTheControlSide) {
   ASSERT_EQ(nBeeps, 1u);
   EXPECT_EQ(aBeeps[0].nArg1, 300u);
   EXPECT_EQ(aBeeps[0].nArg2, 100u);
+  VTSimLight aLights[8];
+  unsigned nLights = 8;
+  ASSERT_EQ(VTSimGetLights(nullptr, aLights, &nLights), 0);
+  ASSERT_EQ(nLights, 5u);
+  EXPECT_EQ(aLights[0].nKind, VTSIM_LIGHT_PLATEN);
+  EXPECT_EQ(aLights[0].nWord, 0x1234u);
+  EXPECT_EQ(aLights[1].nKind, VTSIM_LIGHT_STATUS);
+  EXPECT_THAT(aLights[1].anLed, testing::ElementsAre(2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+  EXPECT_EQ(aLights[3].nKind, VTSIM_LIGHT_SEQUENCE);
+  EXPECT_EQ(aLights[3].nWord, 1u);
+  // 0x201: the second cell begins at bit 9.
+  EXPECT_THAT(aLights[4].anLed, testing::ElementsAre(1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
+}
+
+TEST_F(SimulatorTest, ThePenIsToldForAnyMomentInPictureAndSensor) {
+  Start(R"({"scanners": [{"pen": {"strokes": [{"at": 1, "line": "straight", "points": [[10, 20], [40, 20]]},
+                                              {"after": 0.25, "points": [[50, 20]]}]}}, {"serial": "VT40-AB0002"}]})");
+  VTSimStroke aStrokes[2];
+  unsigned nStrokes = 1;
+  EXPECT_EQ(VTSimGetPenStrokes(nullptr, aStrokes, &nStrokes), -702);
+  ASSERT_EQ(VTSimGetPenStrokes(nullptr, aStrokes, &nStrokes), 0);
+  EXPECT_DOUBLE_EQ(aStrokes[0].dEnd, 1.5);
+  EXPECT_DOUBLE_EQ(aStrokes[1].dBegin, 1.75);
+  VTSimPen o;
+  ASSERT_EQ(VTSimGetPenAt(nullptr, 1.25, &o), 0);
+  EXPECT_EQ(o.bDown, 1);
+  EXPECT_EQ(o.nStroke, 0);
+  EXPECT_NEAR(o.dX, 25.0 * 1600 / 81.28 - 0.5, 0.02);
+  double dX = 0.0, dY = 0.0;
+  ASSERT_EQ(VTSimPictureToSensor(nullptr, o.dX, o.dY, &dX, &dY), 0);
+  EXPECT_EQ(o.dSensorX, dX);
+  EXPECT_EQ(o.dSensorY, dY);
+  ASSERT_EQ(VTSimGetPenAt(nullptr, 1.6, &o), 0);
+  EXPECT_EQ(o.bDown, 0);
+  EXPECT_EQ(VTSimGetPenAt(nullptr, 1.6, nullptr), -701);
+  EXPECT_EQ(VTSimGetPenAt(nullptr, -1.0, &o), -44);
+  ASSERT_EQ(VTSimGetPenAt("VT40-AB0002", 1.25, &o), 0);
+  EXPECT_EQ(o.nStroke, -1) << "that one has no pen";
 }
 
 TEST_F(SimulatorTest, AnUnpluggedScannerAnswersNothingAndItsHandleStaysDead) {

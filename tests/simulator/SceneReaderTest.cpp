@@ -65,6 +65,8 @@ TEST(SceneReader, AFullSceneArrivesWithAllItSays) {
 TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   const ClScannerDescription o = ReadScene(R"({"scanners": [{
        "ambient": [{"at": 1, "level": 3}, {"at": 1, "level": 30}],
+       "pen": {"diameter": 0.5, "strokes": [{"at": 1.5, "speed": 9, "line": "straight", "points": [[1, 2], [3, 4, 0.5]]},
+                                            {"after": 0.3, "points": [[5, 6]]}]},
        "dirt": [{"x": 1, "y": 2, "width": 3, "length": 4, "angle": 5, "strength": 0.6, "from": 7, "until": 8}],
        "fingers": [{"print": {"material": "halftone"}, "touch": 1, "lift": 2, "touchSeconds": 0.5, "liftSeconds": 0.1,
                     "repeat": 4, "halo": 0.5, "pressure": 0.7,
@@ -99,6 +101,15 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   EXPECT_EQ(oLast.dStripMm, 6.0) << "without a word all stays as it was a moment before";
   EXPECT_EQ(oLast.dTurn, 7.0);
   EXPECT_EQ(oLast.dDown, 0.0);
+  ASSERT_EQ(o.oPen.aStrokes.size(), 2u);
+  EXPECT_EQ(o.oPen.dDiameterMm, 0.5);
+  EXPECT_EQ(o.oPen.aStrokes[0].dAt, 1.5);
+  EXPECT_FALSE(o.oPen.aStrokes[0].bCurve);
+  ASSERT_EQ(o.oPen.aStrokes[0].aPoints.size(), 2u);
+  EXPECT_EQ(o.oPen.aStrokes[0].aPoints[1].dYMm, 4.0);
+  EXPECT_EQ(o.oPen.aStrokes[0].aPoints[1].dPause, 0.5);
+  EXPECT_LT(o.oPen.aStrokes[1].dAt, 0.0) << "without a word it follows the one before";
+  EXPECT_EQ(o.oPen.aStrokes[1].dAfter, 0.3);
   EXPECT_EQ(o.aFingers[1].dYMm, 20.32) << "a finger that rolls lies where rolls are seen";
   EXPECT_EQ(o.aFingers[1].dLift, 2.0 + o.aFingers[1].oRoll.aPath.back().dSeconds + 0.1);
 }
@@ -174,6 +185,11 @@ TEST(SceneReader, WhatIsNoSceneAtAllIsRefused) {
         "{\"scanners\": [{\"fingers\": [{\"slide\": {\"start\": 2, \"until\": 1}}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"roll\": {\"path\": [{\"at\": 2}, {\"at\": 1}]}}]}]}",
         "{\"scanners\": [{\"fingers\": [{\"roll\": {\"width\": 0}}]}]}",
+        R"({"scanners": [{"pen": {"strokes": [{"points": []}]}}]})",
+        R"({"scanners": [{"pen": {"strokes": [{"points": [[1, 2, 3, 4]]}]}}]})",
+        R"({"scanners": [{"pen": {"strokes": [{"points": [[1, "2"]]}]}}]})",
+        R"({"scanners": [{"pen": {"strokes": [{"points": [[1, 131]]}]}}]})",
+        R"({"scanners": [{"pen": {"strokes": [{"points": [[1, 2, -1]]}]}}]})",
         "{\"scanners\": [{\"ambient\": [{\"at\": 2}, {\"at\": 1}]}]}",
         "{\"faults\": [{\"call\": \"a\", \"plug\": \"b\"}]}",
         "{\"faults\": [{}]}",

@@ -29,8 +29,11 @@ class Tool : public testing::Test {
   void TearDown() override { std::filesystem::remove_all(m_oFolder); }
 
   static StRun Run(const std::string& sArguments) {
+    return RunCommand(std::string(KLV_TOOL) + " " + sArguments);
+  }
+  static StRun RunCommand(const std::string& sCommand) {
     StRun oRun;
-    std::FILE* pPipe = popen((std::string(KLV_TOOL) + " " + sArguments + " 2>&1").c_str(), "r");
+    std::FILE* pPipe = popen((sCommand + " 2>&1").c_str(), "r");
     if (pPipe == nullptr) return oRun;
     char aBuffer[4096];
     for (size_t n; (n = std::fread(aBuffer, 1, sizeof(aBuffer), pPipe)) != 0;)
@@ -70,8 +73,38 @@ TEST_F(Tool, TellsScannersAndWhatTheyAre) {
   EXPECT_EQ(oFacts["preview"]["pelsPerMetre"], 9842);
   EXPECT_EQ(Run("property get --scene finger nAutoCaptureBeep").sOutput, "0\n");
   EXPECT_EQ(Run("property set --scene finger nAutoCaptureBeep 1").nExit, 0);
-  EXPECT_EQ(Run("led --scene finger 3 4").nExit, 0);
-  EXPECT_EQ(Run("beep --scene finger").nExit, 0);
+}
+
+TEST_F(Tool, SetsLightsBuzzerAndDisplay) {
+  const auto Facts = [](const std::string& sArguments) {
+    const StRun oRun = Run(sArguments + " --scene empty --json");
+    EXPECT_EQ(oRun.nExit, 0) << oRun.sOutput;
+    nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+    oFacts.erase("serial");
+    return oFacts.dump();
+  };
+  EXPECT_EQ(Facts("led 3 4"), R"({"led":3,"state":4})");
+  EXPECT_EQ(Facts("beep"), R"({"values":[300,100]})");
+  EXPECT_EQ(Facts("display \"Put your thumb on the platen now\""),
+            R"({"lines":["Put your thumb o","n the platen now"]})");
+  EXPECT_EQ(Facts("display Hello World"), R"({"lines":["Hello           ","World"]})");
+}
+
+TEST_F(Tool, WithoutTheLivenessLibraryAutoLiveIsRefused) {
+  const std::filesystem::path oBuild = std::filesystem::path(KLV_TOOL).parent_path().parent_path();
+  std::filesystem::create_directory(m_oFolder / "bin");
+  std::filesystem::create_directory(m_oFolder / "lib");
+  std::filesystem::copy(KLV_TOOL, m_oFolder / "bin");
+  for (const auto& oEntry : std::filesystem::directory_iterator(oBuild / "lib")) {
+    if (oEntry.path().filename().string().find("fakefinger") == std::string::npos)
+      std::filesystem::copy(oEntry, m_oFolder / "lib");
+  }
+  // From there, so that nothing is found by way of the working directory.
+  const std::string sTool = "cd " + (m_oFolder / "bin").string() + " && LD_LIBRARY_PATH=../lib ./vt40 ";
+  EXPECT_EQ(RunCommand(sTool + "capture --mode off --scene finger" + Out()).nExit, 0);
+  const StRun oLive = RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out());
+  EXPECT_EQ(oLive.nExit, 2) << oLive.sOutput;
+  EXPECT_NE(oLive.sOutput.find("(-103)"), std::string::npos) << oLive.sOutput;
 }
 
 TEST_F(Tool, CapturesIntoPngFilesWithTheirResolution) {
@@ -195,6 +228,11 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("roll --timeout 1 --scene empty" + Out(), 5, "no finger rolled");
   Expect("sign --timeout 1 --scene empty" + Out(), 5, "nothing was signed");
   Expect("sign --sigma 0.4", 2, "--sigma");
+  Expect("led 12 0", 2, "12");
+  Expect("display", 2, "text is required");
+  Expect("display 'This text is longer than it may be'", 2, "34 characters");
+  Expect("display 'Seventeen letters' x", 2, "17 characters");
+  Expect("display Übung", 2, "ASCII");
   Expect("list" + SceneFile(R"({"scanners": []})"), 3, "no scanner");
   Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");
@@ -213,6 +251,10 @@ TEST_F(Tool, AScannerThatGoesDuringTheCaptureIsLost) {
       "faults": [{"unplug": "VT40-AB0001", "at": 0.0001}]})"));
   EXPECT_EQ(oRun.nExit, 6) << oRun.sOutput;
   EXPECT_NE(oRun.sOutput.find("VT40-AB0001"), std::string::npos) << oRun.sOutput;
+  const StRun oDisplay = Run("display Hello" + SceneFile(R"({"scanners": [{}], "faults": [
+      {"call": "VTScanAPIApplyInternalCommand", "first": 9, "result": -60}]})"));
+  EXPECT_EQ(oDisplay.nExit, 6) << oDisplay.sOutput;
+  EXPECT_NE(oDisplay.sOutput.find("display of scanner VT40-AB0001"), std::string::npos) << oDisplay.sOutput;
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The commands that ask or tell a scanner something without a picture.
 #include "Commands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -12,6 +13,28 @@ namespace {
 
 void PrintJson(const nlohmann::ordered_json& oJson) {
   std::puts(oJson.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+
+constexpr size_t cnDisplayLine = 16;
+
+/// The characters for the display, first line first.
+std::string DisplayText(const std::vector<std::string>& aTexts) {
+  const size_t nRoom = aTexts.size() == 1 ? 2 * cnDisplayLine : cnDisplayLine;
+  for (const std::string& sText : aTexts) {
+    if (sText.size() > nRoom)
+      throw ClToolError(eExitUsage, "\"" + sText + "\" has " + std::to_string(sText.size()) +
+                                        " characters; the display has room for " + std::to_string(nRoom) +
+                                        (aTexts.size() == 1 ? "" : " in a line"));
+    for (const char c : sText)
+      if (c < ' ' || c > '~')
+        throw ClToolError(
+            eExitUsage,
+            "\"" + sText + "\" has characters that the display doesn't know; it shows ASCII only");
+  }
+  std::string sAll = aTexts[0];
+  if (aTexts.size() == 1) return sAll;
+  sAll.resize(cnDisplayLine, ' ');
+  return sAll + aTexts[1];
 }
 
 nlohmann::ordered_json FormOf(const ClPicture& oPicture) {
@@ -83,6 +106,7 @@ int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nSt
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
   oScanner.SetLed(nIndex, nState);
+  if (oCommon.bJson) PrintJson({{"serial", oScanner.Serial()}, {"led", nIndex}, {"state", nState}});
   return eExitOk;
 }
 
@@ -91,5 +115,19 @@ int RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nAr
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
   oScanner.Beep(nArg1, nArg2);
+  if (oCommon.bJson) PrintJson({{"serial", oScanner.Serial()}, {"values", {nArg1, nArg2}}});
+  return eExitOk;
+}
+
+int RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts) {
+  const std::string sText = DisplayText(aTexts);
+  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+  const ClLibrary oLibrary;
+  ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oScanner.Display(sText);
+  if (oCommon.bJson) {
+    const size_t nFirst = std::min(sText.size(), cnDisplayLine);
+    PrintJson({{"serial", oScanner.Serial()}, {"lines", {sText.substr(0, nFirst), sText.substr(nFirst)}}});
+  }
   return eExitOk;
 }

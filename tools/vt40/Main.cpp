@@ -26,6 +26,7 @@ struct StCommandLine {
   unsigned int nLedState = 0;
   unsigned int nBeepArg1 = 300;
   unsigned int nBeepArg2 = 100;
+  std::vector<std::string> aDisplayTexts;
   std::function<int()> fnCommand;
 };
 
@@ -160,6 +161,13 @@ void AddSignals(CLI::App& oApp, StCommandLine& oLine) {
                                [&oLine] { return RunBeep(oLine.oCommon, oLine.nBeepArg1, oLine.nBeepArg2); });
   pBeep->add_option("first", oLine.nBeepArg1, "First value for the scanner")->capture_default_str();
   pBeep->add_option("second", oLine.nBeepArg2, "Second value for the scanner")->capture_default_str();
+  CLI::App* pDisplay = AddCommand(oApp, oLine, "display", "Show a text on the character display",
+                                  [&oLine] { return RunDisplay(oLine.oCommon, oLine.aDisplayTexts); });
+  pDisplay
+      ->add_option("text", oLine.aDisplayTexts,
+                   "Up to 32 characters, or two lines of up to 16; \"\" clears it")
+      ->required()
+      ->expected(1, 2);
 }
 
 int RunTool(int nArguments, char** ppArguments) {

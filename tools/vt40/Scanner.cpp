@@ -216,6 +216,11 @@ void ClScanner::Beep(unsigned int nArg1, unsigned int nArg2) {
   Check(LS_VT40Beep(m_hScanner, nArg1, nArg2), "beep");
 }
 
+void ClScanner::Display(std::string sText) {
+  Check(LS_VT40SetDisplayData(m_hScanner, 0, sText.data(), static_cast<unsigned int>(sText.size())),
+        "display of scanner " + m_sSerial);
+}
+
 std::string ClScanner::GetProperty(const std::string& sName) const {
   unsigned int nSize = 256;
   std::string sValue(nSize, '\0');

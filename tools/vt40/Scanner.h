@@ -58,6 +58,7 @@ class ClScanner {
 
   void SetLed(unsigned int nIndex, unsigned int nState);
   void Beep(unsigned int nArg1, unsigned int nArg2);
+  void Display(std::string sText);
   std::string GetProperty(const std::string& sName) const;
   void SetProperty(const std::string& sName, const std::string& sValue);
 

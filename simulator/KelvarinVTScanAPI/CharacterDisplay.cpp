@@ -1,0 +1,150 @@
+// The two-line character display of the scanner, behind the four data wires on which a host writes it.
+#include "KelvarinVTScanAPI/CharacterDisplay.h"
+
+#include <algorithm>
+
+namespace Simulator {
+namespace {
+
+constexpr uint8_t g_cnEnable = 0x08;
+constexpr uint8_t g_cnSelectCharacter = 0x02;
+constexpr int g_cnLineMemory = 40;
+constexpr uint8_t g_cnSecondLine = 0x40;  // its address
+
+// How long the controller is busy, in microseconds.
+constexpr int64_t g_cnClearTime = 1520;
+constexpr int64_t g_cnCommandTime = 37;
+constexpr int64_t g_cnCharacterTime = 41;
+constexpr int64_t g_cnWakeTime = 4100;
+
+}  // namespace
+
+std::array<uint8_t, ClCharacterDisplay::g_cnMemory> ClCharacterDisplay::Blanks() {
+  std::array<uint8_t, g_cnMemory> anMemory;
+  anMemory.fill(' ');
+  return anMemory;
+}
+
+void ClCharacterDisplay::Write(uint8_t nBus, int64_t nMicroseconds) {
+  const bool bFalls = (m_nBus & g_cnEnable) != 0 && (nBus & g_cnEnable) == 0;
+  const uint8_t nBefore = m_nBus;
+  m_nBus = nBus;
+  if (bFalls)
+    TakeNibble(static_cast<uint8_t>(nBefore >> 4), (nBefore & g_cnSelectCharacter) != 0, nMicroseconds);
+}
+
+void ClCharacterDisplay::TakeNibble(uint8_t nNibble, bool bCharacter, int64_t nMicroseconds) {
+  if (!m_bFourWires) {
+    Execute(static_cast<uint8_t>(nNibble << 4), bCharacter, nMicroseconds);
+  } else if (!m_bHalf) {
+    m_bHalf = true;
+    m_nUpper = nNibble;
+    m_nHalfTime = nMicroseconds;
+  } else {
+    m_bHalf = false;
+    Execute(static_cast<uint8_t>(m_nUpper << 4 | nNibble), bCharacter, m_nHalfTime);
+  }
+}
+
+void ClCharacterDisplay::Execute(uint8_t nByte, bool bCharacter, int64_t nMicroseconds) {
+  // No bit of a command is set: there is nothing to do.
+  if (nByte == 0 && !bCharacter) return;
+  if (nMicroseconds < m_nFree) {
+    ++m_nLost;
+    return;
+  }
+  int64_t nTime = g_cnCharacterTime;
+  if (bCharacter) {
+    PutCharacter(nByte);
+    ++m_nCharacters;
+  } else {
+    nTime = Command(nByte);
+    ++m_nCommands;
+  }
+  m_nFree = nMicroseconds + nTime;
+}
+
+/// The highest bit that is set tells what the command is.
+int64_t ClCharacterDisplay::Command(uint8_t nCommand) {
+  if (nCommand & 0x80) {
+    SetAddress(nCommand & 0x7F);
+  } else if (nCommand & 0x40) {
+    m_bOwnShapes = true;
+  } else if (nCommand & 0x20) {
+    return SetFunction(nCommand);
+  } else if (nCommand & 0x10) {
+    const bool bRight = (nCommand & 0x04) != 0;
+    if (nCommand & 0x08)
+      MoveWindow(bRight);
+    else
+      MoveCursor(bRight);
+  } else if (nCommand & 0x08) {
+    m_bOn = (nCommand & 0x04) != 0;
+  } else if (nCommand & 0x04) {
+    m_bForward = (nCommand & 0x02) != 0;
+    m_bWindowFollows = (nCommand & 0x01) != 0;
+  } else {
+    Home();
+    if (nCommand & 0x02) return g_cnClearTime;
+    m_anMemory = Blanks();
+    m_bForward = true;
+    return g_cnClearTime;
+  }
+  return g_cnCommandTime;
+}
+
+int64_t ClCharacterDisplay::SetFunction(uint8_t nCommand) {
+  m_bFourWires = (nCommand & 0x10) == 0;
+  m_bTwoLines = (nCommand & 0x08) != 0;
+  m_bHalf = false;
+  const bool bFirst = !m_bAwake;
+  m_bAwake = true;
+  return bFirst ? g_cnWakeTime : g_cnCommandTime;
+}
+
+void ClCharacterDisplay::PutCharacter(uint8_t nCharacter) {
+  if (m_bOwnShapes) return;
+  m_anMemory[static_cast<size_t>(m_nCursor)] = nCharacter;
+  MoveCursor(m_bForward);
+  if (m_bWindowFollows) MoveWindow(!m_bForward);
+}
+
+void ClCharacterDisplay::Home() {
+  m_nCursor = 0;
+  m_nWindow = 0;
+  m_bOwnShapes = false;
+}
+
+void ClCharacterDisplay::MoveCursor(bool bRight) {
+  m_nCursor = (m_nCursor + (bRight ? 1 : g_cnMemory - 1)) % g_cnMemory;
+}
+
+/// The picture goes to the right when the window goes to the left.
+void ClCharacterDisplay::MoveWindow(bool bRight) {
+  const int nWidth = m_bTwoLines ? g_cnLineMemory : g_cnMemory;
+  m_nWindow = (m_nWindow + (bRight ? nWidth - 1 : 1)) % nWidth;
+}
+
+/// Lines lie one behind the other in the memory but not in the addresses. An address that no character has is held
+/// to the last of its line.
+void ClCharacterDisplay::SetAddress(uint8_t nAddress) {
+  m_bOwnShapes = false;
+  if (!m_bTwoLines)
+    m_nCursor = std::min<int>(nAddress, g_cnMemory - 1);
+  else if (nAddress < g_cnSecondLine)
+    m_nCursor = std::min<int>(nAddress, g_cnLineMemory - 1);
+  else
+    m_nCursor = g_cnLineMemory + std::min(nAddress - g_cnSecondLine, g_cnLineMemory - 1);
+}
+
+std::string ClCharacterDisplay::Line(int nLine) const {
+  std::string sLine(nColumns, ' ');
+  if (!m_bOn || (nLine == 1 && !m_bTwoLines)) return sLine;
+  const int nWidth = m_bTwoLines ? g_cnLineMemory : g_cnMemory;
+  for (int i = 0; i < nColumns; ++i)
+    sLine[static_cast<size_t>(i)] =
+        static_cast<char>(m_anMemory[static_cast<size_t>(nLine * g_cnLineMemory + (m_nWindow + i) % nWidth)]);
+  return sLine;
+}
+
+}  // namespace Simulator
