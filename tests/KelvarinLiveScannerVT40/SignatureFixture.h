@@ -45,6 +45,8 @@ class Signature : public OpenScanner {
     VTSimPassSequences(nullptr, cnFramesPerPreview);
     return Preview(m_bHalf ? 800 * 400 : 800 * 800);
   }
+  /// The clock of the library goes on, and the scene does not.
+  static void Rest(double dSeconds) { s_nProcessorTime += static_cast<long>(1e6 * dSeconds); }
   /// Goes on to a moment of the scene; the number of previews that told a finished signature.
   int StepUntil(double dSeconds) {
     int nDone = 0;

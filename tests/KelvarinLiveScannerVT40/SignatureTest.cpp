@@ -40,9 +40,10 @@ TEST_P(SignatureOfHeight, ShowsEveryStrokeOnceWhereThePenWas) {
     ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
     const std::vector<StStroke> aStrokes = TrueStrokes();
     ASSERT_FALSE(aStrokes.empty());
-    EXPECT_EQ(StepUntil(aStrokes.back().dEnd), 0);
+    EXPECT_EQ(StepUntil(aStrokes.back().dEnd + 0.1), 0);
     EXPECT_EQ(State().nBeeps, 0u);
-    EXPECT_EQ(StepUntil(aStrokes.back().dEnd + 3.0), 1) << "done is told once";
+    Rest(2.0);
+    EXPECT_EQ(StepUntil(aStrokes.back().dEnd + 0.6), 1) << "done is told once";
     EXPECT_EQ(State().nBeeps, 1u);
     const StDelivered oPicture = Picture();
     ASSERT_EQ(oPicture.nError, 0);
@@ -85,26 +86,32 @@ TEST_F(Signature, HasTheRulesAndSizesOfItsMode) {
 
 TEST_F(Signature, BeginsAnewWhenThePenComesBackAfterTheDetectTime) {
   ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "1"), 0);
-  Start(Lines({0.5, 3.5, 5.0}));
-  EXPECT_EQ(StepUntil(3.4), 1);
+  Start(Lines({0.3, 1.8, 3.0}));
+  EXPECT_EQ(StepUntil(1.4), 0);
   const int nFirst = Ink(m_oPreview);
   EXPECT_GT(nFirst, 300);
-  EXPECT_EQ(StepUntil(3.6), 0);
+  Rest(1.0);
+  EXPECT_EQ(StepUntil(1.7), 1);
+  EXPECT_EQ(StepUntil(2.0), 0);
   EXPECT_LT(Ink(m_oPreview), nFirst / 2) << "the first line is gone";
-  EXPECT_EQ(StepUntil(4.9), 0) << "less than the time";
-  EXPECT_EQ(StepUntil(7.5), 1) << "two lines in one signature";
+  EXPECT_EQ(StepUntil(2.9), 0);
+  Rest(0.7);
+  EXPECT_EQ(StepUntil(4.1), 0) << "less than the time";
+  Rest(1.0);
+  EXPECT_EQ(StepUntil(4.4), 1) << "two lines in one signature";
   EXPECT_GT(Ink(m_oPreview), nFirst * 3 / 2);
 }
 
 TEST_F(Signature, WithoutADetectTimeIsNeverDoneAndNeverErased) {
   ASSERT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "0"), 0);
-  Start(Lines({0.5, 4.0}));
-  EXPECT_EQ(StepUntil(3.5), 0);
+  Start(Lines({0.3, 1.6}));
+  EXPECT_EQ(StepUntil(1.4), 0);
   const int nFirst = Ink(m_oPreview);
-  EXPECT_EQ(StepUntil(5.5), 0);
+  Rest(100.0);
+  EXPECT_EQ(StepUntil(2.7), 0);
   EXPECT_GT(Ink(m_oPreview), nFirst * 3 / 2);
   EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nResetImage", 1), 0);
-  EXPECT_EQ(StepUntil(5.7), 0);
+  EXPECT_EQ(StepUntil(2.9), 0);
   EXPECT_EQ(Ink(m_oPreview) + Ink(Picture()), 0);
 }
 
