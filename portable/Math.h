@@ -225,4 +225,14 @@ inline double Acos(double dValue) noexcept {
   return Atan2(std::sqrt((1.0 - dValue) * (1.0 + dValue)), dValue);
 }
 
+/// The length of the vector (dX, dY). Domain: squares within the range of a double.
+inline double Hypot(double dX, double dY) noexcept {
+  return std::sqrt(dX * dX + dY * dY);
+}
+
+/// To some ten units in the last place. Domain: positive; about 0 for 0.
+inline double CubeRoot(double dValue) noexcept {
+  return Exp(Log(dValue) / 3.0);
+}
+
 }  // namespace Portable

@@ -85,7 +85,7 @@ struct ClPlace {
 double OutlineDistance(double dX, double dY, double dHalfWidth, double dHalfHeight) {
   const double dA = std::fabs(dX) / dHalfWidth, dB = std::fabs(dY) / dHalfHeight;
   if (dY > 0.0) return std::sqrt(dA * dA + dB * dB);
-  return Portable::Exp(Portable::Log(dA * dA * dA + dB * dB * dB) / 3.0);
+  return Portable::CubeRoot(dA * dA * dA + dB * dB * dB);
 }
 
 class ClGrower {

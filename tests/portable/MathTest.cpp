@@ -62,6 +62,9 @@ TEST(PortableMath, ExactValuesAreExact) {
   EXPECT_EQ(Portable::Cos(cdPi), -1.0);
   EXPECT_LE(std::fabs(Portable::Cos(cdPi / 2) - 6.123233995736766e-17), 1e-32);
   EXPECT_LE(std::fabs(Portable::Sin(1e300)), 1.0);
+  EXPECT_EQ(Portable::Hypot(3.0, -4.0), 5.0);
+  EXPECT_NEAR(Portable::CubeRoot(0.125), 0.5, 1e-15);
+  EXPECT_LT(Portable::CubeRoot(0.0), 1e-100);
   EXPECT_TRUE(std::isnan(Portable::Cos(cdInfinity)));
   EXPECT_TRUE(std::isnan(Portable::Acos(1.5)));
 }
