@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Random.h"
 
 namespace Simulator {
@@ -47,8 +48,9 @@ double ClDirtContent::LightAt(double dAlong, double dAcross) const noexcept {
 void ClDirtContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   if (!ThereAt(dSeconds)) return;
   const double dTurn = m_oDescription.dAngle * 3.14159265358979323846 / 180.0;
-  const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
-  const double dReach = 0.5 * std::hypot(m_oDescription.dWidthMm, m_oDescription.dLengthMm) / g_cdPixelMm;
+  const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
+  const double dReach =
+      0.5 * Portable::Hypot(m_oDescription.dWidthMm, m_oDescription.dLengthMm) / g_cdPixelMm;
   const double dMidX = MmToPixel(m_oDescription.dXMm), dMidY = MmToPixel(m_oDescription.dYMm);
   const int nLeft = std::max(0, static_cast<int>(std::floor(dMidX - dReach)));
   const int nRight = std::min(g_cnPictureSide - 1, static_cast<int>(std::ceil(dMidX + dReach)));

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "portable/Math.h"
 #include "scene/PrintCache.h"
 #include "scene/Random.h"
 
@@ -190,7 +191,7 @@ void ClFingerContent::DrawSkin(const ClFingerPose& oPose, const ClStrip& oStrip,
   const ClDryness oDry(m_oDescription.oPrint.nSeed, m_oDescription.dDryness);
   const TpPlane<uint8_t>& oRidge = m_pPrint->oRidge;
   const double dTurn = oPose.dAngle * g_cdDegree;
-  const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
+  const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
   const double dMidX = MmToPixel(oPose.dXMm), dMidY = MmToPixel(oPose.dYMm);
   const double dHalfX = 0.5 * (oRidge.Width() * std::fabs(dCos) + oRidge.Height() * std::fabs(dSin)) + 1.0;
   const double dHalfY = 0.5 * (oRidge.Width() * std::fabs(dSin) + oRidge.Height() * std::fabs(dCos)) + 1.0;
@@ -200,8 +201,8 @@ void ClFingerContent::DrawSkin(const ClFingerPose& oPose, const ClStrip& oStrip,
   const int nEnd = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
   const ClRowDrawer oDrawer{*m_pPrint, oPress, oDry, ToFixed(dCos), ToFixed(dSin)};
   // Directions count counter-clockwise while rows run down.
-  const double dAcrossX = std::cos(m_oDescription.oRoll.dTilt * g_cdDegree);
-  const double dAcrossY = -std::sin(m_oDescription.oRoll.dTilt * g_cdDegree);
+  const double dAcrossX = Portable::Cos(m_oDescription.oRoll.dTilt * g_cdDegree);
+  const double dAcrossY = -Portable::Sin(m_oDescription.oRoll.dTilt * g_cdDegree);
   ClStripPress oStripPress{static_cast<float>(oStrip.dLow), static_cast<float>(oStrip.dHigh),
                            ClStripPress::g_cfFall / static_cast<float>(std::max(1.0, oStrip.dHalf)), 0.0f,
                            static_cast<float>(dCos * dAcrossX + dSin * dAcrossY)};

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Platen.h"
 
 namespace Simulator {
@@ -44,12 +45,12 @@ void Slide(const ClSlideDescription& oSlide, double dSince, ClDeviation& o) {
   const double dWay = oSlide.dSpeed * (std::min(dSince, oSlide.dUntil) - oSlide.dStart);
   double dAhead = dWay, dAside = 0.0;
   if (oSlide.dRadiusMm > 0.0) {
-    dAhead = oSlide.dRadiusMm * std::sin(dWay / oSlide.dRadiusMm);
-    dAside = oSlide.dRadiusMm * (1.0 - std::cos(dWay / oSlide.dRadiusMm));
+    dAhead = oSlide.dRadiusMm * Portable::Sin(dWay / oSlide.dRadiusMm);
+    dAside = oSlide.dRadiusMm * (1.0 - Portable::Cos(dWay / oSlide.dRadiusMm));
   }
   const double dTurn = oSlide.dDirection * g_cdPi / 180.0;
-  o.dXMm += dAhead * std::cos(dTurn) - dAside * std::sin(dTurn);
-  o.dYMm -= dAhead * std::sin(dTurn) + dAside * std::cos(dTurn);
+  o.dXMm += dAhead * Portable::Cos(dTurn) - dAside * Portable::Sin(dTurn);
+  o.dYMm -= dAhead * Portable::Sin(dTurn) + dAside * Portable::Cos(dTurn);
   o.bMoving = o.bMoving || dSince < oSlide.dUntil;
 }
 

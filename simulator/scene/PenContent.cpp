@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Random.h"
 
 namespace Simulator {
@@ -33,7 +34,7 @@ void ClPenContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   for (int y = nTop; y <= nBottom; ++y) {
     uint8_t* pContact = oMap.oContact.Row(y);
     for (int x = nLeft; x <= nRight; ++x) {
-      const double dInside = (dReach - std::hypot(x - dMidX, y - dMidY)) / g_cdRimPixels;
+      const double dInside = (dReach - Portable::Hypot(x - dMidX, y - dMidY)) / g_cdRimPixels;
       pContact[x] =
           std::max(pContact[x], static_cast<uint8_t>(255.0 * m_dStrength * std::clamp(dInside, 0.0, 1.0)));
     }

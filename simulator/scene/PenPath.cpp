@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Platen.h"
 
 namespace Simulator {
@@ -36,13 +37,13 @@ ClPlace Between(const ClPenPoint* const (&aPoints)[4], double dPart) {
 
 /// Part of the usual speed on the way from one place over the next to a third.
 double SpeedInBend(const ClPlace& oA, const ClPlace& oB, const ClPlace& oC) {
-  const double dFirst = std::hypot(oB.dX - oA.dX, oB.dY - oA.dY);
-  const double dSecond = std::hypot(oC.dX - oB.dX, oC.dY - oB.dY);
+  const double dFirst = Portable::Hypot(oB.dX - oA.dX, oB.dY - oA.dY);
+  const double dSecond = Portable::Hypot(oC.dX - oB.dX, oC.dY - oB.dY);
   const double dCross = (oB.dX - oA.dX) * (oC.dY - oB.dY) - (oB.dY - oA.dY) * (oC.dX - oB.dX);
   const double dAlong = (oB.dX - oA.dX) * (oC.dX - oB.dX) + (oB.dY - oA.dY) * (oC.dY - oB.dY);
-  const double dTurn = std::fabs(std::atan2(dCross, dAlong));
+  const double dTurn = std::fabs(Portable::Atan2(dCross, dAlong));
   const double dRadius = 0.5 * (dFirst + dSecond) / std::max(dTurn, 1e-9);
-  return std::clamp(std::cbrt(dRadius / g_cdUsualRadiusMm), g_cdSlowest, g_cdFastest);
+  return std::clamp(Portable::CubeRoot(dRadius / g_cdUsualRadiusMm), g_cdSlowest, g_cdFastest);
 }
 
 }  // namespace
@@ -62,7 +63,7 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
     const ClPenPoint* const aAround[4] = {&aPoints[i < 2 ? 0 : i - 2], &aPoints[i - 1], &aPoints[i],
                                           &aPoints[std::min(i + 1, aPoints.size() - 1)]};
     const double dChord =
-        std::hypot(aPoints[i].dXMm - aPoints[i - 1].dXMm, aPoints[i].dYMm - aPoints[i - 1].dYMm);
+        Portable::Hypot(aPoints[i].dXMm - aPoints[i - 1].dXMm, aPoints[i].dYMm - aPoints[i - 1].dYMm);
     const int nPieces =
         oStroke.bCurve ? std::clamp(static_cast<int>(dChord / g_cdPieceMm), 1, g_cnMostPieces) : 1;
     for (int n = 1; n <= nPieces; ++n) {
@@ -80,7 +81,7 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
 
 void ClPenPath::MoveTo(double dXMm, double dYMm, double dSpeed) {
   const ClKnot& oFrom = m_aKnots.back();
-  const double dWay = std::hypot(dXMm - oFrom.dXMm, dYMm - oFrom.dYMm);
+  const double dWay = Portable::Hypot(dXMm - oFrom.dXMm, dYMm - oFrom.dYMm);
   if (dWay > 0.0) m_aKnots.push_back({oFrom.dSeconds + dWay / dSpeed, dXMm, dYMm});
 }
 

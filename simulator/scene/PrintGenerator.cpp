@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Platen.h"
 #include "scene/Random.h"
 #include "scene/RidgeFlow.h"
@@ -30,11 +31,11 @@ Kernel MakeKernel(double dDirection, double dPeriod) {
   for (int y = -g_cnReach; y <= g_cnReach; ++y) {
     for (int x = -g_cnReach; x <= g_cnReach; ++x) {
       // Rows run downwards while directions are counted with y up.
-      const double dU = x * std::cos(dDirection) - y * std::sin(dDirection);
-      const double dV = x * std::sin(dDirection) + y * std::cos(dDirection);
+      const double dU = x * Portable::Cos(dDirection) - y * Portable::Sin(dDirection);
+      const double dV = x * Portable::Sin(dDirection) + y * Portable::Cos(dDirection);
       const size_t i = static_cast<size_t>(y + g_cnReach) * g_cnKernel + static_cast<size_t>(x + g_cnReach);
-      aEnvelope[i] = std::exp(-0.5 * (dU * dU / (dAlong * dAlong) + dV * dV / (dAcross * dAcross)));
-      aWave[i] = std::cos(2.0 * g_cdPi * dV / dPeriod);
+      aEnvelope[i] = Portable::Exp(-0.5 * (dU * dU / (dAlong * dAlong) + dV * dV / (dAcross * dAcross)));
+      aWave[i] = Portable::Cos(2.0 * g_cdPi * dV / dPeriod);
       dEnvelopeSum += aEnvelope[i];
       dWaveSum += aEnvelope[i] * aWave[i];
     }
@@ -84,7 +85,7 @@ struct ClPlace {
 double OutlineDistance(double dX, double dY, double dHalfWidth, double dHalfHeight) {
   const double dA = std::fabs(dX) / dHalfWidth, dB = std::fabs(dY) / dHalfHeight;
   if (dY > 0.0) return std::sqrt(dA * dA + dB * dB);
-  return std::cbrt(dA * dA * dA + dB * dB * dB);
+  return Portable::CubeRoot(dA * dA * dA + dB * dB * dB);
 }
 
 class ClGrower {
@@ -227,7 +228,7 @@ class ClGrower {
     const double dWave = 2.0 * g_cdPi * 133.0 * g_cdPixelMm / 25.4 * 0.70710678118654752;
     for (int y = 0; y < oRidge.Height(); ++y) {
       for (int x = 0; x < oRidge.Width(); ++x) {
-        const double dDot = std::cos(dWave * (x + y)) + std::cos(dWave * (x - y));
+        const double dDot = Portable::Cos(dWave * (x + y)) + Portable::Cos(dWave * (x - y));
         oRidge.At(x, y) = static_cast<uint8_t>(std::clamp(oRidge.At(x, y) + 45.0 * dDot, 0.0, 255.0));
       }
     }
@@ -254,7 +255,7 @@ class ClGrower {
     for (int y = std::max(0, nY - 3); y <= std::min(oRidge.Height() - 1, nY + 3); ++y) {
       for (int x = std::max(0, nX - 3); x <= std::min(oRidge.Width() - 1, nX + 3); ++x) {
         const double dSquare = (x - nX) * (x - nX) + (y - nY) * (y - nY);
-        const double dCut = 150.0 * std::exp(-0.5 * dSquare / (dRadius * dRadius));
+        const double dCut = 150.0 * Portable::Exp(-0.5 * dSquare / (dRadius * dRadius));
         oRidge.At(x, y) = static_cast<uint8_t>(std::max(0.0, oRidge.At(x, y) - dCut));
       }
     }

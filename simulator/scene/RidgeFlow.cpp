@@ -2,8 +2,8 @@
 #include "scene/RidgeFlow.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Random.h"
 
 namespace Simulator {
@@ -48,13 +48,13 @@ double ClRidgeFlow::Direction(double dX, double dY) const {
   const double dUp = std::clamp((dY + m_dHalfHeight) / (2.0 * m_dHalfHeight), 0.0, 1.0);
   const double dAcross = std::clamp(dX / m_dHalfWidth, -1.2, 1.2);
   if (m_nSingularities == 0) {
-    const double dHump = std::exp(-8.0 * (dUp - 0.45) * (dUp - 0.45));
-    return -std::atan((m_dSteepness * dHump * 1.3 + 0.9 * dUp * dUp) * std::sin(1.45 * dAcross));
+    const double dHump = Portable::Exp(-8.0 * (dUp - 0.45) * (dUp - 0.45));
+    return -Portable::Atan((m_dSteepness * dHump * 1.3 + 0.9 * dUp * dUp) * Portable::Sin(1.45 * dAcross));
   }
   double dAngle = 0.0;
   for (int i = 0; i < m_nSingularities; ++i) {
-    dAngle += std::atan2(dY - m_aCore[i].dY, dX - m_aCore[i].dX);
-    dAngle -= std::atan2(dY - m_aDelta[i].dY, dX - m_aDelta[i].dX);
+    dAngle += Portable::Atan2(dY - m_aCore[i].dY, dX - m_aCore[i].dX);
+    dAngle -= Portable::Atan2(dY - m_aDelta[i].dY, dX - m_aDelta[i].dX);
   }
   // A loop has only one delta, so that its open side would lack the steepness that the other side gets from
   // it.

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Random.h"
 
 namespace Simulator {
@@ -28,7 +29,7 @@ ClTargetDescription PlainTarget(uint64_t nSeed) {
 
 std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTarget) {
   const double dTurn = oTarget.dAngle * g_cdPi / 180.0;
-  const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
+  const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
   constexpr double dMiddle = 0.5 * (g_cnTargetSide - 1);
   std::array<ClPlaceMm, g_cnTargetDots> aPlaces;
   for (int n = 0; n < static_cast<int>(g_cnTargetDots); ++n) {
@@ -53,8 +54,8 @@ ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
   }
   ClRandom oRandom(Mix(oDescription.nSeed, MixText("marks")));
   const double dLight = oRandom.Range(0.0, 2.0 * g_cdPi);
-  m_dLightX = std::cos(dLight);
-  m_dLightY = std::sin(dLight);
+  m_dLightX = Portable::Cos(dLight);
+  m_dLightY = Portable::Sin(dLight);
   const auto Anywhere = [&oRandom] {
     const double dX = oRandom.Range(0.0, g_cdPlatenMm);
     return ClPlaceMm{dX, oRandom.Range(0.0, g_cdPlatenMm)};
@@ -67,7 +68,8 @@ ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
   for (unsigned n = 0; n < oDescription.nScratches; ++n) {
     const ClPlaceMm oPlace = Anywhere();
     const double dAngle = oRandom.Range(0.0, 2.0 * g_cdPi), dLength = oRandom.Range(2.0, 8.0);
-    const ClPlaceMm oEnd{oPlace.dX + dLength * std::cos(dAngle), oPlace.dY + dLength * std::sin(dAngle)};
+    const ClPlaceMm oEnd{oPlace.dX + dLength * Portable::Cos(dAngle),
+                         oPlace.dY + dLength * Portable::Sin(dAngle)};
     m_aMarks.push_back({oPlace, oEnd, 0.02, 0.5F, static_cast<float>(oRandom.Range(0.1, 0.6))});
   }
 }
@@ -108,7 +110,7 @@ void ClTargetContent::DrawMark(const ClMark& oMark, ClPlatenMap& oMap) noexcept 
       const double dX = (x + 0.5) * g_cdPixelMm - oMark.oFrom.dX;
       const double dY = (y + 0.5) * g_cdPixelMm - oMark.oFrom.dY;
       const double dAlong = dWay > 0.0 ? std::clamp((dX * dWayX + dY * dWayY) / dWay, 0.0, 1.0) : 0.0;
-      const double dOff = std::hypot(dX - dAlong * dWayX, dY - dAlong * dWayY);
+      const double dOff = Portable::Hypot(dX - dAlong * dWayX, dY - dAlong * dWayY);
       // The part of the pixel that the mark covers, were its edge straight.
       const double dCover = std::clamp(0.5 + (oMark.dRadiusMm - dOff) / g_cdPixelMm, 0.0, 1.0);
       const float fPart = oMark.fStrength * static_cast<float>(dCover);

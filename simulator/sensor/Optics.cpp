@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "portable/Math.h"
 #include "scene/Platen.h"
 #include "scene/Random.h"
 #include "sensor/SensorMode.h"
@@ -26,8 +27,8 @@ ClOptics::ClOptics(uint64_t nSeed) {
   m_dKeystoneY = oRandom.Range(0.012, 0.026);
   m_dBarrel = oRandom.Range(0.006, 0.012);
   const double dTwist = oRandom.Range(-0.005, 0.005);
-  m_dCos = std::cos(dTwist);
-  m_dSin = std::sin(dTwist);
+  m_dCos = Portable::Cos(dTwist);
+  m_dSin = Portable::Sin(dTwist);
   m_dFallX = oRandom.Range(0.15, 0.18);
   m_dFallY = oRandom.Range(0.11, 0.14);
   m_dTiltX = oRandom.Range(-0.003, 0.003);

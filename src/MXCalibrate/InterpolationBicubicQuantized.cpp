@@ -5,6 +5,7 @@
 
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXTools/FpImage.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ void DrawKernel(double dC, double dD, double dE, ClImage& oKernel) {
     for (int nX = 0; nX < cnSize; ++nX) {
       const double dU = (nX - cnCentre) / static_cast<double>(ClInterpolationBicubicTable::cnSteps);
       const double dQ = dV * dV + dU * dU;
-      pRow[nX] = static_cast<int32_t>(std::exp(-dQ / (2 * dD * dD)) * (2 * dC * dC - dQ) /
+      pRow[nX] = static_cast<int32_t>(Portable::Exp(-dQ / (2 * dD * dD)) * (2 * dC * dC - dQ) /
                                       (dD * dD * dD * dD) * 1024);
     }
   }

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -70,7 +71,7 @@ double ClDot::AngleOf(const ClVector& vFrom, const ClVector& vTo) {
   // The axes are exact.
   if (vWay.x == 0) return vWay.y < 0 ? 3 * cdPi / 2 : cdPi / 2;
   if (vWay.y == 0) return vWay.x < 0 ? cdPi : 0;
-  const double dAngle = std::atan2(vWay.y, vWay.x);
+  const double dAngle = Portable::Atan2(vWay.y, vWay.x);
   return dAngle < 0 ? dAngle + 2 * cdPi : dAngle;
 }
 

@@ -8,6 +8,7 @@
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXMath/RegressionLine.h"
 #include "MXTools/Exception.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ struct StStraightness {
     double dA;
     double dB;
     oLine.GetLineCoeffizienten(dA, dB);
-    dAngle = std::max(dAngle, std::fabs(std::atan(dA) * cdDegreesPerRadian));
+    dAngle = std::max(dAngle, std::fabs(Portable::Atan(dA) * cdDegreesPerRadian));
     for (unsigned int n = 0; n < nCount; ++n)
       dDistance = std::max(dDistance, oLine.DistFromLine(aPoints[nFirst + n * nStep]));
   }

@@ -1,10 +1,10 @@
 // Smoothing of a histogram, walks over its hills, and the threshold between its two clusters.
 #include <algorithm>
-#include <cmath>
 #include <iterator>
 #include <limits>
 
 #include "MXImageProcessing/Histogram.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -20,7 +20,7 @@ double Density(double dX, double dMean, double dDeviation) {
   constexpr double cdTwoPi = 6.283185307179586;
   if (dDeviation <= 0.0) return dX == dMean ? std::numeric_limits<double>::infinity() : 0.0;
   const double dDistance = (dX - dMean) / dDeviation;
-  return std::exp(-0.5 * dDistance * dDistance) / (dDeviation * dDeviation * cdTwoPi);
+  return Portable::Exp(-0.5 * dDistance * dDistance) / (dDeviation * dDeviation * cdTwoPi);
 }
 
 }  // namespace

@@ -2,11 +2,11 @@
 #include "MXImageProcessing/IpConnectedComponent2.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -34,10 +34,10 @@ double Eccentricity(const ClComponent& o) {
 /// Of the two principal directions the one across which the object spreads less.
 double Direction(const ClComponent& o) {
   const auto SpreadAcross = [&o](double dAngle) {
-    const double dCos = std::cos(dAngle), dSin = std::sin(dAngle);
+    const double dCos = Portable::Cos(dAngle), dSin = Portable::Sin(dAngle);
     return dCos * dCos * o.dMu02 - dCos * dSin * o.dMu11 + dSin * dSin * o.dMu20;
   };
-  const double dA = 0.5 * std::atan((o.dMu11 + o.dMu11) / (o.dMu20 - o.dMu02));
+  const double dA = 0.5 * Portable::Atan((o.dMu11 + o.dMu11) / (o.dMu20 - o.dMu02));
   const double dB = dA + 1.5707963267948966;
   return SpreadAcross(dA) > SpreadAcross(dB) ? dB : dA;
 }

@@ -2,12 +2,12 @@
 #include "MXImageProcessing/IpFilterGauss.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
+#include "portable/Math.h"
 
 long ClIpFilterGauss::ApplyParam(ClImage& oIn, ClImage& oOut, double dDeviation, long nWidth) {
   m_pInImage = &oIn;
@@ -60,7 +60,7 @@ void ClIpFilterGauss::CalcFilter(TpArrayStatic<double>& oReal, long nWidth) {
     const auto i = static_cast<double>(nFirst + n);
     const double dNone = nFirst + n == 0 ? 1.0 : 0.0;
     oReal[static_cast<unsigned int>(n)] =
-        bBell ? std::exp(-(i * i) / dTwoSquares) / (2.5066282746310002 * dSigma) : dNone;
+        bBell ? Portable::Exp(-(i * i) / dTwoSquares) / (2.5066282746310002 * dSigma) : dNone;
   }
 }
 

@@ -10,6 +10,7 @@
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterInterface.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ constexpr int64_t cnOne = int64_t{1} << cnFractionBits;
 constexpr double cdLargestCentre = 1 << 30;
 
 ClVector Turned(const ClVector& oPoint, double dAngle) {
-  const double dCos = std::cos(dAngle), dSin = std::sin(dAngle);
+  const double dCos = Portable::Cos(dAngle), dSin = Portable::Sin(dAngle);
   return {dCos * oPoint.x - dSin * oPoint.y, dSin * oPoint.x + dCos * oPoint.y};
 }
 
@@ -58,9 +59,9 @@ unsigned char Blend(const unsigned char* pPixel, size_t nRowBytes, int64_t nX, i
 
 struct ClIpRotate::ClFixedPoint {
   ClFixedPoint(double dAngle, const ClVector& oCentre, const ClVector& oShift)
-      : m_nCos(static_cast<int64_t>(std::cos(dAngle) * cnOne)),
-        m_nSin(static_cast<int64_t>(std::sin(dAngle) * cnOne)),
-        m_nSinNegative(static_cast<int64_t>(std::sin(-dAngle) * cnOne)),
+      : m_nCos(static_cast<int64_t>(Portable::Cos(dAngle) * cnOne)),
+        m_nSin(static_cast<int64_t>(Portable::Sin(dAngle) * cnOne)),
+        m_nSinNegative(static_cast<int64_t>(Portable::Sin(-dAngle) * cnOne)),
         m_nCentreX(static_cast<int64_t>(oCentre.x * cnOne)),
         m_nCentreY(static_cast<int64_t>(oCentre.y * cnOne)),
         m_dFirstX(0 - oCentre.x - oShift.x),

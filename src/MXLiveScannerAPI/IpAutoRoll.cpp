@@ -7,6 +7,7 @@
 #include "MXImageProcessing/Histogram.h"
 #include "MXImageProcessing/NewProcessor.h"
 #include "MXTools/Exception.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -193,7 +194,7 @@ ClIpAutoRoll::stMomentMeasures ClIpAutoRoll::ComputeCenterOfMassAndCentroidAngle
   const double dM20 = oRegion.dXX / dCount - oMeasures.dX * oMeasures.dX;
   const double dM02 = oRegion.dYY / dCount - oMeasures.dY * oMeasures.dY;
   const double dM11 = oRegion.dXY / dCount - oMeasures.dX * oMeasures.dY;
-  oMeasures.dAngle = 0.5 * std::atan2(2 * dM11, dM20 - dM02);
+  oMeasures.dAngle = 0.5 * Portable::Atan2(2 * dM11, dM20 - dM02);
   if (oMeasures.dAngle < 0.0) oMeasures.dAngle += cdPi;
   m_nMaxArea = std::max(m_nMaxArea, static_cast<int>(oRegion.nCount));
   return oMeasures;

@@ -6,6 +6,7 @@
 
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -24,7 +25,7 @@ int ScaledPels(int nPels, int nNew, int nOld) {
 double ClFilterLanczos2::Weight(double dX, double dLimit) {
   if (dX == 0) return 1.0;
   if (!(std::fabs(dX) < dLimit)) return 0;
-  return std::sin(cdPi * dX) * std::sin(cdPi * dX * 0.5) / (cdPi * cdPi * dX * dX * 0.5);
+  return Portable::Sin(cdPi * dX) * Portable::Sin(cdPi * dX * 0.5) / (cdPi * cdPi * dX * dX * 0.5);
 }
 
 long ClIpSubsampleFilterBase::ApplyParam(ClImage& oIn, ClImage& oOut, int nWidth, int nHeight) {

@@ -1,5 +1,6 @@
 // Sums of points, and the line that they stand for.
 #include "MXMath/RegressionLine.h"
+#include "portable/Math.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +16,7 @@ double AngleBetween(const ClVector& oA, const ClVector& oB) {
   const double dCosine = oA.Scalar(oB) / dLengths;
   if (dCosine <= -1) return cdPi;
   if (dCosine >= 1) return 0;
-  return std::acos(dCosine);
+  return Portable::Acos(dCosine);
 }
 
 }  // namespace
@@ -114,7 +115,7 @@ double ClRegressionLine::DistFromLine(const ClVector& oPoint) const {
   ClVector oEnd;
   GetLine(oStart, oEnd);
   const ClVector oTo = oPoint - oStart;
-  return oTo.Length() * std::sin(AngleBetween(oTo, oStart - oEnd));
+  return oTo.Length() * Portable::Sin(AngleBetween(oTo, oStart - oEnd));
 }
 
 bool ClRegressionLine::Horizontal() const {

@@ -6,15 +6,15 @@
 #include <memory>
 
 #include "MXMath/LinearSystemBOOST.h"
-#include "MXMath/PortableLog.h"
 #include "MXTools/Exception.h"
 #include "MXTools/TpArrayStatic.h"
 #include "MXTools/Vector.h"
+#include "portable/Math.h"
 
 /// The functions of T that a spline takes from outside. Log must be finite for 0.
 template <typename T>
 struct Default {
-  static T Log(T tValue) { return static_cast<T>(Klv::PortableLog(static_cast<double>(tValue))); }
+  static T Log(T tValue) { return static_cast<T>(Portable::Log(static_cast<double>(tValue))); }
 };
 
 /// The radial basis U = d log d of a squared distance d; 0 for d = 0, NaN for NaN.

@@ -107,7 +107,7 @@ ClBitmap::HeaderHolder ClBitmap::AllocBlock(uint64_t nHeadBytes, uint64_t nPixel
 ClBitmap::HeaderHolder ClBitmap::BitmapAlloc(long nWidth, long nHeight, long nBits, long nCompression,
                                              bool bPixels) {
   CheckBitCount(nBits);
-  if (nCompression < ePlain || nCompression > eBitFields)
+  if (nCompression < static_cast<long>(ePlain) || nCompression > static_cast<long>(eBitFields))
     KLV_RAISE(ClException, "ClBitmap::Create, Not Supported FOCC.", -31);
   const unsigned int nPixelBytes = PlainBytes(nWidth, nHeight, static_cast<unsigned int>(nBits));
   unsigned int nHeadBytes = cnHeaderSize;

@@ -35,18 +35,6 @@ void Fit(TpThinPlateSplines<T>& oSpline, const std::vector<ClVector>& aFrom,
   oSpline.Setup(static_cast<long>(aFrom.size()), aFrom.data(), aTo.data());
 }
 
-TEST(PortableLog, AgreesWithTheLibraryToTwoUnitsInTheLastPlace) {
-  std::mt19937_64 oRandom(3);
-  std::uniform_real_distribution<double> oExponent(-200, 200);
-  for (int n = 0; n < 200000; ++n) {
-    const double dValue = std::exp2(oExponent(oRandom));
-    const double dExpected = std::log(dValue);
-    const double dUnit = std::nextafter(std::fabs(dExpected), 1e9) - std::fabs(dExpected);
-    ASSERT_LE(std::fabs(Klv::PortableLog(dValue) - dExpected), 2 * dUnit) << dValue;
-  }
-  EXPECT_EQ(Klv::PortableLog(1.0), 0.0);
-}
-
 TEST(ThinPlateSplines, MeetsEachControlPointAndLeavesNoTraceOfASecondSetup) {
   const std::vector<ClVector> aFrom = Grid(8);
   TpThinPlateSplines<double> oSpline;
