@@ -61,29 +61,6 @@ double Brightness(const Plane& a) {
   return std::accumulate(aMiddle.begin(), itEnd, 0.0) / static_cast<double>(itEnd - aMiddle.begin());
 }
 
-/// Means over windows that the border cuts.
-Plane Smooth(const Plane& a, int nSide) {
-  const int nReach = nSide / 2;
-  std::vector<int64_t> aSums(static_cast<size_t>((cnWidth + 1) * (cnHeight + 1)));
-  const auto At = [](int x, int y) { return static_cast<size_t>(y * (cnWidth + 1) + x); };
-  for (int y = 0; y < cnHeight; ++y)
-    for (int x = 0; x < cnWidth; ++x)
-      aSums[At(x + 1, y + 1)] = a[static_cast<size_t>(y * cnWidth + x)] + aSums[At(x, y + 1)] +
-                                aSums[At(x + 1, y)] - aSums[At(x, y)];
-  Plane aOut(a.size());
-  for (int y = 0; y < cnHeight; ++y) {
-    const int nTop = std::max(0, y - nReach), nEnd = std::min(cnHeight, y + nReach + 1);
-    for (int x = 0; x < cnWidth; ++x) {
-      const int nLeft = std::max(0, x - nReach), nRight = std::min(cnWidth, x + nReach + 1);
-      aOut[static_cast<size_t>(y * cnWidth + x)] =
-          static_cast<int>((aSums[At(nRight, nEnd)] - aSums[At(nRight, nTop)] - aSums[At(nLeft, nEnd)] +
-                            aSums[At(nLeft, nTop)]) /
-                           ((nRight - nLeft) * (nEnd - nTop)));
-    }
-  }
-  return aOut;
-}
-
 /// The dirt that a host finds on sixteen frames of an empty platen: 0 to 100, the mean over 7 by 7 blocks.
 int Dirt(const std::string& sScene) {
   ClPreview oPreview(sScene);
@@ -93,7 +70,7 @@ int Dirt(const std::string& sScene) {
     EXPECT_LE(Brightness(a), cdEmptyLimit) << sScene;
     for (size_t i = 0; i < a.size(); ++i) aSum[i] += a[i];
   }
-  const Plane aGround = Smooth(Smooth(aSum, 11), 11);
+  const Plane aGround = Smooth(Smooth(aSum, cnWidth, 11), cnWidth, 11);
   int nDirt = 0;
   for (int j = 1; j <= 7; ++j) {
     for (int i = 1; i <= 7; ++i) {
@@ -121,7 +98,7 @@ double DarkerPart(const Plane& aPreview, const Plane& aFull) {
       aMerged[static_cast<size_t>(y * cnWidth + x)] =
           (aFull[n] + aFull[n + 1] + aFull[n + 2 * cnWidth] + aFull[n + 2 * cnWidth + 1]) / 4;
     }
-  const Plane aBefore = Smooth(aPreview, 101), aNow = Smooth(aMerged, 101);
+  const Plane aBefore = Smooth(aPreview, cnWidth, 101), aNow = Smooth(aMerged, cnWidth, 101);
   double dLit = 0.0, dDarker = 0.0;
   for (int y = 0; y < cnHeight * 9 / 10; ++y) {
     for (int x = cnWidth / 10; x < cnWidth * 9 / 10; ++x) {
