@@ -29,3 +29,9 @@ set(KLV_RUN_ENVIRONMENT "")
 if(KLV_SANITIZE)
   set(KLV_RUN_ENVIRONMENT "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 endif()
+
+# What stands in front of a program that a test starts: nothing, or an emulator.
+string(JOIN " " KLV_RUN_PREFIX ${CMAKE_CROSSCOMPILING_EMULATOR})
+if(KLV_RUN_PREFIX)
+  string(APPEND KLV_RUN_PREFIX " ")
+endif()

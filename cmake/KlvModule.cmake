@@ -58,6 +58,7 @@ function(klv_test NAME)
   endif()
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
+  target_compile_definitions(${NAME} PRIVATE KLV_RUN="${KLV_RUN_PREFIX}")
   # An empty value would vanish from the list and take its neighbour's place.
   set(properties TIMEOUT 300)
   foreach(property ENVIRONMENT LABELS)

@@ -162,7 +162,7 @@ class MadeRecord : public Measured {
   static std::vector<char> Make(const std::string& sSerial) {
     std::string sFolder = (std::filesystem::temp_directory_path() / "calibrate-XXXXXX").string();
     EXPECT_NE(mkdtemp(sFolder.data()), nullptr);
-    const std::string sCommand = std::string(KLV_TOOL) + " calibrate --out " + sFolder +
+    const std::string sCommand = std::string(KLV_RUN KLV_TOOL) + " calibrate --out " + sFolder +
                                  R"( --scene '{"scanners": [{"serial": ")" + sSerial +
                                  R"(", "target": {}}]}' >/dev/null)";
     EXPECT_EQ(std::system(sCommand.c_str()), 0);

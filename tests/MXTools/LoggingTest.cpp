@@ -13,8 +13,8 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 
 std::vector<std::string> LinesWith(const std::string& szEnvironment) {
-  const std::string szCommand =
-      "env -u KELVARIN_SDK_LOG -u KELVARIN_SDK_LOG_LEVEL " + szEnvironment + " '" KLV_LOG_PROGRAM "'";
+  const std::string szCommand = "env -u KELVARIN_SDK_LOG -u KELVARIN_SDK_LOG_LEVEL " + szEnvironment +
+                                " " KLV_RUN "'" KLV_LOG_PROGRAM "'";
   std::vector<std::string> aLines;
   FILE* pPipe = popen(szCommand.c_str(), "r");
   if (pPipe == nullptr) return aLines;

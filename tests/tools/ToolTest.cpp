@@ -29,7 +29,7 @@ class Tool : public testing::Test {
   void TearDown() override { std::filesystem::remove_all(m_oFolder); }
 
   static StRun Run(const std::string& sArguments) {
-    return RunCommand(std::string(KLV_TOOL) + " " + sArguments);
+    return RunCommand(std::string(KLV_RUN KLV_TOOL) + " " + sArguments);
   }
   static StRun RunCommand(const std::string& sCommand) {
     StRun oRun;
@@ -100,7 +100,8 @@ TEST_F(Tool, WithoutTheLivenessLibraryAutoLiveIsRefused) {
       std::filesystem::copy(oEntry, m_oFolder / "lib");
   }
   // From there, so that nothing is found by way of the working directory.
-  const std::string sTool = "cd " + (m_oFolder / "bin").string() + " && LD_LIBRARY_PATH=../lib ./vt40 ";
+  const std::string sTool =
+      "cd " + (m_oFolder / "bin").string() + " && LD_LIBRARY_PATH=../lib " KLV_RUN "./vt40 ";
   EXPECT_EQ(RunCommand(sTool + "capture --mode off --scene finger" + Out()).nExit, 0);
   const StRun oLive = RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out());
   EXPECT_EQ(oLive.nExit, 2) << oLive.sOutput;
