@@ -13,6 +13,7 @@ foreach(kind EXE SHARED MODULE)
   # Run paths of the old kind, which also hold for what the libraries of that folder need of each other.
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-L${libraries} -Wl,-rpath-link,${libraries} -Wl,--disable-new-dtags")
 endforeach()
+set(CMAKE_BUILD_RPATH ${libraries})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 

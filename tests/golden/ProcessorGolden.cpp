@@ -104,7 +104,8 @@ void Stage(const char* szStage, Types_t aTypes, TRun fnRun, int nWidth = 101, in
       nResult = o.Number();
     }
     oDigest.Add(static_cast<int>(nResult));
-    Add(oDigest, oOut);
+    // What a refusal leaves in the output is nobody's.
+    if (nResult >= 0) Add(oDigest, oOut);
   }
   PrintStage(szStage, oDigest);
 }
