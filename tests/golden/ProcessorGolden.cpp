@@ -100,9 +100,10 @@ void Stage(const char* szStage, Types_t aTypes, TRun fnRun, int nWidth = 101, in
     try {
       nResult = fnRun(oIn, oOut);
     } catch (const ClException& o) {
-      std::fprintf(stderr, "%s, type %02x: %s\n", szStage, nType, o.What());
+      std::fprintf(stderr, "%s: %s\n", szStage, o.What());
       nResult = o.Number();
     }
+    if (nResult < 0) std::fprintf(stderr, "%s, type %02x: %ld\n", szStage, nType, nResult);
     oDigest.Add(static_cast<int>(nResult));
     // What a refusal leaves in the output is nobody's.
     if (nResult >= 0) Add(oDigest, oOut);
@@ -142,7 +143,9 @@ void Arithmetic() {
 }
 
 void Thresholds() {
-  Stage("threshold", g_aAll, [](auto& a, auto& b) { return ClIpBinarizeGlobal().ApplyParam(a, b, 60.0); });
+  Stage("threshold", g_aAll, [](ClImage& a, ClImage& b) {
+    return ClIpBinarizeGlobal().ApplyParam(a, b, a.IsFloating() ? 0.6 : 60.0);
+  });
   Stage("local-threshold", g_aBytes,
         [](auto& a, auto& b) { return ClIpBinarizeLocal2().ApplyParam(a, b, 13, 9, 4); });
   Stage("components", {ClImage::eUint8}, [](ClImage& oIn, ClImage& oOut) {
@@ -203,7 +206,10 @@ void Geometry() {
               return ClIpRotate().ApplyParam(a, b, {50, 38}, dAngle, true, bSmooth);
             });
   }
-  for (int nMode = 0; nMode <= 4; ++nMode)
+  Stage("rescale-whole", g_aBytes, [](ClImage& a, ClImage& b) {
+    return ClIpRescale().ApplyParamPels(a, b, a.PelsX() / 5, a.PelsY() / 2, ClIpRescale::ModeWholeNumbered);
+  });
+  for (int nMode = 1; nMode <= 4; ++nMode)
     Stage(("rescale-" + std::to_string(nMode)).c_str(), g_aBytes, [nMode](ClImage& a, ClImage& b) {
       return ClIpRescale().ApplyParamSize(a, b, 140, 51, static_cast<ClIpRescale::eProcessingMode>(nMode));
     });

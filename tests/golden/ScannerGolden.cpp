@@ -25,24 +25,32 @@ constexpr char g_cszStill[] = R"({"scanners": [{"noise": 0, "planeOrder": "dark-
     {"print": {"seed": 3}, "x": 15, "y": 40, "angle": 8}, {"print": {"seed": 4}, "x": 34, "y": 33},
     {"print": {"seed": 5, "pattern": "right-loop"}, "x": 53, "y": 35}, {"print": {"seed": 6}, "x": 70, "y": 47}]}]})";
 
-/// One open scanner before a scene; what fails is printed and ends up in the digest.
+/// One stage: the open scanner before a scene; what fails is printed and ends up in the digest. All stages share one
+/// scanner, since its opening takes longer than most of them.
 class ClRun {
  public:
+  static void Open() {
+    ClRun oRun("open", "empty");
+    oRun.Check("initialise", LS_VT40Initialize(nullptr));
+    oRun.Check("open", LS_VT40OpenScanner("VT40-AB0001", &s_h));
+  }
+  static void Close() {
+    ClRun oRun("close", "empty");
+    oRun.Check("close", LS_VT40CloseScanner(&s_h));
+    oRun.Check("uninitialise", LS_VT40Uninitialize());
+  }
   ClRun(const char* szStage, const char* szScene) : m_szStage(szStage) {
     Check("scene", VTSimLoadScene(szScene));
-    Check("initialise", LS_VT40Initialize(nullptr));
-    Check("open", LS_VT40OpenScanner("VT40-AB0001", &m_h));
   }
   ~ClRun() {
     VTSimHoldSequences(nullptr, 0);
-    Check("close", LS_VT40CloseScanner(&m_h));
-    Check("uninitialise", LS_VT40Uninitialize());
+    if (s_h) Mode(KLV_VT40_CAPTURE_MODE_OFF);
     PrintStage(m_szStage, m_oDigest);
   }
   ClRun(const ClRun&) = delete;
   ClRun& operator=(const ClRun&) = delete;
 
-  void Mode(int nMode) { Check("mode", LS_VT40SetCaptureMode(m_h, nMode)); }
+  void Mode(int nMode) { Check("mode", LS_VT40SetCaptureMode(s_h, nMode)); }
   /// From now on each image waits for a sequence that is let through for it.
   void Hold() { Check("hold", VTSimHoldSequences(nullptr, 1)); }
   void Check(const char* szWhat, long nError) {
@@ -54,7 +62,7 @@ class ClRun {
   bool Fetch(ImageCall_t pfnImage) {
     m_bDone = 0;
     m_nResult = 0;
-    m_nError = pfnImage(m_h, m_aPixels.data(), &m_dScore, &m_bDone, &m_nResult);
+    m_nError = pfnImage(s_h, m_aPixels.data(), &m_dScore, &m_bDone, &m_nResult);
     return m_nError != 0 || m_bDone != 0;
   }
   void AddImage(size_t nSide) {
@@ -82,8 +90,9 @@ class ClRun {
   ClDigest& Digest() { return m_oDigest; }
 
  private:
+  inline static void* s_h = nullptr;
+
   const char* m_szStage;
-  void* m_h = nullptr;
   std::vector<unsigned char> m_aPixels = std::vector<unsigned char>(1600 * 1600);
   long m_nError = 0, m_nResult = 0;
   double m_dScore = -1.0;
@@ -160,6 +169,7 @@ void Signature(const char* szScene, int nPreviews) {
 }  // namespace
 
 int main() {
+  ClRun::Open();
   for (const char* szScene :
        {"slap-right:2", "dirty-slap", "roll-left", "fake-finger", "target", "signature:2"})
     Truth(szScene);
@@ -169,4 +179,5 @@ int main() {
   for (const char* szScene : {"roll-right", "roll-twisted"}) Roll(szScene);
   Signature("signature", 150);
   Signature("swipe-right", 40);
+  ClRun::Close();
 }
