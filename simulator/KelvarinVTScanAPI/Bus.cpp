@@ -69,10 +69,15 @@ ClBus::ScannerPointer ClBus::ById(unsigned nId) {
 void* ClBus::Open(unsigned nId) {
   const ScannerPointer pScanner = ById(nId);
   const ClScanner::Session nSession = pScanner->Open();
-  std::lock_guard<std::mutex> oLock(m_oMutex);
-  void* hDevice = &m_aHandles.emplace_back();
-  m_mapDevices[hDevice] = {pScanner, nSession};
-  return hDevice;
+  try {
+    std::lock_guard<std::mutex> oLock(m_oMutex);
+    void* hDevice = &m_aHandles.emplace_back();
+    m_mapDevices[hDevice] = {pScanner, nSession};
+    return hDevice;
+  } catch (...) {
+    pScanner->Close(nSession);
+    throw;
+  }
 }
 
 void ClBus::Close(void* hDevice) {

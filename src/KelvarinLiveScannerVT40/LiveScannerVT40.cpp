@@ -19,6 +19,8 @@ void ClLiveScannerVT40::OnInitialize() {
   auto pLibrary = std::make_unique<ClKelvarinVTScanAPIWrapper>();
   try {
     pLibrary->OpenLibrary(m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
+  } catch (const ClExBadAlloc&) {
+    throw;
   } catch (const ClException&) {
     KLV_RAISE(ClException, "Unable to open VTScanAPI library.", -200);
   }

@@ -57,6 +57,8 @@ void ClVT40Handle::AssignDevice(unsigned int nDevice) {
   ReadCalibrationFile("BRGHTCAL", m_aBrightnessData, "Error reading brightness calibration data.");
   try {
     ReadCalibrationFile("GAINSET", m_aGainData, "Error reading gain data.");
+  } catch (const ClExBadAlloc&) {
+    throw;
   } catch (const ClException&) {
     // A scanner without gain data works with what its revision says.
   }

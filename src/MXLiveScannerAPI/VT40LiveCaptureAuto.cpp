@@ -85,6 +85,8 @@ void ClVT40LiveCapture::OpenFakeDetection() {
       m_pFakeDetector->FD_VT40Uninitialize();
       KLV_RAISE_NUMBER(nAnswer);
     }
+  } catch (const ClExBadAlloc&) {
+    throw;
   } catch (const ClException&) {
     // The library is optional: whoever needs it finds no context.
   }

@@ -5,6 +5,7 @@
 #include <link.h>
 
 #include <cstring>
+#include <utility>
 
 #include "MXTools/Exception.h"
 
@@ -35,7 +36,8 @@ void ClDynamicLibrary::Open(const char* szPath) {
 void ClDynamicLibrary::Close() {
   if (m_hModule == nullptr) return;
   void* hModule = m_hModule;
-  const std::string szPath = m_szPath;
+  // Taken over, not copied: a library is let go of also when there is no memory.
+  const std::string szPath = std::move(m_szPath);
   m_hModule = nullptr;
   m_szPath.clear();
   if (dlclose(hModule) != 0) RaiseLoadFail(szPath.c_str(), -204);

@@ -3,7 +3,6 @@
 
 #include <boost/thread/mutex.hpp>
 #include <cstring>
-#include <deque>
 #include <memory>
 #include <new>
 
@@ -74,9 +73,12 @@ class TpSafeHandle {
   /// So many closed handles stay recognisable before the first of their records serves again.
   static constexpr size_t cnRetired = 64;
 
+  /// A ring, all of it guarded by the mutex.
   struct StRetired {
     boost::mutex oMutex;
-    std::deque<TpSafeHandle*> aRecords;  // guarded by oMutex
+    TpSafeHandle* apRecords[cnRetired] = {};
+    size_t nOldest = 0;
+    size_t nRecords = 0;
   };
 
   static StRetired& Retired() {
@@ -88,21 +90,21 @@ class TpSafeHandle {
   static TpSafeHandle* NewRecord() {
     StRetired& oRetired = Retired();
     boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
-    if (oRetired.aRecords.size() < cnRetired) return new TpSafeHandle;
-    TpSafeHandle* pRecord = oRetired.aRecords.front();
-    oRetired.aRecords.pop_front();
-    return pRecord;
+    return oRetired.nRecords < cnRetired ? new TpSafeHandle : TakeOldest(oRetired);
   }
 
   static void RetireRecord(TpSafeHandle* pRecord) {
     StRetired& oRetired = Retired();
     boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
-    try {
-      oRetired.aRecords.push_back(pRecord);
-    } catch (const std::bad_alloc&) {
-      // The object is gone; that its record can't be remembered is no reason to fail.
-      delete pRecord;
-    }
+    if (oRetired.nRecords == cnRetired) delete TakeOldest(oRetired);
+    oRetired.apRecords[(oRetired.nOldest + oRetired.nRecords++) % cnRetired] = pRecord;
+  }
+
+  static TpSafeHandle* TakeOldest(StRetired& oRetired) {
+    TpSafeHandle* pRecord = oRetired.apRecords[oRetired.nOldest];
+    oRetired.nOldest = (oRetired.nOldest + 1) % cnRetired;
+    --oRetired.nRecords;
+    return pRecord;
   }
 
   void Wipe() {

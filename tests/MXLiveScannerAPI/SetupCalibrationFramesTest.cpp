@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "../MXCalibrate/CalibrationBlocks.h"
-#include "CountedAllocations.h"
+#include "Allocations.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "Raised.h"
@@ -211,12 +211,12 @@ TEST_F(Frames, ASecondFrameOfAKindAllocatesNothing) {
   DrawDots(oRoll, 1920, 1362, 1, 1, 960);
   long nAllocations = 0;
   for (int nFrame = 0; nFrame < 2; ++nFrame) {
-    const long nBefore = CountedAllocations();
+    const long nBefore = Allocations::Count();
     m_pSetup->CalibratePreview(oPreview, aOut[0]);
     m_pSetup->AdjustBrightnessPreview(aOut[0], aOut[1], 224);
     m_pSetup->CalibrateFull(oFull, aOut[2]);
     m_pSetup->CalibrateRoll(oRoll, aOut[3]);
-    nAllocations = CountedAllocations() - nBefore;
+    nAllocations = Allocations::Count() - nBefore;
   }
   EXPECT_EQ(nAllocations, 0);
 }

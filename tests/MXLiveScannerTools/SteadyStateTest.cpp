@@ -1,10 +1,7 @@
 // A second frame of the same size must not allocate; this program counts every allocation.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
+#include "Allocations.h"
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpConnectedComponent2.h"
 #include "MXImageProcessing/IpFilterGauss.h"
@@ -16,14 +13,6 @@
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 
 namespace {
-
-std::atomic<long> g_nAllocations{0};
-
-void* Allocate(std::size_t nBytes) {
-  ++g_nAllocations;
-  if (void* p = std::malloc(nBytes)) return p;
-  throw std::bad_alloc();
-}
 
 /// Frames that differ from run to run: ridges whose place and number move with nRun.
 void FillFrame(ClImage& oImage, int nWidth, int nHeight, int nPels, int nRun) {
@@ -42,46 +31,12 @@ template <typename TRun>
 long AllocationsOfALaterRun(TRun&& fnRun) {
   fnRun(1);
   fnRun(0);
-  const long nBefore = g_nAllocations;
+  const long nBefore = Allocations::Count();
   fnRun(2);
-  return g_nAllocations - nBefore;
+  return Allocations::Count() - nBefore;
 }
 
 }  // namespace
-
-// Not inlined: a compiler that sees through one half of a pair takes it for a mismatch.
-[[gnu::noinline]] void* operator new(std::size_t nBytes) {
-  return Allocate(nBytes);
-}
-[[gnu::noinline]] void* operator new[](std::size_t nBytes) {
-  return Allocate(nBytes);
-}
-[[gnu::noinline]] void* operator new(std::size_t nBytes, const std::nothrow_t&) noexcept {
-  ++g_nAllocations;
-  return std::malloc(nBytes);
-}
-[[gnu::noinline]] void* operator new[](std::size_t nBytes, const std::nothrow_t&) noexcept {
-  ++g_nAllocations;
-  return std::malloc(nBytes);
-}
-[[gnu::noinline]] void operator delete(void* p) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete[](void* p) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete[](void* p, std::size_t) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete(void* p, const std::nothrow_t&) noexcept {
-  std::free(p);
-}
-[[gnu::noinline]] void operator delete[](void* p, const std::nothrow_t&) noexcept {
-  std::free(p);
-}
 
 TEST(SteadyState, TheMaskAllocatesNothingOnEitherPathAlsoInPlace) {
   ClImage oIn, oOut;
@@ -142,7 +97,7 @@ TEST(SteadyState, FiltersThresholdsAndObjectsAllocateNothing) {
 }
 
 TEST(SteadyState, TheCounterCounts) {
-  const long nBefore = g_nAllocations;
+  const long nBefore = Allocations::Count();
   ClImage oImage(10, 10, 1, 0, 0);
-  EXPECT_GT(g_nAllocations, nBefore);
+  EXPECT_GT(Allocations::Count(), nBefore);
 }
