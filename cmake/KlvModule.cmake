@@ -16,6 +16,9 @@
 
 add_custom_target(engine_tests)
 
+# The code of tests runs too briefly to be worth the optimiser's time.
+set(KLV_TEST_OPTIONS $<$<CONFIG:Release>:-O1>)
+
 function(klv_module NAME)
   cmake_parse_arguments(ARG "UNWATCHED" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
   if(ARG_UNPARSED_ARGUMENTS)
@@ -58,6 +61,8 @@ function(klv_test NAME)
   endif()
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
+  target_compile_options(${NAME} PRIVATE ${KLV_TEST_OPTIONS})
+  target_precompile_headers(${NAME} REUSE_FROM test_Prefix)
   target_compile_definitions(${NAME} PRIVATE KLV_RUN="${KLV_RUN_PREFIX}")
   # An empty value would vanish from the list and take its neighbour's place.
   set(properties TIMEOUT 300)

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -245,6 +246,25 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("calibrate --check /dev/null", 7, "/dev/null/geometric.calibrate");
   Expect("calibrate --from /dev/null" + Out(), 7, "/dev/null");
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
+}
+
+TEST_F(Tool, TheManualPageTellsEveryCommandAndOption) {
+  std::ifstream oFile(KLV_MAN_PAGE);
+  std::string sPage{std::istreambuf_iterator<char>(oFile), {}};
+  sPage = std::regex_replace(sPage, std::regex(R"(\\-)"), "-");
+  std::string sHelp = Run("--help").sOutput;
+  std::vector<std::string> aCommands;
+  const std::regex oCommand(R"(\n  ([a-z]+) )");
+  for (std::sregex_iterator it(sHelp.begin(), sHelp.end(), oCommand), itEnd; it != itEnd; ++it)
+    aCommands.push_back((*it)[1]);
+  ASSERT_GE(aCommands.size(), 10u) << sHelp;
+  for (const std::string& sCommand : aCommands) {
+    EXPECT_TRUE(std::regex_search(sPage, std::regex(R"(\.(B|BI) "?)" + sCommand + "\\b"))) << sCommand;
+    sHelp += Run(sCommand + " --help").sOutput;
+  }
+  const std::regex oOption("--[a-z][a-z-]+");
+  for (std::sregex_iterator it(sHelp.begin(), sHelp.end(), oOption), itEnd; it != itEnd; ++it)
+    EXPECT_NE(sPage.find(it->str()), std::string::npos) << it->str();
 }
 
 TEST_F(Tool, AScannerThatGoesDuringTheCaptureIsLost) {

@@ -1,0 +1,48 @@
+# cpack: a Debian package for each component, in the build folder's packages/. Dependencies are written down instead of
+# being looked up, since the package database knows no libraries of another word size; scripts/check-install holds them
+# against what the files ask for.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_VENDOR Kelvarin)
+set(CPACK_PACKAGE_CONTACT "KelvarinLiveScannerVT40 maintainers <maintainers@kelvarin.example>")
+set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE i386)
+endif()
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL library development tools simulator)
+set(CPACK_STRIP_FILES ON)
+
+function(klv_package COMPONENT NAME SECTION DEPENDS SUMMARY TEXT)
+  string(TOUPPER ${COMPONENT} component)
+  set(CPACK_DEBIAN_${component}_PACKAGE_NAME ${NAME} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${component}_PACKAGE_SECTION ${SECTION} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${component}_PACKAGE_DEPENDS ${DEPENDS} PARENT_SCOPE)
+  set(CPACK_DEBIAN_${component}_DESCRIPTION "${SUMMARY}\n${TEXT}" PARENT_SCOPE)
+endfunction()
+
+set(own "(= ${PROJECT_VERSION})")
+set(base "libc6 (>= 2.36), libgcc-s1, libstdc++6 (>= 12)")
+klv_package(library libkelvarinlivescannervt40-1 libs
+  "${base}, libboost-thread1.74.0, libhwy1"
+  "VT40 ten-finger live-scanner, shared library"
+  "Captures flat and rolled fingerprints and signatures with VT40 live-scanners.")
+klv_package(development libkelvarinlivescannervt40-dev libdevel
+  "libkelvarinlivescannervt40-1 ${own}"
+  "VT40 ten-finger live-scanner, development files"
+  "Header, pkg-config file and CMake package.")
+klv_package(tools kelvarin-vt40-tools graphics
+  "${base}, libkelvarinlivescannervt40-1 ${own}, libboost-thread1.74.0, libhwy1, libpng16-16"
+  "VT40 ten-finger live-scanner, command-line tool"
+  "vt40 lists scanners, captures, rolls, signs and calibrates.")
+klv_package(simulator kelvarin-vt40-simulator libs
+  "${base}, libpng16-16"
+  "VT40 ten-finger live-scanner, simulated scanner"
+  "Stands in for the scan library and the liveness library where no scanner is connected.")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS kelvarin-vt40-simulator)
+foreach(component LIBRARY SIMULATOR)
+  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)
+endforeach()
+include(CPack)
