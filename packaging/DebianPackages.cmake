@@ -1,8 +1,7 @@
-# cpack: a Debian package for each component, in the build folder's packages/. Dependencies are written down instead of
+# cpack makes a Debian package of each component. Dependencies are written down instead of
 # being looked up, since the package database knows no libraries of another word size; scripts/check-install holds them
 # against what the files ask for.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_VENDOR Kelvarin)
 set(CPACK_PACKAGE_CONTACT "KelvarinLiveScannerVT40 maintainers <maintainers@kelvarin.example>")

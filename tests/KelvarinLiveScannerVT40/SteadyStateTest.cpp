@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 
 #include "Allocations.h"
 #include "ApiFixture.h"
@@ -66,7 +67,24 @@ TEST_F(SteadyState, AnAllocationIsSeen) {
   EXPECT_EQ(CountAllocations([] { std::string(1000, 'x').swap(s_sSink); }), 1) << "the counter counts";
 }
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__i386__)
+TEST_F(SteadyState, AnOpenScannerInFullModeStaysBelow400MegabytesOfAddresses) {
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
+  Poll(LS_VT40GetImage, 5);
+  // The whole process, programs and stacks included.
+  std::ifstream oMaps("/proc/self/maps");
+  uint64_t nBytes = 0;
+  for (std::string sLine; std::getline(oMaps, sLine);) {
+    size_t nDash = 0;
+    const uint64_t nFrom = std::stoull(sLine, &nDash, 16);
+    if (sLine.find(" ---p ") == std::string::npos)
+      nBytes += std::stoull(sLine.substr(nDash + 1), nullptr, 16) - nFrom;
+  }
+  RecordProperty("bytes", std::to_string(nBytes));
+  EXPECT_GT(nBytes, 50000000u);
+  EXPECT_LT(nBytes, 400000000u);
+}
+#elif !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 TEST_F(SteadyState, AnOpenScannerInPreviewStaysBelow150Megabytes) {
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
   Poll(LS_VT40GetPreviewImage, 20);
