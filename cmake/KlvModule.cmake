@@ -12,7 +12,7 @@
 #   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...])
 #
 # makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
-# meet; the target engine_tests builds these alone.
+# meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock.
 
 add_custom_target(engine_tests)
 
