@@ -1,4 +1,6 @@
 // Memory that runs out at any point of opening, capturing and closing.
+#include <algorithm>
+
 #include "Allocations.h"
 #include "ApiFixture.h"
 #include "Pace.h"
