@@ -19,9 +19,7 @@ if(KLV_SANITIZE)
     -fsanitize=${KLV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(klv_flags INTERFACE -fsanitize=${KLV_SANITIZE})
 endif()
-target_compile_definitions(klv_flags INTERFACE
-  BOOST_ALL_NO_LIB
-  $<$<BOOL:${KLV_SCALAR}>:HWY_COMPILE_ONLY_SCALAR>)
+target_compile_definitions(klv_flags INTERFACE BOOST_ALL_NO_LIB)
 
 # For tests that load the simulated scan library as an application does. The address sanitizer opens libraries in the
 # library's place, so that the run path of the library does not count.

@@ -1,26 +1,29 @@
 # The one rule by which folders become targets.
 #
 #   klv_module(NAME FOLDER folder HEADERS ... SOURCES ... DEPS ... [SYSTEM_DEPS ...] [GROUP sdk|simulator]
-#              [UNWATCHED])
+#              [HOT])
 #
 # makes the static library NAME from the files of the current folder. Its headers are reached as
 # "folder/Header.h", and only by targets that name NAME among their DEPS: each module has an include
 # folder of its own, with links to just the headers that it lists. A dependency that is not declared
-# therefore does not compile. GROUP collects the modules that make up one shared library. UNWATCHED keeps the
-# thread sanitizer out of a module that computes for one thread at a time and would take most of a test's time.
+# therefore does not compile. GROUP collects the modules that make up one shared library. HOT marks a module
+# that computes for one thread at a time and would take most of a sanitized test's time: the thread sanitizer keeps out,
+# the others leave it its optimiser.
 #
 #   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...])
 #
 # makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
-# meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock.
+# meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock. The
+# target plain_tests builds what has neither label, with what tests that are no GoogleTest programs add to it.
 
 add_custom_target(engine_tests)
+add_custom_target(plain_tests)
 
 # The code of tests runs too briefly to be worth the optimiser's time.
 set(KLV_TEST_OPTIONS $<$<CONFIG:Release>:-O1>)
 
 function(klv_module NAME)
-  cmake_parse_arguments(ARG "UNWATCHED" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "HOT" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
   if(ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "klv_module(${NAME}): unknown arguments ${ARG_UNPARSED_ARGUMENTS}")
   endif()
@@ -39,8 +42,10 @@ function(klv_module NAME)
     add_library(${NAME} STATIC ${ARG_SOURCES})
     target_include_directories(${NAME} PUBLIC ${include_dir})
     target_link_libraries(${NAME} PUBLIC ${ARG_DEPS} ${ARG_SYSTEM_DEPS} PRIVATE klv_flags)
-    if(ARG_UNWATCHED AND KLV_SANITIZE STREQUAL "thread")
+    if(ARG_HOT AND KLV_SANITIZE STREQUAL "thread")
       set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -fno-sanitize=thread)
+    elseif(ARG_HOT AND KLV_SANITIZE)
+      set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -O2)
     endif()
     if(ARG_GROUP)
       set_property(GLOBAL APPEND PROPERTY KLV_GROUP_${ARG_GROUP} ${NAME})
@@ -58,6 +63,8 @@ function(klv_test NAME)
   add_executable(${NAME} ${ARG_SOURCES})
   if("engine" IN_LIST ARG_LABELS)
     add_dependencies(engine_tests ${NAME})
+  elseif(NOT "paced" IN_LIST ARG_LABELS)
+    add_dependencies(plain_tests ${NAME})
   endif()
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
