@@ -7,6 +7,7 @@
 
 #include "MXImageProcessing/NewIpProcessorBase.h"
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/SplineRows.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/Vector.h"
@@ -15,6 +16,11 @@
 class ClRadialBasisSquaredDist {
  public:
   static double Value(double dSquaredDistance) { return SplineBasis<double>(dSquaredDistance); }
+  /// pSum[i] += dWeight * Value of the squared distance between oPoint and pX[i], dY, for i in [0, nCount).
+  static void AddToRow(const ClVector& oPoint, double dWeight, const double* pX, double dY, size_t nCount,
+                       double* pSum) {
+    MXKernels::AddSplineBasisRow(pX, nCount, {oPoint.x, (oPoint.y - dY) * (oPoint.y - dY)}, dWeight, pSum);
+  }
 };
 
 /// All of ClIpInterpolate2D that does not know its basis function.
@@ -75,8 +81,8 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
 };
 
 /// Draws, for each of m_nImages rows of values, the sum of one basis function around each reference point
-/// that has those values at the points. There is no affine part. TBasis::Value is the basis of squared
-/// distances.
+/// that has those values at the points. There is no affine part. TBasis has the functions of
+/// ClRadialBasisSquaredDist.
 template <class TBasis>
 class ClIpInterpolate2D : public ClIpInterpolate2DBase {
  public:
@@ -86,10 +92,6 @@ class ClIpInterpolate2D : public ClIpInterpolate2DBase {
   double Basis(double dSquaredDistance) const override { return TBasis::Value(dSquaredDistance); }
   void AddToRow(const ClVector& oPoint, double dWeight, const double* pX, double dY, size_t nCount,
                 double* pSum) const override {
-    const double dDistY = (oPoint.y - dY) * (oPoint.y - dY);
-    for (size_t n = 0; n < nCount; ++n) {
-      const double dBetween = oPoint.x - pX[n];
-      pSum[n] += dWeight * TBasis::Value(dBetween * dBetween + dDistY);
-    }
+    TBasis::AddToRow(oPoint, dWeight, pX, dY, nCount, pSum);
   }
 };

@@ -10,6 +10,7 @@
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
 #include "MXKernels/RunRows.h"
+#include "MXKernels/SplineRows.h"
 #include "MXKernels/TapRows.h"
 #include "MXKernels/WarpRow.h"
 
@@ -82,5 +83,10 @@ void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* 
                            size_t nCount) noexcept;
 void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
                size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept;
+
+void AddSplineBasisRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
+                       double* pSum) noexcept;
+void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
+                           double dWeightB, double* pSumA, double* pSumB) noexcept;
 
 }  // namespace MXKernels::Reference

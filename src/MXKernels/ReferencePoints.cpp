@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "MXKernels/Reference.h"
+#include "portable/Math.h"
 
 namespace MXKernels {
 
@@ -145,6 +146,30 @@ void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOu
 
 void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] < pLimit[i] ? 255 : 0;
+}
+
+namespace {
+
+inline double SplineBasis(double dX, SplinePoint oPoint) noexcept {
+  const double dBetween = dX - oPoint.m_dX;
+  const double dDistance = dBetween * dBetween + oPoint.m_dSquaredY;
+  return dDistance * Portable::Log(dDistance);
+}
+
+}  // namespace
+
+void AddSplineBasisRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
+                       double* pSum) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSum[i] += dWeight * SplineBasis(pX[i], oPoint);
+}
+
+void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
+                           double dWeightB, double* pSumA, double* pSumB) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const double dBasis = SplineBasis(pX[i], oPoint);
+    pSumA[i] += dWeightA * dBasis;
+    pSumB[i] += dWeightB * dBasis;
+  }
 }
 
 }  // namespace Reference

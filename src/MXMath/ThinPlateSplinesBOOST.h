@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <boost/noncopyable.hpp>
 #include <memory>
+#include <type_traits>
 
+#include "MXKernels/SplineRows.h"
 #include "MXMath/LinearSystemBOOST.h"
 #include "MXTools/Exception.h"
 #include "MXTools/TpArrayStatic.h"
@@ -98,8 +100,7 @@ class TpThinPlateSplines : private boost::noncopyable {
 
  private:
   using Coefficients = typename TpLinearSystem<T>::Vector;
-  /// Points of a row that are summed side by side, so that the compiler can vectorise without changing any
-  /// sum.
+  /// Places of a row that are summed side by side, so that vectors can hold them without changing any sum.
   static constexpr size_t cnBlock = 64;
 
   void FillSystem(TpLinearSystem<T>& oSystem, size_t nCount, const ClVector* pvOrigin) const {
@@ -141,28 +142,37 @@ class TpThinPlateSplines : private boost::noncopyable {
   }
 
   void TransformBlock(T tX, T tY, T tStep, size_t nCount, T* pX, T* pY) const {
+    T aAtX[cnBlock];
     T aSumX[cnBlock] = {};
     T aSumY[cnBlock] = {};
+    for (size_t i = 0; i < nCount; ++i) aAtX[i] = tX + static_cast<T>(static_cast<int>(i)) * tStep;
     const size_t nPoints = m_aOrigin.Entries();
     const T* pCoeffX = &(*m_pCoeffX)(0);
     const T* pCoeffY = &(*m_pCoeffY)(0);
     for (size_t n = 0; n < nPoints; ++n) {
-      const T tPointX = static_cast<T>(m_aOrigin[static_cast<unsigned int>(n)].x);
-      const T tPointY = static_cast<T>(m_aOrigin[static_cast<unsigned int>(n)].y);
-      const T tDistY = (tY - tPointY) * (tY - tPointY);
-      const T tCoeffX = pCoeffX[n];
-      const T tCoeffY = pCoeffY[n];
-      for (size_t i = 0; i < nCount; ++i) {
-        const T tBetween = tX + static_cast<T>(static_cast<int>(i)) * tStep - tPointX;
-        const T tBasis = SplineBasis<T, TMath>(tBetween * tBetween + tDistY);
-        aSumX[i] += tCoeffX * tBasis;
-        aSumY[i] += tCoeffY * tBasis;
-      }
+      const ClVector& oOrigin = m_aOrigin[static_cast<unsigned int>(n)];
+      AddBasis(aAtX, nCount, oOrigin, tY, pCoeffX[n], pCoeffY[n], aSumX, aSumY);
     }
     for (size_t i = 0; i < nCount; ++i) {
-      const T tAtX = tX + static_cast<T>(static_cast<int>(i)) * tStep;
-      pX[i] = aSumX[i] + pCoeffX[nPoints] + pCoeffX[nPoints + 1] * tAtX + pCoeffX[nPoints + 2] * tY;
-      pY[i] = aSumY[i] + pCoeffY[nPoints] + pCoeffY[nPoints + 1] * tAtX + pCoeffY[nPoints + 2] * tY;
+      pX[i] = aSumX[i] + pCoeffX[nPoints] + pCoeffX[nPoints + 1] * aAtX[i] + pCoeffX[nPoints + 2] * tY;
+      pY[i] = aSumY[i] + pCoeffY[nPoints] + pCoeffY[nPoints + 1] * aAtX[i] + pCoeffY[nPoints + 2] * tY;
+    }
+  }
+
+  static void AddBasis(const T* pAtX, size_t nCount, const ClVector& oOrigin, T tY, T tCoeffX, T tCoeffY,
+                       T* pSumX, T* pSumY) {
+    const T tPointX = static_cast<T>(oOrigin.x);
+    const T tPointY = static_cast<T>(oOrigin.y);
+    const T tSquaredY = (tY - tPointY) * (tY - tPointY);
+    if constexpr (std::is_same_v<TMath, Default<double>>) {
+      MXKernels::AddSplineBasisPairRow(pAtX, nCount, {tPointX, tSquaredY}, tCoeffX, tCoeffY, pSumX, pSumY);
+    } else {
+      for (size_t i = 0; i < nCount; ++i) {
+        const T tBetween = pAtX[i] - tPointX;
+        const T tBasis = SplineBasis<T, TMath>(tBetween * tBetween + tSquaredY);
+        pSumX[i] += tCoeffX * tBasis;
+        pSumY[i] += tCoeffY * tBasis;
+      }
     }
   }
 
