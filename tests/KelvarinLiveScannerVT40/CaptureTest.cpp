@@ -15,6 +15,20 @@ double SecondsSince(Clock::time_point tStart) {
   return std::chrono::duration<double>(Clock::now() - tStart).count();
 }
 
+/// The first of five calls that fails, and how long it took: frames that are on their way still come, however long a
+/// slow build takes for them.
+template <typename TCall>
+StDelivered FirstFailure(TCall oCall, double& dSeconds) {
+  StDelivered oLast;
+  int nCalls = 0;
+  do {
+    const Clock::time_point tStart = Clock::now();
+    oLast = oCall();
+    dSeconds = SecondsSince(tStart);
+  } while (oLast.nError == 0 && ++nCalls < 5);
+  return oLast;
+}
+
 /// Pixels darker than nGrey.
 size_t DarkerThan(const std::vector<unsigned char>& aPixels, int nGrey) {
   return static_cast<size_t>(
@@ -175,20 +189,18 @@ TEST_F(OpenScanner, AScannerUnpluggedInPreviewTimesOutAndTheNextOpenWorks) {
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
   ASSERT_EQ(Preview().nError, 0);
   ASSERT_EQ(VTSimUnplug(nullptr), 0);
-  Clock::time_point tStart = Clock::now();
-  // Frames that were on their way may still come.
-  StDelivered oLast = Preview();
-  for (int n = 0; n < 4 && oLast.nError == 0; ++n) oLast = Preview();
+  double dSeconds = 0;
+  const StDelivered oLast = FirstFailure([&] { return Preview(); }, dSeconds);
   EXPECT_EQ(oLast.nError, KLV_ERROR_DISCONNECTED);
-  EXPECT_LT(SecondsSince(tStart), 18.0);
-  EXPECT_GT(SecondsSince(tStart), 14.0);
+  EXPECT_LT(dSeconds, 18.0);
+  EXPECT_GT(dSeconds, 14.0);
   EXPECT_EQ(oLast.bDone, 2) << "out-parameters stay as they were";
   unsigned int nCondition = 0;
   unsigned int nReserved = 1;
   EXPECT_EQ(LS_VT40GetScannerCondition(m_h, &nCondition, &nReserved), 0) << "says nothing on the connection";
   EXPECT_EQ(nReserved, 0u);
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), KLV_ERROR_DISCONNECTED);
-  tStart = Clock::now();
+  const Clock::time_point tStart = Clock::now();
   LS_VT40CloseScanner(&m_h);
   if (m_h != nullptr) {
     EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
@@ -219,12 +231,10 @@ TEST_F(OpenScanner, AStreamThatStandsStillTimesOutAfterTenSeconds) {
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_FULL), 0);
   ASSERT_EQ(Image().nError, 0);
   ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
-  const Clock::time_point tStart = Clock::now();
-  StDelivered oLast = Image();
-  for (int n = 0; n < 4 && oLast.nError == 0; ++n) oLast = Image();
-  EXPECT_EQ(oLast.nError, KLV_ERROR_DISCONNECTED);
-  EXPECT_GT(SecondsSince(tStart), 9.0);
-  EXPECT_LT(SecondsSince(tStart), 12.0);
+  double dSeconds = 0;
+  EXPECT_EQ(FirstFailure([&] { return Image(); }, dSeconds).nError, KLV_ERROR_DISCONNECTED);
+  EXPECT_GT(dSeconds, 9.0);
+  EXPECT_LT(dSeconds, 12.0);
 }
 
 TEST_F(OpenScanner, AScannerThatClosesInEveryModeHangsNowhere) {
