@@ -10,7 +10,6 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPi = 3.14159265358979323846;
 // The part of the platen that both readouts of the pad see, with some room.
 constexpr double g_cdLeftMm = 7.0, g_cdRightMm = 74.0, g_cdTopMm = 5.0, g_cdBottomMm = 34.0;
 constexpr double g_cdWidestLetterMm = 3.8;
