@@ -74,7 +74,9 @@ class ClBitmapReader {
     if (bEncoded) {
       DecodeRLE8();
     } else {
-      for (int32_t nY = 0; nY < m_oHeader.biHeight; ++nY) m_oStream.Read(Row(nY), m_nRowSize);
+      // Rows of nothing cost no bytes, so that a short file may tell of billions.
+      const int32_t nRows = m_nRowSize == 0 ? 0 : m_oHeader.biHeight;
+      for (int32_t nY = 0; nY < nRows; ++nY) m_oStream.Read(Row(nY), m_nRowSize);
     }
     oBitmap.Install(pHeader, pPixels);
   }

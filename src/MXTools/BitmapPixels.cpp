@@ -155,7 +155,7 @@ bool ClBitmap::IsGray(bool bPixels) const {
       if (!IsGrayColor(PaletteColor(n))) return false;
     return true;
   }
-  for (long y = 0; y < Rows(); ++y) {
+  for (long y = 0; m_pHeader->biWidth > 0 && y < Rows(); ++y) {
     for (long x = 0; x < m_pHeader->biWidth; ++x)
       if (!IsGrayColor(GetPixel(x, y))) return false;
   }
@@ -197,7 +197,7 @@ void ClBitmap::GetChannel(int nChannel, ClImage& oImage) const {
   ClImage oNew;
   oNew.NewWithType(ClImage::eUint8, m_pHeader->biWidth, static_cast<int>(Rows()), 1,
                    m_pHeader->biXPelsPerMeter, m_pHeader->biYPelsPerMeter, true);
-  for (int y = 0; y < oNew.Height(); ++y) {
+  for (int y = 0; oNew.Width() > 0 && y < oNew.Height(); ++y) {
     unsigned char* pOut = oNew.Row<unsigned char>(y);
     for (int x = 0; x < oNew.Width(); ++x)
       pOut[x] = static_cast<unsigned char>(ChannelOf(GetPixel(x, y), nChannel));
@@ -212,7 +212,7 @@ void ClBitmap::SetChannel(int nChannel, const ClImage& oImage) {
     KLV_RAISE(ClException, "Only unsigned 8 bit images supported", -33);
   if (oImage.Width() != m_pHeader->biWidth || oImage.Height() != Rows())
     KLV_RAISE(ClException, "ClBitmap, the channel has another size.", -44);
-  for (int y = 0; y < oImage.Height(); ++y) {
+  for (int y = 0; oImage.Width() > 0 && y < oImage.Height(); ++y) {
     const unsigned char* pIn = oImage.Row<unsigned char>(y);
     for (int x = 0; x < oImage.Width(); ++x) {
       const uint32_t nOthers = GetPixel(x, y) & ~(0xFFu << (8 * nChannel));

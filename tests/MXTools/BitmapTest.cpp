@@ -229,6 +229,28 @@ TEST(BitmapFile, TheMasksOfALargerHeaderAreKept) {
   EXPECT_EQ(oBitmap.Header()->biSize, 40u);
 }
 
+TEST(BitmapFile, BillionsOfRowsWithoutPixelsAreNotReadOneByOne) {
+  class ClCounted : public ClMemStream {
+   public:
+    explicit ClCounted(const Bytes& a) : ClMemStream(a.data(), static_cast<unsigned int>(a.size())) {}
+    unsigned int ReadRaw(void* pData, unsigned int nBytes) override {
+      if (++m_nReads > 1000) KLV_RAISE_NUMBER(-999);
+      return ClMemStream::ReadRaw(pData, nBytes);
+    }
+    int m_nReads = 0;
+  };
+  const Bytes aFile = HeaderBytes(0, INT32_MAX, 24, 0, 0);
+  ClCounted oStream(aFile);
+  ClBitmap oBitmap;
+  EXPECT_EQ(NumberOf([&] { oBitmap.Load(oStream); }), 0);
+  // Nor gone over: each of these would take seconds.
+  EXPECT_TRUE(oBitmap.IsGray(true));
+  ClImage oChannel;
+  oBitmap.GetChannel(ClBitmap::eRed, oChannel);
+  EXPECT_EQ(oChannel.Height(), INT32_MAX);
+  oBitmap.SetChannel(ClBitmap::eRed, oChannel);
+}
+
 TEST(BitmapFile, RunsBecomePlainPixels) {
   const auto LoadRuns = [](ClBitmap& rBitmap, const Bytes& aRuns, int nWidth = 4) {
     Bytes aFile = HeaderBytes(nWidth, 3, 8, 1, 1);
