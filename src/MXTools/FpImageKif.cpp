@@ -87,7 +87,10 @@ void ClImage::Load(ClStream& oStream) {
   m_dWhite = oHeader.dWhite;
   m_dBlack = oHeader.dBlack;
   if (const unsigned int nElements = ElementCount(*this)) {
-    oStream.ReadNumericArray(Data(), nElements, static_cast<unsigned int>(ElementSize()));
+    const unsigned int nRead =
+        oStream.ReadNumericArray(Data(), nElements, static_cast<unsigned int>(ElementSize()));
+    // Nothing was read: the pixels would be what the memory held before.
+    if (nRead == UINT32_MAX) KLV_RAISE(ClException, "KIF element size is not supported", -101);
   }
   ReadMagic(oStream, "KIF end Magic is missing");
 }

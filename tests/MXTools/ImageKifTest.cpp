@@ -108,4 +108,17 @@ TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
   EXPECT_THROW(oLoaded.Load(oStream), ClException) << "the other byte order";
 }
 
+TEST(ImageKif, ElementsOfASizeThatNoStreamReadsDoNotLoadAsPixelsThatWereNeverRead) {
+  ClImage oImage;
+  oImage.NewWithType(ClImage::eUint8, 1, 1, 1, 0, 0, false);
+  std::vector<unsigned char> aBytes = BytesOf(oImage);
+  aBytes[8] = 3;
+  // The end mark stands where the reading went on.
+  aBytes.erase(aBytes.begin() + 54);
+  for (const bool bFailureFlag : {false, true}) {
+    ClImage oLoaded;
+    EXPECT_EQ(LoadNumber(aBytes, bFailureFlag, oLoaded), -101);
+  }
+}
+
 }  // namespace
