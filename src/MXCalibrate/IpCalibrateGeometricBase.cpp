@@ -42,10 +42,12 @@ void ClIpCalibrateGeometricBase::CheckParams(const Points& aTarget, const Points
       KLV_RAISE(ClException, "Calibration has fewer actual than target points", -44);
     }
   }
-  // Offsets into the source are signed and 32 bits wide.
-  if (uint64_t{m_nSourceHeight} * SourceRowBytes() > INT32_MAX) {
-    KLV_RAISE(ClException, "The source image is too large for a map", -44);
-  }
+  if (!IsSourceInReach()) KLV_RAISE(ClException, "The source image is too large for a map", -44);
+}
+
+bool ClIpCalibrateGeometricBase::IsSourceInReach() const {
+  // The width alone first: rounded up it has no place in 32 bits.
+  return m_nSourceWidth <= INT32_MAX - 3 && uint64_t{m_nSourceHeight} * SourceRowBytes() <= INT32_MAX;
 }
 
 std::unique_ptr<ClIpCalibrateGeometricBase::Entry[]> ClIpCalibrateGeometricBase::NewMap() const {

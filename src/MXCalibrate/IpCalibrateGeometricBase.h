@@ -81,5 +81,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void LoadMap(ClStream& oStream);
   void CheckMap(const Entry* pMap) const;
   uint64_t MapEntries() const { return uint64_t{m_nTargetWidth} * m_nTargetHeight * m_nPlanes; }
+  /// Whether offsets into the source, which are signed and 32 bits wide, reach all of it.
+  bool IsSourceInReach() const;
   size_t SourceRowBytes() const { return (static_cast<size_t>(m_nSourceWidth) + 3) & ~size_t{3}; }
 };

@@ -107,6 +107,7 @@ void ClIpCalibrateGeometricBase::LoadMap(ClStream& oStream) {
   oStream.ReadAutoSwap(dUnused);
   ReadWord(oStream);
 
+  Expect(IsSourceInReach(), "The source image is too large for a map", -39);
   // In this order nothing overflows: width times height fits 64 bits, and what is left of a stream 31.
   const uint64_t nLeft = static_cast<uint64_t>(oStream.Size() - oStream.Pos());
   if (uint64_t{m_nTargetWidth} * m_nTargetHeight > nLeft || MapEntries() * m_nMapEntrySize > nLeft) {

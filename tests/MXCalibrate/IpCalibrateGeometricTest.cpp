@@ -419,6 +419,16 @@ TEST_F(StoredWarp, AMapThatPointsOutsideTheSourceIsRefused) {
   }
 }
 
+TEST_F(StoredWarp, ASourceThatOffsetsDoNotReachIsNotMultipliedPastItsType) {
+  // Without a source in the map nothing else would refuse it.
+  const size_t cnMap = m_aBytes.size() - 4 - 20 * 8;
+  for (size_t n = 0; n < 20 * 8; ++n) m_aBytes[cnMap + n] = n % 8 < 4 ? 0xFF : 0;
+  ClDense oWarp;
+  ASSERT_EQ(Load(oWarp, m_aBytes).first, 0);
+  for (size_t n = 12; n < 20; ++n) m_aBytes[n] = 0xFF;
+  EXPECT_EQ(Load(oWarp, m_aBytes).first, -39);
+}
+
 TEST_F(StoredWarp, NothingIsStoredWithoutAMap) {
   ClMemStream oStream;
   EXPECT_EQ(Raised([&] { ClDense().Store(oStream); }).first, -2);
