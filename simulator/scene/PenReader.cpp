@@ -11,12 +11,16 @@ constexpr double g_cdLatestStroke = 1e6;
 
 /// [x, y], or [x, y, pause].
 ClPenPoint ReadPoint(const nlohmann::json& oJson, const std::string& sPlace) {
+  // Told only of numbers: anything else may be nested deeper than there is stack to print it.
+  const auto FailShape = [&](const std::string& sReason) {
+    throw ClSimError(eBadValue, "scene: \"" + sPlace + "\" " + sReason);
+  };
+  if (!oJson.is_array() || oJson.size() < 2 || oJson.size() > 3) FailShape("must be [x, y] or [x, y, pause]");
+  for (const nlohmann::json& oNumber : oJson)
+    if (!oNumber.is_number()) FailShape("must hold numbers only");
   const auto Fail = [&](const std::string& sReason) {
     throw ClSimError(eBadValue, "scene: \"" + sPlace + "\" is " + oJson.dump() + " and " + sReason);
   };
-  if (!oJson.is_array() || oJson.size() < 2 || oJson.size() > 3) Fail("must be [x, y] or [x, y, pause]");
-  for (const nlohmann::json& oNumber : oJson)
-    if (!oNumber.is_number()) Fail("must hold numbers only");
   ClPenPoint oPoint{oJson[0].get<double>(), oJson[1].get<double>(), 0.0};
   if (oJson.size() == 3) oPoint.dPause = oJson[2].get<double>();
   for (const double d : {oPoint.dXMm, oPoint.dYMm})

@@ -168,6 +168,14 @@ TEST(SceneReader, AValueOutOfRangeIsRefusedWithTheValueAndTheRange) {
   EXPECT_THAT(Refusal(R"({"pacing": "fast"})").second, HasSubstr("is \"fast\" and must be one of"));
 }
 
+TEST(SceneReader, APointOfManyListsDoesNotUseUpTheStack) {
+  const size_t nDepth = 300000;
+  const auto oRefusal = Refusal(R"({"scanners": [{"pen": {"strokes": [{"points": [)" +
+                                std::string(nDepth, '[') + std::string(nDepth, ']') + "]}]}}]}");
+  EXPECT_EQ(oRefusal.first, -44);
+  EXPECT_THAT(oRefusal.second, HasSubstr("points[0]\" must be [x, y]"));
+}
+
 TEST(SceneReader, WhatIsNoSceneAtAllIsRefused) {
   for (const char* szText :
        {"",
