@@ -118,9 +118,12 @@ TpPlane<uint8_t> BoxMean(const TpPlane<uint8_t>& oIn, int nReach) {
   return oOut;
 }
 
+int Rescaled(int nSide, double dFactor) {
+  return std::max(1, static_cast<int>(std::lround(nSide * dFactor)));
+}
+
 TpPlane<uint8_t> Rescale(const TpPlane<uint8_t>& oIn, double dFactor) {
-  const int nWidth = std::max(1, static_cast<int>(std::lround(oIn.Width() * dFactor)));
-  const int nHeight = std::max(1, static_cast<int>(std::lround(oIn.Height() * dFactor)));
+  const int nWidth = Rescaled(oIn.Width(), dFactor), nHeight = Rescaled(oIn.Height(), dFactor);
   TpPlane<uint8_t> oOut(nWidth, nHeight);
   for (int y = 0; y < nHeight; ++y) {
     const double dY = std::clamp((y + 0.5) / dFactor - 0.5, 0.0, oIn.Height() - 1.0);
@@ -145,10 +148,14 @@ ClPrint ReadPrintFile(const std::string& sPath) {
   double dPels = 0.0;
   TpPlane<uint8_t> oGrey = ClPngReader(sPath).Read(dPels);
   const double dFactor = 19685.0 / dPels;
-  if (std::fabs(dFactor - 1.0) > 0.005) oGrey = Rescale(oGrey, dFactor);
-  if (oGrey.Width() > static_cast<int>(g_cnLargestSide) || oGrey.Height() > static_cast<int>(g_cnLargestSide))
-    throw ClSimError(eFileRead,
-                     "print file \"" + sPath + "\" is larger than 4096 pixels at 500 dots per inch");
+  if (std::fabs(dFactor - 1.0) > 0.005) {
+    // Judged first: at the least resolution a print would grow to 40 times its pixels.
+    if (std::max(Rescaled(oGrey.Width(), dFactor), Rescaled(oGrey.Height(), dFactor)) >
+        static_cast<int>(g_cnLargestSide))
+      throw ClSimError(eFileRead,
+                       "print file \"" + sPath + "\" is larger than 4096 pixels at 500 dots per inch");
+    oGrey = Rescale(oGrey, dFactor);
+  }
   ClPrint oPrint;
   oPrint.oRidge.Resize(oGrey.Width(), oGrey.Height());
   for (size_t i = 0; i < oGrey.Count(); ++i)

@@ -1,6 +1,7 @@
 // Prints: what grows from a seed, what comes from a file, and what a finger shows of them.
 #include <gmock/gmock.h>
 
+#include "Allocations.h"
 #include "TestFiles.h"
 #include "scene/FingerContent.h"
 #include "scene/FingerMotion.h"
@@ -145,6 +146,19 @@ TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
   EXPECT_EQ(NumberOf(oFolder.Path("none.png")).first, -200);
   EXPECT_EQ(NumberOf(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first,
             -203);
+}
+
+TEST(PrintFile, ACoarsePrintIsNotEnlargedBeforeItIsRefused) {
+  const ClTestFolder oFolder;
+  std::ifstream oFile(oFolder.WritePng("fine.png", 4096, 512, [](unsigned, unsigned) { return 0; }),
+                      std::ios::binary);
+  std::string sBytes((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
+  // Behind signature and header: 3000 pels per metre, so that 500 dots per inch take 43 times the pixels.
+  sBytes.insert(33, std::string("\0\0\0\x09pHYs\0\0\x0B\xB8\0\0\x0B\xB8\x01\x3E\xB2\x18\x17", 21));
+  const std::string sCoarse = oFolder.Write("coarse.png", sBytes);
+  Allocations::ForgetLargest();
+  EXPECT_THROW(ReadPrintFile(sCoarse), ClSimError);
+  EXPECT_LE(Allocations::Largest(), 2u << 20);
 }
 
 TEST(FingerContent, AFingerIsThereFromTouchToLiftAndGrowsInBetween) {

@@ -18,6 +18,7 @@ constexpr char cszOurs[] = "libkelvarin";
 
 std::atomic<long> s_nCalls{0};
 std::atomic<long> s_nLive{0};
+std::atomic<std::size_t> s_nLargest{0};
 /// Calls of the library in question until the one that fails; 0 or less: none does.
 std::atomic<long> s_nUntilFailure{0};
 std::atomic<const char*> s_szLibrary{nullptr};
@@ -42,6 +43,9 @@ bool IsToFail() {
 
 void* Allocate(std::size_t nBytes) noexcept {
   ++s_nCalls;
+  for (std::size_t nBefore = s_nLargest;
+       nBytes > nBefore && !s_nLargest.compare_exchange_weak(nBefore, nBytes);) {
+  }
   if (IsToFail()) return nullptr;
   void* p = std::malloc(nBytes != 0 ? nBytes : 1);
   if (p != nullptr) ++s_nLive;
@@ -68,6 +72,14 @@ long Count() {
 
 long Live() {
   return s_nLive;
+}
+
+std::size_t Largest() {
+  return s_nLargest;
+}
+
+void ForgetLargest() {
+  s_nLargest = 0;
 }
 
 void FailAt(long nCall, const char* szLibrary) {
