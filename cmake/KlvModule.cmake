@@ -15,9 +15,14 @@
 # makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
 # meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock. The
 # target plain_tests builds what has neither label, with what tests that are no GoogleTest programs add to it.
+#
+#   klv_fuzz(NAME SOURCES ... DEPS ...)
+#
+# makes a fuzz target: a program that feeds made-up bytes to what it links. The target fuzz_targets builds all of them.
 
 add_custom_target(engine_tests)
 add_custom_target(plain_tests)
+add_custom_target(fuzz_targets)
 
 # The code of tests runs too briefly to be worth the optimiser's time.
 set(KLV_TEST_OPTIONS $<$<CONFIG:Release>:-O1>)
@@ -83,4 +88,12 @@ function(klv_test NAME)
     endif()
   endforeach()
   gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+endfunction()
+
+function(klv_fuzz NAME)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  add_executable(${NAME} ${ARG_SOURCES})
+  target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} fuzz_Support klv_flags)
+  target_link_options(${NAME} PRIVATE -fsanitize=fuzzer)
+  add_dependencies(fuzz_targets ${NAME})
 endfunction()

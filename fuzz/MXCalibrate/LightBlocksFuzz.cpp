@@ -1,0 +1,68 @@
+// Feeds blocks of brightness and of gains: a refused block does what its contract says, and the positional form that is
+// written of a whole one reads as the same.
+#include "MXCalibrate/CalibrateBlock.h"
+#include "MXCalibrate/CalibrateBrightnessData.h"
+#include "MXCalibrate/CalibrateGainData.h"
+#include "ScannerBlocks.h"
+#include "StreamBytes.h"
+
+namespace {
+
+constexpr uint32_t cnPoints = 64;
+
+template <class TData>
+Bytes Stored(TData& rData) {
+  return Written([&](ClStream& oStream) { rData.Write(oStream); });
+}
+
+template <class TData>
+void Read(TData& rData, const Bytes& aBlock) {
+  ClBytesStream oStream(aBlock);
+  rData.Read(oStream);
+}
+
+void FeedBrightness(const Bytes& aBlock) {
+  ClCalibrateBrightnessData oData;
+  Read(oData, BrightnessBlock(true));
+  if (Refused([&] { Read(oData, aBlock); })) {
+    Require(!oData.IsValid() && !oData.HasSamples(1), "a refused block leaves no brightness");
+    return;
+  }
+  for (const uint64_t nKey : cnIlluminationKeys) {
+    Bytes aSamples(3 * size_t{oData.NumberOfSamplePoints()});
+    oData.GetSamples(nKey, aSamples.data());
+  }
+  // Fewer points have other places in the positional form, and more have none.
+  if (oData.NumberOfSamplePoints() != cnPoints) return;
+  const Bytes aStored = Stored(oData);
+  ClCalibrateBrightnessData oAgain;
+  Read(oAgain, aStored);
+  Require(Stored(oAgain) == aStored, "brightness that is written reads again");
+}
+
+void FeedGains(const Bytes& aBlock) {
+  ClCalibrateGainData oData;
+  Read(oData, GainBlock(true));
+  const Bytes aBefore = Stored(oData);
+  if (Refused([&] { Read(oData, aBlock); })) {
+    Require(oData.IsValid() && Stored(oData) == aBefore, "a refused block leaves the gains as they were");
+    return;
+  }
+  const Bytes aStored = Stored(oData);
+  ClCalibrateGainData oAgain;
+  Read(oAgain, aStored);
+  Require(Stored(oAgain) == aStored, "gains that are written read again");
+}
+
+}  // namespace
+
+std::vector<Bytes> Seeds() {
+  return {BrightnessBlock(true), BrightnessBlock(false), GainBlock(true), GainBlock(false)};
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  const Bytes aBlock(pData, pData + nSize);
+  FeedBrightness(aBlock);
+  FeedGains(aBlock);
+  return 0;
+}

@@ -1,0 +1,80 @@
+// Feeds serial numbers and calibration blocks to the set-up of a scanner, in the order in which it is opened.
+#include <memory>
+
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXLiveScannerAPI/VT4SetupCalibrationData.h"
+#include "MXTools/FpImage.h"
+#include "ScannerBlocks.h"
+#include "StreamBytes.h"
+
+namespace {
+
+/// Drawing the references takes a second; few inputs are to spend it.
+constexpr unsigned int cnDrawBrightness = 0xB1;
+
+unsigned int Size(const Bytes& aBlock) {
+  return static_cast<unsigned int>(aBlock.size());
+}
+
+void SetUpTenFingers(ClVT40SetupCalibrationData& rSetup, ClFuzzInput& rInput) {
+  const unsigned int nDraw = rInput.Byte();
+  const Bytes aGeometry = rInput.Block();
+  const Bytes aGains = rInput.Block();
+  const Bytes aBrightness = rInput.Rest();
+  Refused([&] { rSetup.UpdateGainData(aGains.data(), Size(aGains)); });
+  if (Refused([&] { rSetup.UpdateGeometricData(aGeometry.data(), Size(aGeometry)); })) {
+    Require(!rSetup.GetGeometricDataFull(false).IsValid(), "refused geometry leaves none");
+    return;
+  }
+  // The record in use is one that the set-up takes.
+  TpArrayStatic<char> aRecord;
+  rSetup.GetGeometricData(aRecord);
+  ClVT40SetupCalibrationData oSame("VT40-AA0001", false);
+  oSame.UpdateGeometricData(aRecord.Data(), aRecord.Entries());
+  if (nDraw == cnDrawBrightness)
+    Refused([&] { rSetup.UpdateBrightnessData(aBrightness.data(), Size(aBrightness)); });
+}
+
+void SetUpOneFinger(ClVT4SetupCalibrationData& rSetup, ClFuzzInput& rInput) {
+  const Bytes aBlock = rInput.Rest();
+  if (Refused([&] { rSetup.UpdateGeometricData(aBlock.data(), Size(aBlock)); })) return;
+  ClImage oIn(1280, 480, 1, 19685, 19685);
+  oIn = static_cast<unsigned char>(99);
+  ClImage oOut;
+  Refused([&] { rSetup.CalibrateFull(oIn, oOut); });
+  Refused([&] { rSetup.CalibrateMini(oIn, oOut); });
+}
+
+}  // namespace
+
+std::vector<Bytes> Seeds() {
+  std::vector<Bytes> aSeeds;
+  for (const bool bLegacy : {true, false}) {
+    for (const Bytes& aGeometry : GeometryBlocks()) {
+      Bytes aSeed = BytesOf(bLegacy ? "VT40-AA0001" : "VT40-AB0001");
+      aSeed.insert(aSeed.end(), {0, static_cast<uint8_t>(aSeeds.empty() ? cnDrawBrightness : 0)});
+      ClFuzzInput::PutBlock(aSeed, aGeometry);
+      ClFuzzInput::PutBlock(aSeed, GainBlock(bLegacy));
+      const Bytes aBrightness = BrightnessBlock(bLegacy);
+      aSeed.insert(aSeed.end(), aBrightness.begin(), aBrightness.end());
+      aSeeds.push_back(aSeed);
+    }
+  }
+  Bytes aOneFinger = BytesOf("VT41AB0001");
+  aOneFinger.insert(aOneFinger.end(), {0, 0, 0, 0, 0, 128, 2, 0, 0, 240, 0, 0, 0});
+  aSeeds.push_back(aOneFinger);
+  return aSeeds;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  ClFuzzInput oInput(pData, nSize);
+  const std::string sSerial = oInput.Text();
+  std::unique_ptr<ClVTSetupCalibrationDataBase> pSetup;
+  if (Refused([&] { pSetup.reset(ClVTSetupCalibrationDataBase::GetSetupObject(sSerial.c_str())); })) return 0;
+  if (auto* pTen = dynamic_cast<ClVT40SetupCalibrationData*>(pSetup.get())) {
+    SetUpTenFingers(*pTen, oInput);
+  } else if (auto* pOne = dynamic_cast<ClVT4SetupCalibrationData*>(pSetup.get())) {
+    SetUpOneFinger(*pOne, oInput);
+  }
+  return 0;
+}

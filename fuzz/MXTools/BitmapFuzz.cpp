@@ -1,0 +1,73 @@
+// Feeds BMP files: what loads is stored and loads again as the same bitmap, and gives its pixels.
+#include "MXTools/Bitmap.h"
+#include "MXTools/FpImage.h"
+#include "StreamBytes.h"
+
+namespace {
+
+/// Runs may fill a large bitmap from few bytes; going over all of it each time would be all that is done.
+constexpr unsigned int cnMostPixelBytes = 1u << 16;
+
+Bytes Stored(const ClBitmap& oBitmap) {
+  return Written([&](ClStream& oStream) { oBitmap.Store(oStream); });
+}
+
+void GoOver(const ClBitmap& oBitmap) {
+  ClImage oImage;
+  oBitmap.GetImage(oImage);
+  const long nHeight = oBitmap.Header()->biHeight;
+  for (long nY = 0; nY < nHeight; ++nY)
+    for (long nX = 0; nX < oBitmap.Header()->biWidth; ++nX) oBitmap.GetPixel(nX, nY);
+  oBitmap.IsGray(true);
+  ClBitmap oCopy;
+  oCopy.CopyFrom(oBitmap, true);
+  Require(oCopy == oBitmap, "a copy is the same");
+  if (nHeight > 0 && oBitmap.Header()->biWidth > 0) oCopy.SetPixel(0, nHeight - 1, 0x808080);
+}
+
+}  // namespace
+
+std::vector<Bytes> Seeds() {
+  std::vector<Bytes> aSeeds;
+  for (const long nBits : {1, 4, 8, 16, 24, 32}) {
+    ClBitmap oBitmap;
+    oBitmap.Create(7, 3, nBits, ClBitmap::ePlain);
+    oBitmap.SetPixel(5, 2, 0xFFFFFF);
+    aSeeds.push_back(Stored(oBitmap));
+  }
+  ClBitmap oMasks;
+  oMasks.Create(5, 2, 16, ClBitmap::eBitFields);
+  aSeeds.push_back(Stored(oMasks));
+  // Run-length files are read only, so that the last seed is a plain one with another mark and runs in place of rows.
+  Bytes aRuns = aSeeds[2];
+  aRuns[30] = ClBitmap::eRLE8;
+  aRuns.resize(14 + 40 + 1024);
+  aRuns.insert(aRuns.end(), {7, 9, 0, 0, 0, 3, 1, 2, 3, 0, 0, 2, 1, 1, 2, 5, 0, 1});
+  aSeeds.push_back(aRuns);
+  return aSeeds;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  const Bytes aFile(pData, pData + nSize);
+  ClBitmap oBitmap;
+  if (Refused([&] {
+        ClBytesStream oStream(aFile);
+        oBitmap.Load(oStream);
+      })) {
+    Require(oBitmap.IsEmpty(), "after a failure the bitmap is empty");
+    return 0;
+  }
+  if (ClBitmap::ImageSize(oBitmap.Header()) > cnMostPixelBytes) return 0;
+  // Masks without a size of the image are read, since some writers leave it out, but not written.
+  if (oBitmap.Header()->biCompression != ClBitmap::ePlain && oBitmap.Header()->biSizeImage == 0) {
+    Require(Refused([&] { Stored(oBitmap); }), "masks are not stored without a size");
+    return 0;
+  }
+  const Bytes aStored = Stored(oBitmap);
+  ClBytesStream oStream(aStored);
+  ClBitmap oAgain;
+  oAgain.Load(oStream);
+  Require(oAgain == oBitmap, "what is stored loads again");
+  GoOver(oBitmap);
+  return 0;
+}

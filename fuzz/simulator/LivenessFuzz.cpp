@@ -1,0 +1,59 @@
+// Feeds the liveness library what reaches it from outside: fault texts of the environment, names of properties, pictures.
+#include "FuzzTarget.h"
+#include "KelvarinFakeFingerDetectionVT40/Detection.h"
+#include "KelvarinFakeFingerDetectionVT40/LivenessScore.h"
+#include "scene/SimError.h"
+
+namespace {
+
+using namespace Simulator;
+
+template <typename TCall>
+void Try(TCall&& fnCall) {
+  try {
+    fnCall();
+  } catch (const ClSimError&) {
+    return;
+  }
+}
+
+}  // namespace
+
+std::vector<Bytes> Seeds() {
+  std::vector<Bytes> aSeeds;
+  for (const char* szSeed :
+       {"FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60|dScore", "=1|nScores", "|version"}) {
+    Bytes aSeed = BytesOf(szSeed);
+    std::replace(aSeed.begin(), aSeed.end(), uint8_t{'|'}, uint8_t{0});
+    aSeed.insert(aSeed.end(), {0, 80, 80, 7, 250, 30, 30, 200});
+    aSeeds.push_back(aSeed);
+  }
+  return aSeeds;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  ClFuzzInput oInput(pData, nSize);
+  ClDetection oDetection;
+  setenv("KELVARIN_FDSIM_FAULTS", oInput.Text().c_str(), 1);
+  Try([&] { oDetection.ReadFaultsAtRest(); });
+  long nResult = 0;
+  oDetection.Faults().Strikes("FD_VT40Initialize", false, nResult);
+  oDetection.Initialize();
+  void* hDetection = oDetection.Create();
+  const std::string sName = oInput.Text();
+  Try([&] { oDetection.Text(hDetection, sName); });
+  Try([&] { oDetection.Refuse(hDetection, sName); });
+  const unsigned int nWidth = oInput.Byte(), nHeight = oInput.Byte();
+  // The input is laid out again and again until the picture is full.
+  Bytes aPattern = oInput.Rest();
+  aPattern.push_back(0);
+  Bytes aPicture(size_t{2} * nWidth * nHeight);
+  for (size_t n = 0; n < aPicture.size(); ++n) aPicture[n] = aPattern[n % aPattern.size()];
+  Try([&] {
+    const double dScore =
+        oDetection.Score(hDetection, nWidth, nHeight, aPicture.data(), aPicture.data() + aPicture.size() / 2);
+    Require(dScore >= 0.0 && dScore <= 100.0, "a score lies between 0 and 100");
+    Require(nWidth >= g_cnLeastSide && nHeight >= g_cnLeastSide, "small pictures are refused");
+  });
+  return 0;
+}

@@ -1,0 +1,49 @@
+// Feeds PNG files as prints: what is read has ridges and depth of one size, within the largest side.
+#include <png.h>
+
+#include "MemoryFile.h"
+#include "PngChunks.h"
+#include "scene/PrintFile.h"
+#include "scene/SimError.h"
+
+std::vector<Bytes> Seeds() {
+  std::vector<Bytes> aSeeds;
+  for (const png_uint_32 nFormat :
+       std::initializer_list<png_uint_32>{PNG_FORMAT_GRAY, PNG_FORMAT_GA, PNG_FORMAT_RGB, PNG_FORMAT_RGBA,
+                                          PNG_FORMAT_RGB_COLORMAP, PNG_FORMAT_LINEAR_Y}) {
+    png_image oImage = {};
+    oImage.version = PNG_IMAGE_VERSION;
+    oImage.width = 5;
+    oImage.height = 3;
+    oImage.format = nFormat;
+    oImage.colormap_entries = 2;
+    const Bytes aPixels(PNG_IMAGE_SIZE(oImage), 1), aColors(8, 77);
+    Bytes aFile(4096);
+    png_alloc_size_t nSize = aFile.size();
+    Require(
+        png_image_write_to_memory(&oImage, aFile.data(), &nSize, 0, aPixels.data(), 0, aColors.data()) != 0,
+        "the seed can be written");
+    aFile.resize(nSize);
+    aSeeds.push_back(aFile);
+    // Behind signature and header: the resolution, 8000 pels per metre.
+    const Bytes aPels = {0, 0, 0, 9, 'p', 'H', 'Y', 's', 0, 0, 31, 64, 0, 0, 31, 64, 1, 0, 0, 0, 0};
+    aFile.insert(aFile.begin() + 33, aPels.begin(), aPels.end());
+    aSeeds.push_back(aFile);
+  }
+  return aSeeds;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  const Bytes aFile = WithRightChecksums(pData, nSize);
+  const ClMemoryFile oFile(aFile.data(), aFile.size());
+  try {
+    const Simulator::ClPrint oPrint = Simulator::ReadPrintFile(oFile.Path());
+    Require(
+        oPrint.oRidge.Width() == oPrint.oDepth.Width() && oPrint.oRidge.Height() == oPrint.oDepth.Height(),
+        "both planes have one size");
+    Require(oPrint.oRidge.Width() <= 4096 && oPrint.oRidge.Height() <= 4096, "no print is larger than told");
+  } catch (const Simulator::ClSimError&) {
+    return 0;
+  }
+  return 0;
+}
