@@ -28,14 +28,15 @@ Bytes Stored(const ClBitmap& oBitmap) {
 void GoOver(const ClBitmap& oBitmap) {
   ClImage oImage;
   oBitmap.GetImage(oImage);
-  const long nHeight = oBitmap.Header()->biHeight;
+  // Rows without columns, of which a short file may tell billions, have no pixels to ask for.
+  const long nHeight = oBitmap.Header()->biWidth > 0 ? oBitmap.Header()->biHeight : 0;
   for (long nY = 0; nY < nHeight; ++nY)
     for (long nX = 0; nX < oBitmap.Header()->biWidth; ++nX) oBitmap.GetPixel(nX, nY);
   oBitmap.IsGray(true);
   ClBitmap oCopy;
   oCopy.CopyFrom(oBitmap, true);
   Require(oCopy == oBitmap, "a copy is the same");
-  if (nHeight > 0 && oBitmap.Header()->biWidth > 0) oCopy.SetPixel(0, nHeight - 1, 0x808080);
+  if (nHeight > 0) oCopy.SetPixel(0, nHeight - 1, 0x808080);
 }
 
 }  // namespace
