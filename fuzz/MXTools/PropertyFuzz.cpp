@@ -66,11 +66,8 @@ std::vector<Bytes> Seeds() {
   std::vector<Bytes> aSeeds;
   for (const char* szSeed :
        {"i -12", "u 0xFF", "l 9223372036854775807", "b 255", "w 1e3", "d -2.5e-3", "d inf", "in.s 10",
-        ".in.c 11", "in.t text", "in.e On", "Version 2", "in ", "nothing.at.all 1"}) {
-    Bytes aSeed = BytesOf(szSeed);
-    std::replace(aSeed.begin(), aSeed.end(), uint8_t{' '}, uint8_t{0});
-    aSeeds.push_back(aSeed);
-  }
+        ".in.c 11", "in.t text", "in.e On", "Version 2", "in ", "nothing.at.all 1"})
+    aSeeds.push_back(BytesOf(szSeed, ' '));
   return aSeeds;
 }
 

@@ -23,8 +23,7 @@ std::vector<Bytes> Seeds() {
   std::vector<Bytes> aSeeds;
   for (const char* szSeed :
        {"FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60|dScore", "=1|nScores", "|version"}) {
-    Bytes aSeed = BytesOf(szSeed);
-    std::replace(aSeed.begin(), aSeed.end(), uint8_t{'|'}, uint8_t{0});
+    Bytes aSeed = BytesOf(szSeed, '|');
     aSeed.insert(aSeed.end(), {0, 80, 80, 7, 250, 30, 30, 200});
     aSeeds.push_back(aSeed);
   }

@@ -18,6 +18,12 @@ inline Bytes BytesOf(const std::string& sText) {
   return Bytes(sText.begin(), sText.end());
 }
 
+/// The same with a zero, which ends a text of an input, in place of each cEnd.
+inline Bytes BytesOf(std::string sText, char cEnd) {
+  std::replace(sText.begin(), sText.end(), cEnd, '\0');
+  return BytesOf(sText);
+}
+
 /// Ends the process when a rule is broken, which the fuzzer takes for a crash.
 inline void Require(bool bHolds, const char* szRule) {
   if (bHolds) return;

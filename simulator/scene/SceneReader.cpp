@@ -6,7 +6,6 @@
 #include <cstring>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "scene/BuiltInScenes.h"
 #include "scene/PenReader.h"
@@ -25,6 +24,7 @@ constexpr size_t g_cnMostDirt = 1000;
 constexpr size_t g_cnMostAmbient = 1000;
 constexpr size_t g_cnMostRollMoments = 1000;
 constexpr size_t g_cnMostEpromBytes = 8192;
+constexpr size_t g_cnMostSceneBytes = 16777216;
 constexpr double g_cdLongest = 1e6;  // seconds
 
 constexpr int64_t g_cnMostSeed = 9007199254740992;
@@ -210,16 +210,25 @@ void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
   });
 }
 
+/// Appends a whole file; one of more than nMost bytes, and a device never ends, is refused. sWhat: the file in messages.
+template <class TBytes>
+void ReadAtMost(std::ifstream& oFile, size_t nMost, const std::string& sWhat, TBytes& rBytes) {
+  char aPart[4096];
+  do {
+    oFile.read(aPart, sizeof(aPart));
+    if (oFile.bad()) throw ClSimError(eFileRead, sWhat + " can't be read");
+    rBytes.insert(rBytes.end(), aPart, aPart + oFile.gcount());
+    if (rBytes.size() > nMost)
+      throw ClSimError(eBadValue, sWhat + " has more than " + std::to_string(nMost) + " bytes");
+  } while (oFile);
+}
+
 /// The bytes of a file that takes the place of one in the EEPROM.
 std::vector<uint8_t> ReadEpromFile(const std::string& sFile) {
   std::ifstream oFile(sFile, std::ios::binary);
   if (!oFile) throw ClSimError(eFileOpen, "scene: can't open EEPROM file \"" + sFile + "\"");
-  std::vector<uint8_t> aData(g_cnMostEpromBytes + 1);
-  oFile.read(reinterpret_cast<char*>(aData.data()), static_cast<std::streamsize>(aData.size()));
-  if (oFile.bad()) throw ClSimError(eFileRead, "scene: can't read EEPROM file \"" + sFile + "\"");
-  aData.resize(static_cast<size_t>(oFile.gcount()));
-  if (aData.size() > g_cnMostEpromBytes)
-    throw ClSimError(eBadValue, "scene: EEPROM file \"" + sFile + "\" has more than 8192 bytes");
+  std::vector<uint8_t> aData;
+  ReadAtMost(oFile, g_cnMostEpromBytes, "scene: EEPROM file \"" + sFile + "\"", aData);
   return aData;
 }
 
@@ -353,13 +362,10 @@ ClSceneDescription FindScene(const std::string& sScene) {
   if (!oFile)
     throw ClSimError(eFileOpen, "scene \"" + sScene + "\" is neither a built-in scene (" +
                                     BuiltInSceneNames() + ") nor a file that can be opened");
-  std::ostringstream oText;
-  oText << oFile.rdbuf();
-  if (!oFile || !oText) throw ClSimError(eFileRead, "can't read scene file \"" + sScene + "\"");
+  std::string sText;
+  ReadAtMost(oFile, g_cnMostSceneBytes, "scene file \"" + sScene + "\"", sText);
   const size_t nSlash = sScene.rfind('/');
-  return ReadScene(oText.str(), nSlash == std::string::npos ? ""
-                                : nSlash == 0               ? "/"
-                                                            : sScene.substr(0, nSlash));
+  return ReadScene(sText, nSlash == std::string::npos ? "" : nSlash == 0 ? "/" : sScene.substr(0, nSlash));
 }
 
 }  // namespace Simulator

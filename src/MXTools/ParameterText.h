@@ -13,8 +13,8 @@ struct ClParsedNumber {
   bool bOverflow = false;  ///< the text means a number beyond 64 bits, or a negative one as unsigned
 };
 
-/// Parses a parameter's text: hexadecimal behind an "x", else what strtod accepts whole, taken as an integer
-/// (fractions cut) unless bFloat.
+/// Parses a parameter's text: hexadecimal behind an "x", else what strtod accepts whole. An integer is the digits that
+/// it begins with: "1.5" and "1e3" are both 1.
 /// Errors: ClException -20 for NULL, -44 for bad text, -35 for infinity as an integer; texts name szName.
 ClParsedNumber ParseParameterNumber(const char* szName, const char* psz, bool bFloat, bool bSigned);
 

@@ -143,12 +143,19 @@ TEST(SceneReader, AFileCanTakeThePlaceOfOneInTheEeprom) {
   const ClScannerDescription oScanner = FindScene(sScene).aScanners[0];
   EXPECT_EQ(oScanner.mapEprom.at("GEOCAL").aData, (std::vector<uint8_t>{'G', 'E', 'O'}));
   EXPECT_FALSE(oScanner.mapEprom.at("GAINSET").bReplaced);
-  for (const auto& [sFile, nNumber] : {std::pair<std::string, long>{"none.bin", -200}, {"large.bin", -44}}) {
-    const std::string sText =
-        R"({"scanners": [{"eprom": {"GEOCAL": {"file": ")" + oFolder.Path(sFile) + "\"}}}]}";
-    EXPECT_EQ(Refusal(sText).first, nNumber);
+  for (const auto& [sFile, nNumber] : {std::pair<std::string, long>{oFolder.Path("none.bin"), -200},
+                                       {oFolder.Path("large.bin"), -44},
+                                       {oFolder.Path("."), -203},
+                                       {"/dev/zero", -44}}) {
+    const std::string sText = R"({"scanners": [{"eprom": {"GEOCAL": {"file": ")" + sFile + "\"}}}]}";
+    EXPECT_EQ(Refusal(sText).first, nNumber) << sFile;
     EXPECT_THAT(Refusal(sText).second, HasSubstr(sFile));
   }
+}
+
+TEST(SceneReader, ASceneFileThatNeverEndsIsRefused) {
+  EXPECT_THAT([] { FindScene("/dev/zero"); },
+              testing::ThrowsMessage<ClSimError>(HasSubstr("scene file \"/dev/zero\" has more than")));
 }
 
 TEST(SceneReader, AnUnknownKeyIsRefusedByNameAndPlace) {

@@ -250,6 +250,8 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("calibrate --check x --from y.png", 2, "excludes");
   Expect("calibrate --check --scene empty --serial VT40-XX", 3, "VT40-XX");
   Expect("calibrate --check /dev/null", 7, "/dev/null/geometric.calibrate");
+  std::filesystem::create_symlink("/dev/zero", m_oFolder / "geometric.calibrate");
+  Expect("calibrate --check " + m_oFolder.string(), 7, "more than the 8192 bytes");
   Expect("calibrate --from /dev/null" + Out(), 7, "/dev/null");
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
 }

@@ -21,7 +21,7 @@ namespace {
 /// Data of no known scanner is judged as that of the present ones.
 constexpr char cszAnySerial[] = "VT40-AB";
 /// A scanner's files are no larger.
-constexpr uintmax_t cnMostBytes = 8192;
+constexpr size_t cnMostBytes = 8192;
 
 double Rounded(double dMicrometres) {
   return std::round(10 * dMicrometres) / 10;
@@ -36,15 +36,18 @@ void PrintJson(const nlohmann::ordered_json& oJson) {
 }
 
 std::vector<unsigned char> ReadBlock(const std::filesystem::path& oFile) {
-  std::error_code oError;
-  const uintmax_t nSize = std::filesystem::file_size(oFile, oError);
-  if (!oError && nSize > cnMostBytes) {
-    throw ClToolError(eExitFile, oFile.string() + ": has " + std::to_string(nSize) +
-                                     " bytes; a scanner stores at most " + std::to_string(cnMostBytes));
-  }
   std::ifstream oStream(oFile, std::ios::binary);
   if (!oStream) throw ClToolError(eExitFile, oFile.string() + ": " + std::strerror(errno));
-  return {std::istreambuf_iterator<char>(oStream), {}};
+  // No more than that one byte beyond: a device, or what a link leads to, may never end.
+  std::vector<unsigned char> aBlock(cnMostBytes + 1);
+  oStream.read(reinterpret_cast<char*>(aBlock.data()), static_cast<std::streamsize>(aBlock.size()));
+  if (oStream.bad()) throw ClToolError(eExitFile, oFile.string() + ": can't be read");
+  aBlock.resize(static_cast<size_t>(oStream.gcount()));
+  if (aBlock.size() > cnMostBytes) {
+    throw ClToolError(eExitFile, oFile.string() + ": has more than the " + std::to_string(cnMostBytes) +
+                                     " bytes that a scanner stores");
+  }
+  return aBlock;
 }
 
 StCalibrationBlocks ReadFolder(const std::filesystem::path& oFolder) {
