@@ -1,14 +1,15 @@
 # The one rule by which folders become targets.
 #
 #   klv_module(NAME FOLDER folder HEADERS ... SOURCES ... DEPS ... [SYSTEM_DEPS ...] [GROUP sdk|simulator]
-#              [HOT])
+#              [HOT] [APART])
 #
 # makes the static library NAME from the files of the current folder. Its headers are reached as
 # "folder/Header.h", and only by targets that name NAME among their DEPS: each module has an include
 # folder of its own, with links to just the headers that it lists. A dependency that is not declared
 # therefore does not compile. GROUP collects the modules that make up one shared library. HOT marks a module
 # that computes for one thread at a time and would take most of a sanitized test's time: the thread sanitizer keeps out,
-# the others leave it its optimiser.
+# the others leave it its optimiser. APART marks a module whose sources can't be joined for the compiler, as the presets
+# other than release do.
 #
 #   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...])
 #
@@ -28,7 +29,7 @@ add_custom_target(fuzz_targets)
 set(KLV_TEST_OPTIONS $<$<CONFIG:Release>:-O1>)
 
 function(klv_module NAME)
-  cmake_parse_arguments(ARG "HOT" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "HOT;APART" "FOLDER;GROUP" "HEADERS;SOURCES;DEPS;SYSTEM_DEPS" ${ARGN})
   if(ARG_UNPARSED_ARGUMENTS)
     message(FATAL_ERROR "klv_module(${NAME}): unknown arguments ${ARG_UNPARSED_ARGUMENTS}")
   endif()
@@ -47,6 +48,9 @@ function(klv_module NAME)
     add_library(${NAME} STATIC ${ARG_SOURCES})
     target_include_directories(${NAME} PUBLIC ${include_dir})
     target_link_libraries(${NAME} PUBLIC ${ARG_DEPS} ${ARG_SYSTEM_DEPS} PRIVATE klv_flags)
+    if(ARG_APART)
+      set_target_properties(${NAME} PROPERTIES UNITY_BUILD OFF)
+    endif()
     if(ARG_HOT AND KLV_SANITIZE STREQUAL "thread")
       set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -fno-sanitize=thread)
     elseif(ARG_HOT AND KLV_SANITIZE)

@@ -12,6 +12,9 @@
 
 namespace Portable {
 
+/// The double next to pi.
+constexpr double cdPi = 0x1.921fb54442d18p+1;
+
 /// The natural logarithm of dValue, to about one unit in the last place.
 ///
 /// dValue = 2^k * m with m around 1, and the area hyperbolic tangent series log m = 2 (s + s^3/3 + s^5/5 + ...) with
@@ -205,7 +208,7 @@ inline double Cos(double dAngle) noexcept {
 /// The angle of the point (dX, dY), to two units in the last place. Range [-pi, pi]; the signs of zeros count, as in C.
 /// Not a number when both are infinite.
 inline double Atan2(double dY, double dX) noexcept {
-  constexpr double cdPi = 0x1.921fb54442d18p+1, cdPiRest = 0x1.1a62633145c07p-53;
+  constexpr double cdPiRest = 0x1.1a62633145c07p-53;
   const double dUp = std::fabs(dY), dRight = std::fabs(dX);
   const double dRatio = dUp > dRight ? dRight / dUp : dRight > 0.0 ? dUp / dRight : dUp + dRight;
   if (std::isnan(dRatio)) return dRatio;

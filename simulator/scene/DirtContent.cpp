@@ -47,7 +47,7 @@ double ClDirtContent::LightAt(double dAlong, double dAcross) const noexcept {
 
 void ClDirtContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
   if (!ThereAt(dSeconds)) return;
-  const double dTurn = m_oDescription.dAngle * 3.14159265358979323846 / 180.0;
+  const double dTurn = m_oDescription.dAngle * Portable::cdPi / 180.0;
   const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
   const double dReach =
       0.5 * Portable::Hypot(m_oDescription.dWidthMm, m_oDescription.dLengthMm) / g_cdPixelMm;

@@ -17,7 +17,7 @@ constexpr double g_cdOrdinaryPressure = 0.6;
 constexpr double g_cdOrdinaryEdge = 61.0;
 // Light from a film of water against that of a ridge.
 constexpr double g_cdHaloLight = 0.3;
-constexpr double g_cdDegree = 3.14159265358979323846 / 180.0;
+constexpr double g_cdDegree = Portable::cdPi / 180.0;
 // Steps in which a roll is followed when all of it is to be drawn.
 constexpr double g_cdUnrollSeconds = 1.0 / 240.0;
 

@@ -10,10 +10,7 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPi = 3.14159265358979323846;
-
 // Steps that nobody sees: a 32nd of a pixel, a 64th of a degree, a 128th of all pressure.
-constexpr double g_cdPlaceStep = g_cdPixelMm / 32.0;
 constexpr double g_cdTurnStep = 1.0 / 64.0;
 constexpr double g_cdPressureStep = 1.0 / 128.0;
 
@@ -48,7 +45,7 @@ void Slide(const ClSlideDescription& oSlide, double dSince, ClDeviation& o) {
     dAhead = oSlide.dRadiusMm * Portable::Sin(dWay / oSlide.dRadiusMm);
     dAside = oSlide.dRadiusMm * (1.0 - Portable::Cos(dWay / oSlide.dRadiusMm));
   }
-  const double dTurn = oSlide.dDirection * g_cdPi / 180.0;
+  const double dTurn = oSlide.dDirection * Portable::cdPi / 180.0;
   o.dXMm += dAhead * Portable::Cos(dTurn) - dAside * Portable::Sin(dTurn);
   o.dYMm -= dAhead * Portable::Sin(dTurn) + dAside * Portable::Cos(dTurn);
   o.bMoving = o.bMoving || dSince < oSlide.dUntil;

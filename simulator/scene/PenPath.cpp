@@ -10,7 +10,6 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPlaceStep = g_cdPixelMm / 32.0;
 // A point that is only touched.
 constexpr double g_cdTapSeconds = 0.08;
 // Pieces of a curve from point to point: as long as a picture pixel, within bounds.
@@ -21,12 +20,12 @@ constexpr double g_cdUsualRadiusMm = 2.0;
 constexpr double g_cdSlowest = 0.55;
 constexpr double g_cdFastest = 1.5;
 
-struct ClPlace {
+struct ClPosition {
   double dX, dY;
 };
 
 /// The smooth line through four points, from the second (dPart 0) to the third (1).
-ClPlace Between(const ClPenPoint* const (&aPoints)[4], double dPart) {
+ClPosition Between(const ClPenPoint* const (&aPoints)[4], double dPart) {
   const auto Blend = [dPart](double a, double b, double c, double d) {
     return b + 0.5 * dPart *
                    (c - a + dPart * (2.0 * a - 5.0 * b + 4.0 * c - d + dPart * (3.0 * (b - c) + d - a)));
@@ -36,7 +35,7 @@ ClPlace Between(const ClPenPoint* const (&aPoints)[4], double dPart) {
 }
 
 /// Part of the usual speed on the way from one place over the next to a third.
-double SpeedInBend(const ClPlace& oA, const ClPlace& oB, const ClPlace& oC) {
+double SpeedInBend(const ClPosition& oA, const ClPosition& oB, const ClPosition& oC) {
   const double dFirst = Portable::Hypot(oB.dX - oA.dX, oB.dY - oA.dY);
   const double dSecond = Portable::Hypot(oC.dX - oB.dX, oC.dY - oB.dY);
   const double dCross = (oB.dX - oA.dX) * (oC.dY - oB.dY) - (oB.dY - oA.dY) * (oC.dX - oB.dX);
@@ -58,7 +57,7 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
   const double dBegin = oStroke.dAt < 0.0 ? dFree + oStroke.dAfter : std::max(oStroke.dAt, dFree);
   m_aKnots.push_back({dBegin, aPoints[0].dXMm, aPoints[0].dYMm});
   Rest(aPoints.size() == 1 && aPoints[0].dPause == 0.0 ? g_cdTapSeconds : aPoints[0].dPause);
-  ClPlace oBefore{aPoints[0].dXMm, aPoints[0].dYMm};
+  ClPosition oBefore{aPoints[0].dXMm, aPoints[0].dYMm};
   for (size_t i = 1; i < aPoints.size(); ++i) {
     const ClPenPoint* const aAround[4] = {&aPoints[i < 2 ? 0 : i - 2], &aPoints[i - 1], &aPoints[i],
                                           &aPoints[std::min(i + 1, aPoints.size() - 1)]};
@@ -67,9 +66,9 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
     const int nPieces =
         oStroke.bCurve ? std::clamp(static_cast<int>(dChord / g_cdPieceMm), 1, g_cnMostPieces) : 1;
     for (int n = 1; n <= nPieces; ++n) {
-      const ClPlace oHere{m_aKnots.back().dXMm, m_aKnots.back().dYMm};
-      const ClPlace oNext = nPieces == 1 ? ClPlace{aPoints[i].dXMm, aPoints[i].dYMm}
-                                         : Between(aAround, static_cast<double>(n) / nPieces);
+      const ClPosition oHere{m_aKnots.back().dXMm, m_aKnots.back().dYMm};
+      const ClPosition oNext = nPieces == 1 ? ClPosition{aPoints[i].dXMm, aPoints[i].dYMm}
+                                            : Between(aAround, static_cast<double>(n) / nPieces);
       MoveTo(oNext.dX, oNext.dY,
              oStroke.dSpeed * (oStroke.bCurve ? SpeedInBend(oBefore, oHere, oNext) : 1.0));
       oBefore = oHere;

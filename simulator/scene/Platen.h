@@ -12,6 +12,8 @@ namespace Simulator {
 constexpr double g_cdPlatenMm = 81.28;
 constexpr int g_cnPictureSide = 1600;
 constexpr double g_cdPixelMm = g_cdPlatenMm / g_cnPictureSide;
+/// Places are rounded to this, which nobody sees: pictures of the same place are the same.
+constexpr double g_cdPlaceStep = g_cdPixelMm / 32.0;
 
 /// Millimetres from the left or top edge to pixels, whole numbers being pixel centres.
 constexpr double MmToPixel(double dMm) {

@@ -19,7 +19,6 @@ constexpr int g_cnKernel = 2 * g_cnReach + 1;
 constexpr int g_cnDirections = 48;
 constexpr int g_cnPeriods = 3;
 constexpr int g_cnRounds = 11;
-constexpr double g_cdPi = 3.14159265358979323846;
 
 using Kernel = std::array<float, g_cnKernel * g_cnKernel>;
 
@@ -35,7 +34,7 @@ Kernel MakeKernel(double dDirection, double dPeriod) {
       const double dV = x * Portable::Sin(dDirection) + y * Portable::Cos(dDirection);
       const size_t i = static_cast<size_t>(y + g_cnReach) * g_cnKernel + static_cast<size_t>(x + g_cnReach);
       aEnvelope[i] = Portable::Exp(-0.5 * (dU * dU / (dAlong * dAlong) + dV * dV / (dAcross * dAcross)));
-      aWave[i] = Portable::Cos(2.0 * g_cdPi * dV / dPeriod);
+      aWave[i] = Portable::Cos(2.0 * Portable::cdPi * dV / dPeriod);
       dEnvelopeSum += aEnvelope[i];
       dWaveSum += aEnvelope[i] * aWave[i];
     }
@@ -120,7 +119,7 @@ class ClGrower {
     const double dPeriod = m_oDescription.dRidgePeriodMm / g_cdGrowMm;
     for (int i = 0; i < g_cnPeriods; ++i)
       for (int k = 0; k < g_cnDirections; ++k)
-        m_aKernels.push_back(MakeKernel(g_cdPi * k / g_cnDirections, dPeriod * (0.93 + 0.07 * i)));
+        m_aKernels.push_back(MakeKernel(Portable::cdPi * k / g_cnDirections, dPeriod * (0.93 + 0.07 * i)));
   }
 
   void ChoosePlaces() {
@@ -131,7 +130,7 @@ class ClGrower {
         const double dX = X(x), dY = Y(y);
         if (OutlineDistance(dX, dY, 0.5 * m_oDescription.dWidthMm, 0.5 * m_oDescription.dHeightMm) > 1.15)
           continue;
-        const double dTurn = oFlow.Direction(dX, dY) / g_cdPi;
+        const double dTurn = oFlow.Direction(dX, dY) / Portable::cdPi;
         const int nDirection = static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * g_cnDirections));
         const int nPeriod = std::clamp(static_cast<int>(1.5 + 1.4 * oSpacing.At(x, y)), 0, g_cnPeriods - 1);
         m_aPlaces.push_back({(y + g_cnReach) * m_nStride + x + g_cnReach,
@@ -225,7 +224,7 @@ class ClGrower {
 
   /// A printer's dots, 133 to the inch at 45 degrees: heights become larger and smaller dots of ink.
   static void AddRaster(TpPlane<uint8_t>& oRidge) {
-    const double dWave = 2.0 * g_cdPi * 133.0 * g_cdPixelMm / 25.4 * 0.70710678118654752;
+    const double dWave = 2.0 * Portable::cdPi * 133.0 * g_cdPixelMm / 25.4 * 0.70710678118654752;
     for (int y = 0; y < oRidge.Height(); ++y) {
       for (int x = 0; x < oRidge.Width(); ++x) {
         const double dDot = Portable::Cos(dWave * (x + y)) + Portable::Cos(dWave * (x - y));

@@ -10,7 +10,6 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPi = 3.14159265358979323846;
 constexpr double g_cdHalfMm = 0.5 * g_cdPlatenMm;
 /// Second prints of a dot lie this part of its radius beside it.
 constexpr double g_cdSlip = 1.2;
@@ -28,7 +27,7 @@ ClTargetDescription PlainTarget(uint64_t nSeed) {
 }
 
 std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTarget) {
-  const double dTurn = oTarget.dAngle * g_cdPi / 180.0;
+  const double dTurn = oTarget.dAngle * Portable::cdPi / 180.0;
   const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
   constexpr double dMiddle = 0.5 * (g_cnTargetSide - 1);
   std::array<ClPlaceMm, g_cnTargetDots> aPlaces;
@@ -53,7 +52,7 @@ ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
     if (Holds(oDescription.aDoubled)) AddDot({aDots[n].dX + g_cdSlip * oDescription.dRadiusMm, aDots[n].dY});
   }
   ClRandom oRandom(Mix(oDescription.nSeed, MixText("marks")));
-  const double dLight = oRandom.Range(0.0, 2.0 * g_cdPi);
+  const double dLight = oRandom.Range(0.0, 2.0 * Portable::cdPi);
   m_dLightX = Portable::Cos(dLight);
   m_dLightY = Portable::Sin(dLight);
   const auto Anywhere = [&oRandom] {
@@ -67,7 +66,7 @@ ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
   }
   for (unsigned n = 0; n < oDescription.nScratches; ++n) {
     const ClPlaceMm oPlace = Anywhere();
-    const double dAngle = oRandom.Range(0.0, 2.0 * g_cdPi), dLength = oRandom.Range(2.0, 8.0);
+    const double dAngle = oRandom.Range(0.0, 2.0 * Portable::cdPi), dLength = oRandom.Range(2.0, 8.0);
     const ClPlaceMm oEnd{oPlace.dX + dLength * Portable::Cos(dAngle),
                          oPlace.dY + dLength * Portable::Sin(dAngle)};
     m_aMarks.push_back({oPlace, oEnd, 0.02, 0.5F, static_cast<float>(oRandom.Range(0.1, 0.6))});

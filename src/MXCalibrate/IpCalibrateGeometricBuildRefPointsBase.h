@@ -8,6 +8,7 @@
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/TpArrayStatic.h"
 #include "MXTools/Vector.h"
+#include "portable/Math.h"
 
 template <typename T>
 struct Default;
@@ -158,6 +159,9 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
 /// One dot that was found, or a stored one.
 class ClIpCalibrateGeometricBuildRefPointsBase::ClDot {
  public:
+  /// From one direction number to the next, in radians.
+  static constexpr double cdEighthTurn = Portable::cdPi / 4;
+
   explicit ClDot(const ClVector& vCentre) { Initialize(vCentre); }
   explicit ClDot(const ClIpConnectedComponent2::ClComponent& oComponent);
   ClDot(const ClDot& o) { *this = o; }

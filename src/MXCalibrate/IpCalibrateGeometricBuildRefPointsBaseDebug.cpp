@@ -6,12 +6,12 @@
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "MXCalibrate/RefPointsLog.h"
 #include "MXTools/NumericFormat.h"
+#include "portable/Math.h"
 
 namespace {
 
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 
-constexpr double cdPi = 3.14159265358979323846;
 /// Points nearer than this are one.
 constexpr double cdSamePoint = 1.5;
 /// What a dot's radius may differ by, in millimetres.
@@ -50,9 +50,9 @@ void ClBase::RemoveSmallPoints(Points& aIn, Points& aOut) const {
   const double dPerMmY = m_dSourceDpiY / cdMillimetresPerInch;
   const double dX = dPerMmX * m_dDotRadius;
   const double dY = dPerMmY * m_dDotRadius;
-  const double dArea = cdPi * 0.25 * std::trunc(dX) * std::trunc(dY);
+  const double dArea = Portable::cdPi * 0.25 * std::trunc(dX) * std::trunc(dY);
   const double dTolerance =
-      dArea - cdPi * 0.25 * (dX - dPerMmX * cdRadiusTolerance) * (dY - dPerMmY * cdRadiusTolerance);
+      dArea - Portable::cdPi * 0.25 * (dX - dPerMmX * cdRadiusTolerance) * (dY - dPerMmY * cdRadiusTolerance);
   for (unsigned int nFirst = 0; nFirst < aIn.Entries(); ++nFirst) {
     if (aIn[nFirst].x < 0) continue;
     ClVector vSum = aIn[nFirst];

@@ -6,13 +6,10 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
-constexpr double cdEighth = cdPi / 4;
-
 /// How far the angles of [0, 2 pi) are apart, the shorter way round.
 double Between(double dA, double dB) {
   const double dApart = std::fabs(dA - dB);
-  return dApart > cdPi ? 2 * cdPi - dApart : dApart;
+  return dApart > Portable::cdPi ? 2 * Portable::cdPi - dApart : dApart;
 }
 
 }  // namespace
@@ -69,10 +66,10 @@ void ClDot::Remove(const ClDot* pDot) {
 double ClDot::AngleOf(const ClVector& vFrom, const ClVector& vTo) {
   const ClVector vWay = vTo - vFrom;
   // The axes are exact.
-  if (vWay.x == 0) return vWay.y < 0 ? 3 * cdPi / 2 : cdPi / 2;
-  if (vWay.y == 0) return vWay.x < 0 ? cdPi : 0;
+  if (vWay.x == 0) return vWay.y < 0 ? 3 * Portable::cdPi / 2 : Portable::cdPi / 2;
+  if (vWay.y == 0) return vWay.x < 0 ? Portable::cdPi : 0;
   const double dAngle = Portable::Atan2(vWay.y, vWay.x);
-  return dAngle < 0 ? dAngle + 2 * cdPi : dAngle;
+  return dAngle < 0 ? dAngle + 2 * Portable::cdPi : dAngle;
 }
 
 long ClDot::GetNeighbourDirection(long nNeighbour) const {
@@ -80,8 +77,8 @@ long ClDot::GetNeighbourDirection(long nNeighbour) const {
   // A neighbour on a boundary belongs to the lower number; rounding must not leave it to neither side.
   constexpr double cdRounding = 1e-12;
   for (long nDirection = 0; nDirection < 8; ++nDirection) {
-    const double dCentre = static_cast<double>(nDirection) * cdEighth;
-    if (Between(dAngle, dCentre) <= cdEighth / 2 + cdRounding) return nDirection;
+    const double dCentre = static_cast<double>(nDirection) * cdEighthTurn;
+    if (Between(dAngle, dCentre) <= cdEighthTurn / 2 + cdRounding) return nDirection;
   }
   return 0;
 }
@@ -90,8 +87,8 @@ ClDot* ClDot::GetNeighbourInDirection(long nDirection, double dMaxAngle) const {
   ClDot* pBest = nullptr;
   double dBest = dMaxAngle;
   for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
-    const double dApart =
-        Between(AngleOf(vPosition, aNeighbours[n]->vPosition), static_cast<double>(nDirection) * cdEighth);
+    const double dApart = Between(AngleOf(vPosition, aNeighbours[n]->vPosition),
+                                  static_cast<double>(nDirection) * cdEighthTurn);
     if (dApart < dBest) {
       dBest = dApart;
       pBest = aNeighbours[n];

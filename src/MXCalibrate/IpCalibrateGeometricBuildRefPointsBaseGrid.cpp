@@ -13,7 +13,6 @@ namespace {
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 using ClDot = ClBase::ClDot;
 
-constexpr double cdEighth = 3.14159265358979323846 / 4;
 constexpr unsigned int cnFewestNeighbours = 2;
 /// Beyond any frame: a dot farther off is no match.
 constexpr double cdFarthestMatch = 10000.0;
@@ -193,12 +192,13 @@ void ClBase::RemoveWrongAngleNeighbours(Grid& aGrid) {
     std::vector<double> aTurns;
     for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
       aAngles.push_back(ClDot::AngleOf(aNeighbours[n]->vPosition, oDot.vPosition));
-      const double dTurn = std::fmod(aAngles.back(), cdEighth);
-      aTurns.push_back(dTurn > cdEighth / 2 ? dTurn - cdEighth : dTurn);
+      const double dTurn = std::fmod(aAngles.back(), ClDot::cdEighthTurn);
+      aTurns.push_back(dTurn > ClDot::cdEighthTurn / 2 ? dTurn - ClDot::cdEighthTurn : dTurn);
     }
     const double dTurn = GetMedian(aTurns.data(), static_cast<long>(aTurns.size()));
     for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
-      const double dNearest = cdEighth * std::trunc((aAngles[n] - dTurn) / cdEighth) + dTurn;
+      const double dNearest =
+          ClDot::cdEighthTurn * std::trunc((aAngles[n] - dTurn) / ClDot::cdEighthTurn) + dTurn;
       if (std::fabs(dNearest - aAngles[n]) > m_dAngleTolerance) oDot.Remove(aNeighbours[n]);
     }
   }

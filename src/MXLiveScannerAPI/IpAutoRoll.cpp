@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
 constexpr double cdMaxTwist = 0.39269908169872414;  // pi / 8
 /// Frames off the mean angle from which on a finger counts as twisted, less 1; the same for slipped frames.
 constexpr int cnMaxTwisted = 2;
@@ -21,9 +20,8 @@ constexpr double cdMinShift = 20.0;
 /// Share of the merged print that a single frame may show at most.
 constexpr double cdMaxFlatShare = 0.7;
 /// Dark pixels in the middle of a frame up to which there is no finger.
-constexpr int cnNoFingerPixels = 1000;
+constexpr int cnEmptyPixels = 1000;
 constexpr unsigned char cnDarkGrey = 128;
-constexpr double cdWhite = 255.0;
 
 /// Of the whole numbers from 0 to n - 1.
 constexpr int64_t SumBelow(int64_t n) {
@@ -110,7 +108,7 @@ void ClIpAutoRoll::EnhanceCurrentImage() {
   oMiddle.Create(m_oCurrent, nWidth / 10, nHeight / 10, 9 * nWidth / 10, 9 * nHeight / 10);
   int nDark = 0;
   for (unsigned char n = 0; n <= cnDarkGrey; ++n) nDark += oMiddle.Count(n);
-  m_bFingerPresent = nDark > cnNoFingerPixels;
+  m_bFingerPresent = nDark > cnEmptyPixels;
 }
 
 void ClIpAutoRoll::BeginRoll() {
@@ -195,7 +193,7 @@ ClIpAutoRoll::stMomentMeasures ClIpAutoRoll::ComputeCenterOfMassAndCentroidAngle
   const double dM02 = oRegion.dYY / dCount - oMeasures.dY * oMeasures.dY;
   const double dM11 = oRegion.dXY / dCount - oMeasures.dX * oMeasures.dY;
   oMeasures.dAngle = 0.5 * Portable::Atan2(2 * dM11, dM20 - dM02);
-  if (oMeasures.dAngle < 0.0) oMeasures.dAngle += cdPi;
+  if (oMeasures.dAngle < 0.0) oMeasures.dAngle += Portable::cdPi;
   m_nMaxArea = std::max(m_nMaxArea, static_cast<int>(oRegion.nCount));
   return oMeasures;
 }
@@ -247,6 +245,6 @@ void ClIpAutoRoll::AutoRotateAndCropMergedImage() {
                      nHeight / 2 - static_cast<int>(m_oCenter.y), cdWhite);
   const double dAngle = m_aMoments[m_aMoments.size() / 2].dAngle;
   m_oRotate.SetBackgroundColor(255);
-  m_oRotate.ApplyParam(m_oCentred, m_oRotated, ClVector(nWidth / 2, nHeight / 2), cdPi / 2 - dAngle, false,
-                       true);
+  m_oRotate.ApplyParam(m_oCentred, m_oRotated, ClVector(nWidth / 2, nHeight / 2), Portable::cdPi / 2 - dAngle,
+                       false, true);
 }

@@ -70,6 +70,7 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
 
   /// Side of the windows in which a print is one piece, and in which ridges are darker than the mean.
   static constexpr long cnBlobWidth = 15;
+  static constexpr double cdWhite = 255.0;
 
   void EnhanceCurrentImage();
   void BeginRoll();

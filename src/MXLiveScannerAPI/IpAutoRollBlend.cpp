@@ -8,7 +8,6 @@
 namespace {
 
 constexpr double cdMiddleGrey = 128.0;
-constexpr double cdWhite = 255.0;
 /// Pixels that a frame must share with the merged print.
 constexpr size_t cnMinShared = 500;
 

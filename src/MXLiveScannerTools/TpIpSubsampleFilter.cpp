@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
-
 [[noreturn]] void RaiseInvalid() {
   KLV_RAISE(ClException, "invalid parameter", -44);
 }
@@ -25,7 +23,8 @@ int ScaledPels(int nPels, int nNew, int nOld) {
 double ClFilterLanczos2::Weight(double dX, double dLimit) {
   if (dX == 0) return 1.0;
   if (!(std::fabs(dX) < dLimit)) return 0;
-  return Portable::Sin(cdPi * dX) * Portable::Sin(cdPi * dX * 0.5) / (cdPi * cdPi * dX * dX * 0.5);
+  return Portable::Sin(Portable::cdPi * dX) * Portable::Sin(Portable::cdPi * dX * 0.5) /
+         (Portable::cdPi * Portable::cdPi * dX * dX * 0.5);
 }
 
 long ClIpSubsampleFilterBase::ApplyParam(ClImage& oIn, ClImage& oOut, int nWidth, int nHeight) {

@@ -7,14 +7,12 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
-
 double AngleBetween(const ClVector& oA, const ClVector& oB) {
   const double dLengths = oA.Length() * oB.Length();
-  if (dLengths == 0) return cdPi / 2;
+  if (dLengths == 0) return Portable::cdPi / 2;
   // Rounding may lead past the domain of the arc cosine.
   const double dCosine = oA.Scalar(oB) / dLengths;
-  if (dCosine <= -1) return cdPi;
+  if (dCosine <= -1) return Portable::cdPi;
   if (dCosine >= 1) return 0;
   return Portable::Acos(dCosine);
 }

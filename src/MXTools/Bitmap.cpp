@@ -10,9 +10,6 @@
 
 namespace {
 
-constexpr unsigned int cnHeaderSize = sizeof(tagBITMAPINFOHEADER);
-constexpr unsigned int cnFileHeaderSize = 14;
-
 [[noreturn]] void RaiseSize() {
   KLV_RAISE(ClException, "ClBitmap, size of the bitmap is not supported.", -32);
 }
@@ -33,7 +30,7 @@ unsigned int PlainBytes(int64_t nWidth, int64_t nHeight, unsigned int nBits) {
 
 /// Header and what stands between it and the pixels.
 uint64_t HeadBytes(const tagBITMAPINFOHEADER* pHeader) {
-  return cnHeaderSize + static_cast<uint64_t>(ClBitmap::PalSize(pHeader)) * 4;
+  return cnBitmapInfoHeaderSize + static_cast<uint64_t>(ClBitmap::PalSize(pHeader)) * 4;
 }
 
 void CheckBitCount(long nBits) {
@@ -78,7 +75,7 @@ unsigned char* ClBitmap::MemToBitmapInfoHeader(unsigned char* pMemory) {
     KLV_RAISE(ClException, "ClBitmap::Attach, Bitmapfileheader found Bitmapinfoheader expected.", -36);
   tagBITMAPINFOHEADER oHeader;
   std::memcpy(&oHeader, pMemory, sizeof(oHeader));
-  if (oHeader.biSize != cnHeaderSize)
+  if (oHeader.biSize != cnBitmapInfoHeaderSize)
     KLV_RAISE(ClException, "ClBitmap::Attach, Bitmap Header size is not known.", -32);
   if (oHeader.biPlanes != 1) KLV_RAISE(ClException, "ClBitmap::Attach, pBI->biPlanes != 1.", -11);
   if (oHeader.biCompression > eBitFields)
@@ -89,8 +86,8 @@ unsigned char* ClBitmap::MemToBitmapInfoHeader(unsigned char* pMemory) {
 
 unsigned char* ClBitmap::CheckPtr(unsigned char* pBlock, unsigned int nSize) {
   const bool bFileHeader = pBlock != nullptr && nSize >= 2 && pBlock[0] == 'B' && pBlock[1] == 'M';
-  const unsigned int nSkip = bFileHeader ? cnFileHeaderSize : 0;
-  if (pBlock != nullptr && (nSize <= nSkip || nSize - nSkip < cnHeaderSize))
+  const unsigned int nSkip = bFileHeader ? cnBitmapFileHeaderSize : 0;
+  if (pBlock != nullptr && (nSize <= nSkip || nSize - nSkip < cnBitmapInfoHeaderSize))
     KLV_RAISE(ClException, "ClBitmap::Attach, the block is shorter than its header.", -10);
   return MemToBitmapInfoHeader(pBlock == nullptr ? nullptr : pBlock + nSkip);
 }
@@ -110,7 +107,7 @@ ClBitmap::HeaderHolder ClBitmap::BitmapAlloc(long nWidth, long nHeight, long nBi
   if (nCompression < static_cast<long>(ePlain) || nCompression > static_cast<long>(eBitFields))
     KLV_RAISE(ClException, "ClBitmap::Create, Not Supported FOCC.", -31);
   const unsigned int nPixelBytes = PlainBytes(nWidth, nHeight, static_cast<unsigned int>(nBits));
-  unsigned int nHeadBytes = cnHeaderSize;
+  unsigned int nHeadBytes = cnBitmapInfoHeaderSize;
   if (nBits <= 8) {
     nHeadBytes += 4u << nBits;
   } else if (nCompression == eBitFields) {
@@ -122,14 +119,14 @@ ClBitmap::HeaderHolder ClBitmap::BitmapAlloc(long nWidth, long nHeight, long nBi
 void ClBitmap::FillBI(tagBITMAPINFOHEADER* pHeader, long nWidth, long nHeight, long nBits,
                       long nCompression) {
   *pHeader = tagBITMAPINFOHEADER();
-  pHeader->biSize = cnHeaderSize;
+  pHeader->biSize = cnBitmapInfoHeaderSize;
   pHeader->biWidth = static_cast<int32_t>(nWidth);
   pHeader->biHeight = static_cast<int32_t>(nHeight);
   pHeader->biPlanes = 1;
   pHeader->biBitCount = static_cast<uint16_t>(nBits);
   pHeader->biCompression = static_cast<uint32_t>(nCompression);
   pHeader->biSizeImage = PlainBytes(nWidth, nHeight, pHeader->biBitCount);
-  unsigned char* pPalette = reinterpret_cast<unsigned char*>(pHeader) + cnHeaderSize;
+  unsigned char* pPalette = reinterpret_cast<unsigned char*>(pHeader) + cnBitmapInfoHeaderSize;
   if (nBits < 9) {
     const unsigned int nEntries = PalSize(pHeader);
     const unsigned int nStep = 255 / ((1u << nBits) - 1);
@@ -172,7 +169,7 @@ ClBitmap::PixelsHolder ClBitmap::SharePixels(const ClImage& oImage) {
 
 void ClBitmap::Install(const HeaderHolder& pHeader, const PixelsHolder& pPixels) {
   unsigned char* pBlock = reinterpret_cast<unsigned char*>(pHeader.get());
-  m_pPalette = PalSize(pHeader.get()) == 0 ? nullptr : pBlock + cnHeaderSize;
+  m_pPalette = PalSize(pHeader.get()) == 0 ? nullptr : pBlock + cnBitmapInfoHeaderSize;
   m_pHeader = pHeader;
   m_pPixels = pPixels;
 }

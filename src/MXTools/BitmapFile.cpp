@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr unsigned int cnHeaderSize = sizeof(tagBITMAPINFOHEADER);
-constexpr unsigned int cnFileHeaderSize = 14;
 constexpr unsigned int cnMaskBytes = 12;
 constexpr uint16_t cnSignature = 19778;
 
@@ -65,9 +63,10 @@ class ClBitmapReader {
     RequireLeft(static_cast<uint64_t>(m_nPaletteRead) * 4 +
                 (bEncoded ? LeastEncodedBytes(nPixelBytes) : nPixelBytes));
     const uint64_t nPaletteBytes = static_cast<uint64_t>(ClBitmap::PalSize(&oPlain)) * 4;
-    const ClBitmap::HeaderHolder pHeader = ClBitmap::AllocBlock(cnHeaderSize + nPaletteBytes, nPixelBytes);
+    const ClBitmap::HeaderHolder pHeader =
+        ClBitmap::AllocBlock(cnBitmapInfoHeaderSize + nPaletteBytes, nPixelBytes);
     *pHeader = oPlain;
-    ReadPalette(reinterpret_cast<unsigned char*>(pHeader.get()) + cnHeaderSize);
+    ReadPalette(reinterpret_cast<unsigned char*>(pHeader.get()) + cnBitmapInfoHeaderSize);
     const ClBitmap::PixelsHolder pPixels = ClBitmap::PixelsBehind(pHeader);
     m_pPixels = pPixels.get();
     m_nRowSize = ClBitmap::RowSize(pHeader.get());
@@ -90,7 +89,7 @@ class ClBitmapReader {
       m_oStream.ReadAutoSwap(nIgnored);
       m_oStream.ReadAutoSwap(nIgnored);
       m_oStream.ReadAutoSwap(m_nOffset);
-      m_nOffset = std::max(m_nOffset, cnFileHeaderSize + cnHeaderSize);
+      m_nOffset = std::max(m_nOffset, cnBitmapFileHeaderSize + cnBitmapInfoHeaderSize);
       m_oStream.ReadAutoSwap(m_oHeader.biSize);
     } else if (IsHeaderSize(nSignature)) {
       uint16_t nHigh = 0;
@@ -115,11 +114,11 @@ class ClBitmapReader {
     m_oStream.ReadAutoSwap(m_oHeader.biYPelsPerMeter);
     m_oStream.ReadAutoSwap(m_oHeader.biClrUsed);
     m_oStream.ReadAutoSwap(m_oHeader.biClrImportant);
-    m_oHeader.biSize = cnHeaderSize;
-    if (m_nHeaderRead > cnHeaderSize) {
+    m_oHeader.biSize = cnBitmapInfoHeaderSize;
+    if (m_nHeaderRead > cnBitmapInfoHeaderSize) {
       // The larger headers carry the masks in themselves.
       m_oStream.Read(m_aMasks, sizeof(m_aMasks));
-      Skip(m_nHeaderRead - cnHeaderSize - cnMaskBytes);
+      Skip(m_nHeaderRead - cnBitmapInfoHeaderSize - cnMaskBytes);
     }
     const uint32_t nCompression = m_oHeader.biCompression;
     const bool bKnown = nCompression == ClBitmap::ePlain || nCompression == ClBitmap::eBitFields ||
@@ -133,7 +132,7 @@ class ClBitmapReader {
   }
 
   bool MasksInHeader() const {
-    return m_nHeaderRead > cnHeaderSize && m_oHeader.biBitCount > 8 &&
+    return m_nHeaderRead > cnBitmapInfoHeaderSize && m_oHeader.biBitCount > 8 &&
            m_oHeader.biCompression == ClBitmap::eBitFields;
   }
 
@@ -141,7 +140,7 @@ class ClBitmapReader {
   void LimitPalette() {
     uint32_t nLimit = UINT32_MAX;
     if (m_nOffset != 0) {
-      const uint32_t nHeads = m_nHeaderRead + cnFileHeaderSize;
+      const uint32_t nHeads = m_nHeaderRead + cnBitmapFileHeaderSize;
       nLimit = m_nOffset > nHeads ? (m_nOffset - nHeads) / 4 : 0;
     }
     const bool bMasks = m_oHeader.biBitCount > 8 && m_oHeader.biCompression == ClBitmap::eBitFields;
@@ -162,7 +161,8 @@ class ClBitmapReader {
     } else if (m_nPaletteRead != 0) {
       m_oStream.Read(pPalette, m_nPaletteRead * 4);
     }
-    const uint64_t nDone = static_cast<uint64_t>(cnFileHeaderSize) + m_nHeaderRead + m_nPaletteRead * 4u;
+    const uint64_t nDone =
+        static_cast<uint64_t>(cnBitmapFileHeaderSize) + m_nHeaderRead + m_nPaletteRead * 4u;
     if (m_nOffset > nDone) Skip(static_cast<unsigned int>(m_nOffset - nDone));
   }
 
@@ -268,9 +268,11 @@ void ClBitmap::Store(ClStream& oStream) const {
   }
   const ClFormatOfStream oFormat(oStream);
   oStream.WriteAutoSwap(cnSignature);
-  oStream.WriteAutoSwap(static_cast<uint32_t>(cnHeaderSize + cnFileHeaderSize + nPaletteBytes + nImageBytes));
+  oStream.WriteAutoSwap(
+      static_cast<uint32_t>(cnBitmapInfoHeaderSize + cnBitmapFileHeaderSize + nPaletteBytes + nImageBytes));
   oStream.WriteAutoSwap(uint32_t{0});
-  oStream.WriteAutoSwap(static_cast<uint32_t>(cnHeaderSize + nPaletteBytes + cnFileHeaderSize));
+  oStream.WriteAutoSwap(
+      static_cast<uint32_t>(cnBitmapInfoHeaderSize + nPaletteBytes + cnBitmapFileHeaderSize));
   oStream.WriteAutoSwap(rHeader.biSize);
   oStream.WriteAutoSwap(rHeader.biWidth);
   oStream.WriteAutoSwap(rHeader.biHeight);

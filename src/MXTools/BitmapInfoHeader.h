@@ -19,3 +19,7 @@ struct tagBITMAPINFOHEADER {
 };
 
 static_assert(sizeof(tagBITMAPINFOHEADER) == 40, "the format fixes the size");
+
+constexpr unsigned int cnBitmapInfoHeaderSize = sizeof(tagBITMAPINFOHEADER);
+/// What stands in front of the information header in a file.
+constexpr unsigned int cnBitmapFileHeaderSize = 14;

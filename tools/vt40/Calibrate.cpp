@@ -11,6 +11,7 @@
 #include "Calibration.h"
 #include "Commands.h"
 #include "HeatMap.h"
+#include "Json.h"
 #include "Scanner.h"
 #include "Scene.h"
 #include "ServiceScanner.h"
@@ -29,10 +30,6 @@ double Rounded(double dMicrometres) {
 
 nlohmann::ordered_json FormOf(const StResidual& o) {
   return {{"rms", Rounded(o.Rms())}, {"most", Rounded(o.Most())}};
-}
-
-void PrintJson(const nlohmann::ordered_json& oJson) {
-  std::puts(oJson.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
 std::vector<unsigned char> ReadBlock(const std::filesystem::path& oFile) {

@@ -3,6 +3,8 @@
 
 #include <cstdio>
 
+#include "Json.h"
+
 ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, const std::string& sSerial)
     : m_oOptions(oOptions) {
   m_oJson = {{"serial", sSerial}, {"mode", oOptions.sMode}, {"pictures", nlohmann::json::array()}};
@@ -30,7 +32,7 @@ void ClCaptureResult::SetVerdict(EExitCode eExit, const std::string& sReason) {
 
 EExitCode ClCaptureResult::Print(bool bJson) const {
   if (bJson) {
-    std::puts(m_oJson.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+    PrintJson(m_oJson);
   } else {
     for (const auto& oPicture : m_oJson["pictures"]) {
       std::printf("%s  %u x %u, %u pels per metre\n", oPicture["file"].get<std::string>().c_str(),

@@ -5,15 +5,12 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "Json.h"
 #include "Scanner.h"
 #include "Scene.h"
 #include "ToolError.h"
 
 namespace {
-
-void PrintJson(const nlohmann::ordered_json& oJson) {
-  std::puts(oJson.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
-}
 
 constexpr size_t cnDisplayLine = 16;
 
