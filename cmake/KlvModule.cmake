@@ -8,10 +8,10 @@
 # folder of its own, with links to just the headers that it lists. A dependency that is not declared
 # therefore does not compile. GROUP collects the modules that make up one shared library. HOT marks a module
 # that computes for one thread at a time and would take most of a sanitized test's time: the thread sanitizer keeps out,
-# the others leave it its optimiser. APART marks a module whose sources can't be joined for the compiler, as the presets
-# other than release do.
+# the others leave it its optimiser. APART marks a module or a test whose sources the compiler takes one by one in all
+# presets; elsewhere only release does so, and names of a file's own must not stand twice in a module.
 #
-#   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...])
+#   klv_test(NAME SOURCES ... DEPS ... [ENVIRONMENT ...] [LABELS ...] [APART])
 #
 # makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
 # meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock. The
@@ -68,8 +68,11 @@ function(klv_module NAME)
 endfunction()
 
 function(klv_test NAME)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS;ENVIRONMENT;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "APART" "" "SOURCES;DEPS;ENVIRONMENT;LABELS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
+  if(ARG_APART)
+    set_target_properties(${NAME} PROPERTIES UNITY_BUILD OFF)
+  endif()
   if("engine" IN_LIST ARG_LABELS)
     add_dependencies(engine_tests ${NAME})
   elseif(NOT "paced" IN_LIST ARG_LABELS)
