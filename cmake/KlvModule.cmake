@@ -15,7 +15,8 @@
 #
 # makes a GoogleTest program and registers each of its tests. LABELS engine marks programs in which threads
 # meet; the target engine_tests builds these alone. LABELS paced marks programs that keep up with a scanner's clock. The
-# target plain_tests builds what has neither label, with what tests that are no GoogleTest programs add to it.
+# target plain_tests builds what has neither label, with what tests that are no GoogleTest programs add to it. LABELS words
+# marks programs whose outcome may depend on the word size: sizes, stored formats, rounding; words_tests builds these alone.
 #
 #   klv_fuzz(NAME SOURCES ... DEPS ...)
 #
@@ -23,6 +24,7 @@
 
 add_custom_target(engine_tests)
 add_custom_target(plain_tests)
+add_custom_target(words_tests)
 add_custom_target(fuzz_targets)
 
 # The code of tests runs too briefly to be worth the optimiser's time.
@@ -78,6 +80,9 @@ function(klv_test NAME)
   elseif(NOT "paced" IN_LIST ARG_LABELS)
     add_dependencies(plain_tests ${NAME})
   endif()
+  if("words" IN_LIST ARG_LABELS)
+    add_dependencies(words_tests ${NAME})
+  endif()
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} GTest::gmock GTest::gtest_main klv_flags)
   target_compile_options(${NAME} PRIVATE ${KLV_TEST_OPTIONS})
@@ -94,7 +99,13 @@ function(klv_test NAME)
       list(APPEND properties ${property} "${ARG_${property}}")
     endif()
   endforeach()
-  gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+  if(KLV_RUN_PREFIX)
+    # An emulator takes longer to start than most tests: one start a program.
+    add_test(NAME ${NAME} COMMAND ${NAME} --gtest_brief=1)
+    set_tests_properties(${NAME} PROPERTIES ${properties})
+  else()
+    gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+  endif()
 endfunction()
 
 function(klv_fuzz NAME)
