@@ -2,6 +2,8 @@
 #include "MXCalibrate/IpInterpolate2D.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <type_traits>
 
 #include "MXTools/Exception.h"
@@ -10,6 +12,10 @@
 #include "MXTools/ParameterContainer.h"
 
 namespace {
+
+/// How far a surface may miss a value, against the largest one. Those of different points miss by less than 1e-9;
+/// points that nearly coincide and differ in their values have none, and what comes out is large noise.
+constexpr double cdMostMiss = 1e-4;
 
 void Expect(bool bTrue, const char* szText) {
   if (!bTrue) KLV_RAISE(ClException, szText, -44);
@@ -107,22 +113,43 @@ long ClIpInterpolate2DBase::ProcessType() {
   const size_t nPoints = m_pPoints->Entries();
   const Points& aPoints = *m_pPoints;
   TpLinearSystem<double> oSystem(nPoints);
+  double dLargest = 0;
   for (unsigned int i = 0; i < nPoints; ++i) {
     for (unsigned int j = 0; j < nPoints; ++j) {
       oSystem(i, j) = i == j ? 0.0 : Basis((aPoints[i] - aPoints[j]).SquaredLength());
+      dLargest = std::max(dLargest, std::fabs(oSystem(i, j)));
     }
   }
-  if (!oSystem.Factorize()) return -44;
+  // What rounding leaves of a pivot that is 0. Points as far apart as a scanner's stay above 1e-4 of the largest.
+  const double dRounding = static_cast<double>(nPoints) * std::numeric_limits<double>::epsilon();
+  if (!oSystem.Factorize(dLargest * dRounding)) return -44;
   const std::vector<int> aX = CornersOf(nInTargetWidth, m_nBlockSize);
   const std::vector<int> aY = CornersOf(nInTargetHeight, m_nBlockSize);
   for (unsigned int nImage = 0; nImage < m_nImages; ++nImage) {
     Vector oWeights(nPoints);
     std::copy_n(m_pValues + nImage * nPoints, nPoints, oWeights.begin());
     oSystem.Solve(oWeights);
+    if (!MeetsValues(oWeights, m_pValues + nImage * nPoints)) return -44;
     DrawCorners<T>(oWeights, aX, aY, *m_aOutput[nImage]);
     if (m_nBlockSize > 1) FillBlocks<T>(*m_aOutput[nImage], aX, aY);
   }
   return 0;
+}
+
+bool ClIpInterpolate2DBase::MeetsValues(const Vector& oWeights, const double* pValues) const {
+  const unsigned int nPoints = m_pPoints->Entries();
+  double dLargest = 0;
+  for (unsigned int n = 0; n < nPoints; ++n) dLargest = std::max(dLargest, std::fabs(pValues[n]));
+  for (unsigned int n = 0; n < nPoints; ++n) {
+    const ClVector& oPoint = (*m_pPoints)[n];
+    double dSum = 0;
+    for (unsigned int i = 0; i < nPoints; ++i) {
+      AddToRow((*m_pPoints)[i], oWeights(i), &oPoint.x, oPoint.y, 1, &dSum);
+    }
+    // NaN must fail as well.
+    if (!(std::fabs(dSum - pValues[n]) <= cdMostMiss * dLargest)) return false;
+  }
+  return true;
 }
 
 template <typename T>

@@ -32,7 +32,7 @@ class ClRadialBasisSquaredDist {
 /// Ownership  none of values, points and output images.
 /// Threads    thread-bound.
 /// Errors     -44 with the name of a missing parameter; -44 is returned for an unknown type and for points
-///            that allow no surface.
+///            that allow no surface, as two in one place do, or so nearly that it misses them.
 /// Cost       one basis function for each point and block corner.
 class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
  public:
@@ -72,6 +72,8 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
   void CheckParameters() const;
   template <typename T>
   long ProcessType();
+  /// Whether the surface goes through the points.
+  bool MeetsValues(const Vector& oWeights, const double* pValues) const;
   template <typename T>
   void DrawCorners(const Vector& oWeights, const std::vector<int>& aX, const std::vector<int>& aY,
                    ClImage& oOut) const;

@@ -9,6 +9,7 @@
 #include <boost/numeric/ublas/lu.hpp>
 #include <boost/numeric/ublas/matrix.hpp>
 #include <boost/numeric/ublas/vector.hpp>
+#include <cmath>
 #include <cstddef>
 
 /// n equations for n unknowns, factorised once for any number of right-hand sides.
@@ -26,13 +27,19 @@ class TpLinearSystem : private boost::noncopyable {
   /// Row i and column j, until Factorize.
   T& operator()(size_t i, size_t j) { return m_oMatrix(i, j); }
 
-  /// With partial pivoting. False when the equations have no single solution.
-  bool Factorize() {
+  /// With partial pivoting. False when the equations have no single solution, which rounding may hide: a pivot
+  /// that should be 0 then is a small one. One of at most tMostZero counts as 0.
+  bool Factorize(T tMostZero = T(0)) {
     try {
-      return boost::numeric::ublas::lu_factorize(m_oMatrix, m_oPermutation) == 0;
+      if (boost::numeric::ublas::lu_factorize(m_oMatrix, m_oPermutation) != 0) return false;
     } catch (const boost::numeric::ublas::singular&) {
       return false;
     }
+    for (size_t n = 0; n < m_oMatrix.size1(); ++n) {
+      // NaN must fail as well.
+      if (!(std::fabs(m_oMatrix(n, n)) > tMostZero)) return false;
+    }
+    return true;
   }
 
   /// Puts the solution in the place of the right-hand side, behind a Factorize that gave true.

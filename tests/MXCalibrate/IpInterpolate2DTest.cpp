@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "MXCalibrate/IpInterpolate2D.h"
 #include "MXTools/Exception.h"
@@ -131,6 +132,32 @@ TEST_F(Interpolate2D, ReturnsMinus44ForUnknownTypesAndPointsThatCoincide) {
   EXPECT_EQ(m_oProcessor.Apply(), -44);
   m_aPoints.SetEntries(1);
   EXPECT_EQ(m_oProcessor.Apply(), -44) << "a single basis is 0 at its own point";
+}
+
+TEST_F(Interpolate2D, RefusesGridsInWhichTwoPointsCoincideOrNearlyDoAndNoOthers) {
+  std::mt19937 oRandom(1);
+  const auto Uniform = [&](double dFrom, double dTo) {
+    return std::uniform_real_distribution<>(dFrom, dTo)(oRandom);
+  };
+  std::vector<double> aValues(64);
+  m_oProcessor.m_pValues = aValues.data();
+  m_aPoints.SetEntries(64);
+  for (int nTrial = 0; nTrial < 100; ++nTrial) {
+    for (unsigned int n = 0; n < 64; ++n) {
+      m_aPoints[n] = ClVector(200 * (n / 8) + Uniform(-40, 40), 200 * (n % 8) + Uniform(-40, 40));
+      aValues[n] = Uniform(10, 255);
+    }
+    EXPECT_EQ(m_oProcessor.Apply(), 0) << nTrial;
+    const auto nTwin = static_cast<unsigned int>(oRandom() % 64);
+    const auto nOther = static_cast<unsigned int>(nTwin + 1 + oRandom() % 63) % 64;
+    m_aPoints[nOther] = m_aPoints[nTwin] + ClVector(3e-5, 0);
+    aValues[nOther] = aValues[nTwin] + 50;
+    EXPECT_EQ(m_oProcessor.Apply(), -44) << nTrial;
+    m_aPoints[nOther] = m_aPoints[nTwin];
+    EXPECT_EQ(m_oProcessor.Apply(), -44) << nTrial;
+    aValues[nOther] = aValues[nTwin];
+    EXPECT_EQ(m_oProcessor.Apply(), -44) << nTrial << ", with one value";
+  }
 }
 
 TEST_F(Interpolate2D, NamesAMissingParameter) {
