@@ -2,6 +2,7 @@
 #include "KelvarinVTScanAPI/Bus.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include "scene/SceneReader.h"
 #include "scene/SimError.h"
@@ -19,10 +20,14 @@ void ClBus::CheckInitialized() const {
 
 void ClBus::Initialize() {
   std::lock_guard<std::mutex> oLoading(m_oLoading);
-  if (!m_bLoaded || (m_bFromEnvironment && m_bStale)) LoadEnvironment();
-  m_bStale = false;
+  RefreshScene();
   std::lock_guard<std::mutex> oLock(m_oMutex);
   ++m_nInitialized;
+}
+
+void ClBus::Prepare() {
+  std::lock_guard<std::mutex> oLoading(m_oLoading);
+  RefreshScene();
 }
 
 void ClBus::Uninitialize() {
@@ -37,12 +42,13 @@ void ClBus::Uninitialize() {
 }
 
 void ClBus::CloseAll() {
-  std::map<void*, ClDevice> mapDevices;
+  std::vector<ClDevice> aOpen;
   {
     std::lock_guard<std::mutex> oLock(m_oMutex);
-    mapDevices.swap(m_mapDevices);
+    for (auto& oEntry : m_mapDevices)
+      if (oEntry.second.pScanner) aOpen.push_back(std::exchange(oEntry.second, ClDevice()));
   }
-  for (auto& oEntry : mapDevices) oEntry.second.pScanner->Close(oEntry.second.nSession);
+  for (const ClDevice& oDevice : aOpen) oDevice.pScanner->Close(oDevice.nSession);
 }
 
 std::vector<unsigned> ClBus::Query(unsigned nProduct) {
@@ -90,14 +96,15 @@ void ClBus::Close(void* hDevice) {
     oDevice = it->second;
     m_mapDevices.erase(it);
   }
-  oDevice.pScanner->Close(oDevice.nSession);
+  if (oDevice.pScanner) oDevice.pScanner->Close(oDevice.nSession);
 }
 
 ClBus::ClDevice ClBus::Device(void* hDevice) {
   std::lock_guard<std::mutex> oLock(m_oMutex);
   CheckInitialized();
   const auto it = m_mapDevices.find(hDevice);
-  if (it == m_mapDevices.end()) throw ClSimError(eBadHandle, "the handle is no open device");
+  if (it == m_mapDevices.end() || !it->second.pScanner)
+    throw ClSimError(eBadHandle, "the handle is no open device");
   return it->second;
 }
 
@@ -122,6 +129,11 @@ void ClBus::LoadEnvironment() {
   const char* szScene = std::getenv("KELVARIN_VTSIM_SCENE");
   Install(FindScene(szScene && *szScene ? szScene : "empty"));
   m_bLoaded = m_bFromEnvironment = true;
+  m_bStale = false;
+}
+
+void ClBus::RefreshScene() {
+  if (!m_bLoaded || (m_bFromEnvironment && m_bStale)) LoadEnvironment();
 }
 
 void ClBus::NeedScene() {

@@ -22,7 +22,7 @@ class ClBus {
 
   /// An open device.
   struct ClDevice {
-    ScannerPointer pScanner;
+    ScannerPointer pScanner;  // none since the library was uninitialised
     ClScanner::Session nSession = 0;
   };
 
@@ -30,8 +30,10 @@ class ClBus {
 
   /// Counts; the first one reads the scene of the environment unless one was loaded.
   void Initialize();
-  /// Errors     -2 not initialised. The last one closes all devices.
+  /// Errors     -2 not initialised. The last one closes all devices; their handles are good for Close alone.
   void Uninitialize();
+  /// Has the scene of the next initialisation in place, for what is to hold from its first call on.
+  void Prepare();
 
   /// Identifiers of the plugged scanners of a product, in the order of the scene.
   std::vector<unsigned> Query(unsigned nProduct);
@@ -60,6 +62,7 @@ class ClBus {
 
   // All of these want m_oLoading held.
   void LoadEnvironment();
+  void RefreshScene();
   void NeedScene();
   void Install(const ClSceneDescription& oScene);
   void CloseAll();

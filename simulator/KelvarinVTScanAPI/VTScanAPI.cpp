@@ -42,6 +42,9 @@ std::string PropertyText(ClScanner& oScanner, ClScanner::Session nSession, const
 extern "C" {
 
 long VTScanAPIInitialize(void*) {
+  // The scene comes first, since its faults may be for this very call.
+  const long nResult = Guarded([] { ClBus::Get().Prepare(); });
+  if (nResult != 0) return nResult;
   return Called("VTScanAPIInitialize", false, [] { ClBus::Get().Initialize(); });
 }
 

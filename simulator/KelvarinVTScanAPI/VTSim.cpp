@@ -215,6 +215,7 @@ long VTSimSetDeviceVersion(const char* szSerial, const char* szVersion) {
 long VTSimSetLibraryVersion(const char* szVersion) {
   return Guarded([&] {
     NeedPointer(szVersion);
+    ClBus::Get().Prepare();
     ClBus::Get().SetLibraryVersion(szVersion);
   });
 }
@@ -235,6 +236,7 @@ long VTSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRe
   return Guarded([&] {
     NeedPointer(szFunction);
     if (nFirst == 0) throw ClSimError(eBadValue, "calls are counted from 1");
+    ClBus::Get().Prepare();
     ClBus::Get().Faults().FailCall(szFunction, nFirst, nRepeat, nResult);
   });
 }
@@ -243,6 +245,7 @@ long VTSimFailRandomly(const char* szFunction, unsigned long long nSeed, double 
   return Guarded([&] {
     if (!(dProbability >= 0.0 && dProbability <= 1.0))
       throw ClSimError(eBadValue, "a probability lies between 0 and 1");
+    ClBus::Get().Prepare();
     ClBus::Get().Faults().FailRandomly(szFunction ? szFunction : "*", nSeed, dProbability, nResult);
   });
 }

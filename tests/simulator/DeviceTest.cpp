@@ -26,7 +26,11 @@ TEST_F(SimulatorTest, NothingWorksBeforeInitialisationAndInitialisationsAreCount
   EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -2);
   ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
   EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -43) << "the old handle";
-  EXPECT_NE(Open(), nullptr);
+  void* hNew = Open();
+  void* hCopy = hDevice;
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hDevice), 0) << "it has not been closed yet";
+  EXPECT_EQ(VTScanAPIDestroyHandle(&hCopy), -43);
+  EXPECT_EQ(VTScanAPISetVSYNC(hNew, 1), 0);
 }
 
 TEST_F(SimulatorTest, DevicesAreListedByProductAndSizesAreNegotiated) {
@@ -352,6 +356,31 @@ TEST_F(SimulatorTest, TheEnvironmentChoosesTheSceneAndABadOneFailsTheInitialisat
   EXPECT_THAT(VTSimLastError(), HasSubstr("no-such-scene"));
   ASSERT_EQ(unsetenv("KELVARIN_VTSIM_SCENE"), 0);
   EXPECT_EQ(VTScanAPIInitialize(nullptr), 0);
+}
+
+TEST_F(SimulatorTest, WhatIsSetBeforeAnInitialisationHoldsInItAndASceneMayFailIt) {
+  ASSERT_EQ(setenv("KELVARIN_VTSIM_SCENE", R"({"scanners": [{}], "faults": [
+      {"call": "VTScanAPIInitialize", "result": -105}, {"call": "VTScanAPISetVSYNC", "result": -106}]})",
+                   1),
+            0);
+  ASSERT_EQ(VTSimReset(), 0);
+  for (const char* szLife : {"first", "second"}) {
+    SCOPED_TRACE(szLife);
+    ASSERT_EQ(VTSimFailCall("VTScanAPIQueryDevices", 1, 1, -107), 0);
+    ASSERT_EQ(VTSimSetLibraryVersion("1.99"), 0);
+    EXPECT_EQ(VTScanAPIInitialize(nullptr), -105) << "the scene's own fault";
+    EXPECT_EQ(VTScanAPIInitialize(nullptr), 0);
+    unsigned nCount = 0;
+    EXPECT_EQ(VTScanAPIQueryDevices(nullptr, &nCount, 17), -107);
+    void* hDevice = Open();
+    EXPECT_EQ(VTScanAPISetVSYNC(hDevice, 1), -106);
+    char szVersion[8];
+    unsigned nSize = sizeof szVersion;
+    EXPECT_EQ(VTScanAPIGetPropertyA(hDevice, "version", szVersion, &nSize), 0);
+    EXPECT_STREQ(szVersion, "1.99");
+    EXPECT_EQ(VTScanAPIUninitialize(), 0);
+  }
+  unsetenv("KELVARIN_VTSIM_SCENE");
 }
 
 }  // namespace
