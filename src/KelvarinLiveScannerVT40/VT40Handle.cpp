@@ -34,6 +34,11 @@ std::string TextOf(const char* szText, unsigned int nSize, unsigned int nRoom) {
   return {szText, std::find(szText, pEnd, '\0')};
 }
 
+/// An empty block has no memory, but it was given: the set-up is to find it too short, not to go without it.
+const char* GivenBlock(const TpArrayStatic<char>& aBlock) {
+  return aBlock.Entries() > 0 ? aBlock.Data() : "";
+}
+
 }  // namespace
 
 ClVT40Handle::ClVT40Handle() : m_oScanAPI(nullptr, nullptr) {}
@@ -154,8 +159,8 @@ void ClVT40Handle::PutSensorInSetupState() {
 void ClVT40Handle::SetupCalibrationData() noexcept {
   m_nSetupResult = 0;
   try {
-    m_pSetupCalibrationData->Setup(m_aGeometricData.Data(), m_aGeometricData.Entries(),
-                                   m_aBrightnessData.Data(), m_aBrightnessData.Entries(), nullptr, 0);
+    m_pSetupCalibrationData->Setup(GivenBlock(m_aGeometricData), m_aGeometricData.Entries(),
+                                   GivenBlock(m_aBrightnessData), m_aBrightnessData.Entries(), nullptr, 0);
   } catch (const ClException& oFailure) {
     m_nSetupResult = oFailure.Number();
   } catch (const std::bad_alloc&) {

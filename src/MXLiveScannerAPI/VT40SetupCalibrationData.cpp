@@ -145,7 +145,7 @@ void ClVT40SetupCalibrationData::CalibrateHighresThread() {
 }
 
 void ClVT40SetupCalibrationData::UpdateGainData(const void* pData, unsigned int nSize) {
-  if (pData == nullptr) return;
+  if (pData == nullptr || nSize == 0) return;
   CopyBlock(pData, nSize, m_aGainRaw);
   ClMemStream oBlock(static_cast<const unsigned char*>(pData), nSize);
   m_oGain.Read(oBlock);

@@ -58,7 +58,8 @@ void ClVT40SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned
   ClCalibrateGeometricData oData;
   oData.Read(oBlock);
   oData.m_nBackground = 0;
-  if (oData.m_nPlanes == 0 || oData.m_nTargetWidth != cnTargetSize || oData.m_nTargetHeight != cnTargetSize) {
+  // The frames have one plane, and a map for more would refuse them all.
+  if (oData.m_nPlanes != 1 || oData.m_nTargetWidth != cnTargetSize || oData.m_nTargetHeight != cnTargetSize) {
     RaiseInvalid();
   }
   CheckPoints(oData);
@@ -82,12 +83,10 @@ void ClVT40SetupCalibrationData::CheckPoints(const ClCalibrateGeometricData& oDa
                       oData.m_nSourceHeight >= cnLeastSource && oData.m_nSourceHeight <= cnMostSource;
   const unsigned int nTargets = oData.m_aTarget.Entries();
   if (!bSizes || nTargets == 0 || !AreFinite(oData.m_aTarget)) RaiseInvalid();
-  for (uint32_t n = 0; n < oData.m_nPlanes; ++n) {
-    const unsigned int nActuals = oData.m_aActual[n].Entries();
-    const bool bGrid = nTargets == cnGridPoints && nActuals == cnGridPoints;
-    const bool bOldGrid = m_nScannerRevision == 0 && nActuals >= cnGridPoints && nTargets <= nActuals;
-    if ((!bGrid && !bOldGrid) || !AreFinite(oData.m_aActual[n])) RaiseInvalid();
-  }
+  const unsigned int nActuals = oData.m_aActual[0].Entries();
+  const bool bGrid = nTargets == cnGridPoints && nActuals == cnGridPoints;
+  const bool bOldGrid = m_nScannerRevision == 0 && nActuals >= cnGridPoints && nTargets <= nActuals;
+  if ((!bGrid && !bOldGrid) || !AreFinite(oData.m_aActual[0])) RaiseInvalid();
 }
 
 void ClVT40SetupCalibrationData::RepairPoints(Points& aPoints) {

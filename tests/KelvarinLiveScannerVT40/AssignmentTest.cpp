@@ -123,7 +123,8 @@ TEST_F(Assignment, MissingAndCutCalibrationFilesAreRefused) {
   EXPECT_EQ(m_h, nullptr);
   const std::vector<unsigned char> aGeometry = ReadEprom("GEOCAL");
   ASSERT_GT(aGeometry.size(), 600u);
-  for (const unsigned int nSize : {1u, 4u, 11u, 48u, 600u, static_cast<unsigned int>(aGeometry.size()) - 1}) {
+  for (const unsigned int nSize :
+       {0u, 1u, 4u, 11u, 48u, 600u, static_cast<unsigned int>(aGeometry.size()) - 1}) {
     ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aGeometry.data(), nSize), 0);
     ExpectOpen(-201, "GEOCAL cut at " + std::to_string(nSize));
   }
@@ -174,8 +175,12 @@ TEST_F(Assignment, BrightnessAndGainBlocksAreGuarded) {
   const std::vector<unsigned char> aBrightness = ReadEprom("BRGHTCAL");
   const std::vector<unsigned char> aGain = ReadEprom("GAINSET");
   const auto Set = [](const char* szName, const std::vector<unsigned char>& aData) {
-    ASSERT_EQ(VTSimSetEpromFile(nullptr, szName, aData.data(), static_cast<unsigned int>(aData.size())), 0);
+    // An empty file is there as well.
+    const void* pData = aData.empty() ? "" : static_cast<const void*>(aData.data());
+    ASSERT_EQ(VTSimSetEpromFile(nullptr, szName, pData, static_cast<unsigned int>(aData.size())), 0);
   };
+  Set("BRGHTCAL", {});
+  ExpectOpen(-201, "no byte of brightness");
   Set("BRGHTCAL", {aBrightness.begin(), aBrightness.end() - 1});
   ExpectOpen(-201, "brightness cut");
   Set("BRGHTCAL", {'C', 'B', 'D', 0, 1, 0, 64, 0});
@@ -183,6 +188,8 @@ TEST_F(Assignment, BrightnessAndGainBlocksAreGuarded) {
   Set("BRGHTCAL", aBrightness);
   Set("GAINSET", {aGain.begin(), aGain.end() - 1});
   ExpectOpen(-201, "gain cut");
+  Set("GAINSET", {});
+  ExpectOpen(0, "an empty gain file is a missing one");
   Set("GAINSET", aGain);
   ExpectOpen(0, "whole again");
 }

@@ -121,6 +121,7 @@ TEST(Gain, IsTheSameFromBothFormsAndHalvedByteByByteWithoutUsbPower) {
   oSetup.UpdateGainData(aBlock.data(), 30);
   EXPECT_EQ(oSetup.GetGainLevel(1), 0x404040u);
   oSetup.UpdateGainData(nullptr, 0);
+  oSetup.UpdateGainData(aBlock.data(), 0);
   EXPECT_EQ(oSetup.GetGainLevel(1), 0x404040u);
   EXPECT_EQ(Raised([&] { oSetup.UpdateGainData(aBlock.data(), 29); }).first, -201);
   oSetup.Reset(false, false, true);
@@ -167,7 +168,7 @@ TEST(Geometry, RefusesGridsThatCannotBeAScanners) {
   EXPECT_EQ(Refusal(ClGeometricRecord()).first, 0);
   const double dNaN = std::numeric_limits<double>::quiet_NaN();
   const double dInfinity = std::numeric_limits<double>::infinity();
-  std::vector<ClGeometricRecord> aRecords(11);
+  std::vector<ClGeometricRecord> aRecords(13);
   aRecords[0].nPlanes = 0;
   aRecords[1].nTargetWidth = 1599;
   aRecords[2].nTargetHeight = 800;
@@ -179,6 +180,8 @@ TEST(Geometry, RefusesGridsThatCannotBeAScanners) {
   aRecords[8].aActual[20].x = dNaN;
   aRecords[9].aTarget[63].y = dInfinity;
   aRecords[10].aActual.emplace_back(1, 2);
+  aRecords[11].nPlanes = 2;
+  aRecords[12].nPlanes = 3;
   for (size_t n = 0; n < aRecords.size(); ++n) {
     const auto oRaised = Refusal(aRecords[n]);
     EXPECT_EQ(oRaised.first, -39) << n;
@@ -310,13 +313,15 @@ TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
   EXPECT_THAT(oUpdate(aFew).second, EndsWith("Brightness calibration data invalid."));
 }
 
-TEST(Brightness, TwoPointsInOnePlaceAreRefused) {
-  ClGeometricRecord oRecord;
-  oRecord.aTarget[7] = oRecord.aTarget[6];
+TEST(Brightness, TwoPointsInOnePlaceAreRefusedWhereverTheyAre) {
   ClVT40SetupCalibrationData oSetup("VT40-AA0042", false);
-  UpdateGeometry(oSetup, GeometricBlock(oRecord));
   const Bytes aBlock = LegacyBrightnessBlock();
-  EXPECT_EQ(Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); }).first, -39);
+  for (size_t n = 1; n < 64; ++n) {
+    ClGeometricRecord oRecord;
+    oRecord.aTarget[n] = oRecord.aTarget[n * n % 29 % n];
+    UpdateGeometry(oSetup, GeometricBlock(oRecord));
+    EXPECT_EQ(Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); }).first, -39) << n;
+  }
 }
 
 TEST(Setup, StoresTheBlocksByteForByte) {
