@@ -212,19 +212,35 @@ TEST(Dots, OneOffThePatternUsesUpNoIdealPoint) {
   EXPECT_TRUE(oFound.Of(64).bValid);
 }
 
+TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
+  ClDonut oDonut;
+  // Beside one corner a dot alone; beyond the opposite one a chain, whose second dot holds on by the last one only.
+  std::vector<ClVector> aPlaces = Ideal();
+  for (const double d : {-1.2, 8.2, 9.4}) aPlaces.emplace_back(500 + d * cdPitchX, 300 + d * cdPitchY);
+  ClFound oFound(oDonut, aPlaces);
+  ASSERT_EQ(oFound.Of(65).aNeighbours.Entries(), 2u);
+  oDonut.RemoveLessNeighbours(oFound.m_aDots);
+  for (long n = 0; n < 67; ++n) {
+    EXPECT_EQ(oFound.Of(n).bValid, n < 64) << n;
+    EXPECT_EQ(oFound.Of(n).nStatus, n < 64 ? 0 : 5) << n;
+  }
+  for (const long n : {0, 63}) EXPECT_EQ(oFound.Of(n).aNeighbours.Entries(), 3u) << n;
+}
+
 TEST(Dots, NeighboursInWrongDirectionsAreForgotten) {
   ClDonut oDonut;
-  // Right, below, left and above, all turned by 0.1; the fifth lies at a right angle to nothing.
+  // Right, below, left and above, all turned by 0.1. The fifth lies at a right angle to nothing, and the sixth, little
+  // as it lacks, counts from the eighth before, since eighths are cut.
   ClDot oDot(ClVector(0, 0));
   std::vector<ClDot> aOthers;
-  for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.1416, 0.1 + 4.7124, 1.25})
+  for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.1416, 0.1 + 4.7124, 1.25, 0.05 + 1.5708})
     aOthers.emplace_back(ClVector(-100 * std::cos(dAngle), -100 * std::sin(dAngle)));
   for (ClDot& o : aOthers) oDot.AddDot(&o, false);
   ClDonut::Grid aGrid;
   aGrid.Add(&oDot);
   oDonut.RemoveWrongAngleNeighbours(aGrid);
-  for (unsigned int n = 0; n < oDot.aNeighbours.Entries(); ++n) EXPECT_NE(oDot.aNeighbours[n], &aOthers[4]);
-  EXPECT_EQ(oDot.aNeighbours.Entries(), 4u);
+  ASSERT_EQ(oDot.aNeighbours.Entries(), 4u);
+  for (unsigned int n = 0; n < 4; ++n) EXPECT_EQ(oDot.aNeighbours[n], &aOthers[n]);
   double aValues[] = {5, 1, 4, 2};
   EXPECT_EQ(ClDonut::GetMedian(aValues, 4), 4);
 }

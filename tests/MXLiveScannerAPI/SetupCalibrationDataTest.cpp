@@ -237,7 +237,7 @@ TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
   for (unsigned int nColumn = 1; nColumn < 7; ++nColumn) {
     for (unsigned int nRow = 1; nRow < 7; ++nRow) {
       const unsigned int n = 8 * nColumn + nRow;
-      for (const ClVector& vOff : {ClVector(16, 0), ClVector(0, -16), ClVector(-18, 24), ClVector(29, 0)})
+      for (const ClVector& vOff : {ClVector(15.25, 0), ClVector(0, -16), ClVector(-18, 24), ClVector(29, 0)})
         ExpectRepair(oSetup, n, vOff, {});
       for (const ClVector& vOff : {ClVector(14, 0), ClVector(0, -15), ClVector(9, 12)})
         ExpectRepair(oSetup, n, vOff, {{n, vOff}});
