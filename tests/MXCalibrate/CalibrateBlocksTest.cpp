@@ -62,35 +62,37 @@ TEST(BrightnessData, ReadsTheCurrentFormAndALaterRecordOfAKeyWins) {
 }
 
 TEST(BrightnessData, FewerThan64PointsAreWrittenInFrontOfZerosAndMoreAreRefused) {
-  for (const uint32_t nPoints : {2u, 65u}) {
-    Bytes aBlock;
-    Append(aBlock, "CBD");
-    AppendLittle(aBlock, 1, 2);
-    AppendLittle(aBlock, nPoints, 2);
-    AppendLittle(aBlock, 16, 8);
-    AppendAll(aBlock, Bytes(3 * nPoints, 5));
-    ClCalibrateBrightnessData oData;
-    ASSERT_EQ(Read(oData, aBlock), 0);
-    if (nPoints > 64) {
-      EXPECT_THROW(Written(oData), ClException);
-      continue;
+  ClCalibrateBrightnessData oData;
+  Bytes aBlock = {'C', 'B', 'D', 0, 1, 0, 2, 0, 16, 0, 0, 0, 0, 0, 0, 0, 5, 5, 5, 5, 5, 5};
+  ASSERT_EQ(Read(oData, aBlock), 0);
+  const Bytes aWritten = Written(oData);
+  EXPECT_EQ(Bytes(aWritten.begin() + 128, aWritten.begin() + 136), (Bytes{5, 5, 5, 5, 5, 5, 0, 0}));
+  aBlock[6] = 65;
+  aBlock.resize(16 + 3 * 65, 5);
+  ASSERT_EQ(Read(oData, aBlock), 0);
+  EXPECT_THROW(Written(oData), ClException);
+}
+
+/// Every cut is refused and leaves no data, but behind a whole record of the current form.
+template <class TData>
+void ExpectCutsFound(const Bytes& aLegacy, const Bytes& aCurrent, size_t nHead, size_t nRecord) {
+  for (const Bytes& aBlock : {aLegacy, aCurrent}) {
+    for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {
+      TData oData;
+      const bool bWhole = aBlock[0] == 'C' && nLength >= nHead && (nLength - nHead) % nRecord == 0;
+      EXPECT_EQ(Read(oData, Cut(aBlock, nLength)), bWhole ? 0 : -201) << nLength;
+      EXPECT_EQ(oData.IsValid(), bWhole) << nLength;
     }
-    const Bytes aWritten = Written(oData);
-    EXPECT_EQ(Bytes(aWritten.begin() + 128, aWritten.begin() + 136), (Bytes{5, 5, 5, 5, 5, 5, 0, 0}));
   }
 }
 
-TEST(BrightnessData, EveryCutOfEitherFormLeavesNoData) {
-  const size_t cnRecord = 200;
-  for (const Bytes& aBlock : {LegacyBrightnessBlock(), CurrentBrightnessBlock()}) {
-    for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {
-      ClCalibrateBrightnessData oData;
-      ASSERT_EQ(Read(oData, LegacyBrightnessBlock()), 0);
-      const bool bWholeRecords = aBlock[0] == 'C' && nLength >= 8 && (nLength - 8) % cnRecord == 0;
-      EXPECT_EQ(Read(oData, Cut(aBlock, nLength)), bWholeRecords ? 0 : -201) << nLength;
-      EXPECT_EQ(oData.IsValid(), bWholeRecords) << nLength;
-    }
-  }
+TEST(LightBlocks, EveryCutOfEitherFormIsFoundAndLeavesNoData) {
+  ExpectCutsFound<ClCalibrateBrightnessData>(LegacyBrightnessBlock(), CurrentBrightnessBlock(), 8, 200);
+  ExpectCutsFound<ClCalibrateGainData>(LegacyGainBlock(), CurrentGainBlock(), 6, 14);
+  ClCalibrateBrightnessData oData;
+  ASSERT_EQ(Read(oData, LegacyBrightnessBlock()), 0);
+  EXPECT_EQ(Read(oData, Cut(LegacyBrightnessBlock(), 1087)), -201);
+  EXPECT_FALSE(oData.IsValid()) << "what was there before goes";
 }
 
 TEST(GainData, BothFormsGiveTheSameLevels) {
@@ -117,17 +119,6 @@ TEST(GainData, AReadKeepsKeysThatItDoesNotBring) {
   oData.Clear();
   EXPECT_FALSE(oData.IsValid());
   EXPECT_EQ(oData.GetGain(16), 0u);
-}
-
-TEST(GainData, EveryCutOfEitherFormChangesNothing) {
-  for (const Bytes& aBlock : {LegacyGainBlock(), CurrentGainBlock()}) {
-    for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {
-      ClCalibrateGainData oData;
-      const bool bWholeRecords = aBlock[0] == 'C' && nLength >= 6 && (nLength - 6) % 14 == 0;
-      EXPECT_EQ(Read(oData, Cut(aBlock, nLength)), bWholeRecords ? 0 : -201) << nLength;
-      EXPECT_EQ(oData.IsValid(), bWholeRecords) << nLength;
-    }
-  }
 }
 
 }  // namespace

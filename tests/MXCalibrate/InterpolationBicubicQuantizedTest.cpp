@@ -73,14 +73,4 @@ TEST(BicubicTable, EachInstanceEqualsItsDefinition) {
   ExpectTable<600, 375, 750>();
 }
 
-TEST(BicubicTable, AnUnshiftedWindowIsSymmetricRoundItsBasePixelAndSharpens) {
-  const ClInterpolationBicubicQuantized<1, 5, 600, 530, 1000> oTable;
-  const auto& a = oTable[0];
-  EXPECT_GT(a[1][1], 512);
-  EXPECT_EQ(a[0][1], a[2][1]);
-  EXPECT_EQ(a[1][0], a[1][2]);
-  EXPECT_EQ(a[0][1], a[1][0]);
-  EXPECT_LT(a[3][1], 0) << "two pixels off the weights are negative";
-}
-
 }  // namespace

@@ -340,6 +340,11 @@ TEST_F(SimulatorTest, TellsWhereTheTargetsDotsAreWhereOneLies) {
   ASSERT_EQ(VTSimPictureToSensor(nullptr, dFar, dNear, &dX, &dY), 0);
   EXPECT_NEAR(aDots[0].dX, dX, 1e-6);
   EXPECT_NEAR(aDots[0].dY, dY, 1e-6);
+  EXPECT_NEAR(aDots[56].dY, dY, 30.0);
+  // What turns to the left on the platen is seen to turn to the right.
+  ASSERT_EQ(VTSimLoadScene(R"({"scanners": [{"target": {"angle": 3}}]})"), 0);
+  EXPECT_EQ(VTSimGetTargetDots(nullptr, aDots.data(), &nCount), 0);
+  EXPECT_GT(aDots[56].dY, aDots[0].dY + 70.0);
 }
 
 TEST_F(SimulatorTest, TheEnvironmentChoosesTheSceneAndABadOneFailsTheInitialisation) {

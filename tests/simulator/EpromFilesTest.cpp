@@ -96,21 +96,6 @@ TEST(MeasureGeometry, TheDotGridRunsColumnByColumnAndSeesTheMirroredPlaten) {
   }
 }
 
-TEST(MeasureGeometry, NoDotStraysFarFromTheMiddleOfItsNeighbours) {
-  // Hosts repair points that lie more than 15 pixels off, so a good scanner must stay well below.
-  for (const char* szSerial : {"VT40-AB0001", "VT40-AC0002", "VT40-AA0003"}) {
-    const std::vector<ClPoint> a = MeasureGeometry(ClOptics(MixText(szSerial))).aActual;
-    for (size_t c = 1; c < 7; ++c) {
-      for (size_t r = 1; r < 7; ++r) {
-        const size_t e = 8 * c + r;
-        EXPECT_LT(std::hypot(a[e].dX - 0.5 * (a[e - 1].dX + a[e + 1].dX),
-                             a[e].dY - 0.5 * (a[e - 8].dY + a[e + 8].dY)),
-                  5.0);
-      }
-    }
-  }
-}
-
 TEST(MeasureBrightness, TheLuminanceOfKeyOneIsTheLevelOfARidge) {
   const ClOptics oOptics(MixText("VT40-AB0001"));
   const BrightnessTable oTable = MeasureBrightness(oOptics);

@@ -40,27 +40,4 @@ inline Plane Difference(const std::vector<uint8_t>& aBytes) {
   return aOut;
 }
 
-/// Means over windows that the border cuts.
-inline Plane Smooth(const Plane& a, int nWidth, int nSide) {
-  const int nReach = nSide / 2, nHeight = static_cast<int>(a.size()) / nWidth;
-  std::vector<int64_t> aSums(static_cast<size_t>((nWidth + 1) * (nHeight + 1)));
-  const auto At = [nWidth](int x, int y) { return static_cast<size_t>(y * (nWidth + 1) + x); };
-  for (int y = 0; y < nHeight; ++y)
-    for (int x = 0; x < nWidth; ++x)
-      aSums[At(x + 1, y + 1)] = a[static_cast<size_t>(y * nWidth + x)] + aSums[At(x, y + 1)] +
-                                aSums[At(x + 1, y)] - aSums[At(x, y)];
-  Plane aOut(a.size());
-  for (int y = 0; y < nHeight; ++y) {
-    const int nTop = std::max(0, y - nReach), nEnd = std::min(nHeight, y + nReach + 1);
-    for (int x = 0; x < nWidth; ++x) {
-      const int nLeft = std::max(0, x - nReach), nRight = std::min(nWidth, x + nReach + 1);
-      aOut[static_cast<size_t>(y * nWidth + x)] =
-          static_cast<int>((aSums[At(nRight, nEnd)] - aSums[At(nRight, nTop)] - aSums[At(nLeft, nEnd)] +
-                            aSums[At(nLeft, nTop)]) /
-                           ((nRight - nLeft) * (nEnd - nTop)));
-    }
-  }
-  return aOut;
-}
-
 }  // namespace Simulator

@@ -49,14 +49,6 @@ TEST(Optics, ThePlatenFitsTheSensorMirroredAndDistortedByAFewPercent) {
   }
 }
 
-TEST(Optics, EachSerialHasItsOwnDistortion) {
-  const ClPoint oFirst = ClOptics(MixText(g_caszSerials[0])).PictureToSensor(100.0, 100.0);
-  for (int i = 1; i < 4; ++i) {
-    const ClPoint oOther = ClOptics(MixText(g_caszSerials[i])).PictureToSensor(100.0, 100.0);
-    EXPECT_GT(std::hypot(oOther.dX - oFirst.dX, oOther.dY - oFirst.dY), 0.5);
-  }
-}
-
 TEST(Optics, LightFallsByAThirdToTheCornersAndIsTheSameOnBothSides) {
   for (const char* szSerial : g_caszSerials) {
     const ClOptics oOptics(MixText(szSerial));
