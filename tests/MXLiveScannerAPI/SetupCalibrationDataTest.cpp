@@ -275,6 +275,21 @@ TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
   EXPECT_THAT(oUpdate(aFew), testing::Pair(-39, EndsWith("Brightness calibration data invalid.")));
 }
 
+TEST(Brightness, IsTheLuminanceOfThePlanesAtEachPoint) {
+  Bytes aBlock = {'C', 'B', 'D', 0, 1, 0, 64, 0, 1, 0, 0, 0, 0, 0, 0, 0};
+  for (const int nPlane : {100, 50, 200})
+    aBlock.resize(aBlock.size() + 64, static_cast<unsigned char>(nPlane));
+  ClVT40SetupCalibrationData oSetup(cszSerial, false);
+  UpdateGeometry(oSetup, GeometricBlock(ClGeometricRecord()));
+  oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock));
+  ClImage oFrame(800, 800, 1, 0, 0);
+  oFrame = static_cast<unsigned char>(60);
+  ClImage oOut;
+  oSetup.AdjustBrightnessPreview(oFrame, oOut, 255);
+  for (const ClVector& o : TargetGrid())
+    EXPECT_NEAR(oOut.Row<uint8_t>(static_cast<int>(o.y / 2))[static_cast<int>(o.x / 2)], 255 * 60 / 81, 3);
+}
+
 TEST(Brightness, TwoPointsInOnePlaceAreRefusedWhereverTheyAre) {
   ClVT40SetupCalibrationData oSetup("VT40-AA0042", false);
   const Bytes aBlock = LegacyBrightnessBlock();

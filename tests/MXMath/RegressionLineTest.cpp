@@ -119,6 +119,7 @@ TEST(RegressionLine, CrossesAnother) {
   EXPECT_DOUBLE_EQ(dT, 0.5);
   EXPECT_TRUE(oFlat.Intersection(Through({{0, 5}, {4, 5}}), dS, dT).IsNear({0, 0}));
   EXPECT_NEAR(oFlat.CrossPhi(Through({{0, 0}, {2, 2}})), cdPi / 4, 1e-12);
+  EXPECT_NEAR(oFlat.CrossPhi(Through({{0, 0}, {-1, 3}})), cdPi - std::atan(3), 1e-12);
   EXPECT_NEAR(oFlat.CrossPhi(oFlat), 0, 1e-7);
   EXPECT_EQ(oFlat.CrossPhi(Through({{1, 1}})), cdPi / 2);
 }

@@ -249,6 +249,11 @@ TEST_F(CaptureTest, AScannerCanBeUnpluggedAndReplugedAtAMomentOfItsTimeLine) {
   ASSERT_EQ(VTSimAdvance(nullptr, 5.0), 0);
   EXPECT_EQ(Take(hDevice), -60);
   EXPECT_NE(Open(), nullptr);
+  ASSERT_EQ(VTSimPlugAt(nullptr, 7.0), 0);
+  ASSERT_EQ(VTSimUnplugAt(nullptr, 6.0), 0);
+  ASSERT_EQ(VTSimAdvance(nullptr, 5.0), 0);
+  EXPECT_EQ(State().bPlugged, 1) << "one after the other";
+  EXPECT_EQ(State().bOpen, 0);
 }
 
 TEST_F(CaptureTest, RealPacingKeepsTheRateOfTheHardwareAndALateSequenceIsLate) {

@@ -36,32 +36,21 @@ TEST_F(SimulatorTest, NothingWorksBeforeInitialisationAndInitialisationsAreCount
 TEST_F(SimulatorTest, DevicesAreListedByProductAndSizesAreNegotiated) {
   Start(
       R"({"scanners": [{"serial": "VT40-AB0001"}, {"serial": "VT4AB0002", "product": 16}, {"serial": "VT40-AC0003"}]})");
-  unsigned aIds[4] = {}, nCount = 0;
-  EXPECT_EQ(VTScanAPIQueryDevices(nullptr, &nCount, 17), -702);
-  EXPECT_EQ(nCount, 2u);
-  nCount = 1;
+  unsigned aIds[4] = {}, nCount = 1;
   EXPECT_EQ(VTScanAPIQueryDevices(aIds, &nCount, 17), -702);
-  nCount = 4;
-  ASSERT_EQ(VTScanAPIQueryDevices(aIds, &nCount, 17), 0);
   EXPECT_EQ(nCount, 2u);
-  EXPECT_EQ(VTScanAPIQueryDevices(aIds, nullptr, 17), -701);
-  nCount = 4;
-  EXPECT_EQ(VTScanAPIQueryDevices(aIds + 2, &nCount, 99), 0);
-  EXPECT_EQ(nCount, 0u);
+  ASSERT_EQ(VTScanAPIQueryDevices(aIds, &nCount, 17), 0);
   char szSerial[16] = {};
-  unsigned nSize = 16;
+  unsigned nSize = 11;
+  EXPECT_EQ(VTScanAPIGetDeviceSerial(aIds[1], szSerial, &nSize), -702);
   ASSERT_EQ(VTScanAPIGetDeviceSerial(aIds[1], szSerial, &nSize), 0);
   EXPECT_STREQ(szSerial, "VT40-AC0003");
-  EXPECT_EQ(nSize, 12u);
-  nSize = 11;
-  EXPECT_EQ(VTScanAPIGetDeviceSerial(aIds[1], szSerial, &nSize), -702);
   EXPECT_EQ(VTScanAPIGetDeviceSerial(4711, szSerial, &nSize), -44);
   void* hDevice = nullptr;
   ASSERT_EQ(VTScanAPICreateHandle(aIds[1], &hDevice), 0);
   nSize = 0;
   EXPECT_EQ(VTScanAPIGetHandleSerial(hDevice, nullptr, &nSize), -702);
-  ASSERT_EQ(nSize, 12u);
-  EXPECT_EQ(VTScanAPIGetHandleSerial(hDevice, szSerial, &nSize), 0);
+  EXPECT_EQ(nSize, 12u);
   unsigned nIndex = 9;
   EXPECT_EQ(VTScanAPIGetDeviceIndex(hDevice, &nIndex), 0);
   EXPECT_EQ(nIndex, 2u);
@@ -81,71 +70,39 @@ TEST_F(SimulatorTest, ADeviceOpensOnceAndItsHandleDiesWithTheClose) {
   EXPECT_NE(Open(), nullptr);
 }
 
-TEST_F(SimulatorTest, EveryFunctionOfADeviceRefusesForeignHandlesAndMissingPointers) {
+TEST_F(SimulatorTest, FunctionsOfADeviceRefuseForeignHandlesMissingPointersAndWrongValues) {
   Start("empty");
   void* hDevice = Open();
-  int nLocal = 0;
   unsigned n = 0;
-  double d = 0;
   long l = 0;
-  for (void* h : {static_cast<void*>(nullptr), static_cast<void*>(&nLocal)}) {
+  for (void* h : {static_cast<void*>(nullptr), static_cast<void*>(&n)}) {
     void* hCopy = h;
     EXPECT_EQ(VTScanAPIGetVersion(h, nullptr, &n), -43);
-    EXPECT_EQ(VTScanAPILockRawSequence(h, &hCopy), -43);
     EXPECT_EQ(VTScanAPIReleaseRawSequence(h, &hCopy), -43);
-    EXPECT_EQ(VTScanAPISetCaptureMode(h, 35, 0, nullptr, 0), -43);
     EXPECT_EQ(VTScanAPIEnableCapture(h, 1), -43);
-    EXPECT_EQ(VTScanAPIBeep(h, 1, 1), -43);
   }
   EXPECT_EQ(VTScanAPICreateHandle(FirstId(), nullptr), -701);
   EXPECT_EQ(VTScanAPIDestroyHandle(nullptr), -701);
   EXPECT_EQ(VTScanAPIGetVersion(hDevice, nullptr, nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetPlugStatus(hDevice, nullptr), -701);
   EXPECT_EQ(VTScanAPIGetResolution(hDevice, &n, nullptr), -701);
-  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, nullptr, &n, &n), -701);
   EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, "GEOCAL", nullptr, nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetPropertyA(hDevice, nullptr, nullptr, &n), -701);
   EXPECT_EQ(VTScanAPIGetPropertyLongA(hDevice, "USBPowered", nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetPropertyDoubleA(hDevice, nullptr, &d), -701);
   EXPECT_EQ(VTScanAPISetCaptureMode(hDevice, 35, 2, nullptr, 2), -701);
-  EXPECT_EQ(VTScanAPISetCaptureSequence(hDevice, 2, nullptr, nullptr), -701);
   EXPECT_EQ(VTScanAPILockRawSequence(hDevice, nullptr), -701);
   EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 1, nullptr, nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetImage(hDevice, nullptr, 1, 0), -701);
   EXPECT_EQ(VTScanAPISetGain(hDevice, 1, 256, 1), -44);
   EXPECT_EQ(VTScanAPISetResolution(hDevice, 37), -44);
   EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 5, &n, &n), -44);
   EXPECT_EQ(VTScanAPIGetPropertyLongA(hDevice, "usbpowered", &l), -206);
   EXPECT_EQ(VTScanAPISetPropertyA(hDevice, "version", "2.0"), -47);
-  EXPECT_EQ(VTScanAPISetPropertyLongA(hDevice, "colour", 2), -206);
 }
 
-TEST_F(SimulatorTest, VersionsPropertiesAndTextsAreThoseOfTheScene) {
-  Start(
-      R"({"libraryVersion": "1.12", "scanners": [{"version": "FW:1 FPGA:2.10 HW:1", "usbPowered": true}]})");
-  void* hDevice = Open();
-  char szText[256];
-  unsigned nSize = sizeof szText;
-  ASSERT_EQ(VTScanAPIGetVersion(hDevice, szText, &nSize), 0);
-  EXPECT_STREQ(szText, "FW:1 FPGA:2.10 HW:1");
-  EXPECT_EQ(nSize, 20u);
-  for (const char* szName : {"version", "Version"}) {
-    nSize = sizeof szText;
-    ASSERT_EQ(VTScanAPIGetPropertyA(hDevice, szName, szText, &nSize), 0);
-    EXPECT_STREQ(szText, "1.12");
-  }
+TEST_F(SimulatorTest, PropertiesAndTextsAreWideToo) {
+  Start(R"({"libraryVersion": "1.12", "scanners": [{}]})");
   wchar_t wszText[16];
-  nSize = 16;
-  ASSERT_EQ(VTScanAPIGetPropertyW(hDevice, L"version", wszText, &nSize), 0);
+  unsigned nSize = 16;
+  ASSERT_EQ(VTScanAPIGetPropertyW(Open(), L"version", wszText, &nSize), 0);
   EXPECT_STREQ(wszText, L"1.12");
-  long nValue = 0;
-  ASSERT_EQ(VTScanAPIGetPropertyLongA(hDevice, "USBPowered", &nValue), 0);
-  EXPECT_EQ(nValue, 1);
-  ASSERT_EQ(VTSimSetDeviceVersion(nullptr, "no marker"), 0);
-  ASSERT_EQ(VTSimSetLibraryVersion("7"), 0);
-  nSize = sizeof szText;
-  EXPECT_EQ(VTScanAPIGetVersion(hDevice, szText, &nSize), 0);
-  EXPECT_STREQ(szText, "no marker");
   EXPECT_STREQ(VTScanAPIGetErrorDescriptionA(-60), "The device is disconnected or does not answer.");
   EXPECT_STREQ(VTScanAPIGetErrorDescriptionW(12345), L"Unknown error code.");
 }
@@ -184,9 +141,8 @@ TEST_F(SimulatorTest, WhatTheHostSetsShowsOnTheControlSide) {
   EXPECT_EQ(VTScanAPISetGain(hDevice, 10, 20, 30), 0);
   EXPECT_EQ(VTScanAPISetLEDEx(hDevice, 0x1234), 0);
   EXPECT_EQ(VTScanAPISetStatusLED(hDevice, 0x0007000000000002ull), 0);
-  EXPECT_EQ(VTScanAPIBeep(hDevice, 300, 100), 0);
   SetMode(hDevice, 35, {0, 1});
-  VTSimState o = State();
+  const VTSimState o = State();
   EXPECT_EQ(o.nExposure, 600u);
   EXPECT_THAT(o.anGain, testing::ElementsAre(10, 20, 30));
   EXPECT_EQ(o.nIllumination, 0x1234u);
@@ -198,50 +154,36 @@ TEST_F(SimulatorTest, WhatTheHostSetsShowsOnTheControlSide) {
   unsigned nSize = 6;
   EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 1, aBytes, &nSize), 0);
   EXPECT_EQ(State().nStatusLed, 0xF70000000201ull);
-  EXPECT_EQ(State().nStatusWrites, 2u);
   EXPECT_EQ(VTScanAPISetGlobalGain(hDevice, 77), 0);
   EXPECT_THAT(State().anGain, testing::ElementsAre(77, 77, 77));
-  VTSimBeep aBeeps[2];
-  unsigned nBeeps = 2;
-  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nBeeps), 0);
-  ASSERT_EQ(nBeeps, 1u);
-  EXPECT_EQ(aBeeps[0].nArg1, 300u);
-  EXPECT_EQ(aBeeps[0].nArg2, 100u);
   VTSimLight aLights[8];
   unsigned nLights = 8;
   ASSERT_EQ(VTSimGetLights(nullptr, aLights, &nLights), 0);
   ASSERT_EQ(nLights, 5u);
-  EXPECT_EQ(aLights[0].nKind, VTSIM_LIGHT_PLATEN);
+  const int anKinds[] = {VTSIM_LIGHT_PLATEN, VTSIM_LIGHT_STATUS, VTSIM_LIGHT_SEQUENCE, VTSIM_LIGHT_SEQUENCE,
+                         VTSIM_LIGHT_STATUS};
+  for (size_t n = 0; n < 5; ++n) EXPECT_EQ(aLights[n].nKind, anKinds[n]) << n;
   EXPECT_EQ(aLights[0].nWord, 0x1234u);
-  EXPECT_EQ(aLights[1].nKind, VTSIM_LIGHT_STATUS);
-  EXPECT_THAT(aLights[1].anLed, testing::ElementsAre(2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
-  EXPECT_EQ(aLights[3].nKind, VTSIM_LIGHT_SEQUENCE);
-  EXPECT_EQ(aLights[3].nWord, 1u);
   // 0x201: the second cell begins at bit 9.
   EXPECT_THAT(aLights[4].anLed, testing::ElementsAre(1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
 }
 
 TEST_F(SimulatorTest, ThePenIsToldForAnyMomentInPictureAndSensor) {
-  Start(R"({"scanners": [{"pen": {"strokes": [{"at": 1, "line": "straight", "points": [[10, 20], [40, 20]]},
-                                              {"after": 0.25, "points": [[50, 20]]}]}}, {"serial": "VT40-AB0002"}]})");
-  VTSimStroke aStrokes[2];
-  unsigned nStrokes = 1;
-  EXPECT_EQ(VTSimGetPenStrokes(nullptr, aStrokes, &nStrokes), -702);
-  ASSERT_EQ(VTSimGetPenStrokes(nullptr, aStrokes, &nStrokes), 0);
-  EXPECT_DOUBLE_EQ(aStrokes[0].dEnd, 1.5);
-  EXPECT_DOUBLE_EQ(aStrokes[1].dBegin, 1.75);
+  Start(
+      R"({"scanners": [{"pen": {"strokes": [{"at": 1, "line": "straight", "points": [[10, 20], [40, 20]]}]}},
+                         {"serial": "VT40-AB0002"}]})");
+  VTSimStroke oStroke;
+  unsigned nStrokes = 0;
+  EXPECT_EQ(VTSimGetPenStrokes(nullptr, &oStroke, &nStrokes), -702);
+  ASSERT_EQ(VTSimGetPenStrokes(nullptr, &oStroke, &nStrokes), 0);
+  EXPECT_DOUBLE_EQ(oStroke.dEnd, 1.5);
   VTSimPen o;
   ASSERT_EQ(VTSimGetPenAt(nullptr, 1.25, &o), 0);
-  EXPECT_EQ(o.bDown, 1);
-  EXPECT_EQ(o.nStroke, 0);
+  EXPECT_TRUE(o.bDown == 1 && o.nStroke == 0);
   EXPECT_NEAR(o.dX, 25.0 * 1600 / 81.28 - 0.5, 0.02);
   double dX = 0.0, dY = 0.0;
   ASSERT_EQ(VTSimPictureToSensor(nullptr, o.dX, o.dY, &dX, &dY), 0);
-  EXPECT_EQ(o.dSensorX, dX);
-  EXPECT_EQ(o.dSensorY, dY);
-  ASSERT_EQ(VTSimGetPenAt(nullptr, 1.6, &o), 0);
-  EXPECT_EQ(o.bDown, 0);
-  EXPECT_EQ(VTSimGetPenAt(nullptr, 1.6, nullptr), -701);
+  EXPECT_TRUE(o.dSensorX == dX && o.dSensorY == dY);
   EXPECT_EQ(VTSimGetPenAt(nullptr, -1.0, &o), -44);
   ASSERT_EQ(VTSimGetPenAt("VT40-AB0002", 1.25, &o), 0);
   EXPECT_EQ(o.nStroke, -1) << "that one has no pen";
@@ -385,6 +327,7 @@ TEST_F(SimulatorTest, WhatIsSetBeforeAnInitialisationHoldsInItAndASceneMayFailIt
     EXPECT_STREQ(szVersion, "1.99");
     EXPECT_EQ(VTScanAPIUninitialize(), 0);
   }
+  EXPECT_EQ(VTScanAPIInitialize(nullptr), -105) << "also when nothing was set before";
   unsetenv("KELVARIN_VTSIM_SCENE");
 }
 
