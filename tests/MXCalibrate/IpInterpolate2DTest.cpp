@@ -27,11 +27,9 @@ class Interpolate2D : public testing::Test {
     m_oProcessor.m_aOutput.New(1);
     m_oProcessor.m_aOutput[0] = &m_oOut;
   }
-  std::string Refusal() {
+  void ExpectRefusal(const char* szText) {
     EXPECT_FALSE(m_oProcessor.CanApply());
-    const auto [nNumber, sText] = Raised([&] { m_oProcessor.Apply(); });
-    EXPECT_EQ(nNumber, -44);
-    return sText;
+    EXPECT_THAT(Raised([&] { m_oProcessor.Apply(); }), testing::Pair(-44, EndsWith(szText)));
   }
 
   double m_aValues[8] = {10, 60, 35.5, -20, 1, 2, 3, 4};
@@ -124,12 +122,10 @@ TEST_F(Interpolate2D, ValuesStayWithinTheLimitsAndThoseOfTheType) {
   EXPECT_NEAR(m_oOut.Row<int8_t>(14)[15], -20, 1);
 }
 
-TEST_F(Interpolate2D, ReturnsMinus44ForUnknownTypesAndPointsThatCoincide) {
+TEST_F(Interpolate2D, ReturnsMinus44ForUnknownTypesAndASinglePoint) {
   m_oProcessor.m_nDataType = 3;
   EXPECT_EQ(m_oProcessor.Apply(), -44);
   m_oProcessor.m_nDataType = ClImage::eUint8;
-  m_aPoints[2] = m_aPoints[1];
-  EXPECT_EQ(m_oProcessor.Apply(), -44);
   m_aPoints.SetEntries(1);
   EXPECT_EQ(m_oProcessor.Apply(), -44) << "a single basis is 0 at its own point";
 }
@@ -162,19 +158,19 @@ TEST_F(Interpolate2D, RefusesGridsInWhichTwoPointsCoincideOrNearlyDoAndNoOthers)
 
 TEST_F(Interpolate2D, NamesAMissingParameter) {
   m_oProcessor.m_nBlockSize = 0;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (blocksize)"));
+  ExpectRefusal("invalid parameter (blocksize)");
   m_oProcessor.nInTargetHeight = 0;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (target height)"));
+  ExpectRefusal("invalid parameter (target height)");
   m_oProcessor.nInTargetWidth = 0;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (target width)"));
+  ExpectRefusal("invalid parameter (target width)");
   m_oProcessor.m_pPoints = nullptr;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (input reference points)"));
+  ExpectRefusal("invalid parameter (input reference points)");
   m_oProcessor.m_pValues = nullptr;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (input interpolation values)"));
+  ExpectRefusal("invalid parameter (input interpolation values)");
   m_oProcessor.m_aOutput[0] = nullptr;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (NULL output image)"));
+  ExpectRefusal("invalid parameter (NULL output image)");
   m_oProcessor.m_nImages = 3;
-  EXPECT_THAT(Refusal(), EndsWith("invalid parameter (output image array)"));
+  ExpectRefusal("invalid parameter (output image array)");
 }
 
 }  // namespace

@@ -79,40 +79,30 @@ class Frames : public testing::Test {
 
 std::unique_ptr<ClVT40SetupCalibrationData> Frames::m_pSetup;
 
-TEST_F(Frames, EachPreviewShowsTheDotsOfTheTargetInTheirPlaces) {
-  DrawDots(m_oFrame, 1920, 1360, 0.5, 0.5);
-  m_pSetup->CalibratePreview(m_oFrame, m_oOut);
-  ASSERT_TRUE(m_oOut.HasSize(800, 800));
-  EXPECT_EQ(m_oOut.PelsX(), 9842);
-  ExpectDots(m_oOut, 0.5, 0, 800);
-  DrawDots(m_oFrame, 960, 1360, 0.25, 0.5);
-  m_pSetup->CalibratePreview(m_oFrame, m_oOut);
-  ExpectDots(m_oOut, 0.5, 0, 800);
-}
-
-TEST_F(Frames, EachFullFrameShowsTheDotsOfTheTargetInTheirPlaces) {
-  DrawDots(m_oFrame, 3840, 2720, 1, 1);
-  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
-  ASSERT_TRUE(m_oOut.HasSize(1600, 1600));
-  EXPECT_EQ(m_oOut.PelsX(), 19685);
-  ExpectDots(m_oOut, 1, 0, 1600);
-  DrawDots(m_oFrame, 1920, 2720, 0.5, 1);
-  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
-  ExpectDots(m_oOut, 1, 0, 1600);
-}
-
-TEST_F(Frames, EachRollFrameIsTheMiddleOfTheUpperHalf) {
-  DrawDots(m_oFrame, 1920, 1362, 1, 1, 960);
-  m_pSetup->CalibrateRoll(m_oFrame, m_oOut);
-  ASSERT_TRUE(m_oOut.HasSize(800, 800));
-  ExpectDots(m_oOut, 1, 400, 800);
-  DrawDots(m_oFrame, 960, 1362, 0.5, 1, 480);
-  m_pSetup->CalibrateRoll(m_oFrame, m_oOut);
-  ExpectDots(m_oOut, 1, 400, 800);
-  // A roll leaves no region behind.
-  DrawDots(m_oFrame, 1920, 2720, 0.5, 1);
-  m_pSetup->CalibrateFull(m_oFrame, m_oOut);
-  EXPECT_TRUE(m_oOut.HasSize(1600, 1600));
+TEST_F(Frames, EachKindShowsTheDotsOfTheTargetInTheirPlaces) {
+  using Setup = ClVT40SetupCalibrationData;
+  // A roll is the middle of the upper half; a full frame behind it shows that it leaves no region behind.
+  const struct {
+    void (Setup::*pfnCalibrate)(ClImage&, ClImage&);
+    int nWidth, nHeight;
+    double dX, dY;
+    int nFirstColumn, nSide;
+    double dScale;
+    int nLeft, nPels;
+  } aKinds[] = {{&Setup::CalibratePreview, 1920, 1360, 0.5, 0.5, 0, 800, 0.5, 0, 9842},
+                {&Setup::CalibratePreview, 960, 1360, 0.25, 0.5, 0, 800, 0.5, 0, 9842},
+                {&Setup::CalibrateRoll, 1920, 1362, 1, 1, 960, 800, 1, 400, 19685},
+                {&Setup::CalibrateRoll, 960, 1362, 0.5, 1, 480, 800, 1, 400, 19685},
+                {&Setup::CalibrateFull, 3840, 2720, 1, 1, 0, 1600, 1, 0, 19685},
+                {&Setup::CalibrateFull, 1920, 2720, 0.5, 1, 0, 1600, 1, 0, 19685}};
+  for (const auto& o : aKinds) {
+    SCOPED_TRACE(testing::Message() << o.nWidth << " x " << o.nHeight);
+    DrawDots(m_oFrame, o.nWidth, o.nHeight, o.dX, o.dY, o.nFirstColumn);
+    (m_pSetup.get()->*o.pfnCalibrate)(m_oFrame, m_oOut);
+    ASSERT_TRUE(m_oOut.HasSize(o.nSide, o.nSide));
+    EXPECT_EQ(m_oOut.PelsX(), o.nPels);
+    ExpectDots(m_oOut, o.dScale, o.nLeft, o.nSide);
+  }
 }
 
 TEST_F(Frames, OtherSizesAreRefusedAndLeaveTheOutputAlone) {
