@@ -51,13 +51,13 @@ TEST(GeometricData, ReadsEachLayoutOfItsHistory) {
     ClCalibrateGeometricData oData;
     oData.m_nBackground = 77;
     ASSERT_EQ(Read(oData, GeometricBlock(oRecord, o.nLayout)), 0);
-    EXPECT_EQ(oData.m_nSourceWidth, 3840u);
-    EXPECT_EQ(oData.m_nSourcePelsX, o.nLayout >= 5 ? 41417u : 0u);
-    EXPECT_EQ(oData.m_nSourcePelsY, o.nLayout >= 5 ? 30236u : 0u);
-    EXPECT_EQ(oData.m_nTargetHeight, 1600u);
-    EXPECT_EQ(oData.m_nTargetPelsY, o.nLayout >= 2 ? 19684u : 19685u);
-    EXPECT_EQ(oData.m_nPlanes, o.nLayout >= 3 ? 2u : 1u);
-    EXPECT_EQ(oData.m_nBackground, o.nLayout >= 4 ? 9 : 77);
+    const bool bSourcePels = o.nLayout >= 5, bPlanes = o.nLayout >= 3;
+    EXPECT_THAT(
+        (std::vector<uint32_t>{oData.m_nSourceWidth, oData.m_nSourcePelsX, oData.m_nSourcePelsY,
+                               oData.m_nTargetHeight, oData.m_nTargetPelsY, oData.m_nPlanes,
+                               oData.m_nBackground}),
+        testing::ElementsAre(3840, bSourcePels ? 41417 : 0, bSourcePels ? 30236 : 0, 1600,
+                             o.nLayout >= 2 ? 19684 : 19685, bPlanes ? 2 : 1, o.nLayout >= 4 ? 9 : 77));
     ASSERT_EQ(oData.m_aTarget.Entries(), 2u);
     EXPECT_EQ(oData.m_aTarget[1].x, 3);
     ASSERT_EQ(oData.m_aActual[oData.m_nPlanes - 1].Entries(), 2u);

@@ -116,24 +116,20 @@ TEST(Geometry, GivesEachKindOfFrameItsDataSet) {
   UpdateGeometry(oSetup, GeometricBlock(oRecord));
   const struct {
     const ClCalibrateGeometricData& oData;
-    uint32_t nWidth, nHeight, nPelsX, nPelsY, nTarget, nTargetPels;
+    std::vector<uint32_t> aFields;
     double dX, dY, dTarget;
-  } aSets[] = {{oSetup.GetGeometricDataFull(false), 3840, 2720, 41417, 30236, 1600, 19685, 1, 1, 1},
-               {oSetup.GetGeometricDataFull(true), 1920, 2720, 20708, 30236, 1600, 19685, 2, 1, 1},
-               {oSetup.GetGeometricDataPreview(false), 1920, 1360, 20708, 15118, 800, 9842, 2, 2, 2},
-               {oSetup.GetGeometricDataPreview(true), 960, 1360, 10354, 15118, 800, 9842, 4, 2, 2}};
-  for (const auto& o : aSets) {
-    EXPECT_EQ(o.oData.m_nSourceWidth, o.nWidth);
-    EXPECT_EQ(o.oData.m_nSourceHeight, o.nHeight);
-    EXPECT_EQ(o.oData.m_nSourcePelsX, o.nPelsX);
-    EXPECT_EQ(o.oData.m_nSourcePelsY, o.nPelsY);
-    EXPECT_EQ(o.oData.m_nTargetWidth, o.nTarget);
-    EXPECT_EQ(o.oData.m_nTargetHeight, o.nTarget);
-    EXPECT_EQ(o.oData.m_nTargetPelsX, o.nTargetPels);
-    EXPECT_EQ(o.oData.m_nBackground, 0);
-    EXPECT_NEAR(o.oData.m_aActual[0][10].x * o.dX, oRecord.aActual[10].x, 0.001);
-    EXPECT_NEAR(o.oData.m_aActual[0][10].y * o.dY, oRecord.aActual[10].y, 0.001);
-    EXPECT_NEAR(o.oData.m_aTarget[63].x * o.dTarget, oRecord.aTarget[63].x, 0.001);
+  } aSets[] = {
+      {oSetup.GetGeometricDataFull(false), {3840, 2720, 41417, 30236, 1600, 1600, 19685, 0}, 1, 1, 1},
+      {oSetup.GetGeometricDataFull(true), {1920, 2720, 20708, 30236, 1600, 1600, 19685, 0}, 2, 1, 1},
+      {oSetup.GetGeometricDataPreview(false), {1920, 1360, 20708, 15118, 800, 800, 9842, 0}, 2, 2, 2},
+      {oSetup.GetGeometricDataPreview(true), {960, 1360, 10354, 15118, 800, 800, 9842, 0}, 4, 2, 2}};
+  for (const auto& [o, aFields, dX, dY, dTarget] : aSets) {
+    EXPECT_EQ((std::vector<uint32_t>{o.m_nSourceWidth, o.m_nSourceHeight, o.m_nSourcePelsX, o.m_nSourcePelsY,
+                                     o.m_nTargetWidth, o.m_nTargetHeight, o.m_nTargetPelsX, o.m_nBackground}),
+              aFields);
+    EXPECT_NEAR(o.m_aActual[0][10].x * dX, oRecord.aActual[10].x, 0.001);
+    EXPECT_NEAR(o.m_aActual[0][10].y * dY, oRecord.aActual[10].y, 0.001);
+    EXPECT_NEAR(o.m_aTarget[63].x * dTarget, oRecord.aTarget[63].x, 0.001);
   }
   TpArrayStatic<char> aOut;
   oSetup.GetGeometricData(aOut);

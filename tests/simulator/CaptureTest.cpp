@@ -163,24 +163,6 @@ TEST_F(CaptureTest, UpToFourSequencesCanBeHeldAndEachIsGivenBackOnce) {
   EXPECT_EQ(VTScanAPILockRawSequence(hDevice, &apSequences[4]), 0);
 }
 
-TEST_F(CaptureTest, ASequenceIsTheSameInEveryRunAndTimeGoesOnWithEachOne) {
-  const std::string sScene = R"({"seed": 3, "scanners": [{"fingers": [{"touch": 0.05, "lift": 0.5}]}]})";
-  std::vector<std::vector<unsigned char>> aaRuns[2];
-  for (auto& aaRun : aaRuns) {
-    void* hDevice = StartCapture(sScene);
-    for (int i = 0; i < 12; ++i) {
-      aaRun.emplace_back(2u * 960 * 340);
-      ASSERT_EQ(Take(hDevice, &aaRun.back()), 0);
-    }
-    EXPECT_NEAR(State().dTime, 12 * 2 / 120.0, 1e-9);
-    ASSERT_EQ(VTSimReset(), 0);
-    while (VTScanAPIUninitialize() == 0) {
-    }
-  }
-  EXPECT_TRUE(aaRuns[0] == aaRuns[1]);
-  EXPECT_FALSE(aaRuns[0][0] == aaRuns[0][11]);
-}
-
 TEST_F(CaptureTest, EachSequenceIsRecordedWithWhatItShowed) {
   // Full sequences take a fifth of a second, preview ones a fifteenth.
   void* hDevice =

@@ -18,50 +18,50 @@ constexpr char g_cszFunctions[] =
     "LockRawSequence ReleaseRawSequence SetCaptureMode GetPropertyLongA SetPropertyLongA "
     "SetPropertyDoubleA GetPropertyDoubleA";
 
-TEST(ScanLibrary, LoadsByItsNameAndHasAllFunctionsOfBothSides) {
-  const std::string sPath = SIMULATOR_LIBRARY;
-  EXPECT_EQ(sPath.substr(sPath.rfind('/') + 1), "libkelvarinvtscanapi.gcc.Release.32.so");
-  void* pLibrary = dlopen(sPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-  ASSERT_TRUE(pLibrary) << dlerror();
-  std::istringstream oFunctions(g_cszFunctions);
-  for (std::string sName; oFunctions >> sName;)
-    EXPECT_TRUE(dlsym(pLibrary, ("VTScanAPI" + sName).c_str())) << sName;
-  EXPECT_TRUE(dlsym(pLibrary, "VTSimLoadScene"));
-  // Nothing of the inside may meet the names of a host.
-  EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator5ClBus3GetEv"));
-  // It works, goes, and comes again.
-  for (int i = 0; i < 2; ++i) {
-    const auto fnInitialize = reinterpret_cast<long (*)(void*)>(dlsym(pLibrary, "VTScanAPIInitialize"));
-    const auto fnQuery =
-        reinterpret_cast<long (*)(unsigned*, unsigned*, unsigned)>(dlsym(pLibrary, "VTScanAPIQueryDevices"));
-    const auto fnUninitialize = reinterpret_cast<long (*)()>(dlsym(pLibrary, "VTScanAPIUninitialize"));
-    unsigned nId = 0, nCount = 1;
-    EXPECT_EQ(fnInitialize(nullptr), 0);
-    EXPECT_EQ(fnQuery(&nId, &nCount, 17), 0);
-    EXPECT_EQ(nCount, 1u);
-    EXPECT_EQ(fnUninitialize(), 0);
-    EXPECT_EQ(dlclose(pLibrary), 0);
-    if (i == 0) pLibrary = dlopen(sPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-    ASSERT_TRUE(pLibrary);
-  }
-}
-
-TEST(LivenessLibrary, LoadsByItsNameWithItsOwnFunctionsOnly) {
-  const std::string sPath = LIVENESS_LIBRARY;
-  EXPECT_EQ(sPath.substr(sPath.rfind('/') + 1), "libkelvarinfakefingerdetectionvt40.gcc.Release.32.so");
+/// Loads a library, runs the check on it and lets it go, twice: it works, goes, and comes again.
+template <class F>
+void LoadTwice(const std::string& sPath, const char* szName, F&& fnCheck) {
+  EXPECT_EQ(sPath.substr(sPath.rfind('/') + 1), szName);
   for (int i = 0; i < 2; ++i) {
     void* pLibrary = dlopen(sPath.c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_TRUE(pLibrary) << dlerror();
-    for (const char* szName : {"FD_VT40Initialize", "FD_VT40GetErrorDescriptionW", "FDSimFailCall"})
-      EXPECT_TRUE(dlsym(pLibrary, szName)) << szName;
-    EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator11ClDetection3GetEv"));
-    const auto fnInitialize = reinterpret_cast<long (*)(void*)>(dlsym(pLibrary, "FD_VT40Initialize"));
-    const auto fnUninitialize = reinterpret_cast<long (*)()>(dlsym(pLibrary, "FD_VT40Uninitialize"));
-    EXPECT_EQ(fnInitialize(nullptr), 0);
-    EXPECT_EQ(fnUninitialize(), 0);
-    EXPECT_EQ(fnUninitialize(), -2);
+    fnCheck(pLibrary);
     EXPECT_EQ(dlclose(pLibrary), 0);
   }
+}
+
+template <class F>
+F* Function(void* pLibrary, const char* szName) {
+  return reinterpret_cast<F*>(dlsym(pLibrary, szName));
+}
+
+TEST(ScanLibrary, LoadsByItsNameAndHasAllFunctionsOfBothSides) {
+  LoadTwice(SIMULATOR_LIBRARY, "libkelvarinvtscanapi.gcc.Release.32.so", [](void* pLibrary) {
+    std::istringstream oFunctions(g_cszFunctions);
+    for (std::string sName; oFunctions >> sName;)
+      EXPECT_TRUE(dlsym(pLibrary, ("VTScanAPI" + sName).c_str())) << sName;
+    EXPECT_TRUE(dlsym(pLibrary, "VTSimLoadScene"));
+    // Nothing of the inside may meet the names of a host.
+    EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator5ClBus3GetEv"));
+    unsigned nId = 0, nCount = 1;
+    EXPECT_EQ(Function<long(void*)>(pLibrary, "VTScanAPIInitialize")(nullptr), 0);
+    EXPECT_EQ(
+        Function<long(unsigned*, unsigned*, unsigned)>(pLibrary, "VTScanAPIQueryDevices")(&nId, &nCount, 17),
+        0);
+    EXPECT_EQ(nCount, 1u);
+    EXPECT_EQ(Function<long()>(pLibrary, "VTScanAPIUninitialize")(), 0);
+  });
+}
+
+TEST(LivenessLibrary, LoadsByItsNameWithItsOwnFunctionsOnly) {
+  LoadTwice(LIVENESS_LIBRARY, "libkelvarinfakefingerdetectionvt40.gcc.Release.32.so", [](void* pLibrary) {
+    for (const char* szName : {"FD_VT40GetErrorDescriptionW", "FDSimFailCall"})
+      EXPECT_TRUE(dlsym(pLibrary, szName)) << szName;
+    EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator11ClDetection3GetEv"));
+    EXPECT_EQ(Function<long(void*)>(pLibrary, "FD_VT40Initialize")(nullptr), 0);
+    EXPECT_EQ(Function<long()>(pLibrary, "FD_VT40Uninitialize")(), 0);
+    EXPECT_EQ(Function<long()>(pLibrary, "FD_VT40Uninitialize")(), -2);
+  });
 }
 
 TEST(ScanLibrary, TheControlHeaderCompilesAsC) {

@@ -9,7 +9,9 @@
 namespace Simulator {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
+using Numbers = std::vector<double>;
 
 /// The number and words with which a scene is refused; number 0 when it is taken.
 std::pair<long, std::string> Refusal(const std::string& sText) {
@@ -35,31 +37,25 @@ TEST(SceneReader, AFullSceneArrivesWithAllItSays) {
     "faults": [{"call": "VTScanAPIGetVersion", "first": 2, "repeat": 0, "result": -101},
                {"unplug": "VT40-AC0001", "at": 3.5}]})",
                                          "/prints");
-  EXPECT_EQ(o.nSeed, 7u);
-  EXPECT_TRUE(o.bRealTime);
-  EXPECT_EQ(o.sLibraryVersion, "1.11");
   ASSERT_EQ(o.aScanners.size(), 2u);
   const ClScannerDescription& oFirst = o.aScanners[0];
-  EXPECT_TRUE(oFirst.bUsbPowered && oFirst.bLegacyEprom);
-  EXPECT_EQ(oFirst.sVersion, "FPGA:2.06");
+  EXPECT_TRUE(o.bRealTime && oFirst.bUsbPowered && oFirst.bLegacyEprom);
+  EXPECT_EQ(o.sLibraryVersion + oFirst.sVersion, "1.11FPGA:2.06");
   EXPECT_EQ(oFirst.eOrder, eOrderLitFirst);
-  EXPECT_EQ(oFirst.dAmbient, 12.5);
   EXPECT_TRUE(oFirst.mapEprom.at("GAINSET").bMissing);
-  EXPECT_EQ(oFirst.mapEprom.at("BRGHTCAL").nCut, 100);
   EXPECT_EQ(oFirst.mapEprom.at("GEOCAL").aFlips, (std::vector<unsigned>{3, 40}));
   ASSERT_EQ(oFirst.aFingers.size(), 2u);
   const ClFingerDescription& oFinger = oFirst.aFingers[0];
   EXPECT_EQ(oFinger.oPrint.ePattern, ePatternArch);
-  EXPECT_EQ(oFinger.oPrint.dWidthMm, 14.0);
-  EXPECT_EQ(oFinger.dAngle, -30.0);
-  EXPECT_EQ(oFinger.dLift, 2.5);
   EXPECT_EQ(oFirst.aFingers[1].oPrint.sFile, "/prints/slap.png");
   EXPECT_EQ(oFirst.aFingers[1].dDryness, 0.0) << "a real print is as dry as it is";
-  EXPECT_EQ(o.aScanners[1].nProduct, 16u);
   ASSERT_EQ(o.aFaults.size(), 2u);
-  EXPECT_EQ(o.aFaults[0].nResult, -101);
-  EXPECT_EQ(o.aFaults[0].nRepeat, 0u);
-  EXPECT_EQ(o.aFaults[1].dAt, 3.5);
+  EXPECT_THAT(
+      (Numbers{static_cast<double>(o.nSeed), oFirst.dAmbient,
+               static_cast<double>(oFirst.mapEprom.at("BRGHTCAL").nCut), oFinger.oPrint.dWidthMm,
+               oFinger.dAngle, oFinger.dLift, 1.0 * o.aScanners[1].nProduct,
+               static_cast<double>(o.aFaults[0].nResult), 1.0 * o.aFaults[0].nRepeat, o.aFaults[1].dAt}),
+      ElementsAre(7, 12.5, 100, 14, -30, 2.5, 16, -101, 0, 3.5));
 }
 
 TEST(SceneReader, WhatHappensOnThePlatenArrives) {
@@ -78,38 +74,35 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
                    {"roll": {}, "touch": 2}]}]})",
                                            "")
                                      .aScanners[0];
-  ASSERT_EQ(o.aAmbient.size(), 2u);
-  EXPECT_EQ(o.aAmbient[1].dLevel, 30.0);
-  ASSERT_EQ(o.aDirt.size(), 1u);
-  EXPECT_EQ(o.aDirt[0].dLengthMm, 4.0);
-  EXPECT_EQ(o.aDirt[0].dUntil, 8.0);
+  ASSERT_TRUE(o.aAmbient.size() == 2 && o.aDirt.size() == 1 && o.oPen.aStrokes.size() == 2);
+  const ClDirtDescription& oDirt = o.aDirt[0];
+  EXPECT_THAT((Numbers{o.aAmbient[1].dLevel, oDirt.dXMm, oDirt.dYMm, oDirt.dWidthMm, oDirt.dLengthMm,
+                       oDirt.dAngle, oDirt.dStrength, oDirt.dFrom, oDirt.dUntil}),
+              ElementsAre(30, 1, 2, 3, 4, 5, 0.6, 7, 8));
   const ClFingerDescription& oFinger = o.aFingers[0];
   EXPECT_EQ(oFinger.oPrint.eMaterial, eMaterialHalftone);
   EXPECT_EQ(oFinger.dDryness, 0.0) << "only skin is dry";
-  EXPECT_EQ(oFinger.dTouchSeconds, 0.5);
-  EXPECT_EQ(oFinger.dRepeat, 4.0);
-  EXPECT_EQ(oFinger.dHalo, 0.5);
-  EXPECT_EQ(oFinger.oSettle.dTurn, 3.0);
-  EXPECT_EQ(oFinger.oSettle.dPressure, 0.7) << "without a word the pressure stays";
-  EXPECT_EQ(oFinger.oSlide.dRadiusMm, 5.0);
-  EXPECT_EQ(oFinger.oPress.dSeconds, 2.0);
-  EXPECT_EQ(oFinger.oRoll.dWidthMm, 12.0);
-  EXPECT_EQ(oFinger.oRoll.dTilt, 5.0);
+  // Without a word the pressure stays while the finger settles.
+  EXPECT_THAT((Numbers{oFinger.dTouchSeconds, oFinger.dLiftSeconds, oFinger.dRepeat, oFinger.dHalo,
+                       oFinger.oSettle.dTurn, oFinger.oSettle.dPressure, oFinger.oPress.dSeconds,
+                       oFinger.oPress.dPressure}),
+              ElementsAre(0.5, 0.1, 4, 0.5, 3, 0.7, 2, 0.9));
+  const ClSlideDescription& oSlide = oFinger.oSlide;
+  EXPECT_THAT((Numbers{oSlide.dStart, oSlide.dUntil, oSlide.dSpeed, oSlide.dDirection, oSlide.dRadiusMm}),
+              ElementsAre(1, 2, 3, 4, 5));
   ASSERT_EQ(oFinger.oRoll.aPath.size(), 3u);
+  // Without a word all stays as it was a moment before.
   const ClRollMoment& oLast = oFinger.oRoll.aPath.back();
-  EXPECT_EQ(oLast.dSeconds, 1.0);
-  EXPECT_EQ(oLast.dStripMm, 6.0) << "without a word all stays as it was a moment before";
-  EXPECT_EQ(oLast.dTurn, 7.0);
-  EXPECT_EQ(oLast.dDown, 0.0);
-  ASSERT_EQ(o.oPen.aStrokes.size(), 2u);
-  EXPECT_EQ(o.oPen.dDiameterMm, 0.5);
-  EXPECT_EQ(o.oPen.aStrokes[0].dAt, 1.5);
-  EXPECT_FALSE(o.oPen.aStrokes[0].bCurve);
-  ASSERT_EQ(o.oPen.aStrokes[0].aPoints.size(), 2u);
-  EXPECT_EQ(o.oPen.aStrokes[0].aPoints[1].dYMm, 4.0);
-  EXPECT_EQ(o.oPen.aStrokes[0].aPoints[1].dPause, 0.5);
+  EXPECT_THAT((Numbers{oFinger.oRoll.dWidthMm, oFinger.oRoll.dTilt, oLast.dSeconds, oLast.dStripMm,
+                       oLast.dTurn, oLast.dDown}),
+              ElementsAre(12, 5, 1, 6, 7, 0));
+  const ClStrokeDescription& oStroke = o.oPen.aStrokes[0];
+  ASSERT_EQ(oStroke.aPoints.size(), 2u);
+  EXPECT_FALSE(oStroke.bCurve);
+  EXPECT_THAT((Numbers{o.oPen.dDiameterMm, oStroke.dAt, oStroke.dSpeed, oStroke.aPoints[1].dYMm,
+                       oStroke.aPoints[1].dPause, o.oPen.aStrokes[1].dAfter}),
+              ElementsAre(0.5, 1.5, 9, 4, 0.5, 0.3));
   EXPECT_LT(o.oPen.aStrokes[1].dAt, 0.0) << "without a word it follows the one before";
-  EXPECT_EQ(o.oPen.aStrokes[1].dAfter, 0.3);
   EXPECT_EQ(o.aFingers[1].dYMm, 20.32) << "a finger that rolls lies where rolls are seen";
   EXPECT_EQ(o.aFingers[1].dLift, 2.0 + o.aFingers[1].oRoll.aPath.back().dSeconds + 0.1);
 }
@@ -124,12 +117,9 @@ TEST(SceneReader, TheTargetIsWhatItsSeedSaysButForWhatIsSaid) {
   const ClTargetDescription oSaid =
       Target(R"({"scanners": [{"target": {"x": 41, "y": 42, "angle": -3, "radius": 2,
       "uneven": 0.5, "dust": 1, "scratches": 0, "missing": [3, 63], "doubled": [0]}}]})");
-  EXPECT_EQ(oSaid.dXMm, 41.0);
-  EXPECT_EQ(oSaid.dYMm, 42.0);
-  EXPECT_EQ(oSaid.dAngle, -3.0);
-  EXPECT_EQ(oSaid.dRadiusMm, 2.0);
-  EXPECT_EQ(oSaid.dUneven, 0.5);
-  EXPECT_EQ(oSaid.nDust + 10 * oSaid.nScratches, 1u);
+  EXPECT_THAT((Numbers{oSaid.dXMm, oSaid.dYMm, oSaid.dAngle, oSaid.dRadiusMm, oSaid.dUneven,
+                       1.0 * oSaid.nDust, 1.0 * oSaid.nScratches}),
+              ElementsAre(41, 42, -3, 2, 0.5, 1, 0));
   EXPECT_EQ(oSaid.aMissing, (std::vector<unsigned>{3, 63}));
   EXPECT_EQ(oSaid.aDoubled, (std::vector<unsigned>{0}));
 }

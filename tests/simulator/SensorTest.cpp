@@ -38,13 +38,6 @@ double Mean(const Plane& a) {
   return std::accumulate(a.begin(), a.end(), 0.0) / static_cast<double>(a.size());
 }
 
-double Deviation(const Plane& a) {
-  const double dMean = Mean(a);
-  double dSum = 0.0;
-  for (const int n : a) dSum += (n - dMean) * (n - dMean);
-  return std::sqrt(dSum / static_cast<double>(a.size()));
-}
-
 /// Mean of the pixels of a tap (row and column parity) in the middle of a frame.
 double TapMean(const Plane& a, const ClSensorMode& oMode, int nRow, int nColumn) {
   double dSum = 0.0;
@@ -116,29 +109,6 @@ TEST(Sensor, TheExposuresOfAllModesGiveTheSameGreyWhateverThePowerAndTheRevision
           << "mode " << oMode.nMode;
     }
   }
-}
-
-TEST(Sensor, NoiseIsAboutOneLevelAndTheTapsDifferByAFewPercent) {
-  const ClTestFolder oFolder;
-  ClSensor oSensor(FullContact(oFolder), 1);
-  const ClSensorSettings oSettings = Settings(oSensor, 7, 1.0);
-  const Plane aFirst = Difference(Sequence(oSensor, oSettings, 1)),
-              aSecond = Difference(Sequence(oSensor, oSettings, 2));
-  Plane aStep;
-  for (int y = 1300; y < 1400; ++y)
-    for (int x = 1800; x < 2000; ++x)
-      aStep.push_back(aFirst[static_cast<size_t>(y * 3840 + x)] - aSecond[static_cast<size_t>(y * 3840 + x)]);
-  const double dNoise = Deviation(aStep) / std::sqrt(2.0);  // of a lit and a dark frame together
-  EXPECT_GT(dNoise, 1.0);
-  EXPECT_LT(dNoise, 2.5);
-  double dLow = 1e9, dHigh = 0.0;
-  for (int i = 0; i < 4; ++i) {
-    const double d = TapMean(aFirst, *oSettings.pMode, i / 2, i % 2);
-    dLow = std::min(dLow, d);
-    dHigh = std::max(dHigh, d);
-  }
-  EXPECT_GT(dHigh / dLow, 1.01);
-  EXPECT_LT(dHigh / dLow, 1.08);
 }
 
 TEST(Sensor, GainExposureAndMaskScaleTheLightAndWhiteIsTheEnd) {
