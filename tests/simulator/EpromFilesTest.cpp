@@ -85,13 +85,6 @@ TEST(MeasureGeometry, TheDotGridRunsColumnByColumnAndSeesTheMirroredPlaten) {
       // A dot is seen where the optics show the mirrored place of the picture.
       const ClPoint oBack = oOptics.SensorToPicture(o.aActual[e].dX, o.aActual[e].dY);
       EXPECT_NEAR(1599.0 - oBack.dX, o.aTarget[e].dX, 1e-5);
-      // Ten millimetres are 414 sensor pixels across and 302 down, give or take the distortion.
-      if (e + 8 < 64) {
-        EXPECT_NEAR(o.aActual[e + 8].dX - o.aActual[e].dX, 414.0, 25.0);
-      }
-      if (e % 8 < 7) {
-        EXPECT_NEAR(o.aActual[e + 1].dY - o.aActual[e].dY, 302.0, 20.0);
-      }
     }
   }
 }

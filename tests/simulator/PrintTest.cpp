@@ -34,20 +34,15 @@ double RidgePeriod(const ClPrint& oPrint) {
   return 2.0 * nRows / nCrossings;
 }
 
-struct ClAreas {
-  int nContact = 0, nCover = 0;
-};
-
-ClAreas Areas(const ClFingerContent& oFinger, double dSeconds) {
+ClPlatenMap Drawn(const ClFingerDescription& oFinger, double dSeconds = 0.0) {
   ClPlatenMap oMap;
   oMap.Clear();
-  oFinger.Draw(dSeconds, oMap);
-  ClAreas oAreas;
-  for (size_t i = 0; i < oMap.oContact.Count(); ++i) {
-    oAreas.nContact += oMap.oContact.Data()[i] >= 128;
-    oAreas.nCover += oMap.oCover.Data()[i] >= 128;
-  }
-  return oAreas;
+  ClFingerContent(oFinger).Draw(dSeconds, oMap);
+  return oMap;
+}
+
+ptrdiff_t Count(const TpPlane<uint8_t>& o) {
+  return std::count_if(o.Data(), o.Data() + o.Count(), [](uint8_t n) { return n >= 128; });
 }
 
 TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
@@ -94,9 +89,7 @@ TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
   ClFingerDescription oFinger;
   oFinger.oPrint.sFile = oFolder.WritePng("stripes.png", 1200, 800, Pixel);
   oFinger.dDryness = 0.0;
-  ClPlatenMap oMap;
-  oMap.Clear();
-  ClFingerContent(oFinger).Draw(0.0, oMap);
+  const ClPlatenMap oMap = Drawn(oFinger);
   for (unsigned y = 0; y < 800; y += 3)
     for (unsigned x = 0; x < 1200; ++x)
       ASSERT_EQ(oMap.oContact.At(static_cast<int>(x) + 200, static_cast<int>(y) + 400), 255 - Pixel(x, y))
@@ -117,8 +110,7 @@ TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
   };
   const std::string sGood = oFolder.WritePng("good.png", 64, 64, [](unsigned x, unsigned) { return x; });
   EXPECT_EQ(NumberOf(sGood).first, 0);
-  std::ifstream oFile(sGood, std::ios::binary);
-  const std::string sBytes((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
+  const std::string sBytes = oFolder.Read(sGood);
   const std::string sCut = oFolder.Write("cut.png", sBytes.substr(0, sBytes.size() / 2));
   EXPECT_EQ(NumberOf(sCut).first, -203);
   EXPECT_THAT(NumberOf(sCut).second, testing::HasSubstr(sCut));
@@ -130,9 +122,8 @@ TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
 
 TEST(PrintFile, ACoarsePrintIsNotEnlargedBeforeItIsRefused) {
   const ClTestFolder oFolder;
-  std::ifstream oFile(oFolder.WritePng("fine.png", 4096, 512, [](unsigned, unsigned) { return 0; }),
-                      std::ios::binary);
-  std::string sBytes((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
+  std::string sBytes =
+      oFolder.Read(oFolder.WritePng("fine.png", 4096, 512, [](unsigned, unsigned) { return 0; }));
   // Behind signature and header: 3000 pels per metre, so that 500 dots per inch take 43 times the pixels.
   sBytes.insert(33, std::string("\0\0\0\x09pHYs\0\0\x0B\xB8\0\0\x0B\xB8\x01\x3E\xB2\x18\x17", 21));
   const std::string sCoarse = oFolder.Write("coarse.png", sBytes);
@@ -146,13 +137,13 @@ TEST(FingerContent, PressureWidensTheContactAndDrynessBreaksIt) {
     ClFingerDescription o;
     o.dPressure = dPressure;
     o.dDryness = dDryness;
-    return Areas(ClFingerContent(o), 0.0);
+    return Drawn(o);
   };
-  EXPECT_GT(With(1.0, 0.1).nContact, With(0.6, 0.1).nContact * 11 / 10);
-  EXPECT_GT(With(1.0, 0.1).nCover, With(0.6, 0.1).nCover);
-  EXPECT_LT(With(0.2, 0.1).nContact, With(0.6, 0.1).nContact * 9 / 10);
-  EXPECT_LT(With(0.6, 0.8).nContact, With(0.6, 0.1).nContact * 9 / 10);
-  EXPECT_EQ(With(0.6, 0.8).nCover, With(0.6, 0.1).nCover);
+  const ClPlatenMap oUsual = With(0.6, 0.1), oHard = With(1.0, 0.1), oDry = With(0.6, 0.8);
+  EXPECT_GT(Count(oHard.oContact), Count(oUsual.oContact) * 11 / 10);
+  EXPECT_GT(Count(oHard.oCover), Count(oUsual.oCover));
+  EXPECT_LT(Count(oDry.oContact), Count(oUsual.oContact) * 9 / 10);
+  EXPECT_EQ(Count(oDry.oCover), Count(oUsual.oCover));
 }
 
 TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
@@ -160,12 +151,10 @@ TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
   const ClTestFolder oFolder;
   ClFingerDescription oDescription;
   oDescription.oPrint.sFile =
-      oFolder.WritePng("bar.png", 401, 401, [](unsigned, unsigned y) { return y < 60 ? 0u : 255u; });
+      oFolder.WritePng("bar.png", 401, 401, [](unsigned, unsigned y) { return y < 60 ? 0 : 255; });
   oDescription.dAngle = 90.0;
   oDescription.dDryness = 0.0;
-  ClPlatenMap oMap;
-  oMap.Clear();
-  ClFingerContent(oDescription).Draw(0.0, oMap);
+  const ClPlatenMap oMap = Drawn(oDescription);
   EXPECT_EQ(oMap.oContact.At(800 - 180, 800), 255);
   EXPECT_EQ(oMap.oContact.At(800 + 180, 800), 0);
   EXPECT_EQ(oMap.oContact.At(800, 800 - 180), 0);
@@ -210,21 +199,17 @@ TEST(FingerMotion, AFingerSettlesSlidesPressesAndComesBackOnTime) {
 }
 
 TEST(FingerContent, WaterShowsRoundAFingerAndIsNoSkin) {
-  ClPlatenMap aMaps[2];
-  for (int n = 0; n < 2; ++n) {
-    ClFingerDescription oFinger;
-    oFinger.dHalo = n;
-    aMaps[n].Clear();
-    ClFingerContent(oFinger).Draw(0.0, aMaps[n]);
-  }
+  ClFingerDescription oFinger;
+  const ClPlatenMap oDry = Drawn(oFinger);
+  oFinger.dHalo = 1.0;
+  const ClPlatenMap oWet = Drawn(oFinger);
   int nWet = 0;
-  for (size_t i = 0; i < aMaps[0].oContact.Count(); ++i) {
-    ASSERT_EQ(aMaps[0].oCover.Data()[i], aMaps[1].oCover.Data()[i]);
-    if (aMaps[1].oCover.Data()[i] == 0) {
-      ASSERT_EQ(aMaps[0].oContact.Data()[i], 0);
-      ASSERT_LE(aMaps[1].oContact.Data()[i], 77);  // three tenths of a ridge
-      nWet += aMaps[1].oContact.Data()[i] > 20;
-    }
+  for (size_t i = 0; i < oDry.oContact.Count(); ++i) {
+    ASSERT_EQ(oDry.oCover.Data()[i], oWet.oCover.Data()[i]);
+    if (oWet.oCover.Data()[i] != 0) continue;
+    ASSERT_EQ(oDry.oContact.Data()[i], 0);
+    ASSERT_LE(oWet.oContact.Data()[i], 77);  // three tenths of a ridge
+    nWet += oWet.oContact.Data()[i] > 20;
   }
   EXPECT_GT(nWet, 10000);
 }
@@ -235,10 +220,10 @@ TEST(RollingFinger, PressesAWiderStripAndSlipsAndTurnsOnRequest) {
   o.oRoll = {
       12.0, 0.0, {{0.0, 0.0, 0.0, 1.0}, {1.0, 0.0, 30.0, 1.0}, {2.0, 0.0, 30.0, 1.0}, {2.0, 0.0, 30.0, 0.0}}};
   o.dPressure = 0.4;
-  const int nLight = Areas(ClFingerContent(o), 0.0).nCover;
+  const ptrdiff_t nLight = Count(Drawn(o).oCover);
   o.dPressure = 0.8;
-  EXPECT_GT(Areas(ClFingerContent(o), 0.0).nCover, 1.3 * nLight);
-  EXPECT_EQ(Areas(ClFingerContent(o), 2.5).nCover, 0) << "lifted";
+  EXPECT_GT(Count(Drawn(o).oCover), 13 * nLight / 10);
+  EXPECT_EQ(Count(Drawn(o, 2.5).oCover), 0) << "lifted";
   o.oSlide = {0.0, g_cdNever, 2.0, 90.0, 0.0};
   const ClFingerPose oPose = ClFingerMotion::At(o, 0.5);
   EXPECT_NEAR(oPose.dAngle, 15.0, 0.02);

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -34,6 +35,11 @@ class ClTestFolder {
   std::string Write(const std::string& sName, const std::string& sText) const {
     std::ofstream(Path(sName), std::ios::binary) << sText;
     return Path(sName);
+  }
+
+  static std::string Read(const std::string& sPath) {
+    std::ifstream oFile(sPath, std::ios::binary);
+    return {std::istreambuf_iterator<char>(oFile), std::istreambuf_iterator<char>()};
   }
 
   /// A grey PNG whose pixels a function of x and y gives.
