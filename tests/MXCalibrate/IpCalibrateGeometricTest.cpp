@@ -101,8 +101,11 @@ class Warp : public testing::Test {
   const Table m_oTable;
 };
 
-TEST_F(Warp, TheDenseMapHasTheSplinesPositionOfEachPixel) {
+TEST_F(Warp, EachPixelIsTheFormulasAtItsPlaceBySplineOrBackground) {
   ASSERT_EQ(m_oDense.Apply(), 0);
+  ASSERT_TRUE(m_oOut.HasSize(61, 52));
+  EXPECT_EQ(m_oOut.PelsX(), 19685);
+  EXPECT_EQ(m_oOut.PelsY(), 9842);
   TpThinPlateSplines<double> oSpline;
   oSpline.Setup(16, m_oData.m_aTarget.Data(), m_oData.m_aActual[0].Data());
   int nWithSource = 0;
@@ -112,6 +115,7 @@ TEST_F(Warp, TheDenseMapHasTheSplinesPositionOfEachPixel) {
       double dY;
       oSpline.Transform(nX, nY, &dX, &dY);
       const auto& oEntry = m_oDense.Map()[nY * 61 + nX];
+      ASSERT_EQ(m_oOut.Row<uint8_t>(nY)[nX], SlowSample(oEntry, m_oIn, m_oTable, 99));
       if (!(dX >= 1 && dY >= 1 && dX <= 87 && dY <= 80)) {
         ASSERT_EQ(oEntry.m_nOffset, -1);
         continue;
@@ -150,22 +154,6 @@ TEST_F(Warp, TheCoarseMapMeetsTheDenseOneAtItsGridAndNearlyBetween) {
       ASSERT_LE(std::abs(oRow(oCoarse) - oRow(oDense)), 3);
     }
   }
-}
-
-TEST_F(Warp, ThePictureIsTheFormulasForEveryPixelAndKeepsResolutionAndBackground) {
-  ASSERT_EQ(m_oDense.Apply(), 0);
-  ASSERT_TRUE(m_oOut.HasSize(61, 52));
-  EXPECT_EQ(m_oOut.PelsX(), 19685);
-  EXPECT_EQ(m_oOut.PelsY(), 9842);
-  bool bBackground = false;
-  for (int nY = 0; nY < 52; ++nY) {
-    for (int nX = 0; nX < 61; ++nX) {
-      const auto& oEntry = m_oDense.Map()[nY * 61 + nX];
-      bBackground = bBackground || oEntry.m_nOffset < 0;
-      ASSERT_EQ(m_oOut.Row<uint8_t>(nY)[nX], SlowSample(oEntry, m_oIn, m_oTable, 99));
-    }
-  }
-  EXPECT_TRUE(bBackground);
 }
 
 TEST_F(Warp, ARegionIsThatPartOfTheWhole) {
@@ -262,22 +250,17 @@ TEST_F(Warp, WithoutDataForAMapThereIsNoneUntilAReset) {
 }
 
 TEST_F(Warp, RefusesRegionsOutsideTheTargetAndHalfSetOnes) {
-  const struct {
-    uint32_t nX, nY, nWidth, nHeight;
-    const char* szText;
-  } aRegions[] = {{0, 0, 0, 10, "Invalid ROI parameters"},
-                  {0, 0, 10, 0, "Invalid ROI parameters"},
-                  {52, 0, 10, 10, "Target subimage not within target image"},
-                  {0, 43, 10, 10, "Target subimage not within target image"},
-                  {0xFFFFFFFF, 0, 10, 10, "Target subimage not within target image"}};
-  for (const auto& o : aRegions) {
-    m_oDense.m_nRoiX = o.nX;
-    m_oDense.m_nRoiY = o.nY;
-    m_oDense.m_nRoiWidth = o.nWidth;
-    m_oDense.m_nRoiHeight = o.nHeight;
-    const auto oRaised = Raised([&] { m_oDense.Apply(); });
-    EXPECT_EQ(oRaised.first, -44);
-    EXPECT_THAT(oRaised.second, EndsWith(o.szText));
+  const uint32_t aRegions[][4] = {
+      {0, 0, 0, 10}, {0, 0, 10, 0}, {52, 0, 10, 10}, {0, 43, 10, 10}, {0xFFFFFFFF, 0, 10, 10}};
+  for (const auto& a : aRegions) {
+    m_oDense.m_nRoiX = a[0];
+    m_oDense.m_nRoiY = a[1];
+    m_oDense.m_nRoiWidth = a[2];
+    m_oDense.m_nRoiHeight = a[3];
+    const bool bWhole = a[2] != 0 && a[3] != 0;
+    EXPECT_THAT(Raised([&] { m_oDense.Apply(); }),
+                testing::Pair(-44, EndsWith(bWhole ? "Target subimage not within target image"
+                                                   : "Invalid ROI parameters")));
   }
 }
 
@@ -285,9 +268,7 @@ TEST_F(Warp, RefusesRegionsOutsideTheTargetAndHalfSetOnes) {
 class StoredWarp : public testing::Test {
  protected:
   StoredWarp() {
-    Append(m_aBytes, "PRE");
-    Append(m_aBytes, "GEO");
-    Append(m_aBytes, "001");
+    for (const char* szTag : {"PRE", "GEO", "001"}) AppendText(m_aBytes, szTag);
     for (const uint32_t nField : {10u, 9u, 5u, 4u, 19685u, 19684u, 1u}) AppendBig(m_aBytes, nField);
     m_aBytes.push_back(33);
     for (const uint32_t nField : {0x4B494600u, 1u}) AppendBig(m_aBytes, nField);
@@ -304,38 +285,44 @@ class StoredWarp : public testing::Test {
     }
     AppendBig(m_aBytes, 0x4B494600u);
   }
-  static std::pair<long, std::string> Load(ClDense& oWarp, const Bytes& aBytes) {
-    return Raised([&] {
+  /// A failing load leaves no map.
+  std::pair<long, std::string> Load(const Bytes& aBytes) {
+    const auto oRaised = Raised([&] {
       ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
-      oWarp.Load(oStream);
+      m_oWarp.Load(oStream);
     });
+    EXPECT_EQ(m_oWarp.Map() != nullptr, oRaised.first == 0);
+    return oRaised;
   }
 
+  ClDense m_oWarp;
   Bytes m_aBytes;
   std::vector<MXKernels::WarpMapEntry> m_aMap;
 };
 
 TEST_F(StoredWarp, LoadsIsUsedAndIsStoredByteForByte) {
-  ClDense oWarp;
-  ASSERT_EQ(Load(oWarp, m_aBytes).first, 0);
+  ASSERT_EQ(Load(m_aBytes).first, 0);
   ClImage oIn;
   ClImage oOut;
   FillRandom(oIn, 10, 9);
-  oWarp.m_pInImage = &oIn;
-  oWarp.m_pOutImage = &oOut;
-  ASSERT_EQ(oWarp.Apply(), 0);
-  EXPECT_EQ(oWarp.m_nBuilt, 0);
+  m_oWarp.m_pInImage = &oIn;
+  m_oWarp.m_pOutImage = &oOut;
+  ASSERT_EQ(m_oWarp.Apply(), 0);
+  EXPECT_EQ(m_oWarp.m_nBuilt, 0);
   const Table oTable;
   for (int n = 0; n < 20; ++n) {
     EXPECT_EQ(oOut.Row<uint8_t>(n / 5)[n % 5], SlowSample(m_aMap[static_cast<size_t>(n)], oIn, oTable, 33))
         << n;
   }
   ClMemStream oStream;
-  oWarp.Store(oStream);
+  m_oWarp.Store(oStream);
   EXPECT_EQ(Bytes(oStream.GetData(), oStream.GetData() + oStream.Size()), m_aBytes);
 }
 
-TEST_F(StoredWarp, NamesTheFieldThatIsWrong) {
+TEST_F(StoredWarp, EveryCutAndEveryWrongFieldIsFoundAndNamed) {
+  for (size_t nLength = 0; nLength < m_aBytes.size(); ++nLength)
+    EXPECT_EQ(Load(Bytes(m_aBytes.begin(), m_aBytes.begin() + static_cast<long>(nLength))).first, -201)
+        << nLength;
   const struct {
     size_t nOffset;
     long nNumber;
@@ -353,41 +340,27 @@ TEST_F(StoredWarp, NamesTheFieldThatIsWrong) {
   for (const auto& o : aFields) {
     Bytes aBad = m_aBytes;
     aBad[o.nOffset] ^= 2;
-    ClDense oWarp;
-    const auto oRaised = Load(oWarp, aBad);
-    EXPECT_EQ(oRaised.first, o.nNumber) << o.nOffset;
-    EXPECT_THAT(oRaised.second, EndsWith(o.szText));
+    EXPECT_THAT(Load(aBad), testing::Pair(o.nNumber, EndsWith(o.szText))) << o.nOffset;
   }
 }
 
-TEST_F(StoredWarp, EveryCutIsFound) {
-  for (size_t nLength = 0; nLength < m_aBytes.size(); ++nLength) {
-    ClDense oWarp;
-    EXPECT_EQ(Load(oWarp, Bytes(m_aBytes.begin(), m_aBytes.begin() + static_cast<long>(nLength))).first,
-              -201);
-    EXPECT_TRUE(oWarp.Map() == nullptr);
-  }
-}
-
-TEST_F(StoredWarp, AMapThatPointsOutsideTheSourceIsRefused) {
+TEST_F(StoredWarp, AMapThatPointsOutsideItsSourceOrHasOneOutOfReachIsRefused) {
   const size_t cnMap = m_aBytes.size() - 4 - 20 * 8;
-  for (const auto& [nAt, nValue] : {std::pair<size_t, unsigned char>{0, 5 * 12 + 6 + 1}, {5, 4}, {3, 1}}) {
-    Bytes aBad = m_aBytes;
-    if (nAt == 0) aBad[cnMap + 1] = aBad[cnMap + 2] = aBad[cnMap + 3] = 0;
-    aBad[cnMap + nAt] = nValue;
-    ClDense oWarp;
-    EXPECT_EQ(Load(oWarp, aBad).first, -39) << nAt;
-  }
-}
-
-TEST_F(StoredWarp, ASourceThatOffsetsDoNotReachIsNotMultipliedPastItsType) {
-  // Without a source in the map nothing else would refuse it.
-  const size_t cnMap = m_aBytes.size() - 4 - 20 * 8;
+  // Without a source in the map nothing but the reach of offsets refuses one that is too large.
   for (size_t n = 0; n < 20 * 8; ++n) m_aBytes[cnMap + n] = n % 8 < 4 ? 0xFF : 0;
-  ClDense oWarp;
-  ASSERT_EQ(Load(oWarp, m_aBytes).first, 0);
-  for (size_t n = 12; n < 20; ++n) m_aBytes[n] = 0xFF;
-  EXPECT_EQ(Load(oWarp, m_aBytes).first, -39);
+  EXPECT_EQ(Load(m_aBytes).first, 0);
+  Bytes aBad = m_aBytes;
+  for (size_t n = 12; n < 20; ++n) aBad[n] = 0xFF;
+  EXPECT_EQ(Load(aBad).first, -39);
+  // The last place of a window, the one behind it, and the phase behind the last.
+  for (const auto& [nOffset, nPhase, nNumber] :
+       {std::tuple<int, uint32_t, long>{5 * 12 + 6, 1023, 0}, {5 * 12 + 7, 0, -39}, {0, 1024, -39}}) {
+    Bytes aEntry;
+    AppendLittle(aEntry, static_cast<uint32_t>(nOffset), 4);
+    AppendLittle(aEntry, nPhase, 4);
+    std::copy(aEntry.begin(), aEntry.end(), m_aBytes.begin() + static_cast<long>(cnMap));
+    EXPECT_EQ(Load(m_aBytes).first, nNumber) << nOffset;
+  }
 }
 
 }  // namespace
