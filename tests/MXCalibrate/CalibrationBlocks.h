@@ -18,8 +18,9 @@ void AppendAll(Bytes& aBytes, const TRange& aMore) {
   for (const auto nByte : aMore) aBytes.push_back(static_cast<unsigned char>(nByte));
 }
 
-inline void Append(Bytes& aBytes, const char (&szTag)[4]) {
-  AppendAll(aBytes, szTag);
+inline void AppendText(Bytes& aBytes, const std::string& szText) {
+  for (size_t n = 0; n < 4; ++n)
+    aBytes.push_back(static_cast<unsigned char>(n < szText.size() ? szText[n] : 0));
 }
 
 inline void AppendBig(Bytes& aBytes, uint32_t nValue) {
@@ -78,11 +79,6 @@ struct ClGeometricRecord {
   std::vector<ClVector> aActual = ActualGrid();
 };
 
-inline void AppendText(Bytes& aBytes, const std::string& szText) {
-  for (size_t n = 0; n < 4; ++n)
-    aBytes.push_back(static_cast<unsigned char>(n < szText.size() ? szText[n] : 0));
-}
-
 /// The record in the layout of nLayout, 0 to 6; the version text is the record's own.
 inline Bytes GeometricBlock(const ClGeometricRecord& o, int nLayout = 6) {
   Bytes aBytes;
@@ -136,7 +132,7 @@ inline Bytes LegacyBrightnessBlock() {
 
 inline Bytes CurrentBrightnessBlock() {
   Bytes aBytes;
-  Append(aBytes, "CBD");
+  AppendText(aBytes, "CBD");
   AppendLittle(aBytes, 3, 2);
   AppendLittle(aBytes, 64, 2);
   for (const uint64_t nKey : {4u, 1u, 256u}) {
@@ -162,7 +158,7 @@ inline Bytes LegacyGainBlock() {
 
 inline Bytes CurrentGainBlock() {
   Bytes aBytes;
-  Append(aBytes, "CGD");
+  AppendText(aBytes, "CGD");
   AppendLittle(aBytes, 2, 2);
   const Bytes aGroups = LegacyGainBlock();
   const uint64_t aKeys[5] = {16, 1, 8, 2, 4};

@@ -49,13 +49,8 @@ class ClFound {
 
 /// The ideal grid from (500, 300) on, column after column.
 std::vector<ClVector> Ideal() {
-  std::vector<ClVector> aPlaces(64);
-  for (size_t n = 0; n < 64; ++n) {
-    const size_t nColumn = n / 8;
-    const size_t nRow = n % 8;
-    aPlaces[n] =
-        ClVector(500 + cdPitchX * static_cast<double>(nColumn), 300 + cdPitchY * static_cast<double>(nRow));
-  }
+  std::vector<ClVector> aPlaces;
+  for (int n = 0; n < 64; ++n) aPlaces.emplace_back(500 + cdPitchX * (n / 8), 300 + cdPitchY * (n % 8));
   return aPlaces;
 }
 

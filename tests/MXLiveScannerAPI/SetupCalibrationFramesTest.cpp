@@ -105,22 +105,26 @@ TEST_F(Frames, EachKindShowsTheDotsOfTheTargetInTheirPlaces) {
   }
 }
 
-TEST_F(Frames, OtherSizesAreRefusedAndLeaveTheOutputAlone) {
-  const auto oRefused = [&](int nWidth, int nHeight, auto oCall) {
-    m_oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
-    const auto oRaised = Raised([&] { (m_pSetup.get()->*oCall)(m_oFrame, m_oOut); });
-    EXPECT_EQ(oRaised.first, -103) << nWidth;
-    EXPECT_THAT(oRaised.second, EndsWith("Unsupported image dimensions."));
-  };
-  oRefused(800, 800, &ClVT40SetupCalibrationData::CalibratePreview);
-  oRefused(1920, 1360, &ClVT40SetupCalibrationData::CalibrateFull);
-  oRefused(1920, 1360, &ClVT40SetupCalibrationData::CalibrateRoll);
-  oRefused(960, 1360, &ClVT40SetupCalibrationData::CalibrateRoll);
+TEST_F(Frames, OtherSizesAndTypesAreRefusedAndLeaveTheOutputAlone) {
+  using Setup = ClVT40SetupCalibrationData;
+  const struct {
+    void (Setup::*pfnCalibrate)(ClImage&, ClImage&);
+    ClImage::EDataType eType;
+    int nWidth, nHeight;
+    long nNumber;
+  } aFrames[] = {{&Setup::CalibratePreview, ClImage::eUint8, 800, 800, -103},
+                 {&Setup::CalibrateFull, ClImage::eUint8, 1920, 1360, -103},
+                 {&Setup::CalibrateRoll, ClImage::eUint8, 1920, 1360, -103},
+                 {&Setup::CalibrateRoll, ClImage::eUint8, 960, 1360, -103},
+                 {&Setup::CalibrateRoll, ClImage::eInt16, 960, 1362, -103},
+                 {&Setup::CalibratePreview, ClImage::eInt16, 1920, 1360, -44}};
+  for (const auto& o : aFrames) {
+    m_oFrame.NewWithType(o.eType, o.nWidth, o.nHeight, 1, 0, 0, true);
+    const auto oRaised = Raised([&] { (m_pSetup.get()->*o.pfnCalibrate)(m_oFrame, m_oOut); });
+    EXPECT_EQ(oRaised.first, o.nNumber) << o.nWidth;
+    EXPECT_EQ(oRaised.second.find("Unsupported image dimensions.") != std::string::npos, o.nNumber == -103);
+  }
   EXPECT_TRUE(m_oOut.Data() == nullptr);
-  m_oFrame.NewWithType(ClImage::eInt16, 1920, 1360, 1, 0, 0, true);
-  EXPECT_EQ(Raised([&] { m_pSetup->CalibratePreview(m_oFrame, m_oOut); }).first, -44) << "another type";
-  m_oFrame.NewWithType(ClImage::eInt16, 960, 1362, 1, 0, 0, true);
-  EXPECT_EQ(Raised([&] { m_pSetup->CalibrateRoll(m_oFrame, m_oOut); }).first, -103);
 }
 
 /// A picture whose grey is a quarter of the light that IlluminationSamples tells, so that 4 times the reference flattens
@@ -160,35 +164,29 @@ TEST_F(Frames, RectifiedPicturesBecomeEven) {
 }
 
 TEST_F(Frames, RawPicturesAreFlattenedInTheSensorsCoordinates) {
-  // A value of 255 with a flat 100 gives 255 * 100 / reference: the reference itself at the grid's points.
-  const auto oExpectReference = [&](double dX, double dY) {
-    const Bytes aSamples = IlluminationSamples();
+  using Setup = ClVT40SetupCalibrationData;
+  const auto oAdjust = [&](auto pfnAdjust, int nWidth, int nHeight) {
+    m_oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+    m_oFrame = static_cast<unsigned char>(100);
+    return Raised([&] { (m_pSetup.get()->*pfnAdjust)(m_oFrame, m_oOut, 255); });
+  };
+  for (const auto& [pfnAdjust, nWidth] : {std::pair{&Setup::AdjustBrightnessMiniRAW, 960},
+                                          {&Setup::AdjustBrightnessMiniRAW, 480},
+                                          {&Setup::AdjustBrightnessSignature, 960}}) {
+    ASSERT_EQ(oAdjust(pfnAdjust, nWidth, 680).first, 0);
+    // A value of 255 with a flat 100 gives 255 * 100 / reference: the reference itself at the grid's points.
     for (size_t n : {27u, 36u, 9u, 54u}) {
       const ClVector o = ActualGrid()[n];
-      const int nGrey = m_oOut.Row<uint8_t>(static_cast<int>(o.y * dY))[static_cast<int>(o.x * dX)];
-      EXPECT_NEAR(nGrey, 255 * 100 / aSamples[n], 3) << n;
+      const int nGrey = m_oOut.Row<uint8_t>(static_cast<int>(o.y / 4))[static_cast<int>(o.x * nWidth / 3840)];
+      EXPECT_NEAR(nGrey, 255 * 100 / IlluminationSamples()[n], 3) << n;
     }
-  };
-  m_oFrame.NewWithType(ClImage::eUint8, 960, 680, 1, 0, 0, true);
-  m_oFrame = static_cast<unsigned char>(100);
-  m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255);
-  oExpectReference(0.25, 0.25);
-  m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255);
-  oExpectReference(0.25, 0.25);
-  m_oFrame.NewWithType(ClImage::eUint8, 480, 680, 1, 0, 0, true);
-  m_oFrame = static_cast<unsigned char>(100);
-  m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255);
-  oExpectReference(0.125, 0.25);
-  EXPECT_EQ(Raised([&] { m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255); }).first, -44)
+  }
+  EXPECT_EQ(oAdjust(&Setup::AdjustBrightnessSignature, 480, 680).first, -44)
       << "the right height with another width";
-  m_oFrame.NewWithType(ClImage::eUint8, 960, 340, 1, 0, 0, true);
-  m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255);
+  EXPECT_EQ(oAdjust(&Setup::AdjustBrightnessSignature, 960, 340).first, 0);
   EXPECT_TRUE(m_oOut.HasSize(960, 340));
-  const auto oMini = Raised([&] { m_pSetup->AdjustBrightnessMiniRAW(m_oFrame, m_oOut, 255); });
-  EXPECT_EQ(oMini.first, -103);
-  m_oFrame.NewWithType(ClImage::eUint8, 960, 341, 1, 0, 0, true);
-  EXPECT_THAT(Raised([&] { m_pSetup->AdjustBrightnessSignature(m_oFrame, m_oOut, 255); }).second,
-              EndsWith("Wrong image size."));
+  EXPECT_EQ(oAdjust(&Setup::AdjustBrightnessMiniRAW, 960, 340).first, -103);
+  EXPECT_THAT(oAdjust(&Setup::AdjustBrightnessSignature, 960, 341).second, EndsWith("Wrong image size."));
 }
 
 TEST_F(Frames, ASecondFrameOfARollAllocatesNothing) {

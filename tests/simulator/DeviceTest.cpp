@@ -81,15 +81,16 @@ TEST_F(SimulatorTest, FunctionsOfADeviceRefuseForeignHandlesMissingPointersAndWr
     EXPECT_EQ(VTScanAPIReleaseRawSequence(h, &hCopy), -43);
     EXPECT_EQ(VTScanAPIEnableCapture(h, 1), -43);
   }
-  EXPECT_EQ(VTScanAPICreateHandle(FirstId(), nullptr), -701);
-  EXPECT_EQ(VTScanAPIDestroyHandle(nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetVersion(hDevice, nullptr, nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetResolution(hDevice, &n, nullptr), -701);
-  EXPECT_EQ(VTScanAPIReadEPROMFile(hDevice, "GEOCAL", nullptr, nullptr), -701);
-  EXPECT_EQ(VTScanAPIGetPropertyLongA(hDevice, "USBPowered", nullptr), -701);
-  EXPECT_EQ(VTScanAPISetCaptureMode(hDevice, 35, 2, nullptr, 2), -701);
-  EXPECT_EQ(VTScanAPILockRawSequence(hDevice, nullptr), -701);
-  EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 1, nullptr, nullptr), -701);
+  const long anNoPointer[] = {VTScanAPICreateHandle(FirstId(), nullptr),
+                              VTScanAPIDestroyHandle(nullptr),
+                              VTScanAPIGetVersion(hDevice, nullptr, nullptr),
+                              VTScanAPIGetResolution(hDevice, &n, nullptr),
+                              VTScanAPIReadEPROMFile(hDevice, "GEOCAL", nullptr, nullptr),
+                              VTScanAPIGetPropertyLongA(hDevice, "USBPowered", nullptr),
+                              VTScanAPISetCaptureMode(hDevice, 35, 2, nullptr, 2),
+                              VTScanAPILockRawSequence(hDevice, nullptr),
+                              VTScanAPIApplyInternalCommand(hDevice, 1, nullptr, nullptr)};
+  EXPECT_THAT(anNoPointer, testing::Each(-701));
   EXPECT_EQ(VTScanAPISetGain(hDevice, 1, 256, 1), -44);
   EXPECT_EQ(VTScanAPISetResolution(hDevice, 37), -44);
   EXPECT_EQ(VTScanAPIApplyInternalCommand(hDevice, 5, &n, &n), -44);

@@ -7,7 +7,6 @@
 #include "scene/FingerMotion.h"
 #include "scene/PrintFile.h"
 #include "scene/PrintGenerator.h"
-#include "scene/RidgeFlow.h"
 #include "scene/SimError.h"
 
 namespace Simulator {
@@ -61,25 +60,6 @@ TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
     const ClPrint oOther = GeneratePrint(Description(18, ePattern));
     EXPECT_GT(std::abs(RidgePeriod(oOther) - RidgePeriod(oPrint)), 0.0) << "another seed is another finger";
   }
-}
-
-TEST(RidgeFlow, GoingRoundACoreTurnsTheRidgeByHalfATurn) {
-  // Two cores close together turn it by a whole turn, an arch not at all.
-  const auto Turn = [](EPattern ePattern) {
-    const ClRidgeFlow oFlow(Description(5, ePattern));
-    double dSum = 0.0, dLast = oFlow.Direction(3.5, 1.0);
-    for (int i = 1; i <= 720; ++i) {
-      const double dNow = oFlow.Direction(3.5 * std::cos(i * 3.14159265358979 / 360.0),
-                                          1.0 + 3.5 * std::sin(i * 3.14159265358979 / 360.0));
-      dSum += std::remainder(dNow - dLast, 3.14159265358979);
-      dLast = dNow;
-    }
-    return dSum / 3.14159265358979;
-  };
-  EXPECT_NEAR(Turn(ePatternRightLoop), 1.0, 1e-6);
-  EXPECT_NEAR(Turn(ePatternLeftLoop), 1.0, 1e-6);
-  EXPECT_NEAR(Turn(ePatternWhorl), 2.0, 1e-6);
-  EXPECT_NEAR(Turn(ePatternArch), 0.0, 1e-6);
 }
 
 TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
