@@ -228,9 +228,7 @@ TEST_F(Warp, WithoutDataForAMapThereIsNoneUntilAReset) {
   EXPECT_EQ(Raised([&] { m_oDense.Store(oStream); }).first, -2);
   m_oData.m_aActual[0].SetEntries(15);
   EXPECT_EQ(Raised([&] { m_oDense.Apply(); }).first, -44) << "fewer actual than target points";
-  const auto oRaised = Raised([&] { m_oDense.Apply(); });
-  EXPECT_EQ(oRaised.first, -2);
-  EXPECT_THAT(oRaised.second, EndsWith("Calibrate is not initialized"));
+  EXPECT_THAT(Raised([&] { m_oDense.Apply(); }), testing::Pair(-2, EndsWith("Calibrate is not initialized")));
   EXPECT_EQ(m_oDense.m_nBuilt, 1);
   m_oData.m_aActual[0].SetEntries(16);
   m_oData.m_nSourceWidth = m_oData.m_nSourceHeight = 70000;

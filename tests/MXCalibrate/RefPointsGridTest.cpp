@@ -25,12 +25,12 @@ const double cdPitchY = 10 * 768 / 25.4;
 /// A grid and what was found for it, with the dots' life.
 class ClFound {
  public:
-  explicit ClFound(ClDonut& oDonut, const std::vector<ClVector>& aPlaces, double dArea = 9000) {
+  explicit ClFound(ClDonut& oDonut, const std::vector<ClVector>& aPlaces) {
     ClIpConnectedComponent2::ComponentsArray_t aComponents;
     aComponents.New(static_cast<unsigned int>(aPlaces.size()));
     for (unsigned int n = 0; n < aComponents.Entries(); ++n) {
       aComponents[n].vCentre = aPlaces[n];
-      aComponents[n].dArea = dArea;
+      aComponents[n].dArea = 9000;
       aComponents[n].dEccentricity = 0.1;
     }
     oDonut.BuildGrid(m_aDots, aComponents);
@@ -111,23 +111,20 @@ TEST(Dots, ADirectionsBoundaryBelongsToTheLowerNumber) {
 
 TEST(Dots, TheLastReasonOfARefusalStands) {
   ClDonut oDonut;
-  const struct {
-    double dEccentricity, dArea;
-    long nStatus;
-  } aCases[] = {{-0.1, 9000, 1}, {0.21, 9000, 2},  {0.2, 6000, 0},
-                {0.21, 5999, 3}, {-0.1, 20001, 4}, {0, 20000, 0}};
+  const double aCases[][3] = {{-0.1, 9000, 1}, {0.21, 9000, 2},  {0.2, 6000, 0},
+                              {0.21, 5999, 3}, {-0.1, 20001, 4}, {0, 20000, 0}};
   ClIpConnectedComponent2::ComponentsArray_t aComponents;
   aComponents.New(6);
   for (unsigned int n = 0; n < 6; ++n) {
     aComponents[n].vCentre = ClVector(1000.0 * n, 5);
-    aComponents[n].dEccentricity = aCases[n].dEccentricity;
-    aComponents[n].dArea = aCases[n].dArea;
+    aComponents[n].dEccentricity = aCases[n][0];
+    aComponents[n].dArea = aCases[n][1];
   }
   ClFound oFound(oDonut, {});
   oDonut.BuildGrid(oFound.m_aDots, aComponents);
   for (long n = 0; n < 6; ++n) {
-    EXPECT_EQ(oFound.Of(n).nStatus, aCases[n].nStatus) << n;
-    EXPECT_EQ(oFound.Of(n).bValid, aCases[n].nStatus == 0) << n;
+    EXPECT_EQ(oFound.Of(n).nStatus, aCases[n][2]) << n;
+    EXPECT_EQ(oFound.Of(n).bValid, aCases[n][2] == 0) << n;
   }
 }
 

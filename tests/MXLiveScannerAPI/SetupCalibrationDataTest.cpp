@@ -79,9 +79,8 @@ TEST(Revision, DecidesOnTablesAndExposure) {
   EXPECT_EQ(oLater.GetBrightnessAdjustment(4), 0xC0C0C0u);
   EXPECT_TRUE(oLater.GetIlluminationSet(1).empty());
   EXPECT_EQ(ClVT40SetupCalibrationData("VT40-AD0001", true).GetExposure(), 400u);
-  const auto oRaised = Raised([] { ClVT40SetupCalibrationData("VT40-AI0001", true); });
-  EXPECT_EQ(oRaised.first, -103);
-  EXPECT_THAT(oRaised.second, EndsWith("Scanner revision not supported."));
+  EXPECT_THAT(Raised([] { ClVT40SetupCalibrationData("VT40-AI0001", true); }),
+              testing::Pair(-103, EndsWith("Scanner revision not supported.")));
 }
 
 TEST(Gain, IsTheSameFromBothFormsAndHalvedByteByByteWithoutUsbPower) {
@@ -157,9 +156,9 @@ TEST(Geometry, RefusesGridsThatCannotBeAScanners) {
   aRecords[10].aTarget[63].y = std::numeric_limits<double>::infinity();
   aRecords[11].aActual.emplace_back(1, 2);
   for (size_t n = 0; n < aRecords.size(); ++n) {
-    const auto oRaised = Refusal(aRecords[n]);
-    EXPECT_EQ(oRaised.first, -39) << n;
-    EXPECT_THAT(oRaised.second, EndsWith("invalid calibration data found in scanner eprom.")) << n;
+    EXPECT_THAT(Refusal(aRecords[n]),
+                testing::Pair(-39, EndsWith("invalid calibration data found in scanner eprom.")))
+        << n;
   }
   ClGeometricRecord oRecord;
   Bytes aCut = GeometricBlock(oRecord);
@@ -237,9 +236,9 @@ TEST(Geometry, RefusesGridsThatAreNotTheTargetsButForTheFirstRevision) {
   aRecords[0].aTarget[20].x += 10.5;
   aRecords[1].aActual[20].y += 110;
   for (size_t n = 0; n < aRecords.size(); ++n) {
-    const auto oRaised = Refusal(aRecords[n]);
-    EXPECT_EQ(oRaised.first, -39) << n;
-    EXPECT_THAT(oRaised.second, EndsWith(n < 1 ? "Target data is corrupt" : "Source data is corrupt")) << n;
+    EXPECT_THAT(Refusal(aRecords[n]),
+                testing::Pair(-39, EndsWith(n < 1 ? "Target data is corrupt" : "Source data is corrupt")))
+        << n;
     EXPECT_EQ(Refusal(aRecords[n], "VT40-AA0001").first, 0) << n;
   }
 }
@@ -250,12 +249,9 @@ TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
   const auto oUpdate = [&](const Bytes& aBlock) {
     return Raised([&] { oSetup.UpdateBrightnessData(aBlock.data(), Size(aBlock)); });
   };
-  EXPECT_EQ(oUpdate(aGood).first, -1);
-  EXPECT_THAT(oUpdate(aGood).second,
-              EndsWith("Update of brightness data not possible without geometric data."));
-  const auto oBeforeGeometry =
-      Raised([&] { oSetup.Setup(nullptr, 0, aGood.data(), Size(aGood), nullptr, 0); });
-  EXPECT_EQ(oBeforeGeometry.first, -1);
+  EXPECT_THAT(oUpdate(aGood),
+              testing::Pair(-1, EndsWith("Update of brightness data not possible without geometric data.")));
+  EXPECT_EQ(Raised([&] { oSetup.Setup(nullptr, 0, aGood.data(), Size(aGood), nullptr, 0); }).first, -1);
   UpdateGeometry(oSetup, GeometricBlock(ClGeometricRecord()));
   EXPECT_EQ(oUpdate(aGood).first, 0);
   EXPECT_EQ(oUpdate(CurrentBrightnessBlock()).first, 0);
@@ -303,9 +299,7 @@ TEST(Setup, StoresTheBlocksByteForByte) {
   const Bytes aGeo = GeometricBlock(ClGeometricRecord());
   const Bytes aBrightness = CurrentBrightnessBlock();
   const Bytes aGain = CurrentGainBlock();
-  oSetup.UpdateGeometricData(aGeo.data(), Size(aGeo));
-  oSetup.UpdateBrightnessData(aBrightness.data(), Size(aBrightness));
-  oSetup.UpdateGainData(aGain.data(), Size(aGain));
+  oSetup.Setup(aGeo.data(), Size(aGeo), aBrightness.data(), Size(aBrightness), aGain.data(), Size(aGain));
   oSetup.StoreData(oDirectory.Path("").c_str());
   const std::pair<const char*, const Bytes&> aFiles[] = {
       {"geometric.calibrate", aGeo}, {"brightness.calibrate", aBrightness}, {"gaindata.calibrate", aGain}};

@@ -226,9 +226,8 @@ TEST(FailingSetup, AGridThatAllowsNoMapIsMissedByTheFirstFrame) {
   ClImage oFrame;
   ClImage oOut;
   DrawDots(oFrame, 960, 1360, 0.25, 0.5);
-  const auto oRaised = Raised([&] { oSetup.CalibratePreview(oFrame, oOut); });
-  EXPECT_EQ(oRaised.first, -2);
-  EXPECT_THAT(oRaised.second, EndsWith("Calibrate is not initialized"));
+  EXPECT_THAT(Raised([&] { oSetup.CalibratePreview(oFrame, oOut); }),
+              testing::Pair(-2, EndsWith("Calibrate is not initialized")));
 }
 
 }  // namespace

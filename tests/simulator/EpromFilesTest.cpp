@@ -9,37 +9,6 @@
 namespace Simulator {
 namespace {
 
-/// The checksum bit by bit, most significant bit first.
-uint32_t SlowCrc(const uint8_t* pBytes, size_t nCount) {
-  uint32_t nCrc = 0xFFFFFFFFu;
-  for (size_t i = 0; i < nCount; ++i) {
-    nCrc ^= static_cast<uint32_t>(pBytes[i]) << 24;
-    for (int k = 0; k < 8; ++k) nCrc = (nCrc & 0x80000000u) ? (nCrc << 1) ^ 0x04C11DB7u : nCrc << 1;
-  }
-  return ~nCrc;
-}
-
-TEST(EncodeGeometry, TheRecordOfOnePointIsThisByteForByte) {
-  ASSERT_EQ(SlowCrc(reinterpret_cast<const uint8_t*>("123456789"), 9), 0xFC891918u);
-  const ClGeometry oGeometry{3840,  2720,  41417, 30236,         1600,          1600,
-                             19685, 19685, 7,     {{1.0, -2.0}}, {{0.5, 100.0}}};
-  const ByteBlock aRecord = EncodeGeometry(oGeometry);
-  const ByteBlock aExpected = {
-      'C', 'A', 'L',  0,    'G',  'E',  'O',  0,    '0',  '0',  '6', 0,   //
-      0,   0,   0x0F, 0x00, 0,    0,    0x0A, 0xA0,                       // source size
-      0,   0,   0xA1, 0xC9, 0,    0,    0x76, 0x1C,                       // source pels
-      0,   0,   0x06, 0x40, 0,    0,    0x06, 0x40,                       // target size
-      0,   0,   0x4C, 0xE5, 0,    0,    0x4C, 0xE5,                       // target pels
-      0,   0,   0,    1,    7,                                            // planes, background
-      0,   0,   0,    1,    0x3F, 0x80, 0,    0,    0xC0, 0x00, 0,   0,   // target: 1.0, -2.0
-      0,   0,   0,    1,    0x3F, 0x00, 0,    0,    0x42, 0xC8, 0,   0};  // actual: 0.5, 100.0
-  ASSERT_EQ(aRecord.size(), aExpected.size() + 4);
-  EXPECT_TRUE(std::equal(aExpected.begin(), aExpected.end(), aRecord.begin()));
-  const uint32_t nCrc = SlowCrc(aExpected.data(), aExpected.size());
-  EXPECT_THAT(ByteBlock(aRecord.end() - 4, aRecord.end()),
-              testing::ElementsAre(nCrc >> 24, (nCrc >> 16) & 255, (nCrc >> 8) & 255, nCrc & 255));
-}
-
 TEST(EncodeBrightness, BothFormsHoldTheSamplesWhereTheyBelong) {
   BrightnessTable oTable;
   for (const unsigned nKey : g_caIlluminationKeys)

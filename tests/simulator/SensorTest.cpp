@@ -126,23 +126,20 @@ TEST(Sensor, GainExposureAndMaskScaleTheLightAndWhiteIsTheEnd) {
   EXPECT_EQ(aBytes[nMid + 4 * oSettings.PlaneBytes()], aBytes[nMid + 5 * oSettings.PlaneBytes()]);
 }
 
-TEST(Sensor, BothPlaneOrdersOccurAndGiveTheSameDifference) {
-  ClScannerDescription oMixed = Scene("finger");
-  ClSensor oSensor(oMixed, 1);
-  const ClSensorSettings oSettings = Settings(oSensor, 38, 1.0 / 3.0);
-  int nLitFirst = 0;
-  for (uint64_t n = 0; n < 40; ++n) {
-    const auto aBytes = Sequence(oSensor, oSettings, n);
-    nLitFirst += (aBytes[0] & 15) != 0;
-    ASSERT_GT(Mean(Difference(aBytes)), 5.0);  // a wrong tag leaves next to nothing
-  }
-  EXPECT_GT(nLitFirst, 10);
-  EXPECT_LT(nLitFirst, 30);
-  for (const EPlaneOrder eOrder : {eOrderDarkFirst, eOrderLitFirst}) {
-    oMixed.eOrder = eOrder;
-    ClSensor oOrdered(oMixed, 1);
-    for (uint64_t n = 0; n < 20; ++n)
-      ASSERT_EQ((Sequence(oOrdered, oSettings, n)[0] & 15) != 0, eOrder == eOrderLitFirst);
+TEST(Sensor, BothPlaneOrdersOccurUnlessOneIsToldAndGiveTheSameDifference) {
+  ClScannerDescription oScanner = Scene("finger");
+  for (const auto& [eOrder, nLeast, nMost] : {std::tuple<EPlaneOrder, int, int>{eOrderMixed, 11, 29},
+                                              {eOrderDarkFirst, 0, 0},
+                                              {eOrderLitFirst, 40, 40}}) {
+    oScanner.eOrder = eOrder;
+    ClSensor oSensor(oScanner, 1);
+    int nLitFirst = 0;
+    for (uint64_t n = 0; n < 40; ++n) {
+      const auto aBytes = Sequence(oSensor, Settings(oSensor, 38, 1.0 / 3.0), n);
+      nLitFirst += (aBytes[0] & 15) != 0;
+      ASSERT_GT(Mean(Difference(aBytes)), 5.0);  // a wrong tag leaves next to nothing
+    }
+    EXPECT_TRUE(nLitFirst >= nLeast && nLitFirst <= nMost) << nLitFirst;
   }
 }
 
@@ -182,11 +179,8 @@ TEST(Sensor, RoomLightFollowsItsListFromPlaneToPlane) {
     oSettings.aMasks = {0, 0, 0};
     const std::vector<uint8_t> a = Sequence(oSensor, oSettings, 1, 1.0);
     std::vector<double> aLevels;
-    for (size_t n = 0; n < 3; ++n)
-      aLevels.push_back(std::accumulate(a.begin() + static_cast<ptrdiff_t>(n * oSettings.PlaneBytes()),
-                                        a.begin() + static_cast<ptrdiff_t>((n + 1) * oSettings.PlaneBytes()),
-                                        0.0) /
-                        static_cast<double>(oSettings.PlaneBytes()));
+    for (auto it = a.begin(); it != a.end(); it += static_cast<ptrdiff_t>(oSettings.PlaneBytes()))
+      aLevels.push_back(Mean(Plane(it, it + static_cast<ptrdiff_t>(oSettings.PlaneBytes()))));
     return aLevels;
   };
   const std::vector<double> aStill = Levels("20"), aBefore = Levels(R"([{"at": 2, "level": 20}])");
