@@ -111,8 +111,9 @@ VTSIM_API const char* VTSimLastError(void);
 /* Loads a scene: the name of a built-in one, the path of a JSON file, or JSON text (first character '{').
  * Open handles of scanners whose serial is in the new scene stay good and show the new scene from time 0;
  * other scanners count as unplugged. Faults of the old scene are forgotten. A scene that can't be read
- * changes nothing. A loaded scene holds until the next load or VTSimReset; without one, the environment variable
- * KELVARIN_VTSIM_SCENE is read by VTScanAPIInitialize, or before it by the first call here that sets something. */
+ * changes nothing. A loaded scene holds until the next load or VTSimReset; without one, the environment
+ * variable KELVARIN_VTSIM_SCENE is read by VTScanAPIInitialize, or before it by the first call here that sets
+ * something. */
 VTSIM_API long VTSimLoadScene(const char* szScene);
 
 /* Forgets the loaded scene and all faults, unplugs what is open, and starts afresh from the environment. */

@@ -25,9 +25,9 @@ class ClCalibrateBrightnessData {
 
   /// Replaces everything by what the stream holds from its position on.
   void Read(ClStream& oStream);
-  /// The legacy form, whatever was read. It has no place for the number of sample points: fewer than 64 stand plane
-  /// behind plane at the start of their block, which reads as 64 points and so does not come back the same. Errors:
-  /// -44 for more than 64 sample points.
+  /// The legacy form, whatever was read. It has no place for the number of sample points: fewer than 64 stand
+  /// plane behind plane at the start of their block, which reads as 64 points and so does not come back the
+  /// same. Errors: -44 for more than 64 sample points.
   void Write(ClStream& oStream);
   /// Drops samples and version; the number of sample points stays.
   void Clear();

@@ -13,8 +13,8 @@
 
 namespace {
 
-/// How far a surface may miss a value, against the largest one. Those of different points miss by less than 1e-9;
-/// points that nearly coincide and differ in their values have none, and what comes out is large noise.
+/// How far a surface may miss a value, against the largest one. Those of different points miss by less than
+/// 1e-9; points that nearly coincide and differ in their values have none, and what comes out is large noise.
 constexpr double cdMostMiss = 1e-4;
 
 void Expect(bool bTrue, const char* szText) {
@@ -120,7 +120,8 @@ long ClIpInterpolate2DBase::ProcessType() {
       dLargest = std::max(dLargest, std::fabs(oSystem(i, j)));
     }
   }
-  // What rounding leaves of a pivot that is 0. Points as far apart as a scanner's stay above 1e-4 of the largest.
+  // What rounding leaves of a pivot that is 0. Points as far apart as a scanner's stay above 1e-4 of the
+  // largest.
   const double dRounding = static_cast<double>(nPoints) * std::numeric_limits<double>::epsilon();
   if (!oSystem.Factorize(dLargest * dRounding)) return -44;
   const std::vector<int> aX = CornersOf(nInTargetWidth, m_nBlockSize);

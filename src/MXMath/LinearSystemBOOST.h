@@ -27,8 +27,8 @@ class TpLinearSystem : private boost::noncopyable {
   /// Row i and column j, until Factorize.
   T& operator()(size_t i, size_t j) { return m_oMatrix(i, j); }
 
-  /// With partial pivoting. False when the equations have no single solution, which rounding may hide: a pivot
-  /// that should be 0 then is a small one. One of at most tMostZero counts as 0.
+  /// With partial pivoting. False when the equations have no single solution, which rounding may hide: a
+  /// pivot that should be 0 then is a small one. One of at most tMostZero counts as 0.
   bool Factorize(T tMostZero = T(0)) {
     try {
       if (boost::numeric::ublas::lu_factorize(m_oMatrix, m_oPermutation) != 0) return false;

@@ -206,7 +206,7 @@ TEST(Dots, OneOffThePatternUsesUpNoIdealPoint) {
 
 TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
   ClDonut oDonut;
-  // Beside one corner a dot alone; beyond the opposite one a chain, whose second dot holds on by the last one only.
+  // Beside one corner a dot alone; beyond the opposite one a chain, whose first holds on by the second.
   std::vector<ClVector> aPlaces = Ideal();
   for (const double d : {-1.2, 8.2, 9.4}) aPlaces.emplace_back(500 + d * cdPitchX, 300 + d * cdPitchY);
   ClFound oFound(oDonut, aPlaces);
@@ -221,8 +221,8 @@ TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
 
 TEST(Dots, NeighboursInWrongDirectionsAreForgotten) {
   ClDonut oDonut;
-  // Right, below, left and above, all turned by 0.1. The fifth lies at a right angle to nothing, and the sixth, little
-  // as it lacks, counts from the eighth before, since eighths are cut.
+  // Right, below, left and above, all turned by 0.1. The fifth lies at a right angle to nothing, and the
+  // sixth, little as it lacks, counts from the eighth before, since eighths are cut.
   ClDot oDot(ClVector(0, 0));
   std::vector<ClDot> aOthers;
   for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.1416, 0.1 + 4.7124, 1.25, 0.05 + 1.5708})

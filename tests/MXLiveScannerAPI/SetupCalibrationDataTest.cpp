@@ -226,8 +226,8 @@ TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
     }
   }
   ExpectRepair(oSetup, {{3, {0, 28}}}, {{3, {0, 28}}});
-  // Two in a column: row 1 goes half way to the 100 of row 2, row 2 half way between that and the 40 of row 3, row 3
-  // half way to row 4; row 4 is 11.25 off then and stays.
+  // Two in a column: row 1 goes half way to the 100 of row 2, row 2 half way between that and the 40 of row
+  // 3, row 3 half way to row 4; row 4 is 11.25 off then and stays.
   ExpectRepair(oSetup, {{18, {100, 0}}, {19, {40, 0}}}, {{17, {50, 0}}, {18, {45, 0}}, {19, {22.5, 0}}});
 }
 
