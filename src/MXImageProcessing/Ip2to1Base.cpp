@@ -42,11 +42,12 @@ SampleWriter WriterOf(const ClImage& oImage) {
   return pfnWriter;
 }
 
-// The loops stay out of the 512 functions that call them: there are 64 copies and 8 fills.
+bool IsElementType(const ClImage& oImage) {
+  return DispatchElementType(oImage.DataType(), -101, [](auto) { return 0L; }) == 0;
+}
 
-/// Copies an image onto the canvas, one plane onto all three where the canvas has three.
 template <typename T, typename V>
-[[gnu::noinline]] void CopyOntoCanvas(const ClImage& oIn, ClImage& oCanvas, long nX, long nY) {
+void CopyRowsOntoCanvas(const ClImage& oIn, ClImage& oCanvas, long nX, long nY) {
   const long nPlanes = oIn.Planes();
   const long nCanvasPlanes = oCanvas.Planes();
   if (nPlanes != nCanvasPlanes && !(nPlanes == 1 && nCanvasPlanes == 3)) return;
@@ -60,8 +61,19 @@ template <typename T, typename V>
   }
 }
 
+/// Copies an image onto the canvas, one plane onto all three where the canvas has three.
+void CopyOntoCanvas(const ClImage& oIn, ClImage& oCanvas, long nX, long nY) {
+  DispatchElementType(oIn.DataType(), 0, [&](auto oElement) {
+    using T = typename decltype(oElement)::Type;
+    return DispatchElementType(oCanvas.DataType(), 0, [&](auto oCanvasElement) {
+      CopyRowsOntoCanvas<T, typename decltype(oCanvasElement)::Type>(oIn, oCanvas, nX, nY);
+      return 0L;
+    });
+  });
+}
+
 template <typename V>
-[[gnu::noinline]] void FillCanvas(ClImage& oCanvas, double dColor, const double (&aPlaneColors)[4]) {
+void FillRows(ClImage& oCanvas, double dColor, const double (&aPlaneColors)[4]) {
   const int nPlanes = oCanvas.Planes();
   for (int y = 0; y < oCanvas.Height(); ++y) {
     V* pRow = oCanvas.Row<V>(y);
@@ -73,15 +85,24 @@ template <typename V>
   }
 }
 
+void FillCanvas(ClImage& oCanvas, double dColor, const double (&aPlaneColors)[4]) {
+  DispatchElementType(oCanvas.DataType(), 0, [&](auto oElement) {
+    FillRows<typename decltype(oElement)::Type>(oCanvas, dColor, aPlaneColors);
+    return 0L;
+  });
+}
+
 bool PlanesFit(const ClImage& oIn1, const ClImage& oIn2) {
   return oIn1.Planes() == oIn2.Planes() || (oIn1.Planes() == 3 && oIn2.Planes() == 1);
 }
 
-/// For planes that no rule will write: what a fresh block holds must not get out.
-template <typename V>
-[[gnu::noinline]] void ClearOverlap(ClImage& oCanvas, long nStart, long nWidth, long nHeight) {
+/// For planes that no rule will write: what a fresh block holds must not get out. All types have their 0 in
+/// bytes of 0.
+void ClearOverlap(ClImage& oCanvas, long nStart, long nWidth, long nHeight) {
+  const long nSize = oCanvas.ElementSize();
   for (long y = 0; y < nHeight; ++y) {
-    std::fill_n(oCanvas.Row<V>(0) + nStart + y * oCanvas.ElementsPerRow(), nWidth * oCanvas.Planes(), V{0});
+    std::fill_n(oCanvas.Data() + (nStart + y * oCanvas.ElementsPerRow()) * nSize,
+                nWidth * oCanvas.Planes() * nSize, static_cast<unsigned char>(0));
   }
 }
 
@@ -160,10 +181,8 @@ long ClIp2to1Base::Process() {
   ClImage& oTarget = pOutImage == pInImage1 || pOutImage == pInImage2 ? m_oScratch : *pOutImage;
   oTarget.NewWithType(*pInImage1,
                       OutImageType == ClImage::cnTypeDefault ? pInImage1->DataType() : OutImageType);
-  const long nPrepared = DispatchElementType(pInImage1->DataType(), -101, [&](auto oElement) {
-    return Dispatch1<typename decltype(oElement)::Type>(oTarget);
-  });
-  if (nPrepared != 0) return nPrepared;
+  if (!IsElementType(*pInImage1) || !IsElementType(*pInImage2) || !IsElementType(oTarget)) return -101;
+  PrepareOverlay(oTarget);
   const long nResult =
       DoProcess(*pInImage1, *pInImage2, oTarget, m_nOverlapWidth, m_nOverlapHeight, pInImage1->Planes(),
                 pInImage2->Planes(), m_nOverlapStart1, pInImage1->ElementsPerRow(), m_nOverlapStart2,
@@ -192,33 +211,17 @@ void ClIp2to1Base::MakeCanvas(ClImage& oTarget) const {
                       pInImage1->Planes(), pInImage1->PelsX(), pInImage1->PelsY(), true);
 }
 
-template <typename T>
-long ClIp2to1Base::Dispatch1(ClImage& oTarget) {
-  return DispatchElementType(pInImage2->DataType(), -101, [&](auto oElement) {
-    return Dispatch2<T, typename decltype(oElement)::Type>(oTarget);
-  });
-}
-
-template <typename T, typename U>
-long ClIp2to1Base::Dispatch2(ClImage& oTarget) {
-  return DispatchElementType(oTarget.DataType(), -101, [&](auto oElement) {
-    return ProcessOverlayPreparations<T, U, typename decltype(oElement)::Type>(oTarget);
-  });
-}
-
-template <typename T, typename U, typename V>
-long ClIp2to1Base::ProcessOverlayPreparations(ClImage& oTarget) {
+void ClIp2to1Base::PrepareOverlay(ClImage& oTarget) {
   MakeCanvas(oTarget);
   if (IsOverlaid()) {
-    FillCanvas<V>(oTarget, FillColor, m_aPlaneFillColors);
-    CopyOntoCanvas<T, V>(*pInImage1, oTarget, std::max(0L, -OffsetX), std::max(0L, -OffsetY));
-    CopyOntoCanvas<U, V>(*pInImage2, oTarget, std::max(0L, OffsetX), std::max(0L, OffsetY));
+    FillCanvas(oTarget, FillColor, m_aPlaneFillColors);
+    CopyOntoCanvas(*pInImage1, oTarget, std::max(0L, -OffsetX), std::max(0L, -OffsetY));
+    CopyOntoCanvas(*pInImage2, oTarget, std::max(0L, OffsetX), std::max(0L, OffsetY));
   }
   SetOverlap(oTarget);
   if (!PlanesFit(*pInImage1, *pInImage2)) {
-    ClearOverlap<V>(oTarget, m_nOverlapStartOut, m_nOverlapWidth, m_nOverlapHeight);
+    ClearOverlap(oTarget, m_nOverlapStartOut, m_nOverlapWidth, m_nOverlapHeight);
   }
-  return 0;
 }
 
 void ClIp2to1Base::SetOverlap(const ClImage& oTarget) {

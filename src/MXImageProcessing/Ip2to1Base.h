@@ -63,12 +63,8 @@ class ClIp2to1Base : public ClProcessorBase {
   void DescribePlacement(ClParameterInterface& oInterface);
 
  private:
-  template <typename T>
-  long Dispatch1(ClImage& oTarget);
-  template <typename T, typename U>
-  long Dispatch2(ClImage& oTarget);
-  template <typename T, typename U, typename V>
-  long ProcessOverlayPreparations(ClImage& oTarget);
+  /// Makes the canvas with what lies outside the overlap on it.
+  void PrepareOverlay(ClImage& oTarget);
   void MakeCanvas(ClImage& oTarget) const;
   void SetOverlap(const ClImage& oTarget);
   bool IsOverlaid() const;

@@ -6,10 +6,9 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleDelta {
-  template <typename T, typename U, typename V>
-  using Working = TpWorkingDifference<T, U, V>;
   static constexpr ByteRule cpfnBytes = MXKernels::AbsoluteDifferenceRow;
 
+  static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 < 4 && nSize2 < 4; }
   template <typename W>
   static W Apply(W nA, W nB) {
     // NaN takes the second way and stays NaN.

@@ -7,13 +7,10 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleMultiply {
-  /// 32 bits hold the product of two bytes, or of a byte and a word, but not of two unsigned words.
-  template <typename T, typename U, typename V>
-  using Working =
-      std::conditional_t<cbAnyFloating<T, U, V>, double,
-                         std::conditional_t<(sizeof(T) + sizeof(U) < 4 && sizeof(V) < 4), int32_t, int64_t>>;
   static constexpr ByteRule cpfnBytes = nullptr;
 
+  /// The product of two bytes, or of a byte and a word, but not of two unsigned words.
+  static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 + nSize2 < 4; }
   template <typename W>
   static W Apply(W nA, W nB) {
     if constexpr (std::is_same_v<W, int64_t>) {

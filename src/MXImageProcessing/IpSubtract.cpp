@@ -8,29 +8,15 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleSubtract {
-  template <typename T, typename U, typename V>
-  using Working = TpWorkingDifference<T, U, V>;
   static constexpr ByteRule cpfnBytes = MXKernels::SubtractSaturated;
 
+  static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 < 4 && nSize2 < 4; }
   template <typename W>
   static W Apply(W nA, W nB) {
     return nA - nB;
   }
 };
 template class TpIp2to1Rule<ClRuleSubtract>;
-
-namespace {
-
-/// The bound as the output can hold it.
-double CutToType(double dBound, unsigned char nType) {
-  DispatchElementType(nType, -101, [&](auto oElement) {
-    dBound = static_cast<double>(ElementFromDouble<typename decltype(oElement)::Type>(dBound));
-    return 0L;
-  });
-  return dBound;
-}
-
-}  // namespace
 
 ClProcessorBase* ClIpSubtract::Create() const {
   return NewProcessor<ClIpSubtract>();
@@ -69,8 +55,8 @@ ClIpSubtract::ClLimits ClIpSubtract::Limits(const ClImage& oIn1, const ClImage& 
     case InputDependent:
       return {oIn1.Black() - oIn2.White(), oIn1.White() - oIn2.Black()};
     case UserDependent: {
-      const ClLimits oBounds{CutToType(m_dLowerBound, oOut.DataType()),
-                             CutToType(m_dUpperBound, oOut.DataType())};
+      const ClLimits oBounds{CutToElementType(m_dLowerBound, oOut.DataType()),
+                             CutToElementType(m_dUpperBound, oOut.DataType())};
       oOut.SetBlackWhite(oBounds.m_dLower, oBounds.m_dUpper);
       return oBounds;
     }

@@ -1,4 +1,4 @@
-// The two-image processors whose rule is compiled into the loop: dispatch, limits and loop that they share.
+// The two-image processors whose rule is compiled into the loop: working type, limits and loop that they share.
 #pragma once
 
 #include "MXImageProcessing/Ip2to1Base.h"
@@ -7,15 +7,17 @@ struct ClOverlap;
 
 /// Applies TRule to each pair of samples and limits the result.
 ///
-/// TRule says in what type the rule works (Working<T, U, V>), what it is (Apply) and, where there is one, which
-/// kernel does the same on bytes under limits of 0 and 255 (cpfnBytes). A processor with a new rule derives from
-/// this class and instantiates it in its own source, which includes TpIp2to1RuleImpl.h.
+/// TRule says what the rule is (Apply), for inputs of how many bytes 32 bits hold its result (ResultFitsIn32Bits)
+/// and, where there is one, which kernel does the same on bytes under limits of 0 and 255 (cpfnBytes). The rule
+/// works in 64-bit floats if any image is floating, else in integers of 32 or 64 bits that hold every result and
+/// limit. A processor with a new rule derives from this class and instantiates it in its own source, which
+/// includes TpIp2to1RuleImpl.h.
 ///
 /// Domain   as the base.
 /// Range    mathematically the rule's result, limited, then cut toward zero for integer outputs. NaN becomes the
 ///          lower limit of an integer output.
 /// Threads  thread-bound.
-/// Cost     one pass; the types are resolved once a call. One plane beside three is first spread to three.
+/// Cost     one pass by strips; the types are resolved once a call. One plane beside three is first spread to three.
 template <class TRule>
 class TpIp2to1Rule : public ClIp2to1Base {
  protected:
@@ -35,13 +37,10 @@ class TpIp2to1Rule : public ClIp2to1Base {
   static ClLimits LimitsOf(const ClImage& oOut);
 
  private:
-  template <typename T>
-  static long DispatchDefault(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
-                              const ClOverlap& oOverlap, const ClLimits& oLimits);
-  template <typename T, typename U>
-  static long DispatchDefault2(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
-                               const ClOverlap& oOverlap, const ClLimits& oLimits);
-  template <typename T, typename U, typename V>
-  static long Default(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap,
-                      const ClLimits& oLimits);
+  static bool IsForKernel(const ClImage& oIn1, const ClImage& oIn2, const ClImage& oOut,
+                          const ClLimits& oLimits);
+  static long RunKernel(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap);
+  template <typename W>
+  static long Run(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut, const ClOverlap& oOverlap,
+                  const ClLimits& oLimits);
 };

@@ -69,16 +69,16 @@ struct ClProcessorNames {
 };
 TYPED_TEST_SUITE(TwoImageRule, TwoImageProcessors, ClProcessorNames);
 
-TYPED_TEST(TwoImageRule, HoldsForEveryMixOfTheEightTypesWithOneAndThreePlanesInRowsThatAreNotAligned) {
+TYPED_TEST(TwoImageRule, HoldsForEveryMixOfTheEightTypesAndOfPlanesInLongRowsThatAreNotAligned) {
   std::mt19937 oRandom(11);
   for (int nMix = 0; nMix < 512; ++nMix) {
     const unsigned char nType1 = g_aTypes[nMix / 64], nType2 = g_aTypes[nMix / 8 % 8],
                         nTypeOut = g_aTypes[nMix % 8];
     const int nPlanes1 = nMix % 3 == 0 ? 3 : 1, nPlanes2 = nMix % 2 == 0 ? 1 : nPlanes1;
     ClImage oIn1, oAligned, oIn2, oOut;
-    SetRandomOfType(oIn1, nType1, 37, 2, oRandom, nPlanes1);
-    SetRandomOfType(oAligned, nType2, 37, 2, oRandom, nPlanes2);
-    oIn2.NewWithType(nType2, 37, 2, nPlanes2, 0, 0, false);
+    SetRandomOfType(oIn1, nType1, 259, 2, oRandom, nPlanes1);
+    SetRandomOfType(oAligned, nType2, 259, 2, oRandom, nPlanes2);
+    oIn2.NewWithType(nType2, 259, 2, nPlanes2, 0, 0, false);
     for (int y = 0; y < 2; ++y) {
       std::memcpy(oIn2.Row<uint8_t>(y), oAligned.Row<uint8_t>(y), static_cast<size_t>(oIn2.RowBytes()));
     }
