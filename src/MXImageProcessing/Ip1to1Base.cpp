@@ -41,7 +41,7 @@ long ClIp1to1Base::Process() {
   oTarget.NewWithType(*m_pInImage,
                       m_nOutImageType == ClImage::cnTypeDefault ? m_pInImage->DataType() : m_nOutImageType);
   const long nResult = DoProcess(*m_pInImage, oTarget);
-  m_pOutImage->Swap(oTarget);
+  oTarget.HandOver(*m_pOutImage);
   return nResult;
 }
 

@@ -187,7 +187,7 @@ long ClIp2to1Base::Process() {
       DoProcess(*pInImage1, *pInImage2, oTarget, m_nOverlapWidth, m_nOverlapHeight, pInImage1->Planes(),
                 pInImage2->Planes(), m_nOverlapStart1, pInImage1->ElementsPerRow(), m_nOverlapStart2,
                 pInImage2->ElementsPerRow(), m_nOverlapStartOut, oTarget.ElementsPerRow());
-  pOutImage->Swap(oTarget);
+  oTarget.HandOver(*pOutImage);
   return nResult;
 }
 

@@ -58,26 +58,30 @@ class ClIpFilterBase : public ClProcessorBase {
   /// Runs fnFirst, then fnSecond on its result as the input; the pointers are as before in the end.
   template <typename TFirst, typename TSecond>
   long ProcessTwice(TFirst&& fnFirst, TSecond&& fnSecond) {
-    long nResult = fnFirst();
+    ClImagesGuard oGuard(*this);
+    m_pOutImage = &m_oIntermediate;
+    const long nResult = fnFirst();
     if (nResult != 0) return nResult;
-    // Between runs this image keeps a block of the right size, which the second pass then writes into.
-    m_oIntermediate.Swap(*m_pOutImage);
-    ClInputGuard oGuard(*this);
     m_pInImage = &m_oIntermediate;
+    m_pOutImage = oGuard.m_pOutput;
     return fnSecond();
   }
 
  private:
-  class ClInputGuard {
+  class ClImagesGuard {
    public:
-    explicit ClInputGuard(ClIpFilterBase& oFilter) : m_oFilter(oFilter), m_pInput(oFilter.m_pInImage) {}
-    ~ClInputGuard() { m_oFilter.m_pInImage = m_pInput; }
-    ClInputGuard(const ClInputGuard&) = delete;
-    ClInputGuard& operator=(const ClInputGuard&) = delete;
+    explicit ClImagesGuard(ClIpFilterBase& oFilter)
+        : m_oFilter(oFilter), m_pInput(oFilter.m_pInImage), m_pOutput(oFilter.m_pOutImage) {}
+    ~ClImagesGuard() {
+      m_oFilter.m_pInImage = m_pInput;
+      m_oFilter.m_pOutImage = m_pOutput;
+    }
+    ClImagesGuard(const ClImagesGuard&) = delete;
+    ClImagesGuard& operator=(const ClImagesGuard&) = delete;
 
-   private:
     ClIpFilterBase& m_oFilter;
-    ClImage* m_pInput;
+    ClImage* const m_pInput;
+    ClImage* const m_pOutput;
   };
 
   ClImage m_oIntermediate;

@@ -217,7 +217,7 @@ long ClIpRescale::Process() {
   if (m_bFastCubic) m_dConvParameter1 = -m_dConvParameter1;
   if (m_pInImage != m_pOutImage) return ProcessPlanes(*m_pOutImage);
   const long nResult = ProcessPlanes(m_oInPlace);
-  if (nResult == 0) m_pOutImage->Swap(m_oInPlace);
+  if (nResult == 0) m_oInPlace.HandOver(*m_pOutImage);
   return nResult;
 }
 

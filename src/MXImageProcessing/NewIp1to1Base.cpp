@@ -46,7 +46,7 @@ long ClIp1to1Base::Process() {
   ClImage& oTarget = m_pOutImage == m_pInImage ? m_oScratch : *m_pOutImage;
   AllocateOutImage(oTarget);
   const long nResult = DoProcess(*m_pInImage, oTarget);
-  m_pOutImage->Swap(oTarget);
+  oTarget.HandOver(*m_pOutImage);
   return nResult;
 }
 

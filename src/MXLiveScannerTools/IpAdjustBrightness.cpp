@@ -119,7 +119,7 @@ long ClIpAdjustBrightness::Process() {
   if (bOverInput) {
     // The old block may be shared, so that nothing is written into it: the image gets the new one.
     m_oScratch.SetTag(m_pOutImage->Tag());
-    m_pOutImage->Swap(m_oScratch);
+    m_oScratch.HandOver(*m_pOutImage);
   }
   return 0;
 }

@@ -65,7 +65,7 @@ long ClIpLocalWhiteBalance::Process() {
     }
   });
   if (nResult == cnUnknown) KLV_RAISE(ClException, "illegal input image type; should never happen", -103);
-  m_pOutImage->Swap(oTarget);
+  oTarget.HandOver(*m_pOutImage);
   return nResult;
 }
 

@@ -119,7 +119,7 @@ long ClIpSubsampleFilterBase::ProcessX() {
     MXKernels::ResampleRow(m_pInImage->Row<uint8_t>(nY), m_oAcross.aWindows.data(), m_oAcross.aWeights.data(),
                            static_cast<size_t>(nNewWidth), oOut.Row<uint8_t>(nY));
   }
-  m_pOutImage->Swap(oOut);
+  oOut.HandOver(*m_pOutImage);
   return 0;
 }
 
@@ -127,7 +127,7 @@ long ClIpSubsampleFilterBase::ProcessY() {
   PrepareAxis(m_oDown, m_pInImage->Height(), nNewHeight);
   ClImage& oOut = NewOutput();
   for (int nY = 0; nY < nNewHeight; ++nY) FilterColumn(nY, oOut.Row<uint8_t>(nY));
-  m_pOutImage->Swap(oOut);
+  oOut.HandOver(*m_pOutImage);
   return 0;
 }
 
@@ -141,6 +141,6 @@ long ClIpSubsampleFilterBase::ProcessBoth() {
     MXKernels::ResampleRow(m_aLine.data(), m_oAcross.aWindows.data(), m_oAcross.aWeights.data(),
                            static_cast<size_t>(nNewWidth), oOut.Row<uint8_t>(nY));
   }
-  m_pOutImage->Swap(oOut);
+  oOut.HandOver(*m_pOutImage);
   return 0;
 }

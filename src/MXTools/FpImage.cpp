@@ -214,6 +214,12 @@ void ClImage::Swap(ClImage& oOther) {
   std::swap(m_nTag, oOther.m_nTag);
 }
 
+void ClImage::HandOver(ClImage& oOther) {
+  if (&oOther == this) return;
+  Swap(oOther);
+  if (boost::get_deleter<void_deleter>(m_pData) != nullptr) Initialize();
+}
+
 size_t ClImage::RowBytes() const {
   int64_t nRowBytes = 0;
   if (!RowBytesOf(m_nType, m_nWidth, m_nPlanes, m_bAlignedRows, nRowBytes) || nRowBytes < 0) return 0;

@@ -5,12 +5,23 @@
 #include <cstdio>
 #include <memory>
 
+#include "CallersBlock.h"
 #include "MXImageProcessing/IpAnd.h"
+#include "MXImageProcessing/IpBinarizeGlobal.h"
+#include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpConvertDataType.h"
+#include "MXImageProcessing/IpCut.h"
 #include "MXImageProcessing/IpDelta.h"
+#include "MXImageProcessing/IpFilterGauss.h"
+#include "MXImageProcessing/IpFilterMax.h"
+#include "MXImageProcessing/IpFilterMid.h"
+#include "MXImageProcessing/IpFilterMin.h"
+#include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpJoinPlanes.h"
+#include "MXImageProcessing/IpMoveImage.h"
 #include "MXImageProcessing/IpMultiply.h"
+#include "MXImageProcessing/IpRescale.h"
 #include "MXImageProcessing/IpSaturate.h"
 #include "MXImageProcessing/IpScale.h"
 #include "MXImageProcessing/IpSplitPlanes.h"
@@ -201,6 +212,51 @@ TEST(GenericLoop, OfTheOlderBaseServesEveryPairOfTypesInPlaceToo) {
   EXPECT_EQ(oHalf.Apply(), -10);
   EXPECT_EQ(oHalf.ApplyParam(oEmpty, oOut, ClImage::cnTypeDefault), -10);
   EXPECT_EQ(oHalf.ApplyParam(oByte, oOut, 3), -101);
+}
+
+TEST(Processor, LetsGoOfABlockThatItsCallerLentForOneRun) {
+  ClIpAnd oAnd;
+  ClIpBinarizeGlobal oGlobal;
+  ClIpBinarizeLocal2 oLocal;
+  ClIpConvertDataType oConvert;
+  ClIpCut oCut;
+  ClIpFilterGauss oGauss;
+  ClIpFilterMax oMax;
+  ClIpFilterMid oMid;
+  ClIpFilterMin oMin;
+  ClIpFlip oFlip;
+  ClIpInvert oInvert;
+  ClIpMoveImage oMove;
+  ClIpRescale oRescale;
+  ClIpSaturate oSaturate;
+  ClIpScale oScale;
+  ClIpSubtract oFirst, oSecond;
+  ClImage oIn(20, 16, 1, 19685, 19685);
+  oIn = static_cast<unsigned char>(20);
+  constexpr long cnXY = ClIpFilterBase::eModeXY;
+  constexpr unsigned char cnDefault = ClImage::cnTypeDefault;
+  const ClKeptProcessor aProcessors[] = {
+      {"And", [&](ClImage& o) { return oAnd.ApplyParam(o, oIn, o, cnDefault); }},
+      {"BinarizeGlobal", [&](ClImage& o) { return oGlobal.ApplyParam(o, o, 30.0); }},
+      {"BinarizeLocal2", [&](ClImage& o) { return oLocal.ApplyParam(o, o, 3, 3, 0); }},
+      {"ConvertDataType", [&](ClImage& o) { return oConvert.ApplyParam(o, ClImage::eInt8); }},
+      {"Cut", [&](ClImage& o) { return oCut.ApplyParam(o, 0, o); }},
+      {"FilterGauss", [&](ClImage& o) { return oGauss.ApplyParam(oIn, o, 1.0, 5); }},
+      {"FilterMax", [&](ClImage& o) { return oMax.ApplyParam(oIn, o, 3, cnXY); }},
+      {"FilterMid", [&](ClImage& o) { return oMid.ApplyParam(oIn, o, 3); }},
+      {"FilterMin", [&](ClImage& o) { return oMin.ApplyParam(oIn, o, 3, cnXY); }},
+      {"Flip", [&](ClImage& o) { return oFlip.ApplyParam(o, o, true, true); }},
+      {"Invert", [&](ClImage& o) { return oInvert.ApplyParam(o); }},
+      {"MoveImage", [&](ClImage& o) { return oMove.ApplyParam(o, o, 1, 1, 0); }},
+      {"Rescale",
+       [&](ClImage& o) { return oRescale.ApplyParamSize(o, o, 16, 20, ClIpRescale::ModeNearestNeighbour); }},
+      {"Saturate", [&](ClImage& o) { return oSaturate.ApplyParam(o, o, 10, 40); }},
+      {"Scale", [&](ClImage& o) { return oScale.ApplyParam(o, 2.0); }},
+      {"Subtract over its first image", [&](ClImage& o) { return oFirst.ApplyParam(o, oIn, o, cnDefault); }},
+      {"Subtract over its second image",
+       [&](ClImage& o) { return oSecond.ApplyParam(oIn, o, o, cnDefault); }},
+  };
+  for (const ClKeptProcessor& oProcessor : aProcessors) ExpectTheCallersBlockIsLetGo(oProcessor);
 }
 
 TEST(ParameterLists, OfTheProcessorsNameOneSetOfMembers) {

@@ -1,4 +1,5 @@
 // Tests of the brightness adjustment, the local white balance and the parting of a mosaic.
+#include "../MXImageProcessing/CallersBlock.h"
 #include "../MXImageProcessing/ParameterLists.h"
 #include "../MXImageProcessing/TestImages.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
@@ -135,6 +136,18 @@ TEST(AdjustBrightness, ErrorsHaveTheirNumbers) {
     oAdjust.m_nInAdjustmentMin = dMinimum;
     EXPECT_EQ(Region(0, 0, 2, 2), -35);
   }
+}
+
+TEST(KeptSensorTools, LetGoOfABlockThatTheirCallerLentForOneRun) {
+  ClIpAdjustBrightness oOverInput, oOverReference;
+  ClIpLocalWhiteBalance oBalance;
+  ClImage oOther(20, 16, 1, 19685, 19685);
+  oOther = static_cast<unsigned char>(80);
+  ExpectTheCallersBlockIsLetGo(
+      {"over the input", [&](ClImage& o) { return oOverInput.ApplyParam(o, oOther, o, 100.0); }});
+  ExpectTheCallersBlockIsLetGo(
+      {"over the reference", [&](ClImage& o) { return oOverReference.ApplyParam(oOther, o, o, 100.0); }});
+  ExpectTheCallersBlockIsLetGo({"balance", [&](ClImage& o) { return oBalance.ApplyParam(o); }});
 }
 
 TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {

@@ -6,6 +6,7 @@
 #include <random>
 #include <vector>
 
+#include "../MXImageProcessing/CallersBlock.h"
 #include "MXLiveScannerTools/TpIpSubsampleFilter.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
@@ -109,6 +110,12 @@ TEST(SubsampleFilter, AFilterIsUsedForImagesOfSeveralSizesAndInPlace) {
   EXPECT_TRUE(oFirst.HasSize(32, 20));
   EXPECT_EQ(std::vector<uint8_t>(oSecond.Data(), oSecond.Data() + oSecond.DataBytes()),
             std::vector<uint8_t>(oExpected.Data(), oExpected.Data() + oExpected.DataBytes()));
+}
+
+TEST(SubsampleFilter, LetsGoOfABlockThatItsCallerLentForOneRun) {
+  ClFilter oAcross, oBoth;
+  ExpectTheCallersBlockIsLetGo({"across", [&](ClImage& o) { return oAcross.ApplyParam(o, o, 17, 16); }});
+  ExpectTheCallersBlockIsLetGo({"both", [&](ClImage& o) { return oBoth.ApplyParam(o, o, 16, 20); }});
 }
 
 TEST(SubsampleFilter, RefusesWhatItCannotResize) {
