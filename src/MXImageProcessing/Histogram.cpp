@@ -33,8 +33,7 @@ void ClHistogram::Create(const ClImage& oImage, int nX0, int nY0, int nX1, int n
   nY0 = std::max(nY0, 0);
   nX1 = std::min(nX1, oImage.Width());
   nY1 = std::min(nY1, oImage.Height());
-  if (nX0 >= nX1) return;
-  for (int y = nY0; y < nY1; ++y) {
+  for (int y = nY0; nX0 < nX1 && y < nY1; ++y) {
     MXKernels::HistogramRow(oImage.Row<uint8_t>(y) + nX0, static_cast<size_t>(nX1 - nX0), m_aCounts);
   }
   if (oImage.IsSigned()) {

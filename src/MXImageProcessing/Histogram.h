@@ -24,7 +24,7 @@ class ClHistogram {
   /// The rectangle [nX0, nX1) by [nY0, nY1), clamped to the image.
   void Create(const ClImage& oImage, int nX0, int nY0, int nX1, int nY1);
 
-  /// First and last bin that isn't empty, less the shift; 255 and 0 when all are.
+  /// First and last bin that isn't empty, 255 and 0 when all are; less the shift.
   int FirstValue() const;
   int LastValue() const;
   int MaxCount() const;

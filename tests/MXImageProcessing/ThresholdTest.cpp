@@ -69,6 +69,8 @@ TEST(Histogram, SignedImagesAreShiftedBy128) {
   EXPECT_DOUBLE_EQ(oHistogram.GetGreyMid(0, 255), -1.0);
   EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(1), 255.0);
   EXPECT_DOUBLE_EQ(oHistogram.GetDarkestAvrg(2), (0 + 125) / 2.0);
+  oHistogram.Create(oImage, 90, 0, 99, 1);
+  EXPECT_EQ(oHistogram.Offset(), 128) << "of a rectangle outside the image";
 }
 
 TEST(Histogram, MeansAndDeviationsAreThoseOfTheSamples) {
