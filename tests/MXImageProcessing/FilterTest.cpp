@@ -7,8 +7,6 @@
 #include "MXImageProcessing/IpFilterMax.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
 
 namespace {
 
@@ -33,15 +31,10 @@ T Largest(const std::vector<T>& aWindow) {
 template <typename T>
 void ExpectFiltered(const ClImage& oIn, const ClImage& oOut, long nHalfX, long nHalfY,
                     T (*pfnPick)(const std::vector<T>&)) {
+  SCOPED_TRACE(testing::Message() << "half window " << nHalfX << " by " << nHalfY);
   ASSERT_EQ(oOut.DataType(), oIn.DataType());
   ASSERT_TRUE(oOut.HasSize(oIn.Width(), oIn.Height()));
-  for (int y = 0; y < oIn.Height(); ++y) {
-    for (int x = 0; x < oIn.Width(); ++x) {
-      ASSERT_EQ(oOut.Row<T>(y)[x], pfnPick(Window<T>(oIn, x, y, nHalfX, nHalfY)))
-          << "at " << x << ", " << y << " of " << oIn.Width() << " by " << oIn.Height() << ", half window "
-          << nHalfX << " by " << nHalfY;
-    }
-  }
+  ExpectSamples<T>(oOut, [&](int x, int y, int) { return pfnPick(Window<T>(oIn, x, y, nHalfX, nHalfY)); });
 }
 
 const long g_aWidths[] = {3, 5, 9, 15, 41};
@@ -73,23 +66,8 @@ TYPED_TEST(Filters, MinimumAndMaximumAreThoseOfTheClippedWindow) {
   }
 }
 
-TYPED_TEST(Filters, TheMeanIsThatOfTheClippedWindowCutTowardZero) {
+TYPED_TEST(Filters, TheMeanIsThatOfTheWindowThatIsClippedOrAlongOneAxisShrinksToTheLargestOddOneThatFits) {
   std::mt19937 oRandom(4);
-  ClIpFilterMid oMid;
-  for (const auto& [nWidth, nHeight] : g_aSizes) {
-    ClImage oIn, oOut;
-    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
-    for (const long nFilter : {5L, 9L, 15L}) {
-      ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeXY), 0);
-      const bool bFits = nWidth >= nFilter && nHeight >= nFilter;
-      const long nHalf = bFits ? nFilter / 2 : 0;
-      ExpectFiltered<TypeParam>(oIn, oOut, nHalf, nHalf, Mean<TypeParam>);
-    }
-  }
-}
-
-TYPED_TEST(Filters, AlongOneAxisTheMeansWindowShrinksToTheLargestOddOneThatFits) {
-  std::mt19937 oRandom(5);
   ClIpFilterMid oMid;
   for (const auto& [nWidth, nHeight] : g_aSizes) {
     ClImage oIn, oOut;
@@ -105,6 +83,11 @@ TYPED_TEST(Filters, AlongOneAxisTheMeansWindowShrinksToTheLargestOddOneThatFits)
       const long nResultY = oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeY);
       EXPECT_EQ(nResultY, nHeight == 1 ? -101 : 0);
       if (nResultY == 0) ExpectFiltered<TypeParam>(oIn, oOut, 0, HalfOf(nHeight), Mean<TypeParam>);
+      // Bytes have a rule of their own for both axes and a width of 3.
+      if (nFilter == 3 && sizeof(TypeParam) == 1) continue;
+      ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter, ClIpFilterBase::eModeXY), 0);
+      const long nHalf = nWidth >= nFilter && nHeight >= nFilter ? nFilter / 2 : 0;
+      ExpectFiltered<TypeParam>(oIn, oOut, nHalf, nHalf, Mean<TypeParam>);
       EXPECT_EQ(oMid.nFilterWidth, nFilter);
     }
   }
@@ -124,14 +107,9 @@ TYPED_TEST(Filters, ADirectedMeanLiesAlongOrAcrossTheDirectionOfEachPixel) {
       for (const bool bAcross : {false, true}) {
         const long nMode = bAcross ? ClIpFilterBase::eModeDirectedOrtho : ClIpFilterBase::eModeDirected;
         ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter, nMode), 0);
-        for (int y = 0; y < nHeight; ++y) {
-          for (int x = 0; x < nWidth; ++x) {
-            const auto aWindow =
-                DirectedWindow<TypeParam>(oIn, oDx, oDy, x, y, bAcross, -nFilter / 2, nFilter / 2);
-            ASSERT_EQ(oOut.Row<TypeParam>(y)[x], Mean(aWindow))
-                << "at " << x << ", " << y << ", mode " << nMode;
-          }
-        }
+        ExpectSamples<TypeParam>(oOut, [&](int x, int y, int) {
+          return Mean(DirectedWindow<TypeParam>(oIn, oDx, oDy, x, y, bAcross, -nFilter / 2, nFilter / 2));
+        });
       }
     }
   }
@@ -179,47 +157,46 @@ TEST(FilterMid, WidthThreeOnBytesRoundsInsteadOfCutting) {
   ClIpFilterMid oMid;
   ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{4, 4, 5, 6, 5, 6, 7, 7, 8, 8, 9, 10}));
+  // A sum of 6 is the smallest that is rounded up.
+  SetImage<uint8_t>(oIn, 3, 3, {0, 0, 0, 0, 6, 0, 0, 0, 0});
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
+  EXPECT_EQ(oOut.Row<uint8_t>(1)[1], 1);
   // The largest sums stay inside a byte.
   SetImage(oIn, 5, 4, std::vector<uint8_t>(20, 255));
   ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(20, 255));
 }
 
-TEST(FilterMid, NegativeMeansAreCutTowardZero) {
+TEST(FilterMid, NegativeMeansAreCutTowardZeroAndAnEvenWidthCountsAsTheNextOddOne) {
   ClImage oIn, oOut;
   SetImage<int8_t>(oIn, 3, 3, {-1, -1, -1, -1, -1, -1, -1, -1, 0});
   ClIpFilterMid oMid;
-  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
+  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 2), 0);
+  EXPECT_EQ(oMid.nFilterWidth, 3);
   EXPECT_EQ(oOut.Row<int8_t>(1)[1], 0);   // -8 / 9
   EXPECT_EQ(oOut.Row<int8_t>(0)[0], -1);  // -4 / 4
 }
 
-TEST(FilterMid, AnEvenWidthCountsAsTheNextOddOne) {
-  std::mt19937 oRandom(6);
-  ClImage oIn, oOut4, oOut5;
-  SetRandom<uint8_t>(oIn, 20, 20, oRandom);
-  ClIpFilterMid oMid;
-  oMid.ApplyParam(oIn, oOut4, 4);
-  EXPECT_EQ(oMid.nFilterWidth, 5);
-  oMid.ApplyParam(oIn, oOut5, 5);
-  EXPECT_EQ(Samples<uint8_t>(oOut4), Samples<uint8_t>(oOut5));
-}
-
-TEST(FilterBase, SeveralPlanesAreFilteredOneByOneAndTheInputStays) {
+TEST(FilterBase, SeveralPlanesAreFilteredOneByOneAgainAndAgainAndTheInputStays) {
   std::mt19937 oRandom(7);
-  ClImage oIn, oOut;
+  ClImage oIn, oOut, oInPlane, oOutPlane;
   SetRandom<uint8_t>(oIn, 17, 12, oRandom, 3);
   const auto aBefore = Samples<uint8_t>(oIn);
   ClIpFilterMax oMax;
   ASSERT_EQ(oMax.ApplyParam(oIn, oOut, 5, ClIpFilterBase::eModeXY), 0);
+  oOut.Initialize();
+  ASSERT_EQ(oMax.Apply(), 0) << "with the images of before";
   EXPECT_EQ(Samples<uint8_t>(oIn), aBefore);
   ASSERT_EQ(oOut.Planes(), 3);
   for (int nPlane = 0; nPlane < 3; ++nPlane) {
-    ClImage oInPlane, oOutPlane;
     oIn.GetPlane(nPlane, oInPlane);
     oOut.GetPlane(nPlane, oOutPlane);
     ExpectFiltered<uint8_t>(oInPlane, oOutPlane, 2, 2, Largest<uint8_t>);
   }
+  oMax.ApplyParam(oInPlane, oOut, 5, ClIpFilterBase::eModeXY);
+  oOut.Initialize();
+  ASSERT_EQ(oMax.Apply(), 0) << "of one plane, too";
+  EXPECT_EQ(Samples<uint8_t>(oOut), Samples<uint8_t>(oOutPlane));
 }
 
 TEST(FilterBase, RowsWithoutPaddingAreReadByTheirOwnStride) {
@@ -273,34 +250,11 @@ TEST(FilterBase, AWidthBelowTwoCopies) {
   }
 }
 
-TEST(FilterBase, TheOlderListDescribesWhatEachFilterUses) {
-  ClIpFilterMin oMin;
-  ClParameterInterface oShort, oLong;
-  oMin.QueryParameters(oShort);
-  EXPECT_EQ(oShort.Count(), 3);
-  ClIpFilterMid oMid;
-  oMid.QueryParameters(oLong);
-  ASSERT_EQ(oLong.Count(), 6);
-  EXPECT_STREQ(oLong.GetParam(2)->GetDescription(), "in: Filter Width");
-  EXPECT_EQ(oLong.GetParam("nMode")->szValue(), "Mode XY");
-  oLong.GetParam("nMode")->SetEnum("MODE_DIRECTED");
-  EXPECT_EQ(oMid.nMode, ClIpFilterBase::eModeDirected);
-  EXPECT_STREQ(oLong.GetParam("InDyImage")->GetDescription(), "in: Dy Image");
-  ClParameterContainer oContainer;
-  oMid.QueryParameters(oContainer);
-  EXPECT_EQ(oContainer.Find("nMode")->GetValue(), "MODE_DIRECTED");
-  EXPECT_EQ(oContainer.Find("nMode")->GetDefaultValue(), "Mode XY");
-}
-
 TEST(FilterBase, TheSummaryNamesWidthAxesAndSign) {
   ClImage oIn, oOut;
   SetImage<int8_t>(oIn, 2, 2, {1, 2, 3, 4});
   ClIpFilterMin oMin;
-  char szText[40];
-  oMin.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "W[3] M[XY] S[Unknown]");
+  EXPECT_EQ(Summary(oMin), "W[3] M[XY] S[Unknown]");
   oMin.ApplyParam(oIn, oOut, 5, ClIpFilterBase::eModeY);
-  oMin.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "W[5] M[Y] S[Signed]");
-  EXPECT_EQ(NumberOf([&] { oMin.ParameterString(szText, 5); }), -101);
+  EXPECT_EQ(Summary(oMin), "W[5] M[Y] S[Signed]");
 }

@@ -4,30 +4,22 @@
 
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpConnectedComponent2.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
 #include "TestImages.h"
 
 namespace {
 
 using Components = ClIpConnectedComponent2::ComponentsArray_t;
 
+/// What a window of nWidthX by nWidthY makes of a pixel with the classes 3 and 250.
 template <typename T>
-void ExpectAboveLocalMean(const ClImage& oIn, const ClImage& oOut, int nWidthX, int nWidthY, int nOffset) {
-  for (int y = 0; y < oIn.Height(); ++y) {
-    for (int x = 0; x < oIn.Width(); ++x) {
-      int nSum = 0, nArea = 0;
-      for (int r = std::max(0, y - nWidthY / 2); r <= std::min(oIn.Height() - 1, y + nWidthY / 2); ++r) {
-        const int nLast = std::min(oIn.Width() - 1, x + nWidthX / 2);
-        for (int c = std::max(0, x + nWidthX / 2 - nWidthX + 1); c <= nLast; ++c, ++nArea)
-          nSum += oIn.Row<T>(r)[c];
-      }
-      const int nExpected = (oIn.Row<T>(y)[x] + nOffset) * nArea > nSum ? 250 : 3;
-      ASSERT_EQ(oOut.Row<uint8_t>(y)[x], nExpected)
-          << "at " << x << ", " << y << " of " << oIn.Width() << " by " << oIn.Height() << ", window "
-          << nWidthX << " by " << nWidthY;
-    }
+int AboveLocalMean(const ClImage& oIn, int x, int y, int nWidthX, int nWidthY, int nOffset) {
+  int nSum = 0, nArea = 0;
+  const int nLast = std::min(oIn.Width() - 1, x + nWidthX / 2);
+  for (int r = std::max(0, y - nWidthY / 2); r <= std::min(oIn.Height() - 1, y + nWidthY / 2); ++r) {
+    for (int c = std::max(0, x + nWidthX / 2 - nWidthX + 1); c <= nLast; ++c, ++nArea)
+      nSum += oIn.Row<T>(r)[c];
   }
+  return (oIn.Row<T>(y)[x] + nOffset) * nArea > nSum ? 250 : 3;
 }
 
 }  // namespace
@@ -51,7 +43,9 @@ TYPED_TEST(BinarizeLocal, APixelIsComparedWithTheMeanOfItsClippedWindow) {
     SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
     ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, nWidthX, nWidthY, nOffset), 0);
     ASSERT_EQ(oOut.DataType(), oIn.DataType());
-    ExpectAboveLocalMean<TypeParam>(oIn, oOut, nWidthX, nWidthY, nOffset);
+    ExpectSamples<uint8_t>(oOut, [&](int x, int y, int) {
+      return AboveLocalMean<TypeParam>(oIn, x, y, nWidthX, nWidthY, nOffset);
+    });
     ASSERT_EQ(oBinarize.ApplyParam(oIn, oIn, nWidthX, nWidthY, nOffset), 0);
     EXPECT_EQ(Samples<uint8_t>(oIn), Samples<uint8_t>(oOut));
   }
@@ -73,21 +67,6 @@ TEST(BinarizeLocalLimits, AnImageBelowTheWindowIsCopiedAndErrorsHaveTheirNumbers
   EXPECT_EQ(oBinarize.ApplyParam(oWide, oOut, 3, 3, 0), -101);
   EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 0, 3, 0); }), -44);
   EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 3, -1, 0); }), -44);
-}
-
-TEST(BinarizeLocalLimits, ParametersHaveTheirNamesAndDefaults) {
-  ClIpBinarizeLocal2 oBinarize;
-  oBinarize.nFilterWidthY = 5;
-  ClParameterContainer oContainer;
-  oBinarize.QueryParameters(oContainer);
-  EXPECT_EQ(oContainer.Find("White")->GetDefaultValue(), "255");
-  EXPECT_EQ(oContainer.Find("nFilterWidthY")->GetDefaultValue(), "11");
-  EXPECT_EQ(oContainer.Find("nFilterWidthY")->GetValue(), "5");
-  oContainer.Find("Black")->SetValue("7");
-  ClParameterInterface oInterface;
-  oBinarize.QueryParameters(oInterface);
-  EXPECT_EQ(oInterface.GetParam("Black")->GetValue(), 7);
-  EXPECT_EQ(oInterface.GetParam("nGrayOffset")->GetValue(), 0);
 }
 
 TEST(ConnectedComponent, ObjectsAreMeasuredInTheOrderOfTheirFirstPixels) {
@@ -172,7 +151,4 @@ TEST(ConnectedComponent, ErrorsHaveTheirNumbers) {
   EXPECT_FALSE(oComponents.CanApply());
   EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(oObjects, aFound, nullptr, &oObjects); }), -44);
   EXPECT_TRUE(oComponents.CanApply());
-  ClParameterContainer oContainer;
-  oComponents.QueryParameters(oContainer);
-  EXPECT_NE(oContainer.Find("m_pInImageGrey"), nullptr);
 }

@@ -3,14 +3,9 @@
 
 #include <cmath>
 
-#include "MXImageProcessing/IpCut.h"
-#include "MXImageProcessing/IpFlip.h"
-#include "MXImageProcessing/IpMoveImage.h"
-#include "MXImageProcessing/IpRotate.h"
-#include "MXImageProcessing/IpSubsample.h"
 #include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
 #include "MXTools/ProfileTimer.h"
+#include "ParameterLists.h"
 #include "TestImages.h"
 
 namespace {
@@ -245,12 +240,7 @@ TEST(Rescale, CubicWeightsAreThoseOfTheDistanceInThePlaneOrOnTheAxes) {
       EXPECT_NEAR(oFast.Row<uint8_t>(y)[x], std::clamp(dAxes - 0.5, 0.0, 255.0), 0.9);
     }
   }
-  EXPECT_TRUE(std::string("-0.75") == [&] {
-    char szValue[40];
-    unsigned int nSize = sizeof(szValue);
-    oParameters.Find("dConvParameter1")->GetValue(szValue, nSize);
-    return std::string(szValue).substr(0, 5);
-  }()) << "the fast form negates its parameter";
+  EXPECT_EQ(PublishedNumber(oRescale, "dConvParameter1"), -0.75) << "the fast form negates its parameter";
 }
 
 TEST(Rescale, FlatImagesStayFlatInEveryModeButTheExactCubicOne) {
@@ -305,65 +295,9 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
   SetImage<uint8_t>(oOut, 1, 1, {42});
   EXPECT_EQ(oRescale.ApplyParamSize(oIn, oOut, 5, 5, static_cast<ClIpRescale::eProcessingMode>(5)), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (Row8{42})) << "an unknown mode does nothing";
-  char szText[40];
-  oRescale.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "W5 H5 InvalidMode");
+  EXPECT_EQ(Summary(oRescale), "W5 H5 InvalidMode");
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, 3, 2, eFantMar), 0);
-  oRescale.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "X3 Y2 BiLinearFantMar");
-}
-
-TEST(GeometryParameters, SettingsAreReachedByNameInBothForms) {
-  const auto Names = [](ClProcessorBase& oProcessor, bool bOlder) {
-    std::string sNames;
-    ClParameterContainer oContainer;
-    ClParameterInterface oList;
-    oProcessor.QueryParameters(oContainer);
-    oProcessor.QueryParameters(oList);
-    for (unsigned int n = 0; !bOlder && n < oContainer.Entries(); ++n)
-      sNames += std::string(oContainer.At(n)->GetName()) + " ";
-    for (long n = 0; bOlder && n < oList.Count(); ++n)
-      sNames += std::string(oList.GetParam(n)->GetName()) + " ";
-    return sNames;
-  };
-  ClIpFlip oFlip;
-  ClIpCut oCut;
-  ClIpRotate oRotate;
-  ClIpRescale oRescale;
-  ClIpMoveImage oMove;
-  ClIpSubsample oSubsample;
-  EXPECT_EQ(Names(oFlip, false), "pInImage pOutImage OutImageType XFlip YFlip ");
-  EXPECT_EQ(Names(oFlip, true), "InImage OutImage OutImageType XFlip YFlip ");
-  EXPECT_EQ(Names(oCut, false), "pInImage pOutImage nX0 nY0 nDestWidth nDestHeight ");
-  EXPECT_EQ(Names(oCut, true), "X0 Y0 DestWidth DestHeight InImage OutImage ");
-  EXPECT_EQ(Names(oRotate, false), "pInImage pOutImage Rotation ResizeOutImage Interpolate BackgroundColor ");
-  EXPECT_EQ(Names(oMove, false), "pInImage pOutImage nOffsetX nOffsetY dFillValue ");
-  EXPECT_EQ(Names(oMove, true), "InImage OutImage OffsetX OffsetY FillValue ");
-  EXPECT_EQ(Names(oRescale, false),
-            "pInImage pOutImage NewWidth NewHeight NewPelsX NewPelsY eMode dConvParameter1 ");
-  EXPECT_EQ(Names(oSubsample, true), "InImage OutImage Rate RateX RateY Mid ");
-
-  // The members are bound: a turn by a quarter and a fill, asked for by name alone.
-  ClImage oIn, oOut;
-  SetImage<uint8_t>(oIn, 3, 1, {1, 2, 3});
-  ClParameterInterface oList;
-  oRotate.QueryParameters(oList);
-  oList.GetParam("InImage")->SetValue(oIn);
-  oList.GetParam("OutImage")->SetValue(oOut);
-  oList.GetParam("Rotation")->SetValue(0.5);
-  oList.GetParam("ResizeOutImage")->SetEnum("False");
-  oList.GetParam("BackgroundColor")->SetValue(9);
-  char szText[40];
-  oRotate.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "0.500rad ");
-  ASSERT_EQ(oRotate.Apply(), 0);
-  EXPECT_EQ(oOut.Row<uint8_t>(0)[2], 9);
-  ClParameterInterface oRescaleList;
-  oRescale.QueryParameters(oRescaleList);
-  oRescaleList.GetParam("NewWidth")->SetValue(7);
-  oRescaleList.GetParam("Mode")->SetEnum("ModeBiCubic");
-  oRescale.ParameterString(szText, sizeof(szText));
-  EXPECT_STREQ(szText, "W7 H0 BiCubic");
+  EXPECT_EQ(Summary(oRescale), "X3 Y2 BiLinearFantMar");
 }
 
 TEST(Rescale, TheFantMarStepsAreTold) {

@@ -14,17 +14,13 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ProcessorBase.h"
 #include "Raised.h"
 
 template <typename T>
-constexpr ClImage::EDataType TypeOf() {
-  if (std::is_same_v<T, uint8_t>) return ClImage::eUint8;
-  if (std::is_same_v<T, int8_t>) return ClImage::eInt8;
-  if (std::is_same_v<T, uint16_t>) return ClImage::eUint16;
-  if (std::is_same_v<T, int16_t>) return ClImage::eInt16;
-  if (std::is_same_v<T, uint32_t>) return ClImage::eUint32;
-  if (std::is_same_v<T, int32_t>) return ClImage::eInt32;
-  return std::is_same_v<T, float> ? ClImage::eFloat32 : ClImage::eDouble64;
+constexpr auto TypeOf() {
+  if (std::is_floating_point_v<T>) return sizeof(T) == 4 ? ClImage::eFloat32 : ClImage::eDouble64;
+  return static_cast<ClImage::EDataType>(sizeof(T) | (std::is_signed_v<T> ? ClImage::cnTypeSignedBit : 0));
 }
 
 /// Names the instances of typed tests after their element type.
@@ -57,6 +53,25 @@ std::vector<T> Samples(const ClImage& oImage) {
     aSamples.insert(aSamples.end(), oImage.Row<T>(y), oImage.Row<T>(y) + oImage.SamplesPerRow());
   }
   return aSamples;
+}
+
+/// Each sample is fnExpected(x, y, plane).
+template <typename T, typename TExpected>
+void ExpectSamples(const ClImage& oImage, const TExpected& fnExpected) {
+  const int nPlanes = oImage.Planes();
+  for (int y = 0; y < oImage.Height(); ++y) {
+    for (int n = 0; n < oImage.SamplesPerRow(); ++n) {
+      ASSERT_EQ(oImage.Row<T>(y)[n], fnExpected(n / nPlanes, y, n % nPlanes))
+          << "at " << n / nPlanes << ", " << y << " of " << oImage.Width() << " by " << oImage.Height();
+    }
+  }
+}
+
+/// What a processor's summary of its parameters says, in a text of nSize characters at most.
+inline std::string Summary(const ClProcessorBase& oProcessor, unsigned int nSize = 80) {
+  char szText[80];
+  oProcessor.ParameterString(szText, nSize);
+  return szText;
 }
 
 /// Samples over the whole range of an integer type with many extremes; quarters between -64 and 64 for floating

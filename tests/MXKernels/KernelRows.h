@@ -7,6 +7,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "MXKernels/Level.h"
@@ -23,6 +24,9 @@ class ClLevelGuard {
  private:
   MXKernels::ELevel m_eLevel;
 };
+
+using Bytes = std::vector<uint8_t>;
+using Words = std::vector<uint16_t>;
 
 /// An output row between guard elements that a kernel must leave alone.
 template <typename T>
@@ -71,23 +75,48 @@ class ClSamples {
   std::mt19937 m_oRandom{20240229};
 };
 
-/// Calls oTest(nCount, oSamples) at every level for counts from 0 to three vectors of 64 and one more.
+/// Calls fnTest() at every level that this machine has.
 template <typename TTest>
-void ForEveryLevelAndTail(TTest oTest) {
+void ForEveryLevel(TTest fnTest) {
   const ClLevelGuard oGuard;
   for (int n = 0; n < MXKernels::eLevelCount; ++n) {
     const auto eLevel = static_cast<MXKernels::ELevel>(n);
     if (!MXKernels::SetLevel(eLevel)) continue;
+    SCOPED_TRACE(MXKernels::LevelName(eLevel));
+    fnTest();
+  }
+}
+
+/// Calls oTest(nCount, oSamples) at every level for counts from 0 to three vectors of 64 and one more.
+template <typename TTest>
+void ForEveryLevelAndTail(TTest oTest) {
+  ForEveryLevel([&] {
     ClSamples oSamples;
     for (size_t nCount = 0; nCount <= 3 * 64 + 1 && !testing::Test::HasFailure(); ++nCount) {
-      SCOPED_TRACE(std::string(MXKernels::LevelName(eLevel)) + ", count " + std::to_string(nCount));
+      SCOPED_TRACE(nCount);
       oTest(nCount, oSamples);
     }
-  }
+  });
 }
 
 template <typename T>
 void ExpectSameAndGuarded(const TpGuardedRow<T>& oActual, const TpGuardedRow<T>& oExpected) {
   EXPECT_EQ(oActual.Row(), oExpected.Row());
   EXPECT_TRUE(oActual.GuardsIntact());
+}
+
+/// fnCall(kernel, outputs...) leaves the same in the outputs for a kernel and its plain twin; each output begins as
+/// the given row. A call that reads its output too works in place.
+template <typename TKernel, typename TCall, typename... T>
+void ExpectLikeReference(TKernel pfnKernel, TKernel pfnReference, const TCall& fnCall,
+                         const std::vector<T>&... aStarts) {
+  std::tuple<TpGuardedRow<T>...> aActual(aStarts...), aExpected(aStarts...);
+  std::apply([&](auto&... o) { fnCall(pfnKernel, o.Data()...); }, aActual);
+  std::apply([&](auto&... o) { fnCall(pfnReference, o.Data()...); }, aExpected);
+  std::apply(
+      [&](const auto&... oActual) {
+        std::apply([&](const auto&... oExpected) { (ExpectSameAndGuarded(oActual, oExpected), ...); },
+                   aExpected);
+      },
+      aActual);
 }

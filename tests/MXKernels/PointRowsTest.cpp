@@ -4,7 +4,6 @@
 using namespace MXKernels;
 
 namespace {
-using Bytes = std::vector<uint8_t>;
 
 /// Every pair of bytes: all first ones against all second ones.
 void AllPairs(Bytes& aFirst, Bytes& aSecond) {
@@ -15,56 +14,42 @@ void AllPairs(Bytes& aFirst, Bytes& aSecond) {
     }
   }
 }
+
 }  // namespace
 
-using PairRule = void (*)(const uint8_t*, const uint8_t*, uint8_t*, size_t) noexcept;
-class RowsOfPairs : public testing::TestWithParam<std::pair<PairRule, PairRule>> {};
-
-TEST_P(RowsOfPairs, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
-  const auto [pfnRow, pfnReference] = GetParam();
-  ForEveryLevelAndTail([=](size_t nCount, ClSamples& oSamples) {
+TEST(PointRows, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
+  using PairRule = void (*)(const uint8_t*, const uint8_t*, uint8_t*, size_t) noexcept;
+  const std::pair<PairRule, PairRule> aRules[] = {{SubtractSaturated, Reference::SubtractSaturated},
+                                                  {AbsoluteDifferenceRow, Reference::AbsoluteDifferenceRow},
+                                                  {AndRow, Reference::AndRow}};
+  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
     const Bytes aLit = oSamples.Row<uint8_t>(nCount), aDark = oSamples.Row<uint8_t>(nCount);
-    TpGuardedRow<uint8_t> oOut(nCount), oExpected(nCount), oOverLit(aLit), oOverDark(aDark);
-    pfnReference(aLit.data(), aDark.data(), oExpected.Data(), nCount);
-    pfnRow(aLit.data(), aDark.data(), oOut.Data(), nCount);
-    pfnRow(oOverLit.Data(), aDark.data(), oOverLit.Data(), nCount);
-    pfnRow(aLit.data(), oOverDark.Data(), oOverDark.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
-    ExpectSameAndGuarded(oOverLit, oExpected);
-    ExpectSameAndGuarded(oOverDark, oExpected);
+    for (const auto& [pfnRow, pfnReference] : aRules) {
+      const auto fnApart = [&](auto pfn, auto* pOut) { pfn(aLit.data(), aDark.data(), pOut, nCount); };
+      ExpectLikeReference(pfnRow, pfnReference, fnApart, Bytes(nCount));
+      const auto fnOverLit = [&](auto pfn, auto* pOut) { pfn(pOut, aDark.data(), pOut, nCount); };
+      ExpectLikeReference(pfnRow, pfnReference, fnOverLit, aLit);
+      const auto fnOverDark = [&](auto pfn, auto* pOut) { pfn(aLit.data(), pOut, pOut, nCount); };
+      ExpectLikeReference(pfnRow, pfnReference, fnOverDark, aDark);
+    }
+    const auto nLower = static_cast<uint8_t>(oSamples.Number(200));
+    const auto nUpper = static_cast<uint8_t>(nLower + oSamples.Number(55));
+    ExpectLikeReference(
+        ClampRow, Reference::ClampRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nLower, nUpper); },
+        aLit);
+    ExpectLikeReference(
+        ThresholdRow, Reference::ThresholdRow,
+        [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nUpper, 7, 200); }, aLit);
+    ExpectLikeReference(
+        EqualRow, Reference::EqualRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, 255); }, aLit);
   });
 }
-
-INSTANTIATE_TEST_SUITE_P(PointRows, RowsOfPairs,
-                         testing::Values(std::pair{&SubtractSaturated, &Reference::SubtractSaturated},
-                                         std::pair{&AbsoluteDifferenceRow, &Reference::AbsoluteDifferenceRow},
-                                         std::pair{&AndRow, &Reference::AndRow}));
 
 TEST(SubtractSaturated, ADarkerLitPixelGivesZeroAndDoesNotWrap) {
   const Bytes aLit(100, 10), aDark(100, 11);
   Bytes aOut(100, 1);
   SubtractSaturated(aLit.data(), aDark.data(), aOut.data(), 100);
   EXPECT_EQ(aOut, Bytes(100, 0));
-}
-
-TEST(ClampAndThresholdRows, EveryLevelEqualsTheReferenceForEveryTail) {
-  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    const Bytes aIn = oSamples.Row<uint8_t>(nCount);
-    const auto nLower = static_cast<uint8_t>(oSamples.Number(200));
-    const auto nUpper = static_cast<uint8_t>(nLower + oSamples.Number(55));
-    TpGuardedRow<uint8_t> oOut(aIn), oExpected(nCount);
-    Reference::ClampRow(aIn.data(), oExpected.Data(), nCount, nLower, nUpper);
-    ClampRow(oOut.Data(), oOut.Data(), nCount, nLower, nUpper);
-    ExpectSameAndGuarded(oOut, oExpected);
-
-    TpGuardedRow<uint8_t> oCut(nCount), oExpectedCut(nCount), oEqual(nCount), oExpectedEqual(nCount);
-    Reference::ThresholdRow(aIn.data(), oExpectedCut.Data(), nCount, nUpper, 7, 200);
-    ThresholdRow(aIn.data(), oCut.Data(), nCount, nUpper, 7, 200);
-    ExpectSameAndGuarded(oCut, oExpectedCut);
-    Reference::EqualRow(aIn.data(), oExpectedEqual.Data(), nCount, 255);
-    EqualRow(aIn.data(), oEqual.Data(), nCount, 255);
-    ExpectSameAndGuarded(oEqual, oExpectedEqual);
-  });
 }
 
 TEST(InvertedBlendRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
@@ -87,10 +72,10 @@ TEST(AdjustBrightnessRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
     const size_t nAll = nCount % 16 == 0 ? aIn.size() : nCount;
     const auto nValue = static_cast<uint8_t>(nCount == 0 ? 255 : oSamples.Number(255));
     const auto nMinimum = static_cast<uint8_t>(nCount == 0 ? 1 : 1 + oSamples.Number(30));
-    TpGuardedRow<uint8_t> oOut(nAll), oExpected(nAll);
-    Reference::AdjustBrightnessRow(aIn.data(), aReference.data(), oExpected.Data(), nAll, nValue, nMinimum);
-    AdjustBrightnessRow(aIn.data(), aReference.data(), oOut.Data(), nAll, nValue, nMinimum);
-    ExpectSameAndGuarded(oOut, oExpected);
+    ExpectLikeReference(
+        AdjustBrightnessRow, Reference::AdjustBrightnessRow,
+        [&](auto pfn, auto* pOut) { pfn(aIn.data(), aReference.data(), pOut, nAll, nValue, nMinimum); },
+        Bytes(nAll));
   });
 }
 
@@ -104,24 +89,21 @@ TEST(AdjustBrightnessRow, CapsDarkReferencesAndLimitsTheResult) {
   EXPECT_EQ(aOut, (Bytes{64, 255, 42}));
 }
 
-TEST(BalanceCellsRow, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
+TEST(BalanceCellsRow, EveryLevelEqualsTheReferenceForEveryTailInPlace) {
   ForEveryLevelAndTail([](size_t nCells, ClSamples& oSamples) {
-    std::vector<Bytes> aMeans;
-    for (int k = 0; k < 4; ++k) aMeans.push_back(oSamples.Row<uint8_t>(nCells));
-    const Bytes aUpper = oSamples.Row<uint8_t>(2 * nCells), aLower = oSamples.Row<uint8_t>(2 * nCells);
-    TpGuardedRow<uint8_t> oUpper(aUpper), oLower(aLower), oExpectedUpper(2 * nCells),
-        oExpectedLower(2 * nCells);
-    BalanceCells oCells{{aMeans[0].data(), aMeans[1].data(), aMeans[2].data(), aMeans[3].data()},
-                        aUpper.data(),
-                        aLower.data(),
-                        oExpectedUpper.Data(),
-                        oExpectedLower.Data()};
-    Reference::BalanceCellsRow(oCells, nCells);
-    oCells.m_pUpper = oCells.m_pOutUpper = oUpper.Data();
-    oCells.m_pLower = oCells.m_pOutLower = oLower.Data();
-    BalanceCellsRow(oCells, nCells);
-    ExpectSameAndGuarded(oUpper, oExpectedUpper);
-    ExpectSameAndGuarded(oLower, oExpectedLower);
+    Bytes aMeans[4];
+    for (Bytes& aMean : aMeans) aMean = oSamples.Row<uint8_t>(nCells);
+    ExpectLikeReference(
+        BalanceCellsRow, Reference::BalanceCellsRow,
+        [&](auto pfn, auto* pUpper, auto* pLower) {
+          pfn({{aMeans[0].data(), aMeans[1].data(), aMeans[2].data(), aMeans[3].data()},
+               pUpper,
+               pLower,
+               pUpper,
+               pLower},
+              nCells);
+        },
+        oSamples.Row<uint8_t>(2 * nCells), oSamples.Row<uint8_t>(2 * nCells));
   });
 }
 
@@ -130,12 +112,9 @@ TEST(BalanceCellsRow, DrawsEachPhaseToTheMeanOfAllFour) {
   // 100 * 150 / 100 - 1 = 149 in a weak phase and 100 * 150 / 200 - 1 = 74 in a strong one.
   const uint8_t nWeak = 99, nStrong = 199;
   const uint8_t aSamples[2] = {99, 99};
-  uint8_t aUpper[2], aLower[2];
-  BalanceCellsRow({{&nWeak, &nStrong, &nWeak, &nStrong}, aSamples, aSamples, aUpper, aLower}, 1);
-  EXPECT_EQ(aUpper[0], 149);
-  EXPECT_EQ(aUpper[1], 74);
-  EXPECT_EQ(aLower[0], 149);
-  EXPECT_EQ(aLower[1], 74);
+  Bytes aOut(4);
+  BalanceCellsRow({{&nWeak, &nStrong, &nWeak, &nStrong}, aSamples, aSamples, &aOut[0], &aOut[2]}, 1);
+  EXPECT_EQ(aOut, (Bytes{149, 74, 149, 74}));
 }
 
 TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
@@ -147,8 +126,6 @@ TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
   EXPECT_EQ(aOut, (Bytes{255, 252, 252, 0, 252}));
   std::vector<int32_t> aBins(256, 1);
   HistogramRow(aIn.data(), 5, aBins.data());
-  EXPECT_EQ(aBins[0], 2);
-  EXPECT_EQ(aBins[3], 4);
-  EXPECT_EQ(aBins[255], 2);
-  EXPECT_EQ(aBins[4], 1);
+  EXPECT_EQ((std::vector<int32_t>{aBins[0], aBins[3], aBins[255], aBins[4]}),
+            (std::vector<int32_t>{2, 4, 2, 1}));
 }

@@ -3,21 +3,12 @@
 
 using namespace MXKernels;
 
-namespace {
-using Bytes = std::vector<uint8_t>;
-}
-
 TEST(RollRows, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Bytes aIn = oSamples.Row<uint8_t>(nCount), aWeight = oSamples.Row<uint8_t>(nCount);
-    TpGuardedRow<uint8_t> oBlend(oSamples.Row<uint8_t>(nCount)), oBelow(nCount), oExpectedBelow(nCount);
-    TpGuardedRow<uint8_t> oExpected = oBlend;
-    WeightedBlendRow(aIn.data(), aWeight.data(), oBlend.Data(), nCount);
-    Reference::WeightedBlendRow(aIn.data(), aWeight.data(), oExpected.Data(), nCount);
-    ExpectSameAndGuarded(oBlend, oExpected);
-    BelowRow(aIn.data(), aWeight.data(), oBelow.Data(), nCount);
-    Reference::BelowRow(aIn.data(), aWeight.data(), oExpectedBelow.Data(), nCount);
-    ExpectSameAndGuarded(oBelow, oExpectedBelow);
+    const auto fnCall = [&](auto pfn, auto* pOut) { pfn(aIn.data(), aWeight.data(), pOut, nCount); };
+    ExpectLikeReference(WeightedBlendRow, Reference::WeightedBlendRow, fnCall, oSamples.Row<uint8_t>(nCount));
+    ExpectLikeReference(BelowRow, Reference::BelowRow, fnCall, Bytes(nCount));
   });
 }
 

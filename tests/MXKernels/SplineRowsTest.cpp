@@ -23,16 +23,13 @@ TEST(SplineRows, EveryLevelEqualsTheReferenceForEveryTail) {
     const Doubles aX = Places(nCount, oSamples), aStart = Places(nCount, oSamples);
     for (const SplinePoint oPoint :
          {SplinePoint{800, 0}, SplinePoint{800, 1e-200}, SplinePoint{-3.7, 640000.3}}) {
-      TpGuardedRow<double> oSum(aStart), oA(aStart), oB(aStart);
-      TpGuardedRow<double> oExpectedSum(aStart), oExpectedA(aStart), oExpectedB(aStart);
-      AddSplineBasisRow(aX.data(), nCount, oPoint, 1.0 / 3, oSum.Data());
-      Reference::AddSplineBasisRow(aX.data(), nCount, oPoint, 1.0 / 3, oExpectedSum.Data());
-      ExpectSameAndGuarded(oSum, oExpectedSum);
-      AddSplineBasisPairRow(aX.data(), nCount, oPoint, -0.7, 1e-9, oA.Data(), oB.Data());
-      Reference::AddSplineBasisPairRow(aX.data(), nCount, oPoint, -0.7, 1e-9, oExpectedA.Data(),
-                                       oExpectedB.Data());
-      ExpectSameAndGuarded(oA, oExpectedA);
-      ExpectSameAndGuarded(oB, oExpectedB);
+      ExpectLikeReference(
+          AddSplineBasisRow, Reference::AddSplineBasisRow,
+          [&](auto pfn, auto* pSum) { pfn(aX.data(), nCount, oPoint, 1.0 / 3, pSum); }, aStart);
+      ExpectLikeReference(
+          AddSplineBasisPairRow, Reference::AddSplineBasisPairRow,
+          [&](auto pfn, auto* pA, auto* pB) { pfn(aX.data(), nCount, oPoint, -0.7, 1e-9, pA, pB); }, aStart,
+          aStart);
     }
   });
 }

@@ -1,9 +1,13 @@
 // Tests of the kernels of the filters and of the search for runs.
+#include <functional>
+
 #include "KernelRows.h"
 
 using namespace MXKernels;
 
 namespace {
+
+using Sums = std::vector<uint32_t>;
 
 template <typename T, typename TKernel>
 void ExpectMeansLikeReference(TKernel pfnKernel, TKernel pfnReference) {
@@ -15,66 +19,45 @@ void ExpectMeansLikeReference(TKernel pfnKernel, TKernel pfnReference) {
     const unsigned nMostRows =
         std::min<unsigned>(1000U, 65536U * 255U / nMax / static_cast<unsigned>(2 * nHalf + 1));
     const unsigned nRows = 1 + oSamples.Number(nMostRows);
-    std::vector<uint32_t> aSums = oSamples.Row<uint32_t>(nCount, nRows * nMax);
-    std::vector<uint32_t> aPrefix(nCount + 1);
-    TpGuardedRow<T> oOut(nCount), oExpected(nCount);
-    pfnReference(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), oExpected.Data());
-    pfnKernel(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), oOut.Data());
-    ExpectSameAndGuarded(oOut, oExpected);
+    const Sums aSums = oSamples.Row<uint32_t>(nCount, nRows * nMax);
+    Sums aPrefix(nCount + 1);
+    ExpectLikeReference(
+        pfnKernel, pfnReference,
+        [&](auto pfn, auto* pOut) { pfn(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), pOut); },
+        std::vector<T>(nCount));
   });
 }
 
-template <typename T, typename TKernel>
-void ExpectColumnSumsLikeReference(TKernel pfnKernel, TKernel pfnReference) {
+/// The three kernels of column sums; the reference of moving is adding one row and taking another.
+template <typename T, typename TKernel, typename TMove>
+void ExpectColumnSumsLikeReference(TKernel pfnAdd, TKernel pfnPlainAdd, TKernel pfnTake, TKernel pfnPlainTake,
+                                   TMove pfnMove) {
   ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    const std::vector<T> aRow = oSamples.Row<T>(nCount);
-    const std::vector<uint32_t> aSums = oSamples.Row<uint32_t>(nCount, 1U << 30);
-    TpGuardedRow<uint32_t> oOut(aSums), oExpected(aSums);
-    pfnReference(aRow.data(), oExpected.Data(), nCount);
-    pfnKernel(aRow.data(), oOut.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
-  });
-}
-
-using RankKernel = void (*)(const uint8_t*, size_t, size_t, uint8_t*, uint8_t*) noexcept;
-
-void ExpectWindowsLikeReference(RankKernel pfnKernel, RankKernel pfnReference) {
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    const std::vector<uint8_t> aIn = oSamples.Row<uint8_t>(nCount);
-    const size_t nHalf = oSamples.Number(nCount < 40 ? static_cast<unsigned>(nCount) + 1 : 40U);
-    TpGuardedRow<uint8_t> oWork(nCount + 2 * nHalf), oOut(nCount), oInPlace(aIn), oExpected(nCount);
-    pfnReference(aIn.data(), nCount, nHalf, oWork.Data(), oExpected.Data());
-    pfnKernel(aIn.data(), nCount, nHalf, oWork.Data(), oOut.Data());
-    pfnKernel(oInPlace.Data(), nCount, nHalf, oWork.Data(), oInPlace.Data());
-    ExpectSameAndGuarded(oOut, oExpected);
-    ExpectSameAndGuarded(oInPlace, oExpected);
-    EXPECT_TRUE(oWork.GuardsIntact());
+    const auto aEnter = oSamples.Row<T>(nCount), aLeave = oSamples.Row<T>(nCount);
+    const Sums aSums = oSamples.Row<uint32_t>(nCount, 1U << 30);
+    const auto fnCall = [&](auto pfn, auto* pSums) { pfn(aEnter.data(), pSums, nCount); };
+    ExpectLikeReference(pfnAdd, pfnPlainAdd, fnCall, aSums);
+    ExpectLikeReference(pfnTake, pfnPlainTake, fnCall, aSums);
+    const auto fnPlainMove = [=](const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nSums) noexcept {
+      pfnPlainAdd(pEnter, pSums, nSums);
+      pfnPlainTake(pLeave, pSums, nSums);
+    };
+    using Move = std::function<void(const T*, const T*, uint32_t*, size_t)>;
+    ExpectLikeReference(
+        Move(pfnMove), Move(fnPlainMove),
+        [&](const Move& fn, auto* pSums) { fn(aEnter.data(), aLeave.data(), pSums, nCount); }, aSums);
   });
 }
 
 }  // namespace
 
 TEST(ColumnSums, EveryLevelEqualsTheReferenceForEveryTail) {
-  ExpectColumnSumsLikeReference<uint8_t>(AddToColumnSumsU8, Reference::AddToColumnSumsU8);
-  ExpectColumnSumsLikeReference<uint8_t>(TakeFromColumnSumsU8, Reference::TakeFromColumnSumsU8);
-  ExpectColumnSumsLikeReference<uint16_t>(AddToColumnSumsU16, Reference::AddToColumnSumsU16);
-  ExpectColumnSumsLikeReference<uint16_t>(TakeFromColumnSumsU16, Reference::TakeFromColumnSumsU16);
-}
-
-TEST(ColumnSums, MovingIsAddingOneRowAndTakingAnother) {
-  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    const auto aEnter = oSamples.Row<uint8_t>(nCount), aLeave = oSamples.Row<uint8_t>(nCount);
-    const auto aWideEnter = oSamples.Row<uint16_t>(nCount), aWideLeave = oSamples.Row<uint16_t>(nCount);
-    const auto aSums = oSamples.Row<uint32_t>(nCount, 1U << 30);
-    TpGuardedRow<uint32_t> oOut(aSums), oExpected(aSums);
-    MoveColumnSumsU8(aEnter.data(), aLeave.data(), oOut.Data(), nCount);
-    MoveColumnSumsU16(aWideEnter.data(), aWideLeave.data(), oOut.Data(), nCount);
-    Reference::AddToColumnSumsU8(aEnter.data(), oExpected.Data(), nCount);
-    Reference::TakeFromColumnSumsU8(aLeave.data(), oExpected.Data(), nCount);
-    Reference::AddToColumnSumsU16(aWideEnter.data(), oExpected.Data(), nCount);
-    Reference::TakeFromColumnSumsU16(aWideLeave.data(), oExpected.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
-  });
+  ExpectColumnSumsLikeReference<uint8_t>(AddToColumnSumsU8, Reference::AddToColumnSumsU8,
+                                         TakeFromColumnSumsU8, Reference::TakeFromColumnSumsU8,
+                                         MoveColumnSumsU8);
+  ExpectColumnSumsLikeReference<uint16_t>(AddToColumnSumsU16, Reference::AddToColumnSumsU16,
+                                          TakeFromColumnSumsU16, Reference::TakeFromColumnSumsU16,
+                                          MoveColumnSumsU16);
 }
 
 TEST(SlidingMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWidth) {
@@ -85,26 +68,24 @@ TEST(SlidingMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWidth) {
 TEST(SlidingMeanRow, ASumJustBelowAMultipleOfTheAreaIsCutAndTheMultipleIsNot) {
   // A single column of nRows samples with the sum q * nRows - 1 has the mean q - 1. The largest area of the
   // narrow arithmetic, 16384, and the first one of the wide arithmetic are among these.
-  const ClLevelGuard oGuard;
-  for (int n = 0; n < eLevelCount; ++n) {
-    if (!SetLevel(static_cast<ELevel>(n))) continue;
+  ForEveryLevel([] {
     for (const uint32_t nRows : {3U, 49U, 225U, 10201U, 16383U, 16384U, 16385U, 99991U, 8388608U}) {
-      std::vector<uint32_t> aSums, aPrefix(512);
+      Sums aSums, aPrefix(512);
       for (uint32_t q = 1; q <= 255; ++q) aSums.insert(aSums.end(), {q * nRows - 1, q * nRows});
-      std::vector<uint8_t> aOut(aSums.size());
+      Bytes aOut(aSums.size());
       SlidingMeanRowU8(aSums.data(), aSums.size(), 0, nRows, aPrefix.data(), aOut.data());
       for (size_t i = 0; i < aOut.size(); ++i)
         ASSERT_EQ(aOut[i], (i + 1) / 2) << nRows << " rows, place " << i;
     }
-  }
+  });
 }
 
 TEST(SlidingMeanRow, TheWindowIsClippedAtBothEnds) {
-  const std::vector<uint32_t> aSums = {10, 20, 60, 100, 7};
-  std::vector<uint32_t> aPrefix(6);
-  std::vector<uint8_t> aOut(5);
+  const Sums aSums = {10, 20, 60, 100, 7};
+  Sums aPrefix(6);
+  Bytes aOut(5);
   SlidingMeanRowU8(aSums.data(), 5, 1, 1, aPrefix.data(), aOut.data());
-  EXPECT_EQ(aOut, (std::vector<uint8_t>{15, 30, 60, 55, 53}));
+  EXPECT_EQ(aOut, (Bytes{15, 30, 60, 55, 53}));
 }
 
 TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
@@ -115,48 +96,47 @@ TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
         oSamples.Number(9), oSamples.Number(9), nRows, static_cast<int32_t>(oSamples.Number(6)) - 3, 200, 7};
     const auto aIn = oSamples.Row<uint8_t>(nCount, 5);
     const auto aSums = oSamples.Row<uint32_t>(nCount, nRows * 5);
-    std::vector<uint32_t> aPrefix(nCount + 1);
-    TpGuardedRow<uint8_t> oOut(nCount), oExpected(nCount);
-    Reference::AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), oExpected.Data());
-    AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), oOut.Data());
-    ExpectSameAndGuarded(oOut, oExpected);
+    Sums aPrefix(nCount + 1);
+    ExpectLikeReference(
+        AboveMeanRow, Reference::AboveMeanRow,
+        [&](auto pfn, auto* pOut) { pfn(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), pOut); },
+        Bytes(nCount));
   });
 }
 
-TEST(RankRows, EveryLevelEqualsTheReferenceForEveryTail) {
+TEST(RankRows, EveryLevelEqualsTheReferenceForEveryTailAndWidthAlsoInPlace) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    const auto aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);
-    TpGuardedRow<uint8_t> oMin(nCount), oExpectedMin(nCount), oMax(aA), oExpectedMax(nCount);
-    Reference::MinRows(aA.data(), aB.data(), oExpectedMin.Data(), nCount);
-    Reference::MaxRows(aA.data(), aB.data(), oExpectedMax.Data(), nCount);
-    MinRows(aA.data(), aB.data(), oMin.Data(), nCount);
-    MaxRows(oMax.Data(), aB.data(), oMax.Data(), nCount);
-    ExpectSameAndGuarded(oMin, oExpectedMin);
-    ExpectSameAndGuarded(oMax, oExpectedMax);
+    const Bytes aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);
+    const auto fnRows = [&](auto pfn, auto* pOut) { pfn(pOut, aB.data(), pOut, nCount); };
+    ExpectLikeReference(MinRows, Reference::MinRows, fnRows, aA);
+    ExpectLikeReference(MaxRows, Reference::MaxRows, fnRows, aA);
+    const size_t nHalf = oSamples.Number(nCount < 40 ? static_cast<unsigned>(nCount) + 1 : 40U);
+    const auto fnWindows = [&](auto pfn, auto* pOut, auto* pInPlace) {
+      TpGuardedRow<uint8_t> oWork(nCount + 2 * nHalf);
+      pfn(aA.data(), nCount, nHalf, oWork.Data(), pOut);
+      pfn(pInPlace, nCount, nHalf, oWork.Data(), pInPlace);
+      EXPECT_TRUE(oWork.GuardsIntact());
+    };
+    ExpectLikeReference(MinWindowRow, Reference::MinWindowRow, fnWindows, Bytes(nCount), aA);
+    ExpectLikeReference(MaxWindowRow, Reference::MaxWindowRow, fnWindows, Bytes(nCount), aA);
   });
-}
-
-TEST(RankWindows, EveryLevelEqualsTheReferenceForEveryTailAndWidth) {
-  ExpectWindowsLikeReference(MinWindowRow, Reference::MinWindowRow);
-  ExpectWindowsLikeReference(MaxWindowRow, Reference::MaxWindowRow);
 }
 
 TEST(RankWindows, TheWindowIsClippedAtBothEnds) {
-  const std::vector<uint8_t> aIn = {9, 5, 7, 200, 8};
-  std::vector<uint8_t> aWork(9), aOut(5);
+  const Bytes aIn = {9, 5, 7, 200, 8};
+  Bytes aWork(9), aOut(5);
   MinWindowRow(aIn.data(), 5, 2, aWork.data(), aOut.data());
-  EXPECT_EQ(aOut, (std::vector<uint8_t>{5, 5, 5, 5, 7}));
+  EXPECT_EQ(aOut, (Bytes{5, 5, 5, 5, 7}));
   MaxWindowRow(aIn.data(), 5, 1, aWork.data(), aOut.data());
-  EXPECT_EQ(aOut, (std::vector<uint8_t>{9, 9, 200, 200, 200}));
+  EXPECT_EQ(aOut, (Bytes{9, 9, 200, 200, 200}));
 }
 
 TEST(ZeroBitsRow, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const auto aIn = oSamples.Row<uint8_t>(nCount, 1 + oSamples.Number(254));
-    TpGuardedRow<uint64_t> oBits((nCount + 63) / 64), oExpected((nCount + 63) / 64);
-    Reference::ZeroBitsRow(aIn.data(), oExpected.Data(), nCount);
-    ZeroBitsRow(aIn.data(), oBits.Data(), nCount);
-    ExpectSameAndGuarded(oBits, oExpected);
+    ExpectLikeReference(
+        ZeroBitsRow, Reference::ZeroBitsRow, [&](auto pfn, auto* pBits) { pfn(aIn.data(), pBits, nCount); },
+        std::vector<uint64_t>((nCount + 63) / 64));
   });
 }
 
@@ -170,17 +150,18 @@ TEST(TapRows, EveryLevelEqualsTheReferenceForEveryTail) {
     for (size_t k = 0; k < nTaps; ++k) aTaps.push_back(static_cast<int32_t>(oSamples.Number(8190)) - 4095);
     const auto aIn = oSamples.Row<uint8_t>(4 * nCount);
     const std::vector<int8_t> aSigned(aIn.begin(), aIn.end());
-    TpGuardedRow<int32_t> oOut(nCount), oExpected(nCount);
-    Reference::WeightRowsU8(aIn.data(), aOffsets.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
-    WeightRowsU8(aIn.data(), aOffsets.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
-    Reference::WeightRowsI8(aSigned.data(), aOffsets.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
-    WeightRowsI8(aSigned.data(), aOffsets.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
+    const std::vector<int32_t> aOut(nCount);
+    const auto fnRows = [&](const auto& aRows) {
+      return [&](auto pfn, auto* pOut) {
+        pfn(aRows.data(), aOffsets.data(), aTaps.data(), nTaps, pOut, nCount);
+      };
+    };
+    ExpectLikeReference(WeightRowsU8, Reference::WeightRowsU8, fnRows(aIn), aOut);
+    ExpectLikeReference(WeightRowsI8, Reference::WeightRowsI8, fnRows(aSigned), aOut);
     const auto aWords = oSamples.Row<uint32_t>(nCount + nTaps - 1, 255 * 4095);
     const std::vector<int32_t> aLine(aWords.begin(), aWords.end());
-    Reference::WeightLine(aLine.data(), aTaps.data(), nTaps, oExpected.Data(), nCount);
-    WeightLine(aLine.data(), aTaps.data(), nTaps, oOut.Data(), nCount);
-    ExpectSameAndGuarded(oOut, oExpected);
+    ExpectLikeReference(
+        WeightLine, Reference::WeightLine,
+        [&](auto pfn, auto* pOut) { pfn(aLine.data(), aTaps.data(), nTaps, pOut, nCount); }, aOut);
   });
 }

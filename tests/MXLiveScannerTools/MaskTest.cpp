@@ -8,13 +8,14 @@
 
 namespace {
 
-/// A dim, noisy platen with a disc of ridges on it, some of them fainter than others.
-Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed) {
+/// A dim, noisy platen with a disc of ridges on it, some of them fainter than others, and on that a bright speck.
+Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed, double dRadius = 0.36) {
   std::mt19937 oRandom(nSeed);
   return MakeGrid(nWidth, nHeight, [&](int x, int y) {
     const int nNoise = static_cast<int>(oRandom() % 5);
     const double dX = x - nWidth * 0.45, dY = y - nHeight * 0.6;
-    if (std::hypot(dX / nWidth, dY / nHeight) > 0.36) return 9 + nNoise;
+    if (std::hypot(dX / nWidth, dY / nHeight) > dRadius) return 9 + nNoise;
+    if (std::max(std::fabs(dX), std::fabs(dY)) < 12) return 120 + nNoise;
     const double dRidge = 0.5 + 0.5 * std::cos(std::hypot(dX + 30, dY - 20) * 2 * M_PI / dPeriod);
     const double dContact = 0.25 + 0.75 * x / nWidth;
     return static_cast<int>(15 + 170 * dRidge * dContact) + nNoise;
@@ -28,12 +29,8 @@ void SetGrid(ClImage& oImage, const Grid& oGrid, int nPels) {
 }
 
 void ExpectGrid(const ClImage& oImage, const Grid& oGrid) {
-  const auto aActual = Samples<uint8_t>(oImage);
-  ASSERT_EQ(aActual.size(), oGrid.m_aNumbers.size());
-  for (size_t n = 0; n < aActual.size(); ++n) {
-    ASSERT_EQ(aActual[n], oGrid.m_aNumbers[n]) << "at " << n % static_cast<size_t>(oGrid.m_nWidth) << ", "
-                                               << n / static_cast<size_t>(oGrid.m_nWidth);
-  }
+  ASSERT_TRUE(oImage.HasSize(oGrid.m_nWidth, oGrid.m_nHeight));
+  ExpectSamples<uint8_t>(oImage, [&](int x, int y, int) { return oGrid.At(x, y); });
 }
 
 /// A white mask with one black rectangle in it, or the other way round, kMore pixels longer in its last row.
@@ -47,37 +44,29 @@ void SetRegion(ClImage& oMask, uint8_t nRegion, int nRows, int nColumns, int nMo
 
 }  // namespace
 
-TEST(Mask, OnTheInputsOwnResolutionItEqualsThePlainTwin) {
+TEST(Mask, EqualsThePlainTwinOnTheInputsOwnAndOnHalfTheResolutionAlsoInPlace) {
+  const struct {
+    int m_nWidth, m_nHeight;
+    double m_dPeriod, m_dRadius;
+    int m_nPels;
+  } aFrames[] = {{150, 210, 5.0, 0.36, 9842}, {131, 177, 5.0, 0.7, 9842}, {280, 420, 9.0, 0.36, 19685}};
   ClIpVT40R4Mask oMask;
-  for (const auto& [nWidth, nHeight] : {std::pair{150, 210}, {131, 177}}) {
+  for (const auto& [nWidth, nHeight, dPeriod, dRadius, nPels] : aFrames) {
     ClImage oIn, oOut;
-    const Grid oFrame = FingerFrame(nWidth, nHeight, 5.0, 51);
-    const Grid oExpected = PlainMask(oFrame, false);
+    const Grid oFrame = FingerFrame(nWidth, nHeight, dPeriod, 51, dRadius);
+    const Grid oExpected = PlainMask(oFrame, nPels == 19685);
     // The comparison is worth something only when there are both fingers and background.
     ASSERT_LT(*std::min_element(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end()), 30);
     ASSERT_GT(std::count(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end(), 255),
-              nWidth * nHeight / 4);
-    SetGrid(oIn, oFrame, 9842);
+              nWidth * nHeight / 10);
+    SetGrid(oIn, oFrame, nPels);
+    oIn.SetPels(nPels, nPels - 1);
     ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
     ExpectGrid(oOut, oExpected);
-    EXPECT_EQ(oOut.PelsX(), 9842);
+    EXPECT_EQ(std::make_pair(oOut.PelsX(), oOut.PelsY()), std::make_pair(nPels, nPels - 1));
     ASSERT_EQ(oMask.ApplyParam(oIn, oIn), 0);
     ExpectGrid(oIn, oExpected);
   }
-}
-
-TEST(Mask, OnHalfTheResolutionItEqualsThePlainTwin) {
-  ClImage oIn, oOut;
-  ClIpVT40R4Mask oMask;
-  const Grid oFrame = FingerFrame(280, 420, 9.0, 52);
-  const Grid oExpected = PlainMask(oFrame, true);
-  ASSERT_LT(*std::min_element(oExpected.m_aNumbers.begin(), oExpected.m_aNumbers.end()), 30);
-  SetGrid(oIn, oFrame, 19685);
-  ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
-  ExpectGrid(oOut, oExpected);
-  EXPECT_EQ(oOut.PelsY(), 19685);
-  ASSERT_EQ(oMask.ApplyParam(oIn, oIn), 0);
-  ExpectGrid(oIn, oExpected);
 }
 
 TEST(Mask, WidthOrResolutionChooseThePath) {
@@ -86,19 +75,18 @@ TEST(Mask, WidthOrResolutionChooseThePath) {
   ASSERT_NE(oOwn.m_aNumbers, oHalf.m_aNumbers);
   ClImage oIn, oOut;
   ClIpVT40R4Mask oMask;
-  SetGrid(oIn, oFrame, 19600);
-  oMask.ApplyParam(oIn, oOut);
-  ExpectGrid(oOut, oOwn);
-  SetGrid(oIn, oFrame, 19601);
-  oMask.ApplyParam(oIn, oOut);
-  ExpectGrid(oOut, oHalf);
+  const auto Masked = [&](int nPels) -> const ClImage& {
+    SetGrid(oIn, oFrame, nPels);
+    oMask.ApplyParam(oIn, oOut);
+    return oOut;
+  };
+  ExpectGrid(Masked(19600), oOwn);
+  ExpectGrid(Masked(19601), oHalf);
   ClParameterContainer oContainer;
   oMask.QueryParameters(oContainer);
   EXPECT_EQ(oContainer.Find("nInWidth500dpi")->GetValue(), "1600");
   oContainer.Find("nInWidth500dpi")->SetValue("160");
-  SetGrid(oIn, oFrame, 0);
-  oMask.ApplyParam(oIn, oOut);
-  ExpectGrid(oOut, oHalf);
+  ExpectGrid(Masked(0), oHalf);
 }
 
 TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
@@ -116,16 +104,14 @@ TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
   ClIpVT40R4Mask oMask;
   ClParameterContainer oContainer;
   oMask.QueryParameters(oContainer);
-  for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
-    oContainer.Find(szFade)->SetValue("5000");
-  }
   ClImage oIn, oOut;
   SetGrid(oIn, FingerFrame(60, 70, 5.0, 55), 9842);
-  EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
-  for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
-    oContainer.Find(szFade)->SetValue("-7");
+  for (const char* szWidth : {"5000", "-7"}) {
+    for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
+      oContainer.Find(szFade)->SetValue(szWidth);
+    }
+    EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
   }
-  EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
 }
 
 TEST(Mask, ErrorsHaveTheirNumbers) {
@@ -138,34 +124,28 @@ TEST(Mask, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(NumberOf([&] { oMask.Apply(); }), -701);
   EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oWide, oOut); }), -33);
   EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oColor, oOut); }), -44);
-  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }),
-            -44);  // 19685 pels per metre: half resolution
+  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }), -44) << "at half the resolution";
+  SetImage<uint8_t>(oOdd, 2, 3, {1, 2, 3, 4, 5, 6});
+  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }), -44);
   oOdd.SetPels(9842, 9842);
   EXPECT_EQ(oMask.ApplyParam(oOdd, oOut, 250, 1.0), 0);
 }
 
-TEST(MaskRegions, AHoleOf3999PixelsIsFilledAndOneOf4000Stays) {
+TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
   ClMaskRegions oRegions;
   ClImage oMask;
-  SetRegion(oMask, 0, 50, 79, 49);
-  oRegions.FillHoles(oMask);
-  EXPECT_EQ(Samples<uint8_t>(oMask), std::vector<uint8_t>(120 * 100, 255)) << 50 * 79 + 49;
-  SetRegion(oMask, 0, 50, 80, 0);
-  const auto aBefore = Samples<uint8_t>(oMask);
-  oRegions.FillHoles(oMask);
-  EXPECT_EQ(Samples<uint8_t>(oMask), aBefore);
-}
-
-TEST(MaskRegions, AnIslandOf2999PixelsGoesAndOneOf3000Stays) {
-  ClMaskRegions oRegions;
-  ClImage oMask;
-  SetRegion(oMask, 255, 50, 59, 49);
-  oRegions.RemoveIslands(oMask);
-  EXPECT_EQ(Samples<uint8_t>(oMask), std::vector<uint8_t>(120 * 100, 0)) << 50 * 59 + 49;
-  SetRegion(oMask, 255, 50, 60, 0);
-  const auto aBefore = Samples<uint8_t>(oMask);
-  oRegions.RemoveIslands(oMask);
-  EXPECT_EQ(Samples<uint8_t>(oMask), aBefore);
+  for (const auto& [nRegion, nColumns] : {std::pair(uint8_t{0}, 80), {uint8_t{255}, 60}}) {
+    const auto Remove = [&, bHole = nRegion == 0] {
+      bHole ? oRegions.FillHoles(oMask) : oRegions.RemoveIslands(oMask);
+      return Samples<uint8_t>(oMask);
+    };
+    // One pixel short of 50 full rows.
+    SetRegion(oMask, nRegion, 50, nColumns - 1, 49);
+    EXPECT_EQ(Remove(), std::vector<uint8_t>(120 * 100, static_cast<uint8_t>(255 - nRegion)));
+    SetRegion(oMask, nRegion, 50, nColumns, 0);
+    const auto aBefore = Samples<uint8_t>(oMask);
+    EXPECT_EQ(Remove(), aBefore);
+  }
 }
 
 TEST(MaskRegions, OnlyTheUpperCornersAreOpenBackground) {

@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <utility>
+#include <initializer_list>
+#include <numeric>
 #include <vector>
+
+#include "../MXImageProcessing/PlainLabels.h"
 
 /// A rectangle of numbers.
 struct Grid {
@@ -33,22 +36,18 @@ Grid MakeGrid(int nWidth, int nHeight, TNumber&& fnNumber) {
 
 inline Grid PlainMean(const Grid& oIn, int nFilter) {
   if (oIn.m_nWidth < nFilter || oIn.m_nHeight < nFilter) return oIn;
-  // Sums of all rectangles that begin in the corner.
-  std::vector<int64_t> aCorner(static_cast<size_t>((oIn.m_nWidth + 1) * (oIn.m_nHeight + 1)), 0);
-  const auto Corner = [&](int x, int y) -> int64_t& {
-    return aCorner[static_cast<size_t>(y * (oIn.m_nWidth + 1) + x)];
-  };
-  for (int y = 0; y < oIn.m_nHeight; ++y) {
-    for (int x = 0; x < oIn.m_nWidth; ++x) {
-      Corner(x + 1, y + 1) = oIn.At(x, y) + Corner(x, y + 1) + Corner(x + 1, y) - Corner(x, y);
-    }
-  }
-  const int nHalf = nFilter / 2;
+  const auto First = [nFilter](int n) { return std::max(n - nFilter / 2, 0); };
+  const auto End = [nFilter](int n, int nExtent) { return std::min(n + nFilter / 2 + 1, nExtent); };
+  const Grid oSums = MakeGrid(oIn.m_nWidth, oIn.m_nHeight, [&](int x, int y) {
+    int nSum = 0;
+    for (int u = First(x); u < End(x, oIn.m_nWidth); ++u) nSum += oIn.At(u, y);
+    return nSum;
+  });
   return MakeGrid(oIn.m_nWidth, oIn.m_nHeight, [&](int x, int y) {
-    const int nX0 = std::max(x - nHalf, 0), nX1 = std::min(x + nHalf + 1, oIn.m_nWidth);
-    const int nY0 = std::max(y - nHalf, 0), nY1 = std::min(y + nHalf + 1, oIn.m_nHeight);
-    const int64_t nSum = Corner(nX1, nY1) - Corner(nX0, nY1) - Corner(nX1, nY0) + Corner(nX0, nY0);
-    return static_cast<int>(nSum / ((nX1 - nX0) * (nY1 - nY0)));
+    int64_t nSum = 0;
+    for (int v = First(y); v < End(y, oIn.m_nHeight); ++v) nSum += oSums.At(x, v);
+    const int nArea = (End(x, oIn.m_nWidth) - First(x)) * (End(y, oIn.m_nHeight) - First(y));
+    return static_cast<int>(nSum / nArea);
   });
 }
 
@@ -104,12 +103,10 @@ inline Grid PlainTexture(const Grid& oSignal) {
       return nIs == nClass ? 255 : 0;
     });
     const Grid oShare = PlainMean(oMembers, 15);
-    for (int y = 0; y < oSignal.m_nHeight; ++y) {
-      for (int x = 0; x < oSignal.m_nWidth; ++x) {
-        const int nDifference = oShare.At(x, y) - aReference[nClass];
-        oDistance.At(x, y) += nDifference * nDifference / 6;
-      }
-    }
+    oDistance = MakeGrid(oSignal.m_nWidth, oSignal.m_nHeight, [&](int x, int y) {
+      const int nDifference = oShare.At(x, y) - aReference[nClass];
+      return oDistance.At(x, y) + nDifference * nDifference / 6;
+    });
   }
   return oDistance;
 }
@@ -117,45 +114,34 @@ inline Grid PlainTexture(const Grid& oSignal) {
 /// Regions of nOf with at most nLargest pixels become the other value; those that hold an upper corner are kept when
 /// bKeepCorners.
 inline void PlainReplace(Grid& oMask, int nOf, int nLargest, bool bKeepCorners) {
-  Grid oSeen(oMask.m_nWidth, oMask.m_nHeight);
-  for (int y = 0; y < oMask.m_nHeight; ++y) {
-    for (int x = 0; x < oMask.m_nWidth; ++x) {
-      if (oMask.At(x, y) != nOf || oSeen.At(x, y) != 0) continue;
-      std::vector<std::pair<int, int>> aRegion = {{x, y}};
-      oSeen.At(x, y) = 1;
-      bool bCorner = false;
-      for (size_t n = 0; n < aRegion.size(); ++n) {
-        const auto [nX, nY] = aRegion[n];
-        bCorner = bCorner || (nY == 0 && (nX == 0 || nX == oMask.m_nWidth - 1));
-        for (const auto& [u, v] : {std::pair{nX - 1, nY}, {nX + 1, nY}, {nX, nY - 1}, {nX, nY + 1}}) {
-          if (!oMask.Has(u, v) || oMask.At(u, v) != nOf || oSeen.At(u, v) != 0) continue;
-          oSeen.At(u, v) = 1;
-          aRegion.emplace_back(u, v);
-        }
-      }
-      if (static_cast<int>(aRegion.size()) > nLargest || (bKeepCorners && bCorner)) continue;
-      for (const auto& [nX, nY] : aRegion) oMask.At(nX, nY) = 255 - nOf;
-    }
+  int nLabels = 0;
+  const auto aLabels = PlainLabels(
+      oMask.m_nWidth, oMask.m_nHeight, [&](int x, int y) { return oMask.At(x, y) == nOf; }, nLabels);
+  std::vector<int> aSizes(static_cast<size_t>(nLabels) + 1, 0);
+  const auto SizeAt = [&](size_t n) -> int& { return aSizes[static_cast<size_t>(aLabels[n])]; };
+  for (size_t n = 0; n < aLabels.size(); ++n) ++SizeAt(n);
+  aSizes[0] = nLargest + 1;
+  if (bKeepCorners) SizeAt(0) = SizeAt(static_cast<size_t>(oMask.m_nWidth) - 1) = nLargest + 1;
+  for (size_t n = 0; n < aLabels.size(); ++n) {
+    if (SizeAt(n) <= nLargest) oMask.m_aNumbers[n] = 255 - nOf;
   }
 }
 
 /// What the mask processor makes of a frame, by its default parameters.
 inline Grid PlainMask(const Grid& oIn, bool bHalf) {
-  const auto Cell = [&](int x, int y, int n) { return oIn.At(2 * x + n % 2, 2 * y + n / 2); };
-  const int nWidth = bHalf ? oIn.m_nWidth / 2 : oIn.m_nWidth,
-            nHeight = bHalf ? oIn.m_nHeight / 2 : oIn.m_nHeight;
-  Grid oMean = oIn, oMax = oIn, oMin = oIn;
-  if (bHalf) {
-    oMean = MakeGrid(nWidth, nHeight, [&](int x, int y) {
-      return (Cell(x, y, 0) + Cell(x, y, 1) + Cell(x, y, 2) + Cell(x, y, 3)) / 4;
+  const int nWidth = bHalf ? oIn.m_nWidth / 2 : oIn.m_nWidth;
+  const int nHeight = bHalf ? oIn.m_nHeight / 2 : oIn.m_nHeight;
+  using Cell = std::initializer_list<int>;
+  const auto Reduced = [&](int (*pfnPick)(Cell)) {
+    if (!bHalf) return oIn;
+    return MakeGrid(nWidth, nHeight, [&](int x, int y) {
+      return pfnPick({oIn.At(2 * x, 2 * y), oIn.At(2 * x + 1, 2 * y), oIn.At(2 * x, 2 * y + 1),
+                      oIn.At(2 * x + 1, 2 * y + 1)});
     });
-    oMax = MakeGrid(nWidth, nHeight, [&](int x, int y) {
-      return std::max({Cell(x, y, 0), Cell(x, y, 1), Cell(x, y, 2), Cell(x, y, 3)});
-    });
-    oMin = MakeGrid(nWidth, nHeight, [&](int x, int y) {
-      return std::min({Cell(x, y, 0), Cell(x, y, 1), Cell(x, y, 2), Cell(x, y, 3)});
-    });
-  }
+  };
+  const Grid oMean = Reduced([](Cell o) { return std::accumulate(o.begin(), o.end(), 0) / 4; });
+  const Grid oMax = Reduced([](Cell o) { return std::max(o); });
+  const Grid oMin = Reduced([](Cell o) { return std::min(o); });
   Grid oBackground = PlainExtreme(PlainExtreme(oMin, -1), 1);
   for (int& n : oBackground.m_aNumbers) n = std::min(n, 64);
   oBackground = PlainMean(oBackground, 7);
@@ -164,15 +150,12 @@ inline Grid PlainMask(const Grid& oIn, bool bHalf) {
   const Grid oEnvelope = PlainMean(PlainExtreme(PlainExtreme(oUpper, 1), -1), 7);
   PlainFade(oSignal);
 
-  Grid oDistance = PlainTexture(oSignal);
-  for (int y = 0; y < nHeight; ++y) {
-    for (int x = 0; x < nWidth; ++x) {
-      int& nDistance = oDistance.At(x, y);
-      nDistance = static_cast<int>(std::sqrt(static_cast<double>(nDistance)) * 256);
-      if (oSignal.At(x, y) > 64) nDistance = 0;
-      if (oSignal.At(x, y) < 14) nDistance = 8847;
-    }
-  }
+  const Grid oTexture = PlainTexture(oSignal);
+  const Grid oDistance = MakeGrid(nWidth, nHeight, [&](int x, int y) {
+    if (oSignal.At(x, y) < 14) return 8847;
+    const double dTexture = oTexture.At(x, y);
+    return oSignal.At(x, y) > 64 ? 0 : static_cast<int>(std::sqrt(dTexture) * 256);
+  });
   const Grid oSmoothed = PlainMean(oDistance, 15);
   const Grid oBright =
       MakeGrid(nWidth, nHeight, [&](int x, int y) { return 2 * std::min(oEnvelope.At(x, y), 127); });

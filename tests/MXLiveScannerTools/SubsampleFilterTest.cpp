@@ -1,79 +1,51 @@
 // Resizing against its definition.
-#include <gtest/gtest.h>
-
-#include <algorithm>
+#include <array>
 #include <cmath>
-#include <random>
-#include <vector>
 
 #include "../MXImageProcessing/CallersBlock.h"
+#include "../MXImageProcessing/TestImages.h"
 #include "MXLiveScannerTools/TpIpSubsampleFilter.h"
-#include "MXTools/Exception.h"
-#include "MXTools/FpImage.h"
-#include "Raised.h"
 
 namespace {
 
 using ClFilter = ClIpSubsampleFilter<ClFilterLanczos2>;
 
 void FillRandom(ClImage& oImage, int nWidth, int nHeight) {
-  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 4000, 3000, true);
   std::mt19937 oRandom(5);
-  for (size_t n = 0; n < oImage.DataBytes(); ++n) oImage.Data()[n] = static_cast<unsigned char>(oRandom());
+  SetRandom<uint8_t>(oImage, nWidth, nHeight, oRandom);
+  oImage.SetPels(4000, 3000);
 }
 
-/// One axis by its definition, sample by sample.
-std::vector<uint8_t> SlowAxis(const std::vector<uint8_t>& aIn, int nOut) {
-  const int nIn = static_cast<int>(aIn.size());
-  std::vector<uint8_t> aOut;
-  for (int j = 0; j < nOut; ++j) {
-    const double c = static_cast<double>(nIn) * j / nOut;
-    const double w = 2.0 * nIn / nOut;
-    if (w < 2.0) {
-      aOut.push_back(aIn[static_cast<size_t>(std::max(0.0, c - w))]);
-      continue;
-    }
-    const double dPi = std::acos(-1.0);
-    int nSum = 0;
-    int nWeights = 0;
-    for (int i = std::max(0, static_cast<int>(c - w) - 1);
-         i <= std::min(nIn - 1, static_cast<int>(c + w) + 1); ++i) {
-      const double x = 2 * (i - c) / w;
-      double dWeight = 0;
-      if (x == 0) {
-        dWeight = 1;
-      } else if (std::fabs(x) < w) {
-        dWeight = std::sin(dPi * x) * std::sin(dPi * x * 0.5) / (dPi * dPi * x * x * 0.5);
-      }
-      nSum += static_cast<int>(dWeight * 1024) * aIn[static_cast<size_t>(i)];
-      nWeights += static_cast<int>(dWeight * 1024);
-    }
-    aOut.push_back(static_cast<uint8_t>(std::min(255, std::max(0, nSum / nWeights))));
+/// Sample j of an axis by its definition, of nIn samples fnSample(i) and nOut new ones.
+template <typename TSample>
+int SlowSample(int j, int nIn, int nOut, const TSample& fnSample) {
+  if (nIn == nOut) return fnSample(j);
+  const double c = static_cast<double>(nIn) * j / nOut, w = 2.0 * nIn / nOut, dPi = std::acos(-1.0);
+  if (w < 2.0) return fnSample(static_cast<int>(std::max(0.0, c - w)));
+  int nSum = 0, nWeights = 0;
+  const int nLast = std::min(nIn - 1, static_cast<int>(c + w) + 1);
+  for (int i = std::max(0, static_cast<int>(c - w) - 1); i <= nLast; ++i) {
+    const double x = 2 * (i - c) / w;
+    double dWeight = std::fabs(x) < w ? 1 : 0;
+    if (x != 0) dWeight *= std::sin(dPi * x) * std::sin(dPi * x * 0.5) / (dPi * dPi * x * x * 0.5);
+    nSum += static_cast<int>(dWeight * 1024) * fnSample(i);
+    nWeights += static_cast<int>(dWeight * 1024);
   }
-  return aOut;
+  return std::min(255, std::max(0, nSum / nWeights));
 }
 
 void ExpectResized(int nWidth, int nHeight, int nNewWidth, int nNewHeight) {
-  SCOPED_TRACE(testing::Message() << nWidth << 'x' << nHeight << " to " << nNewWidth << 'x' << nNewHeight);
-  ClImage oIn;
-  ClImage oOut;
+  ClImage oIn, oOut;
   FillRandom(oIn, nWidth, nHeight);
   ASSERT_EQ(ClFilter().ApplyParam(oIn, oOut, nNewWidth, nNewHeight), 0);
   ASSERT_TRUE(oOut.HasSize(nNewWidth, nNewHeight));
   EXPECT_EQ(oOut.PelsX(), 4000 * nNewWidth / nWidth);
   EXPECT_EQ(oOut.PelsY(), 3000 * nNewHeight / nHeight);
-  std::vector<std::vector<uint8_t>> aColumns;
-  for (int nX = 0; nX < nWidth; ++nX) {
-    std::vector<uint8_t> aColumn;
-    for (int nY = 0; nY < nHeight; ++nY) aColumn.push_back(oIn.Row<uint8_t>(nY)[nX]);
-    aColumns.push_back(nHeight == nNewHeight ? aColumn : SlowAxis(aColumn, nNewHeight));
-  }
-  for (int nY = 0; nY < nNewHeight; ++nY) {
-    std::vector<uint8_t> aRow;
-    for (const auto& aColumn : aColumns) aRow.push_back(aColumn[static_cast<size_t>(nY)]);
-    if (nWidth != nNewWidth) aRow = SlowAxis(aRow, nNewWidth);
-    ASSERT_TRUE(std::equal(aRow.begin(), aRow.end(), oOut.Row<uint8_t>(nY))) << "row " << nY;
-  }
+  ExpectSamples<uint8_t>(oOut, [&](int x, int y, int) {
+    return SlowSample(x, nWidth, nNewWidth, [&](int i) {
+      return SlowSample(y, nHeight, nNewHeight, [&](int j) { return int{oIn.Row<uint8_t>(j)[i]}; });
+    });
+  });
 }
 
 TEST(SubsampleFilter, EachWayOfResizingEqualsItsDefinition) {
@@ -87,29 +59,24 @@ TEST(SubsampleFilter, EachWayOfResizingEqualsItsDefinition) {
 }
 
 TEST(SubsampleFilter, AFlatImageStaysFlat) {
-  ClImage oIn;
-  ClImage oOut;
-  FillRandom(oIn, 90, 80);
+  ClImage oIn(90, 80, 1, 0, 0), oOut;
   oIn = static_cast<unsigned char>(173);
   ClFilter().ApplyParam(oIn, oOut, 40, 37);
-  for (int nY = 0; nY < 37; ++nY) {
-    for (int nX = 0; nX < 40; ++nX) ASSERT_EQ(oOut.Row<uint8_t>(nY)[nX], 173);
-  }
+  EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(40 * 37, 173));
 }
 
-TEST(SubsampleFilter, AFilterIsUsedForImagesOfSeveralSizesAndInPlace) {
+TEST(SubsampleFilter, AFilterIsUsedForImagesOfSeveralSizesInPlace) {
   ClFilter oFilter;
-  ClImage oFirst;
-  ClImage oSecond;
-  ClImage oExpected;
-  FillRandom(oFirst, 60, 40);
-  FillRandom(oSecond, 50, 44);
-  ClFilter().ApplyParam(oSecond, oExpected, 32, 22);
-  oFilter.ApplyParam(oFirst, oFirst, 32, 20);
-  oFilter.ApplyParam(oSecond, oSecond, 32, 22);
-  EXPECT_TRUE(oFirst.HasSize(32, 20));
-  EXPECT_EQ(std::vector<uint8_t>(oSecond.Data(), oSecond.Data() + oSecond.DataBytes()),
-            std::vector<uint8_t>(oExpected.Data(), oExpected.Data() + oExpected.DataBytes()));
+  ClImage oImage, oExpected;
+  // Each pair of sizes has the first extents or the last ones in common with the pair before.
+  for (const auto& [nWidth, nNewWidth, nHeight, nNewHeight] :
+       {std::array{60, 32, 40, 20}, {60, 30, 40, 22}, {50, 30, 44, 22}}) {
+    FillRandom(oImage, nWidth, nHeight);
+    ClFilter().ApplyParam(oImage, oExpected, nNewWidth, nNewHeight);
+    oFilter.ApplyParam(oImage, oImage, nNewWidth, nNewHeight);
+    ASSERT_TRUE(oImage.HasSize(nNewWidth, nNewHeight));
+    EXPECT_EQ(Samples<uint8_t>(oImage), Samples<uint8_t>(oExpected));
+  }
 }
 
 TEST(SubsampleFilter, LetsGoOfABlockThatItsCallerLentForOneRun) {
@@ -119,8 +86,7 @@ TEST(SubsampleFilter, LetsGoOfABlockThatItsCallerLentForOneRun) {
 }
 
 TEST(SubsampleFilter, RefusesWhatItCannotResize) {
-  ClImage oIn;
-  ClImage oOut;
+  ClImage oIn, oOut;
   FillRandom(oIn, 300, 40);
   const auto oRefused = [&](int nWidth, int nHeight) {
     return NumberOf([&] { ClFilter().ApplyParam(oIn, oOut, nWidth, nHeight); });
