@@ -1,6 +1,5 @@
 // Tests of the processors that change samples one by one or rearrange planes.
 #include <cmath>
-#include <cstring>
 
 #include "MXImageProcessing/IpConvertDataType.h"
 #include "MXImageProcessing/IpInvert.h"
@@ -50,26 +49,17 @@ TEST(ConvertDataType, FloatsGoTowardZeroAndStopAtTheLimits) {
 
 TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
   ClImage oImage;
-  SetImage<uint8_t>(oImage, 4, 1, {0, 63, 64, 255});
-  ClIpScale oScale;
-  ASSERT_EQ(oScale.ApplyParam(oImage, 4.0), 0);
-  EXPECT_EQ(Samples<uint8_t>(oImage), (std::vector<uint8_t>{0, 252, 255, 255}));
   SetImage<int16_t>(oImage, 2, 1, {-5, 7, 30000, -30000}, 2);
+  ClIpScale oScale;
   ASSERT_EQ(oScale.ApplyParam(oImage, -1.5), 0);
   EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{7, -10, -32768, 32767}));
   EXPECT_EQ(Summary(oScale), "ScaleFactor = -2");
 }
 
-template <typename T>
-class PointRules : public testing::Test {};
-TYPED_TEST_SUITE(PointRules, AllElementTypes, ClElementTypeNames);
-
-TYPED_TEST(PointRules, EqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
+TYPED_TEST(EveryType, PointRulesEqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
   std::mt19937 oRandom(44);
-  ClImage oAligned, oIn, oOut;
-  SetRandom<TypeParam>(oAligned, 35, 3, oRandom, 2);
-  oIn.NewWithType(oAligned.DataType(), 35, 3, 2, 19685, 9842, false);
-  for (int y = 0; y < 3; ++y) std::memcpy(oIn.Row<uint8_t>(y), oAligned.Row<uint8_t>(y), oIn.RowBytes());
+  ClImage oIn, oOut;
+  SetRandom<TypeParam>(oIn, 35, 3, oRandom, 2, false);
   // Ranges of its own, but those that the type always has.
   if (!std::is_same_v<TypeParam, uint8_t> && !std::is_same_v<TypeParam, int8_t>) oIn.SetBlackWhite(3.0, 90.0);
   const double dBlack = oIn.Black(), dWhite = oIn.White();
@@ -100,14 +90,13 @@ TYPED_TEST(PointRules, EqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
 
 TEST(SaturateBorders, AreCutToTheTypeAndMustBeInOrder) {
   ClImage oIn, oOut;
+  ClAnyImages o;
   SetImage<uint8_t>(oIn, 3, 1, {0, 100, 255});
   ClIpSaturate oSaturate;
   ASSERT_EQ(oSaturate.ApplyParam(oIn, oOut, -300.0, 500.0), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{0, 100, 255}));
   EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
-  ClImage oOdd;
-  oOdd.NewWithType(3, 1, 1, 1, 0, 0, true);
-  EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oOdd, oOut, 1.0, 2.0); }), -33);
+  EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(o.m_oUnknown, oOut, 1.0, 2.0); }), -33);
 }
 
 TEST(Planes, SplitAndJoinAreInverseInEveryType) {

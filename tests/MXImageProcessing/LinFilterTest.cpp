@@ -65,11 +65,7 @@ void ExpectWeighted(const ClImage& oIn, const ClImage& oOut, const std::vector<i
 
 }  // namespace
 
-template <typename T>
-class LinearFilters : public testing::Test {};
-TYPED_TEST_SUITE(LinearFilters, AllElementTypes, ClElementTypeNames);
-
-TYPED_TEST(LinearFilters, TheBellWeighsTheWindowAndIsCutOnce) {
+TYPED_TEST(EveryType, TheBellWeighsTheWindowAndIsCutOnce) {
   std::mt19937 oRandom(11);
   ClIpFilterGauss oGauss;
   for (const auto& [nWidth, nHeight] : g_aSizes) {
@@ -96,7 +92,7 @@ TYPED_TEST(LinearFilters, TheBellWeighsTheWindowAndIsCutOnce) {
   }
 }
 
-TYPED_TEST(LinearFilters, NegativeCoefficientsAndEvenWidthsAreWeighedLikeAnyOther) {
+TYPED_TEST(EveryType, NegativeCoefficientsAndEvenWidthsAreWeighedLikeAnyOther) {
   std::mt19937 oRandom(12);
   ClImage oIn, oOut, oDx, oDy;
   SetRandom<TypeParam>(oIn, 24, 19, oRandom);

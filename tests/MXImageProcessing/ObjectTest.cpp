@@ -52,21 +52,20 @@ TYPED_TEST(BinarizeLocal, APixelIsComparedWithTheMeanOfItsClippedWindow) {
 }
 
 TEST(BinarizeLocalLimits, AnImageBelowTheWindowIsCopiedAndErrorsHaveTheirNumbers) {
-  std::mt19937 oRandom(32);
-  ClImage oIn, oOut, oColor, oWide;
-  SetRandom<uint8_t>(oIn, 12, 10, oRandom);
-  SetRandom<uint8_t>(oColor, 12, 10, oRandom, 3);
-  SetRandom<uint16_t>(oWide, 12, 10, oRandom);
+  ClAnyImages o;
   ClIpBinarizeLocal2 oBinarize;
+  const auto Apply = [&](ClImage& oIn, long nWidthX, long nWidthY) {
+    return oBinarize.ApplyParam(oIn, o.m_oOut, nWidthX, nWidthY, 0);
+  };
   EXPECT_EQ(oBinarize.Apply(), -10);
-  for (const auto& [nWidthX, nWidthY] : {std::make_pair(13L, 3L), {3L, 11L}}) {
-    ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, nWidthX, nWidthY, 0), 0);
-    EXPECT_EQ(Samples<uint8_t>(oOut), Samples<uint8_t>(oIn));
+  for (const auto& [nWidthX, nWidthY] : {std::pair(3L, 1L), {1L, 3L}}) {
+    ASSERT_EQ(Apply(o.m_oByte, nWidthX, nWidthY), 0);
+    EXPECT_EQ(Samples<uint8_t>(o.m_oOut), Samples<uint8_t>(o.m_oByte));
   }
-  EXPECT_EQ(oBinarize.ApplyParam(oColor, oOut, 3, 3, 0), -101);
-  EXPECT_EQ(oBinarize.ApplyParam(oWide, oOut, 3, 3, 0), -101);
-  EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 0, 3, 0); }), -44);
-  EXPECT_EQ(NumberOf([&] { oBinarize.ApplyParam(oIn, oOut, 3, -1, 0); }), -44);
+  EXPECT_EQ(Apply(o.m_oColor, 1, 1), -101);
+  EXPECT_EQ(Apply(o.m_oWord, 1, 1), -101);
+  EXPECT_EQ(NumberOf([&] { Apply(o.m_oByte, 0, 3); }), -44);
+  EXPECT_EQ(NumberOf([&] { Apply(o.m_oByte, 3, -1); }), -44);
 }
 
 TEST(ConnectedComponent, ObjectsAreMeasuredInTheOrderOfTheirFirstPixels) {
@@ -138,17 +137,15 @@ TEST(ConnectedComponent, ARodGrownInAnyDirectionHasThatAngle) {
 }
 
 TEST(ConnectedComponent, ErrorsHaveTheirNumbers) {
-  ClImage oObjects, oGrey;
-  SetImage<uint8_t>(oObjects, 2, 1, {0, 1});
-  SetImage<uint8_t>(oGrey, 1, 2, {0, 1});
+  ClAnyImages o;
   ClIpConnectedComponent2 oComponents;
   Components aFound;
   EXPECT_EQ(NumberOf([&] { oComponents.Apply(); }), -37);
-  oComponents.m_pInImage = &oObjects;
+  oComponents.m_pInImage = &o.m_oByte;
   EXPECT_EQ(NumberOf([&] { oComponents.Apply(); }), -37);
   EXPECT_FALSE(oComponents.CanApply());
-  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(oObjects, aFound, &oGrey); }), -44);
+  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(o.m_oByte, aFound, &o.m_oEmpty); }), -44);
   EXPECT_FALSE(oComponents.CanApply());
-  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(oObjects, aFound, nullptr, &oObjects); }), -44);
+  EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(o.m_oByte, aFound, nullptr, &o.m_oByte); }), -44);
   EXPECT_TRUE(oComponents.CanApply());
 }

@@ -30,8 +30,8 @@ inline ClParameterInterface::ClParameter* OlderEntry(ClParameterInterface& oList
   return pEntry != nullptr ? pEntry : oList.GetParam(szName.c_str());
 }
 
-/// Both lists have szNames, separated by blanks, in their published form; nMissing of them are not in the older
-/// list. A value that is set by the older list shows in the published one, and defaults come back.
+/// Both lists have szNames, separated by blanks, in their published form and each but images with "=" and its
+/// default; nMissing of them are not in the older list. A value that is set by the older list shows in the published one, and defaults come back.
 inline void ExpectListsOfOneSetOfMembers(ClProcessorBase& oProcessor, const std::string& szNames,
                                          long nMissing = 0) {
   SCOPED_TRACE(oProcessor.Name());
@@ -46,6 +46,8 @@ inline void ExpectListsOfOneSetOfMembers(ClProcessorBase& oProcessor, const std:
     const std::string szName = oContainer.At(n)->GetName();
     SCOPED_TRACE(szName);
     szPublished += (n > 0 ? " " : "") + szName;
+    const std::string szDefault = oContainer.At(n)->GetDefaultValue();
+    if (szDefault != "NULL") szPublished += "=" + szDefault;
     ClParameterInterface::ClParameter* pEntry = OlderEntry(oList, szName);
     if (pEntry == nullptr && nMissing > 0) continue;
     ASSERT_NE(pEntry, nullptr);

@@ -33,12 +33,17 @@ struct ClElementTypeNames {
   }
 };
 
+/// The suite of what holds for every element type.
+template <typename T>
+class EveryType : public testing::Test {};
 using AllElementTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, double>;
+TYPED_TEST_SUITE(EveryType, AllElementTypes, ClElementTypeNames);
 
 /// An image with the given samples, rows one behind the other.
 template <typename T>
-void SetImage(ClImage& oImage, int nWidth, int nHeight, const std::vector<T>& aSamples, int nPlanes = 1) {
-  oImage.NewWithType(TypeOf<T>(), nWidth, nHeight, nPlanes, 19685, 9842, true);
+void SetImage(ClImage& oImage, int nWidth, int nHeight, const std::vector<T>& aSamples, int nPlanes = 1,
+              bool bAligned = true) {
+  oImage.NewWithType(TypeOf<T>(), nWidth, nHeight, nPlanes, 19685, 9842, bAligned);
   ASSERT_EQ(aSamples.size(), static_cast<size_t>(nWidth * nHeight * nPlanes));
   for (int y = 0; y < nHeight; ++y) {
     const auto pBegin = aSamples.begin() + y * oImage.SamplesPerRow();
@@ -93,17 +98,18 @@ T RandomSample(std::mt19937& oRandom) {
 }
 
 template <typename T>
-void SetRandom(ClImage& oImage, int nWidth, int nHeight, std::mt19937& oRandom, int nPlanes = 1) {
+void SetRandom(ClImage& oImage, int nWidth, int nHeight, std::mt19937& oRandom, int nPlanes = 1,
+               bool bAligned = true) {
   std::vector<T> aSamples(static_cast<size_t>(nWidth * nHeight * nPlanes));
   for (T& nSample : aSamples) nSample = RandomSample<T>(oRandom);
-  SetImage(oImage, nWidth, nHeight, aSamples, nPlanes);
+  SetImage(oImage, nWidth, nHeight, aSamples, nPlanes, bAligned);
 }
 
 /// A random image of any type, chosen at run time.
 inline void SetRandomOfType(ClImage& oImage, unsigned char nType, int nWidth, int nHeight,
-                            std::mt19937& oRandom, int nPlanes = 1) {
+                            std::mt19937& oRandom, int nPlanes = 1, bool bAligned = true) {
   DispatchElementType(nType, 0, [&](auto oElement) {
-    SetRandom<typename decltype(oElement)::Type>(oImage, nWidth, nHeight, oRandom, nPlanes);
+    SetRandom<typename decltype(oElement)::Type>(oImage, nWidth, nHeight, oRandom, nPlanes, bAligned);
     return 0L;
   });
 }
@@ -121,3 +127,17 @@ inline long double SampleAt(const ClImage& oImage, int nX, int nY) {
 constexpr unsigned char g_aTypes[] = {ClImage::eUint8,   ClImage::eInt8,    ClImage::eUint16,
                                       ClImage::eInt16,   ClImage::eUint32,  ClImage::eInt32,
                                       ClImage::eFloat32, ClImage::eDouble64};
+
+/// What processors are handed that take or refuse it: 2 by 2 samples but for the empty ones.
+struct ClAnyImages {
+  ClAnyImages() {
+    SetImage<uint8_t>(m_oByte, 2, 2, {1, 2, 3, 4});
+    SetImage<uint16_t>(m_oWord, 2, 2, {1, 2, 3, 4});
+    SetImage<int32_t>(m_oLong, 2, 2, {1, 2, 3, 4});
+    SetImage<float>(m_oFloat, 2, 2, {1, 2, 3, 4});
+    SetImage<uint8_t>(m_oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
+    m_oUnknown.NewWithType(3, 2, 2, 1, 0, 0, true);
+    m_oNoPixels.NewWithType(ClImage::eUint8, 0, 0, 1, 0, 0, true);
+  }
+  ClImage m_oByte, m_oWord, m_oLong, m_oFloat, m_oColor, m_oUnknown, m_oNoPixels, m_oEmpty, m_oOut;
+};

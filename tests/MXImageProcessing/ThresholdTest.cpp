@@ -206,30 +206,25 @@ TEST(Histogram, AnEmptyOneDividesByNothing) {
 }
 
 TEST(Histogram, ErrorsHaveTheirNumbers) {
-  ClImage oColor, oGrey, oWide;
-  SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
-  SetImage<uint8_t>(oGrey, 2, 1, {1, 2});
-  SetImage<uint16_t>(oWide, 1, 1, {1});
+  ClAnyImages o;
   ClHistogram oHistogram;
-  EXPECT_EQ(NumberOf([&] { oHistogram.Create(oColor); }), -101);
-  EXPECT_EQ(NumberOf([&] { oHistogram.Create(oGrey, 1, 0, 1, 1); }), -101);
-  EXPECT_EQ(NumberOf([&] { oHistogram.Create(oWide); }), -33);
-  oHistogram.Create(oGrey);
-  EXPECT_EQ(NumberOf([&] { oHistogram.GetBrightestAvrg(3); }), -44);
-  EXPECT_EQ(NumberOf([&] { oHistogram.GetDarkestAvrg(3); }), -44);
-  EXPECT_EQ(NumberOf([&] { oHistogram.GetMid(3, 2); }), -35);
-  EXPECT_EQ(NumberOf([&] { oHistogram.GetLocalMin(3, 2); }), -35);
-  EXPECT_EQ(NumberOf([&] { oHistogram.GetLocalMax(3, 2); }), -35);
-  EXPECT_THAT(
-      Raised([&] { oHistogram.GetCentreOfMass(3, 2); }).second,
-      testing::HasSubstr("ClHistogram::GetCentreOfMass(BYTE nPos1, BYTE nPos2): nPos2 >= nPos1 must given."));
+  EXPECT_EQ(NumberOf([&] { oHistogram.Create(o.m_oColor); }), -101);
+  EXPECT_EQ(NumberOf([&] { oHistogram.Create(o.m_oByte, 1, 0, 1, 1); }), -101);
+  EXPECT_EQ(NumberOf([&] { oHistogram.Create(o.m_oWord); }), -33);
+  oHistogram.Create(o.m_oByte);
+  EXPECT_EQ(NumberOf([&] { oHistogram.GetBrightestAvrg(5); }), -44);
+  EXPECT_EQ(NumberOf([&] { oHistogram.GetDarkestAvrg(5); }), -44);
+  for (const auto& [pfnGet, szName] : {std::pair(&ClHistogram::GetMid, "GetMid"),
+                                       {&ClHistogram::GetLocalMin, "GetLocalMin"},
+                                       {&ClHistogram::GetLocalMax, "GetLocalMax"},
+                                       {&ClHistogram::GetCentreOfMass, "GetCentreOfMass"}}) {
+    const std::string sText = std::string(szName) + "(BYTE nPos1, BYTE nPos2): nPos2 >= nPos1 must given.";
+    EXPECT_THAT(Raised([&, pfn = pfnGet] { (oHistogram.*pfn)(3, 2); }),
+                testing::Pair(-35, testing::HasSubstr("ClHistogram::" + sText)));
+  }
 }
 
-template <typename T>
-class BinarizeGlobal : public testing::Test {};
-TYPED_TEST_SUITE(BinarizeGlobal, AllElementTypes, ClElementTypeNames);
-
-TYPED_TEST(BinarizeGlobal, SamplesAtTheThresholdAreWhiteInEveryType) {
+TYPED_TEST(EveryType, SamplesAtTheGlobalThresholdAreWhite) {
   ClImage oIn, oOut;
   SetImage<TypeParam>(oIn, 5, 1, {0, 99, 100, 101, 120});
   oIn.SetBlackWhite(0, 120);
@@ -305,11 +300,10 @@ TEST(Labeling, DiagonalNeighboursAreTwoObjectsAndArmsThatMeetBelowAreOne) {
 }
 
 TEST(Labeling, ErrorsHaveTheirNumbers) {
-  ClImage oIn;
-  SetImage<uint8_t>(oIn, 1, 1, {0});
+  ClAnyImages o;
   ClIpLabeling oLabeling;
   EXPECT_EQ(NumberOf([&] { oLabeling.Apply(); }), -37);
-  oLabeling.m_pInImage = &oIn;
+  oLabeling.m_pInImage = &o.m_oByte;
   EXPECT_EQ(NumberOf([&] { oLabeling.Apply(); }), -37);
-  EXPECT_EQ(NumberOf([&] { oLabeling.ApplyParam(oIn, oIn); }), -44);
+  EXPECT_EQ(NumberOf([&] { oLabeling.ApplyParam(o.m_oByte, o.m_oByte); }), -44);
 }

@@ -120,3 +120,6 @@ void ExpectLikeReference(TKernel pfnKernel, TKernel pfnReference, const TCall& f
       },
       aActual);
 }
+
+/// The same for a kernel and the twin of its name.
+#define EXPECT_LIKE_REFERENCE(Kernel, ...) ExpectLikeReference(Kernel, Reference::Kernel, __VA_ARGS__)

@@ -11,8 +11,8 @@ TEST(MaskRows, EveryLevelEqualsTheReferenceForEveryTail) {
     // Few grey levels, so that equal neighbours occur.
     const Bytes aAbove = oSamples.Row<uint8_t>(nCount, 3), aBelow = oSamples.Row<uint8_t>(nCount, 3);
     const Bytes aCentre = oSamples.Row<uint8_t>(nCount + 2, nCount % 2 ? 3 : 255);
-    ExpectLikeReference(
-        TextureClassRow, Reference::TextureClassRow,
+    EXPECT_LIKE_REFERENCE(
+        TextureClassRow,
         [&](auto pfn, auto* pOut) {
           pfn(aAbove.data(), aCentre.data() + 1, aBelow.data(), pOut, nCount, aClasses);
         },
@@ -21,29 +21,13 @@ TEST(MaskRows, EveryLevelEqualsTheReferenceForEveryTail) {
     const Bytes aNear = oSamples.Row<uint8_t>(nCount), aFar = oSamples.Row<uint8_t>(nCount);
     const auto nLimit = static_cast<uint16_t>(oSamples.Number(65535));
     const int32_t nFog = static_cast<int32_t>(oSamples.Number(200)) - 20;
-    ExpectLikeReference(
-        FingerRow, Reference::FingerRow,
+    EXPECT_LIKE_REFERENCE(
+        FingerRow,
         [&](auto pfn, auto* pOut) {
           pfn(aDistance.data(), aNear.data(), aFar.data(), pOut, nCount, nLimit, nFog);
         },
         Bytes(nCount));
   });
-}
-
-TEST(TextureClassRow, EachNeighbourOwnsItsBitAndEqualOnesAreNotBrighter) {
-  uint8_t aPattern[16];
-  for (int n = 0; n < 16; ++n) aPattern[n] = static_cast<uint8_t>(n);
-  const auto PatternOf = [&](uint8_t nAbove, uint8_t nRight, uint8_t nBelow, uint8_t nLeft) {
-    const uint8_t aCentre[3] = {nLeft, 100, nRight};
-    uint8_t nOut = 99;
-    TextureClassRow(&nAbove, aCentre + 1, &nBelow, &nOut, 1, aPattern);
-    return int{nOut};
-  };
-  EXPECT_EQ(PatternOf(101, 100, 100, 100), 1);
-  EXPECT_EQ(PatternOf(100, 101, 100, 0), 2);
-  EXPECT_EQ(PatternOf(99, 100, 255, 100), 4);
-  EXPECT_EQ(PatternOf(100, 100, 100, 101), 8);
-  EXPECT_EQ(PatternOf(100, 100, 100, 100), 0);
 }
 
 TEST(AddSquaredDistanceRow, EveryLevelDividesExactlyForEveryDifference) {
@@ -52,18 +36,10 @@ TEST(AddSquaredDistanceRow, EveryLevelDividesExactlyForEveryDifference) {
   ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
     const size_t nAll = nCount % 8 == 0 ? 256 : nCount;
     const auto nReference = static_cast<uint8_t>(nCount == 0 ? 255 : oSamples.Number(255));
-    ExpectLikeReference(
-        AddSquaredDistanceRow, Reference::AddSquaredDistanceRow,
-        [&](auto pfn, auto* pSums) { pfn(aShare.data(), nReference, pSums, nAll); },
+    EXPECT_LIKE_REFERENCE(
+        AddSquaredDistanceRow, [&](auto pfn, auto* pSums) { pfn(aShare.data(), nReference, pSums, nAll); },
         oSamples.Row<uint16_t>(nAll));
   });
-}
-
-TEST(AddSquaredDistanceRow, ASixthIsTakenOfEachSquareBeforeItIsAdded) {
-  const Bytes aShare = {49, 0, 255};
-  Words aDistance = {10, 10, 10};
-  AddSquaredDistanceRow(aShare.data(), 44, aDistance.data(), 3);
-  EXPECT_EQ(aDistance, (Words{14, 332, 7430}));  // 25 / 6, 1936 / 6, 44521 / 6
 }
 
 TEST(FingerRow, TheLimitsThemselvesAreNoFinger) {

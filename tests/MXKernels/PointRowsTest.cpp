@@ -34,22 +34,13 @@ TEST(PointRows, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
     }
     const auto nLower = static_cast<uint8_t>(oSamples.Number(200));
     const auto nUpper = static_cast<uint8_t>(nLower + oSamples.Number(55));
-    ExpectLikeReference(
-        ClampRow, Reference::ClampRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nLower, nUpper); },
-        aLit);
-    ExpectLikeReference(
-        ThresholdRow, Reference::ThresholdRow,
-        [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nUpper, 7, 200); }, aLit);
-    ExpectLikeReference(
-        EqualRow, Reference::EqualRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, 255); }, aLit);
+    EXPECT_LIKE_REFERENCE(
+        ClampRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nLower, nUpper); }, aLit);
+    EXPECT_LIKE_REFERENCE(
+        ThresholdRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nUpper, 7, 200); }, aLit);
+    EXPECT_LIKE_REFERENCE(
+        EqualRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, 255); }, aLit);
   });
-}
-
-TEST(SubtractSaturated, ADarkerLitPixelGivesZeroAndDoesNotWrap) {
-  const Bytes aLit(100, 10), aDark(100, 11);
-  Bytes aOut(100, 1);
-  SubtractSaturated(aLit.data(), aDark.data(), aOut.data(), 100);
-  EXPECT_EQ(aOut, Bytes(100, 0));
 }
 
 TEST(InvertedBlendRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
@@ -72,29 +63,19 @@ TEST(AdjustBrightnessRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
     const size_t nAll = nCount % 16 == 0 ? aIn.size() : nCount;
     const auto nValue = static_cast<uint8_t>(nCount == 0 ? 255 : oSamples.Number(255));
     const auto nMinimum = static_cast<uint8_t>(nCount == 0 ? 1 : 1 + oSamples.Number(30));
-    ExpectLikeReference(
-        AdjustBrightnessRow, Reference::AdjustBrightnessRow,
+    EXPECT_LIKE_REFERENCE(
+        AdjustBrightnessRow,
         [&](auto pfn, auto* pOut) { pfn(aIn.data(), aReference.data(), pOut, nAll, nValue, nMinimum); },
         Bytes(nAll));
   });
-}
-
-TEST(AdjustBrightnessRow, CapsDarkReferencesAndLimitsTheResult) {
-  // 100 * 128 / 200 = 64; 10 * 128 / 2 passes 255; 1 * 128 / 3 = 42 with the reference raised to 3.
-  const Bytes aIn = {100, 10, 1}, aReference = {200, 2, 1};
-  Bytes aOut(3);
-  AdjustBrightnessRow(aIn.data(), aReference.data(), aOut.data(), 3, 128, 2);
-  EXPECT_EQ(aOut, (Bytes{64, 255, 64}));
-  AdjustBrightnessRow(aIn.data(), aReference.data(), aOut.data(), 3, 128, 3);
-  EXPECT_EQ(aOut, (Bytes{64, 255, 42}));
 }
 
 TEST(BalanceCellsRow, EveryLevelEqualsTheReferenceForEveryTailInPlace) {
   ForEveryLevelAndTail([](size_t nCells, ClSamples& oSamples) {
     Bytes aMeans[4];
     for (Bytes& aMean : aMeans) aMean = oSamples.Row<uint8_t>(nCells);
-    ExpectLikeReference(
-        BalanceCellsRow, Reference::BalanceCellsRow,
+    EXPECT_LIKE_REFERENCE(
+        BalanceCellsRow,
         [&](auto pfn, auto* pUpper, auto* pLower) {
           pfn({{aMeans[0].data(), aMeans[1].data(), aMeans[2].data(), aMeans[3].data()},
                pUpper,
@@ -105,16 +86,6 @@ TEST(BalanceCellsRow, EveryLevelEqualsTheReferenceForEveryTailInPlace) {
         },
         oSamples.Row<uint8_t>(2 * nCells), oSamples.Row<uint8_t>(2 * nCells));
   });
-}
-
-TEST(BalanceCellsRow, DrawsEachPhaseToTheMeanOfAllFour) {
-  // Means 99, 199, 99, 199 are raised to 100 and 200; the target is 150. A sample of 99 becomes
-  // 100 * 150 / 100 - 1 = 149 in a weak phase and 100 * 150 / 200 - 1 = 74 in a strong one.
-  const uint8_t nWeak = 99, nStrong = 199;
-  const uint8_t aSamples[2] = {99, 99};
-  Bytes aOut(4);
-  BalanceCellsRow({{&nWeak, &nStrong, &nWeak, &nStrong}, aSamples, aSamples, &aOut[0], &aOut[2]}, 1);
-  EXPECT_EQ(aOut, (Bytes{149, 74, 149, 74}));
 }
 
 TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {

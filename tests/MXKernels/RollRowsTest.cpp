@@ -7,8 +7,8 @@ TEST(RollRows, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Bytes aIn = oSamples.Row<uint8_t>(nCount), aWeight = oSamples.Row<uint8_t>(nCount);
     const auto fnCall = [&](auto pfn, auto* pOut) { pfn(aIn.data(), aWeight.data(), pOut, nCount); };
-    ExpectLikeReference(WeightedBlendRow, Reference::WeightedBlendRow, fnCall, oSamples.Row<uint8_t>(nCount));
-    ExpectLikeReference(BelowRow, Reference::BelowRow, fnCall, Bytes(nCount));
+    EXPECT_LIKE_REFERENCE(WeightedBlendRow, fnCall, oSamples.Row<uint8_t>(nCount));
+    EXPECT_LIKE_REFERENCE(BelowRow, fnCall, Bytes(nCount));
   });
 }
 

@@ -23,11 +23,11 @@ TEST(SplineRows, EveryLevelEqualsTheReferenceForEveryTail) {
     const Doubles aX = Places(nCount, oSamples), aStart = Places(nCount, oSamples);
     for (const SplinePoint oPoint :
          {SplinePoint{800, 0}, SplinePoint{800, 1e-200}, SplinePoint{-3.7, 640000.3}}) {
-      ExpectLikeReference(
-          AddSplineBasisRow, Reference::AddSplineBasisRow,
-          [&](auto pfn, auto* pSum) { pfn(aX.data(), nCount, oPoint, 1.0 / 3, pSum); }, aStart);
-      ExpectLikeReference(
-          AddSplineBasisPairRow, Reference::AddSplineBasisPairRow,
+      EXPECT_LIKE_REFERENCE(
+          AddSplineBasisRow, [&](auto pfn, auto* pSum) { pfn(aX.data(), nCount, oPoint, 1.0 / 3, pSum); },
+          aStart);
+      EXPECT_LIKE_REFERENCE(
+          AddSplineBasisPairRow,
           [&](auto pfn, auto* pA, auto* pB) { pfn(aX.data(), nCount, oPoint, -0.7, 1e-9, pA, pB); }, aStart,
           aStart);
     }
