@@ -120,18 +120,16 @@ TEST(FilterMid, WithARemainderImageMeansAreCutAndTheRestIsKeptIn256ths) {
   for (const long nFilter : {3L, 7L, 15L}) {
     ASSERT_EQ(oMid.ApplyParam(oIn, oOut, nFilter), 0);
     ExpectFiltered<uint8_t>(oIn, oOut, nFilter / 2, nFilter / 2, Mean<uint8_t>);
-    ExpectFiltered<uint8_t>(oIn, oRemainder, nFilter / 2, nFilter / 2,
-                            [](const std::vector<uint8_t>& aWindow) {
-                              double dSum = 0;
-                              for (const uint8_t n : aWindow) dSum += n;
-                              const double dMean = dSum / static_cast<double>(aWindow.size());
-                              return static_cast<uint8_t>((dMean - std::floor(dMean)) * 256);
-                            });
+    ExpectFiltered<uint8_t>(oIn, oRemainder, nFilter / 2, nFilter / 2, [](const Bytes& aWindow) {
+      double dSum = 0;
+      for (const uint8_t n : aWindow) dSum += n;
+      const double dMean = dSum / static_cast<double>(aWindow.size());
+      return static_cast<uint8_t>((dMean - std::floor(dMean)) * 256);
+    });
   }
   // Smaller than the window: the samples are their own means.
-  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 19), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), Samples<uint8_t>(oIn));
-  EXPECT_EQ(Samples<uint8_t>(oRemainder), std::vector<uint8_t>(21 * 17, 0));
+  EXPECT_EQ(Made<uint8_t>(oMid.ApplyParam(oIn, oOut, 19), oOut), Samples<uint8_t>(oIn));
+  EXPECT_EQ(Samples<uint8_t>(oRemainder), Bytes(21 * 17, 0));
   oMid.m_pRemainderImage = &oOut;
   EXPECT_EQ(oMid.ApplyParam(oIn, oOut, 3), -10);
 }
@@ -141,8 +139,7 @@ TEST(FilterMid, AWindowBeyondTheKernelsSumsIsStillExact) {
   ClImage oIn, oOut;
   SetImage(oIn, 310, 305, std::vector<uint16_t>(310 * 305, 65535));
   ClIpFilterMid oMid;
-  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 301), 0);
-  EXPECT_EQ(Samples<uint16_t>(oOut), std::vector<uint16_t>(310 * 305, 65535));
+  EXPECT_EQ(Made<uint16_t>(oMid.ApplyParam(oIn, oOut, 301), oOut), std::vector<uint16_t>(310 * 305, 65535));
 }
 
 TEST(FilterMid, WidthThreeOnBytesRoundsInsteadOfCutting) {
@@ -151,16 +148,14 @@ TEST(FilterMid, WidthThreeOnBytesRoundsInsteadOfCutting) {
   ClImage oIn, oOut;
   SetImage<uint8_t>(oIn, 4, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
   ClIpFilterMid oMid;
-  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), (std::vector<uint8_t>{4, 4, 5, 6, 5, 6, 7, 7, 8, 8, 9, 10}));
+  EXPECT_EQ(Made<uint8_t>(oMid.ApplyParam(oIn, oOut, 3), oOut), (Bytes{4, 4, 5, 6, 5, 6, 7, 7, 8, 8, 9, 10}));
   // A sum of 6 is the smallest that is rounded up.
   SetImage<uint8_t>(oIn, 3, 3, {0, 0, 0, 0, 6, 0, 0, 0, 0});
   ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
   EXPECT_EQ(oOut.Row<uint8_t>(1)[1], 1);
   // The largest sums stay inside a byte.
-  SetImage(oIn, 5, 4, std::vector<uint8_t>(20, 255));
-  ASSERT_EQ(oMid.ApplyParam(oIn, oOut, 3), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(20, 255));
+  SetImage(oIn, 5, 4, Bytes(20, 255));
+  EXPECT_EQ(Made<uint8_t>(oMid.ApplyParam(oIn, oOut, 3), oOut), Bytes(20, 255));
 }
 
 TEST(FilterMid, NegativeMeansAreCutTowardZeroAndAnEvenWidthCountsAsTheNextOddOne) {

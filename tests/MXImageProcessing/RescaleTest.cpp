@@ -109,8 +109,6 @@ std::vector<T> Rescaled(const std::vector<T>& aRow, int nWidth, ClIpRescale::ePr
   return Samples<T>(oOut);
 }
 
-using Row8 = std::vector<uint8_t>;
-
 }  // namespace
 
 TEST(Rescale, AreaMeansBlendsAndPicksEqualThePlainVersion) {
@@ -120,13 +118,13 @@ TEST(Rescale, AreaMeansBlendsAndPicksEqualThePlainVersion) {
 
 TEST(Rescale, HandMadeRows) {
   // 5 samples to 2: the boundary cuts the third one in halves.
-  EXPECT_EQ(Rescaled<uint8_t>({10, 20, 30, 40, 51}, 2, eBiLinear), (Row8{18, 42}));
+  EXPECT_EQ(Rescaled<uint8_t>({10, 20, 30, 40, 51}, 2, eBiLinear), (Bytes{18, 42}));
   EXPECT_EQ(Rescaled<int8_t>({-1, -2}, 1, eBiLinear), (std::vector<int8_t>{-1})) << "cut toward zero";
   // The first and last half sample have one neighbour only; between them 1/4 and 3/4.
-  EXPECT_EQ(Rescaled<uint8_t>({0, 100}, 4, eBiLinear), (Row8{0, 25, 75, 100}));
-  EXPECT_EQ(Rescaled<uint8_t>({1, 2, 3}, 6, eNearest), (Row8{1, 1, 2, 2, 3, 3}));
-  EXPECT_EQ(Rescaled<uint8_t>({10, 20, 30, 40}, 2, eFantMar), (Row8{15, 35}));
-  EXPECT_EQ(Rescaled<uint8_t>({10, 30}, 4, eFantMar), (Row8{10, 20, 30, 30}));
+  EXPECT_EQ(Rescaled<uint8_t>({0, 100}, 4, eBiLinear), (Bytes{0, 25, 75, 100}));
+  EXPECT_EQ(Rescaled<uint8_t>({1, 2, 3}, 6, eNearest), (Bytes{1, 1, 2, 2, 3, 3}));
+  EXPECT_EQ(Rescaled<uint8_t>({10, 20, 30, 40}, 2, eFantMar), (Bytes{15, 35}));
+  EXPECT_EQ(Rescaled<uint8_t>({10, 30}, 4, eFantMar), (Bytes{10, 20, 30, 30}));
 }
 
 TEST(Rescale, WholeFactorsRepeatOrAverageAndTheTailRepeatsTheLast) {
@@ -136,16 +134,16 @@ TEST(Rescale, WholeFactorsRepeatOrAverageAndTheTailRepeatsTheLast) {
   ClIpRescale oRescale;
   // 2.6 times is rounded up to 3; 13 columns have no room for all of 15. 0.5 halves the rows.
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 2600, 500, eWhole), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), (Row8{6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 14}));
+  EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 14}));
   EXPECT_EQ(oOut.PelsX(), 2600);
   // 2.5 times is 2: ten samples for 13 places, the last one repeated.
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 2500, 1000, eWhole), 0);
   ASSERT_TRUE(oOut.HasSize(13, 2));
-  EXPECT_EQ(Row8(oOut.Row<uint8_t>(0), oOut.Row<uint8_t>(0) + 13),
-            (Row8{1, 1, 2, 2, 3, 3, 4, 4, 9, 9, 9, 9, 9}));
+  EXPECT_EQ(Bytes(oOut.Row<uint8_t>(0), oOut.Row<uint8_t>(0) + 13),
+            (Bytes{1, 1, 2, 2, 3, 3, 4, 4, 9, 9, 9, 9, 9}));
   // A factor of -2; the last run has one sample.
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 500, 1000, eWhole), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), (Row8{1, 3, 9, 11, 13, 19}));
+  EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{1, 3, 9, 11, 13, 19}));
 }
 
 TEST(Rescale, CubicWeightsAreThoseOfTheDistanceInThePlaneOrOnTheAxes) {
@@ -206,7 +204,7 @@ TEST(Rescale, SizesAndResolutionsFollowEachOther) {
   EXPECT_EQ(Samples<uint16_t>(oOut), Samples<uint16_t>(oIn)) << "its own size is a copy of any type";
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 19685, 9842, eBiLinear), 0);
   EXPECT_TRUE(oOut.HasSize(4, 3));
-  SetImage<uint8_t>(oIn, 4, 3, Row8(12, 50));
+  SetImage<uint8_t>(oIn, 4, 3, Bytes(12, 50));
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 9842, 9843, eBiLinear), 0);
   // 4 * 9842 / 19685 is 1.9999, and 3 * 9843 / 9842 is 3.0003.
   EXPECT_TRUE(oOut.HasSize(2, 4));
@@ -232,7 +230,7 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(NumberOf([&] { oRescale.ApplyParamSize(oWide, oOut, 5, 5, eBiLinear); }), -101);
   SetImage<uint8_t>(oOut, 1, 1, {42});
   EXPECT_EQ(oRescale.ApplyParamSize(oIn, oOut, 5, 5, static_cast<ClIpRescale::eProcessingMode>(5)), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut), (Row8{42})) << "an unknown mode does nothing";
+  EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{42})) << "an unknown mode does nothing";
   EXPECT_EQ(Summary(oRescale), "W5 H5 InvalidMode");
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, 3, 2, eFantMar), 0);
   EXPECT_EQ(Summary(oRescale), "X3 Y2 BiLinearFantMar");

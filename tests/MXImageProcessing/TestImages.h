@@ -39,6 +39,8 @@ class EveryType : public testing::Test {};
 using AllElementTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, double>;
 TYPED_TEST_SUITE(EveryType, AllElementTypes, ClElementTypeNames);
 
+using Bytes = std::vector<uint8_t>;
+
 /// An image with the given samples, rows one behind the other.
 template <typename T>
 void SetImage(ClImage& oImage, int nWidth, int nHeight, const std::vector<T>& aSamples, int nPlanes = 1,
@@ -58,6 +60,12 @@ std::vector<T> Samples(const ClImage& oImage) {
     aSamples.insert(aSamples.end(), oImage.Row<T>(y), oImage.Row<T>(y) + oImage.SamplesPerRow());
   }
   return aSamples;
+}
+
+/// The samples that a run has left in its output; none when it failed.
+template <typename T>
+std::vector<T> Made(long nResult, const ClImage& oOut) {
+  return nResult == 0 ? Samples<T>(oOut) : std::vector<T>();
 }
 
 /// Each sample is fnExpected(x, y, plane).
@@ -122,6 +130,24 @@ inline long double SampleAt(const ClImage& oImage, int nX, int nY) {
     return 0L;
   });
   return dValue;
+}
+
+/// A number as an element type holds it: limited, fractions cut toward zero.
+inline double AsElement(double dValue, unsigned char nType) {
+  DispatchElementType(nType, 0, [&](auto oElement) {
+    dValue = static_cast<double>(ElementFromDouble<typename decltype(oElement)::Type>(dValue));
+    return 0L;
+  });
+  return dValue;
+}
+
+/// ExpectSamples for an image of any type: each sample is fnExpected(x, y, plane) as a number.
+template <typename TExpected>
+void ExpectNumbers(const ClImage& oImage, const TExpected& fnExpected) {
+  DispatchElementType(oImage.DataType(), 0, [&](auto oElement) {
+    ExpectSamples<typename decltype(oElement)::Type>(oImage, fnExpected);
+    return 0L;
+  });
 }
 
 constexpr unsigned char g_aTypes[] = {ClImage::eUint8,   ClImage::eInt8,    ClImage::eUint16,

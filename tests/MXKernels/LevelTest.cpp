@@ -20,11 +20,7 @@ TEST(Level, TheEnvironmentCapsTheFirstChoiceAndRubbishCapsNothing) {
   const ELevel eBest = Choose("fast, please");
   for (int n = eBest + 1; n < eLevelCount; ++n) EXPECT_FALSE(HasLevel(static_cast<ELevel>(n)));
   EXPECT_TRUE(HasLevel(eBest));
-  if (szOld) {
-    setenv("KELVARIN_SDK_SIMD", sOld.c_str(), 1);
-  } else {
-    unsetenv("KELVARIN_SDK_SIMD");
-  }
+  szOld ? setenv("KELVARIN_SDK_SIMD", sOld.c_str(), 1) : unsetenv("KELVARIN_SDK_SIMD");
 }
 
 TEST(Level, ALevelThatIsMissingIsRefusedAndTheOldOneStays) {

@@ -23,8 +23,7 @@ Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed, double
 }
 
 void SetGrid(ClImage& oImage, const Grid& oGrid, int nPels) {
-  SetImage(oImage, oGrid.m_nWidth, oGrid.m_nHeight,
-           std::vector<uint8_t>(oGrid.m_aNumbers.begin(), oGrid.m_aNumbers.end()));
+  SetImage(oImage, oGrid.m_nWidth, oGrid.m_nHeight, Bytes(oGrid.m_aNumbers.begin(), oGrid.m_aNumbers.end()));
   oImage.SetPels(nPels, nPels);
 }
 
@@ -35,7 +34,7 @@ void ExpectGrid(const ClImage& oImage, const Grid& oGrid) {
 
 /// A white mask with one black rectangle in it, or the other way round, kMore pixels longer in its last row.
 void SetRegion(ClImage& oMask, uint8_t nRegion, int nRows, int nColumns, int nMore) {
-  SetImage(oMask, 120, 100, std::vector<uint8_t>(120 * 100, static_cast<uint8_t>(255 - nRegion)));
+  SetImage(oMask, 120, 100, Bytes(120 * 100, static_cast<uint8_t>(255 - nRegion)));
   for (int y = 20; y < 20 + nRows; ++y) {
     const int nEnd = 10 + nColumns + (y == 19 + nRows ? nMore : 0);
     std::fill(oMask.Row<uint8_t>(y) + 10, oMask.Row<uint8_t>(y) + nEnd, nRegion);
@@ -96,7 +95,7 @@ TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
     ClImage oIn, oOut;
     SetGrid(oIn, MakeGrid(nWidth, nHeight, [&](int, int) { return static_cast<int>(oRandom() % 13); }), 9842);
     ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
-    EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 255));
+    EXPECT_EQ(Samples<uint8_t>(oOut), Bytes(static_cast<size_t>(nWidth * nHeight), 255));
   }
 }
 
@@ -115,20 +114,18 @@ TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
 }
 
 TEST(Mask, ErrorsHaveTheirNumbers) {
-  ClImage oIn, oOut, oWide, oColor, oOdd;
-  SetImage<uint8_t>(oIn, 2, 2, {1, 2, 3, 4});
-  SetImage<uint16_t>(oWide, 2, 2, {1, 2, 3, 4});
-  SetImage<uint8_t>(oColor, 1, 1, {1, 2, 3}, 3);
-  SetImage<uint8_t>(oOdd, 3, 2, {1, 2, 3, 4, 5, 6});
+  ClAnyImages o;
   ClIpVT40R4Mask oMask;
+  const auto Number = [&](ClImage& oIn) { return NumberOf([&] { oMask.ApplyParam(oIn, o.m_oOut); }); };
   EXPECT_EQ(NumberOf([&] { oMask.Apply(); }), -701);
-  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oWide, oOut); }), -33);
-  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oColor, oOut); }), -44);
-  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }), -44) << "at half the resolution";
-  SetImage<uint8_t>(oOdd, 2, 3, {1, 2, 3, 4, 5, 6});
-  EXPECT_EQ(NumberOf([&] { oMask.ApplyParam(oOdd, oOut); }), -44);
-  oOdd.SetPels(9842, 9842);
-  EXPECT_EQ(oMask.ApplyParam(oOdd, oOut, 250, 1.0), 0);
+  EXPECT_EQ(Number(o.m_oWord), -33);
+  EXPECT_EQ(Number(o.m_oColor), -44);
+  for (const int nWidth : {2, 3}) {
+    SetImage<uint8_t>(o.m_oByte, nWidth, 6 / nWidth, {1, 2, 3, 4, 5, 6});
+    EXPECT_EQ(Number(o.m_oByte), -44) << "at half the resolution";
+  }
+  o.m_oByte.SetPels(9842, 9842);
+  EXPECT_EQ(oMask.ApplyParam(o.m_oByte, o.m_oOut, 250, 1.0), 0);
 }
 
 TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
@@ -141,7 +138,7 @@ TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
     };
     // One pixel short of 50 full rows.
     SetRegion(oMask, nRegion, 50, nColumns - 1, 49);
-    EXPECT_EQ(Remove(), std::vector<uint8_t>(120 * 100, static_cast<uint8_t>(255 - nRegion)));
+    EXPECT_EQ(Remove(), Bytes(120 * 100, static_cast<uint8_t>(255 - nRegion)));
     SetRegion(oMask, nRegion, 50, nColumns, 0);
     const auto aBefore = Samples<uint8_t>(oMask);
     EXPECT_EQ(Remove(), aBefore);
@@ -151,37 +148,25 @@ TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
 TEST(MaskRegions, OnlyTheUpperCornersAreOpenBackground) {
   ClMaskRegions oRegions;
   ClImage oMask;
-  SetImage(oMask, 5, 4, std::vector<uint8_t>(20, 255));
-  for (const int nX : {0, 4}) {
-    oMask.Row<uint8_t>(0)[nX] = 0;
-    oMask.Row<uint8_t>(3)[nX] = 0;
-  }
+  SetImage<uint8_t>(oMask, 3, 3, {0, 255, 0, 255, 255, 255, 0, 255, 0});
   oRegions.FillHoles(oMask);
-  std::vector<uint8_t> aExpected(20, 255);
-  aExpected[0] = aExpected[4] = 0;
-  EXPECT_EQ(Samples<uint8_t>(oMask), aExpected);
+  EXPECT_EQ(Samples<uint8_t>(oMask), (Bytes{0, 255, 0, 255, 255, 255, 255, 255, 255}));
 }
 
 TEST(Texture, ClassesOfInnerPixelsOnlyAndOneImageForEach) {
   ClImage oIn, oOut;
-  SetImage<uint8_t>(oIn, 4, 4,
-                    {0, 9, 0, 0,  //
-                     0, 5, 9, 0,  //
-                     0, 9, 5, 0,  //
-                     0, 0, 0, 0});
+  SetImage<uint8_t>(oIn, 4, 4, {0, 9, 0, 0, 0, 5, 9, 0, 0, 9, 5, 0, 0, 0, 0, 0});
   ClIpComputeLBPImage_4Neighborhood oTexture;
   oTexture.m_poInImage = &oIn;
   oTexture.m_poOutImage = &oOut;
-  // A second run must not show the first one's classes.
-  for (const bool bFlat : {false, true}) {
-    if (bFlat) oIn = 0;
-    ASSERT_EQ(oTexture.Apply(), 0);
-    // (1, 1) has three brighter neighbours, (2, 2) two adjacent ones; equal ones don't count.
-    std::vector<uint8_t> aExpected(16, 0);
-    if (!bFlat) aExpected[5] = 3, aExpected[10] = 2;
-    EXPECT_EQ(Samples<uint8_t>(oOut), aExpected);
+  // (1, 1) has three brighter neighbours, (2, 2) two adjacent ones; equal ones don't count. A second run must not show
+  // the first one's classes.
+  Bytes aExpected(16, 0);
+  aExpected[5] = 3, aExpected[10] = 2;
+  for (int nRun = 0; nRun < 2; ++nRun, oIn = 0, aExpected = Bytes(16, 0)) {
+    EXPECT_EQ(Made<uint8_t>(oTexture.Apply(), oOut), aExpected);
     for (unsigned int nClass = 0; nClass < 6; ++nClass) {
-      std::vector<uint8_t> aMembers(16, 0);
+      Bytes aMembers(16, 0);
       for (const size_t n : {5U, 6U, 9U, 10U}) aMembers[n] = aExpected[n] == nClass ? 255 : 0;
       EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[nClass]), aMembers) << nClass;
     }
@@ -196,10 +181,9 @@ TEST(Texture, SmallImagesHaveNoInnerPixelsAndErrorsTheirNumbers) {
   oTexture.m_poInImage = &oIn;
   oTexture.m_poOutImage = &oOut;
   for (const auto& [nWidth, nHeight] : {std::pair{5, 2}, {2, 5}, {1, 1}}) {
-    SetImage(oIn, nWidth, nHeight, std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 8));
+    SetImage(oIn, nWidth, nHeight, Bytes(static_cast<size_t>(nWidth * nHeight), 8));
     ASSERT_EQ(oTexture.Apply(), 0);
-    EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[0]),
-              std::vector<uint8_t>(static_cast<size_t>(nWidth * nHeight), 0));
+    EXPECT_EQ(Samples<uint8_t>(oTexture.m_aoClassImages[0]), Bytes(static_cast<size_t>(nWidth * nHeight), 0));
   }
   SetImage<int8_t>(oIn, 3, 3, std::vector<int8_t>(9, 0));
   EXPECT_EQ(NumberOf([&] { oTexture.Apply(); }), -44);

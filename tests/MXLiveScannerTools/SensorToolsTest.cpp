@@ -1,4 +1,6 @@
 // Tests of the brightness adjustment, the local white balance and the parting of a mosaic.
+#include <array>
+
 #include "../MXImageProcessing/CallersBlock.h"
 #include "../MXImageProcessing/ParameterLists.h"
 #include "../MXImageProcessing/TestImages.h"
@@ -42,8 +44,7 @@ TYPED_TEST(SensorTools, BrightnessDividesByTheReferenceAboveTheMinimum) {
       ClImage oKeep, oSharer;
       oKeep = *pOver;
       oSharer.Attach(*pOver);
-      ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, *pOver, dValue), 0);
-      EXPECT_EQ(Samples<TypeParam>(*pOver), aExpected);
+      EXPECT_EQ(Made<TypeParam>(oAdjust.ApplyParam(oIn, oReference, *pOver, dValue), *pOver), aExpected);
       EXPECT_EQ(Samples<TypeParam>(oSharer), Samples<TypeParam>(oKeep));
       pOver->Swap(oKeep);
     }
@@ -79,52 +80,49 @@ TYPED_TEST(SensorTools, WhiteBalanceDrawsThePhasesTogether) {
   ClImage oSharer;
   oSharer.Attach(oIn);
   const auto aBefore = Samples<TypeParam>(oIn);
-  ASSERT_EQ(oBalance.ApplyParam(oIn), 0);
-  EXPECT_EQ(Samples<TypeParam>(oIn), Samples<TypeParam>(oOut));
+  EXPECT_EQ(Made<TypeParam>(oBalance.ApplyParam(oIn), oIn), Samples<TypeParam>(oOut));
   EXPECT_EQ(Samples<TypeParam>(oSharer), aBefore);
 }
 
 TEST(AdjustBrightness, ARegionIsAllThatIsWritten) {
   ClImage oIn, oReference;
   SetImage<uint8_t>(oIn, 3, 2, {10, 20, 30, 40, 50, 60});
-  SetImage<uint8_t>(oReference, 3, 2, std::vector<uint8_t>(6, 10));
+  SetImage<uint8_t>(oReference, 3, 2, Bytes(6, 10));
   ClIpAdjustBrightness oAdjust;
   ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, oIn, 20.0, 1, 1, 2, 1), 0);
-  EXPECT_EQ(Samples<uint8_t>(oIn), (std::vector<uint8_t>{10, 20, 30, 40, 100, 120}));
+  EXPECT_EQ(Samples<uint8_t>(oIn), (Bytes{10, 20, 30, 40, 100, 120}));
   ASSERT_EQ(oAdjust.ApplyParam(oIn, oReference, oIn, 10.0, 0, 0, 0, 0), 0);
   EXPECT_EQ(oAdjust.m_nInWidth, 3);
   EXPECT_EQ(oAdjust.m_nInHeight, 2);
 }
 
 TEST(AdjustBrightness, ErrorsHaveTheirNumbers) {
-  ClImage oIn, oSmall, oWide, oColor, oEmpty, oFloat, oOut;
-  SetImage<uint8_t>(oIn, 2, 2, {1, 2, 3, 4});
+  ClAnyImages o;
+  ClImage oSmall;
   SetImage<uint8_t>(oSmall, 1, 2, {1, 2});
-  SetImage<uint16_t>(oWide, 2, 2, {1, 2, 3, 4});
-  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
-  SetImage<float>(oFloat, 2, 2, {1, 2, 3, 4});
-  oEmpty.NewWithType(ClImage::eUint8, 0, 2, 1, 0, 0, true);
   ClIpAdjustBrightness oAdjust;
   const auto Number = [&](ClImage& oImage, ClImage& oBy) {
-    return NumberOf([&] { oAdjust.ApplyParam(oImage, oBy, oOut, 1.0); });
+    return NumberOf([&] { oAdjust.ApplyParam(oImage, oBy, o.m_oOut, 1.0); });
   };
-  EXPECT_EQ(NumberOf([&] { oAdjust.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut); }), -701);
-  EXPECT_EQ(Number(oColor, oColor), -44);
-  EXPECT_EQ(Number(oIn, oSmall), -44);
-  EXPECT_EQ(Number(oEmpty, oEmpty), -14);
-  EXPECT_EQ(Number(oIn, oWide), -103);
-  EXPECT_EQ(Number(oFloat, oFloat), -33);
+  EXPECT_EQ(NumberOf([&] { oAdjust.NewIpBase::ClIp1to1Base::ApplyParam(o.m_oByte, o.m_oOut); }), -701);
+  EXPECT_EQ(Number(o.m_oColor, o.m_oColor), -44);
+  EXPECT_EQ(Number(o.m_oByte, oSmall), -44);
+  EXPECT_EQ(Number(o.m_oNoPixels, o.m_oNoPixels), -14);
+  EXPECT_EQ(Number(o.m_oByte, o.m_oWord), -103);
+  EXPECT_EQ(Number(o.m_oFloat, o.m_oFloat), -33);
   const auto Region = [&](int nX, int nY, int nWidth, int nHeight) {
-    return NumberOf([&] { oAdjust.ApplyParam(oIn, oIn, oOut, 1.0, nX, nY, nWidth, nHeight); });
+    return NumberOf(
+        [&] { oAdjust.ApplyParam(o.m_oByte, o.m_oByte, o.m_oOut, 1.0, nX, nY, nWidth, nHeight); });
   };
-  const int nLargest = std::numeric_limits<int>::max();
-  EXPECT_EQ(Region(1, 0, 0, 1), -44);
-  EXPECT_EQ(Region(0, 1, 1, 0), -44);
-  EXPECT_EQ(Region(-1, 0, 1, 1), -44);
-  EXPECT_EQ(Region(0, -1, 1, 1), -44);
-  EXPECT_EQ(Region(0, 0, -1, 1), -44);
-  EXPECT_EQ(Region(0, 0, 1, -1), -44);
-  EXPECT_EQ(Region(1, 0, nLargest, 1), -44);
+  for (const auto& [nX, nY, nWidth, nHeight] : {std::array{1, 0, 0, 1},
+                                                {0, 1, 1, 0},
+                                                {-1, 0, 1, 1},
+                                                {0, -1, 1, 1},
+                                                {0, 0, -1, 1},
+                                                {0, 0, 1, -1},
+                                                {1, 0, INT32_MAX, 1}}) {
+    EXPECT_EQ(Region(nX, nY, nWidth, nHeight), -44) << nX << ", " << nY;
+  }
   EXPECT_EQ(Region(1, 1, 1, 1), 0);
   for (const double dMinimum : {0.0, 0.5, -3.0, std::nan("")}) {
     oAdjust.m_nInAdjustmentMin = dMinimum;
@@ -145,22 +143,21 @@ TEST(KeptSensorTools, LetGoOfABlockThatTheirCallerLentForOneRun) {
 }
 
 TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
-  ClImage oOdd, oEmpty, oColor, oFloat, oOut;
+  ClAnyImages o;
+  ClImage oOdd;
   SetImage<uint8_t>(oOdd, 3, 2, {1, 2, 3, 4, 5, 6});
-  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
-  SetImage<float>(oFloat, 2, 2, {1, 2, 3, 4});
-  oEmpty.NewWithType(ClImage::eUint8, 0, 0, 1, 0, 0, true);
   ClIpLocalWhiteBalance oBalance;
+  const auto Number = [&](ClImage& oIn) { return NumberOf([&] { oBalance.ApplyParam(oIn, o.m_oOut); }); };
   EXPECT_EQ(NumberOf([&] { oBalance.Apply(); }), -701);
-  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
-  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oEmpty, oOut); }), -14);
-  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oColor, oOut); }), -44);
-  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oFloat, oOut); }), -33);
+  EXPECT_EQ(Number(oOdd), -44);
+  EXPECT_EQ(Number(o.m_oNoPixels), -14);
+  EXPECT_EQ(Number(o.m_oColor), -44);
+  EXPECT_EQ(Number(o.m_oFloat), -33);
+  EXPECT_EQ(Number(o.m_oByte), 0);
   ClParameterContainer oContainer;
   oBalance.QueryParameters(oContainer);
   oContainer.Find("nInFilterWidth")->SetValue("0");
-  SetImage<uint8_t>(oOdd, 2, 2, {1, 2, 3, 4});
-  EXPECT_EQ(NumberOf([&] { oBalance.ApplyParam(oOdd, oOut); }), -44);
+  EXPECT_EQ(Number(o.m_oByte), -44);
 }
 
 template <typename T>
@@ -200,11 +197,9 @@ TYPED_TEST(BayerDecomposition, PartsEachCellWhereverItsSamplesLie) {
 }
 
 TEST(BayerDecompositionErrors, HaveTheirNumbersInOrder) {
-  ClImage oIn, oEmpty, oOdd, oLong, oColor, oOut, oOut2, oOut3;
-  SetImage<uint8_t>(oIn, 2, 2, {255, 1, 2, 254});
+  ClAnyImages o;
+  ClImage oOdd, oOut2, oOut3;
   SetImage<uint8_t>(oOdd, 2, 1, {1, 2});
-  SetImage<int32_t>(oLong, 2, 2, {1, 2, 3, 4});
-  SetImage<uint8_t>(oColor, 2, 2, std::vector<uint8_t>(12, 1), 3);
   ClIpBayerDecomposition oBayer;
   const auto Number = [&](ClImage* pIn, ClImage* pRed, ClImage* pGreen, ClImage* pBlue) {
     oBayer.m_pInImage = pIn;
@@ -213,27 +208,27 @@ TEST(BayerDecompositionErrors, HaveTheirNumbersInOrder) {
     oBayer.m_pOutImageBlue = pBlue;
     return NumberOf([&] { oBayer.Apply(); });
   };
+  ClImage *pIn = &o.m_oByte, *pOut = &o.m_oOut;
   EXPECT_EQ(Number(nullptr, nullptr, nullptr, nullptr), -44);
-  EXPECT_EQ(Number(&oEmpty, nullptr, nullptr, nullptr), -14);
+  EXPECT_EQ(Number(&o.m_oEmpty, nullptr, nullptr, nullptr), -14);
   EXPECT_EQ(Number(&oOdd, nullptr, nullptr, nullptr), -44);
-  EXPECT_EQ(Number(&oLong, nullptr, nullptr, nullptr), -33);
-  EXPECT_EQ(Number(&oIn, nullptr, &oOut, &oOut), -44);
-  EXPECT_EQ(Number(&oIn, &oOut, nullptr, &oOut), -44);
-  EXPECT_EQ(Number(&oIn, &oOut, &oOut, nullptr), -44);
-  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oIn), -701);
-  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut), -701);
-  EXPECT_EQ(Number(&oColor, &oOut, &oOut2, &oOut3), -44);
-  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut3), 0);
-  EXPECT_EQ(Samples<uint8_t>(oOut2), (std::vector<uint8_t>{254}));
+  EXPECT_EQ(Number(&o.m_oLong, nullptr, nullptr, nullptr), -33);
+  EXPECT_EQ(Number(pIn, nullptr, pOut, pOut), -44);
+  EXPECT_EQ(Number(pIn, pOut, nullptr, pOut), -44);
+  EXPECT_EQ(Number(pIn, pOut, pOut, nullptr), -44);
+  EXPECT_EQ(Number(pIn, pOut, &oOut2, pIn), -701);
+  EXPECT_EQ(Number(pIn, pOut, &oOut2, pOut), -701);
+  EXPECT_EQ(Number(&o.m_oColor, pOut, &oOut2, &oOut3), -44);
+  EXPECT_EQ(Number(pIn, pOut, &oOut2, &oOut3), 0);
   oBayer.m_oBlue.m_nX = 2;
-  EXPECT_EQ(Number(&oIn, &oOut, &oOut2, &oOut3), -44);
+  EXPECT_EQ(Number(pIn, pOut, &oOut2, &oOut3), -44);
 }
 
 TEST(SensorToolParameters, OfBothListsNameOneSetOfMembers) {
   ClIpAdjustBrightness oAdjust;
-  ExpectListsOfOneSetOfMembers(oAdjust, "pInImage pOutImage pInImageBrightness dInAdjustmentValue");
+  ExpectListsOfOneSetOfMembers(oAdjust, "pInImage pOutImage pInImageBrightness dInAdjustmentValue=128.0");
   ClIpLocalWhiteBalance oBalance;
-  ExpectListsOfOneSetOfMembers(oBalance, "pInImage pOutImage nInFilterWidth");
+  ExpectListsOfOneSetOfMembers(oBalance, "pInImage pOutImage nInFilterWidth=51");
   ClIpBayerDecomposition oBayer;
   ExpectListsOfOneSetOfMembers(oBayer, "pInImage pOutImageRed pOutImageGreen pOutImageBlue");
 }

@@ -62,7 +62,7 @@ TEST(SubsampleFilter, AFlatImageStaysFlat) {
   ClImage oIn(90, 80, 1, 0, 0), oOut;
   oIn = static_cast<unsigned char>(173);
   ClFilter().ApplyParam(oIn, oOut, 40, 37);
-  EXPECT_EQ(Samples<uint8_t>(oOut), std::vector<uint8_t>(40 * 37, 173));
+  EXPECT_EQ(Samples<uint8_t>(oOut), Bytes(40 * 37, 173));
 }
 
 TEST(SubsampleFilter, AFilterIsUsedForImagesOfSeveralSizesInPlace) {
