@@ -1,9 +1,13 @@
-// Tests of the processors that change samples one by one or rearrange planes.
+// Tests of the processors that change or move samples one by one or rearrange planes.
 #include <cmath>
+#include <functional>
 
 #include "MXImageProcessing/IpConvertDataType.h"
+#include "MXImageProcessing/IpCut.h"
+#include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpJoinPlanes.h"
+#include "MXImageProcessing/IpMoveImage.h"
 #include "MXImageProcessing/IpSaturate.h"
 #include "MXImageProcessing/IpScale.h"
 #include "MXImageProcessing/IpSplitPlanes.h"
@@ -45,39 +49,79 @@ TEST(ConvertDataType, FloatsGoTowardZeroAndStopAtTheLimits) {
 TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
   ClImage oImage;
   SetImage<int16_t>(oImage, 2, 1, {-5, 7, 30000, -30000}, 2);
+  oImage.SetBlackWhite(-20000, 21000);
   ClIpScale oScale;
   ASSERT_EQ(oScale.ApplyParam(oImage, -1.5), 0);
-  EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{7, -10, -32768, 32767}));
+  EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{7, -10, -20000, 21000}));
+  EXPECT_EQ(oImage.White(), 21000);
   EXPECT_EQ(Summary(oScale), "ScaleFactor = -2");
 }
 
-TYPED_TEST(EveryType, PointRulesEqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
+/// A processor of one image: its call and each sample that it makes.
+template <typename T>
+struct TpRule {
+  std::string m_szName;
+  std::function<long(ClImage& oIn, ClImage& oOut)> m_fnRun;
+  std::function<T(const ClImage& oIn, int x, int y, int k)> m_fnExpected;
+};
+
+TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAlignedAndInPlace) {
+  using T = TypeParam;
   std::mt19937 oRandom(44);
-  ClImage oIn, oOut;
-  SetRandom<TypeParam>(oIn, 35, 3, oRandom, 2, false);
-  // Ranges of its own, but those that the type always has.
-  if (!std::is_same_v<TypeParam, uint8_t> && !std::is_same_v<TypeParam, int8_t>) oIn.SetBlackWhite(3.0, 90.0);
-  const double dBlack = oIn.Black(), dWhite = oIn.White();
-  std::vector<TypeParam> aScaled, aInverted, aSaturated;
-  for (const TypeParam nSample : Samples<TypeParam>(oIn)) {
-    const double dScaled = std::min(std::max(static_cast<double>(nSample) * 1.75, dBlack), dWhite);
-    aScaled.push_back(ElementFromDouble<TypeParam>(dScaled));
-    aInverted.push_back(ElementFromDouble<TypeParam>(dWhite - static_cast<double>(nSample) + dBlack));
-    aSaturated.push_back(std::min<TypeParam>(std::max<TypeParam>(nSample, 3), 20));
-  }
   ClIpScale oScale;
   ClIpInvert oInvert;
   ClIpSaturate oSaturate;
-  for (ClImage* pOut : {&oOut, &oIn}) {
-    ClImage oKeep;
-    oKeep = oIn;
-    EXPECT_EQ(Made<TypeParam>(oScale.ApplyParam(oIn, *pOut, 1.75), *pOut), aScaled);
-    if (pOut == &oIn) oIn = oKeep;
-    EXPECT_EQ(Made<TypeParam>(oSaturate.ApplyParam(oIn, *pOut, 3.0, 20.0), *pOut), aSaturated);
-    if (pOut == &oIn) oIn = oKeep;
-    EXPECT_EQ(Made<TypeParam>(oInvert.ApplyParam(oIn, *pOut), *pOut), aInverted);
+  ClIpCut oCut;
+  ClIpFlip oFlip;
+  ClIpMoveImage oMove;
+  const auto At = [](const ClImage& o, int x, int y, int k) { return o.Row<T>(y)[x * o.Planes() + k]; };
+  std::vector<TpRule<T>> aRules = {
+      {"Scale", [&](ClImage& i, ClImage& o) { return oScale.ApplyParam(i, o, 1.75); },
+       [&](const ClImage& o, int x, int y, int k) {
+         const double dScaled = static_cast<double>(At(o, x, y, k)) * 1.75;
+         return ElementFromDouble<T>(std::clamp(dScaled, o.Black(), o.White()));
+       }},
+      {"Invert", [&](ClImage& i, ClImage& o) { return oInvert.ApplyParam(i, o); },
+       [&](const ClImage& o, int x, int y, int k) {
+         return ElementFromDouble<T>(o.White() - static_cast<double>(At(o, x, y, k)) + o.Black());
+       }},
+      {"Saturate", [&](ClImage& i, ClImage& o) { return oSaturate.ApplyParam(i, o, 3.0, 20.0); },
+       [&](const ClImage& o, int x, int y, int k) { return std::clamp<T>(At(o, x, y, k), 3, 20); }},
+      {"Cut", [&](ClImage& i, ClImage& o) { return oCut.ApplyParam(i, 2, 1, 33, 4, o); },
+       [&](const ClImage& o, int x, int y, int k) { return At(o, x + 2, y + 1, k); }}};
+  for (const auto& [bX, bY] : {std::pair(true, false), {false, true}, {true, true}}) {
+    aRules.push_back(
+        {"Flip", [&, bX = bX, bY = bY](ClImage& i, ClImage& o) { return oFlip.ApplyParam(i, o, bX, bY); },
+         [&, bX = bX, bY = bY](const ClImage& o, int x, int y, int k) {
+           return At(o, bX ? o.Width() - 1 - x : x, bY ? o.Height() - 1 - y : y, k);
+         }});
   }
-  EXPECT_EQ(oOut.White(), dWhite);
+  for (const auto& [nX, nY] :
+       {std::pair(0, 0), {2, -1}, {-36, 4}, {37, 0}, {-3, -5}, {INT32_MAX, INT32_MIN}}) {
+    aRules.push_back(
+        {"Move",
+         [&, nX = nX, nY = nY](ClImage& i, ClImage& o) { return oMove.ApplyParam(i, o, nX, nY, 100.75); },
+         [&, nX = int64_t{nX}, nY = int64_t{nY}](const ClImage& o, int x, int y, int k) {
+           const int64_t u = x - nX, v = y - nY;
+           if (u < 0 || v < 0 || u >= o.Width() || v >= o.Height()) return static_cast<T>(100.75);
+           return At(o, static_cast<int>(u), static_cast<int>(v), k);
+         }});
+  }
+  for (const int nPlanes : {1, 3, 4}) {
+    for (const TpRule<T>& oRule : aRules) {
+      SCOPED_TRACE(oRule.m_szName);
+      ClImage oIn, oOut;
+      SetRandom<T>(oIn, 37, 5, oRandom, nPlanes, nPlanes == 1);
+      // Ranges of its own, but those that the type always has.
+      if (sizeof(T) > 1) oIn.SetBlackWhite(3.0, 90.0);
+      ASSERT_EQ(oRule.m_fnRun(oIn, oOut), 0);
+      ASSERT_EQ(oOut.DataType(), oIn.DataType());
+      ExpectSamples<T>(oOut, [&](int x, int y, int k) { return oRule.m_fnExpected(oIn, x, y, k); });
+      ASSERT_EQ(oRule.m_fnRun(oIn, oIn), 0);
+      ASSERT_TRUE(oOut.HasSize(oIn.Width(), oIn.Height()));
+      EXPECT_EQ(Samples<T>(oIn), Samples<T>(oOut));
+    }
+  }
 }
 
 TEST(SaturateBorders, AreCutToTheTypeAndMustBeInOrder) {

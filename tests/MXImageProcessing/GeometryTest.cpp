@@ -5,64 +5,9 @@
 
 #include "MXImageProcessing/IpCut.h"
 #include "MXImageProcessing/IpFlip.h"
-#include "MXImageProcessing/IpMoveImage.h"
 #include "MXImageProcessing/IpRotate.h"
 #include "MXImageProcessing/IpSubsample.h"
 #include "TestImages.h"
-
-TYPED_TEST(EveryType, FlipMovesWholePixelsAlsoInPlace) {
-  std::mt19937 oRandom(31);
-  for (const int nPlanes : {1, 3, 4}) {
-    for (int nFlags = 1; nFlags <= 3; ++nFlags) {
-      const bool bX = nFlags & 1, bY = nFlags & 2;
-      ClImage oIn, oOut;
-      SetRandom<TypeParam>(oIn, 37, 4, oRandom, nPlanes);
-      ClIpFlip oFlip;
-      ASSERT_EQ(oFlip.ApplyParam(oIn, oOut, bX, bY), 0);
-      ExpectSamples<TypeParam>(oOut, [&, nCount = nPlanes](int x, int y, int k) {
-        return oIn.Row<TypeParam>(bY ? 3 - y : y)[(bX ? 36 - x : x) * nCount + k];
-      });
-      EXPECT_EQ(Made<TypeParam>(oFlip.ApplyParam(oIn, oIn, bX, bY), oIn), Samples<TypeParam>(oOut));
-    }
-  }
-}
-
-TYPED_TEST(EveryType, CutCopiesTheRectangle) {
-  std::mt19937 oRandom(32);
-  ClImage oIn, oOut;
-  SetRandom<TypeParam>(oIn, 9, 7, oRandom, 2);
-  ClIpCut oCut;
-  ASSERT_EQ(oCut.ApplyParam(oIn, 2, 1, 5, 4, oOut), 0);
-  ASSERT_TRUE(oOut.HasSize(5, 4));
-  ExpectSamples<TypeParam>(oOut,
-                           [&](int x, int y, int k) { return oIn.Row<TypeParam>(y + 1)[2 * (x + 2) + k]; });
-  const auto aAll = Samples<TypeParam>(oIn);
-  EXPECT_EQ(Made<TypeParam>(oCut.ApplyParam(oIn, 0, oIn), oIn), aAll);
-  ASSERT_EQ(oCut.ApplyParam(oIn, 3, oIn), 0);
-  EXPECT_TRUE(oIn.HasSize(3, 1));
-  EXPECT_EQ(oIn.PelsY(), 9842);
-}
-
-TYPED_TEST(EveryType, MoveTakesEachPixelFromWhereItWasAndFillsTheRest) {
-  std::mt19937 oRandom(33);
-  const int nWidth = 7, nHeight = 5;
-  for (const int nPlanes : {1, 3}) {
-    for (const auto& [nX, nY] :
-         {std::pair(0, 0), {2, -1}, {-6, 4}, {7, 0}, {-3, -5}, {INT32_MAX, INT32_MIN}}) {
-      ClImage oIn, oOut;
-      SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom, nPlanes);
-      ClIpMoveImage oMove;
-      ASSERT_EQ(oMove.ApplyParam(oIn, oOut, nX, nY, 100.75), 0);
-      const auto nFill = static_cast<TypeParam>(100.75);
-      ExpectSamples<TypeParam>(oOut, [&, nDx = int64_t{nX}, nDy = int64_t{nY}](int x, int y, int k) {
-        const int64_t nFromX = x - nDx, nFromY = y - nDy;
-        const bool bInside = nFromX >= 0 && nFromX < nWidth && nFromY >= 0 && nFromY < nHeight;
-        return bInside ? oIn.Row<TypeParam>(static_cast<int>(nFromY))[nFromX * oIn.Planes() + k] : nFill;
-      });
-      EXPECT_EQ(Made<TypeParam>(oMove.ApplyParam(oIn, oIn, nX, nY, 100.75), oIn), Samples<TypeParam>(oOut));
-    }
-  }
-}
 
 /// A pixel of the turned image by the rule of its rows, with a test of its own and wide sums.
 template <typename T>
