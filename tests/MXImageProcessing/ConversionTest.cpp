@@ -174,22 +174,23 @@ TEST(Planes, MissingPlanesTakeTheFillColourAndMissingOutputsAreSkipped) {
 }
 
 TEST(Planes, JoinRefusesContentsWithoutANumberOfPlanesAndPlanesThatDiffer) {
-  ClImage oRed, oWide, oOut;
-  SetImage<uint8_t>(oRed, 2, 1, {1, 2});
-  SetImage<uint8_t>(oWide, 3, 1, {1, 2, 3});
+  ClAnyImages o;
   ClIpJoinPlanes oJoin;
-  EXPECT_EQ(oJoin.ApplyParam(oOut, &oRed, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(oOut.Width(), 0);
+  const auto Join = [&](ClImage* pSecond) {
+    return oJoin.ApplyParam(o.m_oOut, &o.m_oByte, pSecond, nullptr, nullptr);
+  };
+  EXPECT_EQ(Join(nullptr), 0);
+  EXPECT_EQ(o.m_oOut.Width(), 0);
   for (const ClImage::EContent eContent : {ClImage::eXYZ, ClImage::eCIELab}) {
     oJoin.eOutContent = eContent;
-    EXPECT_EQ(oJoin.ApplyParam(oOut, &oRed, nullptr, nullptr, nullptr), -35);
+    EXPECT_EQ(Join(nullptr), -35);
   }
   oJoin.eOutContent = ClImage::eRGB;
-  EXPECT_EQ(NumberOf([&] { oJoin.ApplyParam(oOut, &oRed, &oWide, nullptr, nullptr); }), -44);
-  ClImage oFive;
-  oFive.NewWithType(ClImage::eUint8, 1, 1, 5, 0, 0, true);
+  EXPECT_EQ(NumberOf([&] { Join(&o.m_oWord); }), -44);
+  EXPECT_EQ(NumberOf([&] { Join(&o.m_oNoPixels); }), -44);
   ClIpSplitPlanes oSplit;
-  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(oFive, nullptr, nullptr, nullptr, nullptr); }), -35);
-  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(oRed, nullptr, &oRed, nullptr, nullptr); }), -44);
-  EXPECT_EQ(Samples<uint8_t>(oRed), (Bytes{1, 2}));
+  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(o.m_oByte, nullptr, &o.m_oByte, nullptr, nullptr); }), -44);
+  EXPECT_EQ(Samples<uint8_t>(o.m_oByte), (Bytes{1, 2, 3, 4}));
+  o.m_oOut.NewWithType(ClImage::eUint8, 1, 1, 5, 0, 0, true);
+  EXPECT_EQ(NumberOf([&] { oSplit.ApplyParam(o.m_oOut, nullptr, nullptr, nullptr, nullptr); }), -35);
 }

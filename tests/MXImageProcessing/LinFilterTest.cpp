@@ -163,18 +163,21 @@ TEST(FilterGauss, TheWidthFollowsTheDeviation) {
 }
 
 TEST(FilterGauss, ErrorsHaveTheirNumbers) {
-  ClImage oIn, oOut;
+  ClAnyImages o;
+  ClImage oIn;
   SetImage<uint8_t>(oIn, 4, 4, Bytes(16, 7));
   ClIpFilterGauss oGauss;
   EXPECT_EQ(oGauss.Apply(), -35);
   EXPECT_EQ(oGauss.ApplyParam(oIn, oIn, 1.0, 3), -10);
-  EXPECT_EQ(NumberOf([&] { oGauss.ApplyParam(oIn, oOut, HUGE_VAL, 3); }), -44);
-  oGauss.nMode = 7;
-  EXPECT_EQ(NumberOf([&] { oGauss.ApplyParam(oIn, oOut, 1.0, 3); }), -35);
+  EXPECT_EQ(NumberOf([&] { oGauss.ApplyParam(oIn, o.m_oOut, HUGE_VAL, 3); }), -44);
   ClIpAnyFilter oFilter({1});
+  const auto Apply = [&](ClImage& oFrom, long nWidth, long nMode) {
+    return NumberOf([&] { oFilter.ApplyParam(oFrom, o.m_oOut, nWidth, nMode); });
+  };
   EXPECT_EQ(oFilter.Apply(), -35);
-  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 0, ClIpFilterBase::eModeX); }), -101);
-  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeDirected); }), -701);
-  oIn.NewWithType(3, 4, 4, 1, 0, 0, true);
-  EXPECT_EQ(NumberOf([&] { oFilter.ApplyParam(oIn, oOut, 3, ClIpFilterBase::eModeX); }), -35);
+  EXPECT_EQ(Apply(oIn, 3, 7), -35);
+  EXPECT_EQ(Apply(oIn, 0, ClIpFilterBase::eModeX), -101);
+  EXPECT_EQ(Apply(oIn, 3, ClIpFilterBase::eModeDirected), -701);
+  oIn.SetDataType(3);
+  EXPECT_EQ(Apply(oIn, 3, ClIpFilterBase::eModeX), -35);
 }

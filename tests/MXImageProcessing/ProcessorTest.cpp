@@ -1,8 +1,6 @@
 // Tests of what all processors share: the run, the generic loops, the lists of parameters.
 #include <gmock/gmock.h>
 
-#include <cstdarg>
-#include <cstdio>
 #include <memory>
 
 #include "CallersBlock.h"
@@ -31,7 +29,7 @@
 #include "MXImageProcessing/IpSubsample.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXTools/ClassCallProfile.h"
-#include "MXTools/ProfileTimer.h"
+#include "NotingTimer.h"
 #include "ParameterLists.h"
 #include "TestImages.h"
 
@@ -52,21 +50,6 @@ class ClScripted : public ClProcessorBase {
 
  private:
   void Note(const char* szCall) { m_szCalls += szCall; }
-};
-
-/// Keeps what processors send it.
-class ClNotingTimer : public ClProfileTimer {
- public:
-  void TimerStart(const char*, ...) override { m_aLines.emplace_back("start"); }
-  void TimerStop(const char* szFormat, ...) override {
-    va_list aArguments;
-    va_start(aArguments, szFormat);
-    char szText[600];
-    std::vsnprintf(szText, sizeof(szText), szFormat, aArguments);
-    va_end(aArguments);
-    m_aLines.emplace_back(szText);
-  }
-  std::vector<std::string> m_aLines;
 };
 
 /// Half of the value, by the generic loop of either base.
@@ -240,37 +223,36 @@ TEST(ParameterLists, OfTheProcessorsNameOneSetOfMembersWithTheirDefaults) {
   const struct {
     ClProcessorBase* m_pProcessor;
     std::string m_szNames;
-    long m_nMissing;
+    long m_nMissing = 0;
   } aProcessors[] = {
       {new ClIpAnd, szTwo, 1},
-      {new ClIpDelta, szTwo, 0},
-      {new ClIpMultiply, szTwo, 0},
-      {new ClIpSubtract, szTwo + " LowerBound=0.0 UpperBound=0.0 Data Output Range=DataDependent", 0},
-      {new ClIpBinarizeGlobal, szPair + " Black=nan White=nan Threshold=nan", 0},
+      {new ClIpDelta, szTwo},
+      {new ClIpMultiply, szTwo},
+      {new ClIpSubtract, szTwo + " LowerBound=0.0 UpperBound=0.0 Data Output Range=DataDependent"},
+      {new ClIpBinarizeGlobal, szPair + " Black=nan White=nan Threshold=nan"},
       {new ClIpBinarizeLocal2,
-       szPair + szType + " Black=0 White=255 nFilterWidthX=11 nFilterWidthY=11 nGrayOffset=0", 0},
-      {new ClIpConnectedComponent2, "pInImage m_pInImageGrey m_pOutImage", 0},
-      {new ClIpConvertDataType, szPair + szType, 0},
-      {new ClIpCut, szPair + " nX0=0 nY0=0 nDestWidth=0 nDestHeight=0", 0},
-      {new ClIpFilterGauss, szPair + " nFilterWidth=0 nMode=Mode XY pInDxImage pInDyImage dSigma=1.0", 0},
+       szPair + szType + " Black=0 White=255 nFilterWidthX=11 nFilterWidthY=11 nGrayOffset=0"},
+      {new ClIpConnectedComponent2, "pInImage m_pInImageGrey m_pOutImage"},
+      {new ClIpConvertDataType, szPair + szType},
+      {new ClIpCut, szPair + " nX0=0 nY0=0 nDestWidth=0 nDestHeight=0"},
+      {new ClIpFilterGauss, szPair + " nFilterWidth=0 nMode=Mode XY pInDxImage pInDyImage dSigma=1.0"},
       {new ClIpFilterMax, szFilter, 3},
-      {new ClIpFilterMid, szFilter, 0},
+      {new ClIpFilterMid, szFilter},
       {new ClIpFilterMin, szFilter, 3},
-      {new ClIpFlip, szPair + szType + " XFlip=False YFlip=False", 0},
-      {new ClIpInvert, szPair, 0},
-      {new ClIpLabeling, szPair, 0},
-      {new ClIpMoveImage, szPair + " nOffsetX=0 nOffsetY=0 dFillValue=0.0", 0},
+      {new ClIpFlip, szPair + szType + " XFlip=False YFlip=False"},
+      {new ClIpInvert, szPair},
+      {new ClIpLabeling, szPair},
+      {new ClIpMoveImage, szPair + " nOffsetX=0 nOffsetY=0 dFillValue=0.0"},
       {new ClIpRescale,
-       szPair + " NewWidth=0 NewHeight=0 NewPelsX=0 NewPelsY=0 eMode=ModeBiLinear dConvParameter1=-0.75", 0},
-      {new ClIpRotate, szPair + " Rotation=0.0 ResizeOutImage=True Interpolate=False BackgroundColor=128", 0},
-      {new ClIpSaturate, szPair + " dInLowerBorder=0.0 dInUpperBorder=0.0", 0},
-      {new ClIpScale, szPair + " dScaleFactor=1.0", 0},
-      {new ClIpSubsample, szPair + " nRate=2 nRateX=0 nRateY=0 bMid=True", 0},
-      {new ClIpSplitPlanes, "pInImage pOutPlane[0] pOutPlane[1] pOutPlane[2] pOutPlane[3]", 0},
+       szPair + " NewWidth=0 NewHeight=0 NewPelsX=0 NewPelsY=0 eMode=ModeBiLinear dConvParameter1=-0.75"},
+      {new ClIpRotate, szPair + " Rotation=0.0 ResizeOutImage=True Interpolate=False BackgroundColor=128"},
+      {new ClIpSaturate, szPair + " dInLowerBorder=0.0 dInUpperBorder=0.0"},
+      {new ClIpScale, szPair + " dScaleFactor=1.0"},
+      {new ClIpSubsample, szPair + " nRate=2 nRateX=0 nRateY=0 bMid=True"},
+      {new ClIpSplitPlanes, "pInImage pOutPlane[0] pOutPlane[1] pOutPlane[2] pOutPlane[3]"},
       {new ClIpJoinPlanes,
        "pInPlane[0] pInPlane[1] pInPlane[2] pInPlane[3] dInFillcolors[0]=nan dInFillcolors[1]=nan "
-       "dInFillcolors[2]=nan dInFillcolors[3]=nan pOutImage eOutContent=eUnknown bFillEmptyPlanes=True",
-       0}};
+       "dInFillcolors[2]=nan dInFillcolors[3]=nan pOutImage eOutContent=eUnknown bFillEmptyPlanes=True"}};
   for (const auto& [pProcessor, szNames, nMissing] : aProcessors) {
     const std::unique_ptr<ClProcessorBase> oOwner(pProcessor);
     const std::unique_ptr<ClProcessorBase> oNew(pProcessor->Create());

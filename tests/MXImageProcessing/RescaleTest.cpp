@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "MXTools/ParameterContainer.h"
-#include "MXTools/ProfileTimer.h"
+#include "NotingTimer.h"
 #include "ParameterLists.h"
 #include "TestImages.h"
 
@@ -214,9 +214,8 @@ TEST(Rescale, SizesAndResolutionsFollowEachOther) {
 }
 
 TEST(Rescale, ErrorsHaveTheirNumbers) {
-  ClImage oIn, oWide, oBlank, oOut;
-  SetImage<uint8_t>(oIn, 2, 1, {1, 2});
-  SetImage<float>(oWide, 2, 1, {1, 2});
+  ClAnyImages o;
+  ClImage &oIn = o.m_oByte, &oBlank = o.m_oEmpty, &oOut = o.m_oOut;
   ClIpRescale oRescale;
   EXPECT_EQ(oRescale.ApplyParam(oIn, oOut, eBiLinear), -101);
   EXPECT_EQ(oRescale.Apply(), -10);
@@ -227,7 +226,7 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, INT32_MAX, 1, eBiLinear), 0) << "218 thousand columns";
   oIn.SetPels(1, 1);
   EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, INT32_MAX, 1, eBiLinear), -35);
-  EXPECT_EQ(NumberOf([&] { oRescale.ApplyParamSize(oWide, oOut, 5, 5, eBiLinear); }), -101);
+  EXPECT_EQ(NumberOf([&] { oRescale.ApplyParamSize(o.m_oWord, oOut, 5, 5, eBiLinear); }), -101);
   SetImage<uint8_t>(oOut, 1, 1, {42});
   EXPECT_EQ(oRescale.ApplyParamSize(oIn, oOut, 5, 5, static_cast<ClIpRescale::eProcessingMode>(5)), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{42})) << "an unknown mode does nothing";
@@ -237,18 +236,13 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
 }
 
 TEST(Rescale, TheFantMarStepsAreTold) {
-  class ClTimer : public ClProfileTimer {
-   public:
-    void TimerStart(const char*, ...) override { ++m_nStarts; }
-    void TimerStop(const char*, ...) override { ++m_nStops; }
-    int m_nStarts = 0, m_nStops = 0;
-  } oTimer;
+  ClNotingTimer oTimer;
   g_pProfileTimer = &oTimer;
   ClIpRescale oRescale;
   g_pProfileTimer = nullptr;
   ClImage oIn, oOut;
   SetImage<uint8_t>(oIn, 2, 1, {1, 2});
   ASSERT_EQ(oRescale.ApplyParamSize(oIn, oOut, 3, 3, eFantMar), 0);
-  EXPECT_EQ(oTimer.m_nStarts, 7) << "six steps and the whole";
-  EXPECT_EQ(oTimer.m_nStops, 7);
+  EXPECT_EQ(oTimer.m_aLines.size(), 14U) << "six steps and the whole";
+  EXPECT_EQ(std::count(oTimer.m_aLines.begin(), oTimer.m_aLines.end(), "start"), 7);
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <random>
@@ -42,11 +43,9 @@ class TpGuardedRow {
   T* Data() { return m_aData.data() + cnGuard; }
   std::vector<T> Row() const { return {m_aData.data() + cnGuard, m_aData.data() + cnGuard + m_nCount}; }
   bool GuardsIntact() const {
-    for (size_t i = 0; i < cnGuard; ++i) {
-      if (m_aData[i] != static_cast<T>(cnPattern)) return false;
-      if (m_aData[m_aData.size() - 1 - i] != static_cast<T>(cnPattern)) return false;
-    }
-    return true;
+    const auto fnIntact = [](T nElement) { return nElement == static_cast<T>(cnPattern); };
+    return std::all_of(m_aData.begin(), m_aData.begin() + cnGuard, fnIntact) &&
+           std::all_of(m_aData.end() - cnGuard, m_aData.end(), fnIntact);
   }
 
  private:

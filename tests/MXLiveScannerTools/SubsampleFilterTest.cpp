@@ -86,23 +86,19 @@ TEST(SubsampleFilter, LetsGoOfABlockThatItsCallerLentForOneRun) {
 }
 
 TEST(SubsampleFilter, RefusesWhatItCannotResize) {
-  ClImage oIn, oOut;
+  ClAnyImages o;
+  ClImage oIn;
   FillRandom(oIn, 300, 40);
-  const auto oRefused = [&](int nWidth, int nHeight) {
-    return NumberOf([&] { ClFilter().ApplyParam(oIn, oOut, nWidth, nHeight); });
+  const auto Number = [&](ClImage& oFrom, int nWidth, int nHeight) {
+    return NumberOf([&] { ClFilter().ApplyParam(oFrom, o.m_oOut, nWidth, nHeight); });
   };
-  EXPECT_EQ(oRefused(300, 40), -44) << "the size that it has";
-  EXPECT_EQ(oRefused(301, 40), -44);
-  EXPECT_EQ(oRefused(0, 40), -44);
-  EXPECT_EQ(oRefused(30, -1), -44);
-  EXPECT_EQ(oRefused(5, 40), -44) << "more taps than there is room for";
-  EXPECT_EQ(oRefused(10, 40), 0);
-  oIn.NewWithType(ClImage::eUint8, 90, 40, 3, 0, 0, true);
-  EXPECT_EQ(oRefused(30, 20), -44);
-  oIn.NewWithType(ClImage::eInt16, 90, 40, 1, 0, 0, true);
-  EXPECT_EQ(oRefused(30, 20), -44);
-  oIn.Delete();
-  EXPECT_EQ(oRefused(30, 20), -44);
+  EXPECT_EQ(Number(oIn, 300, 40), -44) << "the size that it has";
+  EXPECT_EQ(Number(oIn, 301, 40), -44);
+  EXPECT_EQ(Number(oIn, 0, 40), -44);
+  EXPECT_EQ(Number(oIn, 30, -1), -44);
+  EXPECT_EQ(Number(oIn, 5, 40), -44) << "more taps than there is room for";
+  EXPECT_EQ(Number(oIn, 10, 40), 0);
+  for (ClImage* pIn : {&o.m_oColor, &o.m_oWord, &o.m_oEmpty}) EXPECT_EQ(Number(*pIn, 1, 1), -44);
 }
 
 }  // namespace
