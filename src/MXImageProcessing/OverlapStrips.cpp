@@ -1,5 +1,5 @@
 // The loop over strips, with a loader and a storer for each element type and working type.
-#include "OverlapStrips.h"
+#include "MXImageProcessing/OverlapStrips.h"
 
 #include <algorithm>
 #include <type_traits>

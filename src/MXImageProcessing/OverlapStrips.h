@@ -23,11 +23,11 @@ using StripRule = void (*)(W* pFirst, const W* pSecond, size_t nCount, const TpS
 
 /// Applies a rule to each pair of samples of an overlap, whose images have equal numbers of planes.
 ///
-/// The samples of a row are read into strips of the working type W, and written back from them: eight loaders and
-/// eight storers stand in for a loop for each of the 512 combinations of types.
+/// The samples of a row are read into strips of the working type W, and written back from them: eight loaders
+/// and eight storers stand in for a loop for each of the 512 combinations of types.
 ///
-/// Domain   W is int32_t, int64_t or double and holds all three types: those of 8 and 16 bits, all integers, all.
-///          The output is neither of the inputs.
+/// Domain   W is int32_t, int64_t or double and holds all three types: those of 8 and 16 bits, all integers,
+///          all. The output is neither of the inputs.
 /// Range    results within the limits, cut toward zero for integer outputs.
 /// Threads  reentrant.
 /// Errors   returned: -101 for a type that W does not hold.

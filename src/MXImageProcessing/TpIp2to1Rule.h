@@ -1,4 +1,4 @@
-// The two-image processors whose rule is compiled into the loop: working type, limits and loop that they share.
+// The two-image processors whose rule is compiled into the loop: what they share beside the rule.
 #pragma once
 
 #include "MXImageProcessing/Ip2to1Base.h"
@@ -7,17 +7,18 @@ struct ClOverlap;
 
 /// Applies TRule to each pair of samples and limits the result.
 ///
-/// TRule says what the rule is (Apply), for inputs of how many bytes 32 bits hold its result (ResultFitsIn32Bits)
-/// and, where there is one, which kernel does the same on bytes under limits of 0 and 255 (cpfnBytes). The rule
-/// works in 64-bit floats if any image is floating, else in integers of 32 or 64 bits that hold every result and
-/// limit. A processor with a new rule derives from this class and instantiates it in its own source, which
-/// includes TpIp2to1RuleImpl.h.
+/// TRule says what the rule is (Apply), for inputs of how many bytes 32 bits hold its result
+/// (ResultFitsIn32Bits) and, where there is one, which kernel does the same on bytes under limits of 0 and
+/// 255 (cpfnBytes). The rule works in 64-bit floats if any image is floating, else in integers of 32 or 64
+/// bits that hold every result and limit. A processor with a new rule derives from this class and
+/// instantiates it in its own source, which includes TpIp2to1RuleImpl.h.
 ///
 /// Domain   as the base.
 /// Range    mathematically the rule's result, limited, then cut toward zero for integer outputs. NaN becomes the
 ///          lower limit of an integer output.
 /// Threads  thread-bound.
-/// Cost     one pass by strips; the types are resolved once a call. One plane beside three is first spread to three.
+/// Cost     one pass by strips; the types are resolved once a call. One plane beside three is first spread to
+///          three.
 template <class TRule>
 class TpIp2to1Rule : public ClIp2to1Base {
  protected:

@@ -7,8 +7,8 @@
 #include <type_traits>
 
 #include "MXImageProcessing/OverlapLoop.h"
+#include "MXImageProcessing/OverlapStrips.h"
 #include "MXImageProcessing/TpIp2to1Rule.h"
-#include "OverlapStrips.h"
 
 /// A kernel on bytes.
 using ByteRule = void (*)(const uint8_t* pIn1, const uint8_t* pIn2, uint8_t* pOut, size_t nCount) noexcept;

@@ -94,8 +94,9 @@ class ClImage : private boost::noncopyable {
   void GetPlane(int nPlane, ClImage& oOut) const;
   /// Exchanges every field; no pixel moves.
   void Swap(ClImage& oOther);
-  /// Swap, for a result that was made in a scratch image: this image keeps the other one's block for the next run,
-  /// but not one attached by pointer, which the caller may have freed by then. Nothing on the image itself.
+  /// Swap, for a result that was made in a scratch image: this image keeps the other one's block for the next
+  /// run, but not one attached by pointer, which the caller may have freed by then. Nothing on the image
+  /// itself.
   void HandOver(ClImage& oOther);
 
   bool IsValid() const;

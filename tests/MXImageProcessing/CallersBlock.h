@@ -10,15 +10,15 @@
 
 #include "MXTools/FpImage.h"
 
-/// A processor that is kept, and how it is run on an image of 20 by 16 bytes that is its output and, where it can be,
-/// its input.
+/// A processor that is kept, and how it is run on an image of 20 by 16 bytes that is its output and, where it
+/// can be, its input.
 struct ClKeptProcessor {
   std::string m_szName;
   std::function<long(ClImage&)> m_fnRun;
 };
 
-/// Runs it on a block attached by pointer, takes the block back and runs it on images that own their blocks: none of
-/// these runs may write into it.
+/// Runs it on a block attached by pointer, takes the block back and runs it on images that own their blocks:
+/// none of these runs may write into it.
 inline void ExpectTheCallersBlockIsLetGo(const ClKeptProcessor& oProcessor) {
   SCOPED_TRACE(oProcessor.m_szName);
   const auto Run = [&](ClImage& oImage) {

@@ -31,7 +31,8 @@ inline ClParameterInterface::ClParameter* OlderEntry(ClParameterInterface& oList
 }
 
 /// Both lists have szNames, separated by blanks, in their published form and each but images with "=" and its
-/// default; nMissing of them are not in the older list. A value that is set by the older list shows in the published one, and defaults come back.
+/// default; nMissing of them are not in the older list. A value that is set by the older list shows in the
+/// published one, and defaults come back.
 inline void ExpectListsOfOneSetOfMembers(ClProcessorBase& oProcessor, const std::string& szNames,
                                          long nMissing = 0) {
   SCOPED_TRACE(oProcessor.Name());

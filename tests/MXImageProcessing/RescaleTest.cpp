@@ -31,7 +31,8 @@ int64_t StretchMean(int64_t n, int64_t nStep, int64_t nSize, const TSample& fnSa
   return nSum / (nTo - nFrom);
 }
 
-/// Where sample n of an axis that grows from nSize to nNew lies, in 4096ths; before its margins the ends alone.
+/// Where sample n of an axis that grows from nSize to nNew lies, in 4096ths; the ends alone in its
+/// margins.
 int64_t BlendPosition(int64_t n, int64_t nSize, int64_t nNew) {
   const float fRatio = static_cast<float>(nNew) / static_cast<float>(nSize);
   const auto nMargin = static_cast<int64_t>(fRatio * 0.5 + 0.5);

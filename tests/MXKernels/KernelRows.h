@@ -104,8 +104,8 @@ void ExpectSameAndGuarded(const TpGuardedRow<T>& oActual, const TpGuardedRow<T>&
   EXPECT_TRUE(oActual.GuardsIntact());
 }
 
-/// fnCall(kernel, outputs...) leaves the same in the outputs for a kernel and its plain twin; each output begins as
-/// the given row. A call that reads its output too works in place.
+/// fnCall(kernel, outputs...) leaves the same in the outputs for a kernel and its plain twin; each output
+/// begins as the given row. A call that reads its output too works in place.
 template <typename TKernel, typename TCall, typename... T>
 void ExpectLikeReference(TKernel pfnKernel, TKernel pfnReference, const TCall& fnCall,
                          const std::vector<T>&... aStarts) {

@@ -8,7 +8,8 @@
 
 namespace {
 
-/// A dim, noisy platen with a disc of ridges on it, some of them fainter than others, and on that a bright speck.
+/// A dim, noisy platen with a disc of ridges on it, some of them fainter than others, and on that a bright
+/// speck.
 Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed, double dRadius = 0.36) {
   std::mt19937 oRandom(nSeed);
   return MakeGrid(nWidth, nHeight, [&](int x, int y) {
@@ -159,8 +160,8 @@ TEST(Texture, ClassesOfInnerPixelsOnlyAndOneImageForEach) {
   ClIpComputeLBPImage_4Neighborhood oTexture;
   oTexture.m_poInImage = &oIn;
   oTexture.m_poOutImage = &oOut;
-  // (1, 1) has three brighter neighbours, (2, 2) two adjacent ones; equal ones don't count. A second run must not show
-  // the first one's classes.
+  // (1, 1) has three brighter neighbours, (2, 2) two adjacent ones; equal ones don't count. A second run must
+  // not show the first one's classes.
   Bytes aExpected(16, 0);
   aExpected[5] = 3, aExpected[10] = 2;
   for (int nRun = 0; nRun < 2; ++nRun, oIn = 0, aExpected = Bytes(16, 0)) {
