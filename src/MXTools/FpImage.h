@@ -181,10 +181,10 @@ class ClImage : private boost::noncopyable {
   int m_nPelsX;
   int m_nPelsY;
   boost::shared_ptr<unsigned char> m_pData;
-  size_t m_nBlockBytes;
+  size_t m_nBlockBytes = 0;
   bool m_bAlignedRows;
   int m_nPlanes;
   double m_dBlack;
   double m_dWhite;
-  unsigned int m_nTag;
+  unsigned int m_nTag = 0;
 };

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <memory>
+#include <new>
 #include <vector>
 
 #include "MXTools/Exception.h"
@@ -22,6 +24,14 @@ TEST(Image, AnEmptyOneIsValidAndHoldsNothing) {
   EXPECT_EQ(oImage.ElementsPerRow(), 0);
   EXPECT_TRUE(oImage.AlignedRows());
   EXPECT_TRUE(std::isnan(oImage.Black()) && std::isnan(oImage.White()));
+}
+
+TEST(Image, TheTagOfANewOneIsZeroWhateverTheMemoryHeld) {
+  alignas(ClImage) unsigned char aMemory[sizeof(ClImage)];
+  std::memset(aMemory, 0xA5, sizeof(aMemory));
+  const std::unique_ptr<ClImage, void (*)(ClImage*)> pImage(new (aMemory) ClImage,
+                                                            [](ClImage* p) { p->~ClImage(); });
+  EXPECT_EQ(pImage->Tag(), 0u);
 }
 
 TEST(Image, RowsArePaddedToFourBytesOnlyWhenAligned) {
