@@ -99,8 +99,8 @@ void ClStream::WriteBits(unsigned int nValue, unsigned int nCount) {
 
 void ClStream::BitFlush() {
   if (m_nBitCount == 0) return;
-  // Bits that were only read or looked up stand in the stream already.
-  if (m_eBitState != eBitsWritten) {
+  // Bits that were only read stand in the stream already, which is behind them.
+  if (m_eBitState == eBitsRead) {
     DropBits();
     return;
   }
@@ -125,6 +125,8 @@ unsigned int ClStream::BitPos() const {
 }
 
 void ClStream::BitPosSet(unsigned int nBitPos) {
+  // A reader may go from place to place on a stream that can't be written.
+  if (m_eBitState == eBitsPlaced) DropBits();
   BitFlush();
   Seek(static_cast<long>(nBitPos / 8), 0);
   if (nBitPos % 8 == 0) return;

@@ -159,6 +159,17 @@ TEST(MemStream, TheGapOfASeekPastTheEndIsZeroAndCountsOnlyWithAWrite) {
   EXPECT_EQ(Bytes(aContent.begin(), aContent.begin() + 6), (Bytes{'a', 'b', 0, 0, 0, 7}));
 }
 
+TEST(MemStream, AnEmptyOneGrowsByASeekOfAFewBytes) {
+  for (long nPos = 1; nPos <= 5; ++nPos) {
+    ClMemStream oStream;
+    EXPECT_EQ(oStream.Seek(nPos, 0), 0);
+    oStream.Write("x", 1);
+    Bytes aExpected(static_cast<size_t>(nPos), 0);
+    aExpected.push_back('x');
+    EXPECT_EQ(Content(oStream), aExpected);
+  }
+}
+
 TEST(MemStream, SeekReachesWhatIsThereAndRefusesTheRest) {
   unsigned char aData[4] = {};
   ClMemStream oReadOnly(static_cast<const unsigned char*>(aData), 4);
@@ -256,9 +267,23 @@ TEST(StreamBits, SettingABitPositionAtTheEndDoesNotStepBack) {
   EXPECT_THAT(Content(oStream), ElementsAre(0xFF, 0x20));
 }
 
+TEST(StreamBits, AFlushBehindASetPositionMovesOnByTheByteThatItWrites) {
+  unsigned char aData[2] = {0x5A, 0xFF};
+  ClMemStream oStream(aData, 2, true);
+  oStream.BitPosSet(3);
+  oStream.BitFlush();
+  EXPECT_EQ(oStream.BitPos(), 8u);
+  EXPECT_EQ(aData[0], 0x5A);
+  ClMemStream oEmpty;
+  oEmpty.BitPosSet(3);
+  oEmpty.BitFlush();
+  EXPECT_THAT(Content(oEmpty), ElementsAre(0));
+}
+
 TEST(StreamBits, ABitPositionServesReadersOfReadOnlyStreamsToo) {
   const unsigned char aData[3] = {0x00, 0x1A, 0x80};
   ClMemStream oStream(aData, 3);
+  oStream.BitPosSet(7);
   oStream.BitSeek(11, 0);
   unsigned int nValue = 0;
   oStream.ReadBits(nValue, 6);
