@@ -46,10 +46,9 @@ ClParsedNumber ParseParameterNumber(const char* szName, const char* psz, bool bF
   char* pEnd = nullptr;
   if (const char* szDigits = BehindHexadecimalMark(psz)) {
     oParsed.bHexadecimal = true;
-    errno = 0;
-    // 64 bits wherever it runs: where long is short, strtol would quietly stop at its limit.
+    // 64 bits wherever it runs: where long is short, strtol would quietly stop at its limit. What 64 bits can't
+    // hold stops at theirs, and the parameter's own limits decide.
     oParsed.nSigned = std::strtoll(szDigits, &pEnd, 16);
-    oParsed.bOverflow = errno == ERANGE;
     if (pEnd == szDigits || *pEnd != '\0') RaiseBadText(szName, psz, -44);
     return oParsed;
   }

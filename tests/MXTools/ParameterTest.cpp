@@ -40,7 +40,8 @@ TEST(NumericParameter, TakesDecimalAndHexadecimalTexts) {
                                                          {"x1f", 31},  {"0xFFFFFFFF", 4294967295u},
                                                          {"1.5", 1},   {"4294967295", 4294967295u},
                                                          {" 12", 12},  {"-0", 0},
-                                                         {"Xx2", 2},   {"7e-3", 7}};
+                                                         {"Xx2", 2},   {"7e-3", 7},
+                                                         {"1e3", 1}};
   for (const auto& [szText, nExpected] : aTexts) {
     nValue = 99;
     oGain.SetValue(szText);
@@ -62,6 +63,7 @@ TEST(NumericParameter, RefusesBadTextsAndKeepsTheOldValue) {
                                                  {"4294967296", -35},
                                                  {"1e400", -35},
                                                  {"0x100000000", -35},
+                                                 {"0xFFFFFFFFFFFFFFFF", -35},
                                                  {"-18446744073709551615", -35},
                                                  {"99999999999999999999", -35},
                                                  {nullptr, -20}};
@@ -83,6 +85,15 @@ TEST(NumericParameter, ADoubleTakesEveryFiniteTextAndRefusesInfinity) {
   EXPECT_EQ(dValue, -2500);
   oGain.SetValue("0x20");
   EXPECT_EQ(dValue, 32);
+  oGain.SetUpperBoundary(1e6);
+  for (const char* szBeyond : {"0xFFFFFFFFFFFFFFFF", "x-8000000000000001"}) {
+    oGain.SetValue(szBeyond);
+    EXPECT_EQ(std::abs(dValue), std::ldexp(1.0, 63)) << szBeyond;
+    oGain.SetFlags(3 | ClParameter::cnStrict);
+    EXPECT_THROW(oGain.SetValue(szBeyond), ClExRange) << szBeyond;
+    oGain.SetFlags(3);
+  }
+  dValue = 32;
   for (const char* szText : {"inf", "-inf", "1e999"}) {
     EXPECT_THROW(oGain.SetValue(szText), ClExRange) << szText;
   }
