@@ -51,15 +51,18 @@ StKifHeader ReadHeader(ClStream& oStream) {
   return oHeader;
 }
 
-/// A header may claim any size: nothing is allocated for pixels that the stream does not hold.
-void CheckPixelsPresent(ClStream& oStream, const StKifHeader& oHeader) {
-  if (!oStream.IsSeekable() || oHeader.nWidth <= 0 || oHeader.nHeight <= 0 || oHeader.nPlanes <= 0) return;
+/// A header may claim any size: nothing is allocated for pixels that the stream does not hold or can't move.
+void CheckPixels(ClStream& oStream, const StKifHeader& oHeader) {
+  if (oHeader.nWidth <= 0 || oHeader.nHeight <= 0 || oHeader.nPlanes <= 0) return;
+  // Before the room: elements of an unknown size tell nothing about how much should be there.
+  const int nSize = oHeader.nType & ClImage::cnTypeSizeMask;
+  if (nSize > 8 || (nSize & (nSize - 1)) != 0) KLV_RAISE(ClException, "KIF element size is not supported", -101);
+  if (!oStream.IsSeekable()) return;
   const int64_t nLeft = static_cast<int64_t>(oStream.Size()) - oStream.Pos();
   const int64_t nSamples = static_cast<int64_t>(oHeader.nWidth) * oHeader.nPlanes;
   int64_t nBytes = 0;
   const bool bTooMuch = __builtin_mul_overflow(nSamples, static_cast<int64_t>(oHeader.nHeight), &nBytes) ||
-                        __builtin_mul_overflow(
-                            nBytes, static_cast<int64_t>(oHeader.nType & ClImage::cnTypeSizeMask), &nBytes) ||
+                        __builtin_mul_overflow(nBytes, static_cast<int64_t>(nSize), &nBytes) ||
                         nBytes > nLeft;
   if (!bTooMuch) return;
   if (oStream.m_bFailureFlag) KLV_RAISE(ClExStreamUnexpectedEnd, "Unexpected end of stream", -201);
@@ -79,7 +82,7 @@ unsigned int ElementCount(const ClImage& oImage) {
 void ClImage::Load(ClStream& oStream) {
   Delete();
   const StKifHeader oHeader = ReadHeader(oStream);
-  CheckPixelsPresent(oStream, oHeader);
+  CheckPixels(oStream, oHeader);
   NewWithType(oHeader.nType, oHeader.nWidth, oHeader.nHeight, oHeader.nPlanes, oHeader.nPelsX, oHeader.nPelsY,
               oHeader.nAligned != 0);
   m_eContent = static_cast<EContent>(oHeader.nContent);
@@ -87,10 +90,7 @@ void ClImage::Load(ClStream& oStream) {
   m_dWhite = oHeader.dWhite;
   m_dBlack = oHeader.dBlack;
   if (const unsigned int nElements = ElementCount(*this)) {
-    const unsigned int nRead =
-        oStream.ReadNumericArray(Data(), nElements, static_cast<unsigned int>(ElementSize()));
-    // Nothing was read: the pixels would be what the memory held before.
-    if (nRead == UINT32_MAX) KLV_RAISE(ClException, "KIF element size is not supported", -101);
+    oStream.ReadNumericArray(Data(), nElements, static_cast<unsigned int>(ElementSize()));
   }
   ReadMagic(oStream, "KIF end Magic is missing");
 }

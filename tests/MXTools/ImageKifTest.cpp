@@ -10,6 +10,8 @@
 
 namespace {
 
+using Bytes = std::vector<unsigned char>;
+
 /// A 3 x 2 image of 16 bits with every field set.
 void MakeImage(ClImage& oImage) {
   oImage.NewWithType(ClImage::eUint16, 3, 2, 1, 19685, 9842, true);
@@ -20,13 +22,13 @@ void MakeImage(ClImage& oImage) {
   }
 }
 
-std::vector<unsigned char> BytesOf(const ClImage& oImage) {
+Bytes BytesOf(const ClImage& oImage) {
   ClMemStream oStream;
   oImage.Store(oStream);
   return {oStream.GetData(), oStream.GetData() + oStream.Size()};
 }
 
-long LoadNumber(const std::vector<unsigned char>& aBytes, bool bFailureFlag, ClImage& oImage) {
+long LoadNumber(const Bytes& aBytes, bool bFailureFlag, ClImage& oImage) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
   oStream.m_bFailureFlag = bFailureFlag;
   return NumberOf([&] { oImage.Load(oStream); });
@@ -35,9 +37,9 @@ long LoadNumber(const std::vector<unsigned char>& aBytes, bool bFailureFlag, ClI
 TEST(ImageKif, TheBytesAreTheContainersAndComeBack) {
   ClImage oImage;
   MakeImage(oImage);
-  const std::vector<unsigned char> aBytes = BytesOf(oImage);
+  const Bytes aBytes = BytesOf(oImage);
   ASSERT_EQ(aBytes.size(), 54u + 16 + 4);
-  const std::vector<unsigned char> aHead = {0x4B, 0x49, 0x46, 0, 0, 0, 0, 2, 0x02, 0, 0, 0, 3, 0, 0, 0, 2};
+  const Bytes aHead = {0x4B, 0x49, 0x46, 0, 0, 0, 0, 2, 0x02, 0, 0, 0, 3, 0, 0, 0, 2};
   EXPECT_TRUE(std::equal(aHead.begin(), aHead.end(), aBytes.begin()));
   EXPECT_EQ(aBytes[29], 1) << "aligned rows";
   EXPECT_EQ(aBytes[50], 1) << "tag, highest byte first";
@@ -54,7 +56,7 @@ TEST(ImageKif, TheBytesAreTheContainersAndComeBack) {
 TEST(ImageKif, OlderVersionsLackFieldsAndAreStoredAsTheNewest) {
   ClImage oImage;
   MakeImage(oImage);
-  std::vector<unsigned char> aBytes = BytesOf(oImage);
+  Bytes aBytes = BytesOf(oImage);
   aBytes[7] = 1;
   aBytes.erase(aBytes.begin() + 29);
   ClImage oLoaded;
@@ -70,7 +72,7 @@ TEST(ImageKif, OlderVersionsLackFieldsAndAreStoredAsTheNewest) {
 TEST(ImageKif, AFileCutAtAnyByteIsRefused) {
   ClImage oImage;
   MakeImage(oImage);
-  const std::vector<unsigned char> aBytes = BytesOf(oImage);
+  const Bytes aBytes = BytesOf(oImage);
   for (size_t nCut = 1; nCut < aBytes.size(); ++nCut) {
     ClImage oLoaded;
     EXPECT_EQ(LoadNumber({aBytes.begin(), aBytes.begin() + static_cast<ptrdiff_t>(nCut)}, true, oLoaded),
@@ -85,18 +87,21 @@ TEST(ImageKif, AFileCutAtAnyByteIsRefused) {
 TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
   ClImage oImage;
   MakeImage(oImage);
-  const std::vector<unsigned char> aGood = BytesOf(oImage);
-  const auto With = [&](size_t nOffset, std::vector<unsigned char> aField) {
-    std::vector<unsigned char> aBytes = aGood;
+  const Bytes aGood = BytesOf(oImage);
+  const auto With = [&](size_t nOffset, Bytes aField) {
+    Bytes aBytes = aGood;
     for (size_t n = 0; n < aField.size(); ++n) aBytes.at(nOffset + n) = aField[n];
     return aBytes;
   };
-  const std::vector<unsigned char> aHuge = {0x7F, 0xFF, 0xFF, 0xFF};
-  const std::vector<unsigned char> aNegative = {0xFF, 0xFF, 0xFF, 0xFF};
+  const Bytes aHuge = {0x7F, 0xFF, 0xFF, 0xFF};
+  const Bytes aNegative = {0xFF, 0xFF, 0xFF, 0xFF};
   ClImage oLoaded;
   EXPECT_EQ(LoadNumber(With(0, {0x4C}), true, oLoaded), -101) << "magic";
   EXPECT_EQ(LoadNumber(With(4, {0, 0, 0, 3}), true, oLoaded), -101) << "version";
-  EXPECT_EQ(LoadNumber(With(8, {0x1F}), true, oLoaded), -201) << "an element of 31 bytes";
+  for (const unsigned char nSize : Bytes{3, 5, 7, 9, 31}) {
+    EXPECT_EQ(LoadNumber(With(8, {nSize}), true, oLoaded), -101) << "elements of " << +nSize << " bytes";
+    EXPECT_EQ(LoadNumber(With(8, {nSize}), false, oLoaded), -101) << "elements of " << +nSize << " bytes";
+  }
   for (const size_t nOffset : {9u, 13u, 17u}) {
     EXPECT_EQ(LoadNumber(With(nOffset, aHuge), true, oLoaded), -201) << nOffset;
     EXPECT_EQ(LoadNumber(With(nOffset, aHuge), false, oLoaded), -101) << nOffset;
@@ -111,7 +116,7 @@ TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
 TEST(ImageKif, ElementsOfASizeThatNoStreamReadsDoNotLoadAsPixelsThatWereNeverRead) {
   ClImage oImage;
   oImage.NewWithType(ClImage::eUint8, 1, 1, 1, 0, 0, false);
-  std::vector<unsigned char> aBytes = BytesOf(oImage);
+  Bytes aBytes = BytesOf(oImage);
   aBytes[8] = 3;
   // The end mark stands where the reading went on.
   aBytes.erase(aBytes.begin() + 54);
