@@ -67,7 +67,8 @@ class ClMXVTScanAPIHandleBase : private boost::noncopyable {
   /// mode.
   virtual long SetCaptureMode(EScanMode_t eMode, unsigned int nCount, unsigned long long* pMasks,
                               unsigned int nMasks) = 0;
-  /// Waits for the next sequence of frames and borrows it. Errors: the scanner's number.
+  /// Waits for the next sequence of frames and borrows it; *ppSequence is NULL when none was lent.
+  /// Errors: the scanner's number, -60 when it succeeds without a sequence.
   virtual void LockRawSequence(void** ppSequence) = 0;
   virtual void ReleaseRawSequence(void** ppSequence) = 0;
 

@@ -185,8 +185,11 @@ long ClMXVTScanAPIWrapper::SetCaptureMode(EScanMode_t eMode, unsigned int nCount
 }
 
 void ClMXVTScanAPIWrapper::LockRawSequence(void** ppSequence) {
+  *ppSequence = nullptr;
   const long nResult = Optional(Dll::VTScanAPILockRawSequence)(m_hDevice, ppSequence);
   if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  // A success that lends nothing is what a scanner without frames tells in other words.
+  if (*ppSequence == nullptr) KLV_RAISE_NUMBER(-60);
 }
 
 void ClMXVTScanAPIWrapper::ReleaseRawSequence(void** ppSequence) {

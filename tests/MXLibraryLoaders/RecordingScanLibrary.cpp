@@ -1,15 +1,16 @@
 // A scan library that writes down each call with its arguments and answers with a number that the test sets.
 // Its functions are declared here by hand, so that a mistake in the binding's table shows against them.
 #include <cstdint>
-#include <cstring>
 #include <sstream>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace {
 
 std::string szRecord;
 long nAnswer = 0;
+int nLent = 0;
 /// Handles are addresses in here and are written down by their place.
 char aHandles[128];
 char szDescription[] = "described";
@@ -41,21 +42,24 @@ void Put(std::ostream& rOut, const T& rValue) {
 template <typename... T>
 long Record(const char* szFunction, const T&... aArguments) {
   std::ostringstream oLine;
-  oLine << szFunction << '(';
-  ((Put(oLine, aArguments), oLine << ','), ...);
-  std::string szLine = oLine.str();
-  if (szLine.back() == ',') szLine.pop_back();
-  szRecord += szLine + ")";
+  const char* szBefore = "(";
+  oLine << szFunction;
+  ((oLine << std::exchange(szBefore, ","), Put(oLine, aArguments)), ...);
+  szRecord += oLine.str() + ")";
   return nAnswer;
 }
-
-#define RECORD(...) return Record(__func__, __VA_ARGS__)
 
 struct Header {
   uint32_t nSize;
 };
 
 }  // namespace
+
+/// A function that does nothing but record: its name, its parameters and what of them is written down.
+#define RECORDING(Name, Parameters, ...) \
+  long Name Parameters {                 \
+    return Record(#Name, __VA_ARGS__);   \
+  }
 
 extern "C" {
 
@@ -65,148 +69,78 @@ void* TestHandle(int nPlace) {
 const char* TestRecord() {
   return szRecord.c_str();
 }
-void TestAnswer(long nNumber) {
+/// What every call answers from now on, and the place of the sequence that is lent, 0 for none.
+void TestAnswer(long nNumber, int nSequence) {
   szRecord.clear();
   nAnswer = nNumber;
+  nLent = nSequence;
 }
 
-long VTScanAPIInitialize(void* pReserved) {
-  RECORD(pReserved);
-}
+RECORDING(VTScanAPIInitialize, (void* pReserved), pReserved)
 long VTScanAPIUninitialize() {
-  return Record(__func__);
+  return nAnswer;
 }
-long VTScanAPIQueryDevices(unsigned* pIds, unsigned* pnCount, unsigned nId) {
-  RECORD(pIds, pnCount, nId);
-}
-long VTScanAPIGetDeviceSerial(unsigned nId, char* pszSerial, unsigned* pnSize) {
-  RECORD(nId, pszSerial, pnSize);
-}
-long VTScanAPIGetVersion(void* hDevice, char* pszText, unsigned* pnSize) {
-  RECORD(hDevice, pszText, pnSize);
-}
-long VTScanAPIGetHandleSerial(void* hDevice, char* pszText, unsigned* pnSize) {
-  RECORD(hDevice, pszText, pnSize);
-}
+RECORDING(VTScanAPIQueryDevices, (unsigned* pIds, unsigned* pnCount, unsigned nId), pIds, pnCount, nId)
+RECORDING(VTScanAPIGetDeviceSerial, (unsigned nId, char* psz, unsigned* pnSize), nId, psz, pnSize)
+RECORDING(VTScanAPIGetVersion, (void* h, char* psz, unsigned* pnSize), h, psz, pnSize)
+RECORDING(VTScanAPIGetHandleSerial, (void* h, char* psz, unsigned* pnSize), h, psz, pnSize)
 long VTScanAPICreateHandle(unsigned nId, void** phDevice) {
   *phDevice = aHandles + 77;
-  RECORD(nId, phDevice);
+  return Record(__func__, nId, phDevice);
 }
 long VTScanAPIDestroyHandle(void** phDevice) {
   const long nResult = Record(__func__, phDevice);
   *phDevice = nullptr;
   return nResult;
 }
-long VTScanAPIGetDeviceIndex(void* hDevice, unsigned* pnIndex) {
-  RECORD(hDevice, pnIndex);
-}
+RECORDING(VTScanAPIGetDeviceIndex, (void* h, unsigned* pnIndex), h, pnIndex)
 #ifndef KLV_TEST_WITHOUT_REQUIRED
-long VTScanAPIGetPlugStatus(void* hDevice, int* pnStatus) {
-  RECORD(hDevice, pnStatus);
-}
+RECORDING(VTScanAPIGetPlugStatus, (void* h, int* pnStatus), h, pnStatus)
 #endif
-long VTScanAPISetCaptureSequence(void* hDevice, unsigned char nCount, unsigned char* pLed,
-                                 unsigned char* pFlags) {
-  RECORD(hDevice, nCount, pLed, pFlags);
-}
-long VTScanAPISetStatusLED(void* hDevice, unsigned long long nPattern) {
-  RECORD(hDevice, nPattern);
-}
-long VTScanAPISetResolution(void* hDevice, int nMode) {
-  RECORD(hDevice, nMode);
-}
-long VTScanAPIGetResolution(void* hDevice, unsigned* pnWidth, unsigned* pnHeight) {
-  RECORD(hDevice, pnWidth, pnHeight);
-}
-long VTScanAPISetVSYNC(void* hDevice, unsigned short nLength) {
-  RECORD(hDevice, nLength);
-}
-long VTScanAPISetGlobalGain(void* hDevice, unsigned char nGain) {
-  RECORD(hDevice, nGain);
-}
-long VTScanAPISetGain(void* hDevice, int n1, int n2, int n3) {
-  RECORD(hDevice, n1, n2, n3);
-}
-long VTScanAPIGetImage(void* hDevice, const Header* pHeader, unsigned char nArg, char cArg) {
-  RECORD(hDevice, pHeader->nSize, nArg, cArg);
-}
-long VTScanAPIListEPROMFile(void* hDevice, char* pszList, unsigned* pnSize) {
-  RECORD(hDevice, pszList, pnSize);
-}
-long VTScanAPIReadEPROMFile(void* hDevice, const char* pszName, void* pData, unsigned* pnSize) {
-  RECORD(hDevice, pszName, pData, pnSize);
-}
-long VTScanAPISetPropertyA(void* hDevice, const char* pszName, const char* pszValue) {
-  RECORD(hDevice, pszName, pszValue);
-}
-long VTScanAPISetPropertyW(void* hDevice, const wchar_t* pszName, const wchar_t* pszValue) {
-  RECORD(hDevice, pszName, pszValue);
-}
-long VTScanAPIGetPropertyA(void* hDevice, const char* pszName, char* pszValue, unsigned* pnSize) {
-  RECORD(hDevice, pszName, pszValue, pnSize);
-}
-long VTScanAPIGetPropertyW(void* hDevice, const wchar_t* pszName, wchar_t*, unsigned* pnSize) {
-  RECORD(hDevice, pszName, pnSize);
-}
-char* VTScanAPIGetErrorDescriptionA(long nError) {
-  Record(__func__, nError);
+RECORDING(VTScanAPISetCaptureSequence, (void* h, unsigned char n, unsigned char* pLed, unsigned char* pFlags),
+          h, n, pLed, pFlags)
+RECORDING(VTScanAPISetStatusLED, (void* h, unsigned long long nPattern), h, nPattern)
+RECORDING(VTScanAPISetResolution, (void* h, int nMode), h, nMode)
+RECORDING(VTScanAPIGetResolution, (void* h, unsigned* pnWidth, unsigned* pnHeight), h, pnWidth, pnHeight)
+RECORDING(VTScanAPISetVSYNC, (void* h, unsigned short nLength), h, nLength)
+RECORDING(VTScanAPISetGlobalGain, (void* h, unsigned char nGain), h, nGain)
+RECORDING(VTScanAPISetGain, (void* h, int n1, int n2, int n3), h, n1, n2, n3)
+RECORDING(VTScanAPIGetImage, (void* h, const Header* p, unsigned char n, char c), h, p->nSize, n, c)
+RECORDING(VTScanAPIListEPROMFile, (void* h, char* pszList, unsigned* pnSize), h, pszList, pnSize)
+RECORDING(VTScanAPIReadEPROMFile, (void* h, const char* psz, void* p, unsigned* pnSize), h, psz, p, pnSize)
+RECORDING(VTScanAPISetPropertyA, (void* h, const char* psz, const char* pszValue), h, psz, pszValue)
+RECORDING(VTScanAPISetPropertyW, (void* h, const wchar_t* psz, const wchar_t* pszValue), h, psz, pszValue)
+RECORDING(VTScanAPIGetPropertyA, (void* h, const char* psz, char* pszOut, unsigned* pn), h, psz, pszOut, pn)
+RECORDING(VTScanAPIGetPropertyW, (void* h, const wchar_t* psz, wchar_t*, unsigned* pn), h, psz, pn)
+char* VTScanAPIGetErrorDescriptionA(long) {
   return szDescription;
 }
-wchar_t* VTScanAPIGetErrorDescriptionW(long nError) {
-  Record(__func__, nError);
+wchar_t* VTScanAPIGetErrorDescriptionW(long) {
   return wszDescription;
 }
 
 #ifndef KLV_TEST_WITHOUT_OPTIONAL
-long VTScanAPIEnableCapture(void* hDevice, int bEnable) {
-  RECORD(hDevice, bEnable);
-}
-long VTScanAPIGetImageSequence(void* hDevice, void* pBuffer, unsigned n1, unsigned n2) {
-  RECORD(hDevice, pBuffer, n1, n2);
-}
-long VTScanAPIBeep(void* hDevice, unsigned n1, unsigned n2) {
-  RECORD(hDevice, n1, n2);
-}
-long VTScanAPISetLED(void* hDevice, unsigned nPattern) {
-  RECORD(hDevice, nPattern);
-}
-long VTScanAPISetLEDEx(void* hDevice, unsigned nPattern) {
-  RECORD(hDevice, nPattern);
-}
-long VTScanAPIApplyInternalCommand(void* hDevice, int nCommand, void* pData, void* pnSize) {
-  uint32_t nSize = 0;
-  std::memcpy(&nSize, pnSize, sizeof(nSize));
-  RECORD(hDevice, nCommand, static_cast<unsigned char*>(pData), nSize);
-}
-long VTScanAPISetCaptureSequenceEx(void* hDevice, unsigned nCount, unsigned* pSequence) {
-  RECORD(hDevice, nCount, pSequence);
-}
-long VTScanAPIGetImageEx(void* hDevice, const Header* pHeader, int nArg) {
-  RECORD(hDevice, pHeader->nSize, nArg);
-}
+RECORDING(VTScanAPIEnableCapture, (void* h, int bEnable), h, bEnable)
+RECORDING(VTScanAPIGetImageSequence, (void* h, void* p, unsigned n1, unsigned n2), h, p, n1, n2)
+RECORDING(VTScanAPIBeep, (void* h, unsigned n1, unsigned n2), h, n1, n2)
+RECORDING(VTScanAPISetLED, (void* h, unsigned nPattern), h, nPattern)
+RECORDING(VTScanAPISetLEDEx, (void* h, unsigned nPattern), h, nPattern)
+RECORDING(VTScanAPIApplyInternalCommand, (void* h, int n, void* p, void* pnSize), h, n,
+          static_cast<unsigned char*>(p), *static_cast<uint32_t*>(pnSize))
+RECORDING(VTScanAPISetCaptureSequenceEx, (void* h, unsigned n, unsigned* pSequence), h, n, pSequence)
+RECORDING(VTScanAPIGetImageEx, (void* h, const Header* p, int nArg), h, p->nSize, nArg)
 long VTScanAPILockRawSequence(void* hDevice, void** ppSequence) {
-  *ppSequence = aHandles + 88;
-  RECORD(hDevice, ppSequence);
+  if (nLent != 0) *ppSequence = aHandles + nLent;
+  return Record(__func__, hDevice, ppSequence);
 }
-long VTScanAPIReleaseRawSequence(void* hDevice, void** ppSequence) {
-  RECORD(hDevice, ppSequence);
-}
-long VTScanAPISetCaptureMode(void* hDevice, int nMode, unsigned nCount, unsigned long long* pMasks,
-                             unsigned nMasks) {
-  RECORD(hDevice, nMode, nCount, pMasks, nMasks);
-}
-long VTScanAPIGetPropertyLongA(void* hDevice, const char* pszName, long* pnValue) {
-  RECORD(hDevice, pszName, pnValue);
-}
-long VTScanAPISetPropertyLongA(void* hDevice, const char* pszName, long nValue) {
-  RECORD(hDevice, pszName, nValue);
-}
-long VTScanAPISetPropertyDoubleA(void* hDevice, const char* pszName, double dValue) {
-  RECORD(hDevice, pszName, dValue);
-}
-long VTScanAPIGetPropertyDoubleA(void* hDevice, const char* pszName, double* pdValue) {
-  RECORD(hDevice, pszName, pdValue);
-}
+RECORDING(VTScanAPIReleaseRawSequence, (void* h, void** ppSequence), h, ppSequence)
+RECORDING(VTScanAPISetCaptureMode,
+          (void* h, int nMode, unsigned n, unsigned long long* pMasks, unsigned nMasks), h, nMode, n, pMasks,
+          nMasks)
+RECORDING(VTScanAPIGetPropertyLongA, (void* h, const char* psz, long* pnValue), h, psz, pnValue)
+RECORDING(VTScanAPISetPropertyLongA, (void* h, const char* psz, long nValue), h, psz, nValue)
+RECORDING(VTScanAPISetPropertyDoubleA, (void* h, const char* psz, double dValue), h, psz, dValue)
+RECORDING(VTScanAPIGetPropertyDoubleA, (void* h, const char* psz, double* pdValue), h, psz, pdValue)
 #endif
 
 }  // extern "C"

@@ -26,12 +26,12 @@ class ClRecordedScanner {
     m_oControl.GetFunction(m_pRecord, "TestRecord");
     m_oControl.GetFunction(m_pAnswer, "TestAnswer");
     m_oScanner.SetDllWrapper(&m_oBinding, m_pHandle(5));
-    m_pAnswer(0);
+    Answer(0);
   }
   void* Handle(int nPlace) const { return m_pHandle(nPlace); }
   Scanner* operator->() { return &m_oScanner; }
   Scanner& operator*() { return m_oScanner; }
-  void Answer(long nNumber) { m_pAnswer(nNumber); }
+  void Answer(long nNumber, int nLent = 88) { m_pAnswer(nNumber, nLent); }
   std::string Record() { return m_pRecord(); }
 
  private:
@@ -40,7 +40,7 @@ class ClRecordedScanner {
   ClDynamicLibrary m_oControl;
   void* (*m_pHandle)(int) = nullptr;
   const char* (*m_pRecord)() = nullptr;
-  void (*m_pAnswer)(long) = nullptr;
+  void (*m_pAnswer)(long, int) = nullptr;
 };
 
 template <typename TCall>
@@ -123,6 +123,9 @@ TEST(MXVTScanAPIWrapper, ARawSequenceIsLentAndAFailureIsRaisedWithTheLibrarysNum
   EXPECT_EQ(FailureOf([&] { oScanner->EnableCaptureThread(false); }),
             szLost + "\nerror in EnableCaptureThread");
   oScanner->Beep(1, 1);
+  oScanner.Answer(0, 0);
+  EXPECT_EQ(FailureOf([&] { oScanner->LockRawSequence(&pSequence); }), szLost) << "nothing was lent";
+  EXPECT_EQ(pSequence, nullptr);
 }
 
 TEST(MXVTScanAPIWrapper, OnlyTheModesThatTheLibraryKnowsReachIt) {
