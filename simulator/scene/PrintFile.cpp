@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "scene/Platen.h"
+#include "scene/RegularFile.h"
 #include "scene/SimError.h"
 
 namespace Simulator {
@@ -30,7 +31,9 @@ double PelsOf(png_structp pPng, png_infop pInfo) {
 /// nothing that needs a destructor; the texts of errors wait in a member.
 class ClPngReader {
  public:
-  explicit ClPngReader(const std::string& sPath) : m_sPath(sPath), m_pFile(std::fopen(sPath.c_str(), "rb")) {
+  explicit ClPngReader(const std::string& sPath) : m_sPath(sPath) {
+    NeedRegularFile(m_sPath, "print file \"" + m_sPath + "\"");
+    m_pFile.reset(std::fopen(m_sPath.c_str(), "rb"));
     if (!m_pFile) throw ClSimError(eFileOpen, "can't open print file \"" + m_sPath + "\"");
     m_pPng =
         png_create_read_struct(PNG_LIBPNG_VER_STRING, this, &ClPngReader::OnError, &ClPngReader::OnWarning);

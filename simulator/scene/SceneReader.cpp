@@ -9,6 +9,7 @@
 
 #include "scene/BuiltInScenes.h"
 #include "scene/PenReader.h"
+#include "scene/RegularFile.h"
 #include "scene/SceneObject.h"
 #include "scene/SimError.h"
 #include "scene/TargetContent.h"
@@ -210,7 +211,7 @@ void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
   });
 }
 
-/// Appends a whole file; one of more than nMost bytes, and a device never ends, is refused. sWhat: the file in messages.
+/// Appends a whole file; one of more than nMost bytes is refused. sWhat: the file in messages.
 template <class TBytes>
 void ReadAtMost(std::ifstream& oFile, size_t nMost, const std::string& sWhat, TBytes& rBytes) {
   char aPart[4096];
@@ -225,10 +226,12 @@ void ReadAtMost(std::ifstream& oFile, size_t nMost, const std::string& sWhat, TB
 
 /// The bytes of a file that takes the place of one in the EEPROM.
 std::vector<uint8_t> ReadEpromFile(const std::string& sFile) {
+  const std::string sWhat = "scene: EEPROM file \"" + sFile + "\"";
+  NeedRegularFile(sFile, sWhat);
   std::ifstream oFile(sFile, std::ios::binary);
   if (!oFile) throw ClSimError(eFileOpen, "scene: can't open EEPROM file \"" + sFile + "\"");
   std::vector<uint8_t> aData;
-  ReadAtMost(oFile, g_cnMostEpromBytes, "scene: EEPROM file \"" + sFile + "\"", aData);
+  ReadAtMost(oFile, g_cnMostEpromBytes, sWhat, aData);
   return aData;
 }
 
@@ -358,12 +361,14 @@ ClSceneDescription FindScene(const std::string& sScene) {
     oScene.bRealTime = RealTimeByDefault();
     return oScene;
   }
+  const std::string sWhat = "scene file \"" + sScene + "\"";
+  NeedRegularFile(sScene, sWhat);
   std::ifstream oFile(sScene, std::ios::binary);
   if (!oFile)
     throw ClSimError(eFileOpen, "scene \"" + sScene + "\" is neither a built-in scene (" +
                                     BuiltInSceneNames() + ") nor a file that can be opened");
   std::string sText;
-  ReadAtMost(oFile, g_cnMostSceneBytes, "scene file \"" + sScene + "\"", sText);
+  ReadAtMost(oFile, g_cnMostSceneBytes, sWhat, sText);
   const size_t nSlash = sScene.rfind('/');
   return ReadScene(sText, nSlash == std::string::npos ? "" : nSlash == 0 ? "/" : sScene.substr(0, nSlash));
 }

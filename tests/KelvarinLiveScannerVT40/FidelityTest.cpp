@@ -2,11 +2,11 @@
 // optics.
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 
 #include "ApiFixture.h"
+#include "TemporaryDirectory.h"
 
 namespace {
 
@@ -160,16 +160,13 @@ class MadeRecord : public Measured {
 
   /// The record that the tool makes from a target that lies on the scanner.
   static std::vector<char> Make(const std::string& sSerial) {
-    std::string sFolder = (std::filesystem::temp_directory_path() / "calibrate-XXXXXX").string();
-    EXPECT_NE(mkdtemp(sFolder.data()), nullptr);
-    const std::string sCommand = std::string(KLV_RUN KLV_TOOL) + " calibrate --out " + sFolder +
+    const ClTemporaryDirectory oFolder;
+    const std::string sCommand = std::string(KLV_RUN KLV_TOOL) + " calibrate --out " + oFolder.Path() +
                                  R"( --scene '{"scanners": [{"serial": ")" + sSerial +
                                  R"(", "target": {}}]}' >/dev/null)";
     EXPECT_EQ(std::system(sCommand.c_str()), 0);
-    std::ifstream oFile(sFolder + "/geometric.calibrate", std::ios::binary);
-    std::vector<char> aRecord(std::istreambuf_iterator<char>(oFile), {});
-    std::filesystem::remove_all(sFolder);
-    return aRecord;
+    std::ifstream oFile(oFolder.Path("geometric.calibrate"), std::ios::binary);
+    return {std::istreambuf_iterator<char>(oFile), {}};
   }
 
   /// The truth half a pixel to the left and further down.

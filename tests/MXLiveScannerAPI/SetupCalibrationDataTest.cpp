@@ -8,11 +8,11 @@
 #include <map>
 
 #include "../MXCalibrate/CalibrationBlocks.h"
-#include "../MXTools/TemporaryDirectory.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
 #include "Raised.h"
+#include "TemporaryDirectory.h"
 
 namespace {
 

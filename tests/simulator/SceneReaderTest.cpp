@@ -1,8 +1,10 @@
 // Scenes from JSON: what is taken over, and what is refused with which words.
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "TestFiles.h"
 #include "scene/BuiltInScenes.h"
+#include "scene/PrintFile.h"
 #include "scene/SceneReader.h"
 #include "scene/SimError.h"
 
@@ -136,16 +138,27 @@ TEST(SceneReader, AFileCanTakeThePlaceOfOneInTheEeprom) {
   for (const auto& [sFile, nNumber] : {std::pair<std::string, long>{oFolder.Path("none.bin"), -200},
                                        {oFolder.Path("large.bin"), -44},
                                        {oFolder.Path("."), -203},
-                                       {"/dev/zero", -44}}) {
+                                       {"/dev/zero", -203}}) {
     const std::string sText = R"({"scanners": [{"eprom": {"GEOCAL": {"file": ")" + sFile + "\"}}}]}";
     EXPECT_EQ(Refusal(sText).first, nNumber) << sFile;
     EXPECT_THAT(Refusal(sText).second, HasSubstr(sFile));
   }
 }
 
-TEST(SceneReader, ASceneFileThatNeverEndsIsRefused) {
-  EXPECT_THAT([] { FindScene("/dev/zero"); },
-              testing::ThrowsMessage<ClSimError>(HasSubstr("scene file \"/dev/zero\" has more than")));
+TEST(SceneReader, WhatMayNeverEndOrNeverBeginIsRefusedUnread) {
+  const ClTestFolder oFolder;
+  const std::string sPipe = oFolder.Path("pipe"), sLarge = oFolder.Write("large", "{");
+  ASSERT_EQ(mkfifo(sPipe.c_str(), 0600), 0);
+  std::filesystem::resize_file(sLarge, 16777217);
+  for (const auto& oRefused : {std::pair<std::string, const char*>{"/dev/zero", "is no regular file"},
+                               {sPipe, "is no regular file"},
+                               {sLarge, "has more than 16777216 bytes"}}) {
+    const auto Find = [&] { FindScene(oRefused.first); };
+    const std::string sText = "scene file \"" + oRefused.first + "\" " + oRefused.second;
+    EXPECT_THAT(Find, testing::ThrowsMessage<ClSimError>(sText));
+  }
+  EXPECT_THAT([&] { ReadPrintFile(sPipe); },
+              testing::ThrowsMessage<ClSimError>(HasSubstr("no regular file")));
 }
 
 TEST(SceneReader, WhatIsWrongIsRefusedWithItsPlaceAndRange) {

@@ -2,10 +2,8 @@
 #pragma once
 
 #include <png.h>
-#include <unistd.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -14,24 +12,12 @@
 #include <string>
 #include <vector>
 
+#include "TemporaryDirectory.h"
+
 namespace Simulator {
 
-class ClTestFolder {
+class ClTestFolder : public ClTemporaryDirectory {
  public:
-  ClTestFolder() {
-    std::string sName = (std::filesystem::temp_directory_path() / "simulatorXXXXXX").string();
-    if (!mkdtemp(sName.data())) throw std::runtime_error("no folder for test files");
-    m_oFolder = sName;
-  }
-  ClTestFolder(const ClTestFolder&) = delete;
-  ClTestFolder& operator=(const ClTestFolder&) = delete;
-  ~ClTestFolder() {
-    std::error_code oIgnored;
-    std::filesystem::remove_all(m_oFolder, oIgnored);
-  }
-
-  std::string Path(const std::string& sName) const { return (m_oFolder / sName).string(); }
-
   std::string Write(const std::string& sName, const std::string& sText) const {
     std::ofstream(Path(sName), std::ios::binary) << sText;
     return Path(sName);
@@ -58,9 +44,6 @@ class ClTestFolder {
       throw std::runtime_error(oImage.message);
     return Path(sName);
   }
-
- private:
-  std::filesystem::path m_oFolder;
 };
 
 }  // namespace Simulator

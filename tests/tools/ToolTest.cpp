@@ -1,7 +1,7 @@
 // The command-line tool as a process: exit codes, facts and files.
 #include <gtest/gtest.h>
 #include <png.h>
-#include <stdlib.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <algorithm>
@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "TemporaryDirectory.h"
+
 namespace {
 
 struct StRun {
@@ -23,13 +25,6 @@ struct StRun {
 
 class Tool : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string sPattern = (std::filesystem::temp_directory_path() / "vt40-XXXXXX").string();
-    ASSERT_NE(mkdtemp(sPattern.data()), nullptr);
-    m_oFolder = sPattern;
-  }
-  void TearDown() override { std::filesystem::remove_all(m_oFolder); }
-
   static StRun Run(const std::string& sArguments) {
     return RunCommand(std::string(KLV_RUN KLV_TOOL) + " " + sArguments);
   }
@@ -45,18 +40,18 @@ class Tool : public testing::Test {
     return oRun;
   }
 
-  std::string Out() const { return " --out " + m_oFolder.string(); }
+  std::string Out() const { return " --out " + m_oFolder.Path(); }
   std::vector<unsigned char> FileOf(const std::string& sName) const {
-    std::ifstream oFile(m_oFolder / sName, std::ios::binary);
+    std::ifstream oFile(m_oFolder.Path(sName), std::ios::binary);
     return {std::istreambuf_iterator<char>(oFile), {}};
   }
   std::string SceneFile(const std::string& sText) const {
-    const std::string sFile = (m_oFolder / "scene.json").string();
+    const std::string sFile = m_oFolder.Path("scene.json");
     std::ofstream(sFile) << sText;
     return " --scene " + sFile;
   }
 
-  std::filesystem::path m_oFolder;
+  const ClTemporaryDirectory m_oFolder;
 };
 
 unsigned long LittleEndian(const std::vector<unsigned char>& aBytes, size_t nOffset) {
@@ -94,16 +89,15 @@ TEST_F(Tool, SetsLightsBuzzerAndDisplay) {
 
 TEST_F(Tool, WithoutTheLivenessLibraryAutoLiveIsRefused) {
   const std::filesystem::path oBuild = std::filesystem::path(KLV_TOOL).parent_path().parent_path();
-  std::filesystem::create_directory(m_oFolder / "bin");
-  std::filesystem::create_directory(m_oFolder / "lib");
-  std::filesystem::copy(KLV_TOOL, m_oFolder / "bin");
+  std::filesystem::create_directory(m_oFolder.Path("bin"));
+  std::filesystem::create_directory(m_oFolder.Path("lib"));
+  std::filesystem::copy(KLV_TOOL, m_oFolder.Path("bin"));
   for (const auto& oEntry : std::filesystem::directory_iterator(oBuild / "lib")) {
     if (oEntry.path().filename().string().find("fakefinger") == std::string::npos)
-      std::filesystem::copy(oEntry, m_oFolder / "lib");
+      std::filesystem::copy(oEntry, m_oFolder.Path("lib"));
   }
   // From there, so that nothing is found by way of the working directory.
-  const std::string sTool =
-      "cd " + (m_oFolder / "bin").string() + " && LD_LIBRARY_PATH=../lib " KLV_RUN "./vt40 ";
+  const std::string sTool = "cd " + m_oFolder.Path("bin") + " && LD_LIBRARY_PATH=../lib " KLV_RUN "./vt40 ";
   EXPECT_EQ(RunCommand(sTool + "capture --mode off --scene finger" + Out()).nExit, 0);
   const StRun oLive = RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out());
   EXPECT_EQ(oLive.nExit, 2) << oLive.sOutput;
@@ -118,7 +112,7 @@ TEST_F(Tool, CapturesIntoPngFilesWithTheirResolution) {
   EXPECT_EQ(oFacts["pictures"].size(), 2u);
   for (const auto& [szName, nSide, nPels] :
        {std::make_tuple("preview.png", 800u, 9842u), std::make_tuple("full.png", 1600u, 19685u)}) {
-    std::FILE* pFile = std::fopen((m_oFolder / szName).c_str(), "rb");
+    std::FILE* pFile = std::fopen(m_oFolder.Path(szName).c_str(), "rb");
     ASSERT_NE(pFile, nullptr);
     png_structp pPng = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop pInfo = png_create_info_struct(pPng);
@@ -154,15 +148,15 @@ TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
   const std::string sScene = SceneFile(R"({"pacing": "consumer", "scanners": [{"fingers": [
       {"print": {"seed": 3, "width": 27}, "touch": 0.3, "lift": 3.4,
        "roll": {"path": [{"at": 0.4, "strip": 7}, {"at": 2.9, "strip": -7}]}}]}]})");
-  const StRun oClean = Run("roll --json --frames " + (m_oFolder / "frames").string() + sScene + Out());
+  const StRun oClean = Run("roll --json --frames " + m_oFolder.Path("frames") + sScene + Out());
   ASSERT_EQ(oClean.nExit, 0) << oClean.sOutput;
   const nlohmann::json oFacts = nlohmann::json::parse(oClean.sOutput);
   EXPECT_EQ(oFacts["result"], 0);
   EXPECT_EQ(oFacts["pictures"][0]["pelsPerMetre"], 19685);
   EXPECT_GT(oFacts["millimetres"], 22.0);
-  const auto itFrames = std::filesystem::directory_iterator(m_oFolder / "frames");
+  const auto itFrames = std::filesystem::directory_iterator(m_oFolder.Path("frames"));
   EXPECT_EQ(std::distance(begin(itFrames), end(itFrames)), oFacts["frames"].size());
-  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "frames" / "frame-0001.png"));
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder.Path("frames/frame-0001.png")));
   const StRun oShort = RunCommand("KELVARIN_VTSIM_PACING=consumer " KLV_RUN KLV_TOOL
                                   " roll --no-postprocess --format bmp --scene roll-short" +
                                   Out());
@@ -178,13 +172,13 @@ TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
   EXPECT_EQ(oFacts["dots"], 64);
   EXPECT_GT(oFacts["residualMicrometres"]["before"]["rms"], 100.0);
   EXPECT_LT(oFacts["residualMicrometres"]["after"]["rms"], 10.0);
-  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "residual.png"));
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder.Path("residual.png")));
   const std::vector<unsigned char> aRecord = FileOf("geometric.calibrate");
-  const std::string sRaw = (m_oFolder / "raw.png").string();
-  EXPECT_EQ(Run("calibrate --from " + sRaw + " --out " + (m_oFolder / "again").string()).nExit, 0);
+  const std::string sRaw = m_oFolder.Path("raw.png");
+  EXPECT_EQ(Run("calibrate --from " + sRaw + " --out " + m_oFolder.Path("again")).nExit, 0);
   EXPECT_EQ(FileOf("again/geometric.calibrate"), aRecord);
 
-  const std::string sCheck = "calibrate --check " + m_oFolder.string();
+  const std::string sCheck = "calibrate --check " + m_oFolder.Path();
   EXPECT_EQ(Run(sCheck).sOutput, "geometric.calibrate   good\n");
   const std::string sStored =
       R"({"scanners": [{"eprom": {"GEOCAL": {"file": "geometric.calibrate"BAD}}, "fingers": [{}]}]})";
@@ -220,7 +214,7 @@ TEST_F(Tool, TakesASignatureWhenThePenRests) {
   EXPECT_EQ(FileOf("signature.bmp").size(), 14u + 40 + 1024 + 1600 * 800);
   const StRun oEndless = Run("sign --time 0 --timeout 3 --sigma 4" + Stroke("real") + Out());
   EXPECT_EQ(oEndless.nExit, 0) << oEndless.sOutput;
-  EXPECT_TRUE(std::filesystem::exists(m_oFolder / "signature.png"));
+  EXPECT_TRUE(std::filesystem::exists(m_oFolder.Path("signature.png")));
 }
 
 TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
@@ -245,13 +239,22 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");
   Expect("list --scene slap-rihgt", 7, "slap-rihgt");
-  Expect("capture --print " + (m_oFolder / "none.png").string(), 7, "No such file");
+  Expect("capture --print " + m_oFolder.Path("none.png"), 7, "No such file");
   Expect(R"(calibrate --scene '{"scanners": [{"target": {"missing": [5]}}]}')" + Out(), 1, "dot count");
   Expect("calibrate --check x --from y.png", 2, "excludes");
   Expect("calibrate --check --scene empty --serial VT40-XX", 3, "VT40-XX");
   Expect("calibrate --check /dev/null", 7, "/dev/null/geometric.calibrate");
-  std::filesystem::create_symlink("/dev/zero", m_oFolder / "geometric.calibrate");
-  Expect("calibrate --check " + m_oFolder.string(), 7, "more than the 8192 bytes");
+  const std::string sBlock = m_oFolder.Path("geometric.calibrate");
+  std::ofstream(sBlock) << std::string(8193, 'x');
+  Expect("calibrate --check " + m_oFolder.Path(), 7, "more than the 8192 bytes");
+  std::filesystem::remove(sBlock);
+  ASSERT_EQ(mkfifo(sBlock.c_str(), 0600), 0);
+  for (const std::string& sFile : {sBlock, std::string("/dev/zero")}) {
+    Expect("calibrate --from " + sFile + Out(), 7, "no regular file");
+    Expect("capture --print " + sFile + Out(), 7, "no regular file");
+    Expect("list --scene " + sFile, 7, "scene");
+  }
+  Expect("calibrate --check " + m_oFolder.Path(), 7, "no regular file");
   Expect("calibrate --from /dev/null" + Out(), 7, "/dev/null");
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
 }

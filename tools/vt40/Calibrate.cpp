@@ -1,8 +1,6 @@
 // The calibrate command.
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +10,7 @@
 #include "Commands.h"
 #include "HeatMap.h"
 #include "Json.h"
+#include "Picture.h"
 #include "Scanner.h"
 #include "Scene.h"
 #include "ServiceScanner.h"
@@ -33,12 +32,12 @@ nlohmann::ordered_json FormOf(const StResidual& o) {
 }
 
 std::vector<unsigned char> ReadBlock(const std::filesystem::path& oFile) {
+  NeedFile(oFile.string());
   std::ifstream oStream(oFile, std::ios::binary);
-  if (!oStream) throw ClToolError(eExitFile, oFile.string() + ": " + std::strerror(errno));
-  // No more than that one byte beyond: a device, or what a link leads to, may never end.
+  // No more than one byte beyond, however long the file is.
   std::vector<unsigned char> aBlock(cnMostBytes + 1);
   oStream.read(reinterpret_cast<char*>(aBlock.data()), static_cast<std::streamsize>(aBlock.size()));
-  if (oStream.bad()) throw ClToolError(eExitFile, oFile.string() + ": can't be read");
+  if (!oStream.is_open() || oStream.bad()) throw ClToolError(eExitFile, oFile.string() + ": can't be read");
   aBlock.resize(static_cast<size_t>(oStream.gcount()));
   if (aBlock.size() > cnMostBytes) {
     throw ClToolError(eExitFile, oFile.string() + ": has more than the " + std::to_string(cnMostBytes) +

@@ -1,6 +1,8 @@
 // Files of pictures, by format.
 #include "Picture.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -15,6 +17,13 @@ void AppendLittleEndian(std::vector<unsigned char>& aBytes, unsigned long long n
 
 void AppendBigEndian(std::vector<unsigned char>& aBytes, unsigned long long nValue, unsigned int nBytes) {
   for (unsigned int n = nBytes; n-- > 0;) aBytes.push_back(static_cast<unsigned char>(nValue >> (8 * n)));
+}
+
+void NeedFile(const std::string& sFile) {
+  if (access(sFile.c_str(), R_OK) != 0) throw ClToolError(eExitFile, sFile + ": " + std::strerror(errno));
+  std::error_code oError;
+  if (!std::filesystem::is_regular_file(sFile, oError))
+    throw ClToolError(eExitFile, sFile + ": is no regular file");
 }
 
 void WriteFile(const std::vector<unsigned char>& aBytes, const std::string& sFile) {

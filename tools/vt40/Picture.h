@@ -32,5 +32,8 @@ std::string WritePicture(const ClPicture& oPicture, const std::string& sFolder, 
 /// Appends a number of nBytes bytes, lowest byte first or last.
 void AppendLittleEndian(std::vector<unsigned char>& aBytes, unsigned long long nValue, unsigned int nBytes);
 void AppendBigEndian(std::vector<unsigned char>& aBytes, unsigned long long nValue, unsigned int nBytes);
+/// Refuses what can't be read, and devices and pipes, which may never end or never begin. Errors: ClToolError
+/// eExitFile, with the reason.
+void NeedFile(const std::string& sFile);
 /// Writes a whole file. Errors: ClToolError eExitFile, with the system's reason.
 void WriteFile(const std::vector<unsigned char>& aBytes, const std::string& sFile);

@@ -50,6 +50,7 @@ void WritePng(const ClPicture& oPicture, const std::string& sFile) {
 }
 
 ClPicture ReadPng(const std::string& sFile) {
+  NeedFile(sFile);
   png_image oImage = {};
   oImage.version = PNG_IMAGE_VERSION;
   const auto Check = [&](int nGood) {

@@ -1,14 +1,11 @@
 // Scenes reach the simulated scan library through the environment, as it is loaded at run time.
 #include "Scene.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "Picture.h"
 #include "ToolError.h"
 
 namespace {
@@ -16,7 +13,7 @@ namespace {
 constexpr char cszVariable[] = "KELVARIN_VTSIM_SCENE";
 
 std::string SceneOfPrint(const std::string& sFile, bool bRolls) {
-  if (access(sFile.c_str(), R_OK) != 0) throw ClToolError(eExitFile, sFile + ": " + std::strerror(errno));
+  NeedFile(sFile);
   nlohmann::json oFinger = {{"print", {{"file", std::filesystem::absolute(sFile).string()}}}};
   if (bRolls) oFinger["roll"] = nlohmann::json::object();
   const nlohmann::json oScanner = {{"fingers", nlohmann::json::array({oFinger})}};

@@ -9,7 +9,7 @@ class ClTemporaryDirectory {
  public:
   ClTemporaryDirectory() {
     std::string szPattern = (std::filesystem::temp_directory_path() / "klvtest.XXXXXX").string();
-    if (mkdtemp(&szPattern[0]) == nullptr) std::abort();
+    if (mkdtemp(szPattern.data()) == nullptr) std::abort();
     m_oPath = szPattern;
   }
   ClTemporaryDirectory(const ClTemporaryDirectory&) = delete;
@@ -18,7 +18,10 @@ class ClTemporaryDirectory {
     std::error_code oIgnored;
     std::filesystem::remove_all(m_oPath, oIgnored);
   }
-  std::string Path(const std::string& szName) const { return (m_oPath / szName).string(); }
+  /// The directory itself, or what stands or will stand in it under the name.
+  std::string Path(const std::string& szName = "") const {
+    return (szName.empty() ? m_oPath : m_oPath / szName).string();
+  }
 
  private:
   std::filesystem::path m_oPath;
