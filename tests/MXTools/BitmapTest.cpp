@@ -96,6 +96,10 @@ TEST(Bitmap, AnImageAndABitmapShareTheirPixelsBothWays) {
   oBitmap.ClearFree();
   EXPECT_EQ(oBack.Row<unsigned char>(1)[99], 3);
   EXPECT_EQ(oBack.PelsX(), 19685);
+  oBitmap.Create(8, 4, 8, 0);
+  oBack.Attach(oBitmap);
+  oBack.NewWithType(ClImage::eUint8, 8, 4, 1, 0, 0, true);
+  EXPECT_NE(oBack.Data(), oBitmap.Pixels()) << "new pixels are not written into the bitmap's";
 }
 
 TEST(Bitmap, OnlyImagesWithTheRowsOfABmpAttach) {

@@ -128,6 +128,7 @@ TEST(MD5, TheDigestsAreThoseOfTheRfcsTestSuite) {
   EXPECT_EQ(Digest("abc"), "900150983cd24fb0d6963f7d28e17f72");
   EXPECT_EQ(Digest("12345678901234567890123456789012345678901234567890123456789012345678901234567890"),
             "57edf4a22be3c955ac49da2e2107b67a");
+  EXPECT_EQ(Digest(std::string(56, 'a')), "3b0c8ac703f828b04c6c197006d17218") << "no room for the length";
 }
 
 TEST(MD5, AFileInBlocksGivesTheDigestOfItsBytes) {

@@ -98,7 +98,7 @@ TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
   ClImage oLoaded;
   EXPECT_EQ(LoadNumber(With(0, {0x4C}), true, oLoaded), -101) << "magic";
   EXPECT_EQ(LoadNumber(With(4, {0, 0, 0, 3}), true, oLoaded), -101) << "version";
-  for (const unsigned char nSize : Bytes{3, 5, 7, 9, 31}) {
+  for (const unsigned char nSize : Bytes{3, 5, 7, 9, 16, 31}) {
     EXPECT_EQ(LoadNumber(With(8, {nSize}), true, oLoaded), -101) << "elements of " << +nSize << " bytes";
     EXPECT_EQ(LoadNumber(With(8, {nSize}), false, oLoaded), -101) << "elements of " << +nSize << " bytes";
   }

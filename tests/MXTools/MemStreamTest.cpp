@@ -124,9 +124,9 @@ TEST(Stream, ALongStringIsCutToTheBufferAndPassedAsAWhole) {
 }
 
 TEST(Stream, AStoredLengthBeyondTheEndIsRefusedBeforeAnythingIsAllocated) {
-  const unsigned char aStored[] = {0xFF, 0xFF, 0xFF, 0xFF, 'a', 0};
-  for (unsigned int nCut = 4; nCut <= sizeof(aStored); ++nCut) {
-    ClMemStream oStream(aStored, nCut);
+  const Bytes aHuge = {0xFF, 0xFF, 0xFF, 0xFF, 'a', 0}, aOneMore = {0, 0, 0, 3, 'a', 0};
+  for (const Bytes& aStored : {aHuge, Bytes(aHuge.begin(), aHuge.end() - 2), aOneMore}) {
+    ClMemStream oStream(aStored.data(), static_cast<unsigned int>(aStored.size()));
     char* szText = nullptr;
     EXPECT_EQ(NumberOf([&] { oStream.ReadString(&szText); }), -201);
     EXPECT_EQ(szText, nullptr);
@@ -234,8 +234,11 @@ TEST(StreamBits, EveryWidthAtEveryOffsetComesBack) {
   }
 }
 
-TEST(StreamBits, ThirtyTwoBitsBehindFivePendingWriteFourBytes) {
+TEST(StreamBits, ThirtyTwoBitsBehindFivePendingWriteFourBytesAndMoreThanThatAreRefused) {
   ClMemStream oStream;
+  unsigned int nValue = 0;
+  EXPECT_EQ(NumberOf([&] { oStream.WriteBits(0, 33); }), -35);
+  EXPECT_EQ(NumberOf([&] { ClMemStream(8, true).ReadBits(nValue, 33); }), -35);
   oStream.WriteBits(0x1F, 5);
   oStream.WriteBits(0, 32);
   EXPECT_EQ(oStream.Size(), 4);

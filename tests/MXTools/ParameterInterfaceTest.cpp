@@ -44,6 +44,8 @@ TEST(ParameterInterface, RangesAreCutToTheTypeAndTheMarkerIsAThirdAround) {
   EXPECT_EQ(oMembers["nByte"].Minimum(), 0);
   EXPECT_EQ(oMembers["nByte"].Maximum(), 255);
   EXPECT_EQ(oMembers["nInt"].Maximum(), 2147483647);
+  EXPECT_EQ(oMembers["InImage"].Minimum(), 1);
+  EXPECT_EQ(oMembers["InImage"].Maximum(), 4);
   EXPECT_EQ(oMembers["dDouble"].Minimum(), 2);
   EXPECT_EQ(oMembers["dDouble"].Maximum(), 4);
   EXPECT_EQ(oMembers["dDouble"].Default(), 3);

@@ -32,7 +32,7 @@ struct ClParameterMembers {
     oList.AddParameter(&fFloat, "fFloat", "", List::eIn, 0, 1);
     oList.AddBool(&bBool, "bBool", "", List::eIn);
     oList.AddEnum(&nEnum, "nEnum", "", "zero\0one\0two\0", List::eInOut);
-    oList.AddParameter(&pImage, "InImage", "In: Original Image", List::eIn, 0, 0);
+    oList.AddParameter(&pImage, "InImage", "In: Original Image", List::eIn, 1, 4);
     oList.AddParameterString(szText, sizeof(szText), "szText", "", List::eOptional);
     oList.AddComment("note");
   }

@@ -237,6 +237,9 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("display Übung", 2, "ASCII");
   Expect("list" + SceneFile(R"({"scanners": []})"), 3, "no scanner");
   Expect("info --scene finger --serial VT40-XX", 3, "VT40-XX");
+  Expect("info" +
+             SceneFile(R"({"scanners": [{}], "faults": [{"call": "VTScanAPICreateHandle", "result": -61}]})"),
+         4, "cannot be opened");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "scene");
   Expect("list --scene slap-rihgt", 7, "slap-rihgt");
   Expect("capture --print " + m_oFolder.Path("none.png"), 7, "No such file");
