@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -63,13 +63,8 @@ TEST(KelvarinVTScanAPIWrapper, OptionalFunctionsMayBeMissing) {
 }
 
 TEST(KelvarinVTScanAPIWrapper, AMissingRequiredFunctionIsNamedAndLeavesNothingBound) {
-  try {
-    const Wrapper oWrapper(nullptr, KLV_LIBRARY_WITHOUT_REQUIRED);
-    ADD_FAILURE();
-  } catch (const ClExDynamicLibraryLoadFail& e) {
-    EXPECT_EQ(e.Number(), -206);
-    EXPECT_THAT(e.What(), testing::EndsWith("\nVTScanAPIGetPlugStatus"));
-  }
+  EXPECT_THAT(Raised([] { Wrapper(nullptr, KLV_LIBRARY_WITHOUT_REQUIRED); }),
+              testing::Pair(-206, testing::EndsWith("\nVTScanAPIGetPlugStatus")));
   EXPECT_TRUE(NothingIsBound());
 }
 

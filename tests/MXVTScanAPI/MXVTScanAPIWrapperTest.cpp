@@ -1,4 +1,4 @@
-// What reaches the scan library from each operation of the scanner, and what comes back.
+// What reaches the scan library from each operation of the scanner, what comes back, and the tables of sensor sizes.
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
 
 #include <gmock/gmock.h>
@@ -10,7 +10,7 @@
 
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "MXTools/DynamicLibrary.h"
-#include "MXTools/Exception.h"
+#include "Raised.h"
 
 namespace {
 
@@ -42,16 +42,6 @@ class ClRecordedScanner {
   const char* (*m_pRecord)() = nullptr;
   void (*m_pAnswer)(long, int) = nullptr;
 };
-
-template <typename TCall>
-std::string FailureOf(TCall&& oCall) {
-  try {
-    oCall();
-  } catch (const ClException& e) {
-    return std::to_string(e.Number()) + " " + e.What();
-  }
-  return "none";
-}
 
 tagBITMAPINFOHEADER oHeader = {40, 0, 0, 1, 8, 0, 0, 0, 0, 0, 0};
 char szText[] = "room";
@@ -117,14 +107,13 @@ TEST(MXVTScanAPIWrapper, ARawSequenceIsLentAndAFailureIsRaisedWithTheLibrarysNum
             "VTScanAPILockRawSequence(5,*88)VTScanAPIReleaseRawSequence(5,*88)VTScanAPIEnableCapture(5,1)"
             "VTScanAPIBeep(5,10,20)");
   oScanner.Answer(-60);
-  const std::string szLost = "-60 Function call failed, because assigned device was disconnected.";
-  EXPECT_EQ(FailureOf([&] { oScanner->LockRawSequence(&pSequence); }), szLost);
-  EXPECT_EQ(FailureOf([&] { oScanner->ReleaseRawSequence(&pSequence); }), szLost);
-  EXPECT_EQ(FailureOf([&] { oScanner->EnableCaptureThread(false); }),
-            szLost + "\nerror in EnableCaptureThread");
+  EXPECT_EQ(NumberOf([&] { oScanner->LockRawSequence(&pSequence); }), -60);
+  EXPECT_EQ(NumberOf([&] { oScanner->ReleaseRawSequence(&pSequence); }), -60);
+  EXPECT_THAT(Raised([&] { oScanner->EnableCaptureThread(false); }),
+              testing::Pair(-60, testing::EndsWith("\nerror in EnableCaptureThread")));
   oScanner->Beep(1, 1);
   oScanner.Answer(0, 0);
-  EXPECT_EQ(FailureOf([&] { oScanner->LockRawSequence(&pSequence); }), szLost) << "nothing was lent";
+  EXPECT_EQ(NumberOf([&] { oScanner->LockRawSequence(&pSequence); }), -60) << "nothing was lent";
   EXPECT_EQ(pSequence, nullptr);
 }
 
@@ -134,14 +123,13 @@ TEST(MXVTScanAPIWrapper, OnlyTheModesThatTheLibraryKnowsReachIt) {
   for (int nMode = -1; nMode <= 40; ++nMode) {
     oScanner.Answer(0);
     const auto eMode = static_cast<EScanMode_t>(nMode);
-    const std::string szResolution = FailureOf([&] { oScanner->SetResolution(eMode); });
-    const std::string szMode = FailureOf([&] { oScanner->SetCaptureMode(eMode, 1, nullptr, 0); });
-    EXPECT_EQ(szResolution, szMode) << nMode;
-    if (szMode == "none") {
+    const auto oFailure = Raised([&] { oScanner->SetResolution(eMode); });
+    EXPECT_EQ(Raised([&] { oScanner->SetCaptureMode(eMode, 1, nullptr, 0); }), oFailure) << nMode;
+    if (oFailure.first == 0) {
       aPassed.push_back(nMode);
     } else {
-      EXPECT_THAT(szMode, testing::EndsWith("\ninvalid scan mode in VTScanAPISetResolution"));
-      EXPECT_EQ(szMode.substr(0, 4), "-44 ");
+      EXPECT_THAT(oFailure,
+                  testing::Pair(-44, testing::EndsWith("\ninvalid scan mode in VTScanAPISetResolution")));
       EXPECT_EQ(oScanner.Record(), "");
     }
   }
@@ -160,18 +148,6 @@ TEST(MXVTScanAPIWrapper, ADeviceIsOpenedAndClosedOnce) {
             "VTScanAPICreateHandle(3,*77)VTScanAPISetLEDEx(77,1)VTScanAPIDestroyHandle(*77)");
 }
 
-TEST(MXVTScanAPIWrapper, WhatIsNotImplementedGivesFalseAndReachesNothing) {
-  ClRecordedScanner oScanner(KLV_LIBRARY_COMPLETE);
-  unsigned short nRoom = 4711;
-  EXPECT_FALSE(oScanner->GetEPROMSize(&nRoom));
-  EXPECT_EQ(nRoom, 4711);
-  EXPECT_FALSE(oScanner->ReadEPROM(0, 2, aBytes));
-  EXPECT_FALSE(oScanner->WriteEPROM(0, 2, aBytes));
-  EXPECT_FALSE(oScanner->WriteEPROMFile("GEOCAL", aBytes, 2));
-  EXPECT_FALSE(oScanner->DeleteEPROMFile("GEOCAL"));
-  EXPECT_EQ(oScanner.Record(), "");
-}
-
 TEST(MXVTScanAPIWrapper, AFunctionThatTheLibraryLacksIsNeverCalled) {
   ClRecordedScanner oScanner(KLV_LIBRARY_WITHOUT_OPTIONAL);
   void* pSequence = nullptr;
@@ -184,8 +160,7 @@ TEST(MXVTScanAPIWrapper, AFunctionThatTheLibraryLacksIsNeverCalled) {
       [&] { oScanner->GetImageEx(&oHeader, 1); },
       [&] { oScanner->GetImageSequence(nullptr, 1, 2); }};
   for (const auto& oCall : aRefused)
-    EXPECT_EQ(FailureOf(oCall),
-              "-103 The feature is currently not supported.\nVTScanAPI version incompatible");
+    EXPECT_THAT(Raised(oCall), testing::Pair(-103, testing::EndsWith("\nVTScanAPI version incompatible")));
   oScanner->Beep(1, 1);
   EXPECT_FALSE(oScanner->SetLED(1));
   EXPECT_FALSE(oScanner->SetLEDConfiguration(1, aBytes));
@@ -197,12 +172,57 @@ TEST(MXVTScanAPIWrapper, WithoutABindingEveryCallIsRefused) {
   Scanner oScanner(nullptr, nullptr);
   for (const ClForward& oForward : caForwards) {
     bool bDone = false;
-    const std::string szFailure = FailureOf([&] { bDone = oForward.oCall(oScanner); });
+    const long nFailure = NumberOf([&] { bDone = oForward.oCall(oScanner); });
     EXPECT_FALSE(bDone);
-    EXPECT_TRUE(szFailure == "none" || szFailure == "-2 Prior initialization is necessary.")
-        << oForward.szRecord;
+    EXPECT_TRUE(nFailure == 0 || nFailure == -2) << oForward.szRecord;
   }
   oScanner.Beep(1, 1);
+}
+
+/// A scanner of any product.
+class ClProduct : public ClMXVTScanAPIWrapper {
+ public:
+  explicit ClProduct(int nProduct) : ClMXVTScanAPIWrapper(nullptr, nullptr) {
+    m_ePid = static_cast<ClMXVTScanAPI::EScannerProductID_t>(nProduct);
+    ConfigureResolutionMap();
+  }
+  const ScannerTypes::Resolution* Find(int nMode) const {
+    const auto oFound = ResolutionMap().find(static_cast<EScanMode_t>(nMode));
+    return oFound == ResolutionMap().end() ? nullptr : oFound->second;
+  }
+};
+
+TEST(MXVTScanAPIHandleBase, EachProductHasTheModesOfItsSensor) {
+  for (int nProduct : {17, 23}) {
+    ClProduct oScanner(nProduct);
+    EXPECT_EQ(oScanner.ResolutionMap().size(), 14u);
+    ASSERT_NE(oScanner.Find(8), nullptr);
+    EXPECT_EQ(oScanner.Find(8)->nHeight, 1362u) << "the roll window has two rows more than half";
+    EXPECT_EQ(oScanner.Find(7)->nWidth, 3840u);
+    EXPECT_EQ(oScanner.Find(38)->nHeight, 340u);
+    EXPECT_EQ(oScanner.Find(16), nullptr);
+    oScanner.ConfigureResolutionMap();
+    EXPECT_EQ(oScanner.ResolutionMap().size(), 14u);
+  }
+  const ClProduct oSingle(16);
+  EXPECT_EQ(oSingle.ResolutionMap().size(), 13u);
+  EXPECT_EQ(oSingle.Find(7), nullptr);
+  EXPECT_EQ(oSingle.Find(37)->nWidth, 320u);
+  EXPECT_TRUE(ClProduct(99).ResolutionMap().empty());
+}
+
+TEST(MXVTScanAPIHandleBase, WhatAnImplementationDoesNotTellIsRefusedOrLeft) {
+  ClProduct oScanner(17);
+  unsigned short nRoom = 4711;
+  EXPECT_TRUE(oScanner.ClMXVTScanAPIHandleBase::GetEPROMSize(&nRoom));
+  EXPECT_EQ(nRoom, 4711);
+  EXPECT_FALSE(oScanner.IsUSBPowered());
+  EXPECT_THAT(Raised([&] { oScanner.ClMXVTScanAPIHandleBase::GetAPIVersion(nullptr, nullptr); }),
+              testing::Pair(-103, testing::EndsWith("\nNo API version available.")));
+  ClMXVTScanAPI::EScannerProductID_t ePid;
+  oScanner.GetPid(&ePid);
+  EXPECT_EQ(ePid, 17);
+  EXPECT_THROW(oScanner.GetPid(nullptr), ClException);
 }
 
 }  // namespace
