@@ -6,17 +6,12 @@
 #include <random>
 #include <set>
 #include <tuple>
-#include <vector>
 
-#include "MXTools/Bitmap.h"
+#include "BitmapFiles.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/MemStream.h"
-#include "Raised.h"
 
 namespace {
-
-using Bytes = std::vector<unsigned char>;
 
 struct ClDepth {
   long m_nBits;
@@ -28,17 +23,6 @@ struct ClDepth {
 // Half a step of a grey ramp, or of five bits; a grey ramp takes greys alone.
 const ClDepth g_aDepths[] = {{1, 0, 128}, {4, 0, 9},  {8, 0, 0},  {16, 0, 5},
                              {16, 3, 5},  {24, 0, 0}, {32, 0, 0}, {32, 3, 0}};
-
-Bytes Stored(const ClBitmap& oBitmap) {
-  ClMemStream oStream;
-  oBitmap.Store(oStream);
-  return Bytes(oStream.GetData(), oStream.GetData() + oStream.Size());
-}
-
-long Load(ClBitmap& rBitmap, const Bytes& aFile) {
-  ClMemStream oStream(aFile.data(), static_cast<unsigned int>(aFile.size()));
-  return NumberOf([&] { rBitmap.Load(oStream); });
-}
 
 /// Random colours in all pixels, set in no order.
 void Fill(ClBitmap& rBitmap, const ClDepth& oDepth, int nWidth, int nHeight, unsigned int nSeed) {

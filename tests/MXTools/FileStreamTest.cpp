@@ -74,13 +74,8 @@ TEST_F(FileStream, ABitFlushKeepsTheRestOfTheByteOfAnExistingFile) {
 
 TEST_F(FileStream, WhatCannotBeOpenedRaisesWithItsName) {
   for (const std::string& szName : {m_oDirectory.Path(""), m_oDirectory.Path("none/file")}) {
-    try {
-      ClFileStream oStream(szName.c_str(), "rb");
-      ADD_FAILURE() << szName;
-    } catch (const ClExFilesystem& e) {
-      EXPECT_EQ(e.Number(), -200);
-      EXPECT_THAT(e.What(), testing::EndsWith("\n" + szName));
-    }
+    EXPECT_THAT(Raised([&] { ClFileStream(szName.c_str(), "rb"); }),
+                testing::Pair(-200, testing::EndsWith("\n" + szName)));
   }
   ClFileStream oStream;
   const char* szNone = nullptr;
@@ -126,13 +121,7 @@ TEST_F(FileStream, PlainFilesReportWhatFails) {
   char cByte;
   EXPECT_EQ(oFile.Read(&cByte, 1), 0u);
   EXPECT_TRUE(oFile.Eof());
-  try {
-    oFile.Seek(-1, SEEK_SET);
-    ADD_FAILURE();
-  } catch (const ClExSystem& e) {
-    EXPECT_EQ(e.Number(), -105);
-    EXPECT_THAT(e.What(), testing::EndsWith("\nfseek"));
-  }
+  EXPECT_THAT(Raised([&] { oFile.Seek(-1, SEEK_SET); }), testing::Pair(-105, testing::EndsWith("\nfseek")));
 }
 
 // A full disk shows when the buffer is written, which may be as late as in fclose.

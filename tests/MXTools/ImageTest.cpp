@@ -1,13 +1,14 @@
 // Images: shapes, sharing, copying, filling and the rules of validity.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <memory>
 #include <new>
+#include <tuple>
 #include <vector>
 
 #include "MXTools/Exception.h"
@@ -34,28 +35,19 @@ TEST(Image, TheTagOfANewOneIsZeroWhateverTheMemoryHeld) {
   EXPECT_EQ(pImage->Tag(), 0u);
 }
 
-TEST(Image, RowsArePaddedToFourBytesOnlyWhenAligned) {
+TEST(Image, TypePlanesAndAlignmentDecideRowsBlackWhiteAndContent) {
   ClImage oImage;
-  oImage.NewWithType(ClImage::eUint8, 3, 2, 1, 0, 0, true);
-  EXPECT_EQ(oImage.RowBytes(), 4u);
-  oImage.NewWithType(ClImage::eUint8, 3, 2, 1, 0, 0, false);
-  EXPECT_EQ(oImage.RowBytes(), 3u);
-  oImage.NewWithType(ClImage::eInt16, 3, 2, 3, 0, 0, true);
-  EXPECT_EQ(oImage.RowBytes(), 20u);
-  EXPECT_EQ(oImage.ElementsPerRow(), 10);
+  const auto Facts = [&](unsigned char nType, int nPlanes, bool bAligned) {
+    oImage.NewWithType(nType, 3, 2, nPlanes, 0, 0, bAligned);
+    return std::make_tuple(oImage.RowBytes(), oImage.ElementsPerRow(), oImage.Black(), oImage.White(),
+                           oImage.Content());
+  };
+  EXPECT_EQ(Facts(ClImage::eUint8, 1, true), std::make_tuple(4u, 4, 0.0, 255.0, ClImage::eGrayscale));
+  EXPECT_EQ(Facts(ClImage::eUint8, 4, false), std::make_tuple(12u, 12, 0.0, 255.0, ClImage::eRGBA));
+  EXPECT_EQ(Facts(ClImage::eUint8, 1, false), std::make_tuple(3u, 3, 0.0, 255.0, ClImage::eGrayscale));
+  EXPECT_EQ(Facts(ClImage::eFloat32, 2, true), std::make_tuple(24u, 6, -1.0, 1.0, ClImage::eUnknown));
+  EXPECT_EQ(Facts(ClImage::eInt16, 3, true), std::make_tuple(20u, 10, -32768.0, 32767.0, ClImage::eRGB));
   EXPECT_EQ(oImage.SamplesPerRow(), 9);
-}
-
-TEST(Image, TypeAndPlanesDecideBlackWhiteAndContent) {
-  ClImage oImage;
-  oImage.NewWithType(ClImage::eInt16, 2, 2, 3, 0, 0, true);
-  EXPECT_EQ(oImage.Black(), -32768.0);
-  EXPECT_EQ(oImage.White(), 32767.0);
-  EXPECT_EQ(oImage.Content(), ClImage::eRGB);
-  oImage.NewWithType(ClImage::eFloat32, 2, 2, 2, 0, 0, true);
-  EXPECT_EQ(oImage.Black(), -1.0);
-  EXPECT_EQ(oImage.White(), 1.0);
-  EXPECT_EQ(oImage.Content(), ClImage::eUnknown);
 }
 
 TEST(Image, ABlockOfTheSameSizeIsKeptByItsOnlyHolder) {
@@ -158,12 +150,11 @@ TEST(Image, EveryTypeGivesItsPlanes) {
   for (const unsigned char nType :
        {ClImage::eUint8, ClImage::eInt8, ClImage::eUint16, ClImage::eInt16, ClImage::eUint32, ClImage::eInt32,
         ClImage::eFloat32, ClImage::eDouble64}) {
-    ClImage oImage;
+    ClImage oImage, oPlane;
     oImage.NewWithType(nType, 5, 3, 3, 11, 12, true);
     DispatchElementType(nType, 0, [&](auto oElement) {
       using T = typename decltype(oElement)::Type;
       for (int n = 0; n < 15; ++n) oImage.Row<T>(2)[n] = static_cast<T>(n);
-      ClImage oPlane;
       oImage.GetPlane(1, oPlane);
       EXPECT_EQ(oPlane.DataType(), nType);
       EXPECT_EQ(oPlane.Row<T>(2)[4], static_cast<T>(13));
@@ -186,31 +177,26 @@ TEST(Image, SwapExchangesEverythingWithoutMovingPixels) {
 }
 
 TEST(Image, ValidityNamesTheFirstBrokenRule) {
-  ClImage oImage(4, 4, 1, 1, 1);
-  const auto Rule = [&] {
-    try {
-      oImage.CheckValid();
-    } catch (const ClException& oFailure) {
-      return std::string(std::strchr(oFailure.What(), '\n') + 1);
-    }
-    return std::string();
-  };
-  EXPECT_EQ(Rule(), "");
-  oImage.SetPels(-1, 1);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. Wrong width, height or dpi");
-  oImage.SetPels(1, 1);
-  oImage.SetBlackWhite(2, 1);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. value of Black should be < than value of White");
-  oImage.SetBlackWhite(-1, 1);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. Unsigned require data range >= 0");
-  oImage.SetBlackWhite(0, 254);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. Char require data range 0...255");
-  oImage.NewWithType(ClImage::eInt8, 4, 4, 1, 0, 0, true);
-  oImage.SetBlackWhite(-127, 127);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. Signed Char require data range -128...127");
-  oImage.NewWithType(ClImage::eUint8, 4, 4, 5, 0, 0, true);
-  EXPECT_EQ(Rule(), "ClImage::IsValid. Wrong Image Size or wrong number of planes");
-  EXPECT_FALSE(oImage.IsValid());
+  const struct {
+    unsigned char nType;
+    int nPlanes, nPels;
+    double dBlack, dWhite;
+    const char* szRule;
+  } aCases[] = {
+      {ClImage::eUint8, 1, 1, 0, 255, ""},
+      {ClImage::eUint8, 1, -1, 2, 1, "\nClImage::IsValid. Wrong width, height or dpi"},
+      {ClImage::eUint8, 1, 1, 2, 1, "\nClImage::IsValid. value of Black should be < than value of White"},
+      {ClImage::eUint8, 1, 1, -1, 1, "\nClImage::IsValid. Unsigned require data range >= 0"},
+      {ClImage::eUint8, 1, 1, 0, 254, "\nClImage::IsValid. Char require data range 0...255"},
+      {ClImage::eInt8, 1, 1, -127, 127, "\nClImage::IsValid. Signed Char require data range -128...127"},
+      {ClImage::eUint8, 5, 1, 0, 255, "\nClImage::IsValid. Wrong Image Size or wrong number of planes"}};
+  for (const auto& oCase : aCases) {
+    ClImage oImage;
+    oImage.NewWithType(oCase.nType, 4, 4, oCase.nPlanes, oCase.nPels, 1, true);
+    oImage.SetBlackWhite(oCase.dBlack, oCase.dWhite);
+    EXPECT_THAT(Raised([&] { oImage.CheckValid(); }).second, testing::EndsWith(oCase.szRule));
+    EXPECT_EQ(oImage.IsValid(), *oCase.szRule == 0);
+  }
 }
 
 TEST(ElementFromDouble, CutsTowardZeroAndStaysInTheType) {

@@ -8,15 +8,17 @@
 #include <string>
 #include <vector>
 
-#include "MXTools/Exception.h"
 #include "MXTools/TpDynamicLibraryLoaderBase.h"
+#include "Raised.h"
 #include "TemporaryDirectory.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using testing::AllOf;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Pair;
 
 /// Binds two required functions and one optional one.
 class ClTestWrapper : public TpDynamicLibraryLoaderBase<ClTestWrapper> {
@@ -106,14 +108,8 @@ TEST_F(Loader, AMissingOptionalFunctionIsNullAndAMissingRequiredOneUndoesAll) {
   Install(KLV_LIBRARY_WITHOUT_SECOND, "two/lib.so");
   ClTestWrapper oWrapper;
   for (int nTry = 0; nTry < 2; ++nTry) {
-    try {
-      oWrapper.OpenLibrary(List({"two"}).c_str(), "lib.so");
-      ADD_FAILURE();
-    } catch (const ClExDynamicLibraryLoadFail& e) {
-      EXPECT_EQ(e.Number(), -206);
-      EXPECT_THAT(e.What(), EndsWith("\nKlvTestSecond"));
-      EXPECT_THAT(e.What(), HasSubstr("undefined symbol"));
-    }
+    EXPECT_THAT(Raised([&] { oWrapper.OpenLibrary(List({"two"}).c_str(), "lib.so"); }),
+                Pair(-206, AllOf(EndsWith("\nKlvTestSecond"), HasSubstr("undefined symbol"))));
     EXPECT_FALSE(oWrapper.IsOpen());
     EXPECT_TRUE(NothingIsBound());
   }
@@ -124,13 +120,7 @@ TEST_F(Loader, AMissingOptionalFunctionIsNullAndAMissingRequiredOneUndoesAll) {
 TEST_F(Loader, ALibraryThatIsNowhereOrIsNoneRaisesTheLinkersText) {
   fs::copy_file("/proc/self/cmdline", m_oDirectory.Path("one/text.so"), fs::copy_options::none);
   for (const char* szName : {"text.so", "libklv-that-is-nowhere.so"}) {
-    try {
-      const ClTestWrapper oWrapper(List({"one"}), szName);
-      ADD_FAILURE();
-    } catch (const ClExDynamicLibraryLoadFail& e) {
-      EXPECT_EQ(e.Number(), -200);
-      EXPECT_THAT(e.What(), EndsWith(szName));
-    }
+    EXPECT_THAT(Raised([&] { ClTestWrapper(List({"one"}), szName); }), Pair(-200, EndsWith(szName)));
     EXPECT_TRUE(NothingIsBound());
   }
 }
@@ -157,18 +147,15 @@ TEST_F(Loader, TheAbsolutePathOfANameIsFoundOrRefused) {
   Install(KLV_LIBRARY_10, "two/lib.so");
   const auto Find = [&](const char* szName, unsigned int nSize) -> std::string {
     char szResult[FileSystem::cnMaxPath] = "";
-    try {
+    const long nNumber = NumberOf([&] {
       ClDynamicLibraryLoader::FindAbsoluteLibraryPath(List({"one", "two"}).c_str(), szName, szResult, nSize);
-    } catch (const ClException& e) {
-      return std::to_string(e.Number());
-    }
-    return szResult;
+    });
+    return nNumber == 0 ? szResult : std::to_string(nNumber);
   };
   EXPECT_EQ(Find("lib.so", 2048), m_oDirectory.Path("two/lib.so"));
   EXPECT_EQ(Find("lib.so", 10), "-21");
-  EXPECT_EQ(Find("/no/where.so", 2048), "/no/where.so");
-  EXPECT_EQ(Find("~/where.so", 2048), "~/where.so");
-  EXPECT_EQ(Find("C:where.dll", 2048), "C:where.dll");
+  for (const char* szAbsolute : {"/no/where.so", "~/where.so", "C:where.dll"})
+    EXPECT_EQ(Find(szAbsolute, 2048), szAbsolute);
   EXPECT_EQ(Find("two/lib.so", 2048), "-101");
   EXPECT_EQ(Find("other.so", 2048), "-200");
 }
