@@ -42,9 +42,8 @@ class BitmapForeign : public testing::Test {
     oFile >> sMagic >> nWidth >> nHeight >> nLargest;
     oFile.get();
     const std::string sPixels((std::istreambuf_iterator<char>(oFile)), std::istreambuf_iterator<char>());
-    std::vector<int> aColors;
-    for (const char c : sPixels) aColors.push_back(static_cast<unsigned char>(c));
-    return aColors;
+    const auto* pPixels = reinterpret_cast<const unsigned char*>(sPixels.data());
+    return {pPixels, pPixels + sPixels.size()};
   }
 
   /// Five bits become eight by a product here and by repeated bits elsewhere, which may differ by one.
@@ -79,25 +78,22 @@ TEST_F(BitmapForeign, WritesWhatWeReadInEveryDepth) {
   oSource << "P6\n37 11\n255\n";
   for (int n = 0; n < 37 * 11 * 3; ++n) oSource.put(static_cast<char>(oRandom()));
   oSource.close();
-  const struct {
-    const char* szOptions;
-    int nBits;
-  } aCases[] = {{"-monochrome -type bilevel BMP3:", 1},
-                {"+dither -colors 12 -type palette BMP3:", 4},
-                {"+dither -colors 200 -type palette BMP3:", 8},
-                {"+dither -colors 20 -type palette -compress RLE BMP3:", 8},
-                {"-colorspace gray -type palette BMP3:", 8},
-                {"-define bmp:subtype=RGB555 BMP:", 16},
-                {"-define bmp:subtype=RGB565 BMP:", 16},
-                {"-type truecolor BMP3:", 24},
-                {"-alpha on -channel A -evaluate set 50% BMP:", 32}};
-  for (const auto& oCase : aCases) {
-    SCOPED_TRACE(oCase.szOptions);
-    Convert("'" + Path("source.ppm") + "' " + oCase.szOptions + "'" + Path("theirs.bmp") + "'");
+  const std::pair<const char*, int> aCases[] = {{"-monochrome -type bilevel BMP3:", 1},
+                                                {"+dither -colors 12 -type palette BMP3:", 4},
+                                                {"+dither -colors 200 -type palette BMP3:", 8},
+                                                {"+dither -colors 20 -type palette -compress RLE BMP3:", 8},
+                                                {"-colorspace gray -type palette BMP3:", 8},
+                                                {"-define bmp:subtype=RGB555 BMP:", 16},
+                                                {"-define bmp:subtype=RGB565 BMP:", 16},
+                                                {"-type truecolor BMP3:", 24},
+                                                {"-alpha on -channel A -evaluate set 50% BMP:", 32}};
+  for (const auto& [szOptions, nBits] : aCases) {
+    SCOPED_TRACE(szOptions);
+    Convert("'" + Path("source.ppm") + "' " + szOptions + "'" + Path("theirs.bmp") + "'");
     ClBitmap oBitmap;
     oBitmap.Load(Path("theirs.bmp").c_str());
-    EXPECT_EQ(oBitmap.Header()->biBitCount, oCase.nBits);
-    ExpectEqual(ColorsOf(oBitmap), ColorsOf("theirs.bmp"), oBitmap.Header()->biBitCount == 16 ? 1 : 0);
+    EXPECT_EQ(oBitmap.Header()->biBitCount, nBits);
+    ExpectEqual(ColorsOf(oBitmap), ColorsOf("theirs.bmp"), nBits == 16 ? 1 : 0);
   }
 }
 

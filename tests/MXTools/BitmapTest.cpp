@@ -199,17 +199,16 @@ TEST(BitmapFile, TheMasksOfALargerHeaderAreKept) {
 }
 
 TEST(BitmapFile, BillionsOfRowsWithoutPixelsAreNotReadOneByOne) {
-  class ClCounted : public ClMemStream {
-   public:
-    explicit ClCounted(const Bytes& a) : ClMemStream(a.data(), static_cast<unsigned int>(a.size())) {}
+  struct StCounted : ClMemStream {
+    using ClMemStream::ClMemStream;
     unsigned int ReadRaw(void* pData, unsigned int nBytes) override {
-      if (++m_nReads > 1000) KLV_RAISE_NUMBER(-999);
+      if (++nReads > 1000) KLV_RAISE_NUMBER(-999);
       return ClMemStream::ReadRaw(pData, nBytes);
     }
-    int m_nReads = 0;
+    int nReads = 0;
   };
   const Bytes aFile = HeaderBytes(0, INT32_MAX, 24, 0, 0);
-  ClCounted oStream(aFile);
+  StCounted oStream(aFile.data(), static_cast<unsigned int>(aFile.size()));
   ClBitmap oBitmap;
   EXPECT_EQ(NumberOf([&] { oBitmap.Load(oStream); }), 0);
   // Nor gone over: each of these would take seconds.

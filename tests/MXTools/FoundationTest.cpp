@@ -9,14 +9,13 @@
 #include <utility>
 
 #include "MXTools/CRC32.h"
-#include "MXTools/ClassCallProfile.h"
 #include "MXTools/ErrorTable.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FileStream.h"
 #include "MXTools/MD5.h"
-#include "MXTools/StopWatch.h"
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/Vector.h"
+#include "Raised.h"
 #include "TemporaryDirectory.h"
 
 namespace {
@@ -27,12 +26,7 @@ bool s_bOutOfMemory = false;
 }  // namespace
 
 void* operator new[](std::size_t nBytes, const std::nothrow_t&) noexcept {
-  if (s_bOutOfMemory) return nullptr;
-  try {
-    return operator new[](nBytes);
-  } catch (...) {
-    return nullptr;
-  }
+  return s_bOutOfMemory ? nullptr : operator new(nBytes, std::nothrow);
 }
 
 namespace {
@@ -43,10 +37,8 @@ const unsigned char* Bytes(const char* szText) {
 
 std::string Hex(const unsigned char* pDigest) {
   std::string szHex;
-  for (unsigned int n = 0; n < ClMD5::cnDigestSize; ++n) {
-    szHex += "0123456789abcdef"[pDigest[n] >> 4];
-    szHex += "0123456789abcdef"[pDigest[n] & 15];
-  }
+  for (unsigned int n = 0; n < 2 * ClMD5::cnDigestSize; ++n)
+    szHex += "0123456789abcdef"[pDigest[n / 2] >> (n % 2 == 0 ? 4 : 0) & 15];
   return szHex;
 }
 
@@ -80,13 +72,8 @@ TEST(Exception, TheCommentIsTheTablesMessageAndTheText) {
 }
 
 TEST(Exception, AFailureWithoutRoomForItsTextIsAFailureForWantOfMemory) {
-  long nNumber = 0;
   s_bOutOfMemory = true;
-  try {
-    KLV_RAISE(ClException, "x", -101);
-  } catch (const ClExBadAlloc& oFailure) {
-    nNumber = oFailure.Number();
-  }
+  const long nNumber = NumberOf([] { KLV_RAISE(ClException, "x", -101); });
   s_bOutOfMemory = false;
   EXPECT_EQ(nNumber, -102);
 }
@@ -157,18 +144,6 @@ TEST(MD5, PiecesOfAnySizeGiveTheDigestOfTheWhole) {
     ClMD5::Final(aDigest, &oContext);
     EXPECT_EQ(Hex(aDigest), Digest(szContent)) << nPiece;
   }
-}
-
-TEST(ClassCallProfile, CallsOfOneClassAddUp) {
-  ClClassCallProfile oProfile;
-  oProfile.Add(typeid(int), 0.5);
-  oProfile.Add(typeid(double), 1);
-  oProfile.Add(typeid(int), 0.25);
-  ASSERT_EQ(oProfile.Entries().Entries(), 2u);
-  EXPECT_EQ(oProfile.Entries()[0].m_nCalls, 2u);
-  EXPECT_DOUBLE_EQ(oProfile.Entries()[0].m_dSeconds, 0.75);
-  oProfile.Clear();
-  EXPECT_EQ(oProfile.Entries().Entries(), 0u);
 }
 
 }  // namespace

@@ -26,10 +26,9 @@ class ClTestWrapper : public TpDynamicLibraryLoaderBase<ClTestWrapper> {
   ClTestWrapper() = default;
   ClTestWrapper(const std::string& szPath, const char* szName) { OpenLibrary(szPath.c_str(), szName); }
 
-  static int (*KlvTestRequired)();
-  static int (*KlvTestSecond)();
-  static int (*KlvTestOptional)();
-  static int sm_nBindings;
+  using Function = int (*)();
+  static inline Function KlvTestRequired = nullptr, KlvTestSecond = nullptr, KlvTestOptional = nullptr;
+  static inline int sm_nBindings = 0;
 
  protected:
   void BindFunctions() override {
@@ -39,11 +38,6 @@ class ClTestWrapper : public TpDynamicLibraryLoaderBase<ClTestWrapper> {
     GetFunction(KlvTestSecond, "KlvTestSecond");
   }
 };
-
-int (*ClTestWrapper::KlvTestRequired)() = nullptr;
-int (*ClTestWrapper::KlvTestSecond)() = nullptr;
-int (*ClTestWrapper::KlvTestOptional)() = nullptr;
-int ClTestWrapper::sm_nBindings = 0;
 
 class Loader : public testing::Test {
  protected:

@@ -18,6 +18,7 @@ namespace {
 
 using List = ClParameterInterface;
 using ClMembers = ClParameterMembers;
+using Bytes = std::vector<unsigned char>;
 
 TEST(ParameterInterface, AnEntryReadsAndWritesItsMemberAndNothingBehindIt) {
   ClMembers oMembers;
@@ -119,12 +120,10 @@ TEST(ParameterInterface, ARecordHasTheWidthsOfTheFormat) {
   ClMemStream oStream;
   oList.WriteToStream(oStream);
   // The name with its length, direction, fixed range; minimum, maximum and default; two flags, type and value.
-  const std::vector<unsigned char> aBytes(oStream.GetData(), oStream.GetData() + oStream.Size());
+  const Bytes aBytes(oStream.GetData(), oStream.GetData() + oStream.Size());
   ASSERT_EQ(aBytes.size(), 6u + 2 + 24 + 3 + 4);
-  EXPECT_EQ(std::vector<unsigned char>(aBytes.begin(), aBytes.begin() + 8),
-            (std::vector<unsigned char>{0, 0, 0, 2, 'n', 0, 1, 0}));
-  EXPECT_EQ(std::vector<unsigned char>(aBytes.begin() + 32, aBytes.end()),
-            (std::vector<unsigned char>{0, 0, 3, 0xFF, 0xFF, 0xFF, 0xFE}));
+  EXPECT_EQ(Bytes(aBytes.begin(), aBytes.begin() + 8), (Bytes{0, 0, 0, 2, 'n', 0, 1, 0}));
+  EXPECT_EQ(Bytes(aBytes.begin() + 32, aBytes.end()), (Bytes{0, 0, 3, 0xFF, 0xFF, 0xFF, 0xFE}));
 }
 
 TEST(ParameterInterface, AStoredListComesBackAndAnotherOneIsRefused) {
@@ -132,16 +131,11 @@ TEST(ParameterInterface, AStoredListComesBackAndAnotherOneIsRefused) {
   ClMemStream oStream;
   oMembers.oList.WriteToStream(oStream);
   ClMembers oOther;
-  oOther.nByte = 0;
-  oOther.nLong = 0;
-  oOther.dDouble = 0;
-  oOther.fFloat = 0;
+  for (const char* szName : {"nByte", "nLong", "dDouble", "fFloat"}) oOther[szName].SetValue(0.0);
   oStream.Seek(0u);
   oOther.oList.ReadFromStream(oStream);
-  EXPECT_EQ(oOther.nByte, 1);
-  EXPECT_EQ(oOther.nLong, 5);
-  EXPECT_EQ(oOther.dDouble, 3);
-  EXPECT_EQ(oOther.fFloat, 0.5f);
+  for (const char* szName : {"nByte", "nLong", "dDouble", "fFloat"})
+    EXPECT_EQ(oOther[szName].GetValue(), oMembers[szName].GetValue()) << szName;
 
   // The same names over other types: the member must not be written with the record's width.
   unsigned char aGuarded[2] = {9, 9};

@@ -211,18 +211,4 @@ TEST(MXVTScanAPIHandleBase, EachProductHasTheModesOfItsSensor) {
   EXPECT_TRUE(ClProduct(99).ResolutionMap().empty());
 }
 
-TEST(MXVTScanAPIHandleBase, WhatAnImplementationDoesNotTellIsRefusedOrLeft) {
-  ClProduct oScanner(17);
-  unsigned short nRoom = 4711;
-  EXPECT_TRUE(oScanner.ClMXVTScanAPIHandleBase::GetEPROMSize(&nRoom));
-  EXPECT_EQ(nRoom, 4711);
-  EXPECT_FALSE(oScanner.IsUSBPowered());
-  EXPECT_THAT(Raised([&] { oScanner.ClMXVTScanAPIHandleBase::GetAPIVersion(nullptr, nullptr); }),
-              testing::Pair(-103, testing::EndsWith("\nNo API version available.")));
-  ClMXVTScanAPI::EScannerProductID_t ePid;
-  oScanner.GetPid(&ePid);
-  EXPECT_EQ(ePid, 17);
-  EXPECT_THROW(oScanner.GetPid(nullptr), ClException);
-}
-
 }  // namespace
