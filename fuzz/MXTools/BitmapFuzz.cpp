@@ -1,4 +1,5 @@
-// Feeds BMP files: what loads is stored and loads again as the same bitmap, and gives its pixels.
+// Feeds BMP files and blocks of memory that are said to be a bitmap: what loads is stored and loads again as the same
+// bitmap, what attaches is copied, both give their pixels, and none lies outside the input.
 #include "MXTools/Bitmap.h"
 #include "MXTools/FpImage.h"
 #include "StreamBytes.h"
@@ -39,6 +40,60 @@ void GoOver(const ClBitmap& oBitmap) {
   if (nHeight > 0) oCopy.SetPixel(0, nHeight - 1, 0x808080);
 }
 
+/// A block of the caller's.
+void FeedBlock(Bytes aBlock) {
+  ClBitmap oBitmap;
+  if (Refused([&] { oBitmap.Attach(aBlock.data(), static_cast<unsigned int>(aBlock.size())); })) {
+    Require(oBitmap.IsEmpty(), "a refused block leaves the bitmap as it was");
+    return;
+  }
+  if (ClBitmap::ImageSize(oBitmap.Header()) > cnMostPixelBytes) return;
+  ClBitmap oCopy;
+  oCopy.CopyFrom(oBitmap, true);
+  Require(oCopy == oBitmap, "a copy is the same");
+  Bytes aCopied(oCopy.BlockSize());
+  oCopy.CopyTo(aCopied.data());
+  // Runs have no pixels of their own, and other bitmaps have all that their header tells.
+  Refused([&] {
+    ClImage oImage;
+    oCopy.GetImage(oImage);
+    oCopy.IsGray(false);
+    oCopy.IsGray(true);
+    const tagBITMAPINFOHEADER& rHeader = *oCopy.Header();
+    for (long nX = 0; nX < rHeader.biWidth; ++nX) oCopy.SetPixel(nX, 0, oCopy.GetPixel(nX, 0));
+  });
+  Refused([&] {
+    ClImage oShared;
+    oShared.Attach(oBitmap);
+  });
+}
+
+/// A file, or one without its file header.
+void FeedFile(const Bytes& aFile) {
+  if (IsSlow(aFile)) return;
+  ClBitmap oBitmap;
+  if (Refused([&] {
+        ClBytesStream oStream(aFile);
+        oBitmap.Load(oStream);
+      })) {
+    Require(oBitmap.IsEmpty(), "after a failure the bitmap is empty");
+    return;
+  }
+  if (ClBitmap::ImageSize(oBitmap.Header()) > cnMostPixelBytes) return;
+  // Masks without a size of the image are read, since some writers leave it out, but not written.
+  if (oBitmap.Header()->biCompression != ClBitmap::ePlain && oBitmap.Header()->biSizeImage == 0) {
+    Require(Refused([&] { Stored(oBitmap); }), "masks are not stored without a size");
+    return;
+  }
+  const Bytes aStored = Stored(oBitmap);
+  ClBytesStream oStream(aStored);
+  ClBitmap oAgain;
+  oAgain.Load(oStream);
+  Require(oAgain == oBitmap, "what is stored loads again");
+  // A bitmap without rows may be wider than any image.
+  if (oBitmap.Header()->biHeight > 0) GoOver(oBitmap);
+}
+
 }  // namespace
 
 std::vector<Bytes> Seeds() {
@@ -48,12 +103,14 @@ std::vector<Bytes> Seeds() {
     oBitmap.Create(7, 3, nBits, ClBitmap::ePlain);
     oBitmap.SetPixel(5, 2, 0xFFFFFF);
     aSeeds.push_back(Stored(oBitmap));
+    aSeeds.emplace_back(oBitmap.BlockSize());
+    oBitmap.CopyTo(aSeeds.back().data());
   }
   ClBitmap oMasks;
   oMasks.Create(5, 2, 16, ClBitmap::eBitFields);
   aSeeds.push_back(Stored(oMasks));
   // Run-length files are read only, so that the last seed is a plain one with another mark and runs in place of rows.
-  Bytes aRuns = aSeeds[2];
+  Bytes aRuns = aSeeds[4];
   aRuns[30] = ClBitmap::eRLE8;
   aRuns.resize(14 + 40 + 1024);
   aRuns.insert(aRuns.end(), {7, 9, 0, 0, 0, 3, 1, 2, 3, 0, 0, 2, 1, 1, 2, 5, 0, 1});
@@ -63,27 +120,7 @@ std::vector<Bytes> Seeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   const Bytes aFile(pData, pData + nSize);
-  if (IsSlow(aFile)) return 0;
-  ClBitmap oBitmap;
-  if (Refused([&] {
-        ClBytesStream oStream(aFile);
-        oBitmap.Load(oStream);
-      })) {
-    Require(oBitmap.IsEmpty(), "after a failure the bitmap is empty");
-    return 0;
-  }
-  if (ClBitmap::ImageSize(oBitmap.Header()) > cnMostPixelBytes) return 0;
-  // Masks without a size of the image are read, since some writers leave it out, but not written.
-  if (oBitmap.Header()->biCompression != ClBitmap::ePlain && oBitmap.Header()->biSizeImage == 0) {
-    Require(Refused([&] { Stored(oBitmap); }), "masks are not stored without a size");
-    return 0;
-  }
-  const Bytes aStored = Stored(oBitmap);
-  ClBytesStream oStream(aStored);
-  ClBitmap oAgain;
-  oAgain.Load(oStream);
-  Require(oAgain == oBitmap, "what is stored loads again");
-  // A bitmap without rows may be wider than any image.
-  if (oBitmap.Header()->biHeight > 0) GoOver(oBitmap);
+  FeedFile(aFile);
+  FeedBlock(aFile);
   return 0;
 }

@@ -10,11 +10,7 @@ using namespace Simulator;
 
 template <typename TCall>
 void Try(TCall&& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClSimError&) {
-    return;
-  }
+  RefusedWith<ClSimError>(fnCall);
 }
 
 }  // namespace

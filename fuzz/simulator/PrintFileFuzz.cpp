@@ -36,14 +36,12 @@ std::vector<Bytes> Seeds() {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   const Bytes aFile = WithRightChecksums(pData, nSize);
   const ClMemoryFile oFile(aFile.data(), aFile.size());
-  try {
+  RefusedWith<Simulator::ClSimError>([&] {
     const Simulator::ClPrint oPrint = Simulator::ReadPrintFile(oFile.Path());
     Require(
         oPrint.oRidge.Width() == oPrint.oDepth.Width() && oPrint.oRidge.Height() == oPrint.oDepth.Height(),
         "both planes have one size");
     Require(oPrint.oRidge.Width() <= 4096 && oPrint.oRidge.Height() <= 4096, "no print is larger than told");
-  } catch (const Simulator::ClSimError&) {
-    return 0;
-  }
+  });
   return 0;
 }

@@ -61,12 +61,9 @@ std::vector<Bytes> Seeds() {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   ClSceneDescription oScene;
-  try {
-    // Files of the machine are no part of the input.
-    oScene = ReadScene(std::string(pData, pData + nSize), "/nowhere");
-  } catch (const ClSimError&) {
-    return 0;
-  }
+  // Files of the machine are no part of the input.
+  const auto Read = [&] { oScene = ReadScene(std::string(pData, pData + nSize), "/nowhere"); };
+  if (RefusedWith<ClSimError>(Read)) return 0;
   for (const ClScannerDescription& oScanner : oScene.aScanners)
     for (const double dSeconds : {0.0, 1.25, 3600.5, 1e7}) GoOver(oScanner, dSeconds);
   return 0;

@@ -31,6 +31,17 @@ inline void Require(bool bHolds, const char* szRule) {
   std::abort();
 }
 
+/// Whether the call refuses with a TRefusal; what else comes out of it is a fault.
+template <class TRefusal, typename TCall>
+bool RefusedWith(TCall&& fnCall) {
+  try {
+    fnCall();
+  } catch (const TRefusal&) {
+    return true;
+  }
+  return false;
+}
+
 /// One input from its first byte to its last; behind its end there are zeros.
 class ClFuzzInput {
  public:

@@ -5,15 +5,9 @@
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
 
-/// Whether the library refuses; what else comes out of the call is a fault.
 template <typename TCall>
 bool Refused(TCall&& fnCall) {
-  try {
-    fnCall();
-  } catch (const ClException&) {
-    return true;
-  }
-  return false;
+  return RefusedWith<ClException>(fnCall);
 }
 
 /// What fnWrite(ClStream&) writes.

@@ -19,11 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   const Bytes aFile = WithRightChecksums(pData, nSize);
   const ClMemoryFile oFile(aFile.data(), aFile.size());
   ClPicture oPicture;
-  try {
-    oPicture = ReadPng(oFile.Path());
-  } catch (const ClToolError&) {
-    return 0;
-  }
+  if (RefusedWith<ClToolError>([&] { oPicture = ReadPng(oFile.Path()); })) return 0;
   Require(oPicture.aPixels.size() == size_t{oPicture.nWidth} * oPicture.nHeight,
           "a picture has all its pixels");
   // Writing a large one takes much longer than reading it.

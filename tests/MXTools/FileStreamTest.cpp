@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "MXTools/Exception.h"
@@ -101,16 +102,11 @@ TEST_F(FileStream, WideNamesAreUtf8OnDisk) {
 
 TEST_F(FileStream, FilesCompareByteByByte) {
   const std::string szOther = m_oDirectory.Path("other");
-  const auto Write = [](const std::string& szFile, const char* szText) {
-    ClFile(szFile.c_str(), "wb").Write(szText, std::char_traits<char>::length(szText));
-  };
-  Write(m_szFile, "abcd");
-  Write(szOther, "abcd");
-  EXPECT_EQ(ClFile::Compare(m_szFile.c_str(), szOther.c_str(), false), -1);
-  Write(szOther, "abXd");
-  EXPECT_EQ(ClFile::Compare(m_szFile.c_str(), szOther.c_str(), false), 3);
-  Write(szOther, "abcde");
-  EXPECT_EQ(ClFile::Compare(m_szFile.c_str(), szOther.c_str(), false), 4);
+  ClFile(m_szFile.c_str(), "wb").Write("abcd", 4);
+  for (const auto& [szText, nFirst] : {std::pair("abcd", -1L), {"abXd", 3}, {"abcde", 4}}) {
+    ClFile(szOther.c_str(), "wb").Write(szText, std::strlen(szText));
+    EXPECT_EQ(ClFile::Compare(m_szFile.c_str(), szOther.c_str(), false), nFirst) << szText;
+  }
 }
 
 TEST_F(FileStream, PlainFilesReportWhatFails) {

@@ -16,23 +16,27 @@ namespace {
 using testing::EndsWith;
 using ClUnsigned = TpParameterNumeric<unsigned int, ClParameter>;
 using ClDouble = TpParameterNumeric<double, ClParameter>;
-using ClLong = TpParameterNumeric<long, ClParameter>;
 
-template <class P, typename T>
-void Bind(P& oParameter, T* pValue) {
-  oParameter.SetName("Gain");
-  oParameter.BindVariable(pValue);
-}
+/// A variable and the parameter "Gain" that is bound to it.
+template <typename T, class P = TpParameterNumeric<T, ClParameter>>
+struct TpBound : P {
+  explicit TpBound(T tFirst) : tValue(tFirst) {
+    this->SetName("Gain");
+    this->BindVariable(&tValue);
+  }
+  std::string Text() { return static_cast<ClParameter&>(*this).GetValue(); }
+  T tValue;
+};
 
 /// What each text makes of a parameter that held 99: its value, or its error number with the value kept.
-template <class P, typename T>
-std::string Outcomes(P& rParameter, T& rValue, const std::vector<const char*>& aTexts) {
+template <typename T>
+std::string Outcomes(TpBound<T>& rParameter, const std::vector<const char*>& aTexts) {
   std::string szAll;
   for (const char* szText : aTexts) {
-    rValue = 99;
+    rParameter.tValue = 99;
     const long nNumber = NumberOf([&] { rParameter.SetValue(szText); });
-    EXPECT_TRUE(nNumber == 0 || rValue == 99) << szText;
-    szAll += (nNumber == 0 ? rParameter.ClParameter::GetValue() : std::to_string(nNumber)) + " ";
+    EXPECT_TRUE(nNumber == 0 || rParameter.tValue == 99) << szText;
+    szAll += (nNumber == 0 ? rParameter.Text() : std::to_string(nNumber)) + " ";
   }
   return szAll;
 }
@@ -48,17 +52,14 @@ class ClOwner {
 };
 
 TEST(NumericParameter, TakesDecimalAndHexadecimalTextsAndKeepsTheOldValueForOthers) {
-  unsigned int nValue = 0;
-  ClUnsigned oGain;
-  Bind(oGain, &nValue);
-  EXPECT_EQ(Outcomes(oGain, nValue, {"0x10", "0X10", "x1f", "0xFFFFFFFF", "Xx2", "4294967295", " 12", "-0"}),
+  TpBound<unsigned int> oGain(0);
+  EXPECT_EQ(Outcomes(oGain, {"0x10", "0X10", "x1f", "0xFFFFFFFF", "Xx2", "4294967295", " 12", "-0"}),
             "16 16 31 4294967295 2 4294967295 12 0 ");
-  EXPECT_EQ(Outcomes(oGain, nValue, {"1.5", "7e-3", "1e3"}), "1 7 1 ") << "what stands before the fraction";
-  EXPECT_EQ(Outcomes(oGain, nValue, {"12abc", "0x1g", "", "0x", "nan", nullptr}), "-44 -44 -44 -44 -44 -20 ");
-  EXPECT_EQ(Outcomes(oGain, nValue, {"inf", "-1", "4294967296", "1e400", "99999999999999999999"}),
+  EXPECT_EQ(Outcomes(oGain, {"1.5", "7e-3", "1e3"}), "1 7 1 ") << "what stands before the fraction";
+  EXPECT_EQ(Outcomes(oGain, {"12abc", "0x1g", "", "0x", "nan", nullptr}), "-44 -44 -44 -44 -44 -20 ");
+  EXPECT_EQ(Outcomes(oGain, {"inf", "-1", "4294967296", "1e400", "99999999999999999999"}),
             "-35 -35 -35 -35 -35 ");
-  EXPECT_EQ(Outcomes(oGain, nValue, {"0x100000000", "0xFFFFFFFFFFFFFFFF", "-18446744073709551615"}),
-            "-35 -35 -35 ");
+  EXPECT_EQ(Outcomes(oGain, {"0x100000000", "0xFFFFFFFFFFFFFFFF", "-18446744073709551615"}), "-35 -35 -35 ");
   EXPECT_THAT(Raised([&] { oGain.SetValue("12abc"); }).second,
               EndsWith("\nFailed to set parameter \"Gain\" to value \"12abc\""));
   EXPECT_THAT(Raised([&] { oGain.SetValue("-1"); }).second,
@@ -66,99 +67,86 @@ TEST(NumericParameter, TakesDecimalAndHexadecimalTextsAndKeepsTheOldValueForOthe
 }
 
 TEST(NumericParameter, ADoubleTakesEveryFiniteTextAndRefusesInfinity) {
-  double dValue = 1;
-  ClDouble oGain;
-  Bind(oGain, &dValue);
-  EXPECT_EQ(Outcomes(oGain, dValue, {"-2.5e3", "0x20", "inf", "-inf", "1e999"}), "-2500.0 32.0 -35 -35 -35 ");
+  TpBound<double> oGain(1);
+  EXPECT_EQ(Outcomes(oGain, {"-2.5e3", "0x20", "inf", "-inf", "1e999"}), "-2500.0 32.0 -35 -35 -35 ");
   const std::vector<const char*> aBeyond = {"0xFFFFFFFFFFFFFFFF", "x-8000000000000001"};
-  EXPECT_EQ(Outcomes(oGain, dValue, aBeyond), "9223372036854775808.0 -9223372036854775808.0 ");
+  EXPECT_EQ(Outcomes(oGain, aBeyond), "9223372036854775808.0 -9223372036854775808.0 ");
   oGain.SetUpperBoundary(1e6);
   oGain.SetFlags(3 | ClParameter::cnStrict);
-  EXPECT_EQ(Outcomes(oGain, dValue, aBeyond), "-35 -35 ");
+  EXPECT_EQ(Outcomes(oGain, aBeyond), "-35 -35 ");
   const double dInfinity = std::numeric_limits<double>::infinity();
   EXPECT_EQ(NumberOf([&] { oGain.SetNumber(dInfinity); }), -35);
   EXPECT_EQ(NumberOf([&] { oGain.SetDefault(-dInfinity); }), -35);
 }
 
 TEST(NumericParameter, NumbersBeyondTheTypeAreRefusedAtItsExactLimits) {
-  unsigned char nByte = 3;
-  TpParameterNumeric<unsigned char, ClParameter> oByte;
-  Bind(oByte, &nByte);
+  TpBound<unsigned char> oByte(3);
   oByte.SetNumber(255.0);
-  EXPECT_EQ(nByte, 255);
+  EXPECT_EQ(oByte.tValue, 255);
   for (double dValue : {255.5, 256.0, -0.5, std::nan("")}) {
     EXPECT_EQ(NumberOf([&] { oByte.SetNumber(dValue); }), -35) << dValue;
   }
   EXPECT_EQ(NumberOf([&] { oByte.SetNumberLong(-1); }), -35);
   oByte.SetNumberLong(17);
-  EXPECT_EQ(nByte, 17);
+  EXPECT_EQ(oByte.tValue, 17);
 
-  long nLong = 1;
-  ClLong oLong;
-  Bind(oLong, &nLong);
+  TpBound<long> oLong(1);
   const double dBeyond = std::ldexp(1.0, std::numeric_limits<long>::digits);
   EXPECT_EQ(NumberOf([&] { oLong.SetNumber(dBeyond); }), -35);
   oLong.SetNumber(-dBeyond);
-  EXPECT_EQ(nLong, std::numeric_limits<long>::min());
+  EXPECT_EQ(oLong.tValue, std::numeric_limits<long>::min());
 }
 
 TEST(NumericParameter, ADoubleBeyondLongReadsAsTheNearerLimit) {
-  double dValue = 0;
-  ClDouble oGain;
-  Bind(oGain, &dValue);
+  TpBound<double> oGain(0);
   using Limits = std::numeric_limits<long>;
   for (const auto& [dSet, nRead] :
        {std::pair(1e300, Limits::max()), {-1e300, Limits::min()}, {std::nan(""), 0}, {-2.9, -2}}) {
-    dValue = dSet;
+    oGain.tValue = dSet;
     EXPECT_EQ(oGain.GetNumberLong(), nRead) << dSet;
   }
 }
 
 TEST(NumericParameter, LimitsAreInformationUntilAFlagEnforcesThem) {
-  int nValue = 0;
-  TpParameterNumeric<int, ClParameter> oGain;
-  Bind(oGain, &nValue);
+  TpBound<int> oGain(0);
   EXPECT_FALSE(oGain.HasRange());
   EXPECT_TRUE(oGain.IsValueInRange(1e9));
   oGain.SetLowerBoundary(0);
   oGain.SetUpperBoundary(10);
   oGain.SetNumberLong(11);
-  EXPECT_EQ(nValue, 11);
+  EXPECT_EQ(oGain.tValue, 11);
   EXPECT_FALSE(oGain.IsValueInRange());
 
   oGain.SetFlags(oGain.GetFlags() | ClParameter::cnClamp);
   oGain.SetNumberLong(12);
-  EXPECT_EQ(nValue, 10);
+  EXPECT_EQ(oGain.tValue, 10);
   oGain.SetValue("-3");
-  EXPECT_EQ(nValue, 0);
+  EXPECT_EQ(oGain.tValue, 0);
 
   oGain.SetFlags(3 | ClParameter::cnStrict);
   EXPECT_EQ(NumberOf([&] { oGain.SetNumber(11); }), -35);
-  EXPECT_EQ(nValue, 0);
+  EXPECT_EQ(oGain.tValue, 0);
 }
 
 TEST(NumericParameter, PrintsWithoutTrailingZerosButOneDigit) {
-  double dValue = 0.25;
-  ClDouble oGain;
-  Bind(oGain, &dValue);
-  EXPECT_EQ(oGain.ClParameter::GetValue(), "0.25");
+  TpBound<double> oGain(0.25);
+  EXPECT_EQ(oGain.Text(), "0.25");
   oGain.SetNumber(3);
-  EXPECT_EQ(oGain.ClParameter::GetValue(), "3.0");
+  EXPECT_EQ(oGain.Text(), "3.0");
   EXPECT_EQ(oGain.ClParameter::GetDefaultValue(), "0.25");
   oGain.SetFormat("%.*f");
   oGain.SetPrecision(2);
-  dValue = 1.0 / 3;
-  EXPECT_EQ(oGain.ClParameter::GetValue(), "0.33");
+  oGain.tValue = 1.0 / 3;
+  EXPECT_EQ(oGain.Text(), "0.33");
   // More than the first 256 bytes that the convenience form tries.
   oGain.SetFormat("%f");
-  dValue = 1e300;
-  EXPECT_EQ(oGain.ClParameter::GetValue().size(), 303u);
+  oGain.tValue = 1e300;
+  EXPECT_EQ(oGain.Text().size(), 303u);
 }
 
 TEST(NumericParameter, TellsTheSizeBeforeItWrites) {
-  unsigned int nValue = 1234, nSize = 0;
-  ClUnsigned oGain;
-  Bind(oGain, &nValue);
+  TpBound<unsigned int> oGain(1234);
+  unsigned int nSize = 0;
   char szText[6] = "*****";
   EXPECT_FALSE(oGain.GetValue(nullptr, nSize));
   EXPECT_EQ(nSize--, 5u);
@@ -198,7 +186,8 @@ TEST(BoundParameter, FollowsAPointerThatItsOwnerReSeats) {
 TEST(BoundParameter, ACopyRefersToTheSameVariableAndOutlivesItsModel) {
   unsigned int nValue = 4;
   auto pModel = std::make_unique<ClUnsigned>();
-  Bind(*pModel, &nValue);
+  pModel->SetName("Gain");
+  pModel->BindVariable(&nValue);
   pModel->SetDescription("amplification");
   pModel->SetUpperBoundary(50);
   pModel->SetAccess(ClParameter::cnWritable);
@@ -215,25 +204,20 @@ TEST(BoundParameter, ACopyRefersToTheSameVariableAndOutlivesItsModel) {
 }
 
 TEST(BoundParameter, MovesBetweenValueAndDefault) {
-  int nOurs = 1;
-  int nTheirs = 2;
-  TpParameterNumeric<int, ClParameter> oOurs;
-  TpParameterNumeric<int, ClParameter> oTheirs;
-  oOurs.BindVariable(&nOurs);
-  oTheirs.BindVariable(&nTheirs);
+  TpBound<int> oOurs(1), oTheirs(2);
   oTheirs.SetNumberLong(3);
   EXPECT_FALSE(oTheirs.IsDefault());
   oOurs.CopyValuesFrom(&oTheirs, false);
-  EXPECT_EQ(nOurs, 3);
+  EXPECT_EQ(oOurs.tValue, 3);
   oOurs.CopyDefaultFrom(&oTheirs);
   EXPECT_EQ(oOurs.GetDefault(), 2);
   oOurs.SwapDefaultAndValue();
-  EXPECT_EQ(nOurs, 2);
+  EXPECT_EQ(oOurs.tValue, 2);
   EXPECT_EQ(oOurs.GetDefault(), 3);
   oOurs.SetToDefault();
   EXPECT_TRUE(oOurs.IsDefault());
   oOurs.SetToDefaultFrom(&oTheirs);
-  EXPECT_EQ(nOurs, 2);
+  EXPECT_EQ(oOurs.tValue, 2);
   oOurs.CopyDefaultFromValue(&oTheirs);
   EXPECT_EQ(oOurs.GetDefault(), 3);
   ClDouble oOther;
@@ -245,34 +229,30 @@ enum class EColour : int { eRed = 4, eBlue = 9 };
 using ClColour = TpParameterEnumPointer<EColour, ClParameter>;
 
 TEST(EnumParameter, NamesItsValuesBothWays) {
-  EColour eValue = EColour::eRed;
-  ClColour oColour;
-  Bind(oColour, &eValue);
+  TpBound<EColour, ClColour> oColour(EColour::eRed);
   EXPECT_FALSE(oColour.IsEnum());
-  EXPECT_EQ(oColour.ClParameter::GetValue(), "4") << "without names";
+  EXPECT_EQ(oColour.Text(), "4") << "without names";
   oColour.AddValue(EColour::eRed, "Red");
   oColour.AddValue(EColour::eBlue, "Blue");
   EXPECT_TRUE(oColour.IsEnum());
-  EXPECT_EQ(oColour.ClParameter::GetValue(), "Red");
+  EXPECT_EQ(oColour.Text(), "Red");
   oColour.SetValue("bLUE");
-  EXPECT_EQ(eValue, EColour::eBlue);
+  EXPECT_EQ(oColour.tValue, EColour::eBlue);
   oColour.SetValue(4L);
-  EXPECT_EQ(eValue, EColour::eRed);
+  EXPECT_EQ(oColour.tValue, EColour::eRed);
   EXPECT_EQ(oColour.GetValue(), 4);
   EXPECT_THAT(Raised([&] { oColour.SetValue(5L); }),
               testing::Pair(-35, EndsWith("\nValue \"5\" out of range for parameter \"Gain\"")));
   EXPECT_THAT(Raised([&] { oColour.SetValue("Green"); }).second,
               EndsWith("\nValue \"Green\" out of range for parameter \"Gain\""));
-  EXPECT_EQ(eValue, EColour::eRed);
-  eValue = static_cast<EColour>(6);
-  EXPECT_THAT(Raised([&] { oColour.ClParameter::GetValue(); }).second,
+  EXPECT_EQ(oColour.tValue, EColour::eRed);
+  oColour.tValue = static_cast<EColour>(6);
+  EXPECT_THAT(Raised([&] { oColour.Text(); }).second,
               EndsWith("\nParameter \"Gain\" out of range using value \"6\""));
 }
 
 TEST(EnumParameter, RefusesANameUnderAnotherValueAndRemovesTheFirstMatch) {
-  EColour eValue = EColour::eRed;
-  ClColour oColour;
-  Bind(oColour, &eValue);
+  TpBound<EColour, ClColour> oColour(EColour::eRed);
   oColour.AddValue(EColour::eRed, "Red");
   EXPECT_EQ(NumberOf([&] { oColour.AddValue(EColour::eBlue, "RED"); }), -46);
   oColour.AddValue(EColour::eRed, "red");
@@ -293,7 +273,7 @@ TEST(EnumParameter, RefusesANameUnderAnotherValueAndRemovesTheFirstMatch) {
 TEST(EnumParameter, TheNamesOfACloneAreItsOwnAlsoBeyondTheFirstGrowth) {
   long nValue = 11;
   auto pModel = std::make_unique<TpParameterEnumPointer<long, ClParameter>>();
-  Bind(*pModel, &nValue);
+  pModel->BindVariable(&nValue);
   for (long n = 0; n < 12; ++n) pModel->AddValue(n, ("v" + std::to_string(n)).c_str());
   const std::unique_ptr<ClParameterBase> pClone(pModel->Clone());
   pModel.reset();
