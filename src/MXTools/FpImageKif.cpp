@@ -56,7 +56,8 @@ void CheckPixels(ClStream& oStream, const StKifHeader& oHeader) {
   if (oHeader.nWidth <= 0 || oHeader.nHeight <= 0 || oHeader.nPlanes <= 0) return;
   // Before the room: elements of an unknown size tell nothing about how much should be there.
   const int nSize = oHeader.nType & ClImage::cnTypeSizeMask;
-  if (nSize > 8 || (nSize & (nSize - 1)) != 0) KLV_RAISE(ClException, "KIF element size is not supported", -101);
+  if (nSize > 8 || (nSize & (nSize - 1)) != 0)
+    KLV_RAISE(ClException, "KIF element size is not supported", -101);
   if (!oStream.IsSeekable()) return;
   const int64_t nLeft = static_cast<int64_t>(oStream.Size()) - oStream.Pos();
   const int64_t nSamples = static_cast<int64_t>(oHeader.nWidth) * oHeader.nPlanes;
