@@ -1,5 +1,5 @@
-// Feeds BMP files and blocks of memory that are said to be a bitmap: what loads is stored and loads again as the same
-// bitmap, what attaches is copied, both give their pixels, and none lies outside the input.
+// Feeds BMP files and blocks of memory that are said to be a bitmap: what loads is stored and loads again as
+// the same, what attaches is copied, both give their pixels, and nothing outside the input is read.
 #include "MXTools/Bitmap.h"
 #include "MXTools/FpImage.h"
 #include "StreamBytes.h"

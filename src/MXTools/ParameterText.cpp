@@ -46,8 +46,8 @@ ClParsedNumber ParseParameterNumber(const char* szName, const char* psz, bool bF
   char* pEnd = nullptr;
   if (const char* szDigits = BehindHexadecimalMark(psz)) {
     oParsed.bHexadecimal = true;
-    // 64 bits wherever it runs: where long is short, strtol would quietly stop at its limit. What 64 bits can't
-    // hold stops at theirs, and the parameter's own limits decide.
+    // 64 bits wherever it runs: where long is short, strtol would quietly stop at its limit. What 64 bits
+    // can't hold stops at theirs, and the parameter's own limits decide.
     oParsed.nSigned = std::strtoll(szDigits, &pEnd, 16);
     if (pEnd == szDigits || *pEnd != '\0') RaiseBadText(szName, psz, -44);
     return oParsed;

@@ -73,7 +73,8 @@ class ClStream : private boost::noncopyable {
   void ReadBits(unsigned int& rnValue, unsigned int nCount);
   void WriteBits(unsigned int nValue, unsigned int nCount);
   /// Completes a partly written byte, or the one that BitPosSet went into, and moves on by it: with the bits
-  /// that stand there on a seekable stream, else with zeros. Bits that were only read are dropped. Errors: ClExStreamFailToWrite -202.
+  /// that stand there on a seekable stream, else with zeros. Bits that were only read are dropped.
+  /// Errors: ClExStreamFailToWrite -202.
   void BitFlush();
   void ReadBitFlush() { DropBits(); }
   unsigned int BitPos() const;

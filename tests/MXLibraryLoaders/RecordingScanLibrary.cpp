@@ -1,5 +1,5 @@
-// A scan library that writes down each call with its arguments and answers with a number that the test sets. Its
-// functions are declared here by hand, so that a mistake in the binding's table shows against them.
+// A scan library that writes down each call with its arguments and answers with a number that the test sets.
+// Its functions are declared here by hand, so that a mistake in the binding's table shows against them.
 #include <cstdint>
 #include <sstream>
 #include <string>

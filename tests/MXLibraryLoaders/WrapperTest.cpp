@@ -1,4 +1,5 @@
-// The bindings of the scan library and of the liveness library: which functions they ask for, and what they do without.
+// The bindings of the scan library and of the liveness library: which functions they ask for, and what they
+// do without.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What reaches the scan library from each operation of the scanner, what comes back, and the tables of sensor sizes.
+// What reaches the scan library from each operation of the scanner, what comes back, and the sensor sizes.
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
 
 #include <gmock/gmock.h>
