@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "KelvarinLiveScannerVT40.h"
 #include "KelvarinLiveScannerVT40/ExportGuard.h"
@@ -23,39 +24,37 @@ struct StDeviceList {
 };
 
 /// Lists the connected devices and returns the scan library's number.
-long ListDevices(StDeviceList& oDevices) {
-  const long nResult = ClLiveScannerVT40::m_pVTScanAPI.load()->VTScanAPIQueryDevices(
-      oDevices.aIds, &oDevices.nCount, cnProductId);
+long ListDevices(ClKelvarinVTScanAPIWrapper& oLibrary, StDeviceList& oDevices) {
+  const long nResult = oLibrary.VTScanAPIQueryDevices(oDevices.aIds, &oDevices.nCount, cnProductId);
   if (oDevices.nCount > cnMaxDevices) oDevices.nCount = cnMaxDevices;
   return nResult;
 }
 
 /// The serial number of a listed device; false when it cannot be read.
-bool ReadDeviceSerial(unsigned int nId, char (&szSerial)[cnSerialSize + 1]) {
+bool ReadDeviceSerial(ClKelvarinVTScanAPIWrapper& oLibrary, unsigned int nId,
+                      char (&szSerial)[cnSerialSize + 1]) {
   std::memset(szSerial, 0, sizeof(szSerial));
   unsigned int nSize = cnSerialSize;
-  return ClLiveScannerVT40::m_pVTScanAPI.load()->VTScanAPIGetDeviceSerial(nId, szSerial, &nSize) == 0;
+  return oLibrary.VTScanAPIGetDeviceSerial(nId, szSerial, &nSize) == 0;
 }
 
 long QueryScanners(char* pSerials, unsigned int* pnCount) {
   if (pnCount == nullptr) KLV_RAISE(ClException, "Pointer must not be NULL.", -44);
-  const unsigned int nRoom = *pnCount;
-  if (ClLiveScannerVT40::m_pVTScanAPI == nullptr) {
-    *pnCount = 0;
-    KLV_RAISE(ClException, "Component not initialized.", -2);
-  }
+  const unsigned int nRoom = std::exchange(*pnCount, 0);
+  const ClLiveScannerVT40::ScanLibrary pLibrary = ClLiveScannerVT40::GetScanLibrary();
   StDeviceList oDevices;
-  const long nResult = ListDevices(oDevices);
+  const long nResult = ListDevices(*pLibrary, oDevices);
   if (nResult != 0) {
-    *pnCount = 0;
+    ClLiveScannerVT40::CheckBound(pLibrary);
     return nResult;
   }
   *pnCount = oDevices.nCount;
   if (pSerials == nullptr ? oDevices.nCount != 0 : nRoom < oDevices.nCount) return -702;
   for (unsigned int n = 0; n < oDevices.nCount; ++n) {
     unsigned int nSize = cnSerialSize;
-    if (ClLiveScannerVT40::m_pVTScanAPI.load()->VTScanAPIGetDeviceSerial(
-            oDevices.aIds[n], pSerials + static_cast<size_t>(n) * cnSerialSize, &nSize) != 0) {
+    char* pSerial = pSerials + static_cast<size_t>(n) * cnSerialSize;
+    if (pLibrary->VTScanAPIGetDeviceSerial(oDevices.aIds[n], pSerial, &nSize) != 0) {
+      ClLiveScannerVT40::CheckBound(pLibrary);
       return -101;
     }
   }
@@ -63,17 +62,23 @@ long QueryScanners(char* pSerials, unsigned int* pnCount) {
 }
 
 void OpenScanner(const char* pszSerial, void** phScanner) {
-  ClLiveScannerVT40::CheckInitialized();
+  const ClLiveScannerVT40::ScanLibrary pLibrary = ClLiveScannerVT40::GetScanLibrary();
   if (pszSerial == nullptr) KLV_RAISE_NUMBER(-44);
   StDeviceList oDevices;
-  if (ListDevices(oDevices) != 0) KLV_RAISE(ClException, "VTScanAPIQueryDevices failed.", -101);
+  if (ListDevices(*pLibrary, oDevices) != 0) {
+    ClLiveScannerVT40::CheckBound(pLibrary);
+    KLV_RAISE(ClException, "VTScanAPIQueryDevices failed.", -101);
+  }
   unsigned int nFound = 0;
   char szSerial[cnSerialSize + 1];
-  while (nFound < oDevices.nCount &&
-         !(ReadDeviceSerial(oDevices.aIds[nFound], szSerial) && std::strcmp(szSerial, pszSerial) == 0)) {
+  while (nFound < oDevices.nCount && !(ReadDeviceSerial(*pLibrary, oDevices.aIds[nFound], szSerial) &&
+                                       std::strcmp(szSerial, pszSerial) == 0)) {
     ++nFound;
   }
-  if (nFound == oDevices.nCount) KLV_RAISE(ClException, "Demanded scanner not found.", -60);
+  if (nFound == oDevices.nCount) {
+    ClLiveScannerVT40::CheckBound(pLibrary);
+    KLV_RAISE(ClException, "Demanded scanner not found.", -60);
+  }
   ClVT40Handle::CreateHandle(phScanner);
   try {
     ClVT40Handle::GetClassBase(*phScanner)->AssignDevice(oDevices.aIds[nFound]);
@@ -84,7 +89,8 @@ void OpenScanner(const char* pszSerial, void** phScanner) {
 }
 
 void CloseScanner(void** phScanner) {
-  ClLiveScannerVT40::CheckInitialized();
+  // A handle has the scan library of its own; closing wants the initialisation all the same.
+  ClLiveScannerVT40::GetScanLibrary();
   if (phScanner == nullptr) KLV_RAISE(ClException, "handle reference is NULL pointer", -44);
   ClVT40Handle::GetClassBase(*phScanner)->UnassignDevice();
   ClVT40Handle::DestroyHandle(phScanner);

@@ -1,7 +1,7 @@
 // Binding and starting the scan library.
 #include "KelvarinLiveScannerVT40/LiveScannerVT40.h"
 
-#include <memory>
+#include <utility>
 
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "MXTools/Exception.h"
@@ -13,10 +13,8 @@ const char ClLiveScannerVT40::m_szVersion[] = KLV_VERSION;
 const char ClLiveScannerVT40::m_szLongVersion[] =
     "SDK: KelvarinLiveScannerVT40 Version: " KLV_VERSION " ten-finger live-scanner";
 
-std::atomic<ClKelvarinVTScanAPIWrapper*> ClLiveScannerVT40::m_pVTScanAPI{nullptr};
-
 void ClLiveScannerVT40::OnInitialize() {
-  auto pLibrary = std::make_unique<ClKelvarinVTScanAPIWrapper>();
+  const auto pLibrary = std::make_shared<ClKelvarinVTScanAPIWrapper>();
   try {
     pLibrary->OpenLibrary(m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
   } catch (const ClExBadAlloc&) {
@@ -26,14 +24,33 @@ void ClLiveScannerVT40::OnInitialize() {
   }
   const long nResult = pLibrary->VTScanAPIInitialize(nullptr);
   if (nResult != 0) KLV_RAISE(ClException, "Failed to initialize VTScanAPI.", nResult);
-  m_pVTScanAPI = pLibrary.release();
+  Exchange(pLibrary);
 }
 
 void ClLiveScannerVT40::OnUninitialize() {
-  const std::unique_ptr<ClKelvarinVTScanAPIWrapper> pLibrary(m_pVTScanAPI.exchange(nullptr));
+  // The library is unloaded when the last call lets go of it.
+  const ScanLibrary pLibrary = Exchange(nullptr);
   if (pLibrary != nullptr) pLibrary->VTScanAPIUninitialize();
 }
 
-void ClLiveScannerVT40::CheckInitialized() {
-  if (m_pVTScanAPI == nullptr) KLV_RAISE(ClException, "Component not initialized.", -2);
+ClLiveScannerVT40::ScanLibrary ClLiveScannerVT40::GetScanLibrary() {
+  StBinding& oBinding = Binding();
+  const boost::unique_lock<boost::mutex> oLock(oBinding.oMutex);
+  if (oBinding.pScanLibrary == nullptr) KLV_RAISE(ClException, "Component not initialized.", -2);
+  return oBinding.pScanLibrary;
+}
+
+void ClLiveScannerVT40::CheckBound(const ScanLibrary& pScanLibrary) {
+  if (GetScanLibrary() != pScanLibrary) KLV_RAISE(ClException, "Component not initialized.", -2);
+}
+
+ClLiveScannerVT40::StBinding& ClLiveScannerVT40::Binding() {
+  static StBinding& oBinding = *new StBinding;
+  return oBinding;
+}
+
+ClLiveScannerVT40::ScanLibrary ClLiveScannerVT40::Exchange(ScanLibrary pScanLibrary) {
+  StBinding& oBinding = Binding();
+  const boost::unique_lock<boost::mutex> oLock(oBinding.oMutex);
+  return std::exchange(oBinding.pScanLibrary, std::move(pScanLibrary));
 }

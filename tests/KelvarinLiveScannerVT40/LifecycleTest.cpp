@@ -1,4 +1,5 @@
 // The library's life: initialisation, versions, listing, opening and closing.
+#include <atomic>
 #include <cstring>
 #include <thread>
 
@@ -141,6 +142,37 @@ TEST_F(Api, InitialisationsFromManyThreadsCountUpAndDown) {
   for (std::thread& oThread : aThreads) oThread.join();
   EXPECT_EQ(LS_VT40Uninitialize(), 0);
   EXPECT_EQ(LS_VT40Uninitialize(), KLV_ERROR_NOT_INITIALIZED);
+}
+
+TEST_F(Api, CallsKeepTheScanLibraryThatAnotherThreadGivesUpMeanwhile) {
+  constexpr unsigned int cnScanners = 100;
+  std::string sScanners;
+  for (unsigned int n = 0; n < cnScanners; ++n)
+    sScanners += (n == 0 ? "" : ",") + (R"({"serial": "VT40-AB)" + std::to_string(1000 + n)) + "\"}";
+  LoadScene(R"({"scanners": [)" + sScanners + "]}");
+  std::atomic<bool> bEnded{false};
+  std::atomic<int> nListed{0};
+  std::vector<std::thread> aThreads;
+  for (int n = 0; n < 2; ++n) {
+    aThreads.emplace_back([&] {
+      std::vector<char> aCells(cnScanners * KLV_VT40_SERIAL_SIZE);
+      while (!bEnded) {
+        unsigned int nCount = cnScanners;
+        void* h = nullptr;
+        const long nQuery = LS_VT40QueryScanners(aCells.data(), &nCount);
+        const long nOpen = LS_VT40OpenScanner("VT40-AB0001", &h);
+        EXPECT_TRUE(nQuery == 0 || nQuery == KLV_ERROR_NOT_INITIALIZED) << nQuery;
+        EXPECT_TRUE(nOpen == KLV_ERROR_DISCONNECTED || nOpen == KLV_ERROR_NOT_INITIALIZED) << nOpen;
+        if (nQuery == 0) ++nListed;
+      }
+    });
+  }
+  for (int n = 0; n < 2000 || nListed < 200; ++n) {
+    EXPECT_EQ(LS_VT40Uninitialize(), 0);
+    EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
+  }
+  bEnded = true;
+  for (std::thread& oThread : aThreads) oThread.join();
 }
 
 }  // namespace
