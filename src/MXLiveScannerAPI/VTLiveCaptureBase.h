@@ -62,6 +62,9 @@ class ClVTLiveCaptureBase {
   virtual ECaptureMode GetCaptureMode() { return m_eCaptureMode; }
 
   ECaptureState GetDetectState() const { return m_eDetectState; }
+  /// Whatever the state was. Where a worker may have gone on meanwhile its state is lost: a capture that was
+  /// delivered is taken by TakeDone.
+  void SetDetectState(ECaptureState eState) { m_eDetectState = eState; }
   /// For a finished capture that was delivered: done becomes no finger. A state that has gone on stays.
   void TakeDone() {
     ECaptureState eDone = eCaptureStateDone;

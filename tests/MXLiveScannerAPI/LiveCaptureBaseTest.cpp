@@ -106,4 +106,16 @@ TEST_F(LiveCaptureBase, TwoExposuresGiveTheSecondLessTheFirst) {
   }
 }
 
+TEST_F(LiveCaptureBase, ADoneThatWasDeliveredIsTakenAndAnotherStateStays) {
+  using Engine = ClVTLiveCaptureBase;
+  EXPECT_EQ(m_oEngine.GetDetectState(), Engine::eCaptureStateNone) << "nothing was captured yet";
+  m_oEngine.SetDetectState(Engine::eCaptureStateDone);
+  EXPECT_EQ(m_oEngine.GetDetectState(), Engine::eCaptureStateDone);
+  m_oEngine.TakeDone();
+  EXPECT_EQ(m_oEngine.GetDetectState(), Engine::eCaptureStateNoFinger);
+  m_oEngine.SetDetectState(Engine::eCaptureStateFinger);
+  m_oEngine.TakeDone();
+  EXPECT_EQ(m_oEngine.GetDetectState(), Engine::eCaptureStateFinger) << "the next roll has begun";
+}
+
 }  // namespace
