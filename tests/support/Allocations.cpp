@@ -1,44 +1,100 @@
 // Replaces operator new, in a file of its own, so that no compiler sees through one half of a pair.
 #include "Allocations.h"
 
-#include <dlfcn.h>
 #include <execinfo.h>
+#include <link.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <new>
 
 namespace {
 
-/// So many frames above operator new tell who called.
-constexpr int cnFrames = 12;
+constexpr int cnFrames = 64;
+/// And so many of the innermost of them in the watched library tell one stack from another.
+constexpr int cnDepth = 4;
+constexpr std::size_t cnMaxStacks = 4096;
+constexpr std::size_t cnMaxSegments = 16;
 /// In the name of every library of this project, in whatever case, and of nobody else's.
 constexpr char cszOurs[] = "libkelvarin";
+
+/// Code of a library of this project.
+struct StSegment {
+  std::uintptr_t nBegin;
+  std::uintptr_t nEnd;
+  bool bWatched;
+};
 
 std::atomic<long> s_nCalls{0};
 std::atomic<long> s_nLive{0};
 std::atomic<std::size_t> s_nLargest{0};
-/// Calls of the library in question until the one that fails; 0 or less: none does.
-std::atomic<long> s_nUntilFailure{0};
-std::atomic<const char*> s_szLibrary{nullptr};
+
+enum EWatch { eOff, eRemember, eFail };
+std::atomic<EWatch> s_eWatch{eOff};
+/// Written while nothing is watched.
+StSegment s_aSegments[cnMaxSegments];
+std::size_t s_nSegments = 0;
+std::uint64_t s_nFailing = 0;
+std::mutex s_oStacksMutex;
+std::uint64_t s_aStacks[cnMaxStacks];  // guarded by s_oStacksMutex
+std::size_t s_nStacks = 0;             // likewise
 std::atomic<bool> s_bFailed{false};
 
-bool IsCalledFrom(const char* szLibrary) {
+int AddSegments(dl_phdr_info* pObject, std::size_t, void* pLibrary) {
+  if (strcasestr(pObject->dlpi_name, cszOurs) == nullptr) return 0;
+  const bool bWatched = std::strstr(pObject->dlpi_name, static_cast<const char*>(pLibrary)) != nullptr;
+  for (int n = 0; n < pObject->dlpi_phnum && s_nSegments < cnMaxSegments; ++n) {
+    const auto& oHeader = pObject->dlpi_phdr[n];
+    if (oHeader.p_type != PT_LOAD || (oHeader.p_flags & PF_X) == 0) continue;
+    const std::uintptr_t nBegin = pObject->dlpi_addr + oHeader.p_vaddr;
+    s_aSegments[s_nSegments++] = {nBegin, nBegin + oHeader.p_memsz, bWatched};
+  }
+  return 0;
+}
+
+const StSegment* SegmentOf(std::uintptr_t nAddress) {
+  for (std::size_t n = 0; n < s_nSegments; ++n)
+    if (nAddress >= s_aSegments[n].nBegin && nAddress < s_aSegments[n].nEnd) return &s_aSegments[n];
+  return nullptr;
+}
+
+/// A number for the calls in the watched library that led to its allocation; 0 for an allocation of anybody else.
+std::uint64_t Stack() {
   void* apFrames[cnFrames];
   const int nFrames = backtrace(apFrames, cnFrames);
-  for (int n = 0; n < nFrames; ++n) {
-    Dl_info oObject;
-    if (dladdr(apFrames[n], &oObject) == 0 || strcasestr(oObject.dli_fname, cszOurs) == nullptr) continue;
-    return std::strstr(oObject.dli_fname, szLibrary) != nullptr;
+  std::uint64_t nHash = 0;
+  int nDepth = 0;
+  for (int n = 0; n < nFrames && nDepth < cnDepth; ++n) {
+    const std::uintptr_t nAddress = reinterpret_cast<std::uintptr_t>(apFrames[n]);
+    const StSegment* pSegment = SegmentOf(nAddress);
+    if (pSegment == nullptr) continue;
+    // The innermost library of ours is the one that asks.
+    if (nDepth++ == 0 && !pSegment->bWatched) return 0;
+    nHash = (nHash ^ nAddress) * 0x9E3779B97F4A7C15u + 1;
   }
-  return false;
+  return nHash;
+}
+
+void Remember(std::uint64_t nStack) {
+  const std::lock_guard<std::mutex> oLock(s_oStacksMutex);
+  std::uint64_t* pEnd = s_aStacks + s_nStacks;
+  if (nStack == 0 || s_nStacks == cnMaxStacks || std::find(s_aStacks, pEnd, nStack) != pEnd) return;
+  s_aStacks[s_nStacks++] = nStack;
 }
 
 bool IsToFail() {
-  if (s_nUntilFailure <= 0 || !IsCalledFrom(s_szLibrary) || --s_nUntilFailure != 0) return false;
-  s_bFailed = true;
-  return true;
+  const EWatch eWatch = s_eWatch;
+  if (eWatch == eOff) return false;
+  const std::uint64_t nStack = Stack();
+  if (eWatch == eRemember) {
+    Remember(nStack);
+    return false;
+  }
+  return nStack == s_nFailing && !s_bFailed.exchange(true);
 }
 
 void* Allocate(std::size_t nBytes) noexcept {
@@ -82,13 +138,31 @@ void ForgetLargest() {
   s_nLargest = 0;
 }
 
-void FailAt(long nCall, const char* szLibrary) {
+void Remember(const char* szLibrary) {
   // backtrace loads a library at its first call.
   void* pFrame;
   backtrace(&pFrame, 1);
+  s_eWatch = eOff;
+  s_nSegments = 0;
+  dl_iterate_phdr(AddSegments, const_cast<char*>(szLibrary));
+  s_nStacks = 0;
+  s_eWatch = eRemember;
+}
+
+std::size_t Stacks() {
+  const std::lock_guard<std::mutex> oLock(s_oStacksMutex);
+  return s_nStacks;
+}
+
+void FailAt(std::size_t nStack) {
+  s_eWatch = eOff;
   s_bFailed = false;
-  s_szLibrary = szLibrary;
-  s_nUntilFailure = nCall;
+  s_nFailing = s_aStacks[nStack];
+  s_eWatch = eFail;
+}
+
+void Ignore() {
+  s_eWatch = eOff;
 }
 
 bool HasFailed() {

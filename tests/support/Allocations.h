@@ -13,11 +13,17 @@ long Live();
 /// Bytes of the largest block that was asked for since ForgetLargest.
 std::size_t Largest();
 void ForgetLargest();
-/// From now on the n-th call that comes from the named shared library finds no memory, that one alone; 0: none does.
-/// What the C++ library does on behalf of its caller counts as the caller's. szLibrary: a part of the file name; a
-/// constant.
-void FailAt(long nCall, const char* szLibrary);
+
+/// From now on the distinct call stacks are remembered on which allocations of the named shared library are reached.
+/// What the C++ library does on behalf of its caller counts as the caller's. szLibrary: a part of the file name.
+void Remember(const char* szLibrary);
+/// The number of them.
+std::size_t Stacks();
+/// From now on the first call on a remembered stack finds no memory, that one alone. [0, Stacks())
+void FailAt(std::size_t nStack);
 /// Whether that call has come.
 bool HasFailed();
+/// Ends either.
+void Ignore();
 
 }  // namespace Allocations
