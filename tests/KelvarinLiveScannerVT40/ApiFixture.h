@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -41,9 +43,8 @@ class Api : public testing::Test {
 
   long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
 
-  StDelivered Image(size_t nPixels = 1600 * 1600) { return Deliver(LS_VT40GetImage, nPixels); }
-  StDelivered Preview(size_t nPixels = 800 * 800) { return Deliver(LS_VT40GetPreviewImage, nPixels); }
-  StDelivered Roll() { return Deliver(LS_VT40GetRollImage, 800 * 800); }
+  StDelivered Image(size_t nPixels = 1600 * 1600) { return Fetch(LS_VT40GetImage, m_h, nPixels); }
+  StDelivered Preview(size_t nPixels = 800 * 800) { return Fetch(LS_VT40GetPreviewImage, m_h, nPixels); }
 
   static VTSimState State(const char* szSerial = nullptr) {
     VTSimState oState = {};
@@ -58,21 +59,30 @@ class Api : public testing::Test {
     return nCount;
   }
 
-  void* m_h = nullptr;
-
- private:
-  template <typename TFunction>
-  StDelivered Deliver(TFunction pfnImage, size_t nPixels) {
+  using ImageCall = long (*)(void*, void*, double*, unsigned char*, long*);
+  static StDelivered Fetch(ImageCall pfnImage, void* h, size_t nPixels) {
     StDelivered oDelivered;
     // Bytes behind the image that must not be touched.
     oDelivered.aPixels.assign(nPixels + 64, 0xA5);
     oDelivered.nError =
-        pfnImage(m_h, oDelivered.aPixels.data(), &oDelivered.dScore, &oDelivered.bDone, &oDelivered.nResult);
+        pfnImage(h, oDelivered.aPixels.data(), &oDelivered.dScore, &oDelivered.bDone, &oDelivered.nResult);
     for (size_t n = nPixels; n < oDelivered.aPixels.size(); ++n) EXPECT_EQ(oDelivered.aPixels[n], 0xA5);
     oDelivered.aPixels.resize(nPixels);
     return oDelivered;
   }
+
+  void* m_h = nullptr;
 };
+
+inline double SecondsSince(std::chrono::steady_clock::time_point tStart) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - tStart).count();
+}
+
+/// Pixels darker than nGrey.
+inline int DarkerThan(const std::vector<unsigned char>& aPixels, int nGrey) {
+  return static_cast<int>(
+      std::count_if(aPixels.begin(), aPixels.end(), [nGrey](int n) { return n < nGrey; }));
+}
 
 /// The same with the scanner open.
 class OpenScanner : public Api {

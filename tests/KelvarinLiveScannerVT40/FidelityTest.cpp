@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "ApiFixture.h"
+#include "Pearson.h"
 #include "TemporaryDirectory.h"
 
 namespace {
@@ -24,22 +25,14 @@ struct StPicture {
 /// further on. Windows with too little skin have none: NaN.
 double Correlation(const StPicture& oTruth, const StPicture& oMask, const StPicture& oImage, int nX0, int nY0,
                    int nX1, int nY1, int nX, int nY) {
-  double dN = 0, dA = 0, dB = 0, dAA = 0, dBB = 0, dAB = 0;
+  ClPearson oPearson;
   for (int y = nY0; y < nY1; ++y) {
     for (int x = nX0; x < nX1; ++x) {
-      if (oMask.At(x, y) != 255) continue;
-      const double a = oTruth.At(x, y);
-      const double b = oImage.At(x + nX, y + nY);
-      dN += 1;
-      dA += a;
-      dB += b;
-      dAA += a * a;
-      dBB += b * b;
-      dAB += a * b;
+      if (oMask.At(x, y) == 255) oPearson.Add(oTruth.At(x, y), oImage.At(x + nX, y + nY));
     }
   }
-  if (dN < 0.9 * (nX1 - nX0) * (nY1 - nY0) && dN < 50000) return std::nan("");
-  return (dN * dAB - dA * dB) / std::sqrt((dN * dAA - dA * dA) * (dN * dBB - dB * dB));
+  const double dN = oPearson.Pairs();
+  return dN < 0.9 * (nX1 - nX0) * (nY1 - nY0) && dN < 50000 ? std::nan("") : oPearson.Coefficient();
 }
 
 /// Where a parabola through three neighbouring values has its top, relative to the middle one.
@@ -140,11 +133,6 @@ TEST_P(Fidelity, RidgesLieWhereTheyAreOnThePlaten) {
                                           cnGridLast, static_cast<int>(std::lround(oShifts.dMeanX)),
                                           static_cast<int>(std::lround(oShifts.dMeanY)));
   EXPECT_GE(dCorrelation, 0.85);
-  RecordProperty("blocks", oShifts.nBlocks);
-  RecordProperty("meanX", std::to_string(oShifts.dMeanX));
-  RecordProperty("meanY", std::to_string(oShifts.dMeanY));
-  RecordProperty("rms", std::to_string(oShifts.dRms));
-  RecordProperty("correlation", std::to_string(dCorrelation));
 }
 
 INSTANTIATE_TEST_SUITE_P(ThreeOptics, Fidelity, testing::Values("VT40-AA1001", "VT40-AB2002", "VT40-AD3003"),
@@ -152,12 +140,6 @@ INSTANTIATE_TEST_SUITE_P(ThreeOptics, Fidelity, testing::Values("VT40-AA1001", "
 
 class MadeRecord : public Measured {
  protected:
-  /// One scanner, or as many as the environment asks for.
-  static int Seeds() {
-    const char* szSeeds = std::getenv("KELVARIN_TEST_SEEDS");
-    return szSeeds != nullptr ? std::atoi(szSeeds) : 1;
-  }
-
   /// The record that the tool makes from a target that lies on the scanner.
   static std::vector<char> Make(const std::string& sSerial) {
     const ClTemporaryDirectory oFolder;
@@ -184,27 +166,22 @@ class MadeRecord : public Measured {
 };
 
 TEST_F(MadeRecord, ServesAsWellAsTheFactorys) {
-  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
-    const std::string sSerial = "VT40-AC" + std::to_string(2000 + nSeed);
-    SCOPED_TRACE(sSerial);
-    const std::vector<char> aRecord = Make(sSerial);
-    LoadFingers(sSerial);
-    StShifts oFactory;
-    ASSERT_NO_FATAL_FAILURE(Take(sSerial));
-    ASSERT_NO_FATAL_FAILURE(Measure(oFactory));
-    ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aRecord.data(), static_cast<unsigned>(aRecord.size())), 0);
-    StShifts oMade;
-    ASSERT_NO_FATAL_FAILURE(Take(sSerial));
-    // The grid's middle lies at 800 in a made record and at 799.5 in the factory's, and the picture is mirrored. Shifts of
-    // half a pixel can't be measured well.
-    MoveTruth();
-    ASSERT_NO_FATAL_FAILURE(Measure(oMade));
-    EXPECT_LE(oMade.dRms, oFactory.dRms + 0.1);
-    EXPECT_NEAR(oMade.dMeanX, oFactory.dMeanX, 0.1);
-    EXPECT_NEAR(oMade.dMeanY, oFactory.dMeanY, 0.1);
-    RecordProperty(sSerial,
-                   std::to_string(oMade.dRms) + " made, " + std::to_string(oFactory.dRms) + " factory");
-  }
+  const std::string sSerial = "VT40-AC2001";
+  const std::vector<char> aRecord = Make(sSerial);
+  LoadFingers(sSerial);
+  StShifts oFactory;
+  ASSERT_NO_FATAL_FAILURE(Take(sSerial));
+  ASSERT_NO_FATAL_FAILURE(Measure(oFactory));
+  ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aRecord.data(), static_cast<unsigned>(aRecord.size())), 0);
+  StShifts oMade;
+  ASSERT_NO_FATAL_FAILURE(Take(sSerial));
+  // The grid's middle lies at 800 in a made record and at 799.5 in the factory's, and the picture is mirrored. Shifts of
+  // half a pixel can't be measured well.
+  MoveTruth();
+  ASSERT_NO_FATAL_FAILURE(Measure(oMade));
+  EXPECT_LE(oMade.dRms, oFactory.dRms + 0.1);
+  EXPECT_NEAR(oMade.dMeanX, oFactory.dMeanX, 0.1);
+  EXPECT_NEAR(oMade.dMeanY, oFactory.dMeanY, 0.1);
 }
 
 }  // namespace

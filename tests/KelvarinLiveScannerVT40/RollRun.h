@@ -2,12 +2,12 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <vector>
 
 #include "KelvarinLiveScannerVT40.h"
 #include "KelvarinVTScanAPI/VTSim.h"
+#include "Pearson.h"
 
 constexpr int cnRollSide = 800;
 /// Where the picture of a roll lies in that of the platen.
@@ -86,22 +86,15 @@ int WidthOf(TSkin fnSkin) {
 inline double RollCorrelation(const std::vector<unsigned char>& aTruth,
                               const std::vector<unsigned char>& aMask,
                               const std::vector<unsigned char>& aPicture, int nX, int nY) {
-  double dN = 0, dA = 0, dB = 0, dAA = 0, dBB = 0, dAB = 0;
+  ClPearson oPearson;
   for (int y = 2; y < cnRollSide - 2; ++y) {
     for (int x = 2; x < cnRollSide - 2; ++x) {
       const size_t n = static_cast<size_t>(y * VTSIM_PICTURE_SIDE + x + cnRollLeft);
       if (aMask[n] != 255) continue;
-      const double a = aTruth[n];
-      const double b = aPicture[static_cast<size_t>((y + nY) * cnRollSide + x + nX)];
-      dN += 1;
-      dA += a;
-      dB += b;
-      dAA += a * a;
-      dBB += b * b;
-      dAB += a * b;
+      oPearson.Add(aTruth[n], aPicture[static_cast<size_t>((y + nY) * cnRollSide + x + nX)]);
     }
   }
-  return (dN * dAB - dA * dB) / std::sqrt((dN * dAA - dA * dA) * (dN * dBB - dB * dB));
+  return oPearson.Coefficient();
 }
 
 /// Compares a picture that was not turned with what rolled between the frames of the records.
@@ -115,8 +108,8 @@ inline StRollQuality MeasureRoll(const std::vector<unsigned char>& aPicture,
   };
   int nFlat = 0;
   for (size_t n = 0; n < aFrames.size(); ++n) {
-    // Each second frame is enough for the widest.
-    if (aFrames[n].nFingers == 0 || n % 2 != 0) continue;
+    // Each fourth frame is enough for the widest.
+    if (aFrames[n].nFingers == 0 || n % 4 != 0) continue;
     VTSimGetGroundTruthAt(nullptr, aFrames[n].dTime, aTruth.data(), aMask.data(), &nSize);
     nFlat = std::max(nFlat, WidthOf(IsSkin));
   }

@@ -25,8 +25,7 @@ struct StTally {
   int nExpected = 0;
 };
 
-void RollOne(void* h, const std::string& sScene, const StScene& oScene, const char* szFolder,
-             StTally& oTally) {
+void RollOne(void* h, const std::string& sScene, const StScene& oScene, StTally& oTally) {
   if (StartRoll(h, sScene) != 0) {
     std::fprintf(stderr, "%s: %s\n", sScene.c_str(), VTSimLastError());
     std::exit(2);
@@ -44,12 +43,6 @@ void RollOne(void* h, const std::string& sScene, const StScene& oScene, const ch
   oTally.dWorstGrowth = std::min(oTally.dWorstGrowth, oQuality.dGrowth);
   std::fprintf(stderr, "%-18s %5ld  correlation %.3f  growth %.2f%s\n", sScene.c_str(), nVerdict,
                oQuality.dCorrelation, oQuality.dGrowth, nVerdict == oScene.nVerdict ? "" : "  <--");
-  if (szFolder == nullptr) return;
-  if (std::FILE* pFile = std::fopen((std::string(szFolder) + "/" + sScene + ".pgm").c_str(), "wb")) {
-    std::fprintf(pFile, "P5\n%d %d\n255\n", cnRollSide, cnRollSide);
-    std::fwrite(oRoll.aPixels.data(), 1, oRoll.aPixels.size(), pFile);
-    std::fclose(pFile);
-  }
 }
 
 void PrintRow(const StScene& oScene, int nSeeds, StTally& oTally) {
@@ -70,18 +63,16 @@ void PrintRow(const StScene& oScene, int nSeeds, StTally& oTally) {
 
 }  // namespace
 
-/// Arguments: variants of a good roll, of a bad roll; a folder for the pictures, if they are wanted. Ends with 1 when
+/// Arguments: variants of a good roll, of a bad roll. Ends with 1 when
 /// fewer than 98 of 100 good rolls or 95 of 100 bad ones got their verdict, or a good picture is not the finger's.
 int main(int nArguments, char** ppArguments) {
   const int nGood = nArguments > 1 ? std::atoi(ppArguments[1]) : 50;
   const int nBad = nArguments > 2 ? std::atoi(ppArguments[2]) : nGood;
-  const char* szFolder = nArguments > 3 ? ppArguments[3] : nullptr;
   void* h = nullptr;
   if (nGood < 1 || nBad < 0 || VTSimLoadScene("empty") != 0 || LS_VT40Initialize(nullptr) != 0 ||
       LS_VT40OpenScanner("VT40-AB0001", &h) != 0) {
-    std::fprintf(
-        stderr,
-        "usage: roll_verdicts [GOOD [BAD [FOLDER]]]; the scanner did not open or the numbers are wrong\n");
+    std::fprintf(stderr,
+                 "usage: roll_verdicts [GOOD [BAD]]; the scanner did not open or the numbers are wrong\n");
     return 2;
   }
   std::printf(
@@ -94,7 +85,7 @@ int main(int nArguments, char** ppArguments) {
     const int nSeeds = bGood ? nGood : nBad;
     StTally oTally;
     for (int nSeed = 1; nSeed <= nSeeds; ++nSeed)
-      RollOne(h, std::string(oScene.szName) + ":" + std::to_string(nSeed), oScene, szFolder, oTally);
+      RollOne(h, std::string(oScene.szName) + ":" + std::to_string(nSeed), oScene, oTally);
     PrintRow(oScene, nSeeds, oTally);
     bPassed = bPassed && 100 * oTally.nExpected >= (bGood ? 98 : 95) * nSeeds;
     if (bGood) bPassed = bPassed && oTally.dWorstCorrelation >= 0.85 && oTally.dWorstGrowth >= 1.5;
