@@ -1,15 +1,13 @@
 // A simulated scanner behind the exported functions, for tests that see the library as an application does.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
 
 #include "KelvarinLiveScannerVT40.h"
-#include "KelvarinVTScanAPI/VTSim.h"
+#include "SimulatedScanner.h"
 
 /// What the image calls deliver.
 struct StDelivered {
@@ -37,21 +35,10 @@ class Api : public testing::Test {
     VTSimReset();
   }
 
-  static void LoadScene(const std::string& sScene) {
-    ASSERT_EQ(VTSimLoadScene(sScene.c_str()), 0) << VTSimLastError();
-  }
-
   long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
 
   StDelivered Image(size_t nPixels = 1600 * 1600) { return Fetch(LS_VT40GetImage, m_h, nPixels); }
   StDelivered Preview(size_t nPixels = 800 * 800) { return Fetch(LS_VT40GetPreviewImage, m_h, nPixels); }
-
-  static VTSimState State(const char* szSerial = nullptr) {
-    VTSimState oState = {};
-    oState.nStructSize = sizeof(oState);
-    EXPECT_EQ(VTSimGetState(szSerial, &oState), 0) << VTSimLastError();
-    return oState;
-  }
 
   static unsigned long long Calls(const char* szFunction) {
     unsigned long long nCount = 0;

@@ -9,19 +9,17 @@
 namespace {
 
 TEST_F(AutoScanner, NeverFiresOnAnEmptyADirtyOrAMovingPlaten) {
-  for (const char* szScene : {"empty", "dirty", "sliding-slap"}) {
-    for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
-      SCOPED_TRACE(Seeded(szScene, nSeed));
-      Start(Seeded(szScene, nSeed));
-      for (int n = 0; n < cnFewFrames; ++n) ASSERT_EQ(Preview().bDone, 0);
-      EXPECT_EQ(Shots().size(), 0u);
-    }
+  for (const char* szScene : {"empty", "dirty:1", "sliding-slap:1", "sliding-slap:2"}) {
+    SCOPED_TRACE(szScene);
+    Start(szScene);
+    for (int n = 0; n < cnFewFrames; ++n) ASSERT_EQ(Preview().bDone, 0);
+    EXPECT_EQ(Shots().size(), 0u);
   }
 }
 
 TEST_F(AutoScanner, DirtRaisesTheConditionWithItsAreaAndACleanPlatenHasNone) {
   unsigned int nBefore = 0;
-  for (const int nSpecks : {0, 6, 18, 54}) {
+  for (const int nSpecks : {0, 6, 54}) {
     std::string sDirt;
     for (int n = 0; n < nSpecks; ++n) {
       sDirt += std::string(n == 0 ? "" : ",") + R"({"x": )" + std::to_string(10 + n % 9 * 7) + R"(, "y": )" +
@@ -42,17 +40,10 @@ TEST_F(AutoScanner, DirtRaisesTheConditionWithItsAreaAndACleanPlatenHasNone) {
 }
 
 TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
-  LoadScene("slap-right");
-  ASSERT_EQ(Open(), 0);
+  StartHeld(cszFinger);
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
-  // One sequence at a time, so that no frame passes between the capture and the call that fetches it.
-  ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
-  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
-  unsigned int nPassed = 0;
-  ASSERT_TRUE(WaitFor([&] {
-    VTSimPassSequences(nullptr, 1);
-    return VTSimWaitForSequences(nullptr, ++nPassed, 30000) != 0 || !Shots().empty();
-  }));
+  ASSERT_NO_FATAL_FAILURE(PassUntilShot());
+  ASSERT_NO_FATAL_FAILURE(Pass());
   // The worker lets the caller in between two sequences; four of them are still fewer than five frames.
   std::future<StDelivered> oKept = std::async(std::launch::async, [&] { return Image(); });
   for (int n = 0; n < 4 && oKept.wait_for(std::chrono::milliseconds(250)) != std::future_status::ready; ++n) {
@@ -71,12 +62,55 @@ TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
   ASSERT_EQ(nBeeps, 1u);
   EXPECT_EQ(aBeeps[0].nArg1, 300u);
   EXPECT_EQ(aBeeps[0].nArg2, 100u);
+}
 
-  Start("slap-right");
+TEST_F(AutoScanner, MakesAnOldCaptureAnewAndMissesAFingerThatHasGone) {
+  Start(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [
+      {"print": {"seed": 3}, "x": 25, "slide": {"start": 60, "speed": 8, "radius": 3}},
+      {"print": {"seed": 4}, "x": 60, "lift": 60}]}]})");
   ASSERT_EQ(PollUntil(true, cnFewFrames).nError, 0);
   for (int n = 0; n < 8; ++n) ASSERT_EQ(Preview().nError, 0);
   EXPECT_EQ(Image().bDone, 1);
-  EXPECT_EQ(Shots().size(), 2u) << "an old capture is made anew";
+  EXPECT_EQ(Shots().size(), 2u);
+  // The finger that is left moves, so that no automatic capture comes in between.
+  ASSERT_EQ(VTSimAdvance(nullptr, 70.0), 0);
+  EXPECT_EQ(Image().bDone, 0);
+  EXPECT_EQ(Shots().size(), 3u);
+}
+
+TEST_F(AutoScanner, AShotInWhichOneOfSevenFingersIsMissingIsNotGood) {
+  std::string sFingers;
+  for (int n = 0; n < 7; ++n) {
+    sFingers += std::string(n == 0 ? "" : ",") + R"({"print": {"seed": 3}, "x": )" +
+                std::to_string(12 + 19 * (n % 4)) + R"(, "y": )" + std::to_string(18 + 30 * (n / 4)) +
+                (n == 5 ? R"(, "lift": 60})" : "}");
+  }
+  StartHeld(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [)" + sFingers + "]}]}");
+  ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
+  ASSERT_NO_FATAL_FAILURE(PassUntilShot());
+  ASSERT_EQ(VTSimAdvance(nullptr, 70.0), 0);
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  EXPECT_EQ(State().nBeeps, 0u);
+  ASSERT_NO_FATAL_FAILURE(PassUntilShot());
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  EXPECT_EQ(State().nBeeps, 1u) << "the six that are left";
+  ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+}
+
+TEST_F(AutoScanner, AShotThatFailsPutsThePreviewsSettingsBack) {
+  // The mode's own setting is the first, the shot's the second, the pause's the third.
+  for (const unsigned int nFailing : {2u, 3u}) {
+    SCOPED_TRACE(nFailing);
+    LoadScene(cszFinger);
+    ASSERT_EQ(Open(), 0);
+    ASSERT_EQ(VTSimFailCall("VTScanAPISetCaptureMode", nFailing + 1, 1, -777), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+    EXPECT_TRUE(
+        WaitFor([&] { return Calls("VTScanAPISetCaptureMode") > nFailing && State().nSensorMode == 35; }));
+    EXPECT_EQ(State().nPlanes, 2u);
+    EXPECT_EQ(Image().bDone, 1) << "the mode goes on without its automatic captures";
+    ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
+  }
 }
 
 TEST_F(AutoScanner, TwoScannersDecideEachForItself) {
@@ -109,7 +143,7 @@ TEST_F(AutoScanner, LivenessTellsSkinFromImitations) {
   Start("settling-slap:3", KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
   ASSERT_EQ(PollUntil(true, cnManyFrames).nError, 0);
   EXPECT_GT(Image().dScore, 50.0);
-  for (int nSeed = 1; nSeed <= 3; ++nSeed) {
+  for (int nSeed = 1; nSeed <= 2; ++nSeed) {
     Start(Seeded("fake-finger", nSeed), KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
     ASSERT_EQ(PollUntil(true, cnManyFrames).nError, 0);
     EXPECT_LT(Image().dScore, 50.0) << nSeed;
@@ -120,7 +154,7 @@ TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
   const auto Expect = [&](const char* szFunction) {
     SCOPED_TRACE(szFunction);
     ASSERT_EQ(FDSimFailCall(szFunction, 1, 1, -777), 0);
-    LoadScene("slap-right");
+    LoadScene(cszFinger);
     ASSERT_EQ(Open(), 0);
     EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), KLV_ERROR_UNSUPPORTED);
     int nMode = 0;
@@ -141,7 +175,7 @@ TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
 }
 
 TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
-  LoadScene("slap-right");
+  LoadScene(cszFinger);
   ASSERT_EQ(Open(), 0);
   ASSERT_EQ(FDSimFailCall("FD_VT40GetFakeFingerDetectionScore", 1, 0, -777), 0);
   ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), 0);
@@ -154,75 +188,70 @@ TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
 
 /// Brings the scanner to the moments of an automatic capture: so many sequences were passed (two or three previews,
 /// four of the liveness lights, the shot), or the pause behind a good shot has begun.
-class AtEachMoment : public AutoScanner, public testing::WithParamInterface<int> {
- public:
-  static constexpr int cnPause = 8;
-
+class AtEachMoment : public AutoScanner {
  protected:
-  void GoToMoment() {
-    LoadScene("slap-right");
-    ASSERT_EQ(Open(), 0);
-    const auto nPass = static_cast<unsigned int>(GetParam());
-    if (GetParam() != cnPause) {
-      ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+  static constexpr unsigned int cnPause = 8;
+
+  template <typename TLeave>
+  void ForEachMoment(TLeave&& fnLeave) {
+    for (const unsigned int nMoment : {0u, 2u, 4u, 6u, 7u, cnPause}) {
+      SCOPED_TRACE(nMoment);
+      ASSERT_NO_FATAL_FAILURE(GoTo(nMoment));
+      fnLeave(nMoment);
+      ASSERT_EQ(VTSimClearFaults(), 0);
+      if (m_h != nullptr) LS_VT40CloseScanner(&m_h);
+      VTSimPlug(nullptr);
+      EXPECT_EQ(State().nLockedSequences, 0u);
+      EXPECT_EQ(State().bOpen, 0);
     }
-    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), 0);
-    if (GetParam() == cnPause) {
-      ASSERT_TRUE(WaitFor([] { return State().nPlanes == 1; })) << "the light of the pause";
-    } else if (nPass > 0) {
-      ASSERT_EQ(VTSimPassSequences(nullptr, nPass), 0);
-      ASSERT_EQ(VTSimWaitForSequences(nullptr, nPass, 30000), 0) << VTSimLastError();
-    }
+    // Nothing is left behind: the scanner opens again and captures.
+    Start(cszFinger);
+    EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
   }
 
-  /// Nothing is left behind: the scanner opens again and captures.
-  void ExpectFreshStart() {
-    ASSERT_EQ(VTSimClearFaults(), 0);
-    if (m_h != nullptr) {
-      EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+ private:
+  void GoTo(unsigned int nMoment) {
+    if (nMoment == cnPause) {
+      Start(cszFinger, KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
+      ASSERT_TRUE(WaitFor([] { return State().nPlanes == 1; })) << "the light of the pause";
+    } else {
+      StartHeld(cszFinger, KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
+      ASSERT_EQ(VTSimPassSequences(nullptr, nMoment), 0);
+      ASSERT_EQ(VTSimWaitForSequences(nullptr, nMoment, 30000), 0) << VTSimLastError();
     }
-    VTSimPlug(nullptr);
-    EXPECT_EQ(State().nLockedSequences, 0u);
-    Start("slap-right");
-    EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
   }
 };
 
-TEST_P(AtEachMoment, AModeSwitchEndsTheCaptureAndTheNextModeRuns) {
-  GoToMoment();
-  std::thread oRelease([] {
+TEST_F(AtEachMoment, AModeSwitchEndsTheCaptureAndTheNextModeRuns) {
+  ForEachMoment([&](unsigned int) {
     // The switch is under way: workers that wait for a sequence must get one.
-    VTSimHoldSequences(nullptr, 0);
+    std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
+    EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+    oRelease.join();
+    EXPECT_EQ(State().nSensorMode, 35);
+    EXPECT_EQ(Preview().nError, 0);
+    EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
   });
-  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
-  oRelease.join();
-  EXPECT_EQ(State().nSensorMode, 35);
-  EXPECT_EQ(Preview().nError, 0);
-  ExpectFreshStart();
 }
 
-TEST_P(AtEachMoment, ACloseHangsNowhere) {
-  GoToMoment();
-  std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
-  EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
-  oRelease.join();
-  EXPECT_EQ(State().bOpen, 0);
-  ExpectFreshStart();
+TEST_F(AtEachMoment, ACloseHangsNowhere) {
+  ForEachMoment([&](unsigned int) {
+    std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
+    EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
+    oRelease.join();
+  });
 }
 
-TEST_P(AtEachMoment, AnUnpluggedScannerEndsTheWorkersAndIsReportedByTheImageCalls) {
-  GoToMoment();
-  ASSERT_EQ(VTSimUnplug(nullptr), 0);
-  ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
-  const StDelivered oImage = Image();
-  // A capture that was complete can still be fetched.
-  if (GetParam() != cnPause) {
-    EXPECT_EQ(oImage.nError, KLV_ERROR_DISCONNECTED);
-  }
-  LS_VT40CloseScanner(&m_h);
-  ExpectFreshStart();
+TEST_F(AtEachMoment, AnUnpluggedScannerEndsTheWorkersAndIsReportedByTheImageCalls) {
+  ForEachMoment([&](unsigned int nMoment) {
+    ASSERT_EQ(VTSimUnplug(nullptr), 0);
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    const StDelivered oImage = Image();
+    // A capture that was complete can still be fetched.
+    if (nMoment != cnPause) {
+      EXPECT_EQ(oImage.nError, KLV_ERROR_DISCONNECTED);
+    }
+  });
 }
-
-INSTANTIATE_TEST_SUITE_P(FrameByFrame, AtEachMoment, testing::Values(0, 2, 4, 6, 7, AtEachMoment::cnPause));
 
 }  // namespace

@@ -1,9 +1,7 @@
 // A scanner in automatic mode, for tests that follow its decisions through the simulator's record.
 #pragma once
 
-#include <chrono>
 #include <string>
-#include <thread>
 
 #include "ApiFixture.h"
 #include "Seeds.h"
@@ -24,6 +22,14 @@ class AutoScanner : public Api {
     }
     LoadScene(sScene);
     ASSERT_EQ(Open(), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
+  }
+
+  /// The same with sequences that are let through one by one.
+  void StartHeld(const std::string& sScene, int nMode = KLV_VT40_CAPTURE_MODE_AUTO) {
+    LoadScene(sScene);
+    ASSERT_EQ(Open(), 0);
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
   }
 
@@ -60,16 +66,5 @@ class AutoScanner : public Api {
     EXPECT_EQ(LS_VT40GetScannerCondition(m_h, &nCondition, &nReserved), 0);
     EXPECT_EQ(nReserved, 0u);
     return nCondition;
-  }
-
-  /// Waits for an event of the simulated scanner.
-  template <typename TEvent>
-  static bool WaitFor(TEvent&& oEvent, double dSeconds = 30.0) {
-    const auto tEnd = std::chrono::steady_clock::now() + std::chrono::duration<double>(dSeconds);
-    while (!oEvent()) {
-      if (std::chrono::steady_clock::now() > tEnd) return false;
-      std::this_thread::yield();
-    }
-    return true;
   }
 };

@@ -58,14 +58,6 @@ TEST_F(Roll, ABadOneGetsItsVerdictWithThePicture) {
   }
 }
 
-/// A roll of a dozen frames for what needs no good print, again and again.
-std::string QuickRoll(const char* szRepeat = "0.9") {
-  return R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{
-    "print": {"seed": 7, "width": 28}, "touch": 0.1, "touchSeconds": 0.05, "lift": 0.75, "liftSeconds": 0.05,
-    "roll": {"width": 13, "path": [{"at": 0.1, "strip": -7}, {"at": 0.6, "strip": 7}]}, "repeat": )" +
-         std::string(szRepeat) + "}]}]}";
-}
-
 TEST_F(Roll, EndsOnceForTheCallerWithOneBeepAndTheNextFollows) {
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
   Start(QuickRoll());
@@ -95,11 +87,6 @@ TEST_F(Roll, WaitsWithItsEndForACallerWhoLooksLate) {
   Start(QuickRoll("1000"));
   StepUntil(true);
   // Sequences go through while nobody fetches, until the end has sounded, and beyond.
-  unsigned long long nSequences = State().nSequences;
-  const auto Pass = [&] {
-    ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
-    ASSERT_EQ(VTSimWaitForSequences(nullptr, ++nSequences, 30000), 0) << VTSimLastError();
-  };
   for (int n = 0; n < 1000 && State().nBeeps == 0; ++n) Pass();
   for (int n = 0; n < 5; ++n) Pass();
   EXPECT_EQ(StepRoll(m_h).bDone, 1);

@@ -1,0 +1,58 @@
+// The simulated scanner's side: what it has been told, and sequences that it lets through one by one.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "KelvarinVTScanAPI/VTSim.h"
+
+inline void LoadScene(const std::string& sScene) {
+  ASSERT_EQ(VTSimLoadScene(sScene.c_str()), 0) << VTSimLastError();
+}
+
+inline VTSimState State(const char* szSerial = nullptr) {
+  VTSimState oState = {};
+  oState.nStructSize = sizeof(oState);
+  EXPECT_EQ(VTSimGetState(szSerial, &oState), 0) << VTSimLastError();
+  return oState;
+}
+
+/// Waits for an event of the simulated scanner or of its library.
+template <typename TEvent>
+bool WaitFor(TEvent&& oEvent, double dSeconds = 30.0) {
+  const auto tEnd = std::chrono::steady_clock::now() + std::chrono::duration<double>(dSeconds);
+  while (!oEvent()) {
+    if (std::chrono::steady_clock::now() > tEnd) return false;
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+/// Lets a held sequence through, until the library has taken it and waits for the next.
+inline void Pass() {
+  const unsigned long long nSequences = State().nSequences;
+  ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
+  ASSERT_EQ(VTSimWaitForSequences(nullptr, nSequences + 1, 30000), 0) << VTSimLastError();
+  ASSERT_TRUE(WaitFor([] { return State().bWaiting != 0; }));
+}
+
+/// Lets previews through until the library waits for the shot of an automatic capture.
+inline void PassUntilShot() {
+  for (int n = 0; n < 30 && State().nSensorMode != 34; ++n) ASSERT_NO_FATAL_FAILURE(Pass());
+  ASSERT_EQ(State().nSensorMode, 34);
+}
+
+/// One finger that lies still, for what needs no hand, for a minute.
+constexpr char cszFinger[] =
+    R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{"print": {"seed": 3}, "lift": 60}]}]})";
+
+/// A roll of a dozen frames for what needs no good print, again and again.
+inline std::string QuickRoll(const char* szRepeat = "0.9") {
+  return R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{
+    "print": {"seed": 7, "width": 28}, "touch": 0.1, "touchSeconds": 0.05, "lift": 0.75, "liftSeconds": 0.05,
+    "roll": {"width": 13, "path": [{"at": 0.1, "strip": -7}, {"at": 0.6, "strip": 7}]}, "repeat": )" +
+         std::string(szRepeat) + "}]}]}";
+}

@@ -1,0 +1,141 @@
+// What the exported functions do not tell of a capture: each state of the engine, and when it is told.
+#include <atomic>
+#include <cstring>
+#include <functional>
+#include <set>
+
+#include "../KelvarinLiveScannerVT40/SimulatedScanner.h"
+#include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
+#include "MXLiveScannerAPI/VT40LiveCapture.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXVTScanAPI/MXVTScanAPIWrapper.h"
+#include "Seeds.h"
+
+namespace {
+
+using Engine = ClVT40LiveCapture;
+
+/// A scanner whose buzzer is the test's.
+class ClHeardScanner : public ClMXVTScanAPIWrapper {
+ public:
+  ClHeardScanner() : ClMXVTScanAPIWrapper(nullptr, nullptr) {}
+  void Beep(unsigned int, unsigned int) override { fnBeep(); }
+
+  std::function<void()> fnBeep = [] {};
+};
+
+/// An engine over the simulated scanner.
+class LiveCapture : public testing::Test {
+ protected:
+  void SetUp() override {
+    LoadScene("empty");
+    m_oLibrary.OpenLibrary(".", ClKelvarinVTScanAPIWrapper::m_ssLibName);
+    ASSERT_EQ(m_oLibrary.VTScanAPIInitialize(nullptr), 0);
+    unsigned int nDevice = 0, nCount = 1;
+    ASSERT_EQ(m_oLibrary.VTScanAPIQueryDevices(&nDevice, &nCount, ClMXVTScanAPI::eProductVT40), 0);
+    ASSERT_EQ(m_oLibrary.VTScanAPICreateHandle(nDevice, &m_hDevice), 0);
+    m_oScanner.SetDllWrapper(&m_oLibrary, m_hDevice);
+    const std::vector<char> aGeometry = File("GEOCAL"), aBrightness = File("BRGHTCAL"),
+                            aGain = File("GAINSET");
+    const auto Size = [](const std::vector<char>& a) { return static_cast<unsigned int>(a.size()); };
+    m_oSetup.Setup(aGeometry.data(), Size(aGeometry), aBrightness.data(), Size(aBrightness), aGain.data(),
+                   Size(aGain));
+    m_pEngine = std::make_unique<Engine>();
+    m_pEngine->SetScanner(&m_oScanner);
+    m_pEngine->SetupCalibrationData(&m_oSetup);
+  }
+
+  void TearDown() override {
+    VTSimHoldSequences(nullptr, 0);
+    m_pEngine.reset();
+    if (m_hDevice != nullptr) m_oLibrary.VTScanAPIDestroyHandle(&m_hDevice);
+    m_oLibrary.VTScanAPIUninitialize();
+    VTSimReset();
+  }
+
+  /// Puts the engine before a scene whose sequences are let through one by one.
+  void Start(const std::string& sScene, Engine::ECaptureMode eMode) {
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    m_pEngine->SetCaptureMode(Engine::eCaptureModeOff);
+    LoadScene(sScene);
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+    m_pEngine->SetCaptureMode(eMode);
+  }
+
+  ClHeardScanner m_oScanner;
+  std::unique_ptr<Engine> m_pEngine;
+  ClImage m_oImage;
+  Engine::ECaptureState m_eState = Engine::eCaptureStateNone;
+  double m_dScore = 0.0;
+
+ private:
+  std::vector<char> File(const char* szName) {
+    unsigned int nSize = 8192;
+    std::vector<char> aData(nSize);
+    EXPECT_EQ(m_oLibrary.VTScanAPIReadEPROMFile(m_hDevice, szName, aData.data(), &nSize), 0);
+    aData.resize(nSize);
+    return aData;
+  }
+
+  ClKelvarinVTScanAPIWrapper m_oLibrary;
+  void* m_hDevice = nullptr;
+  ClVT40SetupCalibrationData m_oSetup{"VT40-AB0001", false};
+};
+
+TEST_F(LiveCapture, ASwipeToEitherSideIsToldApartAndARestingHandIsNone) {
+  const std::pair<const char*, Engine::ECaptureState> aScenes[] = {
+      {"swipe-left", Engine::eCaptureStateSwipeBack},
+      {"swipe-right", Engine::eCaptureStateSwipeForward},
+      {"resting-hand", Engine::eCaptureStateNoFinger}};
+  int nWrong = 0;
+  for (int nSeed = 1; nSeed <= Seeds(); ++nSeed) {
+    for (const auto& [szScene, eWanted] : aScenes) {
+      ASSERT_NO_FATAL_FAILURE(Start(Seeded(szScene, nSeed), Engine::eCaptureModeSignature));
+      ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
+      // Every third frame.
+      std::set<Engine::ECaptureState> aStates;
+      while (State().dTime < 1.6) {
+        ASSERT_EQ(VTSimPassSequences(nullptr, 3), 0);
+        m_pEngine->GetPreviewImage(m_oImage, m_eState, m_dScore);
+        aStates.insert(m_pEngine->GetDetectState());
+      }
+      aStates.insert(Engine::eCaptureStateNoFinger);
+      nWrong += aStates != std::set<Engine::ECaptureState>{Engine::eCaptureStateNoFinger, eWanted};
+    }
+  }
+  EXPECT_LE(nWrong * 100, 2 * Seeds());
+}
+
+TEST_F(LiveCapture, TheTwoFramesBehindAnAutomaticShotAreNotJudged) {
+  ASSERT_NO_FATAL_FAILURE(Start(cszFinger, Engine::eCaptureModeAuto));
+  ASSERT_NO_FATAL_FAILURE(PassUntilShot());
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  EXPECT_TRUE(WaitFor([&] { return m_pEngine->GetDetectState() == Engine::eCaptureStateDone; }));
+  ASSERT_EQ(VTSimAdvance(nullptr, 70.0), 0);
+  for (int n = 0; n < 2; ++n) ASSERT_NO_FATAL_FAILURE(Pass());
+  EXPECT_EQ(m_pEngine->GetDetectState(), Engine::eCaptureStateDone) << "though the platen is empty";
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  EXPECT_TRUE(WaitFor([&] { return m_pEngine->GetDetectState() == Engine::eCaptureStateNoFinger; }));
+}
+
+TEST_F(LiveCapture, TheEndOfARollIsToldWithItsFinishedPicture) {
+  *m_pEngine->AutoCaptureBeep() = 1;
+  *m_pEngine->RolledPostProcess() = 1;
+  ASSERT_NO_FATAL_FAILURE(Start(QuickRoll("1000"), Engine::eCaptureModeRoll));
+  std::atomic<int> nBeeps{0};
+  ClImage oFinished;
+  // The beep is the first that anybody hears of the end.
+  m_oScanner.fnBeep = [&] {
+    m_pEngine->GetRollImage(oFinished, m_eState, m_dScore);
+    ++nBeeps;
+  };
+  for (int n = 0; n < 30 && nBeeps == 0; ++n) ASSERT_NO_FATAL_FAILURE(Pass());
+  ASSERT_TRUE(WaitFor([&] { return nBeeps == 1; }));
+  EXPECT_EQ(m_eState, Engine::eCaptureStateDone);
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  m_pEngine->GetRollImage(m_oImage, m_eState, m_dScore);
+  ASSERT_EQ(oFinished.DataBytes(), m_oImage.DataBytes());
+  EXPECT_EQ(std::memcmp(oFinished.Data(), m_oImage.Data(), m_oImage.DataBytes()), 0);
+}
+
+}  // namespace
