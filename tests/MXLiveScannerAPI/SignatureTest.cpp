@@ -45,6 +45,8 @@ TEST(PenDetector, TellsATipFromWhatIsNoPen) {
   EXPECT_EQ(Appears(480, 340, 5, 5, 7), Detector::eNothing) << "too weak";
   EXPECT_EQ(Appears(480, 340, 40, 4, 22), Detector::eNothing) << "too long";
   EXPECT_EQ(Appears(480, 340, 60, 60, 22), Detector::eLargeObject);
+  EXPECT_EQ(Appears(480, 340, 28, 28, 22), Detector::eLargeObject) << "as small as they come";
+  EXPECT_EQ(Appears(480, 340, 26, 26, 22), Detector::eNothing);
   EXPECT_EQ(Appears(30, 340, 5, 5, 22), Detector::eNothing) << "beside the pad";
   EXPECT_EQ(Appears(480, 620, 5, 5, 22), Detector::eNothing) << "below it";
   EXPECT_EQ(Appears(480, 620, 5, 5, 22, true), Detector::ePen) << "half a pad is searched down to its end";
