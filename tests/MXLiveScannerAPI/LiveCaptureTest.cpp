@@ -8,20 +8,29 @@
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/Bitmap.h"
+#include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
+#include "Raised.h"
 #include "Seeds.h"
 
 namespace {
 
 using Engine = ClVT40LiveCapture;
 
-/// A scanner whose buzzer is the test's.
-class ClHeardScanner : public ClMXVTScanAPIWrapper {
+/// A scanner whose buzzer is the test's, and which paints a single exposure with ten times its illumination.
+class ClTestScanner : public ClMXVTScanAPIWrapper {
  public:
-  ClHeardScanner() : ClMXVTScanAPIWrapper(nullptr, nullptr) {}
+  ClTestScanner() : ClMXVTScanAPIWrapper(nullptr, nullptr) {}
   void Beep(unsigned int, unsigned int) override { fnBeep(); }
+  bool GetImage(const tagBITMAPINFOHEADER* pHeader, unsigned char nIllumination, char) override {
+    unsigned char* pBytes = reinterpret_cast<unsigned char*>(const_cast<tagBITMAPINFOHEADER*>(pHeader));
+    std::memset(pBytes + 40 + 1024, nIllumination * 10, pHeader->biSizeImage);
+    return nIllumination != nFailing;
+  }
 
   std::function<void()> fnBeep = [] {};
+  int nFailing = -1;
 };
 
 /// An engine over the simulated scanner.
@@ -62,7 +71,7 @@ class LiveCapture : public testing::Test {
     m_pEngine->SetCaptureMode(eMode);
   }
 
-  ClHeardScanner m_oScanner;
+  ClTestScanner m_oScanner;
   std::unique_ptr<Engine> m_pEngine;
   ClImage m_oImage;
   Engine::ECaptureState m_eState = Engine::eCaptureStateNone;
@@ -136,6 +145,56 @@ TEST_F(LiveCapture, TheEndOfARollIsToldWithItsFinishedPicture) {
   m_pEngine->GetRollImage(m_oImage, m_eState, m_dScore);
   ASSERT_EQ(oFinished.DataBytes(), m_oImage.DataBytes());
   EXPECT_EQ(std::memcmp(oFinished.Data(), m_oImage.Data(), m_oImage.DataBytes()), 0);
+}
+
+TEST_F(LiveCapture, VersionsStandBehindTheirTags) {
+  char szBuffer[8] = "kept";
+  unsigned int nLength = 0;
+  const auto Version = [&](const char* szTold, unsigned int nId, char* szRoom, unsigned int nRoom) {
+    EXPECT_EQ(VTSimSetDeviceVersion(nullptr, szTold), 0);
+    nLength = nRoom;
+    return NumberOf([&] { m_pEngine->GetVersionInfo(nId, szRoom, &nLength); });
+  };
+  constexpr char cszTold[] = "FW:1.2 FPGA:3 HW:A LIB:7";
+  EXPECT_EQ(Version(cszTold, 1, szBuffer, 3), -702);
+  EXPECT_EQ(nLength, 4u);
+  EXPECT_STREQ(szBuffer, "kept");
+  EXPECT_EQ(Version(cszTold, 1, nullptr, 100), -702);
+  EXPECT_EQ(nLength, 4u);
+  EXPECT_EQ(Version(cszTold, 1, szBuffer, 4), 0) << "exactly the room that is needed";
+  EXPECT_EQ(Version(cszTold, 2, szBuffer, sizeof(szBuffer)), 0);
+  EXPECT_STREQ(szBuffer, "3");
+  EXPECT_EQ(nLength, 2u);
+  EXPECT_EQ(Version(cszTold, 4, szBuffer, sizeof(szBuffer)), 0);
+  EXPECT_STREQ(szBuffer, "7") << "at the end of the text";
+  EXPECT_EQ(Version(cszTold, 5, szBuffer, sizeof(szBuffer)), -44);
+  for (const char* szText : {"FW:1.2 HW:A", "F", "", "HW:A FPGA:", "HW:A FPGA:  "})
+    EXPECT_EQ(Version(szText, 2, szBuffer, sizeof(szBuffer)), -103) << szText;
+}
+
+TEST_F(LiveCapture, TwoExposuresGiveTheSecondLessTheFirst) {
+  ClBitmap oFirst, oSecond;
+  oFirst.Create(8, 4, 8, 0);
+  oSecond.Create(8, 4, 8, 0);
+  m_pEngine->CaptureCurrent(oFirst, oSecond, m_oImage, 20, 5);
+  EXPECT_EQ(m_oImage.Row<unsigned char>(3)[7], 150);
+  m_pEngine->CaptureCurrent(oFirst, oSecond, m_oImage, 5, 20);
+  EXPECT_EQ(m_oImage.Row<unsigned char>(3)[7], 0) << "never below black";
+  for (const int nFailing : {5, 20}) {
+    m_oScanner.nFailing = nFailing;
+    EXPECT_EQ(NumberOf([&] { m_pEngine->CaptureCurrent(oFirst, oSecond, m_oImage, 20, 5); }), -60)
+        << nFailing;
+  }
+}
+
+TEST_F(LiveCapture, ADoneThatWasDeliveredIsTakenAndAnotherStateStays) {
+  EXPECT_EQ(m_pEngine->GetDetectState(), Engine::eCaptureStateNone) << "nothing was captured yet";
+  m_pEngine->SetDetectState(Engine::eCaptureStateDone);
+  m_pEngine->TakeDone();
+  EXPECT_EQ(m_pEngine->GetDetectState(), Engine::eCaptureStateNoFinger);
+  m_pEngine->SetDetectState(Engine::eCaptureStateFinger);
+  m_pEngine->TakeDone();
+  EXPECT_EQ(m_pEngine->GetDetectState(), Engine::eCaptureStateFinger) << "the next roll has begun";
 }
 
 }  // namespace
