@@ -127,23 +127,6 @@ TEST_F(OpenScanner, SurvivesTheLibraryAndIsClosedAfterItsReturn) {
   EXPECT_EQ(Open(), 0);
 }
 
-TEST_F(Api, InitialisationsFromManyThreadsCountUpAndDown) {
-  std::vector<std::thread> aThreads;
-  for (int n = 0; n < 8; ++n) {
-    aThreads.emplace_back([] {
-      for (int nRound = 0; nRound < 50; ++nRound) {
-        EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
-        unsigned int nCount = 0;
-        EXPECT_EQ(LS_VT40QueryScanners(nullptr, &nCount), KLV_ERROR_SIZE_TOO_SMALL);
-        EXPECT_EQ(LS_VT40Uninitialize(), 0);
-      }
-    });
-  }
-  for (std::thread& oThread : aThreads) oThread.join();
-  EXPECT_EQ(LS_VT40Uninitialize(), 0);
-  EXPECT_EQ(LS_VT40Uninitialize(), KLV_ERROR_NOT_INITIALIZED);
-}
-
 TEST_F(Api, CallsKeepTheScanLibraryThatAnotherThreadGivesUpMeanwhile) {
   constexpr unsigned int cnScanners = 100;
   std::string sScanners;
@@ -167,12 +150,20 @@ TEST_F(Api, CallsKeepTheScanLibraryThatAnotherThreadGivesUpMeanwhile) {
       }
     });
   }
-  for (int n = 0; n < 2000 || nListed < 200; ++n) {
-    EXPECT_EQ(LS_VT40Uninitialize(), 0);
-    EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
-  }
+  // Two threads count up and down, so that each of them meets the other's initialisation.
+  const auto Toggle = [&] {
+    for (int n = 0; n < 1000 || nListed < 200; ++n) {
+      EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
+      EXPECT_EQ(LS_VT40Uninitialize(), 0);
+    }
+  };
+  ASSERT_EQ(LS_VT40Uninitialize(), 0);
+  std::thread oOther(Toggle);
+  Toggle();
+  oOther.join();
   bEnded = true;
   for (std::thread& oThread : aThreads) oThread.join();
+  EXPECT_EQ(LS_VT40Uninitialize(), KLV_ERROR_NOT_INITIALIZED);
 }
 
 }  // namespace
