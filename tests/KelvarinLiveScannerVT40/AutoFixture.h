@@ -33,15 +33,7 @@ class AutoScanner : public Api {
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
   }
 
-  /// The sequences that the scanner has handed out since the scene was loaded.
-  static std::vector<VTSimFrame> Frames() {
-    std::vector<VTSimFrame> aFrames(4096);
-    unsigned int nCount = 4096;
-    EXPECT_EQ(VTSimGetFrames(nullptr, 0, aFrames.data(), &nCount), 0) << VTSimLastError();
-    aFrames.resize(nCount);
-    return aFrames;
-  }
-  /// Those in the full-resolution mode.
+  /// The sequences in the full-resolution mode.
   static std::vector<VTSimFrame> Shots() {
     std::vector<VTSimFrame> aShots;
     for (const VTSimFrame& oFrame : Frames()) {

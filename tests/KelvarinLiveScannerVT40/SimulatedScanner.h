@@ -6,6 +6,7 @@
 #include <chrono>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "KelvarinVTScanAPI/VTSim.h"
 
@@ -18,6 +19,15 @@ inline VTSimState State(const char* szSerial = nullptr) {
   oState.nStructSize = sizeof(oState);
   EXPECT_EQ(VTSimGetState(szSerial, &oState), 0) << VTSimLastError();
   return oState;
+}
+
+/// The sequences that the scanner has handed out since the scene was loaded.
+inline std::vector<VTSimFrame> Frames() {
+  std::vector<VTSimFrame> aFrames(4096);
+  unsigned int nCount = 4096;
+  EXPECT_EQ(VTSimGetFrames(nullptr, 0, aFrames.data(), &nCount), 0) << VTSimLastError();
+  aFrames.resize(nCount);
+  return aFrames;
 }
 
 /// Waits for an event of the simulated scanner or of its library.

@@ -1,66 +1,15 @@
-// A roll as an application sees it, and what really rolled over the platen.
+// What really rolled over the platen, and how a picture of it differs.
 #pragma once
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
-#include "KelvarinLiveScannerVT40.h"
-#include "KelvarinVTScanAPI/VTSim.h"
 #include "Pearson.h"
+#include "SimulatedScanner.h"
 
 constexpr int cnRollSide = 800;
 /// Where the picture of a roll lies in that of the platen.
 constexpr int cnRollLeft = 400;
-
-/// What GetRollImage has delivered.
-struct StRollImage {
-  long nError = 1;
-  double dScore = -1.0;
-  unsigned char bDone = 0;
-  long nResult = 1;
-  std::vector<unsigned char> aPixels;
-};
-
-inline StRollImage GetRollImage(void* h) {
-  StRollImage o;
-  o.aPixels.resize(cnRollSide * cnRollSide);
-  o.nError = LS_VT40GetRollImage(h, o.aPixels.data(), &o.dScore, &o.bDone, &o.nResult);
-  return o;
-}
-
-/// Puts an open scanner before a scene, in roll mode and with its sequences held. 0, or what failed.
-inline long StartRoll(void* h, const std::string& sScene) {
-  // A worker that waits for a held sequence would keep the switch waiting.
-  long nError = VTSimHoldSequences(nullptr, 0);
-  if (nError == 0) nError = LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_OFF);
-  if (nError == 0) nError = VTSimLoadScene(sScene.c_str());
-  if (nError == 0) nError = VTSimHoldSequences(nullptr, 1);
-  return nError != 0 ? nError : LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_ROLL);
-}
-
-/// Lets one sequence through to the library and fetches what it makes of it: no frame is lost, at any speed of the
-/// machine. Sequences must be held.
-inline StRollImage StepRoll(void* h) {
-  VTSimPassSequences(nullptr, 1);
-  return GetRollImage(h);
-}
-
-/// Goes frame by frame until a roll is done, an image fails or nFrames are over.
-inline StRollImage RunRoll(void* h, int nFrames = 200) {
-  StRollImage o = StepRoll(h);
-  for (int n = 1; n < nFrames && o.nError == 0 && o.bDone == 0; ++n) o = StepRoll(h);
-  return o;
-}
-
-/// The records of the sequences from the given one on.
-inline std::vector<VTSimFrame> FramesFrom(unsigned long long nFirst) {
-  std::vector<VTSimFrame> aFrames(4096);
-  unsigned int nCount = 4096;
-  if (VTSimGetFrames(nullptr, nFirst, aFrames.data(), &nCount) != 0) nCount = 0;
-  aFrames.resize(nCount);
-  return aFrames;
-}
 
 /// A finished roll beside the truth.
 struct StRollQuality {
@@ -98,8 +47,8 @@ inline double RollCorrelation(const std::vector<unsigned char>& aTruth,
 }
 
 /// Compares a picture that was not turned with what rolled between the frames of the records.
-inline StRollQuality MeasureRoll(const std::vector<unsigned char>& aPicture,
-                                 const std::vector<VTSimFrame>& aFrames) {
+inline StRollQuality MeasureRoll(const std::vector<unsigned char>& aPicture) {
+  const std::vector<VTSimFrame> aFrames = Frames();
   StRollQuality oQuality;
   std::vector<unsigned char> aTruth(VTSIM_PICTURE_SIDE * VTSIM_PICTURE_SIDE), aMask(aTruth.size());
   unsigned int nSize = static_cast<unsigned int>(aTruth.size());
@@ -108,8 +57,8 @@ inline StRollQuality MeasureRoll(const std::vector<unsigned char>& aPicture,
   };
   int nFlat = 0;
   for (size_t n = 0; n < aFrames.size(); ++n) {
-    // Each fourth frame is enough for the widest.
-    if (aFrames[n].nFingers == 0 || n % 4 != 0) continue;
+    // Each second frame is enough for the widest.
+    if (aFrames[n].nFingers == 0 || n % 2 != 0) continue;
     VTSimGetGroundTruthAt(nullptr, aFrames[n].dTime, aTruth.data(), aMask.data(), &nSize);
     nFlat = std::max(nFlat, WidthOf(IsSkin));
   }
