@@ -29,6 +29,7 @@ class Api : public testing::Test {
   }
 
   void TearDown() override {
+    VTSimHoldSequences(nullptr, 0);
     if (m_h != nullptr) LS_VT40CloseScanner(&m_h);
     while (LS_VT40Uninitialize() == 0) {
     }
@@ -36,6 +37,33 @@ class Api : public testing::Test {
   }
 
   long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
+
+  /// Puts the scanner before a scene whose sequences are let through one by one: no frame is lost, at any speed of the
+  /// machine.
+  void StartHeld(const std::string& sScene, int nMode) {
+    if (m_h != nullptr) {
+      // Frames are on their way while the scanner turns away.
+      ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+      ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), 0);
+    }
+    LoadScene(sScene);
+    if (m_h == nullptr) {
+      ASSERT_EQ(Open(), 0);
+    }
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
+  }
+  /// Frames are on their way while the scanner turns to another mode or closes; then it must work again.
+  void LeaveFor(bool bClose) {
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    if (bClose) {
+      ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
+      ASSERT_EQ(Open(), 0);
+    } else {
+      ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+      EXPECT_EQ(Preview().nError, 0);
+    }
+  }
 
   StDelivered Image(size_t nPixels = 1600 * 1600) { return Fetch(LS_VT40GetImage, m_h, nPixels); }
   StDelivered Preview(size_t nPixels = 800 * 800) { return Fetch(LS_VT40GetPreviewImage, m_h, nPixels); }

@@ -40,7 +40,7 @@ TEST_F(AutoScanner, DirtRaisesTheConditionWithItsAreaAndACleanPlatenHasNone) {
 }
 
 TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
-  StartHeld(cszFinger);
+  StartHeld(cszFinger, KLV_VT40_CAPTURE_MODE_AUTO);
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
   ASSERT_NO_FATAL_FAILURE(PassUntilShot());
   ASSERT_NO_FATAL_FAILURE(Pass());
@@ -85,7 +85,8 @@ TEST_F(AutoScanner, AShotInWhichOneOfSevenFingersIsMissingIsNotGood) {
                 std::to_string(12 + 19 * (n % 4)) + R"(, "y": )" + std::to_string(18 + 30 * (n / 4)) +
                 (n == 5 ? R"(, "lift": 60})" : "}");
   }
-  StartHeld(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [)" + sFingers + "]}]}");
+  StartHeld(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [)" + sFingers + "]}]}",
+            KLV_VT40_CAPTURE_MODE_AUTO);
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
   ASSERT_NO_FATAL_FAILURE(PassUntilShot());
   ASSERT_EQ(VTSimAdvance(nullptr, 70.0), 0);

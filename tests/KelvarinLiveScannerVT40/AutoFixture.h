@@ -25,14 +25,6 @@ class AutoScanner : public Api {
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
   }
 
-  /// The same with sequences that are let through one by one.
-  void StartHeld(const std::string& sScene, int nMode = KLV_VT40_CAPTURE_MODE_AUTO) {
-    LoadScene(sScene);
-    ASSERT_EQ(Open(), 0);
-    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
-    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
-  }
-
   /// The sequences in the full-resolution mode.
   static std::vector<VTSimFrame> Shots() {
     std::vector<VTSimFrame> aShots;

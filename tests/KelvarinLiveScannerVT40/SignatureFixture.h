@@ -1,7 +1,6 @@
 // A signature pad that goes frame by frame, by a clock of the test's own, and the true way of the pen.
 #pragma once
 
-#include <algorithm>
 #include <atomic>
 #include <cmath>
 
@@ -16,27 +15,15 @@ class Signature : public OpenScanner {
  protected:
   static constexpr int cnFramesPerPreview = 3;
 
-  void TearDown() override {
-    VTSimHoldSequences(nullptr, 0);
-    OpenScanner::TearDown();
-  }
-
-  /// Puts the pad before a scene. Its sequences are held, so that no frame is lost at any speed of the machine.
+  /// Puts the pad before a scene.
   void Start(const std::string& sScene, bool bHalf = false) {
-    Leave(KLV_VT40_CAPTURE_MODE_OFF);
-    LoadScene(sScene);
+    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), 0);
     m_bHalf = bHalf;
     ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", bHalf), 0);
-    ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
-    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE), 0);
+    StartHeld(sScene, KLV_VT40_CAPTURE_MODE_SIGNATURE);
     // Only from the second frame on there is something to compare.
     ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
-  }
-
-  /// Frames are on their way while the scanner turns away.
-  void Leave(int nMode) {
-    ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
-    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
   }
 
   /// Lets the frames of one preview through and fetches it.
@@ -63,7 +50,3 @@ class Signature : public OpenScanner {
   StDelivered m_oPreview;
   bool m_bHalf = false;
 };
-
-inline int Ink(const StDelivered& o) {
-  return static_cast<int>(std::count_if(o.aPixels.begin(), o.aPixels.end(), [](int n) { return n < 128; }));
-}
