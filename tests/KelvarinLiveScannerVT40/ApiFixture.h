@@ -68,6 +68,13 @@ class Api : public testing::Test {
   StDelivered Image(size_t nPixels = 1600 * 1600) { return Fetch(LS_VT40GetImage, m_h, nPixels); }
   StDelivered Preview(size_t nPixels = 800 * 800) { return Fetch(LS_VT40GetPreviewImage, m_h, nPixels); }
 
+  /// The capture mode, or the number with which it is refused.
+  long Mode() {
+    int nMode = 0;
+    const long nError = LS_VT40GetCaptureMode(m_h, &nMode);
+    return nError != 0 ? nError : nMode;
+  }
+
   static unsigned long long Calls(const char* szFunction) {
     unsigned long long nCount = 0;
     EXPECT_EQ(VTSimGetCallCount(szFunction, &nCount), 0) << VTSimLastError();

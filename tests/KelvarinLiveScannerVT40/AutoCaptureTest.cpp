@@ -152,15 +152,13 @@ TEST_F(AutoScanner, LivenessTellsSkinFromImitations) {
 }
 
 TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
-  const auto Expect = [&](const char* szFunction) {
+  for (const char* szFunction : {"FD_VT40Initialize", "FD_VT40CreateFakeDetectionVT40Handle"}) {
     SCOPED_TRACE(szFunction);
     ASSERT_EQ(FDSimFailCall(szFunction, 1, 1, -777), 0);
     LoadScene(cszFinger);
     ASSERT_EQ(Open(), 0);
     EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), KLV_ERROR_UNSUPPORTED);
-    int nMode = 0;
-    EXPECT_EQ(LS_VT40GetCaptureMode(m_h, &nMode), 0);
-    EXPECT_EQ(nMode, KLV_VT40_CAPTURE_MODE_OFF);
+    EXPECT_EQ(Mode(), KLV_VT40_CAPTURE_MODE_OFF);
     EXPECT_EQ(State().bCaptureEnabled, 0);
     EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
     EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
@@ -170,9 +168,7 @@ TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
     ASSERT_EQ(FDSimGetState(&oState), 0);
     EXPECT_EQ(oState.nInitialized, 0u);
     EXPECT_EQ(oState.nContexts, 0u);
-  };
-  Expect("FD_VT40Initialize");
-  Expect("FD_VT40CreateFakeDetectionVT40Handle");
+  }
 }
 
 TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
