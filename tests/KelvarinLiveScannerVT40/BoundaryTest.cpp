@@ -1,7 +1,5 @@
 // Every exported function against wrong handles and NULL pointers, from the table of exported functions.
-#include <array>
 #include <cstring>
-#include <map>
 #include <tuple>
 #include <type_traits>
 
@@ -13,15 +11,10 @@ namespace {
 class ClArguments {
  public:
   ClArguments(void* h, bool bHandle, const char* szFunction) : m_h(h), m_bHandle(bHandle) {
-    m_aImage.resize(1600 * 1600);
-    m_aNumbers.fill(sizeof(m_szText));
-    const std::map<std::string, std::pair<const char*, const char*>> aTexts = {
-        {"LS_VT40CompatibilityCheck", {"2.0", ""}},
-        {"LS_VT40OpenScanner", {"VT40-AB0001", ""}},
-        {"LS_VT40GetPropertyDoubleA", {"dSignatureDetectTime", ""}},
-        {"LS_VT40SetPropertyDoubleA", {"dSignatureDetectTime", ""}}};
-    const auto pTexts = aTexts.find(szFunction);
-    m_oTexts = pTexts != aTexts.end() ? pTexts->second : std::make_pair("nAutoCaptureBeep", "1");
+    const std::string sFunction = szFunction;
+    if (sFunction == "LS_VT40CompatibilityCheck") m_aszTexts[0] = "2.0";
+    if (sFunction == "LS_VT40OpenScanner") m_aszTexts[0] = "VT40-AB0001";
+    if (sFunction.find("PropertyDouble") != std::string::npos) m_aszTexts[0] = "dSignatureDetectTime";
   }
 
   /// Calls with the pointer argument of number nNull, counted without the handle, as NULL; -1 for none.
@@ -30,7 +23,6 @@ class ClArguments {
     m_nNull = nNull;
     m_nPointer = m_bHandle ? -1 : 0;
     m_nText = 0;
-    m_nNumber = 0;
     // Braces: the arguments are made in their order.
     const std::tuple<TArguments...> aArguments{Make<TArguments>()...};
     return std::apply(pfn, aArguments);
@@ -48,33 +40,26 @@ class ClArguments {
     }
   }
 
-  void* Good(void*) { return m_nPointer == 0 ? m_h : m_aImage.data(); }
-  const char* Good(const char*) { return m_nText++ == 0 ? m_oTexts.first : m_oTexts.second; }
+  const char* Good(const char*) { return m_aszTexts[m_nText++]; }
   const wchar_t* Good(const wchar_t*) { return L""; }
-  wchar_t* Good(wchar_t*) { return m_wszText; }
-  char* Good(char*) { return m_szText; }
-  unsigned char* Good(unsigned char*) { return reinterpret_cast<unsigned char*>(m_szText); }
-  unsigned int* Good(unsigned int*) { return &m_aNumbers[m_nNumber++]; }
-  int* Good(int*) { return &m_nInt; }
-  long* Good(long*) { return &m_nLong; }
-  double* Good(double*) { return &m_dDouble; }
-  void** Good(void**) { return &m_hOther; }
+  void* Good(void*) { return m_nPointer == 0 ? m_h : Good(static_cast<double*>(nullptr)); }
+  /// Room for whatever is written, an image too; as a size it tells 256 bytes.
+  template <typename T>
+  T* Good(T*) {
+    static std::vector<double> s_aaRooms[5];
+    std::vector<double>& rRoom = s_aaRooms[m_nPointer];
+    rRoom.resize(1600 * 1600 / sizeof(double));
+    const unsigned int nSize = 256;
+    std::memcpy(rRoom.data(), &nSize, sizeof(nSize));
+    return reinterpret_cast<T*>(rRoom.data());
+  }
 
   void* m_h;
   bool m_bHandle;
-  std::pair<const char*, const char*> m_oTexts;
-  std::vector<unsigned char> m_aImage;
-  char m_szText[256] = "";
-  wchar_t m_wszText[16] = L"";
-  std::array<unsigned int, 4> m_aNumbers;
-  int m_nInt = 0;
-  long m_nLong = 0;
-  double m_dDouble = 0;
-  void* m_hOther = nullptr;
+  const char* m_aszTexts[2] = {"nAutoCaptureBeep", "1"};
   int m_nNull = -1;
   int m_nPointer = 0;
   int m_nText = 0;
-  unsigned int m_nNumber = 0;
 };
 
 /// The texts of numbers take no pointer.

@@ -20,14 +20,16 @@ TEST_F(OpenScanner, PropertiesAreReadAndSetInEveryForm) {
   EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nRolledPostProcess", -1), KLV_ERROR_OUT_OF_RANGE);
   EXPECT_EQ(LS_VT40SetPropertyA(m_h, "nRolledPostProcess", "12abc"), KLV_ERROR_INVALID_PARAMETER);
   EXPECT_EQ(LS_VT40GetPropertyLongA(m_h, "none", &nValue), KLV_ERROR_UNKNOWN_PARAMETER);
+  EXPECT_EQ(LS_VT40GetPropertyLongA(m_h, "dSignatureFilterSigma", &nValue), KLV_ERROR_INVALID_PARAMETER);
   double dValue = 0.0;
   EXPECT_EQ(LS_VT40GetPropertyDoubleA(m_h, "dSignatureFilterSigma", &dValue), 0);
   EXPECT_EQ(dValue, 2.0);
-  EXPECT_EQ(LS_VT40GetPropertyLongA(m_h, "dSignatureFilterSigma", &nValue), KLV_ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureFilterSigma", 0.4), KLV_ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureFilterSigma", 101.0), KLV_ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureDetectTime", -0.1), KLV_ERROR_INVALID_PARAMETER);
-  EXPECT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "nan"), KLV_ERROR_INVALID_PARAMETER);
+  for (const auto& [szName, szRefused] : {std::pair("dSignatureFilterSigma", "0.4"),
+                                          {"dSignatureFilterSigma", "101"},
+                                          {"dSignatureDetectTime", "-0.1"},
+                                          {"dSignatureDetectTime", "nan"}})
+    EXPECT_EQ(LS_VT40SetPropertyA(m_h, szName, szRefused), KLV_ERROR_INVALID_PARAMETER)
+        << szName << szRefused;
   EXPECT_EQ(LS_VT40SetPropertyA(m_h, "dSignatureDetectTime", "inf"), KLV_ERROR_OUT_OF_RANGE);
   EXPECT_EQ(LS_VT40SetPropertyDoubleA(m_h, "dSignatureDetectTime", 0.0), 0);
   nSize = sizeof(szValue);

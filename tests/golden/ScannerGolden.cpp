@@ -51,8 +51,11 @@ class ClRun {
   ClRun& operator=(const ClRun&) = delete;
 
   void Mode(int nMode) { Check("mode", LS_VT40SetCaptureMode(s_h, nMode)); }
-  /// From now on each image waits for a sequence that is let through for it.
-  void Hold() { Check("hold", VTSimHoldSequences(nullptr, 1)); }
+  /// A mode in which each image waits for a sequence that is let through for it.
+  void HeldMode(int nMode) {
+    Check("hold", VTSimHoldSequences(nullptr, 1));
+    Mode(nMode);
+  }
   void Check(const char* szWhat, long nError) {
     if (nError != 0) std::fprintf(stderr, "%s, %s: %ld %s\n", m_szStage, szWhat, nError, VTSimLastError());
     m_oDigest.Add(nError);
@@ -119,8 +122,7 @@ void Streams() {
   }
   {
     ClRun oRun("preview", "settling-slap");
-    oRun.Hold();
-    oRun.Mode(KLV_VT40_CAPTURE_MODE_PREVIEW);
+    oRun.HeldMode(KLV_VT40_CAPTURE_MODE_PREVIEW);
     oRun.StepFrames(LS_VT40GetPreviewImage, 800, 12);
   }
   {
@@ -131,8 +133,7 @@ void Streams() {
     oRun.FetchUntilDone(LS_VT40GetImage, 1600);
   }
   ClRun oRun("full", "slap-left");
-  oRun.Hold();
-  oRun.Mode(KLV_VT40_CAPTURE_MODE_FULL);
+  oRun.HeldMode(KLV_VT40_CAPTURE_MODE_FULL);
   oRun.StepFrames(LS_VT40GetImage, 1600, 3);
 }
 
@@ -146,8 +147,7 @@ void Automatic(const char* szStage, int nMode) {
 /// What the worker decides may come with the picture or with the next one: the last picture counts.
 void Roll(const char* szScene) {
   ClRun oRun(szScene, szScene);
-  oRun.Hold();
-  oRun.Mode(KLV_VT40_CAPTURE_MODE_ROLL);
+  oRun.HeldMode(KLV_VT40_CAPTURE_MODE_ROLL);
   for (int nFrames = 200; nFrames > 0 && !oRun.Step(LS_VT40GetRollImage); --nFrames) {
   }
   oRun.AddImage(800);
@@ -156,8 +156,7 @@ void Roll(const char* szScene) {
 /// A preview comes after each third frame, and may already show a part of what the next one does.
 void Signature(const char* szScene, int nPreviews) {
   ClRun oRun(szScene, szScene);
-  oRun.Hold();
-  oRun.Mode(KLV_VT40_CAPTURE_MODE_SIGNATURE);
+  oRun.HeldMode(KLV_VT40_CAPTURE_MODE_SIGNATURE);
   VTSimPassSequences(nullptr, 1);
   do s_nProcessorTime += 3 * 16667;
   while (!oRun.Step(LS_VT40GetPreviewImage, 3) && --nPreviews > 0);
