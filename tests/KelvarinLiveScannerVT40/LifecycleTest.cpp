@@ -146,20 +146,12 @@ TEST_F(Api, CallsKeepTheScanLibraryThatAnotherThreadGivesUpMeanwhile) {
       }
     });
   }
-  // Two threads count up and down, so that each of them meets the other's initialisation.
-  const auto Toggle = [&] {
-    for (int n = 0; n < 1000 || nListed < 200; ++n) {
-      EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
-      EXPECT_EQ(LS_VT40Uninitialize(), 0);
-    }
-  };
-  ASSERT_EQ(LS_VT40Uninitialize(), 0);
-  std::thread oOther(Toggle);
-  Toggle();
-  oOther.join();
+  for (int n = 0; n < 5000 || nListed < 2000; ++n) {
+    EXPECT_EQ(LS_VT40Uninitialize(), 0);
+    EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
+  }
   bEnded = true;
   for (std::thread& oThread : aThreads) oThread.join();
-  EXPECT_EQ(LS_VT40Uninitialize(), KLV_ERROR_NOT_INITIALIZED);
 }
 
 }  // namespace
