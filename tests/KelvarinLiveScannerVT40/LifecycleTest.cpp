@@ -98,6 +98,8 @@ TEST_F(OpenScanner, AClosedHandleIsNullAndItsCopyIsRecognised) {
 }
 
 TEST_F(OpenScanner, ACloseThatTheDeviceRefusesIsReportedAndFinishedByTheNext) {
+  long nValue = 0;
+  EXPECT_EQ(LS_VT40GetPropertyLongA(m_h, "nAutoCaptureBeep", &nValue), 0);
   ASSERT_EQ(VTSimFailCall("VTScanAPIDestroyHandle", 1, 1, -779), 0);
   EXPECT_EQ(LS_VT40CloseScanner(&m_h), -779);
   ASSERT_NE(m_h, nullptr);
@@ -106,9 +108,7 @@ TEST_F(OpenScanner, ACloseThatTheDeviceRefusesIsReportedAndFinishedByTheNext) {
   EXPECT_EQ(LS_VT40GetImageSize(m_h, &nWidth, &nHeight), KLV_ERROR_NOT_INITIALIZED);
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), KLV_ERROR_NOT_INITIALIZED);
   EXPECT_EQ(LS_VT40Beep(m_h, 1, 2), KLV_ERROR_NOT_INITIALIZED);
-  char szValue[8];
-  unsigned int nSize = sizeof(szValue);
-  EXPECT_EQ(LS_VT40GetPropertyA(m_h, "Version", szValue, &nSize), KLV_ERROR_NOT_INITIALIZED);
+  EXPECT_EQ(LS_VT40GetPropertyLongA(m_h, "nAutoCaptureBeep", &nValue), KLV_ERROR_NOT_INITIALIZED);
   EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
   EXPECT_EQ(m_h, nullptr);
 }
@@ -152,6 +152,20 @@ TEST_F(Api, CallsKeepTheScanLibraryThatAnotherThreadGivesUpMeanwhile) {
   }
   bEnded = true;
   for (std::thread& oThread : aThreads) oThread.join();
+}
+
+TEST_F(Api, InitialisationsFromManyThreadsCountUpAndDown) {
+  const auto CountUpAndDown = [] {
+    for (int n = 0; n < 500; ++n) {
+      EXPECT_EQ(LS_VT40Initialize(nullptr), 0);
+      EXPECT_EQ(LS_VT40Uninitialize(), 0);
+    }
+  };
+  std::thread oFirst(CountUpAndDown), oSecond(CountUpAndDown);
+  oFirst.join();
+  oSecond.join();
+  EXPECT_EQ(LS_VT40Uninitialize(), 0);
+  EXPECT_EQ(LS_VT40Uninitialize(), KLV_ERROR_NOT_INITIALIZED);
 }
 
 }  // namespace

@@ -54,15 +54,18 @@ class Roll : public testing::Test {
     Draw(oContact, m_oFrame);
     return m_oRoll.ApplyParam(m_oFrame, m_oOut);
   }
-  long ShowEmpty() {
-    m_oFrame.NewWithType(ClImage::eUint8, cnSize, cnSize, 1, 19685, 19685, true);
+  void Empty(int nWidth = cnSize, int nHeight = cnSize) {
+    m_oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 19685, 19685, true);
     m_oFrame = static_cast<unsigned char>(255);
+  }
+  long ShowEmpty() {
+    Empty();
     return m_oRoll.ApplyParam(m_oFrame, m_oOut);
   }
   /// nFrames from dFrom to dTo, each changed by fnChange(n, contact), then an empty one; returns the grade.
-  long Perform(
-      double dFrom, double dTo, int nFrames,
-      const std::function<void(int, StContact&)>& fnChange = [](int, StContact&) {}) {
+  using Change = std::function<void(int, StContact&)>;
+  static void Still(int, StContact&) {}
+  long Perform(double dFrom, double dTo, int nFrames, const Change& fnChange) {
     for (int n = 0; n < nFrames; ++n) {
       StContact oContact;
       oContact.dX = dFrom + (dTo - dFrom) * n / (nFrames - 1);
@@ -101,7 +104,7 @@ TEST_F(Roll, ACleanOnePaintsTheSkinAsItLiesOnThePlaten) {
   Show(oFirst);
   EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateRolling);
   EXPECT_EQ(PaintedWidth(), 0) << "the first frame is measured only";
-  EXPECT_EQ(Perform(126.0, 290.0, 20), 0);
+  EXPECT_EQ(Perform(126.0, 290.0, 20, Still), 0);
   EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateFinished);
   EXPECT_GT(PaintedWidth(), 240) << "one contact is 90 wide";
   int nWrong = 0;
@@ -116,23 +119,12 @@ TEST_F(Roll, ACleanOnePaintsTheSkinAsItLiesOnThePlaten) {
   EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateRolling);
 }
 
-TEST_F(Roll, SlippedIsThreeFramesInARowAndNotTwo) {
+TEST_F(Roll, GetsEachGradeBeyondItsLimitAndNotAtIt) {
   const auto Slip = [](std::vector<int> aFrames) {
     return [aFrames = std::move(aFrames)](int n, StContact& oContact) {
       for (const int nFrame : aFrames) oContact.dDrift += n >= nFrame ? 3.6 : 0.0;
     };
   };
-  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7})), 0);
-  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7, 9, 10})), 0) << "an interrupted run starts again";
-  EXPECT_EQ(Perform(120.0, 280.0, 20, Slip({6, 7, 8})), -801);
-}
-
-TEST_F(Roll, TooFastIsAFrameThatSharesTooLittle) {
-  EXPECT_EQ(Perform(60.0, 340.0, 4), -802);
-  EXPECT_EQ(Perform(280.0, 120.0, 20), 0) << "a new roll has a new grade; the direction is free";
-}
-
-TEST_F(Roll, TurnedBackNeedsMoreThanTwentyColumnsInThreeFrames) {
   const auto Back = [](double dStep) {
     return [dStep](int n, StContact& oContact) {
       oContact.dX = n < 20 ? 120.0 + 8.0 * n + (n > 0 ? 5.0 : 0.0) : 285.0 - dStep * (n - 19);
@@ -140,21 +132,29 @@ TEST_F(Roll, TurnedBackNeedsMoreThanTwentyColumnsInThreeFrames) {
       if (n == 2) oContact.dX = 141.0;
     };
   };
-  EXPECT_EQ(Perform(0.0, 0.0, 24, Back(10.0)), 0) << "20 exactly";
-  EXPECT_EQ(Perform(0.0, 0.0, 24, Back(10.5)), -803);
-}
-
-TEST_F(Roll, TwistedIsMoreThanTwoFramesOffTheMean) {
   const auto Twist = [](int nFrames) {
     return [nFrames](int n, StContact& oContact) { oContact.dTilt = n >= 6 && n < 6 + nFrames ? 0.9 : 0.0; };
   };
-  EXPECT_EQ(Perform(120.0, 280.0, 20, Twist(2)), 0);
-  EXPECT_EQ(Perform(120.0, 280.0, 20, Twist(3)), -804);
-}
-
-TEST_F(Roll, TooSmallIsAPrintHardlyWiderThanOneContact) {
-  EXPECT_EQ(Perform(190.0, 215.0, 8), -805);
-  EXPECT_EQ(Perform(180.0, 250.0, 12), 0);
+  struct StCase {
+    const char* szWhat;
+    double dFrom, dTo;
+    int nFrames;
+    Change fnChange;
+    long nGrade;
+  };
+  const StCase aCases[] = {{"two frames slip", 120, 280, 20, Slip({6, 7}), 0},
+                           {"an interrupted run of slips starts again", 120, 280, 20, Slip({6, 7, 9, 10}), 0},
+                           {"three frames in a row slip", 120, 280, 20, Slip({6, 7, 8}), -801},
+                           {"frames share too little", 60, 340, 4, Still, -802},
+                           {"a new roll has a new grade and a free direction", 280, 120, 20, Still, 0},
+                           {"20 columns back in three frames", 0, 0, 24, Back(10.0), 0},
+                           {"21 columns back in three frames", 0, 0, 24, Back(10.5), -803},
+                           {"two frames are twisted", 120, 280, 20, Twist(2), 0},
+                           {"three frames are twisted", 120, 280, 20, Twist(3), -804},
+                           {"hardly wider than one contact", 190, 215, 8, Still, -805},
+                           {"wide enough", 180, 250, 12, Still, 0}};
+  for (const StCase& o : aCases)
+    EXPECT_EQ(Perform(o.dFrom, o.dTo, o.nFrames, o.fnChange), o.nGrade) << o.szWhat;
   Show({});
   EXPECT_EQ(ShowEmpty(), -805) << "one frame has painted nothing";
   EXPECT_EQ(PaintedWidth(), 0);
@@ -162,8 +162,7 @@ TEST_F(Roll, TooSmallIsAPrintHardlyWiderThanOneContact) {
 
 TEST_F(Roll, AFingerIsMoreThanAThousandDarkPixelsInTheMiddle) {
   const auto ShowDark = [&](int nPixels) {
-    m_oFrame.NewWithType(ClImage::eUint8, cnSize, cnSize, 1, 0, 0, true);
-    m_oFrame = static_cast<unsigned char>(255);
+    Empty();
     for (int n = 0; n < nPixels; ++n) m_oFrame.Row<unsigned char>(200 + n / 40)[180 + n % 40] = 128;
     m_oRoll.ApplyParam(m_oFrame, m_oOut);
     return m_oRoll.GetProcessorState();
@@ -201,8 +200,7 @@ TEST_F(Roll, AResetBeginsAfreshAndFreesTheSize) {
   EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateIdle);
   EXPECT_EQ(ShowEmpty(), 0);
   EXPECT_EQ(PaintedWidth(), 0);
-  m_oFrame.NewWithType(ClImage::eUint8, 300, 200, 1, 0, 0, true);
-  m_oFrame = static_cast<unsigned char>(255);
+  Empty(300, 200);
   const auto Number = [&](ClImage& oIn) { return NumberOf([&] { m_oRoll.ApplyParam(oIn, m_oOut); }); };
   EXPECT_EQ(Number(m_oFrame), -44);
   m_oRoll.ResetProcessor();
