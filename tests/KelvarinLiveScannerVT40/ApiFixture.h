@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "KelvarinLiveScannerVT40.h"
@@ -73,6 +74,16 @@ class Api : public testing::Test {
     int nMode = 0;
     const long nError = LS_VT40GetCaptureMode(m_h, &nMode);
     return nError != 0 ? nError : nMode;
+  }
+
+  using Beeps_t = std::vector<std::pair<unsigned int, unsigned int>>;
+  static Beeps_t Beeps() {
+    VTSimBeep aBeeps[8];
+    unsigned int nCount = 8;
+    EXPECT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nCount), 0);
+    Beeps_t aArguments;
+    for (unsigned int n = 0; n < nCount; ++n) aArguments.emplace_back(aBeeps[n].nArg1, aBeeps[n].nArg2);
+    return aArguments;
   }
 
   static unsigned long long Calls(const char* szFunction) {

@@ -55,19 +55,13 @@ TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
   EXPECT_EQ(Image().bDone, 1);
   EXPECT_EQ(Shots().size(), 2u) << "it is given out once";
   EXPECT_EQ(Preview().bDone, 1);
-  EXPECT_EQ(Preview().bDone, 1);
-  VTSimBeep aBeeps[4];
-  unsigned int nBeeps = 4;
-  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nBeeps), 0);
-  ASSERT_EQ(nBeeps, 1u);
-  EXPECT_EQ(aBeeps[0].nArg1, 300u);
-  EXPECT_EQ(aBeeps[0].nArg2, 100u);
+  EXPECT_EQ(Beeps(), Beeps_t({{300, 100}}));
 }
 
-TEST_F(AutoScanner, MakesAnOldCaptureAnewAndMissesAFingerThatHasGone) {
+TEST_F(AutoScanner, MakesAnOldCaptureAnewAndMissesFingersThatHaveGone) {
   Start(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [
-      {"print": {"seed": 3}, "x": 25, "slide": {"start": 60, "speed": 8, "radius": 3}},
-      {"print": {"seed": 4}, "x": 60, "lift": 60}]}]})");
+      {"print": {"seed": 3}, "x": 15, "slide": {"start": 60, "speed": 8, "radius": 3}},
+      {"print": {"seed": 3}, "x": 40, "lift": 60}, {"print": {"seed": 3}, "x": 65, "lift": 60}]}]})");
   ASSERT_EQ(PollUntil(true, cnFewFrames).nError, 0);
   for (int n = 0; n < 8; ++n) ASSERT_EQ(Preview().nError, 0);
   EXPECT_EQ(Image().bDone, 1);
@@ -122,21 +116,15 @@ TEST_F(AutoScanner, TwoScannersDecideEachForItself) {
   void* hOther = nullptr;
   ASSERT_EQ(LS_VT40OpenScanner("VT40-AB0002", &hOther), 0);
   const auto Capture = [](void* h) {
-    std::vector<unsigned char> aPixels(1600 * 1600);
-    double dScore = 0.0;
-    unsigned char bDone = 0;
-    long nResult = 0;
-    if (LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_AUTO) != 0) return false;
-    for (int n = 0; n < cnManyFrames && bDone == 0; ++n) {
-      if (LS_VT40GetPreviewImage(h, aPixels.data(), &dScore, &bDone, &nResult) != 0) return false;
-    }
-    return bDone == 1 && LS_VT40GetImage(h, aPixels.data(), &dScore, &bDone, &nResult) == 0 && bDone == 1;
+    EXPECT_EQ(LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+    StDelivered oPreview;
+    for (int n = 0; n < cnManyFrames && oPreview.bDone != 1; ++n)
+      oPreview = Fetch(LS_VT40GetPreviewImage, h, 800 * 800);
+    return oPreview.bDone == 1 && Fetch(LS_VT40GetImage, h, 1600 * 1600).bDone == 1;
   };
-  bool bOtherDone = false;
-  std::thread oOther([&] { bOtherDone = Capture(hOther); });
+  std::future<bool> oOther = std::async(std::launch::async, Capture, hOther);
   EXPECT_TRUE(Capture(m_h));
-  oOther.join();
-  EXPECT_TRUE(bOtherDone);
+  EXPECT_TRUE(oOther.get());
   EXPECT_EQ(LS_VT40CloseScanner(&hOther), 0);
 }
 

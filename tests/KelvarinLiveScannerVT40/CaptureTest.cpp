@@ -30,7 +30,7 @@ TEST_F(OpenScanner, SizesAndResolutionsAreThoseOfTheScanner) {
   Expect(LS_VT40GetRollImageDPI, 499, 499, "roll");
 }
 
-TEST_F(OpenScanner, AnEmptyPlatenGivesAWhiteImageWithoutAFinger) {
+TEST_F(OpenScanner, AnEmptyPlatenGivesAWhiteImageAndASmallFingerIsEnough) {
   for (const int nMode : {KLV_VT40_CAPTURE_MODE_OFF, KLV_VT40_CAPTURE_MODE_PREVIEW}) {
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
     const StDelivered oShot = Image();
@@ -40,6 +40,11 @@ TEST_F(OpenScanner, AnEmptyPlatenGivesAWhiteImageWithoutAFinger) {
     EXPECT_EQ(DarkerThan(oShot.aPixels, 255), 0);
     EXPECT_EQ(State().bCaptureEnabled, nMode == KLV_VT40_CAPTURE_MODE_PREVIEW);
   }
+  LoadScene(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [
+      {"print": {"seed": 3, "width": 8, "height": 10}, "pressure": 0.1}]}]})");
+  const StDelivered oSmall = Image();
+  EXPECT_EQ(oSmall.bDone, 1) << "a finger, however small";
+  EXPECT_LT(DarkerThan(oSmall.aPixels, 161), 12000);
   EXPECT_EQ(State().nSensorMode, 35) << "the preview goes on";
   EXPECT_EQ(Preview().nError, 0);
 }

@@ -89,12 +89,7 @@ TEST_F(OpenScanner, TheBuzzerGetsItsValuesAsTheyAre) {
   ASSERT_EQ(LS_VT40Beep(m_h, 300, 100), 0);
   ASSERT_EQ(VTSimFailCall("VTScanAPIBeep", 1, 1, -777), 0);
   EXPECT_EQ(LS_VT40Beep(m_h, 1, 2), 0) << "nobody waits for a beep";
-  VTSimBeep aBeeps[4];
-  unsigned int nCount = 4;
-  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nCount), 0);
-  ASSERT_EQ(nCount, 1u);
-  EXPECT_EQ(aBeeps[0].nArg1, 300u);
-  EXPECT_EQ(aBeeps[0].nArg2, 100u);
+  EXPECT_EQ(Beeps(), Beeps_t({{300, 100}}));
 }
 
 TEST_F(OpenScanner, TheDisplayShowsSixteenCharactersALineAndNoMore) {

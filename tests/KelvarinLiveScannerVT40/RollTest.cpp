@@ -87,11 +87,7 @@ TEST_F(Roll, EndsOnceForTheCallerWithOneBeepAndTheNextFollows) {
     EXPECT_EQ(oNext.nResult, KLV_ERROR_NO_FINGER);
     EXPECT_EQ(oNext.aPixels, oRoll.aPixels) << "the print stays until the next finger";
   }
-  VTSimBeep aBeeps[4];
-  unsigned int nCount = 4;
-  ASSERT_EQ(VTSimGetBeeps(nullptr, aBeeps, &nCount), 0);
-  EXPECT_EQ(aBeeps[1].nArg1, 300u);
-  EXPECT_EQ(aBeeps[1].nArg2, 100u);
+  EXPECT_EQ(Beeps(), Beeps_t({{300, 100}, {300, 100}}));
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 0), 0);
   EXPECT_EQ(Run(30).bDone, 1);
   EXPECT_EQ(State().nBeeps, 2u);

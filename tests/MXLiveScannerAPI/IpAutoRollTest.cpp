@@ -135,6 +135,9 @@ TEST_F(Roll, GetsEachGradeBeyondItsLimitAndNotAtIt) {
   const auto Twist = [](int nFrames) {
     return [nFrames](int n, StContact& oContact) { oContact.dTilt = n >= 6 && n < 6 + nFrames ? 0.9 : 0.0; };
   };
+  const auto Broad = [](double dHalfWidth) {
+    return [dHalfWidth](int, StContact& oContact) { oContact.dHalfWidth = dHalfWidth; };
+  };
   struct StCase {
     const char* szWhat;
     double dFrom, dTo;
@@ -152,7 +155,9 @@ TEST_F(Roll, GetsEachGradeBeyondItsLimitAndNotAtIt) {
                            {"two frames are twisted", 120, 280, 20, Twist(2), 0},
                            {"three frames are twisted", 120, 280, 20, Twist(3), -804},
                            {"hardly wider than one contact", 190, 215, 8, Still, -805},
-                           {"wide enough", 180, 250, 12, Still, 0}};
+                           {"wide enough", 180, 250, 12, Still, 0},
+                           {"a broad finger", 120, 280, 20, Broad(75.0), 0},
+                           {"a narrow one behind it", 160, 240, 20, Broad(30.0), 0}};
   for (const StCase& o : aCases)
     EXPECT_EQ(Perform(o.dFrom, o.dTo, o.nFrames, o.fnChange), o.nGrade) << o.szWhat;
   Show({});
