@@ -21,16 +21,17 @@ class ClLiveScannerVT40 : public TpSDKBase<ClLiveScannerVT40, ClLoggingChain> {
   void OnUninitialize() override;
 
   using ScanLibrary = std::shared_ptr<ClKelvarinVTScanAPIWrapper>;
-  /// The binding of the scan library. It stays loaded while the result is held, also when another thread undoes the
-  /// initialisation meanwhile; its functions then answer that they are not initialised.
+  /// The binding of the scan library. It stays loaded while the result is held, also when another thread
+  /// undoes the initialisation meanwhile; its functions then answer that they are not initialised.
   /// Errors: -2 "Component not initialized." while the scan library is not bound.
   static ScanLibrary GetScanLibrary();
-  /// For a call whose scan library failed. Errors: -2 when the initialisation that it was bound by has been undone.
+  /// For a call whose scan library failed. Errors: -2 when the initialisation that it was bound by has been
+  /// undone.
   static void CheckBound(const ScanLibrary& pScanLibrary);
 
  private:
-  /// The binding while the library is initialised; set last, when the scan library is bound and has started. Never
-  /// destroyed: a thread may still be in a call while the process ends.
+  /// The binding while the library is initialised; set last, when the scan library is bound and has started.
+  /// Never destroyed: a thread may still be in a call while the process ends.
   struct StBinding {
     boost::mutex oMutex;
     ScanLibrary pScanLibrary;  // guarded by oMutex

@@ -39,8 +39,8 @@ class Api : public testing::Test {
 
   long Open(const char* szSerial = cszSerial) { return LS_VT40OpenScanner(szSerial, &m_h); }
 
-  /// Puts the scanner before a scene whose sequences are let through one by one: no frame is lost, at any speed of the
-  /// machine.
+  /// Puts the scanner before a scene whose sequences are let through one by one: no frame is lost, at any
+  /// speed of the machine.
   void StartHeld(const std::string& sScene, int nMode) {
     if (m_h != nullptr) {
       // Frames are on their way while the scanner turns away.

@@ -38,7 +38,8 @@ struct StStaged {
 
 class StagedRoll : public Roll, public testing::WithParamInterface<StStaged> {};
 
-/// With a number of seeds in the environment also prints a line for each roll; scripts/roll-verdicts makes a table of them.
+/// With a number of seeds in the environment also prints a line for each roll, of which scripts/roll-verdicts
+/// makes a table.
 TEST_P(StagedRoll, GetsItsVerdictAndAGoodOneShowsTheRidgesOfTheWholeFinger) {
   const bool bGood = GetParam().nVerdict == 0;
   const int nSeeds = bGood ? Seeds() : (Seeds() + 1) / 2;
