@@ -67,8 +67,8 @@ long TpIp2to1Rule<TRule>::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut,
              CutToElementType(oLimits.m_dUpper, oOut.DataType())};
   const ClImage& oSecond = oOverlap.OneForThree() ? SpreadOverlap(oIn2, oOverlap) : oIn2;
   if (!oOverlap.SamplesPair()) return 0;
-  if constexpr (TRule::cpfnBytes != nullptr) {
-    if (IsForKernel(oIn1, oSecond, oOut, oLimits)) return RunKernel(oIn1, oSecond, oOut, oOverlap);
+  if (TRule::cpfnBytes != nullptr && IsForKernel(oIn1, oSecond, oOut, oLimits)) {
+    return RunKernel(oIn1, oSecond, oOut, oOverlap);
   }
   if (oIn1.IsFloating() || oIn2.IsFloating() || oOut.IsFloating()) {
     return Run<double>(oIn1, oSecond, oOut, oOverlap, oLimits);

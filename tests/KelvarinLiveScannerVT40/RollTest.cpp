@@ -34,6 +34,8 @@ class Roll : public OpenScanner {
 struct StStaged {
   const char* szScene;
   long nVerdict;
+
+  friend void PrintTo(const StStaged& o, std::ostream* pStream) { *pStream << o.szScene; }
 };
 
 class StagedRoll : public Roll, public testing::WithParamInterface<StStaged> {};
