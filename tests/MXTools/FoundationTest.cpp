@@ -26,7 +26,13 @@ bool s_bOutOfMemory = false;
 }  // namespace
 
 void* operator new[](std::size_t nBytes, const std::nothrow_t&) noexcept {
-  return s_bOutOfMemory ? nullptr : operator new(nBytes, std::nothrow);
+  if (s_bOutOfMemory) return nullptr;
+  // The array form, whose blocks are those that delete[] takes.
+  try {
+    return operator new[](nBytes);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 namespace {
