@@ -55,6 +55,7 @@ void ExpectBoundByName(const std::vector<ClFunction>& aFunctions) {
 
 TEST(KelvarinVTScanAPIWrapper, EveryPointerIsBoundToTheFunctionOfItsName) {
   EXPECT_TRUE(NothingIsBound<Scan>(ScanFunctions()));
+  EXPECT_STREQ(Scan::m_ssLibName, "libkelvarinvtscanapi.gcc.Release.32.so");
   {
     const Scan oScan(nullptr, KLV_LIBRARY_COMPLETE);
     ExpectBoundByName(ScanFunctions());
@@ -73,17 +74,6 @@ TEST(KelvarinVTScanAPIWrapper, AMissingRequiredFunctionIsNamedAndLeavesNothingBo
   EXPECT_THAT(Raised([] { Scan(nullptr, KLV_LIBRARY_WITHOUT_REQUIRED); }),
               testing::Pair(-206, testing::EndsWith("\nVTScanAPIGetPlugStatus")));
   EXPECT_TRUE(NothingIsBound<Scan>(ScanFunctions()));
-}
-
-TEST(KelvarinVTScanAPIWrapper, TheLibraryIsFoundAlongTheSearchPathByItsName) {
-  EXPECT_STREQ(Scan::m_ssLibName, "libkelvarinvtscanapi.gcc.Release.32.so");
-  const std::string szFile = KLV_LIBRARY_COMPLETE;
-  const size_t nName = szFile.rfind('/') + 1;
-  const std::string szPath = "/none;" + szFile.substr(0, nName - 1);
-  Scan oWrapper;
-  oWrapper.OpenLibrary(szPath.c_str(), szFile.c_str() + nName);
-  EXPECT_EQ(Scan::VTScanAPIGetErrorDescriptionA(0), std::string("described"));
-  EXPECT_EQ(Scan::VTScanAPISetPropertyDoubleA(nullptr, "name", 0.5), 0);
 }
 
 std::string LibraryWithout(const std::string& szFunction) {
@@ -129,26 +119,6 @@ TEST(KelvarinFakeFingerDetectionVT40Wrapper, ALibraryThatLacksAnyFunctionIsNotBo
                 testing::Pair(-206, testing::EndsWith("\n" + oFunction.szName)));
     EXPECT_TRUE(NothingIsBound<Liveness>(LivenessFunctions())) << oFunction.szName;
   }
-}
-
-TEST(KelvarinFakeFingerDetectionVT40Wrapper, WithoutTheLibraryOpeningRaisesAndLeavesNothingBound) {
-  Liveness oWrapper;
-  EXPECT_EQ(NumberOf([&] { oWrapper.OpenLibrary("/none;/neither", Liveness::m_ssLibName); }), -200);
-  EXPECT_TRUE(NothingIsBound<Liveness>(LivenessFunctions()));
-  EXPECT_FALSE(oWrapper.IsOpen());
-}
-
-TEST(KelvarinFakeFingerDetectionVT40Wrapper, TwoEnginesShareOneLoadUntilTheLastIsGone) {
-  Liveness oSecond;
-  {
-    Liveness oFirst(nullptr, KLV_LIVENESS_COMPLETE);
-    oSecond.OpenLibrary("/none", "the second path is not looked at");
-    EXPECT_EQ(Liveness::ReferenceCount(), 2u);
-  }
-  EXPECT_EQ(Liveness::ReferenceCount(), 1u);
-  EXPECT_NE(Liveness::FD_VT40Uninitialize, nullptr);
-  oSecond.CloseLibrary();
-  EXPECT_TRUE(NothingIsBound<Liveness>(LivenessFunctions()));
 }
 
 }  // namespace

@@ -55,23 +55,6 @@ class BitmapForeign : public testing::Test {
   ClTemporaryDirectory m_oDirectory;
 };
 
-TEST_F(BitmapForeign, ReadsWhatWeWriteInEveryDepth) {
-  std::mt19937 oRandom(61);
-  for (const auto& [nBits, nCompression] :
-       {std::pair(1L, 0L), {4, 0}, {8, 0}, {16, 0}, {16, 3}, {24, 0}, {32, 0}, {32, 3}}) {
-    SCOPED_TRACE(testing::Message() << nBits << " bits, compression " << nCompression);
-    ClBitmap oBitmap;
-    oBitmap.Create(37, 11, nBits, nCompression);
-    // A palette of colours shows an exchange of red and blue.
-    for (unsigned int n = 0; nBits <= 8 && n < 1u << nBits; ++n)
-      ClBitmap::LongToMem(oBitmap.Palette() + 4 * n, 4, static_cast<uint32_t>(oRandom()) & 0xFFFFFF);
-    for (int n = 0; n < 37 * 11; ++n)
-      oBitmap.SetPixel(n % 37, n / 37, static_cast<uint32_t>(oRandom()) | 0xFF000000);
-    oBitmap.Store(Path("ours.bmp").c_str());
-    ExpectEqual(ColorsOf(oBitmap), ColorsOf("ours.bmp"), nBits == 16 ? 1 : 0);
-  }
-}
-
 TEST_F(BitmapForeign, WritesWhatWeReadInEveryDepth) {
   std::mt19937 oRandom(62);
   std::ofstream oSource(Path("source.ppm"), std::ios::binary);
