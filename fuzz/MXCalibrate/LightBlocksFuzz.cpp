@@ -60,9 +60,7 @@ std::vector<Bytes> Seeds() {
   return {BrightnessBlock(true), BrightnessBlock(false), GainBlock(true), GainBlock(false)};
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aBlock(pData, pData + nSize);
+void Feed(const Bytes& aBlock) {
   FeedBrightness(aBlock);
   FeedGains(aBlock);
-  return 0;
 }

@@ -1,9 +1,6 @@
 // Feeds stored maps of a warp: a map that loads stays inside its source, and is stored as the same.
 #include "MXCalibrate/InterpolationBicubicQuantized.h"
-#include "MXCalibrate/TpIpCalibrateGeometric.h"
-#include "MXTools/FpImage.h"
 #include "SmallGeometry.h"
-#include "StreamBytes.h"
 
 namespace {
 
@@ -17,13 +14,7 @@ class ClWarp : public TpIpCalibrateGeometric<ClInterpolationBicubicQuantized<1, 
   }
   void Warp() {
     if (m_nSourceWidth > cnMostSide || m_nSourceHeight > cnMostSide) return;
-    ClImage oIn, oOut;
-    oIn.NewWithType(ClImage::eUint8, static_cast<int>(m_nSourceWidth), static_cast<int>(m_nSourceHeight), 1,
-                    0, 0, true);
-    oIn = static_cast<unsigned char>(77);
-    m_pInImage = &oIn;
-    m_pOutImage = &oOut;
-    Refused([&] { Apply(); });
+    WarpEvenImage(*this, m_nSourceWidth, m_nSourceHeight);
   }
 };
 
@@ -38,20 +29,18 @@ std::vector<Bytes> Seeds() {
   return {oWarp.Stored()};
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+void Feed(const Bytes& aMap) {
   // Their tables take longer than all the rest.
   static ClWarp s_oWarp, s_oLoaded;
-  const Bytes aMap(pData, pData + nSize);
   ClBytesStream oStream(aMap);
   s_oWarp.Reset();
   if (Refused([&] { s_oWarp.Load(oStream); })) {
     Require(Refused([&] { s_oWarp.Stored(); }), "a refused map leaves none");
-    return 0;
+    return;
   }
   const Bytes aStored = s_oWarp.Stored();
   ClBytesStream oAgain(aStored);
   s_oLoaded.Load(oAgain);
   Require(s_oLoaded.Stored() == aStored, "what is stored loads again");
   s_oWarp.Warp();
-  return 0;
 }

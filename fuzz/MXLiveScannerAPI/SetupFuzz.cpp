@@ -66,15 +66,14 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   const std::string sSerial = oInput.Text();
   std::unique_ptr<ClVTSetupCalibrationDataBase> pSetup;
-  if (Refused([&] { pSetup.reset(ClVTSetupCalibrationDataBase::GetSetupObject(sSerial.c_str())); })) return 0;
+  if (Refused([&] { pSetup.reset(ClVTSetupCalibrationDataBase::GetSetupObject(sSerial.c_str())); })) return;
   if (auto* pTen = dynamic_cast<ClVT40SetupCalibrationData*>(pSetup.get())) {
     SetUpTenFingers(*pTen, oInput);
   } else if (auto* pOne = dynamic_cast<ClVT4SetupCalibrationData*>(pSetup.get())) {
     SetUpOneFinger(*pOne, oInput);
   }
-  return 0;
 }

@@ -118,9 +118,7 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aFile(pData, pData + nSize);
+void Feed(const Bytes& aFile) {
   FeedFile(aFile);
   FeedBlock(aFile);
-  return 0;
 }

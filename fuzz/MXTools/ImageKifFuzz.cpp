@@ -30,8 +30,7 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aFile(pData, pData + nSize);
+void Feed(const Bytes& aFile) {
   for (const bool bFailureFlag : {false, true}) {
     ClBytesStream oStream(aFile);
     oStream.m_bFailureFlag = bFailureFlag;
@@ -49,5 +48,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     oLoaded.Load(oAgain);
     Require(Stored(oLoaded) == aStored, "what is stored loads again");
   }
-  return 0;
 }

@@ -17,8 +17,7 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aRecords(pData, pData + nSize);
+void Feed(const Bytes& aRecords) {
   ClParameterMembers oWhole;
   Refused([&] {
     ClBytesStream oStream(aRecords);
@@ -40,5 +39,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     Require(oEntry.ReadFromStream(oAgain) == 0 && RecordOf(oEntry) == aTaken, "a record reads again");
     oEntry.szValue();
   }
-  return 0;
 }

@@ -71,8 +71,8 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   ClProperties oProperties;
   while (!oInput.IsEmpty()) {
     const std::string sName = oInput.Text();
@@ -99,5 +99,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     });
     Require(TextOf(oProperties, sName) == sAfter, "a number that was read is taken as the same value");
   }
-  return 0;
 }

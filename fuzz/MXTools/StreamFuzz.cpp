@@ -69,16 +69,15 @@ std::vector<Bytes> Seeds() {
   return {aSeed};
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   const Bytes aOrders = oInput.Block();
   const Bytes aStream = oInput.Rest();
   for (const bool bFailureFlag : {false, true}) {
     ClBytesStream oStream(aStream);
     oStream.m_bFailureFlag = bFailureFlag;
-    ClFuzzInput oOrders(aOrders.data(), aOrders.size());
+    ClFuzzInput oOrders(aOrders);
     while (!oOrders.IsEmpty()) Refused([&] { Step(oOrders, oStream); });
     Require(oStream.Pos() >= 0 && oStream.Pos() <= oStream.Size(), "reading stays inside the stream");
   }
-  return 0;
 }

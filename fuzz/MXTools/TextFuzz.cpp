@@ -47,8 +47,8 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   const std::string sFirst = oInput.Text();
   const std::string sSecond = oInput.Text();
   Convert(sFirst);
@@ -57,5 +57,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
               sSecond.find_first_of("*?") != std::string::npos,
           "a star stands for nothing too");
   TakeApart(sFirst, sSecond);
-  return 0;
 }

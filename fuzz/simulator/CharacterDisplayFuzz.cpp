@@ -31,8 +31,8 @@ std::vector<Bytes> Seeds() {
   return {aSeed};
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   ClCharacterDisplay oDisplay;
   int64_t nMicroseconds = 0;
   while (!oInput.IsEmpty()) {
@@ -41,5 +41,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     for (int nLine = 0; nLine < ClCharacterDisplay::nLines; ++nLine)
       Require(oDisplay.Line(nLine).size() == ClCharacterDisplay::nColumns, "a line has all its columns");
   }
-  return 0;
 }

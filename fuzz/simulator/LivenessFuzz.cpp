@@ -26,8 +26,8 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  ClFuzzInput oInput(pData, nSize);
+void Feed(const Bytes& aInput) {
+  ClFuzzInput oInput(aInput);
   ClDetection oDetection;
   setenv("KELVARIN_FDSIM_FAULTS", oInput.Text().c_str(), 1);
   Try([&] { oDetection.ReadFaultsAtRest(); });
@@ -50,5 +50,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     Require(dScore >= 0.0 && dScore <= 100.0, "a score lies between 0 and 100");
     Require(nWidth >= g_cnLeastSide && nHeight >= g_cnLeastSide, "small pictures are refused");
   });
-  return 0;
 }

@@ -33,9 +33,9 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aFile = WithRightChecksums(pData, nSize);
-  const ClMemoryFile oFile(aFile.data(), aFile.size());
+void Feed(const Bytes& aInput) {
+  const Bytes aFile = WithRightChecksums(aInput);
+  const ClMemoryFile oFile(aFile);
   RefusedWith<Simulator::ClSimError>([&] {
     const Simulator::ClPrint oPrint = Simulator::ReadPrintFile(oFile.Path());
     Require(
@@ -43,5 +43,4 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
         "both planes have one size");
     Require(oPrint.oRidge.Width() <= 4096 && oPrint.oRidge.Height() <= 4096, "no print is larger than told");
   });
-  return 0;
 }

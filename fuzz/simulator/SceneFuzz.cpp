@@ -59,12 +59,11 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+void Feed(const Bytes& aInput) {
   ClSceneDescription oScene;
   // Files of the machine are no part of the input.
-  const auto Read = [&] { oScene = ReadScene(std::string(pData, pData + nSize), "/nowhere"); };
-  if (RefusedWith<ClSimError>(Read)) return 0;
+  const auto Read = [&] { oScene = ReadScene(std::string(aInput.begin(), aInput.end()), "/nowhere"); };
+  if (RefusedWith<ClSimError>(Read)) return;
   for (const ClScannerDescription& oScanner : oScene.aScanners)
     for (const double dSeconds : {0.0, 1.25, 3600.5, 1e7}) GoOver(oScanner, dSeconds);
-  return 0;
 }

@@ -13,6 +13,8 @@ using Bytes = std::vector<uint8_t>;
 
 /// Inputs from which fuzzing sets out; each target defines it. `TARGET --seeds FOLDER` writes them.
 std::vector<Bytes> Seeds();
+/// Takes one input; each target defines it too.
+void Feed(const Bytes& aInput);
 
 inline Bytes BytesOf(const std::string& sText) {
   return Bytes(sText.begin(), sText.end());
@@ -42,10 +44,10 @@ bool RefusedWith(TCall&& fnCall) {
   return false;
 }
 
-/// One input from its first byte to its last; behind its end there are zeros.
+/// One input, which outlives it, from its first byte to its last; behind its end there are zeros.
 class ClFuzzInput {
  public:
-  ClFuzzInput(const uint8_t* pData, size_t nSize) : m_pData(pData), m_nLeft(nSize) {}
+  explicit ClFuzzInput(const Bytes& aInput) : m_pData(aInput.data()), m_nLeft(aInput.size()) {}
 
   bool IsEmpty() const { return m_nLeft == 0; }
   unsigned int Byte() {

@@ -9,8 +9,9 @@
 class ClMemoryFile {
  public:
   ClMemoryFile() : m_nFile(memfd_create("fuzz", 0)) { Require(m_nFile >= 0, "there is a file in memory"); }
-  ClMemoryFile(const uint8_t* pData, size_t nSize) : ClMemoryFile() {
-    Require(write(m_nFile, pData, nSize) == static_cast<ssize_t>(nSize), "the file takes the input");
+  explicit ClMemoryFile(const Bytes& aContent) : ClMemoryFile() {
+    Require(write(m_nFile, aContent.data(), aContent.size()) == static_cast<ssize_t>(aContent.size()),
+            "the file takes the input");
   }
   ClMemoryFile(const ClMemoryFile&) = delete;
   ClMemoryFile& operator=(const ClMemoryFile&) = delete;

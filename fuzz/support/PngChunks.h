@@ -5,16 +5,15 @@
 
 #include "FuzzTarget.h"
 
-inline Bytes WithRightChecksums(const uint8_t* pData, size_t nSize) {
-  Bytes aFile(pData, pData + nSize);
+inline Bytes WithRightChecksums(Bytes aFile) {
   const auto Put = [&](size_t nAt, uint32_t nValue) {
     for (size_t n = 0; n < 4; ++n) aFile[nAt + n] = static_cast<uint8_t>(nValue >> (24 - 8 * n));
   };
   // Behind the signature: length, type, data and checksum of each chunk.
-  for (size_t nChunk = 8; nChunk + 12 <= nSize;) {
+  for (size_t nChunk = 8; nChunk + 12 <= aFile.size();) {
     uint64_t nLength = 0;
     for (size_t n = 0; n < 4; ++n) nLength = nLength << 8 | aFile[nChunk + n];
-    if (nLength > nSize - nChunk - 12) break;
+    if (nLength > aFile.size() - nChunk - 12) break;
     const size_t nData = static_cast<size_t>(nLength);
     Put(nChunk + 8 + nData,
         static_cast<uint32_t>(crc32(0, &aFile[nChunk + 4], static_cast<uInt>(4 + nData))));

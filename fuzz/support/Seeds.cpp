@@ -1,4 +1,4 @@
-// Writes a target's seeds before the fuzzer looks at the arguments.
+// Feeds what the fuzzer makes up, and writes a target's seeds before the fuzzer looks at the arguments.
 #include <cstring>
 #include <fstream>
 
@@ -19,4 +19,9 @@ extern "C" int LLVMFuzzerInitialize(int* pnArguments, char*** pppArguments) {
     }
   }
   std::exit(0);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
+  Feed(Bytes(pData, pData + nSize));
+  return 0;
 }

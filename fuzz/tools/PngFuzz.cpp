@@ -15,19 +15,18 @@ std::vector<Bytes> Seeds() {
   return {oFile.Content()};
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
-  const Bytes aFile = WithRightChecksums(pData, nSize);
-  const ClMemoryFile oFile(aFile.data(), aFile.size());
+void Feed(const Bytes& aInput) {
+  const Bytes aFile = WithRightChecksums(aInput);
+  const ClMemoryFile oFile(aFile);
   ClPicture oPicture;
-  if (RefusedWith<ClToolError>([&] { oPicture = ReadPng(oFile.Path()); })) return 0;
+  if (RefusedWith<ClToolError>([&] { oPicture = ReadPng(oFile.Path()); })) return;
   Require(oPicture.aPixels.size() == size_t{oPicture.nWidth} * oPicture.nHeight,
           "a picture has all its pixels");
   // Writing a large one takes much longer than reading it.
-  if (oPicture.aPixels.size() > 4096) return 0;
+  if (oPicture.aPixels.size() > 4096) return;
   const ClMemoryFile oStored;
   WritePng(oPicture, oStored.Path());
   const ClPicture oAgain = ReadPng(oStored.Path());
   Require(oAgain.nWidth == oPicture.nWidth && oAgain.aPixels == oPicture.aPixels,
           "what is written reads again");
-  return 0;
 }
