@@ -39,6 +39,15 @@ class Tool : public testing::Test {
     oRun.nExit = WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
     return oRun;
   }
+  static void Expect(const StRun& oRun, int nExit, const char* szText) {
+    EXPECT_EQ(oRun.nExit, nExit) << oRun.sOutput;
+    EXPECT_NE(oRun.sOutput.find(szText), std::string::npos) << oRun.sOutput;
+  }
+  static nlohmann::json FactsOf(const std::string& sArguments, int nExit = 0) {
+    const StRun oRun = Run(sArguments + " --json");
+    EXPECT_EQ(oRun.nExit, nExit) << oRun.sOutput;
+    return nlohmann::json::parse(oRun.sOutput);
+  }
 
   std::string Out() const { return " --out " + m_oFolder.Path(); }
   std::vector<unsigned char> FileOf(const std::string& sName) const {
@@ -62,9 +71,7 @@ unsigned long LittleEndian(const std::vector<unsigned char>& aBytes, size_t nOff
 
 TEST_F(Tool, TellsScannersAndWhatTheyAre) {
   EXPECT_EQ(Run("list --scene finger").sOutput, "VT40-AB0001\n");
-  const StRun oInfo = Run("info --scene finger --json");
-  ASSERT_EQ(oInfo.nExit, 0) << oInfo.sOutput;
-  const nlohmann::json oFacts = nlohmann::json::parse(oInfo.sOutput);
+  const nlohmann::json oFacts = FactsOf("info --scene finger");
   EXPECT_EQ(oFacts["library"], "1.5.1421.5");
   EXPECT_EQ(oFacts["image"]["width"], 1600);
   EXPECT_EQ(oFacts["preview"]["pelsPerMetre"], 9842);
@@ -74,9 +81,7 @@ TEST_F(Tool, TellsScannersAndWhatTheyAre) {
 
 TEST_F(Tool, SetsLightsBuzzerAndDisplay) {
   const auto Facts = [](const std::string& sArguments) {
-    const StRun oRun = Run(sArguments + " --scene empty --json");
-    EXPECT_EQ(oRun.nExit, 0) << oRun.sOutput;
-    nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+    nlohmann::json oFacts = FactsOf(sArguments + " --scene empty");
     oFacts.erase("serial");
     return oFacts.dump();
   };
@@ -99,15 +104,11 @@ TEST_F(Tool, WithoutTheLivenessLibraryAutoLiveIsRefused) {
   // From there, so that nothing is found by way of the working directory.
   const std::string sTool = "cd " + m_oFolder.Path("bin") + " && LD_LIBRARY_PATH=../lib " KLV_RUN "./vt40 ";
   EXPECT_EQ(RunCommand(sTool + "capture --mode off --scene finger" + Out()).nExit, 0);
-  const StRun oLive = RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out());
-  EXPECT_EQ(oLive.nExit, 2) << oLive.sOutput;
-  EXPECT_NE(oLive.sOutput.find("(-103)"), std::string::npos) << oLive.sOutput;
+  Expect(RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out()), 2, "(-103)");
 }
 
 TEST_F(Tool, CapturesIntoPngFilesWithTheirResolution) {
-  const StRun oRun = Run("capture --scene finger --json" + Out());
-  ASSERT_EQ(oRun.nExit, 0) << oRun.sOutput;
-  const nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+  const nlohmann::json oFacts = FactsOf("capture --scene finger" + Out());
   EXPECT_EQ(oFacts["done"], true);
   EXPECT_EQ(oFacts["pictures"].size(), 2u);
   for (const auto& [szName, nSide, nPels] :
@@ -148,27 +149,22 @@ TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
   const std::string sScene = SceneFile(R"({"pacing": "consumer", "scanners": [{"fingers": [
       {"print": {"seed": 3, "width": 27}, "touch": 0.3, "lift": 3.4,
        "roll": {"path": [{"at": 0.4, "strip": 7}, {"at": 2.9, "strip": -7}]}}]}]})");
-  const StRun oClean = Run("roll --json --frames " + m_oFolder.Path("frames") + sScene + Out());
-  ASSERT_EQ(oClean.nExit, 0) << oClean.sOutput;
-  const nlohmann::json oFacts = nlohmann::json::parse(oClean.sOutput);
+  const nlohmann::json oFacts = FactsOf("roll --frames " + m_oFolder.Path("frames") + sScene + Out());
   EXPECT_EQ(oFacts["result"], 0);
   EXPECT_EQ(oFacts["pictures"][0]["pelsPerMetre"], 19685);
   EXPECT_GT(oFacts["millimetres"], 22.0);
   const auto itFrames = std::filesystem::directory_iterator(m_oFolder.Path("frames"));
   EXPECT_EQ(std::distance(begin(itFrames), end(itFrames)), oFacts["frames"].size());
   EXPECT_TRUE(std::filesystem::exists(m_oFolder.Path("frames/frame-0001.png")));
-  const StRun oShort = RunCommand("KELVARIN_VTSIM_PACING=consumer " KLV_RUN KLV_TOOL
-                                  " roll --no-postprocess --format bmp --scene roll-short" +
-                                  Out());
-  EXPECT_EQ(oShort.nExit, 1) << oShort.sOutput;
-  EXPECT_NE(oShort.sOutput.find("too small"), std::string::npos) << oShort.sOutput;
+  Expect(RunCommand("KELVARIN_VTSIM_PACING=consumer " KLV_RUN KLV_TOOL
+                    " roll --no-postprocess --format bmp --scene roll-short" +
+                    Out()),
+         1, "too small");
   EXPECT_EQ(FileOf("roll.bmp").size(), 14u + 40 + 1024 + 800 * 800);
 }
 
 TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
-  const StRun oMade = Run("calibrate --json --scene target" + Out());
-  ASSERT_EQ(oMade.nExit, 0) << oMade.sOutput;
-  const nlohmann::json oFacts = nlohmann::json::parse(oMade.sOutput);
+  const nlohmann::json oFacts = FactsOf("calibrate --scene target" + Out());
   EXPECT_EQ(oFacts["dots"], 64);
   EXPECT_GT(oFacts["residualMicrometres"]["before"]["rms"], 100.0);
   EXPECT_LT(oFacts["residualMicrometres"]["after"]["rms"], 10.0);
@@ -187,13 +183,10 @@ TEST_F(Tool, CalibratesFromTheTargetAndJudgesWhatIsStored) {
   };
   EXPECT_EQ(Run("capture --mode off" + Out() + Stored("")).nExit, 0) << "the scanner works with it";
   EXPECT_EQ(Run("calibrate --check" + Stored("")).nExit, 0);
-  const StRun oNone =
-      Run("calibrate --check" + SceneFile(R"({"scanners": [{"eprom": {"BRGHTCAL": {"missing": true}}}]})"));
-  EXPECT_EQ(oNone.nExit, 1);
-  EXPECT_NE(oNone.sOutput.find("Error reading brightness calibration data."), std::string::npos);
-  const StRun oBad = Run("calibrate --check --json" + Stored(R"(, "flip": [200])"));
-  EXPECT_EQ(oBad.nExit, 1);
-  const nlohmann::json oGeometry = nlohmann::json::parse(oBad.sOutput)["data"][0];
+  Expect(
+      Run("calibrate --check" + SceneFile(R"({"scanners": [{"eprom": {"BRGHTCAL": {"missing": true}}}]})")),
+      1, "Error reading brightness calibration data.");
+  const nlohmann::json oGeometry = FactsOf("calibrate --check" + Stored(R"(, "flip": [200])"), 1)["data"][0];
   EXPECT_EQ(oGeometry["good"], false);
   EXPECT_NE(oGeometry["reason"].get<std::string>().find("Calibration Data currupt"), std::string::npos);
 }
@@ -204,9 +197,7 @@ TEST_F(Tool, TakesASignatureWhenThePenRests) {
       {"at": 0.5, "line": "straight", "speed": 40, "points": [[10, 15], [70, 25]]}]}}]})");
   };
   // However slow this machine is, no frame of the stroke is dropped.
-  const StRun oRun = Run("sign --half --time 0.4 --format bmp --json" + Stroke("consumer") + Out());
-  ASSERT_EQ(oRun.nExit, 0) << oRun.sOutput;
-  const nlohmann::json oFacts = nlohmann::json::parse(oRun.sOutput);
+  const nlohmann::json oFacts = FactsOf("sign --half --time 0.4 --format bmp" + Stroke("consumer") + Out());
   EXPECT_EQ(oFacts["done"], true);
   EXPECT_GT(oFacts["ink"]["width"], 900);
   EXPECT_LT(oFacts["ink"]["height"], 300);
@@ -219,9 +210,8 @@ TEST_F(Tool, TakesASignatureWhenThePenRests) {
 
 TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   const auto Expect = [](const std::string& sArguments, int nExit, const char* szText) {
-    const StRun oRun = Run(sArguments);
-    EXPECT_EQ(oRun.nExit, nExit) << sArguments << "\n" << oRun.sOutput;
-    EXPECT_NE(oRun.sOutput.find(szText), std::string::npos) << oRun.sOutput;
+    SCOPED_TRACE(sArguments);
+    Tool::Expect(Run(sArguments), nExit, szText);
   };
   Expect("capture --scene empty" + Out(), 1, "no finger");
   Expect("capture --mode sideways", 2, "--mode");
@@ -289,14 +279,12 @@ TEST_F(Tool, TheManualPageTellsEveryCommandAndOption) {
 }
 
 TEST_F(Tool, AScannerThatGoesDuringTheCaptureIsLost) {
-  const StRun oRun = Run("capture --mode off" + Out() + SceneFile(R"({"scanners": [{"serial": "VT40-AB0001"}],
-      "faults": [{"unplug": "VT40-AB0001", "at": 0.0001}]})"));
-  EXPECT_EQ(oRun.nExit, 6) << oRun.sOutput;
-  EXPECT_NE(oRun.sOutput.find("VT40-AB0001"), std::string::npos) << oRun.sOutput;
-  const StRun oDisplay = Run("display Hello" + SceneFile(R"({"scanners": [{}], "faults": [
-      {"call": "VTScanAPIApplyInternalCommand", "first": 9, "result": -60}]})"));
-  EXPECT_EQ(oDisplay.nExit, 6) << oDisplay.sOutput;
-  EXPECT_NE(oDisplay.sOutput.find("display of scanner VT40-AB0001"), std::string::npos) << oDisplay.sOutput;
+  Expect(Run("capture --mode off" + Out() + SceneFile(R"({"scanners": [{"serial": "VT40-AB0001"}],
+      "faults": [{"unplug": "VT40-AB0001", "at": 0.0001}]})")),
+         6, "VT40-AB0001");
+  Expect(Run("display Hello" + SceneFile(R"({"scanners": [{}], "faults": [
+      {"call": "VTScanAPIApplyInternalCommand", "first": 9, "result": -60}]})")),
+         6, "display of scanner VT40-AB0001");
 }
 
 }  // namespace
