@@ -41,23 +41,6 @@ TEST(EncodeGains, BothFormsInterleaveGainAndWhitePatch) {
                                    0x33, 0xA3));
 }
 
-TEST(MeasureGeometry, TheDotGridRunsColumnByColumnAndSeesTheMirroredPlaten) {
-  for (const char* szSerial : {"VT40-AB0001", "VT40-AC0002", "VT40-AA0003"}) {
-    const ClOptics oOptics(MixText(szSerial));
-    const ClGeometry o = MeasureGeometry(oOptics);
-    ASSERT_EQ(o.aTarget.size(), 64u);
-    ASSERT_EQ(o.aActual.size(), 64u);
-    EXPECT_NEAR(o.aTarget[9].dX - o.aTarget[1].dX, 196.85, 0.01);  // one column on: 10 mm
-    EXPECT_NEAR(o.aTarget[1].dY - o.aTarget[0].dY, 196.85, 0.01);  // one row on
-    EXPECT_NEAR(o.aTarget[0].dX + o.aTarget[63].dX, 1599.0, 0.01);
-    for (size_t e = 0; e < 64; ++e) {
-      // A dot is seen where the optics show the mirrored place of the picture.
-      const ClPoint oBack = oOptics.SensorToPicture(o.aActual[e].dX, o.aActual[e].dY);
-      EXPECT_NEAR(1599.0 - oBack.dX, o.aTarget[e].dX, 1e-5);
-    }
-  }
-}
-
 TEST(MeasureBrightness, TheLuminanceOfKeyOneIsTheLevelOfARidge) {
   const ClOptics oOptics(MixText("VT40-AB0001"));
   const BrightnessTable oTable = MeasureBrightness(oOptics);

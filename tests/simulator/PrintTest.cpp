@@ -1,4 +1,4 @@
-// Prints: what grows from a seed, what comes from a file, and what a finger shows of them.
+// Prints from files, and what a finger shows of a print.
 #include <gmock/gmock.h>
 
 #include "Allocations.h"
@@ -6,32 +6,9 @@
 #include "scene/FingerContent.h"
 #include "scene/FingerMotion.h"
 #include "scene/PrintFile.h"
-#include "scene/PrintGenerator.h"
-#include "scene/SimError.h"
 
 namespace Simulator {
 namespace {
-
-ClPrintDescription Description(uint64_t nSeed, EPattern ePattern) {
-  ClPrintDescription o;
-  o.nSeed = nSeed;
-  o.ePattern = ePattern;
-  return o;
-}
-
-/// Rows from one ridge to the next, averaged over columns near the middle in the upper part of a print, where
-/// ridges run across.
-double RidgePeriod(const ClPrint& oPrint) {
-  const TpPlane<uint8_t>& o = oPrint.oRidge;
-  int nCrossings = 0, nRows = 0;
-  for (int x = o.Width() / 2 - 20; x <= o.Width() / 2 + 20; x += 5) {
-    for (int y = o.Height() / 8; y < o.Height() / 8 + 80; ++y) {
-      nCrossings += (o.At(x, y) < 128) != (o.At(x, y + 1) < 128);
-      ++nRows;
-    }
-  }
-  return 2.0 * nRows / nCrossings;
-}
 
 ClPlatenMap Drawn(const ClFingerDescription& oFinger, double dSeconds = 0.0) {
   ClPlatenMap oMap;
@@ -42,24 +19,6 @@ ClPlatenMap Drawn(const ClFingerDescription& oFinger, double dSeconds = 0.0) {
 
 ptrdiff_t Count(const TpPlane<uint8_t>& o) {
   return std::count_if(o.Data(), o.Data() + o.Count(), [](uint8_t n) { return n >= 128; });
-}
-
-TEST(PrintGenerator, RidgesAreNinePixelsApartAndCoverAboutHalfTheSkin) {
-  for (const EPattern ePattern : {ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch}) {
-    ClPrintDescription oDescription = Description(17, ePattern);
-    oDescription.dPores = 0.0;
-    const ClPrint oPrint = GeneratePrint(oDescription);
-    EXPECT_NEAR(RidgePeriod(oPrint), 9.0, 1.0) << ePattern;
-    double dRidge = 0.0, dSkin = 0.0;
-    for (size_t i = 0; i < oPrint.oRidge.Count(); ++i) {
-      if (oPrint.oDepth.Data()[i] < 100) continue;
-      dSkin += 1.0;
-      dRidge += oPrint.oRidge.Data()[i] >= 128;
-    }
-    EXPECT_NEAR(dRidge / dSkin, 0.5, 0.06) << ePattern;
-    const ClPrint oOther = GeneratePrint(Description(18, ePattern));
-    EXPECT_GT(std::abs(RidgePeriod(oOther) - RidgePeriod(oPrint)), 0.0) << "another seed is another finger";
-  }
 }
 
 TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
@@ -80,24 +39,15 @@ TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
 
 TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
   const ClTestFolder oFolder;
-  const auto NumberOf = [](const std::string& sPath) -> std::pair<long, std::string> {
-    try {
-      ReadPrintFile(sPath);
-      return {0, ""};
-    } catch (const ClSimError& oError) {
-      return {oError.Number(), oError.what()};
-    }
-  };
+  const auto Refusal = [](const std::string& sPath) { return RefusalOf([&] { ReadPrintFile(sPath); }); };
   const std::string sGood = oFolder.WritePng("good.png", 64, 64, [](unsigned x, unsigned) { return x; });
-  EXPECT_EQ(NumberOf(sGood).first, 0);
+  EXPECT_EQ(Refusal(sGood).first, 0);
   const std::string sBytes = oFolder.Read(sGood);
   const std::string sCut = oFolder.Write("cut.png", sBytes.substr(0, sBytes.size() / 2));
-  EXPECT_EQ(NumberOf(sCut).first, -203);
-  EXPECT_THAT(NumberOf(sCut).second, testing::HasSubstr(sCut));
-  EXPECT_EQ(NumberOf(oFolder.Write("text.png", "no picture")).first, -203);
-  EXPECT_EQ(NumberOf(oFolder.Path("none.png")).first, -200);
-  EXPECT_EQ(NumberOf(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first,
-            -203);
+  EXPECT_THAT(Refusal(sCut), testing::Pair(-203, testing::HasSubstr(sCut)));
+  EXPECT_EQ(Refusal(oFolder.Write("text.png", "no picture")).first, -203);
+  EXPECT_EQ(Refusal(oFolder.Path("none.png")).first, -200);
+  EXPECT_EQ(Refusal(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first, -203);
 }
 
 TEST(PrintFile, ACoarsePrintIsNotEnlargedBeforeItIsRefused) {
@@ -124,20 +74,6 @@ TEST(FingerContent, PressureWidensTheContactAndDrynessBreaksIt) {
   EXPECT_GT(Count(oHard.oCover), Count(oUsual.oCover));
   EXPECT_LT(Count(oDry.oContact), Count(oUsual.oContact) * 9 / 10);
   EXPECT_EQ(Count(oDry.oCover), Count(oUsual.oCover));
-}
-
-TEST(FingerContent, APositiveAngleLeansTheTipToTheLeft) {
-  // A picture with one dark bar at its top.
-  const ClTestFolder oFolder;
-  ClFingerDescription oDescription;
-  oDescription.oPrint.sFile =
-      oFolder.WritePng("bar.png", 401, 401, [](unsigned, unsigned y) { return y < 60 ? 0 : 255; });
-  oDescription.dAngle = 90.0;
-  oDescription.dDryness = 0.0;
-  const ClPlatenMap oMap = Drawn(oDescription);
-  EXPECT_EQ(oMap.oContact.At(800 - 180, 800), 255);
-  EXPECT_EQ(oMap.oContact.At(800 + 180, 800), 0);
-  EXPECT_EQ(oMap.oContact.At(800, 800 - 180), 0);
 }
 
 TEST(FingerMotion, AFingerSettlesSlidesPressesAndComesBackOnTime) {

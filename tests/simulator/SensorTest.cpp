@@ -155,20 +155,6 @@ TEST(Sensor, TheSameSeedAndNumberGiveTheSameBytesWhateverCameBefore) {
   EXPECT_FALSE(aFirst == Sequence(oOther, oSettings, 9));
 }
 
-TEST(Sensor, ANewSceneIsSeenAndTheTruthFollowsIt) {
-  ClSensor oSensor(Scene("empty"), 1);
-  const ClSensorSettings oSettings = Settings(oSensor, 35, 1.0);
-  EXPECT_LT(Mean(Difference(Sequence(oSensor, oSettings))), 5.0);
-  oSensor.SetScene(Scene("slap-right"), 1);
-  EXPECT_GT(Mean(Difference(Sequence(oSensor, oSettings))), 10.0);
-  std::vector<uint8_t> aPicture(1600 * 1600), aCover(1600 * 1600);
-  oSensor.GroundTruth(0.0, aPicture.data(), aCover.data());
-  const auto nSkin = std::count(aCover.begin(), aCover.end(), 255);
-  const auto nBlack = std::count_if(aPicture.begin(), aPicture.end(), [](uint8_t n) { return n < 128; });
-  EXPECT_GT(nSkin, 300000);
-  EXPECT_NEAR(static_cast<double>(nBlack) / static_cast<double>(nSkin), 0.5, 0.1);
-}
-
 TEST(Sensor, RoomLightFollowsItsListFromPlaneToPlane) {
   // Dark planes of a sequence that begins at 1 s, one of each in every 30th of a second.
   const auto Levels = [](const char* szAmbient) {

@@ -10,11 +10,24 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TemporaryDirectory.h"
+#include "scene/SimError.h"
 
 namespace Simulator {
+
+/// The number and words with which fnCall refuses; number 0 when it does not.
+template <class F>
+std::pair<long, std::string> RefusalOf(F&& fnCall) {
+  try {
+    fnCall();
+    return {0, ""};
+  } catch (const ClSimError& oError) {
+    return {oError.Number(), oError.what()};
+  }
+}
 
 class ClTestFolder : public ClTemporaryDirectory {
  public:
