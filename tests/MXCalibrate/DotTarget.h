@@ -10,49 +10,27 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/Vector.h"
 
-/// 8 by 8 dots, 10 mm apart, seen by slightly slanted optics.
+/// 8 by 8 dots, 10 mm apart.
 struct ClDotTarget {
   static constexpr int cnWidth = 3840;
   static constexpr int cnHeight = 2720;
 
   double dRadiusMm = 1.6;
   double dDegrees = 0;
-  double dKeystone = 0;
-  double dBarrel = 0;
   ClVector vShift;  ///< pixels
   int nDust = 0;
-  int nScratches = 0;
   int nNoise = 0;    ///< half the width of a triangular distribution, grey levels
   double dFall = 0;  ///< part of the light that is lost at the corners
   /// Whole dots beside those of the grid, in mm from the target's middle.
   std::vector<ClVector> aStrays;
-  uint32_t nSeed = 1;
-
-  /// A target whose flaws are drawn from the seed.
-  static ClDotTarget Seeded(uint32_t nSeed) {
-    std::mt19937 oRandom(nSeed);
-    const auto Draw = [&oRandom](double dFrom, double dTo) { return Between(oRandom, dFrom, dTo); };
-    ClDotTarget o;
-    o.nSeed = nSeed;
-    o.dRadiusMm = Draw(1.3, 2.2);
-    o.dDegrees = Draw(-5, 5);
-    o.dKeystone = Draw(-0.01, 0.01);
-    o.dBarrel = Draw(0, 0.012);
-    o.vShift = ClVector(Draw(-12, 12), Draw(-12, 12));
-    o.nDust = 150;
-    o.nScratches = 6;
-    o.nNoise = 8;
-    o.dFall = Draw(0.1, 0.3);
-    return o;
-  }
 
   /// Where the sensor shows a place of the target, in mm from its middle.
   ClVector ToSensor(const ClVector& vMm) const {
     const double dTurn = dDegrees * 3.14159265358979323846 / 180;
     const double dU = (vMm.x * std::cos(dTurn) - vMm.y * std::sin(dTurn)) / 40;
     const double dV = (vMm.x * std::sin(dTurn) + vMm.y * std::cos(dTurn)) / 40;
-    const double dScale = (1 - dBarrel * (dU * dU + dV * dV)) / (1 + dKeystone * dV) * 40 / 25.4;
-    return ClVector(0.5 * (cnWidth - 1) + 1052 * dU * dScale, 0.5 * (cnHeight - 1) + 768 * dV * dScale) +
+    constexpr double cdInches = 40 / 25.4;
+    return ClVector(0.5 * (cnWidth - 1) + 1052 * dU * cdInches, 0.5 * (cnHeight - 1) + 768 * dV * cdInches) +
            vShift;
   }
 
@@ -70,13 +48,12 @@ struct ClDotTarget {
     std::vector<float> aDark(static_cast<size_t>(cnWidth) * cnHeight, 0.0F);
     for (int n = 0; n < 64; ++n) AddDot(aDark, Place(n));
     for (const ClVector& v : aStrays) AddDot(aDark, v);
-    std::mt19937 oRandom(nSeed + 1000);
+    std::mt19937 oRandom(1001);
     for (int n = 0; n < nDust; ++n) {
       const ClVector v(Between(oRandom, 0, cnWidth), Between(oRandom, 0, cnHeight));
       AddDisc(aDark, v, Between(oRandom, 1.5, 6), 0.6F);
     }
-    for (int n = 0; n < nScratches; ++n) AddScratch(aDark, oRandom);
-    uint32_t nNoiseState = nSeed * 2654435761u + 1;
+    uint32_t nNoiseState = 2654435762u;
     for (int y = 0; y < cnHeight; ++y) {
       const double dV = 2.0 * y / cnHeight - 1;
       for (int x = 0; x < cnWidth; ++x) {
@@ -127,16 +104,6 @@ struct ClDotTarget {
         Darken(aDark, static_cast<int>(vCentre.x) + x, static_cast<int>(vCentre.y) + y,
                static_cast<double>(fBy));
       }
-    }
-  }
-
-  /// A faint thin line of 150 pixels.
-  static void AddScratch(std::vector<float>& aDark, std::mt19937& rRandom) {
-    const ClVector vFrom(Between(rRandom, 0, cnWidth), Between(rRandom, 0, cnHeight));
-    const double dAngle = Between(rRandom, 0, 6.28);
-    for (int n = 0; n < 150; ++n) {
-      const ClVector v = vFrom + ClVector(std::cos(dAngle), std::sin(dAngle)) * n;
-      Darken(aDark, static_cast<int>(v.x), static_cast<int>(v.y), 0.3);
     }
   }
 };

@@ -10,7 +10,6 @@
 #include "../MXCalibrate/CalibrationBlocks.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
-#include "MXTools/MemStream.h"
 #include "Raised.h"
 #include "TemporaryDirectory.h"
 
@@ -70,14 +69,11 @@ TEST(Revision, DecidesOnTablesAndExposure) {
   ClVT40SetupCalibrationData oFirst("VT40-AA0001", true);
   EXPECT_EQ(oFirst.GetExposure(), 150u);
   EXPECT_EQ(oFirst.GetGainLevel(1), 0x202420u);
-  EXPECT_EQ(oFirst.GetGainLevel(6), 0x00503Cu);
   EXPECT_EQ(oFirst.GetBrightnessAdjustment(16), 0xC89632u);
   ClVT40SetupCalibrationData oLater("VT40-AH0001", false);
-  EXPECT_EQ(oLater.GetScannerRevision(), 7u);
   EXPECT_EQ(oLater.GetExposure(), 300u);
   EXPECT_EQ(oLater.GetGainLevel(1), 0u);
   EXPECT_EQ(oLater.GetBrightnessAdjustment(4), 0xC0C0C0u);
-  EXPECT_TRUE(oLater.GetIlluminationSet(1).empty());
   EXPECT_EQ(ClVT40SetupCalibrationData("VT40-AD0001", true).GetExposure(), 400u);
   EXPECT_THAT(Raised([] { ClVT40SetupCalibrationData("VT40-AI0001", true); }),
               testing::Pair(-103, EndsWith("Scanner revision not supported.")));
@@ -91,11 +87,7 @@ TEST(Gain, IsTheSameFromBothFormsAndHalvedByteByByteWithoutUsbPower) {
     oSetup.UpdateGainData(aBlock.data(), Size(aBlock));
     EXPECT_EQ(oUsb.GetGainLevel(1), 0x224466u);
     EXPECT_EQ(oSetup.GetGainLevel(1), 0x112233u);
-    EXPECT_EQ(oSetup.GetGainLevel(16), 0x112233u);
-    EXPECT_EQ(oSetup.GetGainLevel(4), 0x55AAFFu);
-    TpArrayStatic<char> aOut;
-    oUsb.GetGainData(aOut);
-    EXPECT_EQ(Bytes(aOut.Data(), aOut.Data() + aOut.Entries()), LegacyGainBlock());
+    EXPECT_EQ(oSetup.GetGainLevel(4), 0x55AAFFu) << "only that of all channels";
   }
   Bytes aBlock(30, 0);
   for (const size_t n : {6u, 8u, 10u}) aBlock[n] = 0x81;
@@ -132,10 +124,8 @@ TEST(Geometry, GivesEachKindOfFrameItsDataSet) {
   }
   TpArrayStatic<char> aOut;
   oSetup.GetGeometricData(aOut);
-  ClMemStream oStream(reinterpret_cast<const unsigned char*>(aOut.Data()), aOut.Entries());
-  ClCalibrateGeometricData oRead;
-  oRead.Read(oStream);
-  EXPECT_EQ(oRead.m_nSourceWidth, 3840u);
+  oRecord.nBackground = 0;
+  EXPECT_EQ(Bytes(aOut.Data(), aOut.Data() + aOut.Entries()), GeometricBlock(oRecord));
   oSetup.Reset(true, false, false);
   EXPECT_FALSE(oSetup.GetGeometricDataFull(false).IsValid());
 }
@@ -177,18 +167,12 @@ TEST(Geometry, TheFirstRevisionMayHaveMorePointsOnTheSensorThanTargets) {
   }
 }
 
-/// A straight grid of 400 by 300, so that each point is its neighbours' middle.
-std::vector<ClVector> StraightGrid() {
-  std::vector<ClVector> aPoints;
-  aPoints.reserve(64);
-  for (int n = 0; n < 64; ++n) aPoints.emplace_back(600 + 400 * (n / 8), 300 + 300 * (n % 8));
-  return aPoints;
-}
-
 using Offsets = std::map<unsigned int, ClVector>;
 
+/// A straight grid of 400 by 300, so that each point is its neighbours' middle, with points off it.
 std::vector<ClVector> GridOff(const Offsets& mapOff) {
-  std::vector<ClVector> aPoints = StraightGrid();
+  std::vector<ClVector> aPoints;
+  for (int n = 0; n < 64; ++n) aPoints.emplace_back(600 + 400 * (n / 8), 300 + 300 * (n % 8));
   for (const auto& [n, vOff] : mapOff) aPoints[n] = aPoints[n] + vOff;
   return aPoints;
 }
@@ -255,9 +239,6 @@ TEST(Brightness, NeedsGeometryAndWholeSamplesOfKeyOne) {
   UpdateGeometry(oSetup, GeometricBlock(ClGeometricRecord()));
   EXPECT_EQ(oUpdate(aGood).first, 0);
   EXPECT_EQ(oUpdate(CurrentBrightnessBlock()).first, 0);
-  TpArrayStatic<char> aOut;
-  oSetup.GetBrightnessData(aOut);
-  EXPECT_EQ(aOut.Entries(), 1088u);
   EXPECT_EQ(oUpdate(Bytes(aGood.begin(), aGood.end() - 1)).first, -201);
   Bytes aOther = CurrentBrightnessBlock();
   aOther[8 + 200] = 2;

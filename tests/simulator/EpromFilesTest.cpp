@@ -1,9 +1,6 @@
-// The calibration files, byte for byte, and what they say about the optics.
+// The calibration files, byte for byte.
 #include <gmock/gmock.h>
 
-#include <cmath>
-
-#include "scene/Random.h"
 #include "sensor/EpromFiles.h"
 
 namespace Simulator {
@@ -39,18 +36,6 @@ TEST(EncodeGains, BothFormsInterleaveGainAndWhitePatch) {
   EXPECT_THAT(EncodeGains({{1, oTable[1]}}, false),
               testing::ElementsAre('C', 'G', 'D', 0, 1, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0x11, 0xA1, 0x22, 0xA2,
                                    0x33, 0xA3));
-}
-
-TEST(MeasureBrightness, TheLuminanceOfKeyOneIsTheLevelOfARidge) {
-  const ClOptics oOptics(MixText("VT40-AB0001"));
-  const BrightnessTable oTable = MeasureBrightness(oOptics);
-  const std::vector<ClPoint> aTarget = MeasureGeometry(oOptics).aTarget;
-  ASSERT_EQ(oTable.size(), 5u);
-  const auto& aPlanes = oTable.at(1);
-  for (size_t i = 0; i < 64; ++i) {
-    const int nLuminance = (30 * aPlanes[0][i] + 59 * aPlanes[1][i] + 11 * aPlanes[2][i]) / 100;
-    EXPECT_NEAR(nLuminance, 150.0 * oOptics.Illumination(1599.0 - aTarget[i].dX, aTarget[i].dY), 1.5);
-  }
 }
 
 }  // namespace

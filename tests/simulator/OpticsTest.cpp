@@ -1,4 +1,4 @@
-// Optics and light of a scanner.
+// Optics of a scanner.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,10 +10,8 @@
 namespace Simulator {
 namespace {
 
-constexpr const char* g_caszSerials[] = {"VT40-AB0001", "VT40-AA0002", "VT40-AC1234", "VT40-AD9999"};
-
 TEST(Optics, ThePlatenFitsTheSensorMirroredAndDistortedByAFewPercent) {
-  for (const char* szSerial : g_caszSerials) {
+  for (const char* szSerial : {"VT40-AB0001", "VT40-AA0002", "VT40-AC1234", "VT40-AD9999"}) {
     const ClOptics oOptics(MixText(szSerial));
     double dWorst = 0.0;
     for (double dY = 0.0; dY <= 1599.0; dY += 123.0) {

@@ -78,27 +78,23 @@ TEST(Sensor, EveryModeShowsItsPartOfTheFullSensorMerged) {
 
 TEST(Sensor, TheNominalExposureGivesTheSameGreyWhateverThePowerAndTheRevision) {
   const ClTestFolder oFolder;
-  struct ClCase {
-    const char* szSerial;
-    bool bUsb;
-    const char* szVersion;
-    unsigned nExposure;
-  };
-  for (const ClCase& oCase :
-       {ClCase{"VT40-AB0001", false, "FPGA:2.07", 300}, ClCase{"VT40-AB0001", true, "FPGA:2.07", 400},
-        ClCase{"VT40-AB0001", true, "FPGA:2.06", 300}, ClCase{"VT40-AA0001", false, "", 150}}) {
-    ClScannerDescription oDescription = Quiet(FullContact(oFolder));
-    oDescription.sSerial = oCase.szSerial;
-    oDescription.bUsbPowered = oCase.bUsb;
-    oDescription.sVersion = oCase.szVersion;
+  ClScannerDescription oDescription = Quiet(FullContact(oFolder));
+  for (const auto& [szSerial, bUsb, szVersion, nExposure] :
+       {std::tuple<const char*, bool, const char*, unsigned>{"VT40-AB0001", false, "FPGA:2.07", 300},
+        {"VT40-AB0001", true, "FPGA:2.07", 400},
+        {"VT40-AB0001", true, "FPGA:2.06", 300},
+        {"VT40-AA0001", false, "", 150}}) {
+    oDescription.sSerial = szSerial;
+    oDescription.bUsbPowered = bUsb;
+    oDescription.sVersion = szVersion;
     ClSensor oSensor(oDescription, 1);
-    EXPECT_EQ(oSensor.NominalExposure(), oCase.nExposure);
+    EXPECT_EQ(oSensor.NominalExposure(), nExposure);
     const ClSensorSettings oSettings = Settings(oSensor, 7, 1.0);
     const Plane a = Difference(Sequence(oSensor, oSettings));
-    // 150 levels of a ridge and 4 of stray light.
+    // 150 levels of a ridge and 4 of stray light, in the mean of the taps.
     double dTaps = 0.0;
     for (int i = 0; i < 4; ++i) dTaps += 0.25 * TapMean(a, *oSettings.pMode, i / 2, i % 2);
-    EXPECT_NEAR(dTaps, 154.0, 4.0) << oCase.szSerial << oCase.szVersion;
+    EXPECT_NEAR(dTaps, 154.0, 4.0) << szSerial << szVersion;
   }
 }
 
