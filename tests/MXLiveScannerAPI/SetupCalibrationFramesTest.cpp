@@ -107,22 +107,19 @@ TEST_F(Frames, EachKindShowsTheDotsOfTheTargetInTheirPlaces) {
 
 TEST_F(Frames, OtherSizesAndTypesAreRefusedAndLeaveTheOutputAlone) {
   using Setup = ClVT40SetupCalibrationData;
-  const struct {
-    void (Setup::*pfnCalibrate)(ClImage&, ClImage&);
-    ClImage::EDataType eType;
-    int nWidth, nHeight;
-    long nNumber;
-  } aFrames[] = {{&Setup::CalibratePreview, ClImage::eUint8, 800, 800, -103},
-                 {&Setup::CalibrateFull, ClImage::eUint8, 1920, 1360, -103},
-                 {&Setup::CalibrateRoll, ClImage::eUint8, 1920, 1360, -103},
-                 {&Setup::CalibrateRoll, ClImage::eUint8, 960, 1360, -103},
-                 {&Setup::CalibrateRoll, ClImage::eInt16, 960, 1362, -103},
-                 {&Setup::CalibratePreview, ClImage::eInt16, 1920, 1360, -44}};
-  for (const auto& o : aFrames) {
-    m_oFrame.NewWithType(o.eType, o.nWidth, o.nHeight, 1, 0, 0, true);
-    const auto oRaised = Raised([&] { (m_pSetup.get()->*o.pfnCalibrate)(m_oFrame, m_oOut); });
-    EXPECT_EQ(oRaised.first, o.nNumber) << o.nWidth;
-    EXPECT_EQ(oRaised.second.find("Unsupported image dimensions.") != std::string::npos, o.nNumber == -103);
+  for (const auto& [pfnCalibrate, eType, nWidth, nHeight, nNumber] :
+       {std::tuple{&Setup::CalibratePreview, ClImage::eUint8, 800, 800, -103L},
+        {&Setup::CalibrateFull, ClImage::eUint8, 1920, 1360, -103L},
+        {&Setup::CalibrateRoll, ClImage::eUint8, 1920, 1360, -103L},
+        {&Setup::CalibrateRoll, ClImage::eUint8, 960, 1360, -103L},
+        {&Setup::CalibrateRoll, ClImage::eInt16, 960, 1362, -103L},
+        {&Setup::CalibratePreview, ClImage::eInt16, 1920, 1360, -44L}}) {
+    m_oFrame.NewWithType(eType, nWidth, nHeight, 1, 0, 0, true);
+    // A copy, since older compilers let no closure take hold of the names of a structured binding.
+    const auto pfn = pfnCalibrate;
+    const auto oRaised = Raised([&] { (m_pSetup.get()->*pfn)(m_oFrame, m_oOut); });
+    EXPECT_EQ(oRaised.first, nNumber) << nWidth;
+    EXPECT_EQ(oRaised.second.find("Unsupported image dimensions.") != std::string::npos, nNumber == -103);
   }
   EXPECT_TRUE(m_oOut.Data() == nullptr);
 }

@@ -128,9 +128,8 @@ TEST_F(CaptureTest, WhoWaitsIsWokenByWhateverEndsTheCapture) {
     oCase.fnAct(hDevice);
     EXPECT_EQ(oWaiter.get(), oCase.nExpected) << oCase.szName;
     EXPECT_LT(Seconds(oStart), 1.5) << oCase.szName;
-    VTSimReset();
-    while (VTScanAPIUninitialize() == 0) {
-    }
+    TearDown();
+    SetUp();
   }
 }
 
