@@ -39,15 +39,15 @@ TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
 
 TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
   const ClTestFolder oFolder;
-  const auto Refusal = [](const std::string& sPath) { return RefusalOf([&] { ReadPrintFile(sPath); }); };
+  const auto Failure = [](const std::string& sPath) { return RefusalOf([&] { ReadPrintFile(sPath); }); };
   const std::string sGood = oFolder.WritePng("good.png", 64, 64, [](unsigned x, unsigned) { return x; });
-  EXPECT_EQ(Refusal(sGood).first, 0);
+  EXPECT_EQ(Failure(sGood).first, 0);
   const std::string sBytes = oFolder.Read(sGood);
   const std::string sCut = oFolder.Write("cut.png", sBytes.substr(0, sBytes.size() / 2));
-  EXPECT_THAT(Refusal(sCut), testing::Pair(-203, testing::HasSubstr(sCut)));
-  EXPECT_EQ(Refusal(oFolder.Write("text.png", "no picture")).first, -203);
-  EXPECT_EQ(Refusal(oFolder.Path("none.png")).first, -200);
-  EXPECT_EQ(Refusal(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first, -203);
+  EXPECT_THAT(Failure(sCut), testing::Pair(-203, testing::HasSubstr(sCut)));
+  EXPECT_EQ(Failure(oFolder.Write("text.png", "no picture")).first, -203);
+  EXPECT_EQ(Failure(oFolder.Path("none.png")).first, -200);
+  EXPECT_EQ(Failure(oFolder.WritePng("wide.png", 4097, 2, [](unsigned, unsigned) { return 0; })).first, -203);
 }
 
 TEST(PrintFile, ACoarsePrintIsNotEnlargedBeforeItIsRefused) {
