@@ -204,6 +204,17 @@ TEST(Dots, OneOffThePatternUsesUpNoIdealPoint) {
   EXPECT_TRUE(oFound.Of(64).bValid);
 }
 
+TEST(Dots, StraysThatMoveTheCentreGoBeforeTheDotsAreMatched) {
+  ClDonut oDonut;
+  std::vector<ClVector> aPlaces = Ideal();
+  // Far ones drag the centre to the right by half a pitch, nearer to one that lies beside the last dot.
+  for (int n = 0; n < 4; ++n) aPlaces.emplace_back(500 + 11 * cdPitchX, 300 + (n + 2) * cdPitchY);
+  aPlaces.emplace_back(500 + 7.6 * cdPitchX, 300 + 7 * cdPitchY);
+  ClFound oFound(oDonut, aPlaces);
+  oDonut.GridRemoveBadPoints(oFound.m_aDots);
+  for (long n = 0; n < 69; ++n) EXPECT_EQ(oFound.Of(n).bValid, n < 64) << n;
+}
+
 TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
   ClDonut oDonut;
   // Beside one corner a dot alone; beyond the opposite one a chain, whose first holds on by the second.

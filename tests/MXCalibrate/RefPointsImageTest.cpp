@@ -121,11 +121,9 @@ TEST(TargetSearch, StraysDoNotMatter) {
   oTarget.Draw(oImage);
   ClDonut oDonut;
   ClCalibrateGeometricData oData;
-  const auto oResult = Search(oDonut, oImage, oData);
-  ASSERT_EQ(oResult.first, 0) << oResult.second;
+  ASSERT_EQ(Search(oDonut, oImage, oData).first, 0);
   ExpectPlaces(oData.m_aActual[0], oTarget.Truth(), 0.2, 1);
   EXPECT_GE(oDonut.m_nDotCount, 68);
-  EXPECT_EQ(oDonut.m_aDotIndex.Entries(), 64u);
 }
 
 TEST(TargetSearch, NeedsData) {

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <thread>
 
 #include "KelvarinVTScanAPI/VTScanAPI.h"
 #include "SimulatorFixture.h"
