@@ -1,6 +1,8 @@
 // Tests of what all processors share: the run, the generic loops, the lists of parameters.
 #include <gmock/gmock.h>
 
+#include <cstdarg>
+#include <cstdio>
 #include <memory>
 
 #include "CallersBlock.h"
@@ -29,7 +31,7 @@
 #include "MXImageProcessing/IpSubsample.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXTools/ClassCallProfile.h"
-#include "NotingTimer.h"
+#include "MXTools/ProfileTimer.h"
 #include "ParameterLists.h"
 #include "TestImages.h"
 
@@ -50,6 +52,21 @@ class ClScripted : public ClProcessorBase {
 
  private:
   void Note(const char* szCall) { m_szCalls += szCall; }
+};
+
+/// Keeps what processors send it: "start" for each start, and the texts of the stops.
+class ClNotingTimer : public ClProfileTimer {
+ public:
+  void TimerStart(const char*, ...) override { m_aLines.emplace_back("start"); }
+  void TimerStop(const char* szFormat, ...) override {
+    va_list aArguments;
+    va_start(aArguments, szFormat);
+    char szText[600];
+    std::vsnprintf(szText, sizeof(szText), szFormat, aArguments);
+    va_end(aArguments);
+    m_aLines.emplace_back(szText);
+  }
+  std::vector<std::string> m_aLines;
 };
 
 /// Half of the value, by the generic loop of either base.

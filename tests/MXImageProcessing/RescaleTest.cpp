@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "MXTools/ParameterContainer.h"
-#include "NotingTimer.h"
 #include "ParameterLists.h"
 #include "TestImages.h"
 
@@ -232,18 +231,4 @@ TEST(Rescale, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(oRescale.ApplyParamSize(oIn, oOut, 5, 5, static_cast<ClIpRescale::eProcessingMode>(5)), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{42})) << "an unknown mode does nothing";
   EXPECT_EQ(Summary(oRescale), "W5 H5 InvalidMode");
-  EXPECT_EQ(oRescale.ApplyParamPels(oIn, oOut, 3, 2, eFantMar), 0);
-  EXPECT_EQ(Summary(oRescale), "X3 Y2 BiLinearFantMar");
-}
-
-TEST(Rescale, TheFantMarStepsAreTold) {
-  ClNotingTimer oTimer;
-  g_pProfileTimer = &oTimer;
-  ClIpRescale oRescale;
-  g_pProfileTimer = nullptr;
-  ClImage oIn, oOut;
-  SetImage<uint8_t>(oIn, 2, 1, {1, 2});
-  ASSERT_EQ(oRescale.ApplyParamSize(oIn, oOut, 3, 3, eFantMar), 0);
-  EXPECT_EQ(oTimer.m_aLines.size(), 14U) << "six steps and the whole";
-  EXPECT_EQ(std::count(oTimer.m_aLines.begin(), oTimer.m_aLines.end(), "start"), 7);
 }

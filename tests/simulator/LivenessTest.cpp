@@ -130,8 +130,6 @@ TEST_F(Liveness, ContextsLiveUntilTheyOrTheLibraryEnd) {
   long nValue = 0;
   EXPECT_EQ(FD_VT40GetPropertyLongA(m_hDetection, "nContexts", &nValue), 0);
   EXPECT_EQ(nValue, 1);
-  EXPECT_EQ(FD_VT40SetPropertyLongW(m_hDetection, L"nScores", 1), -47);
-  EXPECT_EQ(FD_VT40SetPropertyDoubleA(m_hDetection, "dNothing", 1.0), -206);
   EXPECT_EQ(FD_VT40Uninitialize(), 0);
   EXPECT_EQ(FD_VT40GetPropertyLongA(m_hDetection, "nScores", &nValue), -2);
   EXPECT_EQ(FD_VT40Initialize(nullptr), 0);
