@@ -141,9 +141,10 @@ std::string ClCharacterDisplay::Line(int nLine) const {
   std::string sLine(nColumns, ' ');
   if (!m_bOn || (nLine == 1 && !m_bTwoLines)) return sLine;
   const int nWidth = m_bTwoLines ? g_cnLineMemory : g_cnMemory;
-  for (int i = 0; i < nColumns; ++i)
-    sLine[static_cast<size_t>(i)] =
-        static_cast<char>(m_anMemory[static_cast<size_t>(nLine * g_cnLineMemory + (m_nWindow + i) % nWidth)]);
+  for (int i = 0; i < nColumns; ++i) {
+    const int nPlace = nLine * g_cnLineMemory + (m_nWindow + i) % nWidth;
+    sLine[static_cast<size_t>(i)] = static_cast<char>(m_anMemory[static_cast<size_t>(nPlace)]);
+  }
   return sLine;
 }
 

@@ -1,6 +1,5 @@
 // One scanner on the bus: what the control side reads of it and does to it.
 #include <algorithm>
-#include <cstring>
 
 #include "KelvarinVTScanAPI/Scanner.h"
 
@@ -148,8 +147,10 @@ std::vector<VTSimLight> ClScanner::Lights() {
 
 void ClScanner::Display(VTSimDisplay& oDisplay) {
   Guard oGuard(m_oState);
-  for (int n = 0; n < ClCharacterDisplay::nLines; ++n)
-    std::strcpy(oDisplay.aszLines[n], m_oDisplay.Line(n).c_str());
+  for (int n = 0; n < ClCharacterDisplay::nLines; ++n) {
+    const size_t nCopied = m_oDisplay.Line(n).copy(oDisplay.aszLines[n], sizeof oDisplay.aszLines[n] - 1);
+    oDisplay.aszLines[n][nCopied] = '\0';
+  }
   oDisplay.bOn = m_oDisplay.On();
   oDisplay.bFourWires = m_oDisplay.FourWires();
   oDisplay.nCommands = m_oDisplay.Commands();

@@ -32,8 +32,9 @@ std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTar
   constexpr double dMiddle = 0.5 * (g_cnTargetSide - 1);
   std::array<ClPlaceMm, g_cnTargetDots> aPlaces;
   for (int n = 0; n < static_cast<int>(g_cnTargetDots); ++n) {
-    const double dX = g_cdTargetPitchMm * (dMiddle - n / g_cnTargetSide);
-    const double dY = g_cdTargetPitchMm * (n % g_cnTargetSide - dMiddle);
+    const int nColumn = n / g_cnTargetSide, nRow = n % g_cnTargetSide;
+    const double dX = g_cdTargetPitchMm * (dMiddle - nColumn);
+    const double dY = g_cdTargetPitchMm * (nRow - dMiddle);
     aPlaces[static_cast<size_t>(n)] = {oTarget.dXMm + dX * dCos + dY * dSin,
                                        oTarget.dYMm + dY * dCos - dX * dSin};
   }
@@ -85,7 +86,8 @@ void ClTargetContent::Draw(double, ClPlatenMap& oMap) const {
     uint8_t* pContact = oMap.oContact.Row(y);
     for (int x = 0; x < g_cnPictureSide; ++x) {
       const ClPlaceMm oPlace{(x + 0.5) * g_cdPixelMm, (y + 0.5) * g_cdPixelMm};
-      pContact[x] = static_cast<uint8_t>(255.0 * LightAt(oPlace) + 0.5);
+      const double dRounded = 255.0 * LightAt(oPlace) + 0.5;
+      pContact[x] = static_cast<uint8_t>(dRounded);
     }
   }
   for (const ClMark& oMark : m_aMarks) DrawMark(oMark, oMap);
@@ -114,7 +116,8 @@ void ClTargetContent::DrawMark(const ClMark& oMark, ClPlatenMap& oMap) noexcept 
       const double dCover = std::clamp(0.5 + (oMark.dRadiusMm - dOff) / g_cdPixelMm, 0.0, 1.0);
       const float fPart = oMark.fStrength * static_cast<float>(dCover);
       const float fLight = static_cast<float>(pContact[x]);
-      pContact[x] = static_cast<uint8_t>(fLight + (255.0F * oMark.fGrey - fLight) * fPart + 0.5F);
+      const float fRounded = fLight + (255.0F * oMark.fGrey - fLight) * fPart + 0.5F;
+      pContact[x] = static_cast<uint8_t>(fRounded);
     }
   }
 }

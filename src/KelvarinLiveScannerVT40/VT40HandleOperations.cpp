@@ -20,7 +20,7 @@ constexpr ClVTLiveCaptureBase::ECaptureMode caModes[] = {
 
 template <typename... TPointers>
 void CheckPointers(TPointers... aPointers) {
-  if (((aPointers == nullptr) || ...)) KLV_RAISE_NUMBER(-701);
+  if ((!aPointers || ...)) KLV_RAISE_NUMBER(-701);
 }
 
 unsigned int DotsPerInch(unsigned int nPels) {

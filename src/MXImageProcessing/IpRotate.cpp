@@ -88,7 +88,7 @@ struct ClIpRotate::ClFixedPoint {
   double m_dFirstY;
 };
 
-long ClIpRotate::ApplyParam(ClImage& oIn, ClImage& oOut, ClVector oCentre, double dAngle, bool bResize,
+long ClIpRotate::ApplyParam(ClImage& oIn, ClImage& oOut, const ClVector& oCentre, double dAngle, bool bResize,
                             bool bInterpolate) {
   m_pInImage = &oIn;
   m_pOutImage = &oOut;
@@ -99,11 +99,11 @@ long ClIpRotate::ApplyParam(ClImage& oIn, ClImage& oOut, ClVector oCentre, doubl
   return Apply();
 }
 
-ClVector ClIpRotate::Transform(ClVector oPoint) const {
+ClVector ClIpRotate::Transform(const ClVector& oPoint) const {
   return Turned(oPoint - m_oCentre, m_dRotation) + m_oOutCentre;
 }
 
-ClVector ClIpRotate::TransformInverse(ClVector oPoint) const {
+ClVector ClIpRotate::TransformInverse(const ClVector& oPoint) const {
   return Turned(oPoint - m_oOutCentre, -m_dRotation) + m_oCentre;
 }
 

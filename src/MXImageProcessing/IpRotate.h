@@ -26,13 +26,13 @@ class ClIpRotate : public ClProcessorBase {
   ClIpRotate() { ClIpRotate::SetParametersToDefault(); }
 
   /// The background stays as it is set.
-  long ApplyParam(ClImage& oIn, ClImage& oOut, ClVector oCentre, double dAngle, bool bResize,
+  long ApplyParam(ClImage& oIn, ClImage& oOut, const ClVector& oCentre, double dAngle, bool bResize,
                   bool bInterpolate);
   void SetBackgroundColor(unsigned char nColor) { m_nBackgroundColor = nColor; }
 
   /// Input to output co-ordinates of the last run, and back.
-  ClVector Transform(ClVector oPoint) const;
-  ClVector TransformInverse(ClVector oPoint) const;
+  ClVector Transform(const ClVector& oPoint) const;
+  ClVector TransformInverse(const ClVector& oPoint) const;
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpRotate"; }

@@ -24,7 +24,6 @@ constexpr bool cbHolds = std::is_same_v<W, double> ||
 template <typename W, typename T>
 void LoadStrip(const unsigned char* pSamples, size_t nCount, W* __restrict pStrip) {
   const T* pFrom = reinterpret_cast<const T*>(pSamples);
-  // NOLINTNEXTLINE(bugprone-signed-char-misuse): signed bytes are numbers here, not characters
   for (size_t n = 0; n < nCount; ++n) pStrip[n] = static_cast<W>(pFrom[n]);
 }
 

@@ -104,9 +104,9 @@ void ClIpSubsampleFilterBase::FilterColumn(int nRow, uint8_t* pOut) {
   const size_t nCount = static_cast<size_t>(m_pInImage->Width());
   m_aSums.assign(nCount, 0);
   for (int32_t n = 0; n < oWindow.m_nCount; ++n) {
+    const int32_t nWeight = oWindow.m_nWeights + n;
     MXKernels::AddWeightedRow(m_pInImage->Row<uint8_t>(oWindow.m_nFirst + n),
-                              m_oDown.aWeights[static_cast<size_t>(oWindow.m_nWeights + n)], m_aSums.data(),
-                              nCount);
+                              m_oDown.aWeights[static_cast<size_t>(nWeight)], m_aSums.data(), nCount);
   }
   MXKernels::DivideRow(m_aSums.data(), oWindow.m_nDivisor, pOut, nCount);
 }

@@ -23,8 +23,7 @@ bool ClImage::Attach(const ClBitmap& oBitmap) {
   }
   SetFields(eUint8, pHeader->biWidth, pHeader->biHeight, nPlanes, pHeader->biXPelsPerMeter,
             pHeader->biYPelsPerMeter, true);
-  const boost::shared_array<unsigned char> pPixels = oBitmap.PixelHolder();
-  m_pData.reset(pPixels.get(), [pPixels](unsigned char*) {});
+  m_pData.reset(oBitmap.PixelHolder().get(), [pHolder = oBitmap.PixelHolder()](unsigned char*) {});
   m_nBlockBytes = cnNeverReused;
   return true;
 }

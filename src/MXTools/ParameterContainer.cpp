@@ -99,7 +99,7 @@ void ClParameterContainer::CloneDataTo(ClParameterBase* pDestination) {
     if (pContainer->FindLocal(pParameter->GetName()) != nullptr) KLV_RAISE_NUMBER(-46);
     pContainer->m_aParameters.Add(pParameter);
     pParameter->m_pContainer = pContainer;
-    pClone.release();
+    (void)pClone.release();  // the list owns it now
   }
 }
 

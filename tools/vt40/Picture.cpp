@@ -42,7 +42,7 @@ std::string WritePicture(const ClPicture& oPicture, const std::string& sFolder, 
   std::error_code oError;
   std::filesystem::create_directories(sFolder, oError);
   if (oError) throw ClToolError(eExitFile, sFolder + ": " + oError.message());
-  const std::string sFile = (std::filesystem::path(sFolder) / (sName + "." + sFormat)).string();
+  std::string sFile = (std::filesystem::path(sFolder) / (sName + "." + sFormat)).string();
   if (sFormat == "bmp") {
     WriteBmp(oPicture, sFile);
   } else if (sFormat == "kif") {

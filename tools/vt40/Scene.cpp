@@ -36,7 +36,7 @@ void PaceScenes() {
 
 std::string WithdrawScene() {
   const char* szScene = std::getenv(cszVariable);
-  const std::string sScene = szScene != nullptr ? szScene : "";
+  std::string sScene = szScene != nullptr ? szScene : "";
   unsetenv(cszVariable);
   return sScene;
 }
