@@ -2,10 +2,10 @@
 #pragma once
 
 #include <boost/thread/condition_variable.hpp>
-#include <boost/thread/mutex.hpp>
 
 #include "MXTools/Exception.h"
 #include "MXTools/MonotonicClock.h"
+#include "MXTools/Mutex.h"
 
 /// Three lent items: one is written, one is read, one is ready.
 ///
@@ -26,7 +26,7 @@ class ClTpTripleBuffer {
 
   /// Lends three items and forgets what was written before.
   void SetBuffer(T* p0, T* p1, T* p2) {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     if (m_bReadLocked || m_bWriteLocked) {
       KLV_RAISE(ClException, "cannot change buffer while it is locked", -50);
     }
@@ -38,7 +38,7 @@ class ClTpTripleBuffer {
 
   /// The item to write next; it is the writer's until ReleaseWrite or CancelWrite.
   T* GetWrite() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     if (m_bWriteLocked) KLV_RAISE(ClException, "write buffer already locked", -50);
     m_bWriteLocked = true;
     return m_pBuffers[m_nWrite];
@@ -46,7 +46,7 @@ class ClTpTripleBuffer {
 
   /// Publishes what was written.
   void ReleaseWrite() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     const int nOldReady = m_nReady;
     m_nReady = m_nWrite;
     if (m_bReadLocked && m_nPrevRead != m_nRead) {
@@ -64,13 +64,13 @@ class ClTpTripleBuffer {
 
   /// Gives the item back without publishing it.
   void CancelWrite() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     m_bWriteLocked = false;
   }
 
   /// The newest item; it is the reader's until ReleaseRead.
   T* GetRead() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     if (m_bReadLocked) KLV_RAISE(ClException, "read buffer already locked", -50);
     m_bReadLocked = true;
     m_nPrevRead = m_nRead;
@@ -81,7 +81,7 @@ class ClTpTripleBuffer {
 
   /// Ends a read; without one it does nothing.
   void ReleaseRead() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     if (!m_bReadLocked) return;
     m_nRead = m_nPrevRead;
     m_bReadLocked = false;
@@ -91,37 +91,34 @@ class ClTpTripleBuffer {
   /// something is there. A wait may also end without a cause: ask HasNewData.
   bool WaitNewData(unsigned int nSeconds) { return WaitNewData(boost::posix_time::seconds(nSeconds)); }
   bool WaitNewData(const boost::posix_time::time_duration& oDuration) {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     return m_bNewData || Klv::WaitOnce(m_oCondition, oLock, oDuration);
   }
 
   /// True when something was written since the last read.
   bool HasNewData() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     return m_bNewData;
   }
 
   /// Wakes all waiters and forgets what was written.
   void InterruptWait() {
-    Lock oLock(m_oLock);
+    TpLock oLock(m_oLock);
     m_bNewData = false;
     m_oCondition.notify_all();
   }
 
  private:
-  using Lock = boost::unique_lock<boost::mutex>;
-
-  boost::mutex m_oLock;
+  ClMutex m_oLock;
   boost::condition_variable_any m_oCondition;
-  // All below guarded by m_oLock.
-  bool m_bReadLocked = false;
-  bool m_bWriteLocked = false;
-  bool m_bNewData = false;
-  int m_nRead = 2;
-  int m_nPrevRead = -1;
-  int m_nWrite = 0;
-  int m_nReady = 1;
-  T* m_pBuffers[3] = {nullptr, nullptr, nullptr};
+  bool m_bReadLocked KLV_GUARDED_BY(m_oLock) = false;
+  bool m_bWriteLocked KLV_GUARDED_BY(m_oLock) = false;
+  bool m_bNewData KLV_GUARDED_BY(m_oLock) = false;
+  int m_nRead KLV_GUARDED_BY(m_oLock) = 2;
+  int m_nPrevRead KLV_GUARDED_BY(m_oLock) = -1;
+  int m_nWrite KLV_GUARDED_BY(m_oLock) = 0;
+  int m_nReady KLV_GUARDED_BY(m_oLock) = 1;
+  T* m_pBuffers[3] KLV_GUARDED_BY(m_oLock) = {nullptr, nullptr, nullptr};
 };
 
 /// Takes the write side for a scope: what is not published is given back unpublished.

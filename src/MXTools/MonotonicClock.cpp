@@ -11,7 +11,7 @@ boost::posix_time::time_duration MonotonicNow() {
       std::chrono::duration_cast<std::chrono::microseconds>(oSinceStart).count());
 }
 
-bool WaitOnce(boost::condition_variable_any& oCondition, boost::unique_lock<boost::mutex>& oLock,
+bool WaitOnce(boost::condition_variable_any& oCondition, TpLock<ClMutex>& oLock,
               const boost::posix_time::time_duration& oDuration) {
   // The relative form: an absolute time here would be one of the wall clock.
   return oCondition.timed_wait(oLock, oDuration);

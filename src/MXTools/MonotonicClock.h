@@ -3,7 +3,8 @@
 
 #include <boost/date_time/posix_time/posix_time_duration.hpp>
 #include <boost/thread/condition_variable.hpp>
-#include <boost/thread/mutex.hpp>
+
+#include "MXTools/Mutex.h"
 
 namespace Klv {
 
@@ -16,7 +17,7 @@ boost::posix_time::time_duration MonotonicNow();
 /// that, by a notification or without a cause; oLock is held again in either case.
 ///
 /// Threads  thread-safe. An interruption point where the calling thread allows interruption.
-bool WaitOnce(boost::condition_variable_any& oCondition, boost::unique_lock<boost::mutex>& oLock,
+bool WaitOnce(boost::condition_variable_any& oCondition, TpLock<ClMutex>& oLock,
               const boost::posix_time::time_duration& oDuration);
 
 }  // namespace Klv
