@@ -1,9 +1,12 @@
-// Set-up of the ten-finger engine and switching between its capture modes.
+// Set-up of the ten-finger engine, switching between its capture modes, and what callers ask of them.
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 
-#include <algorithm>
+#include <boost/thread/thread.hpp>
 
-#include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
+#include "MXLiveScannerAPI/AutoMode.h"
+#include "MXLiveScannerAPI/FullMode.h"
+#include "MXLiveScannerAPI/OneShotMode.h"
+#include "MXLiveScannerAPI/RollMode.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/AtomicAccess.h"
 #include "MXTools/Exception.h"
@@ -11,20 +14,7 @@
 
 namespace {
 
-/// How often a worker that must end is woken again until it has.
-constexpr long cnWakeIntervalMs = 20;
-/// Frames that the rings of the automatic capture hold.
-constexpr unsigned int cnHistory = 16;
-/// Lights of the longest sequence.
-constexpr size_t cnMaxMasks = 6;
-
-void NewFrame(ClImage& oImage, int nWidth, int nHeight) {
-  oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
-}
-
-int AsInt(unsigned int n) {
-  return static_cast<int>(n);
-}
+constexpr unsigned int cnRollWaitSeconds = 5;
 
 /// Raw sequences have the sensor's size, whatever the calibration data say.
 void CheckSourceSize(const ClCalibrateGeometricData& oData, const ScannerTypes::Resolution& oSensor) {
@@ -35,34 +25,48 @@ void CheckSourceSize(const ClCalibrateGeometricData& oData, const ScannerTypes::
 
 }  // namespace
 
-ClVT40LiveCapture::ClVT40LiveCapture() : m_aMotionHistory(cnHistory), m_aDirtHistory(cnHistory) {
+ClVT40LiveCapture::ClVT40LiveCapture() {
   m_nScannerCondition = 100;
-  OpenFakeDetection();
 }
 
 ClVT40LiveCapture::~ClVT40LiveCapture() {
-  StopAllThreads();
-  if (m_hFakeDetection == nullptr) return;
-  m_pFakeDetector->FD_VT40DestroyHandle(&m_hFakeDetection);
-  m_pFakeDetector->FD_VT40Uninitialize();
+  TpLock oSwitchLock(m_oSwitchMutex);
+  StopMode();
+}
+
+void ClVT40LiveCapture::SetScanner(ClMXVTScanAPIHandleBase* pScanner) {
+  ClVTLiveCaptureBase::SetScanner(pScanner);
+  m_oSensor.SetScanner(pScanner);
 }
 
 void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData) {
-  m_pSetup = static_cast<ClVT40SetupCalibrationData*>(pData);
-  const ClCalibrateGeometricData& oPreview = m_pSetup->GetGeometricDataPreview(m_bSmallImages);
-  const ClCalibrateGeometricData& oFull = m_pSetup->GetGeometricDataFull(m_bSmallImages);
+  auto& oSetup = static_cast<ClVT40SetupCalibrationData&>(*pData);
   using Scanner = ClMXVTScanAPIHandleBase;
-  CheckSourceSize(oPreview, m_bSmallImages ? Scanner::m_oResVT40_960x1360 : Scanner::m_oResVT40Half);
-  CheckSourceSize(oFull, m_bSmallImages ? Scanner::m_oResVT40_1920x2720 : Scanner::m_oResVT40Full);
-  NewFrame(m_oPreviewRaw, AsInt(oPreview.m_nSourceWidth), AsInt(oPreview.m_nSourceHeight));
-  NewFrame(m_oPreviewCalibrated, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
-  NewFrame(m_oFullRaw, AsInt(oFull.m_nSourceWidth), AsInt(oFull.m_nSourceHeight));
-  NewFrame(m_oFullCalibrated, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
-  NewFrame(m_oRollRaw, AsInt(oFull.m_nSourceWidth / 2), AsInt(oFull.m_nSourceHeight / 2 + 2));
-  NewFrame(m_oRollCalibrated, AsInt(oFull.m_nTargetWidth / 2), AsInt(oFull.m_nTargetHeight / 2));
-  NewFrame(m_oFullMask, AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight));
-  NewFrame(m_oPreviewMask, AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
-  m_oPreviewMask = static_cast<unsigned char>(255);
+  CheckSourceSize(oSetup.GetGeometricDataPreview(m_bSmallImages),
+                  m_bSmallImages ? Scanner::m_oResVT40_960x1360 : Scanner::m_oResVT40Half);
+  CheckSourceSize(oSetup.GetGeometricDataFull(m_bSmallImages),
+                  m_bSmallImages ? Scanner::m_oResVT40_1920x2720 : Scanner::m_oResVT40Full);
+  {
+    TpLock oSwitchLock(m_oSwitchMutex);
+    StopMode();
+    m_oSensor.SetCalibration(&oSetup);
+    {
+      TpLock oFullLock(m_oFull);
+      m_oFull.SetCalibration(oSetup);
+    }
+    m_pRooms.reset(new StCaptureRooms{
+        {*m_pScanner, m_nAutoCaptureBeep, m_eDetectState, m_dScore, m_nScannerCondition, m_nReturnCode},
+        oSetup,
+        m_bSmallImages,
+        m_oSensor,
+        m_oFull,
+        m_oFrames,
+        m_oLiveness,
+        m_oRoll,
+        m_oPad,
+        m_oSettings});
+    m_pOneShot = std::make_unique<ClOneShotMode>(*m_pRooms);
+  }
   // No mode, so that the switch to "off" is not skipped.
   m_eCaptureMode = static_cast<ECaptureMode>(0);
   SetCaptureMode(eCaptureModeOff);
@@ -70,19 +74,21 @@ void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData
 
 void ClVT40LiveCapture::SetCaptureMode(ECaptureMode eMode) {
   if (eMode == m_eCaptureMode) return;
-  Lock oImageLock(m_oImageMutex);
-  Lock oModeLock(m_oModeMutex);
-  StopAllThreads();
-  SensorLock oSensorLock(m_oSensorMutex);
+  TpLock oSwitchLock(m_oSwitchMutex);
+  StopMode();
+  TpLock oSensorLock(m_oSensor);
   try {
     if (m_eCaptureMode == eCaptureModeOff) m_pScanner->EnableCaptureThread(true);
     m_eCaptureMode = eMode;
-    StartMode(eMode);
+    m_pMode = MakeMode(eMode);
+    if (eMode == eCaptureModeOff) m_pScanner->EnableCaptureThread(false);
+    ResetMode(eMode != eCaptureModeOff);
+    Mode().Start();
   } catch (...) {
     m_eCaptureMode = eCaptureModeOff;
-    // A worker that was started already waits for the sensor in front of its first frame.
+    // A worker that was started already waits for the sensor before its first frame.
     oSensorLock.unlock();
-    StopAllThreads();
+    StopMode();
     try {
       m_pScanner->EnableCaptureThread(false);
     } catch (...) {
@@ -92,184 +98,113 @@ void ClVT40LiveCapture::SetCaptureMode(ECaptureMode eMode) {
   }
 }
 
-void ClVT40LiveCapture::StartMode(ECaptureMode eMode) {
-  const ClCalibrateGeometricData& oPreview = m_pSetup->GetGeometricDataPreview(m_bSmallImages);
-  const ClCalibrateGeometricData& oFull = m_pSetup->GetGeometricDataFull(m_bSmallImages);
+std::unique_ptr<ClCaptureMode> ClVT40LiveCapture::MakeMode(ECaptureMode eMode) {
   switch (eMode) {
     case eCaptureModeOff:
-      m_pScanner->EnableCaptureThread(false);
-      Reset(false);
-      break;
-    case eCaptureModeFull:
-      Reset(true);
-      StartStream(AsInt(oFull.m_nTargetWidth), AsInt(oFull.m_nTargetHeight), m_oFullThread,
-                  &ClVT40LiveCapture::CalibrateFullThread, m_oMaskThread, &ClVT40LiveCapture::MaskThread);
-      break;
-    case eCaptureModePreview:
-      Reset(true);
-      StartStream(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight), m_oPreviewThread,
-                  &ClVT40LiveCapture::CalibratePreviewThread, m_oMaskThread, &ClVT40LiveCapture::MaskThread);
-      break;
+      return nullptr;
     case eCaptureModeAutoLive:
-      if (m_hFakeDetection == nullptr) {
-        KLV_RAISE(ClException, "LiveDetection not available in this release.", -103);
-      }
-      [[fallthrough]];
+      return std::make_unique<ClAutoMode>(*m_pRooms, true);
     case eCaptureModeAuto:
-      Reset(true);
-      StartStream(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight), m_oDirtThread,
-                  &ClVT40LiveCapture::CalibratePreviewThreadDirtDetection, m_oAutoDetectionThread,
-                  &ClVT40LiveCapture::MaskThreadAutoDetection);
-      break;
+      return std::make_unique<ClAutoMode>(*m_pRooms, false);
     case eCaptureModeRoll:
-      Reset(true);
-      {
-        Lock oAutoRollLock(m_oAutoRollMutex);
-        m_oAutoRoll.ResetProcessor();
-      }
-      StartStream(AsInt(oFull.m_nTargetWidth / 2), AsInt(oFull.m_nTargetHeight / 2), m_oRollThread,
-                  &ClVT40LiveCapture::CalibrateRollThread, m_oMaskRollThread,
-                  &ClVT40LiveCapture::MaskRollThread);
-      break;
+      return std::make_unique<ClRollMode>(*m_pRooms);
+    case eCaptureModeFull:
+      return std::make_unique<ClFullMode>(*m_pRooms);
+    case eCaptureModePreview:
+      return std::make_unique<ClPreviewMode>(*m_pRooms);
     case eCaptureModeSignature:
-      Reset(true);
-      StartSignature(AsInt(oPreview.m_nTargetWidth), AsInt(oPreview.m_nTargetHeight));
-      break;
-    default:
-      KLV_RAISE(ClException, "Unknown capture mode.", -103);
+      return std::make_unique<ClSignatureMode>(*m_pRooms);
   }
+  KLV_RAISE(ClException, "Unknown capture mode.", -103);
 }
 
-void ClVT40LiveCapture::StartStream(int nWidth, int nHeight, boost::thread& oCalibrating, Worker pfnCalibrate,
-                                    boost::thread& oMasking, Worker pfnMask) {
-  m_oCalibratedBuffer.SetBuffer(&m_aCalibratedImages[0], &m_aCalibratedImages[1], &m_aCalibratedImages[2]);
-  // GetRollImage takes no lock of the engine: while it reads, this raises and its image stays.
-  m_oMaskedBuffer.SetBuffer(&m_aMaskedImages[0], &m_aMaskedImages[1], &m_aMaskedImages[2]);
-  for (ClImage& oImage : m_aCalibratedImages) NewFrame(oImage, nWidth, nHeight);
-  for (ClImage& oImage : m_aMaskedImages) NewFrame(oImage, nWidth, nHeight);
-  oCalibrating = boost::thread(pfnCalibrate, this);
-  oMasking = boost::thread(pfnMask, this);
+ClCaptureMode& ClVT40LiveCapture::Mode() {
+  return m_pMode != nullptr ? *m_pMode : *m_pOneShot;
 }
 
-void ClVT40LiveCapture::StopAllThreads() {
-  boost::this_thread::disable_interruption oNoInterruption;
-  boost::thread* const aThreads[] = {&m_oFullThread,     &m_oPreviewThread,  &m_oDirtThread,
-                                     &m_oRollThread,     &m_oMaskThread,     &m_oAutoDetectionThread,
-                                     &m_oMaskRollThread, &m_oSignatureThread};
-  for (boost::thread* pThread : aThreads) pThread->interrupt();
-  for (boost::thread* pThread : aThreads) {
-    if (!pThread->joinable()) continue;
-    do {
-      m_oCalibratedBuffer.InterruptWait();
-      m_oMaskedBuffer.InterruptWait();
-      m_oSignatureBuffer.InterruptWait();
-    } while (!pThread->timed_join(boost::posix_time::milliseconds(cnWakeIntervalMs)));
-  }
-  m_oCalibratedBuffer.InterruptWait();
-  m_oMaskedBuffer.InterruptWait();
-  m_oSignatureBuffer.InterruptWait();
+void ClVT40LiveCapture::StopMode() {
+  if (m_pMode == nullptr) return;
+  m_pMode->Stop();
+  m_pMode.reset();
 }
 
 void ClVT40LiveCapture::Reset(bool bReset) {
+  TpLock oSwitchLock(m_oSwitchMutex);
+  TpLock oSensorLock(m_oSensor);
+  ResetMode(bReset);
+}
+
+void ClVT40LiveCapture::ResetMode(bool bReset) {
   if (bReset) {
     m_eDetectState = eCaptureStateNoFinger;
     m_dScore = 0.0;
-    m_nFramesSinceCapture = cnNoCapture;
-    m_nSkipFrames = 0;
-    Lock oFullImageLock(m_oFullImageMutex);
-    m_oFullMask = static_cast<unsigned char>(255);
-    m_oFullRaw = static_cast<unsigned char>(0);
+    TpLock oFullLock(m_oFull);
+    m_oFull.Reset();
   }
-  InitializeSensor();
-  Lock oAutoRollLock(m_oAutoRollMutex);
-  m_oAutoRoll.SetAutoRotate(KlvAtomicLoad(m_nRolledPostProcess) != 0);
-}
-
-void ClVT40LiveCapture::InitializeSensor() {
-  const unsigned int nGain = m_pSetup->GetGainLevel(1);
-  m_pScanner->SetGain(AsInt(nGain & 0xFF), AsInt(nGain >> 8 & 0xFF), AsInt(nGain >> 16 & 0xFF));
+  m_oSensor.SetGains();
   m_nScannerCondition = 0;
-  m_oSwipe.Reset();
-  switch (m_eCaptureMode) {
-    case eCaptureModeOff:
-      break;
-    case eCaptureModeFull:
-      ApplySensorRow(FullRow());
-      break;
-    case eCaptureModePreview:
-      ApplySensorRow(PreviewRow());
-      break;
-    case eCaptureModeAutoLive:
-    case eCaptureModeAuto:
-      ApplySensorRow(PreviewRow());
-      PrepareAutoDetection();
-      break;
-    case eCaptureModeRoll:
-      ApplySensorRow(RollRow());
-      break;
-    case eCaptureModeSignature:
-      ApplySignatureRow();
-      break;
-    default:
-      KLV_RAISE(ClException, "Capture mode not implemented (should never happen.", -103);
-  }
-}
-
-ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::PreviewRow() const {
-  const unsigned int nExposure = m_pSetup->GetExposure();
-  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure), 35};
-  return {static_cast<unsigned short>(nExposure / 2), 32};
-}
-
-ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::RollRow() const {
-  const unsigned int nExposure = m_pSetup->GetExposure();
-  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 4), 36};
-  return {static_cast<unsigned short>(nExposure * 2), 8};
-}
-
-ClVT40LiveCapture::StSensorRow ClVT40LiveCapture::FullRow() const {
-  const unsigned int nExposure = m_pSetup->GetExposure();
-  if (m_bSmallImages) return {static_cast<unsigned short>(nExposure * 2), 34};
-  return {static_cast<unsigned short>(nExposure), 7};
-}
-
-void ClVT40LiveCapture::ApplySensorRow(const StSensorRow& oRow) {
-  m_pScanner->SetVSYNCLength(oRow.nExposure);
-  // One dark and one lit frame: their difference cancels the ambient light.
-  SetSequence(oRow.nScanMode, 2, {0, 1}, 2);
-}
-
-void ClVT40LiveCapture::SetSequence(int nScanMode, unsigned int nEntries,
-                                    std::initializer_list<unsigned long long> aMasks, unsigned int nMasks) {
-  // A copy on the stack: the scan library takes the masks as its own to write.
-  unsigned long long aWords[cnMaxMasks] = {};
-  std::copy(aMasks.begin(), aMasks.end(), aWords);
-  const long nResult = m_pScanner->SetCaptureMode(
-      static_cast<ClMXVTScanAPIHandleBase::EScanMode_t>(nScanMode), nEntries, aWords, nMasks);
-  // Frames of another size than the one asked for would be read past their end.
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
-
-void ClVT40LiveCapture::RestorePreviewRow() noexcept {
-  try {
-    // The preview's workers must never meet frames of another size.
-    ApplySensorRow(PreviewRow());
-  } catch (...) {
-    // The first failure is the one to report.
-  }
+  m_oPad.ResetSwipe();
+  if (const auto oRow = Mode().Row()) m_oSensor.Select(*oRow);
+  Mode().Reset();
+  m_oRoll.SetAutoRotate(KlvAtomicLoad(m_nRolledPostProcess) != 0);
 }
 
 void ClVT40LiveCapture::Capture() {
-  switch (m_eCaptureMode) {
-    case eCaptureModeOff:
-    case eCaptureModeAutoLive:
-    case eCaptureModeAuto:
-    case eCaptureModeRoll:
-    case eCaptureModeFull:
-    case eCaptureModePreview:
-    case eCaptureModeSignature:
-      boost::this_thread::sleep(boost::posix_time::milliseconds(10));
-      return;
+  if (m_eCaptureMode < eCaptureModeOff || m_eCaptureMode > eCaptureModeSignature) {
+    KLV_RAISE(ClException, "Current capture mode is not impolemented yet. (should never happen)", -103);
   }
-  KLV_RAISE(ClException, "Current capture mode is not impolemented yet. (should never happen)", -103);
+  boost::this_thread::sleep(boost::posix_time::milliseconds(10));
+}
+
+void ClVT40LiveCapture::GetImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
+  TpLock oLock(m_oMutex);
+  TpLock oSwitchLock(m_oSwitchMutex);
+  Mode().GetImage(oImage, eState, dScore);
+}
+
+void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
+  TpLock oSwitchLock(m_oSwitchMutex);
+  Mode().GetPreviewImage(oImage, eState, dScore);
+}
+
+void ClVT40LiveCapture::GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
+  const bool bArrived = m_oFrames.WaitForFrame(cnRollWaitSeconds);
+  // Read between wait and copy, so that "done" always comes with the finished picture.
+  eState = m_eDetectState;
+  if (!bArrived) KLV_RAISE(ClException, "timeout during rolled image reading", -60);
+  m_oFrames.Fetch(oImage);
+  dScore = 0.0;
+}
+
+void ClVT40LiveCapture::ResetImage() {
+  // Without the switch lock, which a call that waits for a frame holds: what is dropped outlives the modes.
+  const ECaptureMode eMode = m_eCaptureMode;
+  if (eMode == eCaptureModeRoll) {
+    m_oRoll.RequestReset();
+  } else if (eMode == eCaptureModeSignature) {
+    m_oPad.Clear();
+  } else {
+    KLV_RAISE(ClException, "Image reset not supported in current capture mode.", -50);
+  }
+}
+
+void ClVT40LiveCapture::SetDisplayData(unsigned int nType, void* pData, unsigned int nLength) {
+  m_oDisplay.Write(*m_pScanner, nType, pData, nLength);
+}
+
+void ClVT40LiveCapture::SetSignatureSensorMode(unsigned int nMode) {
+  if (!m_oSettings.oSensorMode.Set(nMode)) {
+    KLV_RAISE(ClException, "Mode must not be switched while signature mode is active.", -50);
+  }
+}
+
+void ClVT40LiveCapture::SetSignatureDetectTime(double dTime) {
+  if (!(dTime >= 0.0)) KLV_RAISE(ClException, "Illegal time delta.", -44);
+  m_oSettings.dDetectTime = dTime;
+}
+
+void ClVT40LiveCapture::SetSignatureFilterSigma(double dSigma) {
+  if (!(dSigma >= 0.5)) KLV_RAISE(ClException, "Sigma must be >= 0.5.", -44);
+  if (dSigma > 100.0) KLV_RAISE(ClException, "Sigma must be <= 100.", -44);
+  m_oSettings.dFilterSigma = dSigma;
 }

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <atomic>
-#include <boost/thread/mutex.hpp>
 
 #include "MXTools/FpImage.h"
+#include "MXTools/Mutex.h"
 
 class ClBitmap;
 class ClMXVTScanAPIHandleBase;
@@ -88,7 +88,7 @@ class ClVTLiveCaptureBase {
   std::atomic<int> m_nScannerCondition{0};
   unsigned int m_nAutoCaptureBeep = 0;
   /// Held by GetImage for its whole length.
-  boost::mutex m_oMutex;
+  ClMutex m_oMutex;
   ClMXVTScanAPIHandleBase* m_pScanner = nullptr;
   std::atomic<ECaptureMode> m_eCaptureMode{eCaptureModeOff};
   std::atomic<ECaptureState> m_eDetectState{eCaptureStateNone};

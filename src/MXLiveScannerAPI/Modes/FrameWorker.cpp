@@ -1,0 +1,47 @@
+// The life of a worker.
+#include "MXLiveScannerAPI/FrameWorker.h"
+
+#include <pthread.h>
+
+#include <cstdio>
+
+#include "MXTools/ErrorTable.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+/// How often a worker that is to end is woken until it has.
+constexpr long cnWakeIntervalMs = 20;
+
+/// Nothing leaves a thread: the reason of a failure is the worker's last word.
+void Run(const std::function<void()>& fnBegin, const std::function<void()>& fnPass) noexcept {
+  // Only the end of a pass looks for an interruption, so that a frame in progress always finishes.
+  boost::this_thread::disable_interruption oNoInterruption;
+  try {
+    if (fnBegin) fnBegin();
+    while (!boost::this_thread::interruption_requested()) fnPass();
+  } catch (const ClException& oFailure) {
+    std::puts(oFailure.What());
+  } catch (const std::exception& oFailure) {
+    std::puts(oFailure.what());
+  } catch (...) {
+    std::puts(GetErrorDescriptionIntern(-722));
+  }
+}
+
+}  // namespace
+
+void ClFrameWorker::Start(const char* szName, std::function<void()> fnPass, std::function<void()> fnBegin) {
+  m_oThread = boost::thread([szName, fnPass = std::move(fnPass), fnBegin = std::move(fnBegin)] {
+    pthread_setname_np(pthread_self(), szName);
+    Run(fnBegin, fnPass);
+  });
+}
+
+void ClFrameWorker::Join(const std::function<void()>& fnWake) {
+  boost::this_thread::disable_interruption oNoInterruption;
+  if (!m_oThread.joinable()) return;
+  do {
+    fnWake();
+  } while (!m_oThread.timed_join(boost::posix_time::milliseconds(cnWakeIntervalMs)));
+}

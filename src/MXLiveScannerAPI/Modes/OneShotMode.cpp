@@ -1,0 +1,38 @@
+// One full-resolution sequence, and the end of the capture.
+#include "MXLiveScannerAPI/OneShotMode.h"
+
+#include "MXLiveScannerAPI/HelperThread.h"
+#include "MXTools/Exception.h"
+#include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
+
+void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
+  TpLock oSensorLock(m_oSensor);
+  TpLock oFullLock(m_oFull);
+  m_oScanner.EnableCaptureThread(true);
+  try {
+    m_oFull.Shoot(m_oSensor);
+    // Rectified and masked while the capture sequence is being closed.
+    ClHelperThread oRectifying([this] {
+      m_oFull.AssertHeld();
+      m_oFull.RectifyAndMask();
+    });
+    if (!m_oScanner.SetCaptureSequence(0, nullptr, nullptr)) {
+      KLV_RAISE(ClException, "Scanner disconnected.", -60);
+    }
+    unsigned int nEndOfSequence = 1024;
+    m_oScanner.SetCaptureSequenceEx(1, &nEndOfSequence);
+    oRectifying.Join();
+  } catch (...) {
+    try {
+      m_oScanner.EnableCaptureThread(false);
+    } catch (...) {
+      // The first failure is the one to report.
+    }
+    throw;
+  }
+  oImage = m_oFull.MaskedPicture();
+  eState = ClVTLiveCaptureBase::eCaptureStateNoFinger;
+  dScore = 0.0;
+  m_oScanner.SetLED(0);
+  m_oScanner.EnableCaptureThread(false);
+}

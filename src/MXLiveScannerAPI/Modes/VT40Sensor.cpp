@@ -1,0 +1,137 @@
+// Rows of the sensor, and sequences.
+#include "MXLiveScannerAPI/VT40Sensor.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "MXLiveScannerAPI/FrameRoad.h"
+#include "MXLiveScannerAPI/RawSequenceLock.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXTools/Exception.h"
+
+namespace {
+
+using Scanner = ClMXVTScanAPIHandleBase;
+
+/// Lights of the longest sequence.
+constexpr size_t cnMaxLights = 6;
+// Lights of a frame, as the scanner numbers them: none, white, and the four colours.
+constexpr unsigned long long cnDarkLight = 0;
+constexpr unsigned long long cnWhiteLight = 1;
+constexpr unsigned long long cnFirstColour = 0x200;
+constexpr unsigned long long cnSecondColour = 0x400;
+constexpr unsigned long long cnThirdColour = 0x800;
+constexpr unsigned long long cnFourthColour = 0x1000;
+
+bool IsSignature(ClVT40Sensor::ERow eRow) {
+  return eRow == ClVT40Sensor::eSignature || eRow == ClVT40Sensor::eSignatureHalf;
+}
+
+}  // namespace
+
+void ClVT40Sensor::SetGains() {
+  const unsigned int nGain = m_pSetup->GetGainLevel(1);
+  const auto Channel = [nGain](unsigned int n) { return static_cast<int>(nGain >> (8 * n) & 0xFF); };
+  m_pScanner->SetGain(Channel(0), Channel(1), Channel(2));
+}
+
+ClVT40Sensor::StSetting ClVT40Sensor::SettingOf(ERow eRow) const {
+  const unsigned int nExposure = m_pSetup->GetExposure();
+  switch (eRow) {
+    case ePreview:
+      if (m_bSmallImages) return {nExposure, Scanner::eScanMode960x1360};
+      return {nExposure / 2, Scanner::eScanModeHalf};
+    case eRoll:
+      if (m_bSmallImages) return {nExposure * 4, Scanner::eScanMode960x1362};
+      return {nExposure * 2, Scanner::eScanModeRoll};
+    case eFull:
+      if (m_bSmallImages) return {nExposure * 2, Scanner::eScanMode1920x2720};
+      return {nExposure, Scanner::eScanModeFull};
+    case eSignature:
+      return {nExposure / 3, Scanner::eScanModeQuad};
+    case eSignatureHalf:
+      return {nExposure / 3, Scanner::eScanMode960x340};
+  }
+  KLV_RAISE_NUMBER(-44);
+}
+
+void ClVT40Sensor::Select(ERow eRow) {
+  const StSetting oSetting = SettingOf(eRow);
+  SetExposure(oSetting.nExposure);
+  if (IsSignature(eRow)) {
+    // Only lit frames: ambient light stands still, as does everything but the pen.
+    SetSequence(oSetting.nScanMode, 1, {cnWhiteLight}, 1);
+  } else {
+    // One dark and one lit frame: their difference cancels the ambient light.
+    SetSequence(oSetting.nScanMode, 2, {cnDarkLight, cnWhiteLight}, 2);
+  }
+}
+
+void ClVT40Sensor::SelectLivenessLights() {
+  const StSetting oSetting = SettingOf(ePreview);
+  SetExposure(oSetting.nExposure);
+  SetSequence(oSetting.nScanMode, 6,
+              {cnFirstColour, cnSecondColour, cnFourthColour, cnThirdColour, cnDarkLight, cnDarkLight}, 1);
+}
+
+void ClVT40Sensor::SelectCapturedLight() {
+  SetSequence(SettingOf(ePreview).nScanMode, 1, {cnSecondColour}, 1);
+}
+
+void ClVT40Sensor::SetExposure(unsigned int nExposure) {
+  m_pScanner->SetVSYNCLength(static_cast<unsigned short>(nExposure));
+}
+
+void ClVT40Sensor::SetSequence(int nScanMode, unsigned int nEntries,
+                               std::initializer_list<unsigned long long> aLights, unsigned int nLights) {
+  // A copy on the stack: the scan library takes the words as its own to write.
+  unsigned long long aWords[cnMaxLights] = {};
+  std::copy(aLights.begin(), aLights.end(), aWords);
+  const long nResult =
+      m_pScanner->SetCaptureMode(static_cast<Scanner::EScanMode_t>(nScanMode), nEntries, aWords, nLights);
+  // Frames of another size than the one asked for would be read past their end.
+  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+}
+
+void ClVT40Sensor::ReadDifference(ClImage& oDifference) {
+  ClRawSequenceLock oSequence(*m_pScanner);
+  ClFrameRoad::Difference(oSequence.Data(), oDifference);
+  oSequence.Release();
+}
+
+void ClVT40Sensor::SkipSequence() {
+  ClRawSequenceLock(*m_pScanner).Release();
+}
+
+void ClVT40Sensor::ReadLit(ClImage& oLit) {
+  ClRawSequenceLock oSequence(*m_pScanner);
+  std::memcpy(oLit.Data(), oSequence.Data(), oLit.DataBytes());
+  oSequence.Release();
+}
+
+void ClVT40Sensor::MakeLit(ERow eRow, ClImage& oLit) const {
+  unsigned int nWidth = 0;
+  unsigned int nHeight = 0;
+  const long nResult = m_pScanner->GetResolution(&nWidth, &nHeight);
+  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  const ScannerTypes::Resolution& oMode =
+      eRow == eSignatureHalf ? Scanner::m_oResVT40_960x340 : Scanner::m_oResVT40Quad;
+  if (nWidth != oMode.nWidth || nHeight != oMode.nHeight) {
+    KLV_RAISE(ClException, "Wrong image size.", -44);
+  }
+  oLit.NewWithType(ClImage::eUint8, static_cast<int>(nWidth), static_cast<int>(nHeight), 1, 0, 0, true);
+}
+
+ClPreviewRowGuard::~ClPreviewRowGuard() {
+  try {
+    if (!m_bRestored) Restore();
+  } catch (...) {
+    // The first failure is the one to report.
+  }
+}
+
+void ClPreviewRowGuard::Restore() {
+  m_oSensor.AssertHeld();
+  m_oSensor.Select(ClVT40Sensor::ePreview);
+  m_bRestored = true;
+}

@@ -1,0 +1,93 @@
+// What a frame passes through on its way to the caller.
+#include "MXLiveScannerAPI/FrameRoad.h"
+
+#include "MXKernels/PointRows.h"
+#include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "MXLiveScannerTools/IpLiveScannerMask.h"
+
+namespace {
+
+constexpr int cnMaskDpi = 500;
+/// The grey value that a white area gets before the mask.
+constexpr unsigned char cnTargetGrey = 224;
+/// Rows that the window of a roll has beyond half of the sensor's.
+constexpr int cnRollExtraRows = 2;
+
+const ClCalibrateGeometricData& DataOf(ClVT40SetupCalibrationData& oSetup, ClFrameRoad::EKind eKind,
+                                       bool bSmallImages) {
+  return eKind == ClFrameRoad::ePreview ? oSetup.GetGeometricDataPreview(bSmallImages)
+                                        : oSetup.GetGeometricDataFull(bSmallImages);
+}
+
+}  // namespace
+
+ClFrameRoad::ClFrameRoad(ClVT40SetupCalibrationData& oSetup, EKind eKind, bool bSmallImages,
+                         unsigned int nMask)
+    : m_oSetup(oSetup), m_eKind(eKind), m_nMask(nMask) {
+  const StSize oSize = RawSize(oSetup, eKind, bSmallImages);
+  m_oRaw.NewWithType(ClImage::eUint8, oSize.nWidth, oSize.nHeight, 1, 0, 0, true);
+}
+
+ClFrameRoad::StSize ClFrameRoad::RawSize(ClVT40SetupCalibrationData& oSetup, EKind eKind, bool bSmallImages) {
+  const ClCalibrateGeometricData& oData = DataOf(oSetup, eKind, bSmallImages);
+  const StSize oSize{static_cast<int>(oData.m_nSourceWidth), static_cast<int>(oData.m_nSourceHeight)};
+  return eKind == eRoll ? StSize{oSize.nWidth / 2, oSize.nHeight / 2 + cnRollExtraRows} : oSize;
+}
+
+ClFrameRoad::StSize ClFrameRoad::TargetSize(ClVT40SetupCalibrationData& oSetup, EKind eKind,
+                                            bool bSmallImages) {
+  const ClCalibrateGeometricData& oData = DataOf(oSetup, eKind, bSmallImages);
+  const StSize oSize{static_cast<int>(oData.m_nTargetWidth), static_cast<int>(oData.m_nTargetHeight)};
+  return eKind == eRoll ? StSize{oSize.nWidth / 2, oSize.nHeight / 2} : oSize;
+}
+
+void ClFrameRoad::Difference(const void* pSequence, ClImage& oDifference) {
+  const size_t nPlane = static_cast<size_t>(oDifference.Width()) * static_cast<size_t>(oDifference.Height());
+  const unsigned char* pFirst = static_cast<const unsigned char*>(pSequence);
+  const unsigned char* pSecond = pFirst + nPlane;
+  const bool bDarkFirst = (pFirst[0] & 0x0F) == 0;
+  MXKernels::SubtractSaturated(bDarkFirst ? pSecond : pFirst, bDarkFirst ? pFirst : pSecond,
+                               oDifference.Data(), nPlane);
+}
+
+void ClFrameRoad::Warp() {
+  switch (m_eKind) {
+    case ePreview:
+      return m_oSetup.CalibratePreview(m_oBalanced, m_oWarped);
+    case eFull:
+      return m_oSetup.CalibrateFull(m_oBalanced, m_oWarped);
+    case eRoll:
+      return m_oSetup.CalibrateRoll(m_oBalanced, m_oWarped);
+  }
+}
+
+void ClFrameRoad::Brightness(ClImage& oIn, ClImage& oOut) {
+  switch (m_eKind) {
+    case ePreview:
+      return m_oSetup.AdjustBrightnessPreview(oIn, oOut, cnTargetGrey);
+    case eFull:
+      return m_oSetup.AdjustBrightnessFull(oIn, oOut, cnTargetGrey);
+    case eRoll:
+      return m_oSetup.AdjustBrightnessRoll(oIn, oOut, cnTargetGrey);
+  }
+}
+
+void ClFrameRoad::Mask(ClImage& oIn, ClImage& oOut) {
+  m_oSetup.GetMaskProcessor(m_nMask)->ApplyParam(oIn, oOut, cnMaskDpi, 1.0);
+}
+
+void ClFrameRoad::Rectify(ClImage& oOut) {
+  Balance();
+  Warp();
+  Flip();
+  Brightness(m_oWarped, oOut);
+}
+
+void ClFrameRoad::RectifyShot(ClImage& oOut) {
+  Balance();
+  Warp();
+  // Only here the brightness comes before the flip: the reference meets the picture as the sensor sees it, whereas in
+  // a stream it meets the flipped one. Both orders are part of what captures have always looked like.
+  Brightness(m_oWarped, m_oBalanced);
+  m_oFlip.ApplyParam(m_oBalanced, oOut, true, false);
+}
