@@ -12,12 +12,12 @@
 #include "MXLiveScannerAPI/VT40Display.h"
 #include "MXLiveScannerAPI/VTLiveCaptureBase.h"
 
-/// Switches between the capture modes, one of which is active at a time, and keeps what outlives them. The modes turn
-/// the scanner's stream of raw sequences into the images that callers poll.
+/// Switches between the capture modes, one of which is active at a time, and keeps what outlives them. The
+/// modes turn the scanner's stream of raw sequences into the images that callers poll.
 ///
-/// Threads    thread-safe but for SetScanner, SetupCalibrationData and destruction. Locks are taken in this order:
-///            m_oMutex, m_oSwitchMutex, m_oSensor, m_oFull, and that of m_oPad. Workers take none of the first two,
-///            which is why a switch can join them while it holds these.
+/// Threads    thread-safe but for SetScanner, SetupCalibrationData and destruction. Locks are taken in this
+///            order: m_oMutex, m_oSwitchMutex, m_oSensor, m_oFull, and that of m_oPad. Workers take none of
+///            the first two, which is why a switch can join them while it holds these.
 /// Errors     a worker that fails prints the reason and ends: callers see a time-out, -60.
 class ClVT40LiveCapture : public ClVTLiveCaptureBase {
  public:
@@ -43,8 +43,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
 
   /// Drops what a mode has gathered so far. Errors: -50 in a mode that gathers nothing.
   void ResetImage();
-  /// Keeps the sensor still until Resume: workers wait before their next sequence, as do captures and switches. The worker
-  /// of the signature pad goes on.
+  /// Keeps the sensor still until Resume: workers wait before their next sequence, as do captures and
+  /// switches. The worker of the signature pad goes on.
   void Suspend() KLV_ACQUIRE(m_oSensor) { m_oSensor.lock(); }
   void Resume() KLV_RELEASE(m_oSensor) { m_oSensor.unlock(); }
   /// True: the engine uses the sensor modes that merge columns.

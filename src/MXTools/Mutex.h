@@ -3,8 +3,8 @@
 
 #include <boost/thread/mutex.hpp>
 
-// What a declaration says about locks. clang reads it (-Wthread-safety), other compilers skip it. The names are
-// clang's: a capability is what is held, a scoped capability holds it for its own lifetime.
+// What a declaration says about locks. clang reads it (-Wthread-safety), other compilers skip it. The names
+// are clang's: a capability is what is held, a scoped capability holds it for its own lifetime.
 #if defined(__clang__)
 #define KLV_THREAD_ATTRIBUTE(...) __attribute__((__VA_ARGS__))
 #else
@@ -36,8 +36,8 @@ class KLV_CAPABILITY("mutex") ClMutex {
   boost::mutex m_oMutex;
 };
 
-/// Holds a mutex, or whatever else is taken by lock() and given back by unlock(), to the end of a scope. A wait for
-/// a condition may give it back in between.
+/// Holds a mutex, or whatever else is taken by lock() and given back by unlock(), to the end of a scope. A
+/// wait for a condition may give it back in between.
 ///
 /// Threads  thread-bound.
 template <typename TMutex>

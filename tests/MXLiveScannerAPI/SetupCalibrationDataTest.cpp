@@ -200,8 +200,8 @@ TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
         ExpectRepair(oSetup, {{n, vOff}}, {});
       for (const ClVector& vOff : {ClVector(14, 0), ClVector(0, -15), ClVector(9, 12)})
         ExpectRepair(oSetup, {{n, vOff}}, {{n, vOff}});
-      // Beyond 30 pixels the neighbour that comes before gives way by half, and keeps half of that off the stray's place;
-      // the border never gives way.
+      // Beyond 30 pixels the neighbour that comes before gives way by half, and keeps half of that off the
+      // stray's place; the border never gives way.
       const auto Halved = [n](unsigned int nBefore, bool bBorder, const ClVector& vOff) {
         return bBorder ? Offsets{} : Offsets{{nBefore, vOff * 0.5}, {n, vOff * 0.25}};
       };

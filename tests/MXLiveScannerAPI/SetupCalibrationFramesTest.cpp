@@ -124,8 +124,8 @@ TEST_F(Frames, OtherSizesAndTypesAreRefusedAndLeaveTheOutputAlone) {
   EXPECT_TRUE(m_oOut.Data() == nullptr);
 }
 
-/// A picture whose grey is a quarter of the light that IlluminationSamples tells, so that 4 times the reference flattens
-/// it. dScale is the target's size against the full one.
+/// A picture whose grey is a quarter of the light that IlluminationSamples tells, so that 4 times the
+/// reference flattens it. dScale is the target's size against the full one.
 void DrawLight(ClImage& oImage, int nWidth, int nHeight, double dScale, int nLeft) {
   oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
   for (int nY = 0; nY < nHeight; ++nY) {

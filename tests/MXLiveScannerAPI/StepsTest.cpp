@@ -105,7 +105,8 @@ TEST(MaskChange, ACaptureNeedsMoreThanAThousandPixelsAtThePreviewsScale) {
 }
 
 TEST(MaskChange, ACaptureThatLostAFifthOfItsPixelsIsNotComplete) {
-  // The comparison widens each area by 3 pixels to all sides: 106 rows, of which 100 count as the capture's own.
+  // The comparison widens each area by 3 pixels to all sides: 106 rows, of which 100 count as the capture's
+  // own.
   const auto IsComplete = [](int nColumns, bool bSkipTop, int nTopColumns) {
     Picture oPreview(200, 200, 255), oCapture(400, 400, 255);
     oPreview.Fill(60, 60, 60, 100, 0);

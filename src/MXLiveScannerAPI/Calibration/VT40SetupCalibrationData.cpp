@@ -1,4 +1,5 @@
-// Set-up of a ten-finger scanner: tables by revision, brightness and gains, and the threads that make the maps.
+// Set-up of a ten-finger scanner: tables by revision, brightness and gains, and the threads that make the
+// maps.
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 
 #include <algorithm>

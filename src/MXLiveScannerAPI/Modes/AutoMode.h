@@ -5,8 +5,8 @@
 #include "MXLiveScannerAPI/FingerDetector.h"
 #include "MXLiveScannerAPI/PreviewMode.h"
 
-/// The rectifying worker measures dirt while nothing lies on the platen, the masking worker takes a capture when a finger
-/// lies still. It then waits to be fetched by GetImage for five frames.
+/// The rectifying worker measures dirt while nothing lies on the platen, the masking worker takes a capture
+/// when a finger lies still. It then waits to be fetched by GetImage for five frames.
 class ClAutoMode : public ClPreviewMode {
  public:
   /// bLive: captures get a liveness score. Errors: -103 when there is no liveness library.

@@ -44,7 +44,8 @@ struct StCaptureRooms {
   StSignatureSettings& oSettings;
 };
 
-/// One way of capturing: its workers, its buffers and its scratch, from its construction to Stop. The base has no data.
+/// One way of capturing: its workers, its buffers and its scratch, from its construction to Stop. The base
+/// has no data.
 ///
 /// Threads  thread-bound: the engine serialises all calls by its switch lock.
 /// Errors   a call that the mode does not have raises -50, "Invalid capture mode.".
@@ -63,8 +64,8 @@ class ClCaptureMode {
   virtual void Reset() {}
   /// Starts the workers. The caller holds the sensor, so that they wait before their first frame.
   virtual void Start() {}
-  /// Ends the workers, each after the frame in progress, and returns when the last has ended. To be called before the
-  /// destruction, also after a Start that raised; the caller does not hold the sensor.
+  /// Ends the workers, each after the frame in progress, and returns when the last has ended. To be called
+  /// before the destruction, also after a Start that raised; the caller does not hold the sensor.
   virtual void Stop() {}
 
   /// The capture at full resolution. May wait for a frame.

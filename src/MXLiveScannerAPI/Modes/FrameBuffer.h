@@ -9,8 +9,8 @@
 /// Threads  as the triple buffer's; Renew is thread-bound, while nobody writes.
 class ClFrameBuffer : public ClTpTripleBuffer<ClImage> {
  public:
-  /// Forgets what was written and gives the images their size, eUint8. Errors: -50 while a frame is read; nothing
-  /// is changed then.
+  /// Forgets what was written and gives the images their size, eUint8. Errors: -50 while a frame is read;
+  /// nothing is changed then.
   void Renew(int nWidth, int nHeight) {
     SetBuffer(&m_aImages[0], &m_aImages[1], &m_aImages[2]);
     for (ClImage& oImage : m_aImages) oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);

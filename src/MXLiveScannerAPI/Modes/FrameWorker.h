@@ -5,16 +5,16 @@
 #include <functional>
 
 /// Threads  the owner's calls are thread-bound.
-/// Errors   what a pass raises ends the worker; its reason is printed on standard output, and callers learn of it as of a
-///          lost scanner, by a time-out.
+/// Errors   what a pass raises ends the worker; its reason is printed on standard output, and callers learn
+///          of it as of a lost scanner, by a time-out.
 class ClFrameWorker {
  public:
   ClFrameWorker() = default;
   ClFrameWorker(const ClFrameWorker&) = delete;
   ClFrameWorker& operator=(const ClFrameWorker&) = delete;
 
-  /// Calls fnPass again and again until Interrupt, and fnBegin once before. szName, of up to 15 characters, is the thread's
-  /// for debuggers.
+  /// Calls fnPass again and again until Interrupt, and fnBegin once before. szName, of up to 15 characters,
+  /// is the thread's for debuggers.
   void Start(const char* szName, std::function<void()> fnPass, std::function<void()> fnBegin = nullptr);
   /// A pass in progress finishes; no other follows.
   void Interrupt() { m_oThread.interrupt(); }

@@ -12,12 +12,12 @@
 
 class ClLivenessDetector;
 
-/// Belongs to whoever holds its lock, from the shot to the copy. It outlives the capture modes, since they share its
-/// pictures: the mask of the last automatic capture judges later ones.
+/// Belongs to whoever holds its lock, from the shot to the copy. It outlives the capture modes, since they
+/// share its pictures: the mask of the last automatic capture judges later ones.
 ///
 /// Ownership  keeps its pictures and their scratch from one capture to the next.
-/// Threads    the lock is thread-safe, and so is what requires it. Rectify, Mask and RectifyAndMask may run on a helper thread,
-///            one at a time, while their caller holds the lock.
+/// Threads    the lock is thread-safe, and so is what requires it. Rectify, Mask and RectifyAndMask may run
+///            on a helper thread, one at a time, while their caller holds the lock.
 /// Errors     the scanner's numbers and the calibration state's.
 class KLV_CAPABILITY("mutex") ClFullCapture {
  public:

@@ -21,8 +21,8 @@ struct StSignatureSettings {
   ClLatchedWord oSensorMode;             ///< 0 the whole pad, otherwise its upper half
 };
 
-/// One worker takes lit frames, follows the pen and publishes every third preview of the strokes. The calling thread makes
-/// ink of them.
+/// One worker takes lit frames, follows the pen and publishes every third preview of the strokes. The calling
+/// thread makes ink of them.
 class ClSignatureMode : public ClCaptureMode {
  public:
   /// Holds the sensor mode of the settings until its destruction.

@@ -6,7 +6,8 @@
 #include "MXLiveScannerAPI/FrameRoad.h"
 #include "MXLiveScannerAPI/FrameWorker.h"
 
-/// Two workers side by side: one rectifies frame n + 1 while the other masks frame n. The scan library sets the pace.
+/// Two workers side by side: one rectifies frame n + 1 while the other masks frame n. The scan library sets
+/// the pace.
 ///
 ///     sensor -> Rectify -> buffer -> Publish -> the engine's frames, which callers read
 class ClStreamMode : public ClCaptureMode {

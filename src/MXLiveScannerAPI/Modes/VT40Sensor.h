@@ -9,12 +9,12 @@
 class ClMXVTScanAPIHandleBase;
 class ClVT40SetupCalibrationData;
 
-/// Whoever sets the sensor, or reads sequences that others set, holds it by its lock. It is served in order of arrival, so
-/// that a capture gets in between two frames of a stream.
+/// Whoever sets the sensor, or reads sequences that others set, holds it by its lock. It is served in order
+/// of arrival, so that a capture gets in between two frames of a stream.
 ///
 /// Ownership  neither scanner nor calibration state is owned; both outlive it.
-/// Threads    the lock is thread-safe, and so is what requires it. ReadLit is for the one worker of a mode in which nobody
-///            else sets the sensor.
+/// Threads    the lock is thread-safe, and so is what requires it. ReadLit is for the one worker of a mode in
+///            which nobody else sets the sensor.
 /// Errors     the scanner's numbers; -103 when the scan library cannot lend sequences.
 class KLV_CAPABILITY("mutex") ClVT40Sensor {
  public:
@@ -38,7 +38,8 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   /// The preview's row under one light, by which fingers see that they were captured.
   void SelectCapturedLight() KLV_REQUIRES(this);
 
-  /// Waits for the next sequence; the image, which has the size of its frames, becomes its lit less its dark frame.
+  /// Waits for the next sequence; the image, which has the size of its frames, becomes its lit less its dark
+  /// frame.
   void ReadDifference(ClImage& oDifference) KLV_REQUIRES(this);
   /// Waits for the next sequence and gives it back unread.
   void SkipSequence() KLV_REQUIRES(this);
@@ -64,8 +65,8 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   ClTicketMutex m_oMutex;
 };
 
-/// Puts the preview's row back on every way out of a capture, so that the workers of the preview never meet frames of
-/// another size.
+/// Puts the preview's row back on every way out of a capture, so that the workers of the preview never meet
+/// frames of another size.
 ///
 /// Threads  thread-bound; the sensor is held from construction to destruction.
 class ClPreviewRowGuard {

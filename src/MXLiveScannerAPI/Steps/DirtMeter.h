@@ -7,15 +7,15 @@
 
 class ClCalibrateGeometricData;
 
-/// Takes the difference images of a stream. The brightest tenth of the platen decides whether something lies on it;
-/// every second difference of an empty platen joins a ring of sixteen, whose sum shows specks that single frames hide
-/// in noise.
+/// Takes the difference images of a stream. The brightest tenth of the platen decides whether something lies
+/// on it; every second difference of an empty platen joins a ring of sixteen, whose sum shows specks that
+/// single frames hide in noise.
 ///
 /// Domain   eUint8, one plane, of the size of the calibration's source.
 /// Range    levels from 0, clean, to 100.
 /// Threads  thread-bound.
-/// Cost     one histogram a frame; on an empty platen two filters and 49 histograms every second frame. Allocates with the
-///          first sixteen empty frames only.
+/// Cost     one histogram a frame; on an empty platen two filters and 49 histograms every second frame.
+///          Allocates with the first sixteen empty frames only.
 class ClDirtMeter {
  public:
   enum ESight {

@@ -6,7 +6,8 @@
 
 /// Counts the finger pixels of the masked frame and compares the frame with the one before.
 ///
-/// Domain   a rectified frame and its mask, eUint8, one plane, of one size; finger pixels of the mask are below 255.
+/// Domain   a rectified frame and its mask, eUint8, one plane, of one size; finger pixels of the mask are
+///          below 255.
 /// Threads  thread-bound.
 /// Cost     two passes; keeps one frame, and allocates with the first one only.
 class ClFingerDetector {

@@ -86,8 +86,9 @@ void ClFrameRoad::Rectify(ClImage& oOut) {
 void ClFrameRoad::RectifyShot(ClImage& oOut) {
   Balance();
   Warp();
-  // Only here the brightness comes before the flip: the reference meets the picture as the sensor sees it, whereas in
-  // a stream it meets the flipped one. Both orders are part of what captures have always looked like.
+  // Only here the brightness comes before the flip: the reference meets the picture as the sensor sees it,
+  // whereas in a stream it meets the flipped one. Both orders are part of what captures have always looked
+  // like.
   Brightness(m_oWarped, m_oBalanced);
   m_oFlip.ApplyParam(m_oBalanced, oOut, true, false);
 }

@@ -7,13 +7,14 @@
 
 class ClVT40SetupCalibrationData;
 
-/// Difference, white balance, warp, flip, brightness, mask. Each step can be taken alone; Rectify takes those from the
-/// balance to the brightness.
+/// Difference, white balance, warp, flip, brightness, mask. Each step can be taken alone; Rectify takes those
+/// from the balance to the brightness.
 ///
 /// Domain     frames of the sizes that RawSize and TargetSize give, eUint8, one plane.
-/// Ownership  keeps the raw difference and two images of scratch; the calibration state is the caller's and outlives it.
-/// Threads    one thread may mask while another rectifies; the kinds share state as the calibration state says, and the
-///            mask processor, which is known by its index.
+/// Ownership  keeps the raw difference and two images of scratch; the calibration state is the caller's and
+///            outlives it.
+/// Threads    one thread may mask while another rectifies; the kinds share state as the calibration state
+///            says, and the mask processor, which is known by its index.
 /// Errors     the calibration state's.
 /// Cost       with the sizes of the last frame it allocates nothing.
 class ClFrameRoad {
@@ -30,8 +31,9 @@ class ClFrameRoad {
   static StSize RawSize(ClVT40SetupCalibrationData& oSetup, EKind eKind, bool bSmallImages);
   static StSize TargetSize(ClVT40SetupCalibrationData& oSetup, EKind eKind, bool bSmallImages);
 
-  /// What the lit plane has beyond the dark one. pSequence holds the two planes, one after the other and without
-  /// padding, in either order: the low four bits of its first byte are 0 where the dark one comes first.
+  /// What the lit plane has beyond the dark one. pSequence holds the two planes, one after the other and
+  /// without padding, in either order: the low four bits of its first byte are 0 where the dark one comes
+  /// first.
   static void Difference(const void* pSequence, ClImage& oDifference);
 
   ClImage& Raw() { return m_oRaw; }

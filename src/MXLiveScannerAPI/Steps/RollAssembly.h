@@ -7,8 +7,8 @@
 
 /// A step over ClIpAutoRoll, with what other threads may ask of it in between.
 ///
-/// Threads  thread-bound, but for RequestReset and SetAutoRotate, which are thread-safe: they take effect with the next
-///          frame.
+/// Threads  thread-bound, but for RequestReset and SetAutoRotate, which are thread-safe: they take effect
+///          with the next frame.
 /// Errors   the processor's. A verdict is none.
 class ClRollAssembly {
  public:

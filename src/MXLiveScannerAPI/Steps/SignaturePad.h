@@ -7,8 +7,8 @@
 #include "MXLiveScannerAPI/SwipeDetector.h"
 #include "MXTools/Mutex.h"
 
-/// The strokes, the pause that completes them, and the hand that swipes over them. It outlives the capture mode: the
-/// picture of a signature is still there when the mode comes back.
+/// The strokes, the pause that completes them, and the hand that swipes over them. It outlives the capture
+/// mode: the picture of a signature is still there when the mode comes back.
 ///
 /// Threads  thread-safe: one thread follows the pen, others draw and clear.
 class ClSignaturePad {
@@ -19,13 +19,15 @@ class ClSignaturePad {
     bool bJustDone;  ///< the first frame of a completion
   };
 
-  /// Begins a signature on a pad of so many preview rows. Strokes of a pad of that height stay in the preview.
+  /// Begins a signature on a pad of so many preview rows. Strokes of a pad of that height stay in the
+  /// preview.
   void Start(int nPreviewHeight, Ticks nNow);
   /// Forgets the strokes.
   void Clear();
   /// Forgets where a hand was.
   void ResetSwipe();
-  /// To be called for each frame. dDetectTime is the pause, in seconds, that completes a signature; 0 for never.
+  /// To be called for each frame. dDetectTime is the pause, in seconds, that completes a signature; 0 for
+  /// never.
   StOutcome Follow(const ClPenDetector::StSight& oSight, Ticks nNow, double dDetectTime);
 
   /// Strokes of 255 on 0, at the preview's size or drawn into oImage at full size.
