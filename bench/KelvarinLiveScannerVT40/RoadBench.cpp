@@ -10,14 +10,11 @@
 #include "KelvarinVTScanAPI/VTSim.h"
 #include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpFlip.h"
 #include "MXImageProcessing/IpLabeling.h"
-#include "MXKernels/PointRows.h"
+#include "MXLiveScannerAPI/FrameRoad.h"
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXLiveScannerAPI/PenDetector.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
-#include "MXLiveScannerTools/IpLiveScannerMask.h"
-#include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 
 extern "C" {
 long VTScanAPIInitialize(void*);
@@ -119,94 +116,60 @@ ClScene& Scene() {
   return oScene;
 }
 
-/// The images and processors of one road, in the order of its steps.
+/// The road of one kind of frame as the engine has it, with its pictures.
 struct ClRoad {
-  explicit ClRoad(bool bFullSize) : bFull(bFullSize) {
-    oRaw.NewWithType(ClImage::eUint8, bFullSize ? 1920 : 960, bFullSize ? 2720 : 1360, 1, 0, 0, true);
-  }
+  explicit ClRoad(ClFrameRoad::EKind eFrames)
+      : eKind(eFrames), oRoad(Scene().Setup(), eFrames, true, eFrames == ClFrameRoad::eFull ? 1 : 0) {}
 
-  void Difference() {
-    const std::vector<unsigned char>& aPlanes = bFull ? Scene().Full() : Scene().Preview();
-    const size_t nPlane = aPlanes.size() / 2;
-    MXKernels::SubtractSaturated(&aPlanes[nPlane], aPlanes.data(), oRaw.Data(), nPlane);
+  const std::vector<unsigned char>& Planes() const {
+    if (eKind == ClFrameRoad::eRoll) return Scene().Roll()[nFrame];
+    return eKind == ClFrameRoad::eFull ? Scene().Full() : Scene().Preview();
   }
-  void Balance() { oBalance.ApplyParam(oRaw, oBalanced); }
-  void Warp() {
-    if (bFull) {
-      Scene().Setup().CalibrateFull(oBalanced, oWarped);
-    } else {
-      Scene().Setup().CalibratePreview(oBalanced, oWarped);
-    }
-  }
-  void Flip() { oFlip.ApplyParam(oWarped, oWarped, true, false); }
-  void Brightness() {
-    if (bFull) {
-      Scene().Setup().AdjustBrightnessFull(oWarped, oCalibrated, 224);
-    } else {
-      Scene().Setup().AdjustBrightnessPreview(oWarped, oCalibrated, 224);
-    }
-  }
-  void Mask() { Scene().Setup().GetMaskProcessor(bFull ? 1 : 0)->ApplyParam(oCalibrated, oMasked, 500, 1.0); }
+  void Difference() { ClFrameRoad::Difference(Planes().data(), oRoad.Raw()); }
+  void Balance() { oRoad.Balance(); }
+  void Warp() { oRoad.Warp(); }
+  void Flip() { oRoad.Flip(); }
+  void Brightness() { oRoad.Brightness(oRectified); }
+  void Mask() { oRoad.Mask(oRectified, oMasked); }
   void Whole() {
     Difference();
-    Balance();
-    Warp();
-    Flip();
-    Brightness();
+    oRoad.Rectify(oRectified);
     Mask();
   }
 
-  const bool bFull;
-  ClImage oRaw, oBalanced, oWarped, oCalibrated, oMasked;
-  ClIpLocalWhiteBalance oBalance;
-  ClIpFlip oFlip;
+  const ClFrameRoad::EKind eKind;
+  size_t nFrame = 0;
+  ClFrameRoad oRoad;
+  ClImage oRectified, oMasked;
 };
 
-void Step(benchmark::State& oState, bool bFull, void (ClRoad::*pfnStep)()) {
-  ClRoad oRoad(bFull);
+void Step(benchmark::State& oState, ClFrameRoad::EKind eKind, void (ClRoad::*pfnStep)()) {
+  ClRoad oRoad(eKind);
   oRoad.Whole();
   for (auto _ : oState) (oRoad.*pfnStep)();
 }
 
-/// The road of roll frames: calibrated, masked, put together.
-struct ClRollRoad {
-  ClRollRoad() { oRaw.NewWithType(ClImage::eUint8, 960, 1362, 1, 0, 0, true); }
+/// The road of roll frames, and how they are put together.
+struct ClRollRoad : ClRoad {
+  ClRollRoad() : ClRoad(ClFrameRoad::eRoll) {}
 
-  void Difference() {
-    const std::vector<unsigned char>& aPlanes = Scene().Roll()[nFrame];
-    const size_t nPlane = aPlanes.size() / 2;
-    MXKernels::SubtractSaturated(&aPlanes[nPlane], aPlanes.data(), oRaw.Data(), nPlane);
-  }
-  void Balance() { oBalance.ApplyParam(oRaw, oBalanced); }
-  void Warp() { Scene().Setup().CalibrateRoll(oBalanced, oWarped); }
-  void Flip() { oFlip.ApplyParam(oWarped, oWarped, true, false); }
-  void Brightness() { Scene().Setup().AdjustBrightnessRoll(oWarped, oCalibrated, 224); }
-  void Mask() { Scene().Setup().GetMaskProcessor(0)->ApplyParam(oCalibrated, oMasked, 500, 1.0); }
   void Roll() { oRoll.ApplyParam(oMasked, oPrint); }
   void Mean() { oMean.ApplyParam(oMasked, oSoft, 15); }
   void Binarize() { oBinarize.ApplyParam(oMasked, oSoft, 128.0); }
   void Label() { oLabeling.ApplyParam(oBinary, oLabels); }
-  void Whole() {
-    Difference();
-    Balance();
-    Warp();
-    Flip();
-    Brightness();
-    Mask();
+  void WholeRoll() {
+    Whole();
     Roll();
     nFrame = (nFrame + 1) % Scene().Roll().size();
   }
   /// Stands in the middle of a roll.
   void Prepare() {
-    for (int n = 0; n < 20; ++n) Whole();
+    for (int n = 0; n < 20; ++n) WholeRoll();
     Mean();
     oBinarize.ApplyParam(oSoft, oBinary, 255.0);
   }
 
-  size_t nFrame = 0;
-  ClImage oRaw, oBalanced, oWarped, oCalibrated, oMasked, oPrint, oSoft, oBinary, oLabels;
-  ClIpLocalWhiteBalance oBalance;
-  ClIpFlip oFlip;
+  ClImage oPrint, oSoft, oBinary, oLabels;
   ClIpAutoRoll oRoll;
   ClIpFilterMid oMean;
   ClIpBinarizeGlobal oBinarize;
@@ -240,20 +203,20 @@ void CalibrationSetup(benchmark::State& oState) {
 }
 
 constexpr auto cnUnit = benchmark::kMillisecond;
-BENCHMARK_CAPTURE(Step, PreviewDifference, false, &ClRoad::Difference)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewBalance, false, &ClRoad::Balance)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewWarp, false, &ClRoad::Warp)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewFlip, false, &ClRoad::Flip)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewBrightness, false, &ClRoad::Brightness)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewMask, false, &ClRoad::Mask)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, PreviewFrame, false, &ClRoad::Whole)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullDifference, true, &ClRoad::Difference)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullBalance, true, &ClRoad::Balance)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullWarp, true, &ClRoad::Warp)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullFlip, true, &ClRoad::Flip)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullBrightness, true, &ClRoad::Brightness)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullMask, true, &ClRoad::Mask)->Unit(cnUnit);
-BENCHMARK_CAPTURE(Step, FullFrame, true, &ClRoad::Whole)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewDifference, ClFrameRoad::ePreview, &ClRoad::Difference)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewBalance, ClFrameRoad::ePreview, &ClRoad::Balance)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewWarp, ClFrameRoad::ePreview, &ClRoad::Warp)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewFlip, ClFrameRoad::ePreview, &ClRoad::Flip)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewBrightness, ClFrameRoad::ePreview, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewMask, ClFrameRoad::ePreview, &ClRoad::Mask)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewFrame, ClFrameRoad::ePreview, &ClRoad::Whole)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullDifference, ClFrameRoad::eFull, &ClRoad::Difference)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullBalance, ClFrameRoad::eFull, &ClRoad::Balance)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullWarp, ClFrameRoad::eFull, &ClRoad::Warp)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullFlip, ClFrameRoad::eFull, &ClRoad::Flip)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullBrightness, ClFrameRoad::eFull, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullMask, ClFrameRoad::eFull, &ClRoad::Mask)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullFrame, ClFrameRoad::eFull, &ClRoad::Whole)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollDifference, &ClRollRoad::Difference)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollBalance, &ClRollRoad::Balance)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollWarp, &ClRollRoad::Warp)->Unit(cnUnit);
@@ -264,7 +227,7 @@ BENCHMARK_CAPTURE(RollStep, RollAutoRoll, &ClRollRoad::Roll)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneMean, &ClRollRoad::Mean)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneBinarize, &ClRollRoad::Binarize)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneLabeling, &ClRollRoad::Label)->Unit(cnUnit);
-BENCHMARK_CAPTURE(RollStep, RollFrame, &ClRollRoad::Whole)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollFrame, &ClRollRoad::WholeRoll)->Unit(cnUnit);
 BENCHMARK(SignatureFrame)->Unit(cnUnit);
 BENCHMARK(CalibrationSetup)->Unit(cnUnit)->UseRealTime();
 

@@ -107,10 +107,11 @@ TEST(MaskChange, ACaptureNeedsMoreThanAThousandPixelsAtThePreviewsScale) {
 TEST(MaskChange, ACaptureThatLostAFifthOfItsPixelsIsNotComplete) {
   // The comparison widens each area by 3 pixels to all sides: 106 rows, of which 100 count as the capture's
   // own.
-  const auto IsComplete = [](int nColumns, bool bSkipTop, int nTopColumns) {
+  const auto IsComplete = [](int nColumns, bool bSkipTop, int nTopColumns, int nGained = 0) {
     Picture oPreview(200, 200, 255), oCapture(400, 400, 255);
     oPreview.Fill(60, 60, 60, 100, 0);
     oCapture.Fill(120, 120, 2 * nColumns, 200, 0);
+    oCapture.Fill(270, 120, 2 * nGained, 200, 0);
     oPreview.Fill(20, 10, nTopColumns, 20, 0);
     return ClMaskChange(bSkipTop).IsComplete(oPreview, oCapture);
   };
@@ -118,6 +119,7 @@ TEST(MaskChange, ACaptureThatLostAFifthOfItsPixelsIsNotComplete) {
   EXPECT_FALSE(IsComplete(50, false, 0)) << "1060 of 1000";
   EXPECT_FALSE(IsComplete(60, false, 100));
   EXPECT_TRUE(IsComplete(60, true, 100)) << "the upper fifth does not count";
+  EXPECT_TRUE(IsComplete(10, false, 0, 50)) << "a finger that has moved";
 }
 
 /// A meter of frames of 174 by 246, whose platen reaches from (20, 30) to (149, 199).

@@ -61,7 +61,7 @@ void ClFrameRoad::Warp() {
   }
 }
 
-void ClFrameRoad::Brightness(ClImage& oIn, ClImage& oOut) {
+void ClFrameRoad::Adjust(ClImage& oIn, ClImage& oOut) {
   switch (m_eKind) {
     case ePreview:
       return m_oSetup.AdjustBrightnessPreview(oIn, oOut, cnTargetGrey);
@@ -80,7 +80,7 @@ void ClFrameRoad::Rectify(ClImage& oOut) {
   Balance();
   Warp();
   Flip();
-  Brightness(m_oWarped, oOut);
+  Brightness(oOut);
 }
 
 void ClFrameRoad::RectifyShot(ClImage& oOut) {
@@ -89,6 +89,6 @@ void ClFrameRoad::RectifyShot(ClImage& oOut) {
   // Only here the brightness comes before the flip: the reference meets the picture as the sensor sees it,
   // whereas in a stream it meets the flipped one. Both orders are part of what captures have always looked
   // like.
-  Brightness(m_oWarped, m_oBalanced);
+  Adjust(m_oWarped, m_oBalanced);
   m_oFlip.ApplyParam(m_oBalanced, oOut, true, false);
 }

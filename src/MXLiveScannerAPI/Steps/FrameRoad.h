@@ -40,7 +40,7 @@ class ClFrameRoad {
   void Balance() { m_oBalance.ApplyParam(m_oRaw, m_oBalanced); }
   void Warp();
   void Flip() { m_oFlip.ApplyParam(m_oWarped, m_oWarped, true, false); }
-  void Brightness(ClImage& oIn, ClImage& oOut);
+  void Brightness(ClImage& oOut) { Adjust(m_oWarped, oOut); }
   void Mask(ClImage& oIn, ClImage& oOut);
 
   /// A frame of a stream, from Raw.
@@ -49,6 +49,8 @@ class ClFrameRoad {
   void RectifyShot(ClImage& oOut);
 
  private:
+  void Adjust(ClImage& oIn, ClImage& oOut);
+
   ClVT40SetupCalibrationData& m_oSetup;
   const EKind m_eKind;
   const unsigned int m_nMask;
