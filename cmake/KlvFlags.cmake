@@ -4,6 +4,7 @@
 add_library(klv_flags INTERFACE)
 target_compile_options(klv_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Wthread-safety-beta>
   # The same bytes on every machine: no fused multiply-add that one machine has and another has not.
   -ffp-contract=off
   # Exceptions carry source paths; these name files within the project, wherever it was built.

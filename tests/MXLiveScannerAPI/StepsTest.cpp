@@ -62,6 +62,7 @@ TEST(FingerDetector, ComparesEachFrameWithTheOneBeforeAndTheFirstWithBlack) {
   EXPECT_EQ(oDetector.Add(Picture(aMoved, 0), oMask), ClFingerDetector::eNoFinger);
   EXPECT_EQ(oDetector.Add(Picture(aMoved, 0), oMask), ClFingerDetector::eSteady);
   EXPECT_EQ(oDetector.Add(Picture(200, 100, 0), oMask), ClFingerDetector::eNoFinger) << "in either direction";
+  EXPECT_EQ(oDetector.Add(Picture(200, 100, 0), oMask), ClFingerDetector::eSteady);
 }
 
 TEST(CaptureCheck, ATenthOfTheLitPixelsMayLoseAQuarterOfTheirLight) {
