@@ -7,7 +7,7 @@
 #include "KelvarinLiveScannerVT40/LiveScannerVT40.h"
 #include "KelvarinLiveScannerVT40/VT40Handle.h"
 #include "MXTools/ErrorTable.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 /// The three log formats of a function, all beginning with the same form of its name and arguments.
 struct StCallFormats {
@@ -49,14 +49,8 @@ long ExportedCall(const StCallFormats& oFormats, TBody&& oBody, TArguments... aA
     }
     ClLiveScannerVT40::LogF(eLogDebug, oFormats.szLeave, aArguments...);
     return 0;
-  } catch (const ClException& oFailure) {
-    return LeaveWithError(oFormats, oFailure.Number(), aArguments...);
-  } catch (const std::bad_alloc&) {
-    return LeaveWithError(oFormats, -102, aArguments...);
-  } catch (const std::exception&) {
-    return LeaveWithError(oFormats, -721, aArguments...);
   } catch (...) {
-    return LeaveWithError(oFormats, -722, aArguments...);
+    return LeaveWithError(oFormats, Klv::FailureNumber(), aArguments...);
   }
 }
 

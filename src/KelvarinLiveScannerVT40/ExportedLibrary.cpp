@@ -80,12 +80,9 @@ void OpenScanner(const char* pszSerial, void** phScanner) {
     KLV_RAISE(ClException, "Demanded scanner not found.", -60);
   }
   ClVT40Handle::CreateHandle(phScanner);
-  try {
-    ClVT40Handle::GetClassBase(*phScanner)->AssignDevice(oDevices.aIds[nFound]);
-  } catch (...) {
-    ClVT40Handle::DestroyHandle(phScanner);
-    throw;
-  }
+  TpUndo oUndo([&] { ClVT40Handle::DestroyHandle(phScanner); });
+  ClVT40Handle::GetClassBase(*phScanner)->AssignDevice(oDevices.aIds[nFound]);
+  oUndo.Dismiss();
 }
 
 void CloseScanner(void** phScanner) {
@@ -102,22 +99,13 @@ extern "C" {
 
 long LS_VT40Initialize(const char* pszReserved) {
   return ExportedCall(
-      KLV_CALL_FORMATS("%s(%p)"),
-      [&] {
-        const long nResult = ClLiveScannerVT40::Initialize(pszReserved);
-        if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-      },
-      __func__, static_cast<const void*>(pszReserved));
+      KLV_CALL_FORMATS("%s(%p)"), [&] { KLV_CHECK(ClLiveScannerVT40::Initialize(pszReserved)); }, __func__,
+      static_cast<const void*>(pszReserved));
 }
 
 long LS_VT40Uninitialize(void) {
   return ExportedCall(
-      KLV_CALL_FORMATS("%s(void)"),
-      [] {
-        const long nResult = ClLiveScannerVT40::Uninitialize();
-        if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-      },
-      __func__);
+      KLV_CALL_FORMATS("%s(void)"), [] { KLV_CHECK(ClLiveScannerVT40::Uninitialize()); }, __func__);
 }
 
 long LS_VT40GetVersionA(char* pszVersion, unsigned int* pnSize) {

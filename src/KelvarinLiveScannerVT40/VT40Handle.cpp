@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "MXLiveScannerAPI/HelperThread.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -18,10 +18,6 @@ constexpr unsigned int cnFileRoom = 8192;
 constexpr long cnSizeTooSmall = -702;
 /// The first firmware that tells its power source. Compared as text.
 constexpr char cszPowerFirmware[] = "2.07";
-
-void CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
 
 template <typename TFunction>
 void CheckPresent(TFunction pfn) {
@@ -54,7 +50,7 @@ ClVT40Handle::~ClVT40Handle() {
 void ClVT40Handle::AssignDevice(unsigned int nDevice) {
   if (m_hDevice != nullptr) KLV_RAISE(ClException, "Device already assigned.", -50);
   m_oLibrary.OpenLibrary(ClLiveScannerVT40::m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
-  CheckResult(m_oLibrary.VTScanAPICreateHandle(nDevice, &m_hDevice));
+  KLV_CHECK(m_oLibrary.VTScanAPICreateHandle(nDevice, &m_hDevice));
   CheckScanLibraryVersion();
   CheckPresent(m_oLibrary.VTScanAPIEnableCapture);
   m_oLibrary.VTScanAPIEnableCapture(m_hDevice, 0);
@@ -93,7 +89,7 @@ void ClVT40Handle::AssignDevice(unsigned int nDevice) {
 void ClVT40Handle::CheckScanLibraryVersion() {
   char szText[cnVersionRoom] = "";
   unsigned int nSize = cnVersionRoom;
-  CheckResult(m_oLibrary.VTScanAPIGetPropertyA(m_hDevice, "version", szText, &nSize));
+  KLV_CHECK(m_oLibrary.VTScanAPIGetPropertyA(m_hDevice, "version", szText, &nSize));
   std::vector<std::string> aParts;
   const std::string oText = TextOf(szText, cnVersionRoom, cnVersionRoom);
   boost::split(aParts, oText, boost::is_any_of("."));
@@ -119,7 +115,7 @@ void ClVT40Handle::ReadCalibrationFile(const char* szName, TpArrayStatic<char>& 
 bool ClVT40Handle::ReadUSBPowered() {
   char szText[cnVersionRoom] = "";
   unsigned int nSize = cnVersionRoom;
-  CheckResult(m_oLibrary.VTScanAPIGetVersion(m_hDevice, szText, &nSize));
+  KLV_CHECK(m_oLibrary.VTScanAPIGetVersion(m_hDevice, szText, &nSize));
   const std::string oText = TextOf(szText, nSize, cnVersionRoom);
   const size_t nMarker = oText.find("FPGA:");
   if (nMarker == std::string::npos) return false;
@@ -128,7 +124,7 @@ bool ClVT40Handle::ReadUSBPowered() {
   if (std::strcmp(szFirmware, cszPowerFirmware) < 0) return false;
   CheckPresent(m_oLibrary.VTScanAPIGetPropertyLongA);
   long nPowered = 0;
-  CheckResult(m_oLibrary.VTScanAPIGetPropertyLongA(m_hDevice, "USBPowered", &nPowered));
+  KLV_CHECK(m_oLibrary.VTScanAPIGetPropertyLongA(m_hDevice, "USBPowered", &nPowered));
   return nPowered == 1;
 }
 
@@ -157,18 +153,12 @@ void ClVT40Handle::PutSensorInSetupState() {
 }
 
 void ClVT40Handle::SetupCalibrationData() noexcept {
-  m_nSetupResult = 0;
   try {
     m_pSetupCalibrationData->Setup(GivenBlock(m_aGeometricData), m_aGeometricData.Entries(),
                                    GivenBlock(m_aBrightnessData), m_aBrightnessData.Entries(), nullptr, 0);
-  } catch (const ClException& oFailure) {
-    m_nSetupResult = oFailure.Number();
-  } catch (const std::bad_alloc&) {
-    m_nSetupResult = -102;
-  } catch (const std::exception&) {
-    m_nSetupResult = -721;
+    m_nSetupResult = 0;
   } catch (...) {
-    m_nSetupResult = -722;
+    m_nSetupResult = Klv::FailureNumber();
   }
 }
 
@@ -182,5 +172,5 @@ void ClVT40Handle::UnassignDevice() {
   const long nResult = m_oLibrary.VTScanAPIDestroyHandle(&hDevice);
   m_oScanAPI.SetDllWrapper(nullptr, nullptr);
   m_oLibrary.CloseLibrary();
-  CheckResult(nResult);
+  KLV_CHECK(nResult);
 }

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "KelvarinLiveScannerVT40/VT40Handle.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -98,8 +98,7 @@ void ClVT40Handle::GetRollImageDPI(unsigned int* pnDpiX, unsigned int* pnDpiY) {
 void ClVT40Handle::GetSerialNumber(char* pszSerial, unsigned int nSize) {
   CheckPointers(pszSerial);
   Engine();
-  const long nResult = m_oLibrary.VTScanAPIGetHandleSerial(m_hDevice, pszSerial, &nSize);
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(m_oLibrary.VTScanAPIGetHandleSerial(m_hDevice, pszSerial, &nSize));
 }
 
 void ClVT40Handle::GetVersionString(char* pszVersion, unsigned int* pnSize) {
@@ -109,8 +108,7 @@ void ClVT40Handle::GetVersionString(char* pszVersion, unsigned int* pnSize) {
   char szText[256] = "";
   constexpr unsigned int cnLast = sizeof(szText) - 1;
   unsigned int nSize = sizeof(szText);
-  const long nResult = m_oLibrary.VTScanAPIGetVersion(m_hDevice, szText, &nSize);
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(m_oLibrary.VTScanAPIGetVersion(m_hDevice, szText, &nSize));
   szText[cnLast] = '\0';
   std::strncat(szText, cszSeparator, cnLast - std::strlen(szText));
   const unsigned int nLength = static_cast<unsigned int>(std::strlen(szText));

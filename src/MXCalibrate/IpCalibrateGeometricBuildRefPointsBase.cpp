@@ -10,17 +10,13 @@
 #include "MXImageProcessing/IpSplitPlanes.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 #include "MXTools/NumericFormat.h"
 
 namespace {
 
 /// What a window of the binariser has beyond one pitch, so that it always holds the ground between two dots.
 constexpr double cdWindowPitches = 1.1;
-
-void CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
 
 uint32_t PelsPerMetre(double dDpi) {
   return Klv::ClampNumber<uint32_t>(dDpi / ClIpCalibrateGeometricBuildRefPointsBase::cdMillimetresPerInch *
@@ -51,8 +47,8 @@ long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
   const int nPlanes = std::min(m_pInImage->Planes(), static_cast<int>(ClCalibrateGeometricData::cnMaxPlanes));
   ClImage aPlanes[ClCalibrateGeometricData::cnMaxPlanes];
   if (nPlanes > 1) {
-    CheckResult(ClIpSplitPlanes().ApplyParam(*m_pInImage, &aPlanes[0], &aPlanes[1],
-                                             nPlanes > 2 ? &aPlanes[2] : nullptr, nullptr));
+    KLV_CHECK(ClIpSplitPlanes().ApplyParam(*m_pInImage, &aPlanes[0], &aPlanes[1],
+                                           nPlanes > 2 ? &aPlanes[2] : nullptr, nullptr));
   }
   if (m_pOutDebugImage != nullptr) m_pOutDebugImage->New(*m_pInImage);
   for (int n = 0; n < nPlanes; ++n) {
@@ -89,16 +85,16 @@ void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& oImage, Gri
   oBinarize.m_nWhite = m_bInvert ? 0 : 255;
   const long nOffset = Klv::ClampNumber<long>(m_dThresholdOffset);
   ClImage oBinary;
-  CheckResult(oBinarize.ApplyParam(
+  KLV_CHECK(oBinarize.ApplyParam(
       oImage, oBinary,
       Klv::ClampNumber<long>(m_dSourceDpiX * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
       Klv::ClampNumber<long>(m_dSourceDpiY * m_dGridPitch / cdMillimetresPerInch * cdWindowPitches),
       m_bInvert ? -nOffset : nOffset));
   ClImage oInverted;
-  if (m_bInvert) CheckResult(ClIpInvert().ApplyParam(oImage, oInverted));
+  if (m_bInvert) KLV_CHECK(ClIpInvert().ApplyParam(oImage, oInverted));
   ClIpConnectedComponent2::ComponentsArray_t aComponents;
-  CheckResult(ClIpConnectedComponent2().ApplyParam(oBinary, aComponents, m_bInvert ? &oInverted : &oImage,
-                                                   m_pOutLabelImage));
+  KLV_CHECK(ClIpConnectedComponent2().ApplyParam(oBinary, aComponents, m_bInvert ? &oInverted : &oImage,
+                                                 m_pOutLabelImage));
   BuildGrid(aGrid, aComponents);
 }
 

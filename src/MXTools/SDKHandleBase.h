@@ -4,7 +4,7 @@
 #include <boost/thread/mutex.hpp>
 #include <memory>
 
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 #include "MXTools/HandleProperties.h"
 #include "MXTools/SafeHandle.h"
 
@@ -59,16 +59,14 @@ class TSDKHandleBase : public TBase {
     }
     if (ph == nullptr) throw ClException("handle reference is NULL pointer", -701, true, "Unknown", -1);
     *ph = nullptr;
-    const long nResult = T::SafeHandle::CreateHandle(ph);
-    if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+    KLV_CHECK(T::SafeHandle::CreateHandle(ph));
     T::GetClassBase(*ph)->OnCreateHandle();
   }
 
   void Delete(void** ph) override {
     if (ph == nullptr) KLV_RAISE_NUMBER(-44);
     T::GetClassBase(*ph)->OnDestroyHandle();
-    const long nResult = T::SafeHandle::DeleteHandle(ph);
-    if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+    KLV_CHECK(T::SafeHandle::DeleteHandle(ph));
   }
 
   virtual void OnCreateHandle() {}

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "MXTools/DynamicLibraryLoader.h"
+#include "MXTools/Failure.h"
 #include "MXTools/TpArrayDynamic.h"
 
 /// Counts the users of one library. A concrete wrapper T derives from it, adds a static pointer for each
@@ -37,12 +38,9 @@ class TpDynamicLibraryLoaderBase : private boost::noncopyable {
     ++rStatics.sm_nRefCount;
     m_bOpen = true;
     if (rStatics.sm_nRefCount != 1) return;
-    try {
-      BindFunctions();
-    } catch (...) {
-      ReleaseQuietly();
-      throw;
-    }
+    TpUndo oUndo([this] { ReleaseQuietly(); });
+    BindFunctions();
+    oUndo.Dismiss();
   }
 
   /// Gives the object's reference back, if it holds one. Errors: -204, with the library let go all the same.

@@ -5,7 +5,7 @@
 #include <boost/thread/mutex.hpp>
 #include <exception>
 
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 /// Domain     T has OnInitialize and OnUninitialize.
 /// Ownership  the instance lives from the first New to the last PrivateDelete.
@@ -22,13 +22,10 @@ class TpSingleton {
     boost::unique_lock<boost::mutex> oLock(m_oReferenceMutex);
     ++m_nReferenceCount;
     if (m_pInstance != nullptr) return m_pInstance;
-    try {
-      m_pInstance = new T;
-      m_pInstance->OnInitialize();
-    } catch (...) {
-      PrivateDelete();
-      throw;
-    }
+    TpUndo oUndo([] { PrivateDelete(); });
+    m_pInstance = new T;
+    m_pInstance->OnInitialize();
+    oUndo.Dismiss();
     return m_pInstance;
   }
 

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -186,13 +186,11 @@ long ClMXVTScanAPIWrapper::SetCaptureMode(EScanMode_t eMode, unsigned int nCount
 
 void ClMXVTScanAPIWrapper::LockRawSequence(void** ppSequence) {
   *ppSequence = nullptr;
-  const long nResult = Optional(Dll::VTScanAPILockRawSequence)(m_hDevice, ppSequence);
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(Optional(Dll::VTScanAPILockRawSequence)(m_hDevice, ppSequence));
   // A success that lends nothing is what a scanner without frames tells in other words.
   if (*ppSequence == nullptr) KLV_RAISE_NUMBER(-60);
 }
 
 void ClMXVTScanAPIWrapper::ReleaseRawSequence(void** ppSequence) {
-  const long nResult = Optional(Dll::VTScanAPIReleaseRawSequence)(m_hDevice, ppSequence);
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(Optional(Dll::VTScanAPIReleaseRawSequence)(m_hDevice, ppSequence));
 }

@@ -12,7 +12,7 @@
 #include "MXCalibrate/IpInterpolate2D.h"
 #include "MXImageProcessing/IpCut.h"
 #include "MXLiveScannerAPI/HelperThread.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 #include "MXTools/MemStream.h"
 
 namespace {
@@ -27,12 +27,8 @@ void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
   try {
     oWarp.m_pInImage = nullptr;
     oWarp.Apply();
-  } catch (const ClException& oFailure) {
-    std::puts(oFailure.What());
-  } catch (const std::exception& oFailure) {
-    std::puts(oFailure.what());
   } catch (...) {
-    std::puts("Unknown exception");
+    std::puts(Klv::FailureText());
   }
 }
 
@@ -185,7 +181,7 @@ void ClVT40SetupCalibrationData::UpdateBrightnessData(const void* pData, unsigne
                 m_oRefPreview);
   DrawReference(pValues, m_GeoFull.m_aTarget, m_GeoFull.m_nTargetWidth, m_GeoFull.m_nTargetHeight,
                 m_oRefFull);
-  CheckResult(ClIpCut().ApplyParam(m_oRefFull, 400, 0, 800, 800, m_oRefRoll));
+  KLV_CHECK(ClIpCut().ApplyParam(m_oRefFull, 400, 0, 800, 800, m_oRefRoll));
   // Raw frames are not warped: their references lie in the sensor's co-ordinates.
   DrawReference(pValues, m_GeoQuarter.m_aActual[0], m_GeoQuarter.m_nSourceWidth, m_GeoQuarter.m_nSourceHeight,
                 m_oRefMiniRAW);
@@ -195,8 +191,8 @@ void ClVT40SetupCalibrationData::UpdateBrightnessData(const void* pData, unsigne
   for (unsigned int n = 0; n < nPoints; ++n) aSignature.Add(m_GeoFull.m_aActual[0][n] * 0.25);
   DrawReference(pValues, aSignature, m_GeoFull.m_nSourceWidth >> 2, m_GeoFull.m_nSourceHeight >> 2,
                 m_oRefSignature);
-  CheckResult(ClIpCut().ApplyParam(m_oRefSignature, 0, 0, m_oRefSignature.Width(),
-                                   m_oRefSignature.Height() / 2, m_oRefSignatureHalf));
+  KLV_CHECK(ClIpCut().ApplyParam(m_oRefSignature, 0, 0, m_oRefSignature.Width(), m_oRefSignature.Height() / 2,
+                                 m_oRefSignatureHalf));
 }
 
 void ClVT40SetupCalibrationData::DrawReference(const double* pValues, const Points& aPoints, uint32_t nWidth,

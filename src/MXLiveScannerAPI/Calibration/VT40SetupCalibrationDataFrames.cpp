@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ class ClRollRegion {
 void ClVT40SetupCalibrationData::Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut) {
   oWarp.m_pInImage = &oIn;
   oWarp.m_pOutImage = &oOut;
-  CheckResult(oWarp.Apply());
+  KLV_CHECK(oWarp.Apply());
 }
 
 void ClVT40SetupCalibrationData::CalibratePreview(ClImage& oIn, ClImage& oOut) {
@@ -68,7 +68,7 @@ void ClVT40SetupCalibrationData::CalibratePreview(ClImage& oIn, ClImage& oOut) {
 
 void ClVT40SetupCalibrationData::CalibrateFull(ClImage& oIn, ClImage& oOut) {
   if (HasSourceSize(oIn, m_GeoFull)) {
-    CheckResult(m_oFullFilter.ApplyParam(oIn, m_oFullReduced, cnWorkWidth, cnWorkHeight));
+    KLV_CHECK(m_oFullFilter.ApplyParam(oIn, m_oFullReduced, cnWorkWidth, cnWorkHeight));
     Warp(m_oFullWarp, m_oFullReduced, oOut);
   } else if (HasSourceSize(oIn, m_GeoFullSmall)) {
     Warp(m_oFullWarpSmall, oIn, oOut);
@@ -79,7 +79,7 @@ void ClVT40SetupCalibrationData::CalibrateFull(ClImage& oIn, ClImage& oOut) {
 
 void ClVT40SetupCalibrationData::CalibrateRoll(ClImage& oIn, ClImage& oOut) {
   if (HasRollSize(oIn, m_GeoFull)) {
-    CheckResult(m_oRollFilter.ApplyParam(oIn, m_oRollReduced, cnRollWorkWidth, cnRollWorkHeight));
+    KLV_CHECK(m_oRollFilter.ApplyParam(oIn, m_oRollReduced, cnRollWorkWidth, cnRollWorkHeight));
     WarpRoll(m_oFullWarp, m_oRollReduced, m_GeoFullWork, m_oRollFrame, oOut);
   } else if (HasRollSize(oIn, m_GeoFullSmall)) {
     WarpRoll(m_oFullWarpSmall, oIn, m_GeoFullSmall, m_oRollFrameSmall, oOut);
@@ -108,15 +108,15 @@ void ClVT40SetupCalibrationData::WarpRoll(ClIpCalibrateGeometricBase& oWarp, con
 }
 
 void ClVT40SetupCalibrationData::AdjustBrightnessPreview(ClImage& oIn, ClImage& oOut, unsigned char nTarget) {
-  CheckResult(m_oAdjustPreview.ApplyParam(oIn, m_oRefPreview, oOut, nTarget));
+  KLV_CHECK(m_oAdjustPreview.ApplyParam(oIn, m_oRefPreview, oOut, nTarget));
 }
 
 void ClVT40SetupCalibrationData::AdjustBrightnessFull(ClImage& oIn, ClImage& oOut, unsigned char nTarget) {
-  CheckResult(m_oAdjustFull.ApplyParam(oIn, m_oRefFull, oOut, nTarget));
+  KLV_CHECK(m_oAdjustFull.ApplyParam(oIn, m_oRefFull, oOut, nTarget));
 }
 
 void ClVT40SetupCalibrationData::AdjustBrightnessRoll(ClImage& oIn, ClImage& oOut, unsigned char nTarget) {
-  CheckResult(m_oAdjustRoll.ApplyParam(oIn, m_oRefRoll, oOut, nTarget));
+  KLV_CHECK(m_oAdjustRoll.ApplyParam(oIn, m_oRefRoll, oOut, nTarget));
 }
 
 void ClVT40SetupCalibrationData::AdjustBrightnessMiniRAW(ClImage& oIn, ClImage& oOut, unsigned char nTarget) {
@@ -124,7 +124,7 @@ void ClVT40SetupCalibrationData::AdjustBrightnessMiniRAW(ClImage& oIn, ClImage& 
                         : HasSizeOf(oIn, m_oRefMiniRAWSmall) ? &m_oRefMiniRAWSmall
                                                              : nullptr;
   if (pReference == nullptr) RaiseUnsupported();
-  CheckResult(m_oAdjustMiniRAW.ApplyParam(oIn, *pReference, oOut, nTarget));
+  KLV_CHECK(m_oAdjustMiniRAW.ApplyParam(oIn, *pReference, oOut, nTarget));
 }
 
 void ClVT40SetupCalibrationData::AdjustBrightnessSignature(ClImage& oIn, ClImage& oOut,
@@ -133,5 +133,5 @@ void ClVT40SetupCalibrationData::AdjustBrightnessSignature(ClImage& oIn, ClImage
                         : oIn.Height() == m_oRefSignatureHalf.Height() ? &m_oRefSignatureHalf
                                                                        : nullptr;
   if (pReference == nullptr) KLV_RAISE(ClException, "Wrong image size.", -44);
-  CheckResult(m_oAdjustSignature.ApplyParam(oIn, *pReference, oOut, nTarget));
+  KLV_CHECK(m_oAdjustSignature.ApplyParam(oIn, *pReference, oOut, nTarget));
 }

@@ -7,7 +7,7 @@
 #include "MXCalibrate/CalibrateBlock.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXTools/Bitmap.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -63,26 +63,25 @@ void ClVT4SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned 
     std::memset(oProfile.Row<uint8_t>(nY), Profile(nY), static_cast<size_t>(oProfile.Width()));
   }
   ClImage oSmooth;
-  CheckResult(ClIpFilterMid().ApplyParam(oProfile, oSmooth, cnProfileFilterWidth));
+  KLV_CHECK(ClIpFilterMid().ApplyParam(oProfile, oSmooth, cnProfileFilterWidth));
   m_oBrightness.Swap(oSmooth);
 }
 
 void ClVT4SetupCalibrationData::CutWindow(ClImage& oIn) {
-  CheckResult(m_oCut.ApplyParam(oIn, WindowStart(m_nCentreX, cnWindowWidth),
-                                WindowStart(m_nCentreY, cnWindowHeight), cnWindowWidth, cnWindowHeight,
-                                m_oWindow));
-  CheckResult(m_oSubsample.ApplyParam(m_oWindow, 2, 1, m_oHalved, true));
+  KLV_CHECK(m_oCut.ApplyParam(oIn, WindowStart(m_nCentreX, cnWindowWidth),
+                              WindowStart(m_nCentreY, cnWindowHeight), cnWindowWidth, cnWindowHeight,
+                              m_oWindow));
+  KLV_CHECK(m_oSubsample.ApplyParam(m_oWindow, 2, 1, m_oHalved, true));
 }
 
 void ClVT4SetupCalibrationData::CalibrateFull(ClImage& oIn, ClImage& oOut) {
   CutWindow(oIn);
-  CheckResult(m_oAdjust.ApplyParam(m_oHalved, m_oBrightness, oOut, 255.0));
+  KLV_CHECK(m_oAdjust.ApplyParam(m_oHalved, m_oBrightness, oOut, 255.0));
 }
 
 void ClVT4SetupCalibrationData::CalibrateMini(ClImage& oIn, ClImage& oOut) {
   CutWindow(oIn);
   m_oHalved.SetPels(ClBitmap::cn500DPI, ClBitmap::cn500DPI);
-  CheckResult(
-      m_oRescale.ApplyParamSize(m_oHalved, oOut, cnMiniWidth, cnMiniHeight, ClIpRescale::ModeBiLinear));
+  KLV_CHECK(m_oRescale.ApplyParamSize(m_oHalved, oOut, cnMiniWidth, cnMiniHeight, ClIpRescale::ModeBiLinear));
   oOut.SetPels(ClBitmap::cn500DPI, ClBitmap::cn500DPI);
 }

@@ -70,10 +70,6 @@ void ClVTSetupCalibrationDataBase::ResetGeo() {
   m_aGeoRaw.New(0);
 }
 
-void ClVTSetupCalibrationDataBase::CheckResult(long nResult) {
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
-}
-
 void ClVTSetupCalibrationDataBase::CopyBlock(const void* pData, unsigned int nSize,
                                              TpArrayStatic<char>& aBlock) {
   aBlock.New(nSize);

@@ -67,8 +67,6 @@ class ClVTSetupCalibrationDataBase {
 
   /// The text from nOffset on; the empty text when it is shorter than that. Errors: -44 for NULL.
   static const char* Behind(const char* szSerial, size_t nOffset);
-  /// Raises a processor's number unless it is 0.
-  static void CheckResult(long nResult);
   static void CopyBlock(const void* pData, unsigned int nSize, TpArrayStatic<char>& aBlock);
   static void StoreBlock(const char* szDirectory, const char* szName, const TpArrayStatic<char>& aBlock);
 

@@ -5,8 +5,7 @@
 
 #include <cstdio>
 
-#include "MXTools/ErrorTable.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -20,12 +19,8 @@ void Run(const std::function<void()>& fnBegin, const std::function<void()>& fnPa
   try {
     if (fnBegin) fnBegin();
     while (!boost::this_thread::interruption_requested()) fnPass();
-  } catch (const ClException& oFailure) {
-    std::puts(oFailure.What());
-  } catch (const std::exception& oFailure) {
-    std::puts(oFailure.what());
   } catch (...) {
-    std::puts(GetErrorDescriptionIntern(-722));
+    std::puts(Klv::FailureText());
   }
 }
 

@@ -6,13 +6,9 @@
 #include <ctime>
 
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
-
-void CheckAnswer(long nAnswer) {
-  if (nAnswer != 0) KLV_RAISE_NUMBER(nAnswer);
-}
 
 /// The library takes rows without padding.
 void CopyUnpadded(const ClImage& oFrom, ClImage& oTo) {
@@ -35,7 +31,7 @@ ClLivenessDetector::ClLivenessDetector() {
   try {
     m_pLibrary = std::make_unique<ClKelvarinFakeFingerDetectionVT40Wrapper>();
     m_pLibrary->OpenLibrary(m_pLibrary->m_ssSearchPath, m_pLibrary->m_ssLibName);
-    CheckAnswer(m_pLibrary->FD_VT40Initialize(nullptr));
+    KLV_CHECK(m_pLibrary->FD_VT40Initialize(nullptr));
     const long nAnswer = m_pLibrary->FD_VT40CreateFakeDetectionVT40Handle(&m_hContext);
     if (nAnswer != 0) {
       m_hContext = nullptr;

@@ -2,16 +2,17 @@
 #include "MXLiveScannerAPI/OneShotMode.h"
 
 #include "MXLiveScannerAPI/HelperThread.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
 
 void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   TpLock oSensorLock(m_oSensor);
   TpLock oFullLock(m_oFull);
   m_oScanner.EnableCaptureThread(true);
-  try {
-    m_oFull.Shoot(m_oSensor);
-    // Rectified and masked while the capture sequence is being closed.
+  TpUndo oUndo([this] { m_oScanner.EnableCaptureThread(false); });
+  m_oFull.Shoot(m_oSensor);
+  {
+    // While the capture sequence is being closed.
     ClHelperThread oRectifying([this] {
       m_oFull.AssertHeld();
       m_oFull.RectifyAndMask();
@@ -22,14 +23,8 @@ void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dSc
     unsigned int nEndOfSequence = 1024;
     m_oScanner.SetCaptureSequenceEx(1, &nEndOfSequence);
     oRectifying.Join();
-  } catch (...) {
-    try {
-      m_oScanner.EnableCaptureThread(false);
-    } catch (...) {
-      // The first failure is the one to report.
-    }
-    throw;
   }
+  oUndo.Dismiss();
   oImage = m_oFull.MaskedPicture();
   eState = ClVTLiveCaptureBase::eCaptureStateNoFinger;
   dScore = 0.0;

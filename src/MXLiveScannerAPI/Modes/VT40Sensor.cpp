@@ -7,7 +7,7 @@
 #include "MXLiveScannerAPI/FrameRoad.h"
 #include "MXLiveScannerAPI/RawSequenceLock.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 
 namespace {
 
@@ -87,10 +87,9 @@ void ClVT40Sensor::SetSequence(int nScanMode, unsigned int nEntries,
   // A copy on the stack: the scan library takes the words as its own to write.
   unsigned long long aWords[cnMaxLights] = {};
   std::copy(aLights.begin(), aLights.end(), aWords);
-  const long nResult =
-      m_pScanner->SetCaptureMode(static_cast<Scanner::EScanMode_t>(nScanMode), nEntries, aWords, nLights);
   // Frames of another size than the one asked for would be read past their end.
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(
+      m_pScanner->SetCaptureMode(static_cast<Scanner::EScanMode_t>(nScanMode), nEntries, aWords, nLights));
 }
 
 void ClVT40Sensor::ReadDifference(ClImage& oDifference) {
@@ -112,8 +111,7 @@ void ClVT40Sensor::ReadLit(ClImage& oLit) {
 void ClVT40Sensor::MakeLit(ERow eRow, ClImage& oLit) const {
   unsigned int nWidth = 0;
   unsigned int nHeight = 0;
-  const long nResult = m_pScanner->GetResolution(&nWidth, &nHeight);
-  if (nResult != 0) KLV_RAISE_NUMBER(nResult);
+  KLV_CHECK(m_pScanner->GetResolution(&nWidth, &nHeight));
   const ScannerTypes::Resolution& oMode =
       eRow == eSignatureHalf ? Scanner::m_oResVT40_960x340 : Scanner::m_oResVT40Quad;
   if (nWidth != oMode.nWidth || nHeight != oMode.nHeight) {
