@@ -14,12 +14,12 @@
  *           sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
  *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle; these two are not repeated below.
  * Images    Rows of 8-bit grey values, top row first, one byte a pixel without padding (all widths are
- *           multiples of 4): 0 is black, 255 white. Ridges are dark on a white background. The caller supplies
- *           the buffer; its size follows from the size functions. Resolutions are constant: 500 dpi (full,
- *           roll) and 250 dpi (preview).
- * Threads   All functions may be called from any thread. Calls on one handle may run at the same time, but for
- *           LS_VT40CloseScanner, which must be the last one. An image call that waits for the scanner holds
- *           back a change of the capture mode and LED calls on the same handle until it returns.
+ *           multiples of 4): 0 is black, 255 white. Ridges are dark on a white background. The caller
+ *           supplies the buffer; its size follows from the size functions. Resolutions are constant: 500 dpi
+ *           (full, roll) and 250 dpi (preview).
+ * Threads   All functions may be called from any thread. Calls on one handle may run at the same time, but
+ *           for LS_VT40CloseScanner, which must be the last one. An image call that waits for the scanner
+ *           holds back a change of the capture mode and LED calls on the same handle until it returns.
  * Logging   KELVARIN_SDK_LOG=1 in the environment writes a line for each call to the standard output;
  *           KELVARIN_SDK_LOG_LEVEL (0 to 7) leaves out what is less important.
  */
@@ -171,7 +171,8 @@ KLV_API long LS_VT40GetRollImageDPI(void* h, unsigned int* pnDpiX, unsigned int*
 /* Selects a capture mode, one of KLV_VT40_CAPTURE_MODE_TAGS. A scanner that was just opened is in mode OFF;
  * the mode that is set already is left alone. A number that is no mode changes nothing; after any other
  * failure the mode is OFF.
- * Errors: KLV_ERROR_UNSUPPORTED no such mode, or AUTO_LIVE without the liveness library; the scan library's own number. */
+ * Errors: KLV_ERROR_UNSUPPORTED no such mode, or AUTO_LIVE without the liveness library; the scan library's
+ * own number. */
 KLV_API long LS_VT40SetCaptureMode(void* h, int nMode);
 
 /* The capture mode, when it is AUTO, AUTO_LIVE or OFF.
@@ -189,10 +190,10 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  * LS_VT40GetPreviewImage, the next preview that was not delivered yet; waits up to 15 seconds.
  * LS_VT40GetRollImage, the roll as assembled so far; waits up to 5 seconds.
  *
- * Mode SIGNATURE: LS_VT40GetPreviewImage shows the strokes so far, black on white, and is finished once when the
- * pen has rested for "dSignatureDetectTime" behind more than 50 places that it was seen at; a pen that comes back
- * later than that starts the next signature. LS_VT40GetImage draws the strokes at full size, always "finished".
- * Both have the sizes of the signature's two size calls.
+ * Mode SIGNATURE: LS_VT40GetPreviewImage shows the strokes so far, black on white, and is finished once when
+ * the pen has rested for "dSignatureDetectTime" behind more than 50 places that it was seen at; a pen that
+ * comes back later than that starts the next signature. LS_VT40GetImage draws the strokes at full size,
+ * always "finished". Both have the sizes of the signature's two size calls.
  *
  * Errors: KLV_ERROR_BAD_POINTER any pointer NULL; KLV_ERROR_INVALID_STATE not in this mode;
  * KLV_ERROR_DISCONNECTED no image came in time, or the scanner was disconnected; the scan library's own

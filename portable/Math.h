@@ -1,9 +1,11 @@
-// Logarithm, exponential and angles that give the same bits on every machine and in builds of either word size.
+// Logarithm, exponential and angles that give the same bits on every machine and in builds of either word
+// size.
 //
-// The C library's functions differ in the last bit between its 32-bit and 64-bit versions, and from one processor to the
-// next. What comes out of them is rounded down in many places (warp maps, kernel tables, turned pictures), so that one such
-// bit can move a pixel. These are made of the basic operations only, which are exact everywhere; so are the C library's
-// sqrt, fmod, floor and their kin, which need no twin here. All functions are reentrant.
+// The C library's functions differ in the last bit between its 32-bit and 64-bit versions, and from one
+// processor to the next. What comes out of them is rounded down in many places (warp maps, kernel tables,
+// turned pictures), so that one such bit can move a pixel. These are made of the basic operations only, which
+// are exact everywhere; so are the C library's sqrt, fmod, floor and their kin, which need no twin here. All
+// functions are reentrant.
 #pragma once
 
 #include <cmath>
@@ -17,8 +19,8 @@ constexpr double cdPi = 0x1.921fb54442d18p+1;
 
 /// The natural logarithm of dValue, to about one unit in the last place.
 ///
-/// dValue = 2^k * m with m around 1, and the area hyperbolic tangent series log m = 2 (s + s^3/3 + s^5/5 + ...) with
-/// s = (m - 1) / (m + 1), |s| < 0.1716 (Abramowitz and Stegun, 4.1.27).
+/// dValue = 2^k * m with m around 1, and the area hyperbolic tangent series log m = 2 (s + s^3/3 + s^5/5 +
+/// ...) with s = (m - 1) / (m + 1), |s| < 0.1716 (Abramowitz and Stegun, 4.1.27).
 ///
 /// Domain   positive and normal; for anything else, 0 too, the result is finite and means nothing.
 /// Cost     free of branches, so that loops over it vectorise.
@@ -85,7 +87,8 @@ inline double PowerOfTwo(int nExponent) noexcept {
   return dPower;
 }
 
-/// An angle within a quarter turn, in two parts of which the second corrects the first, and the quarter turns taken off.
+/// An angle within a quarter turn, in two parts of which the second corrects the first, and the quarter turns
+/// taken off.
 struct Reduced_t {
   double dHigh, dLow;
   unsigned nQuarters;
@@ -205,8 +208,8 @@ inline double Cos(double dAngle) noexcept {
   return ((o.nQuarters + 1u) & 2u) ? -dValue : dValue;
 }
 
-/// The angle of the point (dX, dY), to two units in the last place. Range [-pi, pi]; the signs of zeros count, as in C.
-/// Not a number when both are infinite.
+/// The angle of the point (dX, dY), to two units in the last place. Range [-pi, pi]; the signs of zeros
+/// count, as in C. Not a number when both are infinite.
 inline double Atan2(double dY, double dX) noexcept {
   constexpr double cdPiRest = 0x1.1a62633145c07p-53;
   const double dUp = std::fabs(dY), dRight = std::fabs(dX);

@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "../../tests/MXCalibrate/CalibrationBlocks.h"
+#include "CalibrationBlocks.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/FpImage.h"

@@ -72,8 +72,8 @@ void FilterMidRemainder(benchmark::State& oState) {
   for (auto _ : oState) oFilter.ApplyParam(oIn, oOut, oState.range(1));
 }
 
-/// What is labelled: one empty plane, noise (the argument is the share of object pixels in 256ths) or, for 256,
-/// stripes joined at one end.
+/// What is labelled: one empty plane, noise (the argument is the share of object pixels in 256ths) or, for
+/// 256, stripes joined at one end.
 void MakeObjects(ClImage& oImage, int64_t nSide, int64_t nShare) {
   FillRandom(oImage, nSide);
   for (int y = 0; y < oImage.Height(); ++y) {

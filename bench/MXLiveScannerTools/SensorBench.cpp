@@ -8,6 +8,7 @@
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ void FillFingers(ClImage& oImage, int nWidth, int nHeight, double dPeriod, int n
       for (int n = 0; n < 4; ++n) {
         const double dX = x - nWidth * (0.14 + 0.24 * n), dY = y - nHeight * 0.5;
         if (std::hypot(dX / nWidth, dY / nHeight / 2) < 0.1) {
-          dLevel = 90.0 + 70.0 * std::cos(std::hypot(dX, dY) * 2.0 * M_PI / dPeriod);
+          dLevel = 90.0 + 70.0 * std::cos(std::hypot(dX, dY) * 2.0 * Portable::cdPi / dPeriod);
         }
       }
       pRow[x] = static_cast<unsigned char>(std::min(dLevel, 255.0));

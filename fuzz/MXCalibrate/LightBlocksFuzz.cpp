@@ -1,5 +1,5 @@
-// Feeds blocks of brightness and of gains: a refused block does what its contract says, and the positional form that is
-// written of a whole one reads as the same.
+// Feeds blocks of brightness and of gains: a refused block does what its contract says, and the positional
+// form that is written of a whole one reads as the same.
 #include "MXCalibrate/CalibrateBlock.h"
 #include "MXCalibrate/CalibrateBrightnessData.h"
 #include "MXCalibrate/CalibrateGainData.h"

@@ -11,7 +11,8 @@ constexpr unsigned int cnMostPixelBytes = 1u << 12;
 /// From here on a file of runs has to hold some of its pixels.
 constexpr uint64_t cnLeastOfLarge = 1u << 26;
 
-/// Whether a few runs stand for many pixels. The block is made in full each time; larger ones are refused before.
+/// Whether a few runs stand for many pixels. The block is made in full each time; larger ones are refused
+/// before.
 bool IsSlow(const Bytes& aFile) {
   const size_t nHeader = aFile.size() > 1 && aFile[0] == 'B' && aFile[1] == 'M' ? 14 : 0;
   if (aFile.size() < nHeader + 20) return false;
@@ -109,7 +110,8 @@ std::vector<Bytes> Seeds() {
   ClBitmap oMasks;
   oMasks.Create(5, 2, 16, ClBitmap::eBitFields);
   aSeeds.push_back(Stored(oMasks));
-  // Run-length files are read only, so that the last seed is a plain one with another mark and runs in place of rows.
+  // Run-length files are read only, so that the last seed is a plain one with another mark and runs in place
+  // of rows.
   Bytes aRuns = aSeeds[4];
   aRuns[30] = ClBitmap::eRLE8;
   aRuns.resize(14 + 40 + 1024);

@@ -1,4 +1,5 @@
-// Feeds stored records of a parameter list: an entry takes a whole record, and a refused one leaves it as it was.
+// Feeds stored records of a parameter list: an entry takes a whole record, and a refused one leaves it as it
+// was.
 #include "ParameterMembers.h"
 #include "StreamBytes.h"
 

@@ -1,4 +1,5 @@
-// Feeds names and texts of properties: a text that is taken reads back and is taken again, a refused one changes nothing.
+// Feeds names and texts of properties: a text that is taken reads back and is taken again, a refused one
+// changes nothing.
 #include "MXTools/HandleProperties.h"
 #include "StreamBytes.h"
 

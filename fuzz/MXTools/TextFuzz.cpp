@@ -1,4 +1,5 @@
-// Feeds texts to the conversions between UTF-8 and wide text, to name patterns and to the functions of file names.
+// Feeds texts to the conversions between UTF-8 and wide text, to name patterns and to the functions of file
+// names.
 #include <cstring>
 
 #include "MXTools/FileSystem.h"

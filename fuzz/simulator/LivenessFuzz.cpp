@@ -1,4 +1,5 @@
-// Feeds the liveness library what reaches it from outside: fault texts of the environment, names of properties, pictures.
+// Feeds the liveness library what reaches it from outside: fault texts of the environment, names of
+// properties, pictures.
 #include "FuzzTarget.h"
 #include "KelvarinFakeFingerDetectionVT40/Detection.h"
 #include "KelvarinFakeFingerDetectionVT40/LivenessScore.h"

@@ -6,7 +6,8 @@
 #include "FuzzTarget.h"
 #include "sensor/EpromFiles.h"
 
-/// The record of the newest version, whose checksum hardly any change survives, and older ones, which have none.
+/// The record of the newest version, whose checksum hardly any change survives, and older ones, which have
+/// none.
 inline std::vector<Bytes> GeometryBlocks() {
   const Bytes aNewest = Simulator::EncodeGeometry(Simulator::MeasureGeometry(Simulator::ClOptics(3)));
   Bytes aWithoutChecksum(aNewest.begin(), aNewest.end() - 4);

@@ -20,7 +20,8 @@ class ClDetection {
  public:
   static ClDetection& Get();
 
-  /// Reads the faults of the environment while the library is at rest; comes before the call that they may strike.
+  /// Reads the faults of the environment while the library is at rest; comes before the call that they may
+  /// strike.
   ///
   /// Errors     -44 they can't be read.
   void ReadFaultsAtRest();

@@ -1,11 +1,12 @@
 /* The control side of the simulated liveness library: faults, what it was asked, and scores made to order.
  *
- * Plain C; usable from a program that opens the library with dlopen and looks the functions up. All functions are
- * thread-safe. They answer 0 for success and a negative number otherwise; FDSimLastError tells the reason in words.
+ * Plain C; usable from a program that opens the library with dlopen and looks the functions up. All functions
+ * are thread-safe. They answer 0 for success and a negative number otherwise; FDSimLastError tells the reason
+ * in words.
  *
  * Without this side, the environment variable KELVARIN_FDSIM_FAULTS makes functions fail:
- * "FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60". It is read by each FD_VT40Initialize that finds
- * the library at rest.
+ * "FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60". It is read by each FD_VT40Initialize that
+ * finds the library at rest.
  */
 #pragma once
 
@@ -30,7 +31,8 @@ typedef struct FDSimState {
   double dScore; /* the last score given; 0 when there was none */
 } FDSimState;
 
-/* Why the last failing call of this thread failed; "" when there was none. Valid until the thread's next call. */
+/* Why the last failing call of this thread failed; "" when there was none. Valid until the thread's next
+ * call. */
 FDSIM_API const char* FDSimLastError(void);
 
 /* Forgets faults, counts and the ordered score. Initialisations and contexts stay. */
@@ -38,8 +40,9 @@ FDSIM_API long FDSimReset(void);
 
 FDSIM_API long FDSimGetState(FDSimState* pState);
 
-/* Calls nFirst to nFirst + nRepeat - 1 of a function, counted from 1 from now on, do nothing and answer nResult.
- * nRepeat 0: all from nFirst on. FD_VT40DestroyHandle and FD_VT40Uninitialize do their work all the same. */
+/* Calls nFirst to nFirst + nRepeat - 1 of a function, counted from 1 from now on, do nothing and answer
+ * nResult. nRepeat 0: all from nFirst on. FD_VT40DestroyHandle and FD_VT40Uninitialize do their work all the
+ * same. */
 FDSIM_API long FDSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRepeat, long nResult);
 
 /* From now on every picture gets this score; a negative number goes back to measuring. */

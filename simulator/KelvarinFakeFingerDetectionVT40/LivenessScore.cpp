@@ -10,7 +10,8 @@ namespace {
 
 constexpr uint8_t g_cnInk = 160;       // the mask's ridges are darker
 constexpr int g_cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
-// Three tenths of that window: less is the rim of a finger, or dirt. More than 85 % is a smudge without ridges.
+// Three tenths of that window: less is the rim of a finger, or dirt. More than 85 % is a smudge without
+// ridges.
 constexpr uint32_t g_cnLeastInk = 327;
 constexpr uint32_t g_cnMostInk = 925;
 constexpr int g_cnPeriod = 8;       // reach of a mean over a ridge and a valley
@@ -20,7 +21,8 @@ constexpr size_t g_cnLeastPlaces = 5000;
 // What living skin with many pores has; measured on the generated prints.
 constexpr double g_cdFullStrength = 0.03;
 
-/// Sums of rectangles in four look-ups. Sums wrap around; differences of small rectangles are right all the same.
+/// Sums of rectangles in four look-ups. Sums wrap around; differences of small rectangles are right all the
+/// same.
 class ClSums {
  public:
   template <class F>
@@ -54,8 +56,8 @@ class ClSums {
   std::vector<uint32_t> m_aSums;
 };
 
-/// By how much a place is a hole (or, with nSign -1, a dot) against its neighbours on both sides, in the direction
-/// in which it is most: along a ridge these are alike.
+/// By how much a place is a hole (or, with nSign -1, a dot) against its neighbours on both sides, in the
+/// direction in which it is most: along a ridge these are alike.
 int Depth(const uint8_t* pPlace, const ptrdiff_t (&anStep)[4], int nSign) noexcept {
   int nDepth = 0;
   for (const ptrdiff_t nStep : anStep)

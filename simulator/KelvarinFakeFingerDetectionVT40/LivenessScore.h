@@ -22,11 +22,11 @@ struct ClLivenessMeasures {
   size_t nPixels = 0;
 };
 
-/// Pores are holes in ridges that have no counterpart in the valleys between them; a printer's dots are in both, and
-/// casts have neither.
+/// Pores are holes in ridges that have no counterpart in the valleys between them; a printer's dots are in
+/// both, and casts have neither.
 ///
-/// Domain     500 dots per inch, ridges light in pImage; rows of nWidth bytes. pMask is white where no finger lies,
-///            and darker than 160 on ridges. Sides from g_cnLeastSide to g_cnLargestSide.
+/// Domain     500 dots per inch, ridges light in pImage; rows of nWidth bytes. pMask is white where no finger
+///            lies, and darker than 160 on ridges. Sides from g_cnLeastSide to g_cnLargestSide.
 /// Errors     std::bad_alloc.
 /// Threads    reentrant.
 ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, int nWidth, int nHeight);

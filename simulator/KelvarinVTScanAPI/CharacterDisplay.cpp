@@ -125,8 +125,8 @@ void ClCharacterDisplay::MoveWindow(bool bRight) {
   m_nWindow = (m_nWindow + (bRight ? nWidth - 1 : 1)) % nWidth;
 }
 
-/// Lines lie one behind the other in the memory but not in the addresses. An address that no character has is held
-/// to the last of its line.
+/// Lines lie one behind the other in the memory but not in the addresses. An address that no character has is
+/// held to the last of its line.
 void ClCharacterDisplay::SetAddress(uint8_t nAddress) {
   m_bOwnShapes = false;
   if (!m_bTwoLines)

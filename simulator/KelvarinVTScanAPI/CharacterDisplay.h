@@ -7,9 +7,10 @@
 
 namespace Simulator {
 
-/// A controller with the HD44780 command set: 80 characters of memory of which a window of 16 columns shows, on one
-/// line or two. It wakes up with eight data wires, of which only the upper four are connected, so that each nibble
-/// is an instruction, until a host switches it to four. An instruction takes its time, in which others are lost.
+/// A controller with the HD44780 command set: 80 characters of memory of which a window of 16 columns shows,
+/// on one line or two. It wakes up with eight data wires, of which only the upper four are connected, so that
+/// each nibble is an instruction, until a host switches it to four. An instruction takes its time, in which
+/// others are lost.
 ///
 /// Units      microseconds, from any moment on.
 /// Threads    thread-bound.
@@ -18,8 +19,8 @@ class ClCharacterDisplay {
   static constexpr int nColumns = 16;
   static constexpr int nLines = 2;
 
-  /// The bus has a new value: bits 7 to 4 are data, bit 3 enables, bit 1 tells characters from commands. Data are
-  /// taken when the enable line falls, as they stood before.
+  /// The bus has a new value: bits 7 to 4 are data, bit 3 enables, bit 1 tells characters from commands. Data
+  /// are taken when the enable line falls, as they stood before.
   void Write(uint8_t nBus, int64_t nMicroseconds);
 
   /// The characters that show, as codes; blanks while the display is off, and on a line that is switched off.

@@ -87,8 +87,8 @@ typedef struct VTSimFrame {
   unsigned int nMoving;  /* of these, that come down, come off, slide or change their pressure */
 } VTSimFrame;
 
-/* The tip of the pen at one moment. Off the glass it is where it was lifted last, or where it will touch first. Whole
- * numbers are pixel centres. */
+/* The tip of the pen at one moment. Off the glass it is where it was lifted last, or where it will touch
+ * first. Whole numbers are pixel centres. */
 typedef struct VTSimPen {
   int bDown;   /* 1 while it touches the glass */
   int nStroke; /* which stroke it draws, from 0; -1 off the glass */
@@ -130,9 +130,9 @@ VTSIM_API long VTSimGetGroundTruth(const char* szSerial, unsigned char* pPicture
 VTSIM_API long VTSimGetGroundTruthAt(const char* szSerial, double dTime, unsigned char* pPicture,
                                      unsigned char* pMask, unsigned int* pnSize);
 
-/* The skin of fingers that rolled over the glass between two moments at most 3600 s apart, unrolled: the picture that
- * a perfect scanner would put together of rolls without slip and twist, and the mask of the skin that was down.
- * Fingers that don't roll are not in it. */
+/* The skin of fingers that rolled over the glass between two moments at most 3600 s apart, unrolled: the
+ * picture that a perfect scanner would put together of rolls without slip and twist, and the mask of the skin
+ * that was down. Fingers that don't roll are not in it. */
 VTSIM_API long VTSimGetUnrolledTruth(const char* szSerial, double dFrom, double dUntil,
                                      unsigned char* pPicture, unsigned char* pMask, unsigned int* pnSize);
 
@@ -147,16 +147,19 @@ typedef struct VTSimPoint {
   double dY;
 } VTSimPoint;
 
-/* Where the middles of the 64 dots of the calibration target fall on the full sensor, in the order of the geometric
- * calibration file: columns from left to right, each from top to bottom. Dots that are missing are told too. *pnCount:
- * in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room is too small. */
+/* Where the middles of the 64 dots of the calibration target fall on the full sensor, in the order of the
+ * geometric calibration file: columns from left to right, each from top to bottom. Dots that are missing are
+ * told too.
+ * *pnCount: in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room is too
+ * small. */
 VTSIM_API long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount);
 
-/* The pen at a moment of the scanner's time line. In a scene without a pen bDown is 0 and nStroke -1 always. */
+/* The pen at a moment of the scanner's time line. In a scene without a pen bDown is 0 and nStroke -1 always.
+ * */
 VTSIM_API long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen);
 
-/* The strokes of the scene's pen, in their order. *pnCount: in, the room; out, the number. -702 when the room is too
- * small. */
+/* The strokes of the scene's pen, in their order. *pnCount: in, the room; out, the number. -702 when the room
+ * is too small. */
 VTSIM_API long VTSimGetPenStrokes(const char* szSerial, VTSimStroke* pStrokes, unsigned int* pnCount);
 
 VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
@@ -165,17 +168,18 @@ VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
  */
 VTSIM_API long VTSimGetBeeps(const char* szSerial, VTSimBeep* pBeeps, unsigned int* pnCount);
 
-/* Copies the latest words that switched lights, oldest first (the scanner remembers 256). Words that write the display
- * alone are left out. *pnCount: in, the room; out, the number. */
+/* Copies the latest words that switched lights, oldest first (the scanner remembers 256). Words that write
+ * the display alone are left out. *pnCount: in, the room; out, the number. */
 VTSIM_API long VTSimGetLights(const char* szSerial, VTSimLight* pLights, unsigned int* pnCount);
 
-/* The display is a two-line one with the HD44780 command set. It hangs on byte 5 of the status LED register (bits 7 to
- * 4 data, 3 enable, 1 characters). Real time counts: a command keeps it busy for 37 us, clearing and returning for
+/* The display is a two-line one with the HD44780 command set. It hangs on byte 5 of the status LED register
+ * (bits 7 to 4 data, 3 enable, 1 characters). Real time counts: a command keeps it busy for 37 us, clearing
+ * and returning for
  * 1.52 ms, a character for 41 us, the first command of all for 4.1 ms. */
 VTSIM_API long VTSimGetDisplay(const char* szSerial, VTSimDisplay* pDisplay);
 
-/* Copies the records of the sequences from number nFirst on, oldest first (the scanner remembers 4096). *pnCount:
- * in, the room; out, the number copied. Less room than there are records is no failure. */
+/* Copies the records of the sequences from number nFirst on, oldest first (the scanner remembers 4096).
+ * *pnCount: in, the room; out, the number copied. Less room than there are records is no failure. */
 VTSIM_API long VTSimGetFrames(const char* szSerial, unsigned long long nFirst, VTSimFrame* pFrames,
                               unsigned int* pnCount);
 

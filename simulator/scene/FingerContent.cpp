@@ -154,8 +154,8 @@ void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
 
 void ClFingerContent::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const {
   if (m_oDescription.oRoll.dWidthMm == 0.0) return;
-  // Skin comes down on its own place, whatever slips or turns on the way: the unrolled print lies as the finger does
-  // without. Its edges are where the strips of all moments reach.
+  // Skin comes down on its own place, whatever slips or turns on the way: the unrolled print lies as the
+  // finger does without. Its edges are where the strips of all moments reach.
   ClFingerPose oFlat;
   double dLeft = std::numeric_limits<double>::infinity(), dRight = -dLeft, dWidest = 0.0;
   const int nSteps = static_cast<int>(std::ceil((dUntil - dFrom) / g_cdUnrollSeconds));

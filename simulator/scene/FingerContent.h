@@ -19,8 +19,8 @@ class ClFingerContent : public ClPlatenContent {
   void Count(double dSeconds, ClPlatenFacts& oFacts) const override;
 
  private:
-  /// The part of the skin that is down, on an axis across the strip, in pixels from the print's middle: from dLow to
-  /// dHigh fully, and half a strip more on each side.
+  /// The part of the skin that is down, on an axis across the strip, in pixels from the print's middle: from
+  /// dLow to dHigh fully, and half a strip more on each side.
   struct ClStrip {
     bool bWhole = true;  ///< the finger doesn't roll
     double dLow = 0.0;

@@ -23,7 +23,8 @@ struct ClFingerPose {
   }
 };
 
-/// Poses follow from the time alone and change in fine steps, so that moments that look alike have equal poses.
+/// Poses follow from the time alone and change in fine steps, so that moments that look alike have equal
+/// poses.
 ///
 /// Threads    reentrant.
 class ClFingerMotion {

@@ -7,7 +7,8 @@
 
 namespace Simulator {
 
-/// Where the tip is at one moment. Off the glass it is where it was lifted last, or where it will touch first.
+/// Where the tip is at one moment. Off the glass it is where it was lifted last, or where it will touch
+/// first.
 struct ClPenTip {
   bool bDown = false;
   int nStroke = -1;  ///< which stroke it draws, from 0; -1 off the glass
@@ -22,8 +23,8 @@ struct ClPenStroke {
 
 /// Places change in steps that nobody sees, so that a tip at rest is in the very same place.
 ///
-/// Domain     at least one stroke, each with at least one point, strokes in the order of time. A stroke that would
-///            begin while the one before is drawn begins at its end.
+/// Domain     at least one stroke, each with at least one point, strokes in the order of time. A stroke that
+///            would begin while the one before is drawn begins at its end.
 /// Threads    const operations are thread-safe.
 class ClPenPath {
  public:

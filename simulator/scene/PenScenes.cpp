@@ -132,7 +132,8 @@ void Tap(uint64_t, ClScannerDescription& oScanner) {
   oScanner.oPen.aStrokes = {oStroke};
 }
 
-/// The tip of a finger that comes down at one side, runs over the platen and leaves at the other, again and again.
+/// The tip of a finger that comes down at one side, runs over the platen and leaves at the other, again and
+/// again.
 void Swipe(const char* szName, double dDirection, uint64_t nSeed, ClScannerDescription& oScanner) {
   ClRandom oRandom(Mix(nSeed, MixText(szName)));
   ClFingerDescription oFinger;

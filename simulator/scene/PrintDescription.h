@@ -8,8 +8,8 @@ namespace Simulator {
 
 enum EPattern { ePatternLeftLoop, ePatternRightLoop, ePatternWhorl, ePatternArch };
 
-/// What the finger is made of. Imitations have no pores: a cast whose ridges are soft, one whose ridges are all
-/// alike and flat, a picture that a printer has made of dots.
+/// What the finger is made of. Imitations have no pores: a cast whose ridges are soft, one whose ridges are
+/// all alike and flat, a picture that a printer has made of dots.
 enum EMaterial { eMaterialSkin, eMaterialSoftCast, eMaterialFlatCast, eMaterialHalftone };
 
 struct ClPrintDescription {

@@ -7,7 +7,8 @@
 
 namespace Simulator {
 
-/// Sets the rolled finger of that name; false when there is none. The seed varies finger, place, ways and speeds.
+/// Sets the rolled finger of that name; false when there is none. The seed varies finger, place, ways and
+/// speeds.
 bool StageRoll(const std::string& sName, uint64_t nSeed, ClScannerDescription& oScanner);
 
 /// The names, separated by commas.

@@ -16,8 +16,8 @@ constexpr double g_cdRollMiddleMm = 20.32;
 
 constexpr double g_cdNever = std::numeric_limits<double>::infinity();
 
-/// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the finger
-/// says, ever slower.
+/// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the
+/// finger says, ever slower.
 struct ClSettleDescription {
   double dSeconds = 0.0;  ///< 0: it lies still from the touch on
   double dXMm = 0.0;      ///< where it starts, from its resting place
@@ -51,8 +51,8 @@ struct ClRollMoment {
   double dDown = 1.0;  ///< 0 off the glass, 1 down
 };
 
-/// A finger that rolls over the glass without slip: a strip of its skin is down, and each place of the skin comes
-/// down on the place that it has in the unrolled print.
+/// A finger that rolls over the glass without slip: a strip of its skin is down, and each place of the skin
+/// comes down on the place that it has in the unrolled print.
 struct ClRollDescription {
   double dWidthMm = 0.0;  ///< of the strip under ordinary pressure; 0: the finger doesn't roll
   double dTilt = 0.0;     ///< degrees by which the strip is turned against the finger, counter-clockwise
@@ -115,7 +115,8 @@ struct ClDirtDescription {
   double dUntil = g_cdNever;
 };
 
-/// The calibration target: a bright sheet with 8 by 8 dark dots, 10 mm apart. Dots are counted as in TargetDots.
+/// The calibration target: a bright sheet with 8 by 8 dark dots, 10 mm apart. Dots are counted as in
+/// TargetDots.
 struct ClTargetDescription {
   bool bThere = false;
   uint64_t nSeed = 1;   ///< of light, dust and scratches

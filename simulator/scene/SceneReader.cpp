@@ -108,7 +108,8 @@ ClRollDescription ReadRoll(ClObject o) {
   return oRoll;
 }
 
-/// A roll that says nothing else lies in the part of the platen that roll frames show, begins on a free platen and ends.
+/// A roll that says nothing else lies in the part of the platen that roll frames show, begins on a free
+/// platen and ends.
 void ReadRoll(ClObject& o, ClFingerDescription& oFinger) {
   const Json* p = o.Find("roll");
   if (!p) return;

@@ -61,9 +61,9 @@ void Slide(ClStage& o) {
   }
 }
 
-/// Slides until it lies, and leaves when two preview frames have seen it at rest, so that the capture which these
-/// set off meets fingers that are all but gone. Frames come at whole multiples of their time when a preview is all
-/// that has run.
+/// Slides until it lies, and leaves when two preview frames have seen it at rest, so that the capture which
+/// these set off meets fingers that are all but gone. Frames come at whole multiples of their time when a
+/// preview is all that has run.
 void LeaveEarly(ClStage& o) {
   const double dFrames = 10 + static_cast<double>(o.oRandom.Next() % 6) - o.Vary(0.6, 0.12);
   const double dStill = g_cdPreviewSeconds * dFrames, dDirection = o.oRandom.Range(0.0, 360.0);

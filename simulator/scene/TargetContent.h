@@ -18,12 +18,12 @@ struct ClPlaceMm {
   double dX, dY;
 };
 
-/// The target as it is laid against its stops: straight and in the middle, all dots there. Size of the dots, light, dust
-/// and scratches are drawn from the seed.
+/// The target as it is laid against its stops: straight and in the middle, all dots there. Size of the dots,
+/// light, dust and scratches are drawn from the seed.
 ClTargetDescription PlainTarget(uint64_t nSeed);
 
-/// The middles of all dots, those that are missing too. They are counted as the sensor sees them, which is mirrored:
-/// column after column from the right edge of the picture, each from top to bottom.
+/// The middles of all dots, those that are missing too. They are counted as the sensor sees them, which is
+/// mirrored: column after column from the right edge of the picture, each from top to bottom.
 std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTarget);
 
 class ClTargetContent : public ClPlatenContent {
@@ -35,8 +35,8 @@ class ClTargetContent : public ClPlatenContent {
   void Count(double, ClPlatenFacts&) const override {}
 
  private:
-  /// Something on the sheet that ends softly: a disc, or a line with round ends. It takes the light from what it was to
-  /// fGrey, by the part fStrength.
+  /// Something on the sheet that ends softly: a disc, or a line with round ends. It takes the light from what
+  /// it was to fGrey, by the part fStrength.
   struct ClMark {
     ClPlaceMm oFrom, oTo;
     double dRadiusMm;

@@ -44,8 +44,8 @@ class ClSensor {
   /// Changes what lies on the platen and the noise; optics and calibration stay.
   void SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
-  /// Writes the planes of a sequence, one behind the other. They show the platen at dSeconds, each under the room
-  /// light of its own moment. In a sequence of one dark and one lit plane the
+  /// Writes the planes of a sequence, one behind the other. They show the platen at dSeconds, each under the
+  /// room light of its own moment. In a sequence of one dark and one lit plane the
   /// low four bits of the first byte tell the order: 0 when the dark plane comes first.
   void Render(const ClSensorSettings& oSettings, double dSeconds, uint64_t nSequence, uint8_t* pOut);
 
@@ -66,8 +66,8 @@ class ClSensor {
   /// Gives back all memory of frames; the next frame takes it anew.
   void Free();
 
-  /// Where the dots of the target fall on the full sensor, in the order of the geometric calibration file; none without
-  /// a target.
+  /// Where the dots of the target fall on the full sensor, in the order of the geometric calibration file;
+  /// none without a target.
   std::vector<ClPoint> TargetDots() const;
 
   const ClOptics& Optics() const noexcept { return m_oOptics; }

@@ -13,7 +13,8 @@ class ClLiveScannerVT40 : public TpSDKBase<ClLiveScannerVT40, ClLoggingChain> {
  public:
   static const char m_szVersion[];
   static const char m_szLongVersion[];
-  /// Where the scan library is looked for in front of the linker's own search, relative to the working directory.
+  /// Where the scan library is looked for in front of the linker's own search, relative to the working
+  /// directory.
   static constexpr char m_szSearchPath[] = "../KelvarinVTScanAPI;../../KelvarinVTScanAPI;.";
 
   /// Errors: -200 "Unable to open VTScanAPI library."; the scan library's number when it does not start.

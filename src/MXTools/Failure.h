@@ -13,8 +13,8 @@
 
 namespace Klv {
 
-/// The number by which the exception that is being handled crosses the C boundary: its own, -102 when memory ran
-/// out, -721 for another of the standard library, -722 for anything else. To be called in a handler.
+/// The number by which the exception that is being handled crosses the C boundary: its own, -102 when memory
+/// ran out, -721 for another of the standard library, -722 for anything else. To be called in a handler.
 long FailureNumber() noexcept;
 
 /// What the exception that is being handled says of itself. To be called in a handler, and valid in it.

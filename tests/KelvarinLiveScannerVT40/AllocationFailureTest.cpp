@@ -40,7 +40,8 @@ class AllocationFailure : public Api {
     ASSERT_EQ(VTSimClearFaults(), 0);
   }
 
-  /// Opens a scanner, takes one picture and closes it, with what fnWatch does to the allocations of the library.
+  /// Opens a scanner, takes one picture and closes it, with what fnWatch does to the allocations of the
+  /// library.
   template <typename TWatch>
   StLife Live(TWatch&& fnWatch) {
     StLife oLife;

@@ -176,8 +176,8 @@ TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
   ASSERT_EQ(FDSimReset(), 0);
 }
 
-/// Brings the scanner to the moments of an automatic capture: so many sequences were passed (two or three previews,
-/// four of the liveness lights, the shot), or the pause behind a good shot has begun.
+/// Brings the scanner to the moments of an automatic capture: so many sequences were passed (two or three
+/// previews, four of the liveness lights, the shot), or the pause behind a good shot has begun.
 class AtEachMoment : public AutoScanner {
  protected:
   static constexpr unsigned int cnPause = 8;

@@ -174,8 +174,8 @@ TEST_F(MadeRecord, ServesAsWellAsTheFactorys) {
   ASSERT_EQ(VTSimSetEpromFile(nullptr, "GEOCAL", aRecord.data(), static_cast<unsigned>(aRecord.size())), 0);
   StShifts oMade;
   ASSERT_NO_FATAL_FAILURE(Take(sSerial));
-  // The grid's middle lies at 800 in a made record and at 799.5 in the factory's, and the picture is mirrored. Shifts of
-  // half a pixel can't be measured well.
+  // The grid's middle lies at 800 in a made record and at 799.5 in the factory's, and the picture is
+  // mirrored. Shifts of half a pixel can't be measured well.
   MoveTruth();
   ASSERT_NO_FATAL_FAILURE(Measure(oMade));
   EXPECT_LE(oMade.dRms, oFactory.dRms + 0.1);

@@ -17,7 +17,8 @@ struct StRollQuality {
   double dGrowth = 0.0;       ///< width of the picture against the widest flat contact
 };
 
-/// Columns from the first to the last that have at least a millimetre of skin; skin is where a neighbourhood is dark.
+/// Columns from the first to the last that have at least a millimetre of skin; skin is where a neighbourhood
+/// is dark.
 template <typename TSkin>
 int WidthOf(TSkin fnSkin) {
   int nFirst = cnRollSide, nLast = -1;

@@ -1,4 +1,5 @@
-// Signatures through the exported functions: what was written against what is drawn, and what ends a signature.
+// Signatures through the exported functions: what was written against what is drawn, and what ends a
+// signature.
 #include <ctime>
 #include <thread>
 

@@ -8,7 +8,8 @@
 
 #include "SignatureFixture.h"
 
-/// A place on the pad as the library counts: pixels of the signature's sensor modes, from the right edge and the top.
+/// A place on the pad as the library counts: pixels of the signature's sensor modes, from the right edge and
+/// the top.
 struct StPlace {
   double dX;
   double dY;

@@ -12,6 +12,7 @@
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXTools/Exception.h"
 #include "Raised.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -98,7 +99,7 @@ TEST(Dots, ADirectionsBoundaryBelongsToTheLowerNumber) {
   ClDot oDot(ClVector(0, 0));
   std::vector<ClDot> aOthers;
   for (int n = 0; n < 16; ++n) {
-    const double dAngle = n * 3.14159265358979323846 / 8;
+    const double dAngle = n * Portable::cdPi / 8;
     aOthers.emplace_back(ClVector(100 * std::cos(dAngle), 100 * std::sin(dAngle)));
   }
   for (ClDot& o : aOthers) oDot.AddDot(&o, false);

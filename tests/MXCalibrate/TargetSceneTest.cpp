@@ -5,7 +5,7 @@
 #include <cmath>
 #include <string>
 
-#include "../simulator/Frames.h"
+#include "Frames.h"
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "Raised.h"
 #include "Seeds.h"

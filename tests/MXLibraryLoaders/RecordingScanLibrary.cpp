@@ -13,7 +13,8 @@ int nLent = 0;
 /// Handles are addresses in here and are written down by their place.
 char aHandles[128];
 
-/// Texts as they are, numbers as numbers, what lies behind a pointer with an asterisk, and handles as their value.
+/// Texts as they are, numbers as numbers, what lies behind a pointer with an asterisk, and handles as their
+/// value.
 template <typename T>
 void Put(std::ostream& rOut, const T& rValue) {
   if constexpr (std::is_convertible_v<T, const char*>) {

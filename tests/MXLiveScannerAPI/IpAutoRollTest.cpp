@@ -9,6 +9,7 @@
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXTools/Exception.h"
 #include "Raised.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ constexpr int cnSize = 400;
 /// Ridges of the unrolled finger, 9 pixels apart, at a place of the platen.
 unsigned char Skin(double dX, double dY) {
   const double dDistance = std::hypot(dX - 200.0, dY - 500.0);
-  return static_cast<unsigned char>(130.0 + 90.0 * std::sin(dDistance * 2.0 * 3.14159265358979 / 9.0));
+  return static_cast<unsigned char>(130.0 + 90.0 * std::sin(dDistance * 2.0 * Portable::cdPi / 9.0));
 }
 
 /// One frame: the ellipse in contact, and how far the skin has drifted against the platen.

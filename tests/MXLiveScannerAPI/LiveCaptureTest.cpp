@@ -4,7 +4,6 @@
 #include <functional>
 #include <set>
 
-#include "../KelvarinLiveScannerVT40/SimulatedScanner.h"
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
@@ -13,6 +12,7 @@
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
 #include "Raised.h"
 #include "Seeds.h"
+#include "SimulatedScanner.h"
 
 namespace {
 

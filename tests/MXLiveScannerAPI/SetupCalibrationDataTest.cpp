@@ -7,7 +7,7 @@
 #include <limits>
 #include <map>
 
-#include "../MXCalibrate/CalibrationBlocks.h"
+#include "CalibrationBlocks.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "Raised.h"

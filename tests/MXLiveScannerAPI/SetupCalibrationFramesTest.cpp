@@ -4,8 +4,8 @@
 
 #include <cmath>
 
-#include "../MXCalibrate/CalibrationBlocks.h"
 #include "Allocations.h"
+#include "CalibrationBlocks.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "Raised.h"

@@ -1,10 +1,11 @@
 // Tests of the finger mask, of its texture classes and of its regions.
-#include "../MXImageProcessing/TestImages.h"
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
 #include "MXTools/ParameterContainer.h"
 #include "PlainMask.h"
+#include "TestImages.h"
+#include "portable/Math.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ Grid FingerFrame(int nWidth, int nHeight, double dPeriod, unsigned nSeed, double
     const double dX = x - nWidth * 0.45, dY = y - nHeight * 0.6;
     if (std::hypot(dX / nWidth, dY / nHeight) > dRadius) return 9 + nNoise;
     if (std::max(std::fabs(dX), std::fabs(dY)) < 12) return 120 + nNoise;
-    const double dRidge = 0.5 + 0.5 * std::cos(std::hypot(dX + 30, dY - 20) * 2 * M_PI / dPeriod);
+    const double dRidge = 0.5 + 0.5 * std::cos(std::hypot(dX + 30, dY - 20) * 2 * Portable::cdPi / dPeriod);
     const double dContact = 0.25 + 0.75 * x / nWidth;
     return static_cast<int>(15 + 170 * dRidge * dContact) + nNoise;
   });

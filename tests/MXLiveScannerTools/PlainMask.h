@@ -8,7 +8,7 @@
 #include <numeric>
 #include <vector>
 
-#include "../MXImageProcessing/PlainLabels.h"
+#include "PlainLabels.h"
 
 /// A rectangle of numbers.
 struct Grid {

@@ -1,13 +1,13 @@
 // Tests of the brightness adjustment, the local white balance and the parting of a mosaic.
 #include <array>
 
-#include "../MXImageProcessing/CallersBlock.h"
-#include "../MXImageProcessing/ParameterLists.h"
-#include "../MXImageProcessing/TestImages.h"
+#include "CallersBlock.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpBayerDecomposition.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXTools/ParameterContainer.h"
+#include "ParameterLists.h"
+#include "TestImages.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 #include <array>
 #include <cmath>
 
-#include "../MXImageProcessing/CallersBlock.h"
-#include "../MXImageProcessing/TestImages.h"
+#include "CallersBlock.h"
 #include "MXLiveScannerTools/TpIpSubsampleFilter.h"
+#include "TestImages.h"
 
 namespace {
 

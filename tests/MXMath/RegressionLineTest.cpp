@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "MXMath/RegressionLine.h"
+#include "portable/Math.h"
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
+using Portable::cdPi;
 
 ClRegressionLine Through(const std::vector<ClVector>& aPoints) {
   ClRegressionLine oLine;

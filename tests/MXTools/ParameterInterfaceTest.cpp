@@ -110,7 +110,8 @@ TEST(ParameterInterface, ARecordHasTheWidthsOfTheFormat) {
   oList.AddParameter(&nLong, "n", "", List::eOut, 0, 1);
   ClMemStream oStream;
   oList.WriteToStream(oStream);
-  // The name with its length, direction, fixed range; minimum, maximum and default; two flags, type and value.
+  // The name with its length, direction, fixed range; minimum, maximum and default; two flags, type and
+  // value.
   const Bytes aBytes(oStream.GetData(), oStream.GetData() + oStream.Size());
   ASSERT_EQ(aBytes.size(), 6u + 2 + 24 + 3 + 4);
   EXPECT_EQ(Bytes(aBytes.begin(), aBytes.begin() + 8), (Bytes{0, 0, 0, 2, 'n', 0, 1, 0}));

@@ -2,8 +2,8 @@
 #include <random>
 #include <string>
 
-#include "../MXCalibrate/DotTarget.h"
 #include "Digest.h"
+#include "DotTarget.h"
 #include "MXCalibrate/InterpolationBicubicQuantized.h"
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
 #include "MXCalibrate/IpInterpolate2D.h"

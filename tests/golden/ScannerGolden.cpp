@@ -19,14 +19,14 @@ namespace {
 
 using ImageCall_t = long (*)(void*, void*, double*, unsigned char*, long*);
 
-/// Four fingers that lie still, without noise: the picture of any sequence, so that it does not matter which of them an
-/// automatic decision takes.
+/// Four fingers that lie still, without noise: the picture of any sequence, so that it does not matter which
+/// of them an automatic decision takes.
 constexpr char g_cszStill[] = R"({"scanners": [{"noise": 0, "planeOrder": "dark-first", "fingers": [
     {"print": {"seed": 3}, "x": 15, "y": 40, "angle": 8}, {"print": {"seed": 4}, "x": 34, "y": 33},
     {"print": {"seed": 5, "pattern": "right-loop"}, "x": 53, "y": 35}, {"print": {"seed": 6}, "x": 70, "y": 47}]}]})";
 
-/// One stage: the open scanner before a scene; what fails is printed and ends up in the digest. All stages share one
-/// scanner, since its opening takes longer than most of them.
+/// One stage: the open scanner before a scene; what fails is printed and ends up in the digest. All stages
+/// share one scanner, since its opening takes longer than most of them.
 class ClRun {
  public:
   static void Open() {

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double cdPi = 3.141592653589793, cdInfinity = std::numeric_limits<double>::infinity();
 
-/// The greatest distance between fnOwn and the exact fnLibrary in units of the last place, for values in [dFrom, dTo).
+/// The greatest distance between fnOwn and the exact fnLibrary in units of the last place, for values in
+/// [dFrom, dTo).
 template <typename TOwn, typename TLibrary>
 double WorstUnits(TOwn fnOwn, TLibrary fnLibrary, double dFrom, double dTo) {
   std::mt19937_64 oRandom(3);

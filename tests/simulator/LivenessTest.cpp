@@ -12,7 +12,8 @@
 namespace Simulator {
 namespace {
 
-/// Picture and mask as a host's calibration and masking give them: ridges light on a dark ground, and dark on white.
+/// Picture and mask as a host's calibration and masking give them: ridges light on a dark ground, and dark on
+/// white.
 struct ClPicture {
   static constexpr unsigned nSide = g_cnPictureSide;
   std::vector<uint8_t> aImage, aMask;

@@ -3,6 +3,7 @@
 
 #include "Allocations.h"
 #include "TestFiles.h"
+#include "portable/Math.h"
 #include "scene/FingerContent.h"
 #include "scene/FingerMotion.h"
 #include "scene/PrintFile.h"
@@ -107,7 +108,7 @@ TEST(FingerMotion, AFingerSettlesSlidesPressesAndComesBackOnTime) {
   EXPECT_EQ(At(6.2).nDown + At(8.9).nDown, 0);
   EXPECT_TRUE(At(9.75).SameAs(oSettling)) << "the second visit is as the first";
   // Round a circle a finger is back after its circumference, and a diameter away at the half.
-  o.oSlide = {2.0, 1000.0, 2.0 * 3.14159265358979, 0.0, 1.0};
+  o.oSlide = {2.0, 1000.0, 2.0 * Portable::cdPi, 0.0, 1.0};
   EXPECT_NEAR(At(3.5).dYMm, 40.64 - 2.0, 1e-3);
   EXPECT_NEAR(At(4.0).dYMm, 40.64, 1e-3);
 }

@@ -62,7 +62,8 @@ const StSegment* SegmentOf(std::uintptr_t nAddress) {
   return nullptr;
 }
 
-/// A number for the calls in the watched library that led to its allocation; 0 for an allocation of anybody else.
+/// A number for the calls in the watched library that led to its allocation; 0 for an allocation of anybody
+/// else.
 std::uint64_t Stack() {
   void* apFrames[cnFrames];
   const int nFrames = backtrace(apFrames, cnFrames);

@@ -1,4 +1,5 @@
-// Every operator new of the program and of the shared libraries that it loads: counted, and refused on demand.
+// Every operator new of the program and of the shared libraries that it loads: counted, and refused on
+// demand.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +15,9 @@ long Live();
 std::size_t Largest();
 void ForgetLargest();
 
-/// From now on the distinct call stacks are remembered on which allocations of the named shared library are reached.
-/// What the C++ library does on behalf of its caller counts as the caller's. szLibrary: a part of the file name.
+/// From now on the distinct call stacks are remembered on which allocations of the named shared library are
+/// reached. What the C++ library does on behalf of its caller counts as the caller's. szLibrary: a part of
+/// the file name.
 void Remember(const char* szLibrary);
 /// The number of them.
 std::size_t Stacks();

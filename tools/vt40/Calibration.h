@@ -6,7 +6,8 @@
 
 #include "Picture.h"
 
-/// The three calibration blocks; an empty one is not there. A scanner must have geometry and brightness, a folder geometry.
+/// The three calibration blocks; an empty one is not there. A scanner must have geometry and brightness, a
+/// folder geometry.
 struct StCalibrationBlocks {
   bool bOfScanner = false;
   std::vector<unsigned char> aGeometry;
@@ -14,8 +15,8 @@ struct StCalibrationBlocks {
   std::vector<unsigned char> aGains;
 };
 
-/// How far each of the 64 dots lies off a straight grid of 10 mm pitch that was laid onto them by shift and turn.
-/// Micrometres, column after column from left to right, each from top to bottom.
+/// How far each of the 64 dots lies off a straight grid of 10 mm pitch that was laid onto them by shift and
+/// turn. Micrometres, column after column from left to right, each from top to bottom.
 struct StResidual {
   std::vector<double> aX;
   std::vector<double> aY;
@@ -33,8 +34,8 @@ struct StCalibration {
 
 /// Finds the target's dots in a picture of the full sensor and makes the calibration record from them.
 ///
-/// Errors  ClToolError eExitNegative with the library's text when there is no good grid, eExitFile for a picture of
-///         another size.
+/// Errors  ClToolError eExitNegative with the library's text when there is no good grid, eExitFile for a
+///         picture of another size.
 StCalibration CalibrateFrom(const ClPicture& oRaw, const std::string& sSerial);
 
 /// What the library says of one block.

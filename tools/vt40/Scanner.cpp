@@ -49,7 +49,8 @@ std::vector<std::string> ListSerials() {
   return aSerials;
 }
 
-/// An image that did not come. The library tells a silent scanner and a lost one alike; the list of scanners does not.
+/// An image that did not come. The library tells a silent scanner and a lost one alike; the list of scanners
+/// does not.
 void CheckImage(long nError, const std::string& sWhat, const std::string& sSerial) {
   if (nError != KLV_ERROR_DISCONNECTED) return Check(nError, sWhat);
   const std::vector<std::string> aSerials = ListSerials();

@@ -9,6 +9,7 @@
 
 #include "MXTools/FpImage.h"
 #include "MXTools/Vector.h"
+#include "portable/Math.h"
 
 /// 8 by 8 dots, 10 mm apart.
 struct ClDotTarget {
@@ -26,7 +27,7 @@ struct ClDotTarget {
 
   /// Where the sensor shows a place of the target, in mm from its middle.
   ClVector ToSensor(const ClVector& vMm) const {
-    const double dTurn = dDegrees * 3.14159265358979323846 / 180;
+    const double dTurn = dDegrees * Portable::cdPi / 180;
     const double dU = (vMm.x * std::cos(dTurn) - vMm.y * std::sin(dTurn)) / 40;
     const double dV = (vMm.x * std::sin(dTurn) + vMm.y * std::cos(dTurn)) / 40;
     constexpr double cdInches = 40 / 25.4;

@@ -87,8 +87,8 @@ inline std::string Summary(const ClProcessorBase& oProcessor, unsigned int nSize
   return szText;
 }
 
-/// Samples over the whole range of an integer type with many extremes; quarters between -64 and 64 for floating
-/// types, whose sums are exact.
+/// Samples over the whole range of an integer type with many extremes; quarters between -64 and 64 for
+/// floating types, whose sums are exact.
 template <typename T>
 T RandomSample(std::mt19937& oRandom) {
   if constexpr (std::is_floating_point_v<T>) {

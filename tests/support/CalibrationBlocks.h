@@ -1,13 +1,13 @@
 // Calibration blocks put together byte by byte, apart from the code under test.
 #pragma once
 
+#include <boost/crc.hpp>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
 
-#include "MXTools/CRC32.h"
 #include "MXTools/Vector.h"
 
 using Bytes = std::vector<unsigned char>;
@@ -102,8 +102,11 @@ inline Bytes GeometricBlock(const ClGeometricRecord& o, int nLayout = 6) {
   if (nLayout <= 2) AppendPoints(aBytes, o.aActual);
   AppendPoints(aBytes, o.aTarget);
   for (uint32_t n = 0; nLayout > 2 && n < o.nPlanes; ++n) AppendPoints(aBytes, o.aActual);
-  if (nLayout >= 6)
-    AppendBig(aBytes, ClCRC32().Get_CRC(aBytes.data(), static_cast<unsigned int>(aBytes.size())));
+  if (nLayout >= 6) {
+    boost::crc_optimal<32, 0x04C11DB7, 0xFFFFFFFF, 0xFFFFFFFF, false, false> oCrc;
+    oCrc.process_bytes(aBytes.data(), aBytes.size());
+    AppendBig(aBytes, oCrc.checksum());
+  }
   return aBytes;
 }
 

@@ -49,8 +49,8 @@ inline void Pass() {
   ASSERT_TRUE(WaitFor([] { return State().bWaiting != 0; }));
 }
 
-/// Lets previews through until the library waits for the shot of an automatic capture. How many it takes depends on how
-/// many of them a slow judge misses.
+/// Lets previews through until the library waits for the shot of an automatic capture. How many it takes
+/// depends on how many of them a slow judge misses.
 inline void PassUntilShot() {
   ASSERT_TRUE(WaitFor([] {
     if (State().nSensorMode == 34) return true;
