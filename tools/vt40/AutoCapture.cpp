@@ -8,22 +8,18 @@
 #include <cstdlib>
 
 #include "KelvarinLiveScannerVT40.h"
+#include "MXLiveScannerAPI/CaptureLimits.h"
 #include "Progress.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// The scanner's own limits, so that what is told is why it waits.
-constexpr size_t cnMinFingerPixels = 1000;
-constexpr size_t cnLargeFingerPixels = 5000;
-constexpr uint64_t cnStillMotion = 99999999;
-
 /// What one preview shows.
 struct StObservation {
   const char* szState;
   const char* szReason;  ///< why there is no capture; empty when there is one
-  size_t nFingerPixels = 0;
+  int nFingerPixels = 0;
   uint64_t nMotion = 0;
 };
 
@@ -33,9 +29,8 @@ class ClObserver {
   StObservation Observe(const ClPicture& oPreview, const StDelivery& oDelivery, bool bTaken) {
     StObservation oSeen{"hold still", "the fingers have just come to rest"};
     // Outside the fingers the preview is white.
-    oSeen.nFingerPixels =
-        oPreview.aPixels.size() -
-        static_cast<size_t>(std::count(oPreview.aPixels.begin(), oPreview.aPixels.end(), 255));
+    oSeen.nFingerPixels = static_cast<int>(std::count_if(oPreview.aPixels.begin(), oPreview.aPixels.end(),
+                                                         [](unsigned char n) { return n < 255; }));
     for (size_t n = 0; n < m_aPrevious.size(); ++n) {
       const int nDifference = oPreview.aPixels[n] - m_aPrevious[n];
       oSeen.nMotion += static_cast<uint64_t>(nDifference * nDifference);
@@ -48,27 +43,25 @@ class ClObserver {
 
  private:
   void Judge(StObservation& oSeen, bool bDone, bool bTaken) const {
-    const size_t nTenth = m_nPreviousPixels / 10;
-    const bool bSteady =
-        oSeen.nFingerPixels > cnLargeFingerPixels || (oSeen.nFingerPixels + nTenth > m_nPreviousPixels &&
-                                                      oSeen.nFingerPixels < m_nPreviousPixels + nTenth);
+    // By the scanner's own limits, so that what is reported is why it waits.
+    using namespace CaptureLimits;
     if (bDone) {
       oSeen.szState = bTaken ? "lift" : "done";
       oSeen.szReason = bTaken ? "these fingers are captured; lift them" : "";
-    } else if (oSeen.nFingerPixels <= cnMinFingerPixels) {
+    } else if (oSeen.nFingerPixels <= cnNoFingerPixels) {
       oSeen.szState = "no finger";
       oSeen.szReason = "nothing lies on the platen";
     } else if (oSeen.nMotion > cnStillMotion) {
       oSeen.szState = "finger";
       oSeen.szReason = "the fingers move";
-    } else if (!bSteady) {
+    } else if (!IsSteady(m_nPreviousPixels, oSeen.nFingerPixels)) {
       oSeen.szState = "finger";
       oSeen.szReason = "the area of the fingers changes";
     }
   }
 
   std::vector<unsigned char> m_aPrevious;
-  size_t m_nPreviousPixels = 0;
+  int m_nPreviousPixels = 0;
 };
 
 std::string ProgressLine(const StObservation& oSeen, unsigned int nFrame, unsigned int nCondition) {

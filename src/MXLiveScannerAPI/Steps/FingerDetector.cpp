@@ -1,19 +1,10 @@
-// Count, motion and steadiness, and their limits.
+// Count, motion and steadiness.
 #include "MXLiveScannerAPI/FingerDetector.h"
 
 #include <utility>
 
 #include "MXKernels/DifferenceRows.h"
-
-namespace {
-
-/// Finger pixels up to which there is no finger, and beyond which a finger needs no steadiness.
-constexpr int cnNoFingerPixels = 1000;
-constexpr int cnLargeFingerPixels = 5000;
-/// Sum of the squared differences of two frames up to which a finger lies still.
-constexpr uint64_t cnStillMotion = 99999999;
-
-}  // namespace
+#include "MXLiveScannerAPI/CaptureLimits.h"
 
 void ClFingerDetector::Reset() {
   m_bPrevious = false;
@@ -35,9 +26,6 @@ ClFingerDetector::EDecision ClFingerDetector::Add(const ClImage& oFrame, const C
   m_oHistogram.Create(oMask);
   const int nCount = oMask.Width() * oMask.Height() - m_oHistogram.Count(255);
   const int nBefore = std::exchange(m_nPreviousCount, nCount);
-  if (nCount <= cnNoFingerPixels || nMotion > cnStillMotion) return eNoFinger;
-  const int nTenth = nBefore / 10;
-  const bool bSteady =
-      nCount > cnLargeFingerPixels || (nBefore - nTenth < nCount && nCount < nBefore + nTenth);
-  return bSteady ? eSteady : eUnsteady;
+  if (nCount <= CaptureLimits::cnNoFingerPixels || nMotion > CaptureLimits::cnStillMotion) return eNoFinger;
+  return CaptureLimits::IsSteady(nBefore, nCount) ? eSteady : eUnsteady;
 }
