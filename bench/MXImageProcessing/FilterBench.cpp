@@ -32,7 +32,7 @@ void FillRandom(ClImage& oImage, int64_t nSide, unsigned char nType = ClImage::e
 }
 
 /// Arguments: side, width, mode.
-template <class TFilter>
+template <typename TFilter>
 void Filter(benchmark::State& oState) {
   ClImage oIn, oOut;
   FillRandom(oIn, oState.range(0));
@@ -42,7 +42,7 @@ void Filter(benchmark::State& oState) {
 }
 
 /// Arguments: element type, width.
-template <class TFilter>
+template <typename TFilter>
 void FilterType(benchmark::State& oState) {
   ClImage oIn, oOut;
   FillRandom(oIn, 800, static_cast<unsigned char>(oState.range(0)));
@@ -51,7 +51,7 @@ void FilterType(benchmark::State& oState) {
   for (auto _ : oState) oBase.ApplyParam(oIn, oOut, oState.range(1), ClIpFilterBase::eModeXY);
 }
 
-template <class TFilter>
+template <typename TFilter>
 void FilterDirected(benchmark::State& oState) {
   ClImage oIn, oOut, oDx, oDy;
   FillRandom(oIn, oState.range(0));

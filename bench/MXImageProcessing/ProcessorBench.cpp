@@ -18,7 +18,7 @@ void FillRandom(ClImage& oImage, int nSide, unsigned char nType = ClImage::eUint
   for (size_t n = 0; n < oImage.DataBytes(); ++n) oImage.Data()[n] = static_cast<unsigned char>(oRandom());
 }
 
-template <class TProcessor>
+template <typename TProcessor>
 void TwoImages800(benchmark::State& oState) {
   ClImage oIn1, oIn2, oOut;
   FillRandom(oIn1, 800);

@@ -10,12 +10,12 @@ namespace {
 
 constexpr uint32_t cnPoints = 64;
 
-template <class TData>
+template <typename TData>
 Bytes Stored(TData& rData) {
   return Written([&](ClStream& oStream) { rData.Write(oStream); });
 }
 
-template <class TData>
+template <typename TData>
 void Read(TData& rData, const Bytes& aBlock) {
   ClBytesStream oStream(aBlock);
   rData.Read(oStream);

@@ -49,6 +49,6 @@ void Feed(const Bytes& aInput) {
     const double dScore =
         oDetection.Score(hDetection, nWidth, nHeight, aPicture.data(), aPicture.data() + aPicture.size() / 2);
     Require(dScore >= 0.0 && dScore <= 100.0, "a score lies between 0 and 100");
-    Require(nWidth >= g_cnLeastSide && nHeight >= g_cnLeastSide, "small pictures are refused");
+    Require(nWidth >= cnLeastSide && nHeight >= cnLeastSide, "small pictures are refused");
   });
 }

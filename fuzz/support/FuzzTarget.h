@@ -34,7 +34,7 @@ inline void Require(bool bHolds, const char* szRule) {
 }
 
 /// Whether the call refuses with a TRefusal; what else comes out of it is a fault.
-template <class TRefusal, typename TCall>
+template <typename TRefusal, typename TCall>
 bool RefusedWith(TCall&& fnCall) {
   try {
     fnCall();

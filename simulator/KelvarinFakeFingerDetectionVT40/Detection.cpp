@@ -71,8 +71,7 @@ void ClDetection::Destroy(void* hDetection) {
 double ClDetection::Score(void* hDetection, unsigned nWidth, unsigned nHeight, const uint8_t* pImage,
                           const uint8_t* pMask) {
   Check(hDetection);
-  if (nWidth < g_cnLeastSide || nWidth > g_cnLargestSide || nHeight < g_cnLeastSide ||
-      nHeight > g_cnLargestSide)
+  if (nWidth < cnLeastSide || nWidth > cnLargestSide || nHeight < cnLeastSide || nHeight > cnLargestSide)
     throw ClSimError(eBadValue, "a picture of " + std::to_string(nWidth) + " x " + std::to_string(nHeight) +
                                     " pixels can't be scored");
   const double dMeasured =

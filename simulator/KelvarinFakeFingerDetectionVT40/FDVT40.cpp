@@ -11,7 +11,7 @@ namespace {
 
 /// Runs the operation of a function unless the fault script strikes; one that gives something back runs all
 /// the same, since no host could do it again.
-template <class F>
+template <typename F>
 long Call(const char* szFunction, bool bGivesBack, F&& fnOperation) noexcept {
   long nResult = 0;
   bool bStruck = false;
@@ -34,12 +34,12 @@ std::string Name(const wchar_t* wszName) {
   return sName;
 }
 
-template <class C>
+template <typename C>
 long Refuse(const char* szFunction, void* hDetection, const C* pszName) noexcept {
   return Call(szFunction, false, [&](ClDetection& o) { o.Refuse(hDetection, Name(pszName)); });
 }
 
-template <class C>
+template <typename C>
 long GetText(const char* szFunction, void* hDetection, const C* pszName, C* pszValue,
              unsigned* pnSize) noexcept {
   return Call(szFunction, false, [&](ClDetection& o) {
@@ -48,7 +48,7 @@ long GetText(const char* szFunction, void* hDetection, const C* pszName, C* pszV
   });
 }
 
-template <class C>
+template <typename C>
 long GetNumber(const char* szFunction, void* hDetection, const C* pszName, long* pnValue) noexcept {
   return Call(szFunction, false, [&](ClDetection& o) {
     NeedPointer(pnValue);
@@ -56,7 +56,7 @@ long GetNumber(const char* szFunction, void* hDetection, const C* pszName, long*
   });
 }
 
-template <class C>
+template <typename C>
 long GetFraction(const char* szFunction, void* hDetection, const C* pszName, double* pdValue) noexcept {
   return Call(szFunction, false, [&](ClDetection& o) {
     NeedPointer(pdValue);

@@ -8,24 +8,24 @@
 namespace Simulator {
 namespace {
 
-constexpr uint8_t g_cnInk = 160;       // the mask's ridges are darker
-constexpr int g_cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
+constexpr uint8_t cnInk = 160;       // the mask's ridges are darker
+constexpr int cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
 // Three tenths of that window: less is the rim of a finger, or dirt. More than 85 % is a smudge without
 // ridges.
-constexpr uint32_t g_cnLeastInk = 327;
-constexpr uint32_t g_cnMostInk = 925;
-constexpr int g_cnPeriod = 8;       // reach of a mean over a ridge and a valley
-constexpr int g_cnPore = 2;         // reach of a mean that covers a pore
-constexpr double g_cdClear = 15.0;  // by which ridges and valleys stand out of that mean
-constexpr size_t g_cnLeastPlaces = 5000;
+constexpr uint32_t cnLeastInk = 327;
+constexpr uint32_t cnMostInk = 925;
+constexpr int cnPeriod = 8;       // reach of a mean over a ridge and a valley
+constexpr int cnPore = 2;         // reach of a mean that covers a pore
+constexpr double cdClear = 15.0;  // by which ridges and valleys stand out of that mean
+constexpr size_t cnLeastPlaces = 5000;
 // What living skin with many pores has; measured on the generated prints.
-constexpr double g_cdFullStrength = 0.03;
+constexpr double cdFullStrength = 0.03;
 
 /// Sums of rectangles in four look-ups. Sums wrap around; differences of small rectangles are right all the
 /// same.
 class ClSums {
  public:
-  template <class F>
+  template <typename F>
   ClSums(int nWidth, int nHeight, F&& fnValue)
       : m_nStride(static_cast<size_t>(nWidth) + 1), m_aSums(m_nStride * (static_cast<size_t>(nHeight) + 1)) {
     for (int y = 0; y < nHeight; ++y) {
@@ -70,25 +70,25 @@ int Depth(const uint8_t* pPlace, const ptrdiff_t (&anStep)[4], int nSign) noexce
 
 ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, int nWidth, int nHeight) {
   const ClSums oLight(nWidth, nHeight, [pImage](size_t n) { return static_cast<uint32_t>(pImage[n]); });
-  const ClSums oInk(nWidth, nHeight, [pMask](size_t n) { return pMask[n] < g_cnInk ? 1u : 0u; });
+  const ClSums oInk(nWidth, nHeight, [pMask](size_t n) { return pMask[n] < cnInk ? 1u : 0u; });
   const ptrdiff_t nStride = nWidth;
   const ptrdiff_t anStep[4] = {3, 3 * nStride, 2 * nStride + 2, 2 * nStride - 2};
   ClLivenessMeasures o;
   double dHoles = 0.0, dDots = 0.0, dRidges = 0.0;
   size_t nCrests = 0, nValleys = 0;
-  for (int y = g_cnNeighbourhood; y < nHeight - g_cnNeighbourhood; ++y) {
+  for (int y = cnNeighbourhood; y < nHeight - cnNeighbourhood; ++y) {
     const uint8_t* pRow = pImage + y * nStride;
-    for (int x = g_cnNeighbourhood; x < nWidth - g_cnNeighbourhood; ++x) {
-      const uint32_t nInk = oInk.Sum<g_cnNeighbourhood>(x, y);
-      if (nInk < g_cnLeastInk || nInk > g_cnMostInk) continue;
-      const double dMean = oLight.Mean<g_cnPeriod>(x, y), dHere = oLight.Mean<g_cnPore>(x, y);
+    for (int x = cnNeighbourhood; x < nWidth - cnNeighbourhood; ++x) {
+      const uint32_t nInk = oInk.Sum<cnNeighbourhood>(x, y);
+      if (nInk < cnLeastInk || nInk > cnMostInk) continue;
+      const double dMean = oLight.Mean<cnPeriod>(x, y), dHere = oLight.Mean<cnPore>(x, y);
       const double dFine = oLight.Mean<1>(x, y) - dMean;
       dRidges += dFine * dFine;
       ++o.nPixels;
-      if (dHere >= dMean + g_cdClear) {
+      if (dHere >= dMean + cdClear) {
         dHoles += Depth(pRow + x, anStep, 1);
         ++nCrests;
-      } else if (dHere < dMean - g_cdClear) {
+      } else if (dHere < dMean - cdClear) {
         dDots += Depth(pRow + x, anStep, -1);
         ++nValleys;
       }
@@ -102,9 +102,9 @@ ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, 
 }
 
 double LivenessScore(const ClLivenessMeasures& oMeasures) noexcept {
-  if (oMeasures.nPixels < g_cnLeastPlaces || oMeasures.dRidges <= 0.0) return 0.0;
+  if (oMeasures.nPixels < cnLeastPlaces || oMeasures.dRidges <= 0.0) return 0.0;
   const double dStrength = (oMeasures.dHoles - oMeasures.dDots) / oMeasures.dRidges;
-  return 100.0 * std::clamp(dStrength / g_cdFullStrength, 0.0, 1.0);
+  return 100.0 * std::clamp(dStrength / cdFullStrength, 0.0, 1.0);
 }
 
 }  // namespace Simulator

@@ -6,8 +6,8 @@
 
 namespace Simulator {
 
-constexpr unsigned g_cnLeastSide = 64;
-constexpr unsigned g_cnLargestSide = 8192;
+constexpr unsigned cnLeastSide = 64;
+constexpr unsigned cnLargestSide = 8192;
 
 /// What the score is made of; all over the places where a finger lies.
 ///
@@ -26,7 +26,7 @@ struct ClLivenessMeasures {
 /// both, and casts have neither.
 ///
 /// Domain     500 dots per inch, ridges light in pImage; rows of nWidth bytes. pMask is white where no finger
-///            lies, and darker than 160 on ridges. Sides from g_cnLeastSide to g_cnLargestSide.
+///            lies, and darker than 160 on ridges. Sides from cnLeastSide to cnLargestSide.
 /// Errors     std::bad_alloc.
 /// Threads    reentrant.
 ClLivenessMeasures MeasureLiveness(const uint8_t* pImage, const uint8_t* pMask, int nWidth, int nHeight);

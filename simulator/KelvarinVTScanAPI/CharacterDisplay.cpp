@@ -6,31 +6,31 @@
 namespace Simulator {
 namespace {
 
-constexpr uint8_t g_cnEnable = 0x08;
-constexpr uint8_t g_cnSelectCharacter = 0x02;
-constexpr int g_cnLineMemory = 40;
-constexpr uint8_t g_cnSecondLine = 0x40;  // its address
+constexpr uint8_t cnEnable = 0x08;
+constexpr uint8_t cnSelectCharacter = 0x02;
+constexpr int cnLineMemory = 40;
+constexpr uint8_t cnSecondLine = 0x40;  // its address
 
 // How long the controller is busy, in microseconds.
-constexpr int64_t g_cnClearTime = 1520;
-constexpr int64_t g_cnCommandTime = 37;
-constexpr int64_t g_cnCharacterTime = 41;
-constexpr int64_t g_cnWakeTime = 4100;
+constexpr int64_t cnClearTime = 1520;
+constexpr int64_t cnCommandTime = 37;
+constexpr int64_t cnCharacterTime = 41;
+constexpr int64_t cnWakeTime = 4100;
 
 }  // namespace
 
-std::array<uint8_t, ClCharacterDisplay::g_cnMemory> ClCharacterDisplay::Blanks() {
-  std::array<uint8_t, g_cnMemory> anMemory;
+std::array<uint8_t, ClCharacterDisplay::cnMemory> ClCharacterDisplay::Blanks() {
+  std::array<uint8_t, cnMemory> anMemory;
   anMemory.fill(' ');
   return anMemory;
 }
 
 void ClCharacterDisplay::Write(uint8_t nBus, int64_t nMicroseconds) {
-  const bool bFalls = (m_nBus & g_cnEnable) != 0 && (nBus & g_cnEnable) == 0;
+  const bool bFalls = (m_nBus & cnEnable) != 0 && (nBus & cnEnable) == 0;
   const uint8_t nBefore = m_nBus;
   m_nBus = nBus;
   if (bFalls)
-    TakeNibble(static_cast<uint8_t>(nBefore >> 4), (nBefore & g_cnSelectCharacter) != 0, nMicroseconds);
+    TakeNibble(static_cast<uint8_t>(nBefore >> 4), (nBefore & cnSelectCharacter) != 0, nMicroseconds);
 }
 
 void ClCharacterDisplay::TakeNibble(uint8_t nNibble, bool bCharacter, int64_t nMicroseconds) {
@@ -53,7 +53,7 @@ void ClCharacterDisplay::Execute(uint8_t nByte, bool bCharacter, int64_t nMicros
     ++m_nLost;
     return;
   }
-  int64_t nTime = g_cnCharacterTime;
+  int64_t nTime = cnCharacterTime;
   if (bCharacter) {
     PutCharacter(nByte);
     ++m_nCharacters;
@@ -85,12 +85,12 @@ int64_t ClCharacterDisplay::Command(uint8_t nCommand) {
     m_bWindowFollows = (nCommand & 0x01) != 0;
   } else {
     Home();
-    if (nCommand & 0x02) return g_cnClearTime;
+    if (nCommand & 0x02) return cnClearTime;
     m_anMemory = Blanks();
     m_bForward = true;
-    return g_cnClearTime;
+    return cnClearTime;
   }
-  return g_cnCommandTime;
+  return cnCommandTime;
 }
 
 int64_t ClCharacterDisplay::SetFunction(uint8_t nCommand) {
@@ -99,7 +99,7 @@ int64_t ClCharacterDisplay::SetFunction(uint8_t nCommand) {
   m_bHalf = false;
   const bool bFirst = !m_bAwake;
   m_bAwake = true;
-  return bFirst ? g_cnWakeTime : g_cnCommandTime;
+  return bFirst ? cnWakeTime : cnCommandTime;
 }
 
 void ClCharacterDisplay::PutCharacter(uint8_t nCharacter) {
@@ -116,12 +116,12 @@ void ClCharacterDisplay::Home() {
 }
 
 void ClCharacterDisplay::MoveCursor(bool bRight) {
-  m_nCursor = (m_nCursor + (bRight ? 1 : g_cnMemory - 1)) % g_cnMemory;
+  m_nCursor = (m_nCursor + (bRight ? 1 : cnMemory - 1)) % cnMemory;
 }
 
 /// The picture goes to the right when the window goes to the left.
 void ClCharacterDisplay::MoveWindow(bool bRight) {
-  const int nWidth = m_bTwoLines ? g_cnLineMemory : g_cnMemory;
+  const int nWidth = m_bTwoLines ? cnLineMemory : cnMemory;
   m_nWindow = (m_nWindow + (bRight ? nWidth - 1 : 1)) % nWidth;
 }
 
@@ -130,19 +130,19 @@ void ClCharacterDisplay::MoveWindow(bool bRight) {
 void ClCharacterDisplay::SetAddress(uint8_t nAddress) {
   m_bOwnShapes = false;
   if (!m_bTwoLines)
-    m_nCursor = std::min<int>(nAddress, g_cnMemory - 1);
-  else if (nAddress < g_cnSecondLine)
-    m_nCursor = std::min<int>(nAddress, g_cnLineMemory - 1);
+    m_nCursor = std::min<int>(nAddress, cnMemory - 1);
+  else if (nAddress < cnSecondLine)
+    m_nCursor = std::min<int>(nAddress, cnLineMemory - 1);
   else
-    m_nCursor = g_cnLineMemory + std::min(nAddress - g_cnSecondLine, g_cnLineMemory - 1);
+    m_nCursor = cnLineMemory + std::min(nAddress - cnSecondLine, cnLineMemory - 1);
 }
 
 std::string ClCharacterDisplay::Line(int nLine) const {
   std::string sLine(nColumns, ' ');
   if (!m_bOn || (nLine == 1 && !m_bTwoLines)) return sLine;
-  const int nWidth = m_bTwoLines ? g_cnLineMemory : g_cnMemory;
+  const int nWidth = m_bTwoLines ? cnLineMemory : cnMemory;
   for (int i = 0; i < nColumns; ++i) {
-    const int nPlace = nLine * g_cnLineMemory + (m_nWindow + i) % nWidth;
+    const int nPlace = nLine * cnLineMemory + (m_nWindow + i) % nWidth;
     sLine[static_cast<size_t>(i)] = static_cast<char>(m_anMemory[static_cast<size_t>(nPlace)]);
   }
   return sLine;

@@ -33,7 +33,7 @@ class ClCharacterDisplay {
   unsigned Lost() const noexcept { return m_nLost; }
 
  private:
-  static constexpr int g_cnMemory = 80;
+  static constexpr int cnMemory = 80;
 
   void TakeNibble(uint8_t nNibble, bool bCharacter, int64_t nMicroseconds);
   void Execute(uint8_t nByte, bool bCharacter, int64_t nMicroseconds);
@@ -45,7 +45,7 @@ class ClCharacterDisplay {
   void MoveCursor(bool bRight);
   void MoveWindow(bool bRight);
   void SetAddress(uint8_t nAddress);
-  static std::array<uint8_t, g_cnMemory> Blanks();
+  static std::array<uint8_t, cnMemory> Blanks();
 
   uint8_t m_nBus = 0;
   bool m_bFourWires = false;
@@ -54,9 +54,9 @@ class ClCharacterDisplay {
   int64_t m_nHalfTime = 0;
   bool m_bAwake = false;  // a host has told how many wires there are
   int64_t m_nFree = INT64_MIN;
-  std::array<uint8_t, g_cnMemory> m_anMemory = Blanks();  // line after line, 40 characters each
-  int m_nCursor = 0;                                      // place in the memory
-  int m_nWindow = 0;                                      // first column that shows
+  std::array<uint8_t, cnMemory> m_anMemory = Blanks();  // line after line, 40 characters each
+  int m_nCursor = 0;                                    // place in the memory
+  int m_nWindow = 0;                                    // first column that shows
   bool m_bOn = false;
   bool m_bTwoLines = false;
   bool m_bForward = true;

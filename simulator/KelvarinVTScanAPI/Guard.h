@@ -7,7 +7,7 @@
 namespace Simulator {
 
 /// Runs the operation of a function unless the fault script strikes.
-template <class F>
+template <typename F>
 long Called(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept {
   return Guarded([&] {
     long nResult = 0;
@@ -21,7 +21,7 @@ long Called(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept
 
 /// The same for a function that gives something back: it does so even when it is to fail, since no host could
 /// do it again.
-template <class F>
+template <typename F>
 long CalledToGiveBack(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept {
   long nResult = 0;
   bool bStruck = false;
@@ -33,7 +33,7 @@ long CalledToGiveBack(const char* szFunction, bool bTakesDevice, F&& fnOperation
 }
 
 /// The same for a function of an open device, which the operation gets.
-template <class F>
+template <typename F>
 long CalledOn(const char* szFunction, void* hDevice, F&& fnOperation) noexcept {
   return Called(szFunction, true, [&] {
     const ClBus::ClDevice oDevice = ClBus::Get().Device(hDevice);

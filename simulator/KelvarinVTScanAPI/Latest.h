@@ -8,7 +8,7 @@
 namespace Simulator {
 
 /// Threads    thread-bound.
-template <class T>
+template <typename T>
 class TpLatest {
  public:
   explicit TpLatest(size_t nKept) : m_aRing(nKept) {}

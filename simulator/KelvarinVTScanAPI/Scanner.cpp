@@ -8,12 +8,12 @@
 namespace Simulator {
 namespace {
 
-constexpr size_t g_cnMostMasks = 16;
+constexpr size_t cnMostMasks = 16;
 // The register of the status LEDs ends with the bus of the character display.
-constexpr int g_cnDisplayBit = 40;
-constexpr uint64_t g_cnLedBits = (uint64_t{1} << g_cnDisplayBit) - 1;
+constexpr int cnDisplayBit = 40;
+constexpr uint64_t cnLedBits = (uint64_t{1} << cnDisplayBit) - 1;
 // Where the state of each LED stands, three bits wide.
-constexpr int g_canLedBit[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
+constexpr int canLedBit[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
 
 }  // namespace
 
@@ -23,7 +23,7 @@ ClScanner::ClScanner(const ClScannerDescription& oDescription, const ClSceneDesc
       m_bLegacyEprom(oDescription.bLegacyEprom),
       m_fnNote(std::move(fnNote)),
       m_oSensor(oDescription, oScene.nSeed) {
-  m_aFrames.resize(g_cnFramesKept);
+  m_aFrames.resize(cnFramesKept);
   TakeDescription(oDescription, oScene);
 }
 
@@ -195,19 +195,19 @@ void ClScanner::SetStatusLed(Session nSession, uint64_t nPattern) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
   // What is written on the bus of the display is no news of the LEDs.
-  const bool bBus = (nPattern & ~g_cnLedBits) != 0 || (m_nStatusLed & ~g_cnLedBits) != 0;
-  if (!bBus || ((nPattern ^ m_nStatusLed) & g_cnLedBits) != 0) AddLight(VTSIM_LIGHT_STATUS, nPattern);
+  const bool bBus = (nPattern & ~cnLedBits) != 0 || (m_nStatusLed & ~cnLedBits) != 0;
+  if (!bBus || ((nPattern ^ m_nStatusLed) & cnLedBits) != 0) AddLight(VTSIM_LIGHT_STATUS, nPattern);
   m_nStatusLed = nPattern;
   ++m_nStatusWrites;
   const auto oNow = std::chrono::duration_cast<std::chrono::microseconds>(Clock::now().time_since_epoch());
-  m_oDisplay.Write(static_cast<uint8_t>(nPattern >> g_cnDisplayBit), oNow.count());
+  m_oDisplay.Write(static_cast<uint8_t>(nPattern >> cnDisplayBit), oNow.count());
 }
 
 void ClScanner::AddLight(int nKind, uint64_t nWord) {
   VTSimLight oLight{Time(), nKind, nWord, {}};
   if (nKind == VTSIM_LIGHT_STATUS)
-    for (size_t n = 0; n < std::size(g_canLedBit); ++n)
-      oLight.anLed[n] = static_cast<unsigned char>(nWord >> g_canLedBit[n] & 7);
+    for (size_t n = 0; n < std::size(canLedBit); ++n)
+      oLight.anLed[n] = static_cast<unsigned char>(nWord >> canLedBit[n] & 7);
   m_oLights.Add(oLight);
 }
 
@@ -225,7 +225,7 @@ void ClScanner::SetCaptureMode(Session nSession, int nMode, const std::vector<ui
   Restart();
   const ClSensorMode* pMode = FindSensorMode(nMode);
   if (!pMode) throw ClSimError(eBadValue, "the sensor has no mode " + std::to_string(nMode));
-  if (aMasks.empty() || aMasks.size() > g_cnMostMasks)
+  if (aMasks.empty() || aMasks.size() > cnMostMasks)
     throw ClSimError(eBadValue, "a sequence has 1 to 16 frames, not " + std::to_string(aMasks.size()));
   m_oSettings.pMode = pMode;
   m_oSettings.aMasks = aMasks;
@@ -244,7 +244,7 @@ void ClScanner::SetMode(Session nSession, int nMode) {
 void ClScanner::SetMasks(Session nSession, const std::vector<uint64_t>& aMasks) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
-  if (aMasks.size() > g_cnMostMasks)
+  if (aMasks.size() > cnMostMasks)
     throw ClSimError(eBadValue, "a sequence has at most 16 frames, not " + std::to_string(aMasks.size()));
   m_oSettings.aMasks = aMasks;
   Restart();

@@ -116,8 +116,8 @@ class ClScanner {
   void ClearFaults();
 
  private:
-  static constexpr size_t g_cnFramesKept = 4096;
-  static constexpr size_t g_cnSignalsKept = 256;
+  static constexpr size_t cnFramesKept = 4096;
+  static constexpr size_t cnSignalsKept = 256;
 
   using Clock = std::chrono::steady_clock;
   using Guard = std::unique_lock<std::mutex>;
@@ -187,9 +187,9 @@ class ClScanner {
   unsigned m_nIllumination = 0;
   uint64_t m_nStatusLed = 0;
   unsigned m_nStatusWrites = 0;
-  TpLatest<VTSimBeep> m_oBeeps{g_cnSignalsKept};
+  TpLatest<VTSimBeep> m_oBeeps{cnSignalsKept};
   unsigned m_nBeeps = 0;
-  TpLatest<VTSimLight> m_oLights{g_cnSignalsKept};
+  TpLatest<VTSimLight> m_oLights{cnSignalsKept};
   ClCharacterDisplay m_oDisplay;
   uint64_t m_nSequences = 0;
   bool m_bWaiting = false;

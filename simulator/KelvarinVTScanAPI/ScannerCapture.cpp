@@ -8,9 +8,9 @@ namespace Simulator {
 namespace {
 
 // A host may rely on an answer within two seconds when no sequence can come.
-constexpr std::chrono::milliseconds g_coLongestWait(1900);
+constexpr std::chrono::milliseconds coLongestWait(1900);
 // Sequences that a host may hold at once.
-constexpr size_t g_cnMostBlocks = 4;
+constexpr size_t cnMostBlocks = 4;
 
 /// Sets a flag for a scope.
 class ClWhile {
@@ -68,7 +68,7 @@ bool ClScanner::WaitForSequence(Guard& oGuard, Session nSession, Clock::time_poi
 std::shared_ptr<ClScanner::ClBlock> ClScanner::FreeBlock() {
   for (const auto& pBlock : m_aBlocks)
     if (!pBlock->bOut) return pBlock;
-  if (m_aBlocks.size() >= g_cnMostBlocks) throw ClSimError(eBadState, "all sequences are locked");
+  if (m_aBlocks.size() >= cnMostBlocks) throw ClSimError(eBadState, "all sequences are locked");
   m_aBlocks.push_back(std::make_shared<ClBlock>());
   return m_aBlocks.back();
 }
@@ -92,7 +92,7 @@ void ClScanner::Delivered(const ClSensorSettings& oSettings) {
 void ClScanner::Record(const ClSensorSettings& oSettings, const ClSight& oSight) {
   if (m_nSequences == 0 || oSight.nState != m_nLastState) m_nSteadySince = m_nSequences;
   m_nLastState = oSight.nState;
-  VTSimFrame& oFrame = m_aFrames[static_cast<size_t>(m_nSequences % g_cnFramesKept)];
+  VTSimFrame& oFrame = m_aFrames[static_cast<size_t>(m_nSequences % cnFramesKept)];
   oFrame = VTSimFrame();
   oFrame.nNumber = m_nSequences;
   oFrame.nSteadySince = m_nSteadySince;
@@ -115,7 +115,7 @@ uint8_t* ClScanner::RenderInto(ClBlock& oBlock, double dTime, uint64_t nSequence
 
 void* ClScanner::LockSequence(Session nSession, size_t* pnBytes) {
   std::lock_guard<std::mutex> oLockers(m_oLockers);
-  const Clock::time_point oDeadline = Clock::now() + g_coLongestWait;
+  const Clock::time_point oDeadline = Clock::now() + coLongestWait;
   for (;;) {
     {
       Guard oGuard(m_oState);

@@ -102,10 +102,10 @@ std::vector<VTSimStroke> ClScanner::PenStrokes() {
 
 unsigned ClScanner::Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom) {
   Guard oGuard(m_oState);
-  const uint64_t nOldest = m_nSequences - std::min<uint64_t>(m_nSequences, g_cnFramesKept);
+  const uint64_t nOldest = m_nSequences - std::min<uint64_t>(m_nSequences, cnFramesKept);
   unsigned nCount = 0;
   for (uint64_t n = std::max(nFirst, nOldest); n < m_nSequences && nCount < nRoom; ++n)
-    pFrames[nCount++] = m_aFrames[static_cast<size_t>(n % g_cnFramesKept)];
+    pFrames[nCount++] = m_aFrames[static_cast<size_t>(n % cnFramesKept)];
   return nCount;
 }
 

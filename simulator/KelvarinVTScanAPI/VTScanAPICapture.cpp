@@ -6,12 +6,12 @@ using namespace Simulator;
 
 namespace {
 
-constexpr int g_cnConfigureLeds = 0;
-constexpr int g_cnSetStatusLeds = 1;
-constexpr uint32_t g_cnGreyPalette = 256;
+constexpr int cnConfigureLeds = 0;
+constexpr int cnSetStatusLeds = 1;
+constexpr uint32_t cnGreyPalette = 256;
 
 /// Sets a register of a device to a value that has been checked.
-template <class F>
+template <typename F>
 long Set(const char* szFunction, void* hDevice, F&& fnSet) noexcept {
   return CalledOn(szFunction, hDevice, fnSet);
 }
@@ -31,8 +31,8 @@ void FillImage(ClScanner& oScanner, ClScanner::Session nSession, const tagBITMAP
   if (pHeader->biSize != sizeof(tagBITMAPINFOHEADER) || pHeader->biBitCount != 8 || pHeader->biPlanes != 1 ||
       pHeader->biCompression != 0 || pHeader->biHeight == INT32_MIN)
     throw ClSimError(eBadValue, "the header is not that of an 8-bit grey image");
-  const uint32_t nPalette = pHeader->biClrUsed ? pHeader->biClrUsed : g_cnGreyPalette;
-  if (nPalette > g_cnGreyPalette) throw ClSimError(eBadValue, "the palette has more than 256 entries");
+  const uint32_t nPalette = pHeader->biClrUsed ? pHeader->biClrUsed : cnGreyPalette;
+  if (nPalette > cnGreyPalette) throw ClSimError(eBadValue, "the palette has more than 256 entries");
   std::vector<uint8_t> aFrame;
   const int nHeight = pHeader->biHeight < 0 ? -pHeader->biHeight : pHeader->biHeight;
   oScanner.TakeFrame(nSession, nMask, pHeader->biWidth, nHeight, aFrame);
@@ -159,9 +159,9 @@ long VTScanAPIApplyInternalCommand(void* hDevice, int nCommand, void* pData, voi
                     std::memcpy(&nSize, pnSize, sizeof nSize);
                     if (nSize > 0) NeedPointer(pData);
                     oScanner.Check(nSession);
-                    if (nCommand == g_cnConfigureLeds)
+                    if (nCommand == cnConfigureLeds)
                       return;  // one byte a LED; the light of this scanner has one configuration
-                    if (nCommand != g_cnSetStatusLeds)
+                    if (nCommand != cnSetStatusLeds)
                       throw ClSimError(eBadValue, "no command " + std::to_string(nCommand));
                     if (nSize > 8) throw ClSimError(eBadValue, "the status LEDs have at most 8 bytes");
                     uint64_t nPattern = 0;

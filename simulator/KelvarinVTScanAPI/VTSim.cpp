@@ -11,7 +11,7 @@ using namespace Simulator;
 
 namespace {
 
-template <class F>
+template <typename F>
 long On(const char* szSerial, F&& fnOperation) noexcept {
   return Guarded([&] {
     const ClBus::ScannerPointer pScanner = ClBus::Get().BySerial(szSerial);

@@ -14,7 +14,7 @@ void SetLastError(const char* szText) noexcept;
 const char* GetLastErrorText() noexcept;
 
 /// Runs an operation and answers its number: 0, or that of what it threw.
-template <class F>
+template <typename F>
 long Guarded(F&& fnOperation) noexcept {
   try {
     SetLastError("");
@@ -42,7 +42,7 @@ inline void NeedPointer(const void* pPointer) {
 /// Hands out nCount elements through a buffer and a size, in: the room, out: the need.
 ///
 /// Errors     -701 no size, or room without a buffer; -702 too little room.
-template <class T>
+template <typename T>
 void HandOut(const T* pData, size_t nCount, T* pBuffer, unsigned* pnSize) {
   NeedPointer(pnSize);
   const unsigned nRoom = *pnSize;

@@ -13,7 +13,7 @@ struct ClText {
 #define VTSIM_TEXT(nNumber, szText) \
   { nNumber, szText, L##szText }
 
-constexpr ClText g_caTexts[] = {
+constexpr ClText caTexts[] = {
     VTSIM_TEXT(0, "No error."),
     VTSIM_TEXT(-2, "The library is not initialized."),
     VTSIM_TEXT(-43, "The handle is not valid."),
@@ -30,12 +30,12 @@ constexpr ClText g_caTexts[] = {
     VTSIM_TEXT(-701, "A pointer is NULL."),
     VTSIM_TEXT(-702, "The given size is too small."),
 };
-constexpr ClText g_coUnknown = VTSIM_TEXT(1, "Unknown error code.");
+constexpr ClText coUnknown = VTSIM_TEXT(1, "Unknown error code.");
 
 const ClText& Find(long nNumber) {
-  for (const ClText& oText : g_caTexts)
+  for (const ClText& oText : caTexts)
     if (oText.nNumber == nNumber) return oText;
-  return g_coUnknown;
+  return coUnknown;
 }
 
 }  // namespace

@@ -9,7 +9,7 @@ namespace Simulator {
 namespace {
 
 // Faults that strike each frame for hours must not eat the memory.
-constexpr size_t g_cnLongestLog = 1u << 20;
+constexpr size_t cnLongestLog = 1u << 20;
 
 }  // namespace
 
@@ -53,7 +53,7 @@ bool ClFaultScript::Strikes(const char* szFunction, bool bTakesDevice, long& nRe
   for (const ClRule& oRule : m_aRules) {
     if (!Applies(oRule, szFunction, bTakesDevice, nCall)) continue;
     nResult = oRule.nResult;
-    if (m_sLog.size() < g_cnLongestLog)
+    if (m_sLog.size() < cnLongestLog)
       m_sLog += "call " + std::to_string(nCall) + " of " + szFunction + " answered " +
                 std::to_string(nResult) + "\n";
     return true;
@@ -63,7 +63,7 @@ bool ClFaultScript::Strikes(const char* szFunction, bool bTakesDevice, long& nRe
 
 void ClFaultScript::Note(const std::string& sLine) {
   std::lock_guard<std::mutex> oLock(m_oMutex);
-  if (m_sLog.size() < g_cnLongestLog) m_sLog += sLine + "\n";
+  if (m_sLog.size() < cnLongestLog) m_sLog += sLine + "\n";
 }
 
 std::string ClFaultScript::Log() const {

@@ -19,7 +19,7 @@ struct ClRow {
 
 // Right hands have the index finger on the left of the picture, left hands on the right; slanted loops run
 // out towards the little finger. Places follow a relaxed hand.
-constexpr ClRow g_caRows[] = {
+constexpr ClRow caRows[] = {
     {"finger", 11, ePatternWhorl, 16.5, 23.0, 40.6, 40.6, 0.0},
     {"slap-right", 21, ePatternRightLoop, 15.4, 22.0, 14.5, 42.5, -2.0},
     {"slap-right", 22, ePatternWhorl, 16.2, 23.5, 33.2, 27.5, 2.0},
@@ -33,8 +33,8 @@ constexpr ClRow g_caRows[] = {
     {"thumbs", 42, ePatternWhorl, 19.5, 27.0, 53.8, 41.0, 6.0},
 };
 
-constexpr const char* g_caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
-constexpr char g_cszTarget[] = "target";
+constexpr const char* caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
+constexpr char cszTarget[] = "target";
 
 /// Takes ":17" off the name and stores the number. Nothing else behind a colon is a seed.
 std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
@@ -52,7 +52,7 @@ std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
 
 std::vector<ClFingerDescription> StillFingers(const std::string& sScene) {
   std::vector<ClFingerDescription> aFingers;
-  for (const ClRow& oRow : g_caRows) {
+  for (const ClRow& oRow : caRows) {
     if (sScene != oRow.szScene) continue;
     ClFingerDescription oFinger;
     oFinger.oPrint.nSeed = oRow.nSeed;
@@ -73,12 +73,12 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
   ClScannerDescription oScanner;
   bool bFound = StageScene(sScene, nSeed, oScanner) || StageRoll(sScene, nSeed, oScanner) ||
                 StagePen(sScene, nSeed, oScanner);
-  for (const char* szName : g_caszNames) {
+  for (const char* szName : caszNames) {
     if (sScene != szName) continue;
     oScanner.aFingers = StillFingers(sScene);
     bFound = true;
   }
-  if (sScene == g_cszTarget) {
+  if (sScene == cszTarget) {
     oScanner.oTarget = PlainTarget(nSeed);
     bFound = true;
   }
@@ -91,8 +91,8 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
 
 std::string BuiltInSceneNames() {
   std::string sNames = PenSceneNames() + ", ";
-  for (const char* szName : g_caszNames) sNames += std::string(szName) + ", ";
-  return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + g_cszTarget;
+  for (const char* szName : caszNames) sNames += std::string(szName) + ", ";
+  return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + cszTarget;
 }
 
 }  // namespace Simulator

@@ -13,13 +13,13 @@ namespace Simulator {
 namespace {
 
 // The place at which the pressed-on area ends under ordinary pressure, on the scale of ClPrint::oDepth.
-constexpr double g_cdOrdinaryPressure = 0.6;
-constexpr double g_cdOrdinaryEdge = 61.0;
+constexpr double cdOrdinaryPressure = 0.6;
+constexpr double cdOrdinaryEdge = 61.0;
 // Light from a film of water against that of a ridge.
-constexpr double g_cdHaloLight = 0.3;
-constexpr double g_cdDegree = Portable::cdPi / 180.0;
+constexpr double cdHaloLight = 0.3;
+constexpr double cdDegree = Portable::cdPi / 180.0;
 // Steps in which a roll is followed when all of it is to be drawn.
-constexpr double g_cdUnrollSeconds = 1.0 / 240.0;
+constexpr double cdUnrollSeconds = 1.0 / 240.0;
 
 /// Bilinear sample in 1/256 steps; 0 outside.
 int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
@@ -38,24 +38,24 @@ int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
 /// area.
 struct ClPress {
   ClPress(const ClPrint& oPrint, double dPressure, double dHalo) {
-    const double dBias = (dPressure - g_cdOrdinaryPressure) * 90.0;
-    for (int i = 0; i < g_cnHeights; ++i) {
+    const double dBias = (dPressure - cdOrdinaryPressure) * 90.0;
+    for (int i = 0; i < cnHeights; ++i) {
       // Heights below 0 are those that dryness has taken down.
-      const double dContact = 128.0 + (i - g_cnSunken - 128.0 + dBias) * oPrint.dSlope;
+      const double dContact = 128.0 + (i - cnSunken - 128.0 + dBias) * oPrint.dSlope;
       aContact[i] = static_cast<uint8_t>(std::clamp(dContact, 0.0, 255.0));
     }
-    const double dEdge = g_cdOrdinaryEdge + (g_cdOrdinaryPressure - dPressure) * 150.0;
+    const double dEdge = cdOrdinaryEdge + (cdOrdinaryPressure - dPressure) * 150.0;
     for (int i = 0; i < 256; ++i) {
       const double dIn = std::clamp((i - dEdge + 14.0) / 28.0, 0.0, 1.0);
       aCover[i] = static_cast<uint8_t>(i == 0 ? 0.0 : 255.0 * dIn * dIn * (3.0 - 2.0 * dIn));
       const double dWet = std::clamp(i / std::max(1.0, dEdge), 0.0, 1.0);
-      aHalo[i] = static_cast<uint8_t>(255.0 * g_cdHaloLight * dHalo * dWet);
+      aHalo[i] = static_cast<uint8_t>(255.0 * cdHaloLight * dHalo * dWet);
     }
   }
 
-  static constexpr int g_cnSunken = 128;
-  static constexpr int g_cnHeights = 256 + g_cnSunken;
-  uint8_t aContact[g_cnHeights];
+  static constexpr int cnSunken = 128;
+  static constexpr int cnHeights = 256 + cnSunken;
+  uint8_t aContact[cnHeights];
   uint8_t aCover[256];
   uint8_t aHalo[256];
 };
@@ -93,12 +93,12 @@ struct ClStripPress {
   int DepthAt(int i) const {
     const float fPlace = fStart + static_cast<float>(i) * fStep;
     const float fAway = std::max(0.0f, std::max(fLow - fPlace, fPlace - fHigh));
-    return static_cast<int>(std::clamp(g_cfDeepest - fAway * fFall, 0.0f, 255.0f));
+    return static_cast<int>(std::clamp(cfDeepest - fAway * fFall, 0.0f, 255.0f));
   }
 
   // Depth falls from the middle to the edge as it does across a generated print.
-  static constexpr float g_cfDeepest = 255.0f * 1.12f / 0.5f;
-  static constexpr float g_cfFall = 255.0f / 0.5f;
+  static constexpr float cfDeepest = 255.0f * 1.12f / 0.5f;
+  static constexpr float cfFall = 255.0f / 0.5f;
 };
 
 /// Draws stretches of platen rows; the steps are those in the print from one platen pixel to the next.
@@ -118,7 +118,7 @@ struct ClRowDrawer {
       pContact[i] = std::max(pContact[i], oPress.aHalo[nDepth]);
       if (nCover == 0) continue;
       const int nHeight = Sample(oPrint.oRidge, nX256, nY256) - oDry.At(nX256 >> 8, nY256 >> 8);
-      const int nContact = oPress.aContact[nHeight + ClPress::g_cnSunken] * nCover / 255;
+      const int nContact = oPress.aContact[nHeight + ClPress::cnSunken] * nCover / 255;
       pContact[i] = std::max(pContact[i], static_cast<uint8_t>(nContact));
       pCover[i] = std::max(pCover[i], static_cast<uint8_t>(nCover));
     }
@@ -158,10 +158,10 @@ void ClFingerContent::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMa
   // finger does without. Its edges are where the strips of all moments reach.
   ClFingerPose oFlat;
   double dLeft = std::numeric_limits<double>::infinity(), dRight = -dLeft, dWidest = 0.0;
-  const int nSteps = static_cast<int>(std::ceil((dUntil - dFrom) / g_cdUnrollSeconds));
+  const int nSteps = static_cast<int>(std::ceil((dUntil - dFrom) / cdUnrollSeconds));
   for (int i = 0; i <= nSteps; ++i) {
     const ClFingerPose oPose =
-        ClFingerMotion::At(m_oDescription, std::min(dUntil, dFrom + i * g_cdUnrollSeconds));
+        ClFingerMotion::At(m_oDescription, std::min(dUntil, dFrom + i * cdUnrollSeconds));
     if (oPose.nDown == 0) continue;
     const ClStrip oStrip = StripAt(oPose);
     dLeft = std::min(dLeft, oStrip.dLow - oStrip.dHalf);
@@ -181,30 +181,30 @@ ClFingerContent::ClStrip ClFingerContent::StripAt(const ClFingerPose& oPose) con
   if (m_oDescription.oRoll.dWidthMm == 0.0) return {};
   // A cylinder that is pressed on a plane: the width grows with the root of the force.
   const double dPressure = std::max(0.06, ClFingerMotion::PressureOf(oPose));
-  const double dMiddle = oPose.dStripMm / g_cdPixelMm;
+  const double dMiddle = oPose.dStripMm / cdPixelMm;
   return {false, dMiddle, dMiddle,
-          0.5 * m_oDescription.oRoll.dWidthMm / g_cdPixelMm * std::sqrt(dPressure / g_cdOrdinaryPressure)};
+          0.5 * m_oDescription.oRoll.dWidthMm / cdPixelMm * std::sqrt(dPressure / cdOrdinaryPressure)};
 }
 
 void ClFingerContent::DrawSkin(const ClFingerPose& oPose, const ClStrip& oStrip, ClPlatenMap& oMap) const {
   const ClPress oPress(*m_pPrint, ClFingerMotion::PressureOf(oPose), m_oDescription.dHalo);
   const ClDryness oDry(m_oDescription.oPrint.nSeed, m_oDescription.dDryness);
   const TpPlane<uint8_t>& oRidge = m_pPrint->oRidge;
-  const double dTurn = oPose.dAngle * g_cdDegree;
+  const double dTurn = oPose.dAngle * cdDegree;
   const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
   const double dMidX = MmToPixel(oPose.dXMm), dMidY = MmToPixel(oPose.dYMm);
   const double dHalfX = 0.5 * (oRidge.Width() * std::fabs(dCos) + oRidge.Height() * std::fabs(dSin)) + 1.0;
   const double dHalfY = 0.5 * (oRidge.Width() * std::fabs(dSin) + oRidge.Height() * std::fabs(dCos)) + 1.0;
   const int nLeft = std::max(0, static_cast<int>(std::floor(dMidX - dHalfX)));
-  const int nRight = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidX + dHalfX)) + 1);
+  const int nRight = std::min(cnPictureSide, static_cast<int>(std::ceil(dMidX + dHalfX)) + 1);
   const int nTop = std::max(0, static_cast<int>(std::floor(dMidY - dHalfY)));
-  const int nEnd = std::min(g_cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
+  const int nEnd = std::min(cnPictureSide, static_cast<int>(std::ceil(dMidY + dHalfY)) + 1);
   const ClRowDrawer oDrawer{*m_pPrint, oPress, oDry, ToFixed(dCos), ToFixed(dSin)};
   // Directions count counter-clockwise while rows run down.
-  const double dAcrossX = Portable::Cos(m_oDescription.oRoll.dTilt * g_cdDegree);
-  const double dAcrossY = -Portable::Sin(m_oDescription.oRoll.dTilt * g_cdDegree);
+  const double dAcrossX = Portable::Cos(m_oDescription.oRoll.dTilt * cdDegree);
+  const double dAcrossY = -Portable::Sin(m_oDescription.oRoll.dTilt * cdDegree);
   ClStripPress oStripPress{static_cast<float>(oStrip.dLow), static_cast<float>(oStrip.dHigh),
-                           ClStripPress::g_cfFall / static_cast<float>(std::max(1.0, oStrip.dHalf)), 0.0f,
+                           ClStripPress::cfFall / static_cast<float>(std::max(1.0, oStrip.dHalf)), 0.0f,
                            static_cast<float>(dCos * dAcrossX + dSin * dAcrossY)};
   for (int y = nTop; y < nEnd; ++y) {
     // Back from the platen into the print: a turn the other way, y running down.

@@ -11,8 +11,8 @@ namespace Simulator {
 namespace {
 
 // Steps that nobody sees: a 32nd of a pixel, a 64th of a degree, a 128th of all pressure.
-constexpr double g_cdTurnStep = 1.0 / 64.0;
-constexpr double g_cdPressureStep = 1.0 / 128.0;
+constexpr double cdTurnStep = 1.0 / 64.0;
+constexpr double cdPressureStep = 1.0 / 128.0;
 
 double InSteps(double dValue, double dStep) {
   return std::round(dValue / dStep) * dStep;
@@ -89,7 +89,7 @@ ClFingerPose ClFingerMotion::At(const ClFingerDescription& oFinger, double dSeco
     dSeconds = dTouch + std::fmod(dSeconds - dTouch, oFinger.dRepeat);
   double dDown = 1.0;
   if (oFinger.dTouch >= 0.0) dDown = std::min(dDown, (dSeconds - oFinger.dTouch) / oFinger.dTouchSeconds);
-  if (oFinger.dLift < g_cdNever)
+  if (oFinger.dLift < cdNever)
     dDown = std::min(dDown, 1.0 - (dSeconds - oFinger.dLift) / oFinger.dLiftSeconds);
   ClDeviation oDeviation;
   ClRollMoment oRoll;
@@ -104,11 +104,11 @@ ClFingerPose ClFingerMotion::At(const ClFingerDescription& oFinger, double dSeco
   Settle(oFinger, dSeconds - dTouch, oDeviation);
   Slide(oFinger.oSlide, dSeconds - dTouch, oDeviation);
   Press(oFinger, dSeconds - dTouch, oDeviation);
-  oPose.dXMm = oFinger.dXMm + InSteps(oDeviation.dXMm, g_cdPlaceStep);
-  oPose.dYMm = oFinger.dYMm + InSteps(oDeviation.dYMm, g_cdPlaceStep);
-  oPose.dAngle = oFinger.dAngle + InSteps(oDeviation.dTurn + oRoll.dTurn, g_cdTurnStep);
-  oPose.dStripMm = InSteps(oRoll.dStripMm, g_cdPlaceStep);
-  oPose.dPressure = oFinger.dPressure + InSteps(oDeviation.dPressure, g_cdPressureStep);
+  oPose.dXMm = oFinger.dXMm + InSteps(oDeviation.dXMm, cdPlaceStep);
+  oPose.dYMm = oFinger.dYMm + InSteps(oDeviation.dYMm, cdPlaceStep);
+  oPose.dAngle = oFinger.dAngle + InSteps(oDeviation.dTurn + oRoll.dTurn, cdTurnStep);
+  oPose.dStripMm = InSteps(oRoll.dStripMm, cdPlaceStep);
+  oPose.dPressure = oFinger.dPressure + InSteps(oDeviation.dPressure, cdPressureStep);
   oPose.bMoving = oPose.nDown < nSteps || oDeviation.bMoving;
   return oPose;
 }

@@ -11,7 +11,7 @@ namespace Simulator {
 class ClPenContent : public ClPlatenContent {
  public:
   ClPenContent(const ClPenDescription& oDescription, std::shared_ptr<const ClPenPath> pPath)
-      : m_dRadius(0.5 * oDescription.dDiameterMm / g_cdPixelMm),
+      : m_dRadius(0.5 * oDescription.dDiameterMm / cdPixelMm),
         m_dStrength(oDescription.dStrength),
         m_pPath(std::move(pPath)) {}
 

@@ -11,14 +11,14 @@ namespace Simulator {
 namespace {
 
 // A point that is only touched.
-constexpr double g_cdTapSeconds = 0.08;
+constexpr double cdTapSeconds = 0.08;
 // Pieces of a curve from point to point: as long as a picture pixel, within bounds.
-constexpr double g_cdPieceMm = 0.05;
-constexpr int g_cnMostPieces = 32;
+constexpr double cdPieceMm = 0.05;
+constexpr int cnMostPieces = 32;
 // Hands draw a bend at a speed that grows with the third root of its radius.
-constexpr double g_cdUsualRadiusMm = 2.0;
-constexpr double g_cdSlowest = 0.55;
-constexpr double g_cdFastest = 1.5;
+constexpr double cdUsualRadiusMm = 2.0;
+constexpr double cdSlowest = 0.55;
+constexpr double cdFastest = 1.5;
 
 struct ClPosition {
   double dX, dY;
@@ -42,7 +42,7 @@ double SpeedInBend(const ClPosition& oA, const ClPosition& oB, const ClPosition&
   const double dAlong = (oB.dX - oA.dX) * (oC.dX - oB.dX) + (oB.dY - oA.dY) * (oC.dY - oB.dY);
   const double dTurn = std::fabs(Portable::Atan2(dCross, dAlong));
   const double dRadius = 0.5 * (dFirst + dSecond) / std::max(dTurn, 1e-9);
-  return std::clamp(Portable::CubeRoot(dRadius / g_cdUsualRadiusMm), g_cdSlowest, g_cdFastest);
+  return std::clamp(Portable::CubeRoot(dRadius / cdUsualRadiusMm), cdSlowest, cdFastest);
 }
 
 }  // namespace
@@ -56,7 +56,7 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
   const double dFree = m_aStrokes.empty() ? 0.0 : m_aStrokes.back().dEnd;
   const double dBegin = oStroke.dAt < 0.0 ? dFree + oStroke.dAfter : std::max(oStroke.dAt, dFree);
   m_aKnots.push_back({dBegin, aPoints[0].dXMm, aPoints[0].dYMm});
-  Rest(aPoints.size() == 1 && aPoints[0].dPause == 0.0 ? g_cdTapSeconds : aPoints[0].dPause);
+  Rest(aPoints.size() == 1 && aPoints[0].dPause == 0.0 ? cdTapSeconds : aPoints[0].dPause);
   ClPosition oBefore{aPoints[0].dXMm, aPoints[0].dYMm};
   for (size_t i = 1; i < aPoints.size(); ++i) {
     const ClPenPoint* const aAround[4] = {&aPoints[i < 2 ? 0 : i - 2], &aPoints[i - 1], &aPoints[i],
@@ -64,7 +64,7 @@ void ClPenPath::Draw(const ClStrokeDescription& oStroke) {
     const double dChord =
         Portable::Hypot(aPoints[i].dXMm - aPoints[i - 1].dXMm, aPoints[i].dYMm - aPoints[i - 1].dYMm);
     const int nPieces =
-        oStroke.bCurve ? std::clamp(static_cast<int>(dChord / g_cdPieceMm), 1, g_cnMostPieces) : 1;
+        oStroke.bCurve ? std::clamp(static_cast<int>(dChord / cdPieceMm), 1, cnMostPieces) : 1;
     for (int n = 1; n <= nPieces; ++n) {
       const ClPosition oHere{m_aKnots.back().dXMm, m_aKnots.back().dYMm};
       const ClPosition oNext = nPieces == 1 ? ClPosition{aPoints[i].dXMm, aPoints[i].dYMm}
@@ -104,7 +104,7 @@ ClPenTip ClPenPath::At(double dSeconds) const {
     dPart = (dSeconds - m_aKnots[nFrom].dSeconds) / (itKnot->dSeconds - m_aKnots[nFrom].dSeconds);
   }
   const ClKnot &oFrom = m_aKnots[nFrom], &oTo = oTip.bDown ? *itKnot : oFrom;
-  const auto InSteps = [](double d) { return std::round(d / g_cdPlaceStep) * g_cdPlaceStep; };
+  const auto InSteps = [](double d) { return std::round(d / cdPlaceStep) * cdPlaceStep; };
   oTip.dXMm = InSteps(oFrom.dXMm + dPart * (oTo.dXMm - oFrom.dXMm));
   oTip.dYMm = InSteps(oFrom.dYMm + dPart * (oTo.dYMm - oFrom.dYMm));
   return oTip;

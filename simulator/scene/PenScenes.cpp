@@ -11,8 +11,8 @@ namespace Simulator {
 namespace {
 
 // The part of the platen that both readouts of the pad see, with some room.
-constexpr double g_cdLeftMm = 7.0, g_cdRightMm = 74.0, g_cdTopMm = 5.0, g_cdBottomMm = 34.0;
-constexpr double g_cdWidestLetterMm = 3.8;
+constexpr double cdLeftMm = 7.0, cdRightMm = 74.0, cdTopMm = 5.0, cdBottomMm = 34.0;
+constexpr double cdWidestLetterMm = 3.8;
 
 /// A signature in the making: loops that run on to the right, one above the other's end.
 class ClSignatureStage {
@@ -31,7 +31,7 @@ class ClSignatureStage {
   bool Chance(double dPart) { return m_oRandom.Uniform() < dPart; }
   double X() const { return m_dX; }
   /// Letters for which there is room.
-  double Room() const { return (g_cdRightMm - 3.0 - m_dX) / g_cdWidestLetterMm; }
+  double Room() const { return (cdRightMm - 3.0 - m_dX) / cdWidestLetterMm; }
 
   void Begin() {
     m_oPen.aStrokes.emplace_back();
@@ -41,8 +41,8 @@ class ClSignatureStage {
 
   /// A point in millimetres above the line; what is high leans over.
   void To(double dX, double dHigh) {
-    m_oPen.aStrokes.back().aPoints.push_back({std::clamp(dX + m_dSlant * dHigh, g_cdLeftMm, g_cdRightMm),
-                                              std::clamp(m_dBaseMm - dHigh, g_cdTopMm, g_cdBottomMm), 0.0});
+    m_oPen.aStrokes.back().aPoints.push_back({std::clamp(dX + m_dSlant * dHigh, cdLeftMm, cdRightMm),
+                                              std::clamp(m_dBaseMm - dHigh, cdTopMm, cdBottomMm), 0.0});
   }
 
   /// One large loop.
@@ -64,7 +64,7 @@ class ClSignatureStage {
     Begin();
     To(m_dX, 0.3);
     for (int i = 1; i <= dLetters; ++i) {
-      const double dWide = Range(2.6, g_cdWidestLetterMm), dKind = m_oRandom.Uniform();
+      const double dWide = Range(2.6, cdWidestLetterMm), dKind = m_oRandom.Uniform();
       const double dHigh = dKind < 0.25 ? Range(7.0, 10.0) : Range(2.8, 3.8);
       const double dDeep = dKind > 0.85 ? -Range(4.0, 6.0) : Range(-0.2, 0.4);
       To(m_dX + 0.75 * dWide, 0.55 * dHigh);

@@ -9,7 +9,7 @@ namespace Simulator {
 
 /// Ownership  owns its samples; Resize keeps the block where it is large enough.
 /// Threads    reentrant.
-template <class T>
+template <typename T>
 class TpPlane {
  public:
   TpPlane() = default;

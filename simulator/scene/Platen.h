@@ -9,15 +9,15 @@ namespace Simulator {
 
 /// Side of the square platen and of its picture. The picture is what a caller of the scanner should see:
 /// right way round, x from left to right, y from top to bottom, 500 dots per inch.
-constexpr double g_cdPlatenMm = 81.28;
-constexpr int g_cnPictureSide = 1600;
-constexpr double g_cdPixelMm = g_cdPlatenMm / g_cnPictureSide;
+constexpr double cdPlatenMm = 81.28;
+constexpr int cnPictureSide = 1600;
+constexpr double cdPixelMm = cdPlatenMm / cnPictureSide;
 /// Places are rounded to this, which nobody sees: pictures of the same place are the same.
-constexpr double g_cdPlaceStep = g_cdPixelMm / 32.0;
+constexpr double cdPlaceStep = cdPixelMm / 32.0;
 
 /// Millimetres from the left or top edge to pixels, whole numbers being pixel centres.
 constexpr double MmToPixel(double dMm) {
-  return dMm / g_cdPixelMm - 0.5;
+  return dMm / cdPixelMm - 0.5;
 }
 
 /// What lies on the glass at one moment, at picture resolution.
@@ -33,8 +33,8 @@ struct ClPlatenMap {
   void Clear() {
     bGoesOn = false;
     if (oContact.Empty()) {
-      oContact.Resize(g_cnPictureSide, g_cnPictureSide);
-      oCover.Resize(g_cnPictureSide, g_cnPictureSide);
+      oContact.Resize(cnPictureSide, cnPictureSide);
+      oCover.Resize(cnPictureSide, cnPictureSide);
       return;
     }
     oContact.Fill(0);

@@ -15,7 +15,7 @@
 namespace Simulator {
 namespace {
 
-constexpr uint32_t g_cnLargestSide = 4096;
+constexpr uint32_t cnLargestSide = 4096;
 
 struct ClFileCloser {
   void operator()(std::FILE* pFile) const { std::fclose(pFile); }
@@ -65,7 +65,7 @@ class ClPngReader {
   bool ReadHeader() {
     if (setjmp(png_jmpbuf(m_pPng))) return false;
     png_init_io(m_pPng, m_pFile.get());
-    png_set_user_limits(m_pPng, g_cnLargestSide, g_cnLargestSide);
+    png_set_user_limits(m_pPng, cnLargestSide, cnLargestSide);
     png_read_info(m_pPng, m_pInfo);
     png_set_expand(m_pPng);
     png_set_scale_16(m_pPng);
@@ -154,7 +154,7 @@ ClPrint ReadPrintFile(const std::string& sPath) {
   if (std::fabs(dFactor - 1.0) > 0.005) {
     // Judged first: at the least resolution a print would grow to 40 times its pixels.
     if (std::max(Rescaled(oGrey.Width(), dFactor), Rescaled(oGrey.Height(), dFactor)) >
-        static_cast<int>(g_cnLargestSide))
+        static_cast<int>(cnLargestSide))
       throw ClSimError(eFileRead,
                        "print file \"" + sPath + "\" is larger than 4096 pixels at 500 dots per inch");
     oGrey = Rescale(oGrey, dFactor);

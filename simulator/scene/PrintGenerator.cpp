@@ -13,26 +13,26 @@ namespace Simulator {
 namespace {
 
 // Ridges are grown at 250 dots per inch: they are band-limited, so nothing is lost, and it costs a sixteenth.
-constexpr double g_cdGrowMm = 2.0 * g_cdPixelMm;
-constexpr int g_cnReach = 5;
-constexpr int g_cnKernel = 2 * g_cnReach + 1;
-constexpr int g_cnDirections = 48;
-constexpr int g_cnPeriods = 3;
-constexpr int g_cnRounds = 11;
+constexpr double cdGrowMm = 2.0 * cdPixelMm;
+constexpr int cnReach = 5;
+constexpr int cnKernel = 2 * cnReach + 1;
+constexpr int cnDirections = 48;
+constexpr int cnPeriods = 3;
+constexpr int cnRounds = 11;
 
-using Kernel = std::array<float, g_cnKernel * g_cnKernel>;
+using Kernel = std::array<float, cnKernel * cnKernel>;
 
 /// A Gabor kernel without a mean, scaled so that a wave of its own direction and period passes unchanged.
 Kernel MakeKernel(double dDirection, double dPeriod) {
-  std::array<double, g_cnKernel * g_cnKernel> aWave{}, aEnvelope{};
+  std::array<double, cnKernel * cnKernel> aWave{}, aEnvelope{};
   const double dAcross = 0.48 * dPeriod, dAlong = 0.62 * dPeriod;
   double dWaveSum = 0.0, dEnvelopeSum = 0.0;
-  for (int y = -g_cnReach; y <= g_cnReach; ++y) {
-    for (int x = -g_cnReach; x <= g_cnReach; ++x) {
+  for (int y = -cnReach; y <= cnReach; ++y) {
+    for (int x = -cnReach; x <= cnReach; ++x) {
       // Rows run downwards while directions are counted with y up.
       const double dU = x * Portable::Cos(dDirection) - y * Portable::Sin(dDirection);
       const double dV = x * Portable::Sin(dDirection) + y * Portable::Cos(dDirection);
-      const size_t i = static_cast<size_t>(y + g_cnReach) * g_cnKernel + static_cast<size_t>(x + g_cnReach);
+      const size_t i = static_cast<size_t>(y + cnReach) * cnKernel + static_cast<size_t>(x + cnReach);
       aEnvelope[i] = Portable::Exp(-0.5 * (dU * dU / (dAlong * dAlong) + dV * dV / (dAcross * dAcross)));
       aWave[i] = Portable::Cos(2.0 * Portable::cdPi * dV / dPeriod);
       dEnvelopeSum += aEnvelope[i];
@@ -91,15 +91,15 @@ class ClGrower {
  public:
   explicit ClGrower(const ClPrintDescription& oDescription)
       : m_oDescription(oDescription),
-        m_nWidth(static_cast<int>(std::ceil(oDescription.dWidthMm * 1.16 / g_cdGrowMm))),
-        m_nHeight(static_cast<int>(std::ceil(oDescription.dHeightMm * 1.16 / g_cdGrowMm))),
-        m_nStride(m_nWidth + 2 * g_cnReach) {}
+        m_nWidth(static_cast<int>(std::ceil(oDescription.dWidthMm * 1.16 / cdGrowMm))),
+        m_nHeight(static_cast<int>(std::ceil(oDescription.dHeightMm * 1.16 / cdGrowMm))),
+        m_nStride(m_nWidth + 2 * cnReach) {}
 
   ClPrint Grow() {
     MakeKernels();
     ChoosePlaces();
     std::vector<float> aNow = MakeNoise(), aNext(aNow.size(), 0.0f);
-    for (int i = 0; i < g_cnRounds; ++i) {
+    for (int i = 0; i < cnRounds; ++i) {
       Filter(aNow.data(), aNext.data());
       aNow.swap(aNext);
     }
@@ -112,14 +112,14 @@ class ClGrower {
   }
 
  private:
-  double X(int nX) const { return (nX + 0.5 - 0.5 * m_nWidth) * g_cdGrowMm; }
-  double Y(int nY) const { return (0.5 * m_nHeight - nY - 0.5) * g_cdGrowMm; }
+  double X(int nX) const { return (nX + 0.5 - 0.5 * m_nWidth) * cdGrowMm; }
+  double Y(int nY) const { return (0.5 * m_nHeight - nY - 0.5) * cdGrowMm; }
 
   void MakeKernels() {
-    const double dPeriod = m_oDescription.dRidgePeriodMm / g_cdGrowMm;
-    for (int i = 0; i < g_cnPeriods; ++i)
-      for (int k = 0; k < g_cnDirections; ++k)
-        m_aKernels.push_back(MakeKernel(Portable::cdPi * k / g_cnDirections, dPeriod * (0.93 + 0.07 * i)));
+    const double dPeriod = m_oDescription.dRidgePeriodMm / cdGrowMm;
+    for (int i = 0; i < cnPeriods; ++i)
+      for (int k = 0; k < cnDirections; ++k)
+        m_aKernels.push_back(MakeKernel(Portable::cdPi * k / cnDirections, dPeriod * (0.93 + 0.07 * i)));
   }
 
   void ChoosePlaces() {
@@ -131,17 +131,16 @@ class ClGrower {
         if (OutlineDistance(dX, dY, 0.5 * m_oDescription.dWidthMm, 0.5 * m_oDescription.dHeightMm) > 1.15)
           continue;
         const double dTurn = oFlow.Direction(dX, dY) / Portable::cdPi;
-        const int nDirection = static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * g_cnDirections));
-        const int nPeriod = std::clamp(static_cast<int>(1.5 + 1.4 * oSpacing.At(x, y)), 0, g_cnPeriods - 1);
-        m_aPlaces.push_back({(y + g_cnReach) * m_nStride + x + g_cnReach,
-                             nPeriod * g_cnDirections + nDirection % g_cnDirections});
+        const int nDirection = static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * cnDirections));
+        const int nPeriod = std::clamp(static_cast<int>(1.5 + 1.4 * oSpacing.At(x, y)), 0, cnPeriods - 1);
+        m_aPlaces.push_back(
+            {(y + cnReach) * m_nStride + x + cnReach, nPeriod * cnDirections + nDirection % cnDirections});
       }
     }
   }
 
   std::vector<float> MakeNoise() const {
-    std::vector<float> aNoise(static_cast<size_t>(m_nStride) *
-                              static_cast<size_t>(m_nHeight + 2 * g_cnReach));
+    std::vector<float> aNoise(static_cast<size_t>(m_nStride) * static_cast<size_t>(m_nHeight + 2 * cnReach));
     ClRandom oRandom(Mix(m_oDescription.nSeed, 2));
     for (const ClPlace& oPlace : m_aPlaces)
       aNoise[static_cast<size_t>(oPlace.nOffset)] = static_cast<float>(oRandom.Range(-1.0, 1.0));
@@ -149,13 +148,13 @@ class ClGrower {
   }
 
   void Filter(const float* pIn, float* pOut) const {
-    const int nUp = g_cnReach * m_nStride + g_cnReach;
+    const int nUp = cnReach * m_nStride + cnReach;
     for (const ClPlace& oPlace : m_aPlaces) {
       const float* pKernel = m_aKernels[static_cast<size_t>(oPlace.nKernel)].data();
       const float* pRow = pIn + (oPlace.nOffset - nUp);
-      float aSum[g_cnKernel] = {};
-      for (int r = 0; r < g_cnKernel; ++r, pRow += m_nStride, pKernel += g_cnKernel)
-        for (int k = 0; k < g_cnKernel; ++k) aSum[k] += pKernel[k] * pRow[k];
+      float aSum[cnKernel] = {};
+      for (int r = 0; r < cnKernel; ++r, pRow += m_nStride, pKernel += cnKernel)
+        for (int k = 0; k < cnKernel; ++k) aSum[k] += pKernel[k] * pRow[k];
       float fSum = 0.0f;
       for (float f : aSum) fSum += f;
       pOut[oPlace.nOffset] = std::clamp(1.7f * fSum, -1.0f, 1.0f);
@@ -166,9 +165,9 @@ class ClGrower {
   TpPlane<uint8_t> Enlarge(const std::vector<float>& aIn) const {
     // The sample a quarter to the left and a quarter to the right of a pixel centre.
     static const float aTaps[4] = {-0.0703125f, 0.8671875f, 0.2265625f, -0.0234375f};
-    TpPlane<float> oWide(2 * m_nWidth, m_nHeight + 2 * g_cnReach);
+    TpPlane<float> oWide(2 * m_nWidth, m_nHeight + 2 * cnReach);
     for (int y = 0; y < oWide.Height(); ++y) {
-      const float* pIn = aIn.data() + static_cast<ptrdiff_t>(y) * m_nStride + g_cnReach;
+      const float* pIn = aIn.data() + static_cast<ptrdiff_t>(y) * m_nStride + cnReach;
       float* pOut = oWide.Row(y);
       for (int x = 0; x < m_nWidth; ++x) {
         const float* p = pIn + x;
@@ -178,7 +177,7 @@ class ClGrower {
     }
     TpPlane<uint8_t> oOut(2 * m_nWidth, 2 * m_nHeight);
     for (int y = 0; y < oOut.Height(); ++y) {
-      const int nMid = y / 2 + g_cnReach, nStep = (y & 1) ? 1 : -1;
+      const int nMid = y / 2 + cnReach, nStep = (y & 1) ? 1 : -1;
       const float* aRow[4] = {oWide.Row(nMid - nStep), oWide.Row(nMid), oWide.Row(nMid + nStep),
                               oWide.Row(nMid + 2 * nStep)};
       for (int x = 0; x < oOut.Width(); ++x) {
@@ -224,7 +223,7 @@ class ClGrower {
 
   /// A printer's dots, 133 to the inch at 45 degrees: heights become larger and smaller dots of ink.
   static void AddRaster(TpPlane<uint8_t>& oRidge) {
-    const double dWave = 2.0 * Portable::cdPi * 133.0 * g_cdPixelMm / 25.4 * 0.70710678118654752;
+    const double dWave = 2.0 * Portable::cdPi * 133.0 * cdPixelMm / 25.4 * 0.70710678118654752;
     for (int y = 0; y < oRidge.Height(); ++y) {
       for (int x = 0; x < oRidge.Width(); ++x) {
         const double dDot = Portable::Cos(dWave * (x + y)) + Portable::Cos(dWave * (x - y));
@@ -266,8 +265,7 @@ class ClGrower {
     TpPlane<uint8_t> oDepth(nWidth, nHeight);
     for (int y = 0; y < nHeight; ++y) {
       for (int x = 0; x < nWidth; ++x) {
-        const double dX = (x + 0.5 - 0.5 * nWidth) * g_cdPixelMm,
-                     dY = (0.5 * nHeight - y - 0.5) * g_cdPixelMm;
+        const double dX = (x + 0.5 - 0.5 * nWidth) * cdPixelMm, dY = (0.5 * nHeight - y - 0.5) * cdPixelMm;
         const double dAway =
             OutlineDistance(dX, dY, 0.5 * m_oDescription.dWidthMm, 0.5 * m_oDescription.dHeightMm) +
             0.02 * oEdge.At(x, y) + 0.012 * oFringe.At(x, y);

@@ -8,7 +8,7 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdFrameSeconds = 1.0 / 15.0;
+constexpr double cdFrameSeconds = 1.0 / 15.0;
 
 /// A finger in the making. Ways are counted in the direction in which it rolls.
 class ClRollStage {
@@ -28,7 +28,7 @@ class ClRollStage {
     oPrint.dHeightMm = Range(21.0, 25.0);
     oPrint.dRidgePeriodMm = Vary(0.457, 0.03);
     m_oFinger.dXMm = Vary(40.64, 1.2);
-    m_oFinger.dYMm = Vary(g_cdRollMiddleMm, 1.2);
+    m_oFinger.dYMm = Vary(cdRollMiddleMm, 1.2);
     m_oFinger.dAngle = Vary(0.0, 9.0);
     m_oFinger.dPressure = Vary(0.6, 0.05);
     m_oFinger.dDryness = Range(0.0, 0.15);
@@ -56,7 +56,7 @@ class ClRollStage {
       const double dUneven = i < nParts ? Vary(0.0, 0.05) : 0.0;
       const double dPart = static_cast<double>(i) / nParts;
       m_oFinger.oRoll.aPath.push_back(
-          {oFrom.dSeconds + dPart * dFrames * g_cdFrameSeconds,
+          {oFrom.dSeconds + dPart * dFrames * cdFrameSeconds,
            oFrom.dStripMm + (dPart + dUneven) * (m_dDirection * dStripMm - oFrom.dStripMm),
            oFrom.dTurn + dPart * (dTurn - oFrom.dTurn), 1.0});
     }
@@ -97,8 +97,8 @@ void RollAndSlip(ClRollStage& o) {
   const std::vector<ClRollMoment>& aPath = o.Finger().oRoll.aPath;
   ClSlideDescription& oSlide = o.Finger().oSlide;
   oSlide.dStart = aPath.front().dSeconds;
-  oSlide.dUntil = oSlide.dStart + o.Range(7.0, 9.0) * g_cdFrameSeconds;
-  oSlide.dSpeed = o.Range(0.24, 0.3) / g_cdFrameSeconds;
+  oSlide.dUntil = oSlide.dStart + o.Range(7.0, 9.0) * cdFrameSeconds;
+  oSlide.dSpeed = o.Range(0.24, 0.3) / cdFrameSeconds;
   oSlide.dDirection = o.Side() * o.Vary(90.0, 20.0);
 }
 
@@ -143,7 +143,7 @@ struct ClRow {
   void (*pfnRoll)(ClRollStage& o);
 };
 
-constexpr ClRow g_caRows[] = {
+constexpr ClRow caRows[] = {
     {"roll-right", [](ClRollStage& o) { RollWell(o, 1.0); }},
     {"roll-left", [](ClRollStage& o) { RollWell(o, -1.0); }},
     {"roll-slipped", RollAndSlip},
@@ -156,9 +156,9 @@ constexpr ClRow g_caRows[] = {
 }  // namespace
 
 bool StageRoll(const std::string& sName, uint64_t nSeed, ClScannerDescription& oScanner) {
-  const auto pRow = std::find_if(std::begin(g_caRows), std::end(g_caRows),
+  const auto pRow = std::find_if(std::begin(caRows), std::end(caRows),
                                  [&](const ClRow& oRow) { return sName == oRow.szName; });
-  if (pRow == std::end(g_caRows)) return false;
+  if (pRow == std::end(caRows)) return false;
   ClRollStage oStage(pRow->szName, nSeed);
   pRow->pfnRoll(oStage);
   oScanner.aFingers.push_back(oStage.End());
@@ -167,7 +167,7 @@ bool StageRoll(const std::string& sName, uint64_t nSeed, ClScannerDescription& o
 
 std::string RollSceneNames() {
   std::string sNames;
-  for (const ClRow& oRow : g_caRows) sNames += (sNames.empty() ? "" : ", ") + std::string(oRow.szName);
+  for (const ClRow& oRow : caRows) sNames += (sNames.empty() ? "" : ", ") + std::string(oRow.szName);
   return sNames;
 }
 

@@ -12,9 +12,9 @@
 namespace Simulator {
 
 /// Middle of the part of the platen that roll frames show, from the top edge.
-constexpr double g_cdRollMiddleMm = 20.32;
+constexpr double cdRollMiddleMm = 20.32;
 
-constexpr double g_cdNever = std::numeric_limits<double>::infinity();
+constexpr double cdNever = std::numeric_limits<double>::infinity();
 
 /// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the
 /// finger says, ever slower.
@@ -29,7 +29,7 @@ struct ClSettleDescription {
 /// A finger that slides at a steady speed, straight on or round a circle.
 struct ClSlideDescription {
   double dStart = 0.0;  ///< seconds after the touch
-  double dUntil = g_cdNever;
+  double dUntil = cdNever;
   double dSpeed = 0.0;      ///< mm per second; 0: it doesn't slide
   double dDirection = 0.0;  ///< degrees, 0 to the right, counter-clockwise
   double dRadiusMm = 0.0;   ///< 0: straight on
@@ -37,8 +37,8 @@ struct ClSlideDescription {
 
 /// A finger that presses harder or more lightly from some moment on.
 struct ClPressDescription {
-  double dStart = g_cdNever;  ///< seconds after the touch
-  double dSeconds = 0.3;      ///< how long the change takes
+  double dStart = cdNever;  ///< seconds after the touch
+  double dSeconds = 0.3;    ///< how long the change takes
   double dPressure = 0.6;
 };
 
@@ -68,7 +68,7 @@ struct ClFingerDescription {
   double dPressure = 0.6;  ///< 0 to 1
   double dDryness = 0.1;   ///< 0 to 1
   double dTouch = -1.0;    ///< seconds; before 0: lies there from the start
-  double dLift = g_cdNever;
+  double dLift = cdNever;
   double dTouchSeconds = 0.25;  ///< how long it takes to lie down fully
   double dLiftSeconds = 0.15;   ///< how long it takes to come off
   double dRepeat = 0.0;         ///< seconds from one touch to the next; 0: it comes once
@@ -112,7 +112,7 @@ struct ClDirtDescription {
   double dAngle = 0.0;     ///< degrees, counter-clockwise; 0: a smear runs to the right
   double dStrength = 0.4;  ///< light that it throws against that of a ridge, 0 to 1
   double dFrom = 0.0;      ///< seconds
-  double dUntil = g_cdNever;
+  double dUntil = cdNever;
 };
 
 /// The calibration target: a bright sheet with 8 by 8 dark dots, 10 mm apart. Dots are counted as in

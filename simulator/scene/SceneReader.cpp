@@ -19,16 +19,16 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr size_t g_cnMostScanners = 127;
-constexpr size_t g_cnMostFingers = 32;
-constexpr size_t g_cnMostDirt = 1000;
-constexpr size_t g_cnMostAmbient = 1000;
-constexpr size_t g_cnMostRollMoments = 1000;
-constexpr size_t g_cnMostEpromBytes = 8192;
-constexpr size_t g_cnMostSceneBytes = 16777216;
-constexpr double g_cdLongest = 1e6;  // seconds
+constexpr size_t cnMostScanners = 127;
+constexpr size_t cnMostFingers = 32;
+constexpr size_t cnMostDirt = 1000;
+constexpr size_t cnMostAmbient = 1000;
+constexpr size_t cnMostRollMoments = 1000;
+constexpr size_t cnMostEpromBytes = 8192;
+constexpr size_t cnMostSceneBytes = 16777216;
+constexpr double cdLongest = 1e6;  // seconds
 
-constexpr int64_t g_cnMostSeed = 9007199254740992;
+constexpr int64_t cnMostSeed = 9007199254740992;
 
 std::string InFolder(const std::string& sFile, const std::string& sFolder) {
   return sFile[0] == '/' || sFolder.empty() ? sFile : sFolder + "/" + sFile;
@@ -43,7 +43,7 @@ ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const
     o.Done();
     return oPrint;
   }
-  oPrint.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed));
+  oPrint.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, cnMostSeed));
   oPrint.ePattern =
       static_cast<EPattern>(o.Choice("pattern", ePatternWhorl, {"left-loop", "right-loop", "whorl", "arch"}));
   oPrint.dWidthMm = o.Number("width", oPrint.dWidthMm, 4.0, 40.0);
@@ -58,7 +58,7 @@ ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const
 
 ClSettleDescription ReadSettle(ClObject o, double dPressure) {
   ClSettleDescription oSettle;
-  oSettle.dSeconds = o.Number("seconds", 0.8, 0.0, g_cdLongest);
+  oSettle.dSeconds = o.Number("seconds", 0.8, 0.0, cdLongest);
   oSettle.dXMm = o.Number("x", 0.0, -20.0, 20.0);
   oSettle.dYMm = o.Number("y", 0.0, -20.0, 20.0);
   oSettle.dTurn = o.Number("turn", 0.0, -90.0, 90.0);
@@ -69,8 +69,8 @@ ClSettleDescription ReadSettle(ClObject o, double dPressure) {
 
 ClSlideDescription ReadSlide(ClObject o) {
   ClSlideDescription oSlide;
-  oSlide.dStart = o.Number("start", oSlide.dStart, 0.0, g_cdLongest);
-  oSlide.dUntil = o.Number("until", oSlide.dUntil, 0.0, g_cdLongest);
+  oSlide.dStart = o.Number("start", oSlide.dStart, 0.0, cdLongest);
+  oSlide.dUntil = o.Number("until", oSlide.dUntil, 0.0, cdLongest);
   oSlide.dSpeed = o.Number("speed", 3.0, 0.0, 1000.0);
   oSlide.dDirection = o.Number("direction", oSlide.dDirection, -360.0, 360.0);
   oSlide.dRadiusMm = o.Number("radius", oSlide.dRadiusMm, 0.0, 100.0);
@@ -81,8 +81,8 @@ ClSlideDescription ReadSlide(ClObject o) {
 
 ClPressDescription ReadPress(ClObject o) {
   ClPressDescription oPress;
-  oPress.dStart = o.Number("start", 1.0, 0.0, g_cdLongest);
-  oPress.dSeconds = o.Number("seconds", oPress.dSeconds, 0.01, g_cdLongest);
+  oPress.dStart = o.Number("start", 1.0, 0.0, cdLongest);
+  oPress.dSeconds = o.Number("seconds", oPress.dSeconds, 0.01, cdLongest);
   oPress.dPressure = o.Number("pressure", 0.9, 0.0, 1.0);
   o.Done();
   return oPress;
@@ -92,11 +92,11 @@ ClRollDescription ReadRoll(ClObject o) {
   ClRollDescription oRoll;
   oRoll.dWidthMm = o.Number("width", 14.0, 1.0, 60.0);
   oRoll.dTilt = o.Number("tilt", 0.0, -45.0, 45.0);
-  o.Each("path", g_cnMostRollMoments, [&](const Json& oPoint, const std::string& sWhere) {
+  o.Each("path", cnMostRollMoments, [&](const Json& oPoint, const std::string& sWhere) {
     ClObject oRead(oPoint, sWhere);
     const ClRollMoment oBefore = oRoll.aPath.empty() ? ClRollMoment() : oRoll.aPath.back();
     ClRollMoment oMoment;
-    oMoment.dSeconds = oRead.Number("at", oBefore.dSeconds, oBefore.dSeconds, g_cdLongest);
+    oMoment.dSeconds = oRead.Number("at", oBefore.dSeconds, oBefore.dSeconds, cdLongest);
     oMoment.dStripMm = oRead.Number("strip", oBefore.dStripMm, -60.0, 60.0);
     oMoment.dTurn = oRead.Number("turn", oBefore.dTurn, -180.0, 180.0);
     oMoment.dDown = oRead.Number("down", oBefore.dDown, 0.0, 1.0);
@@ -114,20 +114,20 @@ void ReadRoll(ClObject& o, ClFingerDescription& oFinger) {
   const Json* p = o.Find("roll");
   if (!p) return;
   oFinger.oRoll = ReadRoll(ClObject(*p, o.Place("roll")));
-  oFinger.dYMm = g_cdRollMiddleMm;
+  oFinger.dYMm = cdRollMiddleMm;
   oFinger.dTouch = 0.5;
 }
 
 /// What a finger does after it was laid down.
 void ReadMotion(ClObject& o, ClFingerDescription& oFinger) {
-  oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, g_cdLongest);
+  oFinger.dTouch = o.Number("touch", oFinger.dTouch, 0.0, cdLongest);
   if (oFinger.oRoll.dWidthMm > 0.0)
     oFinger.dLift = oFinger.dTouch + oFinger.oRoll.aPath.back().dSeconds + 0.1;
-  oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, g_cdLongest);
+  oFinger.dLift = o.Number("lift", oFinger.dLift, 0.0, cdLongest);
   if (oFinger.dLift < oFinger.dTouch) o.Fail("comes before the touch", "lift");
   oFinger.dTouchSeconds = o.Number("touchSeconds", oFinger.dTouchSeconds, 0.01, 60.0);
   oFinger.dLiftSeconds = o.Number("liftSeconds", oFinger.dLiftSeconds, 0.01, 60.0);
-  oFinger.dRepeat = o.Number("repeat", oFinger.dRepeat, 0.0, g_cdLongest);
+  oFinger.dRepeat = o.Number("repeat", oFinger.dRepeat, 0.0, cdLongest);
   if (oFinger.dRepeat > 0.0 &&
       (oFinger.dTouch < 0.0 || oFinger.dRepeat < oFinger.dLift + oFinger.dLiftSeconds - oFinger.dTouch))
     o.Fail("must be longer than the time from touch to the end of the lift, which both must be there",
@@ -165,16 +165,16 @@ ClDirtDescription ReadDirt(const Json& oJson, const std::string& sPlace) {
   oDirt.dLengthMm = o.Number("length", oDirt.dLengthMm, 0.0, 120.0);
   oDirt.dAngle = o.Number("angle", oDirt.dAngle, -180.0, 180.0);
   oDirt.dStrength = o.Number("strength", oDirt.dStrength, 0.0, 1.0);
-  oDirt.dFrom = o.Number("from", oDirt.dFrom, 0.0, g_cdLongest);
-  oDirt.dUntil = o.Number("until", oDirt.dUntil, 0.0, g_cdLongest);
+  oDirt.dFrom = o.Number("from", oDirt.dFrom, 0.0, cdLongest);
+  oDirt.dUntil = o.Number("until", oDirt.dUntil, 0.0, cdLongest);
   o.Done();
   return oDirt;
 }
 
 std::vector<unsigned> ReadDots(ClObject& o, const char* szKey) {
   std::vector<unsigned> aDots;
-  o.Each(szKey, g_cnTargetDots, [&](const Json& oDot, const std::string& sWhere) {
-    if (!oDot.is_number_unsigned() || oDot.get<uint64_t>() >= g_cnTargetDots)
+  o.Each(szKey, cnTargetDots, [&](const Json& oDot, const std::string& sWhere) {
+    if (!oDot.is_number_unsigned() || oDot.get<uint64_t>() >= cnTargetDots)
       throw ClSimError(eBadValue, "scene: \"" + sWhere + "\" must be a dot from 0 to 63");
     aDots.push_back(oDot.get<unsigned>());
   });
@@ -182,7 +182,7 @@ std::vector<unsigned> ReadDots(ClObject& o, const char* szKey) {
 }
 
 ClTargetDescription ReadTarget(ClObject o) {
-  ClTargetDescription oTarget = PlainTarget(static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed)));
+  ClTargetDescription oTarget = PlainTarget(static_cast<uint64_t>(o.Whole("seed", 1, 0, cnMostSeed)));
   oTarget.dXMm = o.Number("x", oTarget.dXMm, -50.0, 130.0);
   oTarget.dYMm = o.Number("y", oTarget.dYMm, -50.0, 130.0);
   oTarget.dAngle = o.Number("angle", oTarget.dAngle, -180.0, 180.0);
@@ -203,17 +203,17 @@ void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
     oScanner.dAmbient = o.Number("ambient", oScanner.dAmbient, 0.0, 200.0);
     return;
   }
-  o.Each("ambient", g_cnMostAmbient, [&](const Json& oPoint, const std::string& sWhere) {
+  o.Each("ambient", cnMostAmbient, [&](const Json& oPoint, const std::string& sWhere) {
     ClObject oRead(oPoint, sWhere);
     const double dBefore = oScanner.aAmbient.empty() ? 0.0 : oScanner.aAmbient.back().dSeconds;
-    const double dSeconds = oRead.Number("at", 0.0, dBefore, g_cdLongest);
+    const double dSeconds = oRead.Number("at", 0.0, dBefore, cdLongest);
     oScanner.aAmbient.push_back({dSeconds, oRead.Number("level", oScanner.dAmbient, 0.0, 200.0)});
     oRead.Done();
   });
 }
 
 /// Appends a whole file; one of more than nMost bytes is refused. sWhat: the file in messages.
-template <class TBytes>
+template <typename TBytes>
 void ReadAtMost(std::ifstream& oFile, size_t nMost, const std::string& sWhat, TBytes& rBytes) {
   char aPart[4096];
   do {
@@ -232,7 +232,7 @@ std::vector<uint8_t> ReadEpromFile(const std::string& sFile) {
   std::ifstream oFile(sFile, std::ios::binary);
   if (!oFile) throw ClSimError(eFileOpen, "scene: can't open EEPROM file \"" + sFile + "\"");
   std::vector<uint8_t> aData;
-  ReadAtMost(oFile, g_cnMostEpromBytes, sWhat, aData);
+  ReadAtMost(oFile, cnMostEpromBytes, sWhat, aData);
   return aData;
 }
 
@@ -275,11 +275,11 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
         oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName), sFolder);
     oEprom.Done();
   }
-  o.Each("fingers", g_cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
+  o.Each("fingers", cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
     oScanner.aFingers.push_back(ReadFinger(oFinger, sWhere, sFolder));
   });
   if (const Json* p = o.Find("pen")) oScanner.oPen = ReadPen(ClObject(*p, o.Place("pen")));
-  o.Each("dirt", g_cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
+  o.Each("dirt", cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
     oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
   });
   if (const Json* p = o.Find("target")) oScanner.oTarget = ReadTarget(ClObject(*p, o.Place("target")));
@@ -304,7 +304,7 @@ ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
   Kind("plug", ClFaultDescription::ePlug);
   if (nKinds != 1) o.Fail("must have exactly one of \"call\", \"random\", \"unplug\" and \"plug\"");
   if (oFault.eKind == ClFaultDescription::eUnplug || oFault.eKind == ClFaultDescription::ePlug) {
-    oFault.dAt = o.Number("at", 0.0, 0.0, g_cdLongest);
+    oFault.dAt = o.Number("at", 0.0, 0.0, cdLongest);
   } else {
     oFault.nResult = static_cast<long>(o.Whole("result", oFault.nResult, -2147483647, 2147483647));
     if (oFault.eKind == ClFaultDescription::eCall) {
@@ -335,11 +335,11 @@ ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolde
   }
   ClObject o(oJson, "");
   ClSceneDescription oScene;
-  oScene.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, g_cnMostSeed));
+  oScene.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, cnMostSeed));
   oScene.bRealTime = o.Choice("pacing", RealTimeByDefault() ? 1 : 0, {"consumer", "real"}) == 1;
   oScene.sLibraryVersion = o.Text("libraryVersion", oScene.sLibraryVersion);
   if (oScene.sLibraryVersion.size() > 255) o.Fail("must not be longer than 255 characters", "libraryVersion");
-  o.Each("scanners", g_cnMostScanners, [&](const Json& oScanner, const std::string& sWhere) {
+  o.Each("scanners", cnMostScanners, [&](const Json& oScanner, const std::string& sWhere) {
     oScene.aScanners.push_back(ReadScanner(oScanner, sWhere, sFolder));
     for (size_t i = 0; i + 1 < oScene.aScanners.size(); ++i)
       if (oScene.aScanners[i].sSerial == oScene.aScanners.back().sSerial)
@@ -349,7 +349,7 @@ ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolde
   o.Each("faults", 256, [&](const Json& oFault, const std::string& sWhere) {
     oScene.aFaults.push_back(ReadFault(oFault, sWhere));
   });
-  oScene.nFaultSeed = static_cast<uint64_t>(o.Whole("faultSeed", 1, 0, g_cnMostSeed));
+  oScene.nFaultSeed = static_cast<uint64_t>(o.Whole("faultSeed", 1, 0, cnMostSeed));
   o.Done();
   return oScene;
 }
@@ -369,7 +369,7 @@ ClSceneDescription FindScene(const std::string& sScene) {
     throw ClSimError(eFileOpen, "scene \"" + sScene + "\" is neither a built-in scene (" +
                                     BuiltInSceneNames() + ") nor a file that can be opened");
   std::string sText;
-  ReadAtMost(oFile, g_cnMostSceneBytes, sWhat, sText);
+  ReadAtMost(oFile, cnMostSceneBytes, sWhat, sText);
   const size_t nSlash = sScene.rfind('/');
   return ReadScene(sText, nSlash == std::string::npos ? "" : nSlash == 0 ? "/" : sScene.substr(0, nSlash));
 }

@@ -7,7 +7,7 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPreviewSeconds = 1.0 / 15.0;
+constexpr double cdPreviewSeconds = 1.0 / 15.0;
 
 /// What a stage is made from.
 struct ClStage {
@@ -57,7 +57,7 @@ void Slide(ClStage& o) {
   const double dDirection = o.oRandom.Range(0.0, 360.0), dRadius = o.Vary(2.5, 0.5);
   for (ClFingerDescription& oFinger : o.oScanner.aFingers) {
     oFinger.dTouch = dTouch;
-    oFinger.oSlide = {0.0, g_cdNever, dSpeed, dDirection, dRadius};
+    oFinger.oSlide = {0.0, cdNever, dSpeed, dDirection, dRadius};
   }
 }
 
@@ -66,12 +66,12 @@ void Slide(ClStage& o) {
 /// preview is all that has run.
 void LeaveEarly(ClStage& o) {
   const double dFrames = 10 + static_cast<double>(o.oRandom.Next() % 6) - o.Vary(0.6, 0.12);
-  const double dStill = g_cdPreviewSeconds * dFrames, dDirection = o.oRandom.Range(0.0, 360.0);
+  const double dStill = cdPreviewSeconds * dFrames, dDirection = o.oRandom.Range(0.0, 360.0);
   for (ClFingerDescription& oFinger : o.oScanner.aFingers) {
     oFinger.dTouch = dStill - oFinger.dTouchSeconds;
-    oFinger.dLift = dStill + 1.8 * g_cdPreviewSeconds;
+    oFinger.dLift = dStill + 1.8 * cdPreviewSeconds;
     oFinger.dLiftSeconds = 0.05;
-    oFinger.dRepeat = 25.0 * g_cdPreviewSeconds;
+    oFinger.dRepeat = 25.0 * cdPreviewSeconds;
     oFinger.oSlide = {0.0, oFinger.dTouchSeconds, 6.0, dDirection, 0.0};
   }
 }

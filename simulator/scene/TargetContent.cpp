@@ -10,9 +10,9 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdHalfMm = 0.5 * g_cdPlatenMm;
+constexpr double cdHalfMm = 0.5 * cdPlatenMm;
 /// Second prints of a dot lie this part of its radius beside it.
-constexpr double g_cdSlip = 1.2;
+constexpr double cdSlip = 1.2;
 
 }  // namespace
 
@@ -26,15 +26,15 @@ ClTargetDescription PlainTarget(uint64_t nSeed) {
   return oTarget;
 }
 
-std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTarget) {
+std::array<ClPlaceMm, cnTargetDots> TargetDots(const ClTargetDescription& oTarget) {
   const double dTurn = oTarget.dAngle * Portable::cdPi / 180.0;
   const double dCos = Portable::Cos(dTurn), dSin = Portable::Sin(dTurn);
-  constexpr double dMiddle = 0.5 * (g_cnTargetSide - 1);
-  std::array<ClPlaceMm, g_cnTargetDots> aPlaces;
-  for (int n = 0; n < static_cast<int>(g_cnTargetDots); ++n) {
-    const int nColumn = n / g_cnTargetSide, nRow = n % g_cnTargetSide;
-    const double dX = g_cdTargetPitchMm * (dMiddle - nColumn);
-    const double dY = g_cdTargetPitchMm * (nRow - dMiddle);
+  constexpr double dMiddle = 0.5 * (cnTargetSide - 1);
+  std::array<ClPlaceMm, cnTargetDots> aPlaces;
+  for (int n = 0; n < static_cast<int>(cnTargetDots); ++n) {
+    const int nColumn = n / cnTargetSide, nRow = n % cnTargetSide;
+    const double dX = cdTargetPitchMm * (dMiddle - nColumn);
+    const double dY = cdTargetPitchMm * (nRow - dMiddle);
     aPlaces[static_cast<size_t>(n)] = {oTarget.dXMm + dX * dCos + dY * dSin,
                                        oTarget.dYMm + dY * dCos - dX * dSin};
   }
@@ -43,22 +43,22 @@ std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTar
 
 ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
     : m_dUneven(oDescription.dUneven), m_dLightX(0.0), m_dLightY(0.0) {
-  const std::array<ClPlaceMm, g_cnTargetDots> aDots = TargetDots(oDescription);
+  const std::array<ClPlaceMm, cnTargetDots> aDots = TargetDots(oDescription);
   const auto AddDot = [&](const ClPlaceMm& o) {
     m_aMarks.push_back({o, o, oDescription.dRadiusMm, 0.0F, 1.0F});
   };
   for (size_t n = 0; n < aDots.size(); ++n) {
     const auto Holds = [n](const std::vector<unsigned>& a) { return std::count(a.begin(), a.end(), n) > 0; };
     if (!Holds(oDescription.aMissing)) AddDot(aDots[n]);
-    if (Holds(oDescription.aDoubled)) AddDot({aDots[n].dX + g_cdSlip * oDescription.dRadiusMm, aDots[n].dY});
+    if (Holds(oDescription.aDoubled)) AddDot({aDots[n].dX + cdSlip * oDescription.dRadiusMm, aDots[n].dY});
   }
   ClRandom oRandom(Mix(oDescription.nSeed, MixText("marks")));
   const double dLight = oRandom.Range(0.0, 2.0 * Portable::cdPi);
   m_dLightX = Portable::Cos(dLight);
   m_dLightY = Portable::Sin(dLight);
   const auto Anywhere = [&oRandom] {
-    const double dX = oRandom.Range(0.0, g_cdPlatenMm);
-    return ClPlaceMm{dX, oRandom.Range(0.0, g_cdPlatenMm)};
+    const double dX = oRandom.Range(0.0, cdPlatenMm);
+    return ClPlaceMm{dX, oRandom.Range(0.0, cdPlatenMm)};
   };
   for (unsigned n = 0; n < oDescription.nDust; ++n) {
     const ClPlaceMm oPlace = Anywhere();
@@ -76,16 +76,16 @@ ClTargetContent::ClTargetContent(const ClTargetDescription& oDescription)
 
 /// 1 at the brightest corner, less by m_dUneven at the opposite one.
 double ClTargetContent::LightAt(const ClPlaceMm& oPlace) const noexcept {
-  const double dAlong = (oPlace.dX - g_cdHalfMm) * m_dLightX + (oPlace.dY - g_cdHalfMm) * m_dLightY;
-  return 1.0 - m_dUneven * 0.5 * (1.0 + dAlong / (1.41421356 * g_cdHalfMm));
+  const double dAlong = (oPlace.dX - cdHalfMm) * m_dLightX + (oPlace.dY - cdHalfMm) * m_dLightY;
+  return 1.0 - m_dUneven * 0.5 * (1.0 + dAlong / (1.41421356 * cdHalfMm));
 }
 
 void ClTargetContent::Draw(double, ClPlatenMap& oMap) const {
   oMap.bGoesOn = true;
-  for (int y = 0; y < g_cnPictureSide; ++y) {
+  for (int y = 0; y < cnPictureSide; ++y) {
     uint8_t* pContact = oMap.oContact.Row(y);
-    for (int x = 0; x < g_cnPictureSide; ++x) {
-      const ClPlaceMm oPlace{(x + 0.5) * g_cdPixelMm, (y + 0.5) * g_cdPixelMm};
+    for (int x = 0; x < cnPictureSide; ++x) {
+      const ClPlaceMm oPlace{(x + 0.5) * cdPixelMm, (y + 0.5) * cdPixelMm};
       const double dRounded = 255.0 * LightAt(oPlace) + 0.5;
       pContact[x] = static_cast<uint8_t>(dRounded);
     }
@@ -96,24 +96,24 @@ void ClTargetContent::Draw(double, ClPlatenMap& oMap) const {
 void ClTargetContent::DrawMark(const ClMark& oMark, ClPlatenMap& oMap) noexcept {
   const double dWayX = oMark.oTo.dX - oMark.oFrom.dX, dWayY = oMark.oTo.dY - oMark.oFrom.dY;
   const double dWay = dWayX * dWayX + dWayY * dWayY;
-  const double dReach = oMark.dRadiusMm + g_cdPixelMm;
+  const double dReach = oMark.dRadiusMm + cdPixelMm;
   const auto First = [dReach](double dA, double dB) {
     return std::max(0, static_cast<int>(std::floor(MmToPixel(std::min(dA, dB) - dReach))));
   };
   const auto Last = [dReach](double dA, double dB) {
-    return std::min(g_cnPictureSide - 1, static_cast<int>(std::ceil(MmToPixel(std::max(dA, dB) + dReach))));
+    return std::min(cnPictureSide - 1, static_cast<int>(std::ceil(MmToPixel(std::max(dA, dB) + dReach))));
   };
   const int nLeft = First(oMark.oFrom.dX, oMark.oTo.dX), nRight = Last(oMark.oFrom.dX, oMark.oTo.dX);
   const int nBottom = Last(oMark.oFrom.dY, oMark.oTo.dY);
   for (int y = First(oMark.oFrom.dY, oMark.oTo.dY); y <= nBottom; ++y) {
     uint8_t* pContact = oMap.oContact.Row(y);
     for (int x = nLeft; x <= nRight; ++x) {
-      const double dX = (x + 0.5) * g_cdPixelMm - oMark.oFrom.dX;
-      const double dY = (y + 0.5) * g_cdPixelMm - oMark.oFrom.dY;
+      const double dX = (x + 0.5) * cdPixelMm - oMark.oFrom.dX;
+      const double dY = (y + 0.5) * cdPixelMm - oMark.oFrom.dY;
       const double dAlong = dWay > 0.0 ? std::clamp((dX * dWayX + dY * dWayY) / dWay, 0.0, 1.0) : 0.0;
       const double dOff = Portable::Hypot(dX - dAlong * dWayX, dY - dAlong * dWayY);
       // The part of the pixel that the mark covers, were its edge straight.
-      const double dCover = std::clamp(0.5 + (oMark.dRadiusMm - dOff) / g_cdPixelMm, 0.0, 1.0);
+      const double dCover = std::clamp(0.5 + (oMark.dRadiusMm - dOff) / cdPixelMm, 0.0, 1.0);
       const float fPart = oMark.fStrength * static_cast<float>(dCover);
       const float fLight = static_cast<float>(pContact[x]);
       const float fRounded = fLight + (255.0F * oMark.fGrey - fLight) * fPart + 0.5F;

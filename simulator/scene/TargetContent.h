@@ -9,9 +9,9 @@
 
 namespace Simulator {
 
-constexpr int g_cnTargetSide = 8;
-constexpr size_t g_cnTargetDots = g_cnTargetSide * g_cnTargetSide;
-constexpr double g_cdTargetPitchMm = 10.0;
+constexpr int cnTargetSide = 8;
+constexpr size_t cnTargetDots = cnTargetSide * cnTargetSide;
+constexpr double cdTargetPitchMm = 10.0;
 
 /// A place on the platen, from its left and top edge.
 struct ClPlaceMm {
@@ -24,7 +24,7 @@ ClTargetDescription PlainTarget(uint64_t nSeed);
 
 /// The middles of all dots, those that are missing too. They are counted as the sensor sees them, which is
 /// mirrored: column after column from the right edge of the picture, each from top to bottom.
-std::array<ClPlaceMm, g_cnTargetDots> TargetDots(const ClTargetDescription& oTarget);
+std::array<ClPlaceMm, cnTargetDots> TargetDots(const ClTargetDescription& oTarget);
 
 class ClTargetContent : public ClPlatenContent {
  public:

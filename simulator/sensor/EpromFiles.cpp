@@ -41,16 +41,16 @@ void PutPoints(ByteBlock& aOut, const std::vector<ClPoint>& aPoints) {
 
 /// Places of the dots in the picture before it is mirrored, column after column.
 std::vector<ClPoint> DotPlaces() {
-  const double dPitch = 10.0 / g_cdPixelMm;
-  const double dFirst = 0.5 * (g_cnPictureSide - 1) - 0.5 * (g_cnGridSide - 1) * dPitch;
+  const double dPitch = 10.0 / cdPixelMm;
+  const double dFirst = 0.5 * (cnPictureSide - 1) - 0.5 * (cnGridSide - 1) * dPitch;
   std::vector<ClPoint> aPlaces;
-  for (int c = 0; c < g_cnGridSide; ++c)
-    for (int r = 0; r < g_cnGridSide; ++r) aPlaces.push_back({dFirst + c * dPitch, dFirst + r * dPitch});
+  for (int c = 0; c < cnGridSide; ++c)
+    for (int r = 0; r < cnGridSide; ++r) aPlaces.push_back({dFirst + c * dPitch, dFirst + r * dPitch});
   return aPlaces;
 }
 
 double Mirrored(double dX) {
-  return g_cnPictureSide - 1 - dX;
+  return cnPictureSide - 1 - dX;
 }
 
 uint8_t ToByte(double d) {
@@ -82,7 +82,7 @@ ByteBlock EncodeBrightness(const BrightnessTable& oTable, bool bLegacy) {
   ByteBlock aOut;
   if (bLegacy) {
     aOut.resize(128, 0);
-    for (const unsigned nKey : g_caIlluminationKeys) {
+    for (const unsigned nKey : caIlluminationKeys) {
       const size_t nEnd = aOut.size() + 192;
       const auto it = oTable.find(nKey);
       if (it != oTable.end())
@@ -110,7 +110,7 @@ ByteBlock EncodeGains(const GainTable& oTable, bool bLegacy) {
     }
   };
   if (bLegacy) {
-    for (const unsigned nKey : g_caIlluminationKeys) {
+    for (const unsigned nKey : caIlluminationKeys) {
       const auto it = oTable.find(nKey);
       Put(it == oTable.end() ? ClGainEntry{} : it->second);
     }
@@ -126,12 +126,12 @@ ByteBlock EncodeGains(const GainTable& oTable, bool bLegacy) {
 }
 
 ClGeometry MeasureGeometry(const ClOptics& oOptics) {
-  ClGeometry oGeometry{g_cnSensorWidth,
-                       g_cnSensorHeight,
+  ClGeometry oGeometry{cnSensorWidth,
+                       cnSensorHeight,
                        41417,
                        30236,
-                       g_cnPictureSide,
-                       g_cnPictureSide,
+                       cnPictureSide,
+                       cnPictureSide,
                        19685,
                        19685,
                        0,
@@ -149,11 +149,11 @@ BrightnessTable MeasureBrightness(const ClOptics& oOptics) {
   constexpr double adChannel[] = {0.97, 1.015, 1.0};
   const double dLuminance = 0.30 * adChannel[0] + 0.59 * adChannel[1] + 0.11 * adChannel[2];
   BrightnessTable oTable;
-  for (size_t k = 0; k < g_caIlluminationKeys.size(); ++k) {
+  for (size_t k = 0; k < caIlluminationKeys.size(); ++k) {
     for (size_t c = 0; c < 3; ++c) {
-      std::vector<uint8_t>& aPlane = oTable[g_caIlluminationKeys[k]][c];
+      std::vector<uint8_t>& aPlane = oTable[caIlluminationKeys[k]][c];
       for (const ClPoint& oPlace : DotPlaces())
-        aPlane.push_back(ToByte(g_cdRidgeLevel * adStrength[k] * adChannel[c] / dLuminance *
+        aPlane.push_back(ToByte(cdRidgeLevel * adStrength[k] * adChannel[c] / dLuminance *
                                 oOptics.Illumination(Mirrored(oPlace.dX), oPlace.dY)));
     }
   }
@@ -166,8 +166,8 @@ GainTable MeasureGains(uint64_t nSeed, unsigned nRevision) {
   const auto Spread = [&oRandom](int nMid) {
     return static_cast<uint8_t>(2 * ((nMid + static_cast<int>(oRandom.Range(-6.0, 6.0))) / 2));
   };
-  const uint8_t nWhite = ToByte(g_cdRidgeLevel);
-  for (const unsigned nKey : g_caIlluminationKeys)
+  const uint8_t nWhite = ToByte(cdRidgeLevel);
+  for (const unsigned nKey : caIlluminationKeys)
     oTable[nKey] = {{Spread(0x60), Spread(0x60), Spread(0x60)}, {nWhite, nWhite, nWhite}};
   // The first series was built to one gain; hosts know it without asking.
   if (nRevision == 0)

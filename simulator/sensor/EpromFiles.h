@@ -14,8 +14,8 @@ namespace Simulator {
 using ByteBlock = std::vector<uint8_t>;
 
 /// The illumination keys, in the order of the positional (legacy) forms.
-constexpr std::array<unsigned, 5> g_caIlluminationKeys = {16, 1, 8, 2, 4};
-constexpr int g_cnGridSide = 8;
+constexpr std::array<unsigned, 5> caIlluminationKeys = {16, 1, 8, 2, 4};
+constexpr int cnGridSide = 8;
 
 /// A correspondence of target and sensor points.
 struct ClGeometry {

@@ -14,11 +14,11 @@ inline int16_t UpperHalf(int16_t nA, int16_t nB) noexcept {
   return static_cast<int16_t>((static_cast<int32_t>(nA) * nB) >> 16);
 }
 
-constexpr int16_t g_cnWhite = 256 * g_cnLevelSteps - 1;
+constexpr int16_t cnWhite = 256 * cnLevelSteps - 1;
 
 inline uint8_t ToByte(int16_t nLevel) noexcept {
-  const int16_t nHeld = std::min(std::max(nLevel, static_cast<int16_t>(0)), g_cnWhite);
-  return static_cast<uint8_t>(nHeld / g_cnLevelSteps);
+  const int16_t nHeld = std::min(std::max(nLevel, static_cast<int16_t>(0)), cnWhite);
+  return static_cast<uint8_t>(nHeld / cnLevelSteps);
 }
 
 void MakeLitRow(const ClFrameRow& oRow, uint8_t* pOut, size_t nCount) noexcept {

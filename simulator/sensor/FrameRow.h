@@ -7,13 +7,13 @@
 namespace Simulator {
 
 /// Fractions of a grey level in which rows are put together.
-constexpr int g_cnLevelSteps = 16;
+constexpr int cnLevelSteps = 16;
 
 /// What one row is made of. All arrays have at least as many entries as the row has pixels.
 ///
-/// pSignal    light, g_cnSignalSteps to a level at nominal gain, below 32768; null for a dark row.
+/// pSignal    light, cnSignalSteps to a level at nominal gain, below 32768; null for a dark row.
 /// pGain      amplification, 8192 being nominal.
-/// pBase      level without light (ambient light and offset), g_cnLevelSteps to a level,
+/// pBase      level without light (ambient light and offset), cnLevelSteps to a level,
 ///            at most 8191.
 /// pNoise     random numbers of ClNoise, new for each row.
 /// pFixed     the same, but always the same for a row of the sensor: its fixed pattern.

@@ -4,10 +4,10 @@
 namespace Simulator {
 
 /// Levels above dark at full illumination, nominal gain and nominal exposure.
-constexpr double g_cdRidgeLevel = 150.0;
+constexpr double cdRidgeLevel = 150.0;
 /// Light that clean glass scatters into the sensor, in levels.
-constexpr double g_cdStrayLevel = 4.0;
+constexpr double cdStrayLevel = 4.0;
 /// Light from a valley as a part of that from a ridge.
-constexpr double g_cdValleyPart = 0.2;
+constexpr double cdValleyPart = 0.2;
 
 }  // namespace Simulator

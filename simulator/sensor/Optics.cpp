@@ -11,18 +11,18 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdPictureMid = 0.5 * (g_cnPictureSide - 1);
-constexpr double g_cdHalfPicture = 0.5 * g_cnPictureSide;
-constexpr double g_cdHalfPlatenInch = 0.5 * g_cdPlatenMm / 25.4;
+constexpr double cdPictureMid = 0.5 * (cnPictureSide - 1);
+constexpr double cdHalfPicture = 0.5 * cnPictureSide;
+constexpr double cdHalfPlatenInch = 0.5 * cdPlatenMm / 25.4;
 
 }  // namespace
 
 ClOptics::ClOptics(uint64_t nSeed) {
   ClRandom oRandom(Mix(nSeed, 0x4F707469));
-  m_dMidX = 0.5 * (g_cnSensorWidth - 1) + oRandom.Range(-12.0, 12.0);
-  m_dMidY = 0.5 * (g_cnSensorHeight - 1) + oRandom.Range(-10.0, 10.0);
-  m_dScaleX = 1052.0 * g_cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
-  m_dScaleY = 768.0 * g_cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
+  m_dMidX = 0.5 * (cnSensorWidth - 1) + oRandom.Range(-12.0, 12.0);
+  m_dMidY = 0.5 * (cnSensorHeight - 1) + oRandom.Range(-10.0, 10.0);
+  m_dScaleX = 1052.0 * cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
+  m_dScaleY = 768.0 * cdHalfPlatenInch * oRandom.Range(1.003, 1.009);
   m_dKeystoneX = oRandom.Range(-0.006, 0.006);
   m_dKeystoneY = oRandom.Range(0.012, 0.026);
   m_dBarrel = oRandom.Range(0.006, 0.012);
@@ -36,7 +36,7 @@ ClOptics::ClOptics(uint64_t nSeed) {
 }
 
 ClPoint ClOptics::PictureToSensor(double dX, double dY) const noexcept {
-  const double dU = (g_cdPictureMid - dX) / g_cdHalfPicture, dV = (dY - g_cdPictureMid) / g_cdHalfPicture;
+  const double dU = (cdPictureMid - dX) / cdHalfPicture, dV = (dY - cdPictureMid) / cdHalfPicture;
   const double dDepth = 1.0 + m_dKeystoneX * dU + m_dKeystoneY * dV;
   const double dA = (dU * m_dCos - dV * m_dSin) / dDepth, dB = (dU * m_dSin + dV * m_dCos) / dDepth;
   const double dPull = 1.0 - m_dBarrel * (dA * dA + dB * dB);
@@ -57,11 +57,11 @@ ClPoint ClOptics::SensorToPicture(double dX, double dY) const noexcept {
   }
   const double dU = dA * m_dCos + dB * m_dSin, dV = dB * m_dCos - dA * m_dSin;
   const double dDepth = 1.0 / (1.0 - m_dKeystoneX * dU - m_dKeystoneY * dV);
-  return {g_cdPictureMid - dU * dDepth * g_cdHalfPicture, g_cdPictureMid + dV * dDepth * g_cdHalfPicture};
+  return {cdPictureMid - dU * dDepth * cdHalfPicture, cdPictureMid + dV * dDepth * cdHalfPicture};
 }
 
 double ClOptics::Illumination(double dX, double dY) const noexcept {
-  const double dU = (dX - g_cdPictureMid) / g_cdHalfPicture, dV = (dY - g_cdPictureMid) / g_cdHalfPicture;
+  const double dU = (dX - cdPictureMid) / cdHalfPicture, dV = (dY - cdPictureMid) / cdHalfPicture;
   return 1.0 - m_dFallX * dU * dU - m_dFallY * dV * dV + m_dTiltX * dU + m_dTiltY * dV;
 }
 

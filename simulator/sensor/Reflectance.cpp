@@ -8,19 +8,19 @@
 namespace Simulator {
 
 void ClReflectance::Update(const ClPlatenMap& oMap) {
-  constexpr int nBlocks = (g_cnPictureSide + nBlock - 1) / nBlock;
-  if (m_oPicture.Empty()) m_oPicture.Resize(g_cnPictureSide, g_cnPictureSide);
+  constexpr int nBlocks = (cnPictureSide + nBlock - 1) / nBlock;
+  if (m_oPicture.Empty()) m_oPicture.Resize(cnPictureSide, cnPictureSide);
   m_oOccupied.Resize(nBlocks, nBlocks, 0);
   m_bGoesOn = oMap.bGoesOn;
   // Contact adds to the light of the skin what that leaves of full light.
-  constexpr unsigned nValley = static_cast<unsigned>(g_cdValleyPart * 65536.0);
-  for (int y = 0; y < g_cnPictureSide; ++y) {
+  constexpr unsigned nValley = static_cast<unsigned>(cdValleyPart * 65536.0);
+  for (int y = 0; y < cnPictureSide; ++y) {
     const uint8_t* pContact = oMap.oContact.Row(y);
     const uint8_t* pCover = oMap.oCover.Row(y);
     uint8_t* pOut = m_oPicture.Row(y);
     for (int b = 0; b < nBlocks; ++b) {
       unsigned nAny = 0;
-      const int nEnd = std::min(g_cnPictureSide, (b + 1) * nBlock);
+      const int nEnd = std::min(cnPictureSide, (b + 1) * nBlock);
       for (int x = b * nBlock; x < nEnd; ++x) {
         const unsigned nSkin = (pCover[x] * nValley + 32768) >> 16;
         const unsigned nLight = nSkin + (pContact[x] * (255 - nSkin) + 127) / 255;

@@ -15,7 +15,7 @@ class ClReflectance {
  public:
   static constexpr int nBlock = 32;
 
-  /// From contact and nearness of skin: valleys shine with the part g_cdValleyPart.
+  /// From contact and nearness of skin: valleys shine with the part cdValleyPart.
   void Update(const ClPlatenMap& oMap);
   void Free();
 

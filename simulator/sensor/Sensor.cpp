@@ -14,22 +14,22 @@
 namespace Simulator {
 namespace {
 
-constexpr double g_cdNominalAmplification = 8192.0;
-constexpr double g_cdBlackOffset = 3.0;     // level of a sensor without any light
-constexpr double g_cdFixedDeviation = 0.3;  // of the fixed pattern, in levels
-constexpr uint16_t g_cnNoisePerLevel = 512;
-constexpr double g_cdShotNoise = 4096.0;
-constexpr double g_cdColourStrength = 0.4;  // of a single colour against the main light
-constexpr uint64_t g_cnMainLight = 1;
-constexpr uint64_t g_cnColours = 0x1E00;
+constexpr double cdNominalAmplification = 8192.0;
+constexpr double cdBlackOffset = 3.0;     // level of a sensor without any light
+constexpr double cdFixedDeviation = 0.3;  // of the fixed pattern, in levels
+constexpr uint16_t cnNoisePerLevel = 512;
+constexpr double cdShotNoise = 4096.0;
+constexpr double cdColourStrength = 0.4;  // of a single colour against the main light
+constexpr uint64_t cnMainLight = 1;
+constexpr uint64_t cnColours = 0x1E00;
 
 /// The four readout taps, by row and column parity, and the gain channel of each: a mosaic of two greens.
-constexpr size_t g_caTapChannel[4] = {1, 0, 2, 1};
+constexpr size_t caTapChannel[4] = {1, 0, 2, 1};
 
 double StrengthOf(uint64_t nMask) {
-  double dStrength = (nMask & g_cnMainLight) ? 1.0 : 0.0;
-  for (uint64_t nBit = 0x200; nBit & g_cnColours; nBit <<= 1)
-    if (nMask & nBit) dStrength += g_cdColourStrength;
+  double dStrength = (nMask & cnMainLight) ? 1.0 : 0.0;
+  for (uint64_t nBit = 0x200; nBit & cnColours; nBit <<= 1)
+    if (nMask & nBit) dStrength += cdColourStrength;
   return dStrength;
 }
 
@@ -167,14 +167,14 @@ void ClSensor::PrepareColumns(const ClSensorSettings& oSettings, double dLight, 
     m_aGain[nParity].resize(nWidth);
     m_aBase[nParity].resize(nWidth);
     for (size_t x = 0; x < nWidth; ++x) {
-      const size_t nTap = 2 * nParity + (x & 1), nChannel = g_caTapChannel[nTap];
+      const size_t nTap = 2 * nParity + (x & 1), nChannel = caTapChannel[nTap];
       const double dAmplification =
           dExposure * m_adTap[nTap] * oSettings.anGain[nChannel] / m_anNominalGain[nChannel];
       m_aGain[nParity][x] =
-          static_cast<uint16_t>(std::min(65535.0, g_cdNominalAmplification * dLight * dAmplification + 0.5));
+          static_cast<uint16_t>(std::min(65535.0, cdNominalAmplification * dLight * dAmplification + 0.5));
       const double dColumn = static_cast<double>(Mix(m_nDeviceSeed, x) & 15) / 16.0;
-      const double dBase = g_cdBlackOffset + dColumn + dAmbient * dAmplification;
-      m_aBase[nParity][x] = static_cast<int16_t>(std::min(8191.0, dBase * g_cnLevelSteps));
+      const double dBase = cdBlackOffset + dColumn + dAmbient * dAmplification;
+      m_aBase[nParity][x] = static_cast<int16_t>(std::min(8191.0, dBase * cnLevelSteps));
     }
   }
 }
@@ -189,9 +189,9 @@ void ClSensor::MakePlane(const ClSensorMode& oMode, bool bLit, uint64_t nNumber,
     oRow.pBase = m_aBase[nParity].data();
     oRow.pNoise = m_oNoise.Row(Mix(nNumber, static_cast<uint64_t>(y)));
     oRow.pFixed = m_oNoise.Row(Mix(m_nDeviceSeed, static_cast<uint64_t>(y)));
-    oRow.nReadNoise = static_cast<uint16_t>(oMode.dReadNoise * m_dNoise * g_cnNoisePerLevel);
-    oRow.nShotNoise = static_cast<uint16_t>(g_cdShotNoise * m_dNoise);
-    oRow.nFixed = static_cast<int16_t>(g_cdFixedDeviation * std::min(1.0, m_dNoise) * g_cnNoisePerLevel);
+    oRow.nReadNoise = static_cast<uint16_t>(oMode.dReadNoise * m_dNoise * cnNoisePerLevel);
+    oRow.nShotNoise = static_cast<uint16_t>(cdShotNoise * m_dNoise);
+    oRow.nFixed = static_cast<int16_t>(cdFixedDeviation * std::min(1.0, m_dNoise) * cnNoisePerLevel);
     MakeRow(oRow, pOut, nWidth);
   }
 }

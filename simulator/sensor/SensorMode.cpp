@@ -4,7 +4,7 @@
 namespace Simulator {
 namespace {
 
-constexpr ClSensorMode g_caModes[] = {
+constexpr ClSensorMode caModes[] = {
     {1, 1920, 1360, 2, 2, 0, 0, 0.5, 0.75, 0.050},
     {2, 3840, 2720, 1, 1, 0, 0, 1.0, 1.00, 0.200},
     {6, 960, 680, 4, 4, 0, 0, 1.0 / 3.0, 0.55, 1.0 / 60.0},
@@ -20,7 +20,7 @@ constexpr ClSensorMode g_caModes[] = {
 }  // namespace
 
 const ClSensorMode* FindSensorMode(int nMode) noexcept {
-  for (const ClSensorMode& oMode : g_caModes)
+  for (const ClSensorMode& oMode : caModes)
     if (oMode.nMode == nMode) return &oMode;
   return nullptr;
 }

@@ -3,8 +3,8 @@
 
 namespace Simulator {
 
-constexpr int g_cnSensorWidth = 3840;
-constexpr int g_cnSensorHeight = 2720;
+constexpr int cnSensorWidth = 3840;
+constexpr int cnSensorHeight = 2720;
 
 /// One readout mode: a window of the full sensor whose pixels are merged nMergeX by nMergeY.
 ///

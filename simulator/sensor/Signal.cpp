@@ -60,9 +60,8 @@ void ClSignal::Render(const ClReflectance& oReflectance, const ClOptics& oOptics
 void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& oMode, int nRow) {
   const int nAcross = SamplesAcross(oMode.nMergeX), nDown = SamplesDown(oMode.nMergeY);
   // Sums are 1/256 steps of reflectance; the ridge level belongs to 255.
-  const float fRidge =
-      static_cast<float>(g_cdRidgeLevel * g_cnSignalSteps / (255.0 * 256.0 * nAcross * nDown));
-  const float fStray = static_cast<float>(g_cdStrayLevel * g_cnSignalSteps);
+  const float fRidge = static_cast<float>(cdRidgeLevel * cnSignalSteps / (255.0 * 256.0 * nAcross * nDown));
+  const float fStray = static_cast<float>(cdStrayLevel * cnSignalSteps);
   const int nInBlock = nRow % m_cnRun;
   const auto Between = [](const ClNode& a, const ClNode& b, float f) {
     return ClNode{a.fX + (b.fX - a.fX) * f, a.fY + (b.fY - a.fY) * f, a.fLight + (b.fLight - a.fLight) * f};
@@ -107,19 +106,19 @@ void ClSignal::Collect(const ClReflectance& oReflectance, const ClNode& oFirst, 
   int nY = static_cast<int>(std::floor((oFirst.fY + dStepY * dOffset) * 65536.0 + 0.5));
   const int nStepX = static_cast<int>(std::floor(dStepX * 65536.0 + 0.5));
   const int nStepY = static_cast<int>(std::floor(dStepY * 65536.0 + 0.5));
-  const unsigned nLimit = static_cast<unsigned>(g_cnPictureSide - 1);
+  const unsigned nLimit = static_cast<unsigned>(cnPictureSide - 1);
   const uint8_t* pPicture = oReflectance.Picture().Data();
   for (int k = 0; k < nCount; ++k, nX += nStepX, nY += nStepY) {
     int nColumn = nX >> 16, nRow = nY >> 16;
     if (static_cast<unsigned>(nColumn) >= nLimit || static_cast<unsigned>(nRow) >= nLimit) {
       if (!oReflectance.GoesOn()) continue;
-      nColumn = std::clamp(nColumn, 0, g_cnPictureSide - 2);
-      nRow = std::clamp(nRow, 0, g_cnPictureSide - 2);
+      nColumn = std::clamp(nColumn, 0, cnPictureSide - 2);
+      nRow = std::clamp(nRow, 0, cnPictureSide - 2);
     }
-    const uint8_t* p = pPicture + static_cast<size_t>(nRow) * g_cnPictureSide + static_cast<size_t>(nColumn);
+    const uint8_t* p = pPicture + static_cast<size_t>(nRow) * cnPictureSide + static_cast<size_t>(nColumn);
     const unsigned nA = (static_cast<unsigned>(nX) >> 8) & 255u, nB = (static_cast<unsigned>(nY) >> 8) & 255u;
     const unsigned nTop = p[0] * (256u - nA) + p[1] * nA;
-    const unsigned nLow = p[g_cnPictureSide] * (256u - nA) + p[g_cnPictureSide + 1] * nA;
+    const unsigned nLow = p[cnPictureSide] * (256u - nA) + p[cnPictureSide + 1] * nA;
     pSum[k] += (nTop * (256u - nB) + nLow * nB) >> 8;
   }
 }

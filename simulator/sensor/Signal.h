@@ -12,7 +12,7 @@
 namespace Simulator {
 
 /// Steps of the signal in one grey level at nominal gain and exposure.
-constexpr int g_cnSignalSteps = 128;
+constexpr int cnSignalSteps = 128;
 
 /// The signal image of one sensor mode: reflectance times illumination, seen through the optics. A merged
 /// pixel collects from its whole area, so that merged modes show no aliases.

@@ -85,7 +85,7 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
 /// Draws, for each of m_nImages rows of values, the sum of one basis function around each reference point
 /// that has those values at the points. There is no affine part. TBasis has the functions of
 /// ClRadialBasisSquaredDist.
-template <class TBasis>
+template <typename TBasis>
 class ClIpInterpolate2D : public ClIpInterpolate2DBase {
  public:
   ClProcessorBase* Create() const override { return NewProcessor<ClIpInterpolate2D>(); }

@@ -11,7 +11,7 @@ class ClIpCalibrateGeometricDense : public ClIpCalibrateGeometricBase {
 };
 
 /// I is the table of weights.
-template <class I>
+template <typename I>
 class TpIpCalibrateGeometric : public ClIpCalibrateGeometricDense {
  public:
   ClProcessorBase* Create() const override { return NewProcessor<TpIpCalibrateGeometric>(); }

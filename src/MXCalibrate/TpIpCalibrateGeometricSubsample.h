@@ -26,7 +26,7 @@ class ClIpCalibrateGeometricCoarse : public ClIpCalibrateGeometricBase {
 };
 
 /// I is the table of weights.
-template <class I>
+template <typename I>
 class TpIpCalibrateGeometricSubsample : public ClIpCalibrateGeometricCoarse {
  public:
   ClProcessorBase* Create() const override { return NewProcessor<TpIpCalibrateGeometricSubsample>(); }

@@ -11,7 +11,7 @@
 /// Errors  ClException -44 an even width, -701 no output; ClExKelvarin -10 no input, -35 unknown type or
 ///         mode. Returned: -33 the directed modes; -10 input and output are one object.
 /// Cost    along the rows some log2(width) passes, along the columns three, whatever the width.
-template <class TRank>
+template <typename TRank>
 class TpIpFilterRank : public ClIpFilterBase {
  public:
   using ClIpFilterBase::QueryParameters;

@@ -11,7 +11,7 @@
 #include "MXTools/ImageTypeDispatch.h"
 
 /// out = the extreme of two rows, sample by sample; out may be one of them.
-template <class TRank, typename T>
+template <typename TRank, typename T>
 void RankRows(const T* pA, const T* pB, T* pOut, size_t nCount) {
   if constexpr (std::is_same_v<T, uint8_t>) {
     TRank::Rows(pA, pB, pOut, nCount);
@@ -22,7 +22,7 @@ void RankRows(const T* pA, const T* pB, T* pOut, size_t nCount) {
 
 /// The extremes of the windows along a row, made of windows of 1, 2, 4, ... samples; pWork has nCount + 2 *
 /// nHalf.
-template <class TRank, typename T>
+template <typename TRank, typename T>
 void RankWindowRow(const T* pIn, size_t nCount, size_t nHalf, T* pWork, T* pOut) {
   if constexpr (std::is_same_v<T, uint8_t>) {
     TRank::WindowRow(pIn, nCount, nHalf, pWork, pOut);
@@ -41,7 +41,7 @@ void RankWindowRow(const T* pIn, size_t nCount, size_t nHalf, T* pWork, T* pOut)
   }
 }
 
-template <class TRank>
+template <typename TRank>
 long TpIpFilterRank<TRank>::DoProcess() {
   if (nFilterWidth % 2 == 0) KLV_RAISE(ClException, "Filter width has to be odd.", -44);
   if (m_pInImage == nullptr) KLV_RAISE_NUMBER(-10);
@@ -54,7 +54,7 @@ long TpIpFilterRank<TRank>::DoProcess() {
 }
 
 // NOLINTBEGIN(bugprone-virtual-near-miss): one letter apart, as ProcessX and ProcessY are
-template <class TRank>
+template <typename TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT() {
   switch (nMode) {
@@ -75,12 +75,12 @@ long TpIpFilterRank<TRank>::ProcessT() {
 // NOLINTEND(bugprone-virtual-near-miss)
 
 /// A window that reaches past both ends is no wider than one that just does.
-template <class TRank>
+template <typename TRank>
 long TpIpFilterRank<TRank>::HalfWidth(int nExtent) const {
   return std::min<long>(nFilterWidth / 2, nExtent - 1);
 }
 
-template <class TRank>
+template <typename TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT_X() {
   const ClImage& oIn = *m_pInImage;
@@ -99,7 +99,7 @@ long TpIpFilterRank<TRank>::ProcessT_X() {
 /// The window of width w over the rows b .. b + w - 1 and the w rows behind them: the extreme of every window
 /// that begins in the first block is that of a tail of it and a head of the second (van Herk 1992, Gil and
 /// Werman 1993).
-template <class TRank>
+template <typename TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT_Y() {
   const ClImage& oIn = *m_pInImage;
@@ -147,7 +147,7 @@ long TpIpFilterRank<TRank>::ProcessT_Y() {
   return 0;
 }
 
-template <class TRank>
+template <typename TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT_XY() {
   return ProcessTwice([this] { return ProcessT_X<T>(); }, [this] { return ProcessT_Y<T>(); });

@@ -6,7 +6,7 @@
 #include "MXTools/Exception.h"
 
 /// A new instance, owned by the caller. Errors: ClExBadAlloc -102.
-template <class TProcessor>
+template <typename TProcessor>
 TProcessor* NewProcessor() {
   TProcessor* pProcessor = new (std::nothrow) TProcessor;
   if (pProcessor == nullptr) KlvRaiseBadAlloc();

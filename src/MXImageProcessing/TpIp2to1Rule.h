@@ -19,7 +19,7 @@ struct ClOverlap;
 /// Threads  thread-bound.
 /// Cost     one pass by strips; the types are resolved once a call. One plane beside three is first spread to
 ///          three.
-template <class TRule>
+template <typename TRule>
 class TpIp2to1Rule : public ClIp2to1Base {
  protected:
   struct ClLimits {

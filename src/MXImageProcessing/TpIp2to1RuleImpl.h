@@ -21,7 +21,7 @@ W LimitedResult(W nResult, const TpStripLimits<W>& oLimits) {
 }
 
 /// The rule on the samples of two strips, limited; the results take the place of the first strip.
-template <class TRule, typename W>
+template <typename TRule, typename W>
 void ApplyToStrip(W* __restrict pFirst, const W* __restrict pSecond, size_t nCount,
                   const TpStripLimits<W>& oStripLimits) {
   const TpStripLimits<W> oLimits = oStripLimits;
@@ -39,24 +39,24 @@ void ApplyToStrip(W* __restrict pFirst, const W* __restrict pSecond, size_t nCou
   }
 }
 
-template <class TRule>
+template <typename TRule>
 typename TpIp2to1Rule<TRule>::ClLimits TpIp2to1Rule<TRule>::LimitsOf(const ClImage& oOut) {
   return {std::min(oOut.Black(), oOut.White()), std::max(oOut.Black(), oOut.White())};
 }
 
-template <class TRule>
+template <typename TRule>
 typename TpIp2to1Rule<TRule>::ClLimits TpIp2to1Rule<TRule>::Limits(const ClImage&, const ClImage&,
                                                                    ClImage& oOut) const {
   return LimitsOf(oOut);
 }
 
-template <class TRule>
+template <typename TRule>
 double TpIp2to1Rule<TRule>::GetValue(ClImage&, ClImage&, ClImage& oOut, double dA, double dB) {
   const ClLimits oLimits = LimitsOf(oOut);
   return LimitedResult<double>(TRule::Apply(dA, dB), {oLimits.m_dLower, oLimits.m_dUpper, true});
 }
 
-template <class TRule>
+template <typename TRule>
 long TpIp2to1Rule<TRule>::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight,
                                     long nPlanes1, long nPlanes2, long nOffset1, long nRowStep1,
                                     long nOffset2, long nRowStep2, long nOffsetOut, long nRowStepOut) {
@@ -79,14 +79,14 @@ long TpIp2to1Rule<TRule>::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut,
                  : Run<int64_t>(oIn1, oSecond, oOut, oOverlap, oLimits);
 }
 
-template <class TRule>
+template <typename TRule>
 bool TpIp2to1Rule<TRule>::IsForKernel(const ClImage& oIn1, const ClImage& oIn2, const ClImage& oOut,
                                       const ClLimits& oLimits) {
   return oIn1.DataType() == ClImage::eUint8 && oIn2.DataType() == ClImage::eUint8 &&
          oOut.DataType() == ClImage::eUint8 && oLimits.m_dLower == 0.0 && oLimits.m_dUpper == 255.0;
 }
 
-template <class TRule>
+template <typename TRule>
 long TpIp2to1Rule<TRule>::RunKernel(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
                                     const ClOverlap& oOverlap) {
   for (long y = 0; y < oOverlap.m_nHeight; ++y) {
@@ -98,7 +98,7 @@ long TpIp2to1Rule<TRule>::RunKernel(const ClImage& oIn1, const ClImage& oIn2, Cl
   return 0;
 }
 
-template <class TRule>
+template <typename TRule>
 template <typename W>
 long TpIp2to1Rule<TRule>::Run(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
                               const ClOverlap& oOverlap, const ClLimits& oLimits) {

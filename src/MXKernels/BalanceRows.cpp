@@ -29,7 +29,7 @@ struct RuleBrightness {
   const uint8_t* m_pIn;
   const uint8_t* m_pReference;
   uint8_t m_nValue, m_nMinimum;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<int32_t, D> d32;
     const hn::Rebind<float, D> dFloat;
@@ -48,7 +48,7 @@ void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t*
   }
 }
 
-template <class VFloat>
+template <typename VFloat>
 HWY_INLINE hn::Vec<Bytes> BalanceSamples(hn::Vec<Bytes> vSample, VFloat vTarget, VFloat vMean) {
   const hn::Rebind<int32_t, Bytes> d32;
   const hn::Rebind<float, Bytes> dFloat;

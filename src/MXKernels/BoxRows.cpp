@@ -26,7 +26,7 @@ template <typename T>
 struct RuleAdd {
   const T* m_pRow;
   const uint32_t* m_pSums;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::LoadU(d, m_pSums + i) + hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, D>(), m_pRow + i));
   }
@@ -36,7 +36,7 @@ template <typename T>
 struct RuleTake {
   const T* m_pRow;
   const uint32_t* m_pSums;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::LoadU(d, m_pSums + i) - hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, D>(), m_pRow + i));
   }
@@ -47,7 +47,7 @@ struct RuleMove {
   const T* m_pEnter;
   const T* m_pLeave;
   const uint32_t* m_pSums;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<T, D> dRow;
     return hn::LoadU(d, m_pSums + i) + hn::PromoteTo(d, hn::LoadU(dRow, m_pEnter + i)) -
@@ -122,7 +122,7 @@ struct RuleMeanFloat {
   const uint32_t* m_pPrefix;
   size_t m_nWidth;
   float m_fReciprocal;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<uint32_t, D> d32;
     const hn::Rebind<int32_t, D> dSigned32;
@@ -139,7 +139,7 @@ struct RuleMeanDouble {
   const uint32_t* m_pPrefix;
   size_t m_nWidth;
   double m_dReciprocal;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<uint32_t, D> d32;
     const hn::Rebind<int32_t, D> dSigned32;
@@ -206,7 +206,7 @@ struct RuleAboveMean {
   size_t m_nWidth;
   int32_t m_nArea;
   WindowThreshold m_oWindow;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<uint32_t, D> d32;
     const hn::Rebind<int32_t, D> dSigned32;

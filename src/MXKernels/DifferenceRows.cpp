@@ -48,7 +48,7 @@ uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) 
 struct RuleAdd {
   const uint8_t* m_pRow;
   const uint16_t* m_pSums;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::LoadU(d, m_pSums + i) + hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), m_pRow + i));
   }
@@ -63,7 +63,7 @@ void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept 
 struct RuleTake {
   const uint8_t* m_pRow;
   const uint16_t* m_pSums;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::LoadU(d, m_pSums + i) - hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), m_pRow + i));
   }
@@ -79,7 +79,7 @@ struct RuleDeviation {
   const uint16_t* m_pIn;
   const uint16_t* m_pMean;
   uint16_t m_nLimit;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
       const hn::Rebind<uint16_t, decltype(dHalf)> d16;

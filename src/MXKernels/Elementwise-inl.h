@@ -17,7 +17,7 @@ namespace hn = hwy::HWY_NAMESPACE;
 ///
 /// The last vector overlaps the one before it. It is worked out first and stored last, so that pOut may
 /// be one of the inputs: no sample that was already replaced is read again.
-template <class D, class TRule>
+template <typename D, typename TRule>
 HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size_t nCount) {
   const size_t nLanes = hn::Lanes(d);
   if (nCount < nLanes) return false;
@@ -29,27 +29,27 @@ HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size
 
 /// 32-bit numbers limited to 0 .. 255. The limit above comes first because x86 narrows by way of 16 bits,
 /// where a number from 32768 on would turn into 0.
-template <class D, class V>
+template <typename D, class V>
 HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
 }
 
 #if HWY_TARGET != HWY_SCALAR
 /// A vector of bytes from a rule that works them out half a vector at a time, because it needs 16 bits for each.
-template <class D, class TRule>
+template <typename D, typename TRule>
 HWY_INLINE hn::Vec<D> FromHalves(D d, size_t i, const TRule& oRule) {
   const hn::Half<D> dHalf;
   return hn::Combine(d, oRule(dHalf, i + hn::Lanes(dHalf)), oRule(dHalf, i));
 }
 
 /// 16-bit numbers of at most 255 as bytes.
-template <class D, class V>
+template <typename D, class V>
 HWY_INLINE hn::Vec<D> NarrowToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::BitCast(hn::RebindToSigned<hn::DFromV<V>>(), v));
 }
 
 /// x / 255 truncated, for every x up to 65534.
-template <class V>
+template <typename V>
 HWY_INLINE V DivideBy255(V v) {
   return hn::ShiftRight<8>(v + hn::Set(hn::DFromV<V>(), 1) + hn::ShiftRight<8>(v));
 }

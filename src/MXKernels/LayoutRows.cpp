@@ -25,7 +25,7 @@ alignas(16) constexpr uint8_t g_aBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8, 
 struct RuleReverse {
   const uint8_t* m_pIn;
   size_t m_nCount;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const auto v = hn::LoadU(d, m_pIn + m_nCount - i - hn::Lanes(d));
     return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, g_aBackwards)));

@@ -27,12 +27,12 @@ struct RuleTexture {
   const uint8_t* m_pClasses;
 
   /// nBit where the neighbour is brighter; x86 compares bytes unsigned only for equality.
-  template <class D>
+  template <typename D>
   static hn::Vec<D> Bit(D d, hn::Vec<D> vNeighbour, hn::Vec<D> vCentre, uint8_t nBit) {
     return hn::IfThenZeroElse(hn::Max(vNeighbour, vCentre) == vCentre, hn::Set(d, nBit));
   }
 
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const uint8_t* pCentre = m_pCentre + i;
     const auto vCentre = hn::LoadU(d, pCentre);
@@ -56,7 +56,7 @@ struct RuleDistance {
   const uint8_t* m_pShare;
   const uint16_t* m_pDistance;
   uint8_t m_nReference;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<uint8_t, D> d8;
     const auto vDifference = hn::PromoteTo(d, hn::LoadU(d8, m_pShare + i)) - hn::Set(d, m_nReference);
@@ -81,7 +81,7 @@ struct RuleFinger {
   const uint8_t* m_pFar;
   uint16_t m_nLimit;
   int32_t m_nFog;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<int32_t, D> d32;
     const hn::Rebind<uint16_t, D> d16;

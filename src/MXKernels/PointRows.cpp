@@ -23,7 +23,7 @@ using Bytes = hn::ScalableTag<uint8_t>;
 struct RuleSubtract {
   const uint8_t* m_pLit;
   const uint8_t* m_pDark;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::SaturatedSub(hn::LoadU(d, m_pLit + i), hn::LoadU(d, m_pDark + i));
   }
@@ -38,7 +38,7 @@ void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut,
 struct RuleAbsoluteDifference {
   const uint8_t* m_pA;
   const uint8_t* m_pB;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const auto vA = hn::LoadU(d, m_pA + i);
     const auto vB = hn::LoadU(d, m_pB + i);
@@ -54,7 +54,7 @@ void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, 
 struct RuleAnd {
   const uint8_t* m_pA;
   const uint8_t* m_pB;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::And(hn::LoadU(d, m_pA + i), hn::LoadU(d, m_pB + i));
   }
@@ -67,7 +67,7 @@ void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) 
 struct RuleClamp {
   const uint8_t* m_pIn;
   uint8_t m_nLower, m_nUpper;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::Min(hn::Max(hn::LoadU(d, m_pIn + i), hn::Set(d, m_nLower)), hn::Set(d, m_nUpper));
   }
@@ -82,7 +82,7 @@ void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, 
 struct RuleThreshold {
   const uint8_t* m_pIn;
   uint8_t m_nThreshold, m_nBelow, m_nAbove;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const auto vIn = hn::LoadU(d, m_pIn + i);
     // x86 has no unsigned comparison of bytes, but an unsigned maximum.
@@ -101,7 +101,7 @@ void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThr
 struct RuleEqual {
   const uint8_t* m_pIn;
   uint8_t m_nValue;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return hn::VecFromMask(d, hn::LoadU(d, m_pIn + i) == hn::Set(d, m_nValue));
   }
@@ -116,7 +116,7 @@ void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) 
 struct RuleBlend {
   const uint8_t* m_pIn;
   const uint8_t* m_pMask;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
       const hn::Rebind<uint16_t, decltype(dHalf)> d16;

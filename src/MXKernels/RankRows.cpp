@@ -24,7 +24,7 @@ using Bytes = hn::ScalableTag<uint8_t>;
 
 struct PickMin {
   static constexpr uint8_t m_cnNeutral = 255;
-  template <class V>
+  template <typename V>
   static V Pick(V vA, V vB) {
     return hn::Min(vA, vB);
   }
@@ -35,7 +35,7 @@ struct PickMin {
 
 struct PickMax {
   static constexpr uint8_t m_cnNeutral = 0;
-  template <class V>
+  template <typename V>
   static V Pick(V vA, V vB) {
     return hn::Max(vA, vB);
   }
@@ -44,17 +44,17 @@ struct PickMax {
   }
 };
 
-template <class TPick>
+template <typename TPick>
 struct RuleRank {
   const uint8_t* m_pA;
   const uint8_t* m_pB;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return TPick::Pick(hn::LoadU(d, m_pA + i), hn::LoadU(d, m_pB + i));
   }
 };
 
-template <class TPick>
+template <typename TPick>
 HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) {
   if (!ForEachVector(Bytes(), RuleRank<TPick>{pA, pB}, pOut, nCount)) TPick::Rest(pA, pB, pOut, nCount);
 }
@@ -62,7 +62,7 @@ HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, si
 /// Windows of 1, 2, 4, ... samples that begin at x, each made of two of the size before, until twice the
 /// size would pass the width; two overlapping ones then make the full width. Every pass reads only
 /// places at or behind the one that it writes, so that one buffer serves.
-template <class TPick>
+template <typename TPick>
 HWY_INLINE void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) {
   if (nCount == 0) return;
   const size_t nWidth = 2 * nHalf + 1;

@@ -26,7 +26,7 @@ struct RuleWeightedBlend {
   const uint8_t* m_pIn;
   const uint8_t* m_pWeight;
   const uint8_t* m_pInOut;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
       const hn::Rebind<uint16_t, decltype(dHalf)> d16;
@@ -48,7 +48,7 @@ void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOu
 struct RuleBelow {
   const uint8_t* m_pIn;
   const uint8_t* m_pLimit;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const auto vIn = hn::LoadU(d, m_pIn + i);
     // x86 has no unsigned comparison of bytes, but an unsigned maximum.

@@ -27,7 +27,7 @@ struct RuleWeightRows {
   const size_t* m_pOffsets;
   const int32_t* m_pTaps;
   size_t m_nTaps;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     const hn::Rebind<T, D> dRow;
     auto vSum = hn::Zero(d);
@@ -43,7 +43,7 @@ struct RuleWeightLine {
   const int32_t* m_pLine;
   const int32_t* m_pTaps;
   size_t m_nTaps;
-  template <class D>
+  template <typename D>
   hn::Vec<D> operator()(D d, size_t i) const {
     auto vSum = hn::Zero(d);
     for (size_t k = 0; k < m_nTaps; ++k) {

@@ -82,7 +82,7 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
 /// Threads    thread-bound.
 /// Errors     ClException -44 "invalid parameter".
 /// Cost       windows once for each size; then one multiplication a tap and one division a sample and axis.
-template <class TFilter>
+template <typename TFilter>
 class ClIpSubsampleFilter : public ClIpSubsampleFilterBase {
  public:
   ClProcessorBase* Create() const override { return NewProcessor<ClIpSubsampleFilter>(); }

@@ -80,7 +80,7 @@ class ClParameterBase {
 [[noreturn]] void KlvRaiseBadCast();
 
 /// pOther as TClass. Errors: -701 when it is none, or NULL.
-template <class TClass>
+template <typename TClass>
 TClass& CastParameter(ClParameterBase* pOther) {
   TClass* pCast = dynamic_cast<TClass*>(pOther);
   if (pCast == nullptr) KlvRaiseBadCast();

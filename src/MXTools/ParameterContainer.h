@@ -44,7 +44,7 @@ class ClParameterContainer : public ClParameter {
     return Adopt(szName, std::move(pParameter));
   }
   /// A parameter of class P that the caller binds.
-  template <class P>
+  template <typename P>
   P* AddParam(const char* szName) {
     return Adopt(szName, std::make_unique<P>());
   }
@@ -87,7 +87,7 @@ class ClParameterContainer : public ClParameter {
   ClParameter* GetParameterPtr() override { return this; }
 
  private:
-  template <class P>
+  template <typename P>
   P* Adopt(const char* szName, std::unique_ptr<P> pParameter) {
     AddParameter(szName, pParameter.get());
     return pParameter.release();

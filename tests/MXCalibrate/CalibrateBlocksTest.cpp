@@ -10,13 +10,13 @@
 
 namespace {
 
-template <class TData>
+template <typename TData>
 long Read(TData& oData, const Bytes& aBytes) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
   return NumberOf([&] { oData.Read(oStream); });
 }
 
-template <class TData>
+template <typename TData>
 Bytes Written(TData& oData) {
   ClMemStream oStream;
   oData.Write(oStream);
@@ -74,7 +74,7 @@ TEST(BrightnessData, FewerThan64PointsAreWrittenInFrontOfZerosAndMoreAreRefused)
 }
 
 /// Every cut is refused and leaves no data, but behind a whole record of the current form.
-template <class TData>
+template <typename TData>
 void ExpectCutsFound(const Bytes& aLegacy, const Bytes& aCurrent, size_t nHead, size_t nRecord) {
   for (const Bytes& aBlock : {aLegacy, aCurrent}) {
     for (size_t nLength = 0; nLength < aBlock.size(); ++nLength) {

@@ -21,7 +21,7 @@ using testing::EndsWith;
 using Table = ClInterpolationBicubicQuantized<1, 5, 600, 530, 1000>;
 
 /// A warp that counts how often its map is built and shows it.
-template <class TWarp>
+template <typename TWarp>
 class TpWatched : public TWarp {
  public:
   using Entry = MXKernels::WarpMapEntry;

@@ -36,7 +36,7 @@ class ClWeighted : public ClIp2to1Base {
 }  // namespace
 
 /// Each rule as long double arithmetic, which is exact for differences of all types and products of integers.
-template <class TProcessor>
+template <typename TProcessor>
 long double PlainRule(long double dA, long double dB) {
   if (std::is_same_v<TProcessor, ClIpMultiply>) return dA * dB;
   return std::is_same_v<TProcessor, ClIpDelta> ? std::fabs(dA - dB) : dA - dB;
@@ -49,11 +49,11 @@ double PlainSample(long double dResult, const ClImage& oOut) {
   return AsElement(static_cast<double>(std::min(std::max(dResult, dLower), dUpper)), oOut.DataType());
 }
 
-template <class TProcessor>
+template <typename TProcessor>
 class TwoImageRule : public testing::Test {};
 using TwoImageProcessors = testing::Types<ClIpSubtract, ClIpMultiply, ClIpDelta>;
 struct ClProcessorNames {
-  template <class TProcessor>
+  template <typename TProcessor>
   static std::string GetName(int) {
     return TProcessor().Name();
   }

@@ -70,7 +70,7 @@ class ClNotingTimer : public ClProfileTimer {
 };
 
 /// Half of the value, by the generic loop of either base.
-template <class TBase>
+template <typename TBase>
 class TpHalf : public TBase {
  public:
   template <typename... TFlags>

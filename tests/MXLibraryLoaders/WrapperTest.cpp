@@ -37,7 +37,7 @@ std::vector<ClFunction> LivenessFunctions() {
 #undef KLV_LIST
 }
 
-template <class TWrapper>
+template <typename TWrapper>
 bool NothingIsBound(const std::vector<ClFunction>& aFunctions) {
   for (const ClFunction& oFunction : aFunctions)
     if (oFunction.pBound != nullptr) return false;

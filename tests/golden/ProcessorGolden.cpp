@@ -112,7 +112,7 @@ void Stage(const char* szStage, Types_t aTypes, TRun fnRun, int nWidth = 101, in
 }
 
 /// A processor of two images in every pair of types.
-template <class TProcessor>
+template <typename TProcessor>
 void StagePairs(const char* szStage, Types_t aTypes, bool bMixed) {
   Stage(szStage, aTypes, [&](ClImage& oIn, ClImage& oOut) {
     ClDigest oDigest;
@@ -176,7 +176,7 @@ void Thresholds() {
   PrintStage("histogram", oDigest);
 }
 
-template <class TFilter>
+template <typename TFilter>
 void Filter(const char* szFilter) {
   for (const long nMode : {1L, 2L, 3L})
     Stage((szFilter + std::to_string(nMode)).c_str(), g_aAll,
@@ -265,7 +265,7 @@ void FillWarp(ClCalibrateGeometricData& oData) {
   }
 }
 
-template <template <class> class TWarp, class TTable>
+template <template <class> class TWarp, typename TTable>
 void Warp(const char* szStage) {
   Stage(
       szStage, {ClImage::eUint8},

@@ -8,7 +8,7 @@ namespace {
 
 TEST(EncodeBrightness, BothFormsHoldTheSamplesWhereTheyBelong) {
   BrightnessTable oTable;
-  for (const unsigned nKey : g_caIlluminationKeys)
+  for (const unsigned nKey : caIlluminationKeys)
     for (size_t c = 0; c < 3; ++c) oTable[nKey][c].assign(64, static_cast<uint8_t>(nKey * 10 + c));
   const ByteBlock aLegacy = EncodeBrightness(oTable, true);
   ASSERT_EQ(aLegacy.size(), 1088u);

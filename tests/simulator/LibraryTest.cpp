@@ -19,7 +19,7 @@ constexpr char g_cszFunctions[] =
     "SetPropertyDoubleA GetPropertyDoubleA";
 
 /// Loads a library, runs the check on it and lets it go, twice: it works, goes, and comes again.
-template <class F>
+template <typename F>
 void LoadTwice(const std::string& sPath, const char* szName, F&& fnCheck) {
   EXPECT_EQ(sPath.substr(sPath.rfind('/') + 1), szName);
   for (int i = 0; i < 2; ++i) {
@@ -30,7 +30,7 @@ void LoadTwice(const std::string& sPath, const char* szName, F&& fnCheck) {
   }
 }
 
-template <class F>
+template <typename F>
 F* Function(void* pLibrary, const char* szName) {
   return reinterpret_cast<F*>(dlsym(pLibrary, szName));
 }

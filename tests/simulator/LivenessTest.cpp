@@ -15,7 +15,7 @@ namespace {
 /// Picture and mask as a host's calibration and masking give them: ridges light on a dark ground, and dark on
 /// white.
 struct ClPicture {
-  static constexpr unsigned nSide = g_cnPictureSide;
+  static constexpr unsigned nSide = cnPictureSide;
   std::vector<uint8_t> aImage, aMask;
 
   ClPicture(const std::string& sScene, double dSeconds, double dNoise)

@@ -17,8 +17,8 @@ TEST(Optics, ThePlatenFitsTheSensorMirroredAndDistortedByAFewPercent) {
     for (double dY = 0.0; dY <= 1599.0; dY += 123.0) {
       for (double dX = 0.0; dX <= 1599.0; dX += 123.0) {
         const ClPoint o = oOptics.PictureToSensor(dX, dY);
-        ASSERT_TRUE(o.dX > 100.0 && o.dX < g_cnSensorWidth - 100.0);
-        ASSERT_TRUE(o.dY > 60.0 && o.dY < g_cnSensorHeight - 60.0);
+        ASSERT_TRUE(o.dX > 100.0 && o.dX < cnSensorWidth - 100.0);
+        ASSERT_TRUE(o.dY > 60.0 && o.dY < cnSensorHeight - 60.0);
         const ClPoint oBack = oOptics.SensorToPicture(o.dX, o.dY);
         ASSERT_NEAR(oBack.dX, dX, 1e-6);
         ASSERT_NEAR(oBack.dY, dY, 1e-6);

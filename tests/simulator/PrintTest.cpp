@@ -139,7 +139,7 @@ TEST(RollingFinger, PressesAWiderStripAndSlipsAndTurnsOnRequest) {
   o.dPressure = 0.8;
   EXPECT_GT(Count(Drawn(o).oCover), 13 * nLight / 10);
   EXPECT_EQ(Count(Drawn(o, 2.5).oCover), 0) << "lifted";
-  o.oSlide = {0.0, g_cdNever, 2.0, 90.0, 0.0};
+  o.oSlide = {0.0, cdNever, 2.0, 90.0, 0.0};
   const ClFingerPose oPose = ClFingerMotion::At(o, 0.5);
   EXPECT_NEAR(oPose.dAngle, 15.0, 0.02);
   EXPECT_NEAR(oPose.dYMm, o.dYMm - 1.0, 0.002);

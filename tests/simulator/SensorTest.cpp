@@ -62,7 +62,7 @@ TEST(Sensor, EveryModeShowsItsPartOfTheFullSensorMerged) {
         double dMerged = 0.0;
         for (int v = 0; v < oMode.nMergeY; ++v)
           for (int u = 0; u < oMode.nMergeX; ++u)
-            dMerged += aFull[static_cast<size_t>((y * oMode.nMergeY + v) * g_cnSensorWidth +
+            dMerged += aFull[static_cast<size_t>((y * oMode.nMergeY + v) * cnSensorWidth +
                                                  static_cast<int>(ad[2]) + x * oMode.nMergeX + u)];
         const double dError = std::fabs(a[static_cast<size_t>(y * oMode.nWidth + x)] -
                                         dMerged / (oMode.nMergeX * oMode.nMergeY));

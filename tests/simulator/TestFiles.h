@@ -19,7 +19,7 @@
 namespace Simulator {
 
 /// The number and words with which fnCall refuses; number 0 when it does not.
-template <class F>
+template <typename F>
 std::pair<long, std::string> RefusalOf(F&& fnCall) {
   try {
     fnCall();
@@ -42,7 +42,7 @@ class ClTestFolder : public ClTemporaryDirectory {
   }
 
   /// A grey PNG whose pixels a function of x and y gives.
-  template <class F>
+  template <typename F>
   std::string WritePng(const std::string& sName, unsigned nWidth, unsigned nHeight, F&& fnPixel) const {
     std::vector<uint8_t> aPixels;
     for (unsigned y = 0; y < nHeight; ++y)

@@ -13,7 +13,7 @@
 using Bytes = std::vector<unsigned char>;
 
 /// Byte by byte: range inserts here make g++ 12 see overflows that are none.
-template <class TRange>
+template <typename TRange>
 void AppendAll(Bytes& aBytes, const TRange& aMore) {
   for (const auto nByte : aMore) aBytes.push_back(static_cast<unsigned char>(nByte));
 }

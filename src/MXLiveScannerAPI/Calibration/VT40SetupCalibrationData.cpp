@@ -32,7 +32,7 @@ void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
   }
 }
 
-template <class TData>
+template <typename TData>
 void Serialise(TData& oData, TpArrayStatic<char>& aOut) {
   ClMemStream oStream;
   oData.Write(oStream);
