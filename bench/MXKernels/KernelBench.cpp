@@ -62,8 +62,8 @@ void SlidingMean800(benchmark::State& oState) {
   std::vector<uint8_t> aOut(800);
   for (auto _ : oState) {
     for (int y = 0; y < 800; ++y) {
-      SlidingMeanRowU8(aSums.data(), 800, nHalf, static_cast<uint32_t>(2 * nHalf + 1), aPrefix.data(),
-                       aOut.data());
+      SlidingMeanRow(aSums.data(), 800, nHalf, static_cast<uint32_t>(2 * nHalf + 1), aPrefix.data(),
+                     aOut.data());
     }
     benchmark::DoNotOptimize(aOut.data());
     benchmark::ClobberMemory();

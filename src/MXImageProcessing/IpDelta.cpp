@@ -6,7 +6,7 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleDelta {
-  static constexpr ByteRule cpfnBytes = MXKernels::AbsoluteDifferenceRow;
+  static constexpr ByteRule cpBytes = &MXKernels::AbsoluteDifferenceRow;
 
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 < 4 && nSize2 < 4; }
   template <typename W>

@@ -10,8 +10,8 @@ struct ClRankMax {
   static T Pick(T nA, T nB) {
     return nB > nA ? nB : nA;
   }
-  static constexpr auto Rows = MXKernels::MaxRows;
-  static constexpr auto WindowRow = MXKernels::MaxWindowRow;
+  static constexpr const auto& Rows = MXKernels::MaxRows;
+  static constexpr const auto& WindowRow = MXKernels::MaxWindowRow;
 };
 
 template class TpIpFilterRank<ClRankMax>;

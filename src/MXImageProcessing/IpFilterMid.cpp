@@ -8,6 +8,7 @@
 #include "ColumnSums.h"
 #include "DirectedWindows.h"
 #include "MXImageProcessing/NewProcessor.h"
+#include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 
@@ -193,8 +194,8 @@ void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY) {
   const auto nCount = static_cast<unsigned int>(m_pInImage->Width());
   m_aPrefix.SetEntries(nCount + 1);
   ForColumnSums<T>(*m_pInImage, nHalfY, m_aSums, [&](int y, uint32_t nRows) {
-    TpBoxKernels<T>::Mean(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), nRows, m_aPrefix.Data(),
-                          m_pOutImage->Row<T>(y));
+    MXKernels::SlidingMeanRow(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), nRows, m_aPrefix.Data(),
+                              m_pOutImage->Row<T>(y));
   });
 }
 

@@ -10,8 +10,8 @@ struct ClRankMin {
   static T Pick(T nA, T nB) {
     return nB < nA ? nB : nA;
   }
-  static constexpr auto Rows = MXKernels::MinRows;
-  static constexpr auto WindowRow = MXKernels::MinWindowRow;
+  static constexpr const auto& Rows = MXKernels::MinRows;
+  static constexpr const auto& WindowRow = MXKernels::MinWindowRow;
 };
 
 template class TpIpFilterRank<ClRankMin>;

@@ -20,10 +20,8 @@ using TpSum = std::conditional_t<sizeof(T) == 1, int32_t,
 template <typename T, typename S>
 void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, S* pLine,
                 size_t nCount) {
-  if constexpr (std::is_same_v<T, uint8_t>) {
-    MXKernels::WeightRowsU8(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
-  } else if constexpr (std::is_same_v<T, int8_t>) {
-    MXKernels::WeightRowsI8(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
+  if constexpr (sizeof(T) == 1) {
+    MXKernels::WeightRows(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
   } else {
     std::fill_n(pLine, nCount, S{0});
     for (size_t k = 0; k < nTaps; ++k) {

@@ -7,7 +7,7 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleMultiply {
-  static constexpr ByteRule cpfnBytes = nullptr;
+  static constexpr ByteRule cpBytes = nullptr;
 
   /// The product of two bytes, or of a byte and a word, but not of two unsigned words.
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 + nSize2 < 4; }

@@ -8,7 +8,7 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleSubtract {
-  static constexpr ByteRule cpfnBytes = MXKernels::SubtractSaturated;
+  static constexpr ByteRule cpBytes = &MXKernels::SubtractSaturated;
 
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 < 4 && nSize2 < 4; }
   template <typename W>

@@ -9,7 +9,7 @@ struct ClOverlap;
 ///
 /// TRule says what the rule is (Apply), for inputs of how many bytes 32 bits hold its result
 /// (ResultFitsIn32Bits) and, where there is one, which kernel does the same on bytes under limits of 0 and
-/// 255 (cpfnBytes). The rule works in 64-bit floats if any image is floating, else in integers of 32 or 64
+/// 255 (cpBytes). The rule works in 64-bit floats if any image is floating, else in integers of 32 or 64
 /// bits that hold every result and limit. A processor with a new rule derives from this class and
 /// instantiates it in its own source, which includes TpIp2to1RuleImpl.h.
 ///

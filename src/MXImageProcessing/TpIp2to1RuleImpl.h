@@ -9,9 +9,10 @@
 #include "MXImageProcessing/OverlapLoop.h"
 #include "MXImageProcessing/OverlapStrips.h"
 #include "MXImageProcessing/TpIp2to1Rule.h"
+#include "MXKernels/Kernel.h"
 
 /// A kernel on bytes.
-using ByteRule = void (*)(const uint8_t* pIn1, const uint8_t* pIn2, uint8_t* pOut, size_t nCount) noexcept;
+using ByteRule = const MXKernels::TpKernel<MXKernels::TwoRows<uint8_t>>*;
 
 /// The limits are applied to the result itself, so that nothing wraps.
 template <typename W>
@@ -67,7 +68,7 @@ long TpIp2to1Rule<TRule>::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut,
              CutToElementType(oLimits.m_dUpper, oOut.DataType())};
   const ClImage& oSecond = oOverlap.OneForThree() ? SpreadOverlap(oIn2, oOverlap) : oIn2;
   if (!oOverlap.SamplesPair()) return 0;
-  if (TRule::cpfnBytes != nullptr && IsForKernel(oIn1, oSecond, oOut, oLimits)) {
+  if (TRule::cpBytes != nullptr && IsForKernel(oIn1, oSecond, oOut, oLimits)) {
     return RunKernel(oIn1, oSecond, oOut, oOverlap);
   }
   if (oIn1.IsFloating() || oIn2.IsFloating() || oOut.IsFloating()) {
@@ -89,11 +90,13 @@ bool TpIp2to1Rule<TRule>::IsForKernel(const ClImage& oIn1, const ClImage& oIn2, 
 template <typename TRule>
 long TpIp2to1Rule<TRule>::RunKernel(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
                                     const ClOverlap& oOverlap) {
-  for (long y = 0; y < oOverlap.m_nHeight; ++y) {
-    TRule::cpfnBytes(oIn1.Data() + oOverlap.m_nOffset1 + y * oOverlap.m_nRowStep1,
-                     oIn2.Data() + oOverlap.m_nOffset2 + y * oOverlap.m_nRowStep2,
-                     oOut.Data() + oOverlap.m_nOffsetOut + y * oOverlap.m_nRowStepOut,
-                     static_cast<size_t>(oOverlap.m_nWidth * oOverlap.m_nPlanes1));
+  if constexpr (TRule::cpBytes != nullptr) {
+    for (long y = 0; y < oOverlap.m_nHeight; ++y) {
+      (*TRule::cpBytes)(oIn1.Data() + oOverlap.m_nOffset1 + y * oOverlap.m_nRowStep1,
+                        oIn2.Data() + oOverlap.m_nOffset2 + y * oOverlap.m_nRowStep2,
+                        oOut.Data() + oOverlap.m_nOffsetOut + y * oOverlap.m_nRowStepOut,
+                        static_cast<size_t>(oOverlap.m_nWidth * oOverlap.m_nPlanes1));
+    }
   }
   return 0;
 }

@@ -1,15 +1,13 @@
 // Row functions that divide a frame by a reference: brightness and local white balance.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
-/// pOut[i] = pIn[i] * nValue / max(pReference[i], nMinimum), truncated and limited to 255.
-/// nMinimum >= 1. pOut may equal either input.
-void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t* pOut, size_t nCount,
-                         uint8_t nValue, uint8_t nMinimum) noexcept;
+/// (pIn, pReference, pOut, nCount, nValue, nMinimum): pOut[i] = pIn[i] * nValue / max(pReference[i], nMinimum),
+/// truncated and limited to 255. nMinimum >= 1. pOut may equal either input.
+extern const TpKernel<TwoRows<uint8_t, uint8_t, uint8_t, uint8_t>> AdjustBrightnessRow;
 
 /// One row of 2 by 2 cells of a mosaic with the local means of its four phases.
 struct BalanceCells {
@@ -23,6 +21,6 @@ struct BalanceCells {
 /// With all means and samples raised by 1, so that nothing is divided by 0: target is a quarter of
 /// the sum of the four means, and each sample s of phase k becomes s * target / mean[k] - 1, limited
 /// to 0 .. 255. Both divisions truncate.
-void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept;
+extern const TpKernel<void(const BalanceCells& oCells, size_t nCells) noexcept> BalanceCellsRow;
 
 }  // namespace MXKernels

@@ -2,21 +2,16 @@
 #include "MXKernels/DifferenceRows.h"
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "DifferenceRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace MXKernels::HWY_NAMESPACE {
 
 uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
   const hn::ScalableTag<int16_t> d16;
@@ -45,56 +40,46 @@ uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) 
   return nSum + Reference::SquaredDifference(pA + nWhole, pB + nWhole, nCount - nWhole);
 }
 
-struct RuleAdd {
-  const uint8_t* m_pRow;
-  const uint16_t* m_pSums;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    return hn::LoadU(d, m_pSums + i) + hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), m_pRow + i));
-  }
-};
-
-void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  if (!ForEachVector(hn::ScalableTag<uint16_t>(), RuleAdd{pRow, pSums}, pSums, nCount)) {
-    Reference::AddToSumsRow(pRow, pSums, nCount);
-  }
+template <typename T, typename TSum>
+void AddToSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept {
+  using Sums = hn::ScalableTag<TSum>;
+  const auto Rule = [=](Sums d, size_t i) HWY_ATTR {
+    return hn::LoadU(d, pSums + i) + hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, Sums>(), pRow + i));
+  };
+  if (!ForEachVector(Sums(), Rule, pSums, nCount)) Reference::AddToSumsRow(pRow, pSums, nCount);
 }
 
-struct RuleTake {
-  const uint8_t* m_pRow;
-  const uint16_t* m_pSums;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    return hn::LoadU(d, m_pSums + i) - hn::PromoteTo(d, hn::LoadU(hn::Rebind<uint8_t, D>(), m_pRow + i));
-  }
-};
-
-void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  if (!ForEachVector(hn::ScalableTag<uint16_t>(), RuleTake{pRow, pSums}, pSums, nCount)) {
-    Reference::TakeFromSumsRow(pRow, pSums, nCount);
-  }
+template <typename T, typename TSum>
+void TakeFromSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept {
+  using Sums = hn::ScalableTag<TSum>;
+  const auto Rule = [=](Sums d, size_t i) HWY_ATTR {
+    return hn::LoadU(d, pSums + i) - hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, Sums>(), pRow + i));
+  };
+  if (!ForEachVector(Sums(), Rule, pSums, nCount)) Reference::TakeFromSumsRow(pRow, pSums, nCount);
 }
 
-struct RuleDeviation {
-  const uint16_t* m_pIn;
-  const uint16_t* m_pMean;
-  uint16_t m_nLimit;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
-      const hn::Rebind<uint16_t, decltype(dHalf)> d16;
-      const auto vIn = hn::LoadU(d16, m_pIn + j);
-      const auto vMean = hn::LoadU(d16, m_pMean + j);
-      const auto vDistance = hn::Max(vIn, vMean) - hn::Min(vIn, vMean);
-      const auto vAbove = hn::Min(hn::SaturatedSub(vDistance, hn::Set(d16, m_nLimit)), hn::Set(d16, 1));
-      return NarrowToBytes(dHalf, vAbove * hn::Set(d16, 255));
-    });
-  }
-};
+template <typename T>
+void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
+  using Sums = hn::ScalableTag<uint32_t>;
+  const auto Rule = [=](Sums d, size_t i) HWY_ATTR {
+    const hn::Rebind<T, Sums> dRow;
+    return hn::LoadU(d, pSums + i) + hn::PromoteTo(d, hn::LoadU(dRow, pEnter + i)) -
+           hn::PromoteTo(d, hn::LoadU(dRow, pLeave + i));
+  };
+  if (!ForEachVector(Sums(), Rule, pSums, nCount)) Reference::MoveSumsRow(pEnter, pLeave, pSums, nCount);
+}
 
 void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
                   uint16_t nLimit) noexcept {
-  if (!ForEachVector(hn::ScalableTag<uint8_t>(), RuleDeviation{pIn, pMean, nLimit}, pOut, nCount)) {
+  const auto Half = [=](HalfBytes d, size_t i) HWY_ATTR {
+    const hn::Rebind<uint16_t, HalfBytes> d16;
+    const auto vIn = hn::LoadU(d16, pIn + i);
+    const auto vMean = hn::LoadU(d16, pMean + i);
+    const auto vDistance = hn::Max(vIn, vMean) - hn::Min(vIn, vMean);
+    const auto vAbove = hn::Min(hn::SaturatedSub(vDistance, hn::Set(d16, nLimit)), hn::Set(d16, 1));
+    return NarrowToBytes(d, vAbove * hn::Set(d16, 255));
+  };
+  if (!ForEachVector(Bytes(), ByHalves(Half), pOut, nCount)) {
     Reference::DeviationRow(pIn, pMean, pOut, nCount, nLimit);
   }
 }
@@ -116,40 +101,21 @@ void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, s
   Reference::RemoveBackgroundRow(pPicture + nWhole, pOldest + nWhole, pSums + nWhole, nCount - nWhole);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(SquaredDifference);
-MXKERNELS_TABLE(AddToSumsRow);
-MXKERNELS_TABLE(TakeFromSumsRow);
-MXKERNELS_TABLE(DeviationRow);
-MXKERNELS_TABLE(RemoveBackgroundRow);
-
-uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
-  return MXKERNELS_CALL(SquaredDifference)(pA, pB, nCount);
-}
-
-void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  MXKERNELS_CALL(AddToSumsRow)(pRow, pSums, nCount);
-}
-
-void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  MXKERNELS_CALL(TakeFromSumsRow)(pRow, pSums, nCount);
-}
-
-void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
-                  uint16_t nLimit) noexcept {
-  MXKERNELS_CALL(DeviationRow)(pIn, pMean, pOut, nCount, nLimit);
-}
-
-void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept {
-  MXKERNELS_CALL(RemoveBackgroundRow)(pPicture, pOldest, pSums, nCount);
-}
+MXKERNELS_KERNEL(SquaredDifference);
+constexpr decltype(AddToSumsRow) AddToSumsRow{MXKERNELS_LEVELS(AddToSumsRow), MXKERNELS_LEVELS(AddToSumsRow),
+                                              MXKERNELS_LEVELS(AddToSumsRow)};
+constexpr decltype(TakeFromSumsRow) TakeFromSumsRow{
+    MXKERNELS_LEVELS(TakeFromSumsRow), MXKERNELS_LEVELS(TakeFromSumsRow), MXKERNELS_LEVELS(TakeFromSumsRow)};
+constexpr decltype(MoveSumsRow) MoveSumsRow{MXKERNELS_LEVELS(MoveSumsRow), MXKERNELS_LEVELS(MoveSumsRow)};
+MXKERNELS_KERNEL(DeviationRow);
+MXKERNELS_KERNEL(RemoveBackgroundRow);
 
 }  // namespace MXKernels
 #endif

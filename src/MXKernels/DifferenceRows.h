@@ -1,29 +1,30 @@
-// Row functions that follow pictures over time: how much changed, sums of the last frames, what stands out.
+// Row functions that follow pictures over time or down their rows: how much changed, sums of rows, what stands out.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
 /// Common to all kernels of this header: any alignment; nothing but [0, nCount) is read or written.
 
 /// Sum over i of (pA[i] - pB[i])^2.
-uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;
+extern const TpKernel<uint64_t(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept>
+    SquaredDifference;
 
-/// pSums[i] += pRow[i], modulo 2^16.
-void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+/// pOut[i] += pIn[i], and pOut[i] -= pIn[i], modulo 2^16 or 2^32.
+extern const TpKernel<OneRow<uint8_t, uint16_t>, OneRow<uint8_t, uint32_t>, OneRow<uint16_t, uint32_t>>
+    AddToSumsRow, TakeFromSumsRow;
 
-/// pSums[i] -= pRow[i], modulo 2^16.
-void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
+/// pOut[i] += pA[i] - pB[i], modulo 2^32: a window of rows, whose sums pOut are, moves on by one row.
+extern const TpKernel<TwoRows<uint8_t, uint32_t>, TwoRows<uint16_t, uint32_t>> MoveSumsRow;
 
-/// pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no input.
-void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
-                  uint16_t nLimit) noexcept;
+/// (pIn, pMean, pOut, nCount, nLimit): pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no input.
+extern const TpKernel<TwoRows<uint16_t, uint8_t, uint16_t>> DeviationRow;
 
 /// Takes the mean of the last eight pictures from pPicture, which then replaces the oldest of them:
 /// mean = pSums[i] / 8; pSums[i] += pPicture[i] - pOldest[i], modulo 2^16; pOldest[i] = pPicture[i];
 /// pPicture[i] = pPicture[i] > mean ? pPicture[i] - mean : 0. No overlap.
-void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept;
+extern const TpKernel<void(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept>
+    RemoveBackgroundRow;
 
 }  // namespace MXKernels

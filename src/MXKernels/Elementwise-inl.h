@@ -9,15 +9,18 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
+namespace MXKernels::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
+
+using Bytes = hn::ScalableTag<uint8_t>;
+/// As many bytes as a vector has 32-bit numbers.
+using BytesOfWords = hn::Rebind<uint8_t, hn::ScalableTag<int32_t>>;
 
 /// pOut[i] = oRule(d, i) for i in [0, nCount), a vector at a time; false when nCount is less than a vector.
 ///
 /// The last vector overlaps the one before it. It is worked out first and stored last, so that pOut may
 /// be one of the inputs: no sample that was already replaced is read again.
-template <typename D, typename TRule>
+template <class D, class TRule>
 HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size_t nCount) {
   const size_t nLanes = hn::Lanes(d);
   if (nCount < nLanes) return false;
@@ -27,36 +30,49 @@ HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size
   return true;
 }
 
+/// pOut[i] = fnPick(pA[i], pB[i]), worked out on vectors of bytes, and by fnReference for fewer than one holds.
+template <class TPick>
+HWY_INLINE void ForEachPair(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount,
+                            TwoRows<uint8_t>& fnReference, const TPick& fnPick) {
+  const auto Rule = [=](Bytes d, size_t i)
+                        HWY_ATTR { return fnPick(hn::LoadU(d, pA + i), hn::LoadU(d, pB + i)); };
+  if (!ForEachVector(Bytes(), Rule, pOut, nCount)) fnReference(pA, pB, pOut, nCount);
+}
+
 /// 32-bit numbers limited to 0 .. 255. The limit above comes first because x86 narrows by way of 16 bits,
 /// where a number from 32768 on would turn into 0.
-template <typename D, class V>
+template <class D, class V>
 HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
 }
 
 #if HWY_TARGET != HWY_SCALAR
-/// A vector of bytes from a rule that works them out half a vector at a time, because it needs 16 bits for each.
-template <typename D, typename TRule>
-HWY_INLINE hn::Vec<D> FromHalves(D d, size_t i, const TRule& oRule) {
-  const hn::Half<D> dHalf;
-  return hn::Combine(d, oRule(dHalf, i + hn::Lanes(dHalf)), oRule(dHalf, i));
+using HalfBytes = hn::Half<Bytes>;
+
+/// A rule for vectors of bytes, of one that works them out half a vector at a time because it needs 16 bits for
+/// each.
+template <class TRule>
+HWY_INLINE auto ByHalves(const TRule& oRule) {
+  return [=](Bytes d, size_t i) HWY_ATTR {
+    const HalfBytes dHalf;
+    return hn::Combine(d, oRule(dHalf, i + hn::Lanes(dHalf)), oRule(dHalf, i));
+  };
 }
 
 /// 16-bit numbers of at most 255 as bytes.
-template <typename D, class V>
+template <class D, class V>
 HWY_INLINE hn::Vec<D> NarrowToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::BitCast(hn::RebindToSigned<hn::DFromV<V>>(), v));
 }
 
 /// x / 255 truncated, for every x up to 65534.
-template <typename V>
+template <class V>
 HWY_INLINE V DivideBy255(V v) {
   return hn::ShiftRight<8>(v + hn::Set(hn::DFromV<V>(), 1) + hn::ShiftRight<8>(v));
 }
 #endif
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #endif

@@ -2,40 +2,25 @@
 #include "MXKernels/LayoutRows.h"
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "LayoutRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Bytes = hn::ScalableTag<uint8_t>;
+namespace MXKernels::HWY_NAMESPACE {
 
 alignas(16) constexpr uint8_t g_aBackwards[16] = {15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0};
 
-struct RuleReverse {
-  const uint8_t* m_pIn;
-  size_t m_nCount;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    const auto v = hn::LoadU(d, m_pIn + m_nCount - i - hn::Lanes(d));
-    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, g_aBackwards)));
-  }
-};
-
 void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
-  if (!ForEachVector(Bytes(), RuleReverse{pIn, nCount}, pOut, nCount)) {
-    Reference::ReverseRow(pIn, pOut, nCount);
-  }
+  const auto Rule = [=](Bytes d, size_t i) HWY_ATTR {
+    const auto v = hn::LoadU(d, pIn + nCount - i - hn::Lanes(d));
+    return hn::ReverseBlocks(d, hn::TableLookupBytes(v, hn::LoadDup128(d, g_aBackwards)));
+  };
+  if (!ForEachVector(Bytes(), Rule, pOut, nCount)) Reference::ReverseRow(pIn, pOut, nCount);
 }
 
 void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
@@ -89,35 +74,17 @@ void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
   Reference::ScaleUpRow(pIn + i, pOut + 2 * i, nCount - i);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(ReverseRow);
-MXKERNELS_TABLE(SplitPairsRow);
-MXKERNELS_TABLE(ScaleDownRow);
-MXKERNELS_TABLE(ScaleUpRow);
-
-void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(ReverseRow)(pIn, pOut, nCount);
-}
-
-void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
-  MXKERNELS_CALL(SplitPairsRow)(pIn, pEven, pOdd, nPairs);
-}
-
-void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
-                  uint8_t* pMin) noexcept {
-  MXKERNELS_CALL(ScaleDownRow)(pUpper, pLower, nCells, pMean, pMax, pMin);
-}
-
-void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(ScaleUpRow)(pIn, pOut, nCount);
-}
+MXKERNELS_KERNEL(ReverseRow);
+MXKERNELS_KERNEL(SplitPairsRow);
+MXKERNELS_KERNEL(ScaleDownRow);
+MXKERNELS_KERNEL(ScaleUpRow);
 
 }  // namespace MXKernels
 #endif

@@ -1,23 +1,24 @@
 // Row functions that move samples: mirror, halve, double, split into phases.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
 /// pOut[i] = pIn[nCount - 1 - i]. The rows must not overlap.
-void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept;
+extern const TpKernel<OneRow<uint8_t>> ReverseRow;
 
 /// pEven[i] = pIn[2 * i], pOdd[i] = pIn[2 * i + 1] for i in [0, nPairs). No overlap.
-void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept;
+extern const TpKernel<void(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept>
+    SplitPairsRow;
 
 /// The 2 by 2 cells of two rows: pMean[i] = (sum of the four) >> 2, pMax[i], pMin[i] the largest
 /// and the smallest of them, for i in [0, nCells). No overlap.
-void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
-                  uint8_t* pMin) noexcept;
+extern const TpKernel<void(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean,
+                           uint8_t* pMax, uint8_t* pMin) noexcept>
+    ScaleDownRow;
 
 /// pOut[2 * i] = pOut[2 * i + 1] = pIn[i] for i in [0, nCount). No overlap.
-void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept;
+extern const TpKernel<OneRow<uint8_t>> ScaleUpRow;
 
 }  // namespace MXKernels

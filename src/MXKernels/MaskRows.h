@@ -1,20 +1,21 @@
 // Row functions of the finger mask: texture classes, distance to the reference texture, decisions.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
 /// pOut[i] = pClasses[pattern], bit 0 of the pattern telling that pAbove[i] is greater than
 /// pCentre[i], bit 1 the same of pCentre[i + 1], bit 2 of pBelow[i], bit 3 of pCentre[i - 1].
 /// Reads pCentre[-1] and pCentre[nCount] as well. pClasses has 16 entries. No overlap.
-void TextureClassRow(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow, uint8_t* pOut,
-                     size_t nCount, const uint8_t* pClasses) noexcept;
+extern const TpKernel<void(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow,
+                           uint8_t* pOut, size_t nCount, const uint8_t* pClasses) noexcept>
+    TextureClassRow;
 
 /// pDistance[i] += (pShare[i] - nReference)^2 / 6, the division truncated, modulo 65536.
-void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept;
+extern const TpKernel<void(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
+                           size_t nCount) noexcept>
+    AddSquaredDistanceRow;
 
 /// What DecideByBrightnessRow goes by.
 struct BrightnessDecision {
@@ -30,7 +31,8 @@ void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t n
 
 /// pMask[i] = pDistance[i] < nDistanceLimit and pNear[i] * 100 > pFar[i] * nFog ? 255 : 0.
 /// |nFog| <= 1 << 20.
-void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
-               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept;
+extern const TpKernel<void(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar,
+                           uint8_t* pMask, size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept>
+    FingerRow;
 
 }  // namespace MXKernels

@@ -4,65 +4,44 @@
 #include <cstring>
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "RankRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Bytes = hn::ScalableTag<uint8_t>;
+namespace MXKernels::HWY_NAMESPACE {
 
 struct PickMin {
   static constexpr uint8_t m_cnNeutral = 255;
-  template <typename V>
-  static V Pick(V vA, V vB) {
+  static constexpr TwoRows<uint8_t>& m_rfnReference = Reference::MinRows;
+  template <class V>
+  V operator()(V vA, V vB) const {
     return hn::Min(vA, vB);
-  }
-  static void Rest(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
-    Reference::MinRows(pA, pB, pOut, nCount);
   }
 };
 
 struct PickMax {
   static constexpr uint8_t m_cnNeutral = 0;
-  template <typename V>
-  static V Pick(V vA, V vB) {
+  static constexpr TwoRows<uint8_t>& m_rfnReference = Reference::MaxRows;
+  template <class V>
+  V operator()(V vA, V vB) const {
     return hn::Max(vA, vB);
   }
-  static void Rest(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
-    Reference::MaxRows(pA, pB, pOut, nCount);
-  }
 };
 
-template <typename TPick>
-struct RuleRank {
-  const uint8_t* m_pA;
-  const uint8_t* m_pB;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    return TPick::Pick(hn::LoadU(d, m_pA + i), hn::LoadU(d, m_pB + i));
-  }
-};
-
-template <typename TPick>
+template <class TPick>
 HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) {
-  if (!ForEachVector(Bytes(), RuleRank<TPick>{pA, pB}, pOut, nCount)) TPick::Rest(pA, pB, pOut, nCount);
+  ForEachPair(pA, pB, pOut, nCount, TPick::m_rfnReference, TPick());
 }
 
 /// Windows of 1, 2, 4, ... samples that begin at x, each made of two of the size before, until twice the
 /// size would pass the width; two overlapping ones then make the full width. Every pass reads only
 /// places at or behind the one that it writes, so that one buffer serves.
-template <typename TPick>
+template <class TPick>
 HWY_INLINE void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) {
   if (nCount == 0) return;
   const size_t nWidth = 2 * nHalf + 1;
@@ -95,34 +74,17 @@ void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWor
   WindowRow<PickMax>(pIn, nCount, nHalf, pWork, pOut);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(MinRows);
-MXKERNELS_TABLE(MaxRows);
-MXKERNELS_TABLE(MinWindowRow);
-MXKERNELS_TABLE(MaxWindowRow);
-
-void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(MinRows)(pA, pB, pOut, nCount);
-}
-
-void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(MaxRows)(pA, pB, pOut, nCount);
-}
-
-void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
-  MXKERNELS_CALL(MinWindowRow)(pIn, nCount, nHalf, pWork, pOut);
-}
-
-void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept {
-  MXKERNELS_CALL(MaxWindowRow)(pIn, nCount, nHalf, pWork, pOut);
-}
+MXKERNELS_KERNEL(MinRows);
+MXKERNELS_KERNEL(MaxRows);
+MXKERNELS_KERNEL(MinWindowRow);
+MXKERNELS_KERNEL(MaxWindowRow);
 
 }  // namespace MXKernels
 #endif

@@ -14,79 +14,54 @@
 #include "MXKernels/TapRows.h"
 #include "MXKernels/WarpRow.h"
 
-/// The contracts are those of the functions of the same names in MXKernels.
+/// The contracts and the types are those of the kernels of the same names in MXKernels.
 namespace MXKernels::Reference {
 
-void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept;
-void AbsoluteDifferenceRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
-void AndRow(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
-void ClampRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nLower, uint8_t nUpper) noexcept;
-void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThreshold, uint8_t nBelow,
-                  uint8_t nAbove) noexcept;
-void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept;
-void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept;
+TwoRows<uint8_t> SubtractSaturated, AbsoluteDifferenceRow, AndRow, InvertedBlendRow;
+decltype(MXKernels::ClampRow)::Row ClampRow;
+decltype(MXKernels::ThresholdRow)::Row ThresholdRow;
+decltype(MXKernels::EqualRow)::Row EqualRow;
 
-uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;
-void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
-void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept;
-void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
-                  uint16_t nLimit) noexcept;
-void RemoveBackgroundRow(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept;
+decltype(MXKernels::SquaredDifference)::Row SquaredDifference;
+decltype(MXKernels::DeviationRow)::Row DeviationRow;
+decltype(MXKernels::RemoveBackgroundRow)::Row RemoveBackgroundRow;
+template <typename T, typename TSum>
+void AddToSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept;
+template <typename T, typename TSum>
+void TakeFromSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept;
+template <typename T>
+void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept;
 
-void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept;
-void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept;
+template <typename T>
+void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
+                    T* pOut) noexcept;
+decltype(MXKernels::AboveMeanRow)::Row AboveMeanRow;
 
-void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
-void AddToColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
-void TakeFromColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
-void TakeFromColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept;
-void MoveColumnSumsU8(const uint8_t* pEnter, const uint8_t* pLeave, uint32_t* pSums, size_t nCount) noexcept;
-void MoveColumnSumsU16(const uint16_t* pEnter, const uint16_t* pLeave, uint32_t* pSums,
-                       size_t nCount) noexcept;
-void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
-                      uint8_t* pOut) noexcept;
-void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
-                       uint16_t* pOut) noexcept;
-void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
-                  uint32_t* pPrefix, uint8_t* pOut) noexcept;
+TwoRows<uint8_t> MinRows, MaxRows;
+RankWindow MinWindowRow, MaxWindowRow;
 
-void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
-void MaxRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept;
-void MinWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
-void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) noexcept;
-
-void WeightRowsU8(const uint8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
-                  int32_t* pLine, size_t nCount) noexcept;
-void WeightRowsI8(const int8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
-                  int32_t* pLine, size_t nCount) noexcept;
-void WeightLine(const int32_t* pLine, const int32_t* pTaps, size_t nTaps, int32_t* pSums,
+template <typename T>
+void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, int32_t* pLine,
                 size_t nCount) noexcept;
+decltype(MXKernels::WeightLine)::Row WeightLine;
 
-void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept;
+decltype(MXKernels::ZeroBitsRow)::Row ZeroBitsRow;
 
-void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept;
-void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept;
-void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
-                  uint8_t* pMin) noexcept;
-void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept;
+OneRow<uint8_t> ReverseRow, ScaleUpRow;
+decltype(MXKernels::SplitPairsRow)::Row SplitPairsRow;
+decltype(MXKernels::ScaleDownRow)::Row ScaleDownRow;
 
-void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t* pOut, size_t nCount,
-                         uint8_t nValue, uint8_t nMinimum) noexcept;
-void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept;
+decltype(MXKernels::AdjustBrightnessRow)::Row AdjustBrightnessRow;
+decltype(MXKernels::BalanceCellsRow)::Row BalanceCellsRow;
+decltype(MXKernels::WarpRow)::Row WarpRow;
 
-void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
-             const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept;
+decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
+decltype(MXKernels::AddSquaredDistanceRow)::Row AddSquaredDistanceRow;
+decltype(MXKernels::FingerRow)::Row FingerRow;
 
-void TextureClassRow(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow, uint8_t* pOut,
-                     size_t nCount, const uint8_t* pClasses) noexcept;
-void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept;
-void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
-               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept;
+TwoRows<uint8_t> WeightedBlendRow, BelowRow;
 
-void AddSplineBasisRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
-                       double* pSum) noexcept;
-void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
-                           double dWeightB, double* pSumA, double* pSumB) noexcept;
+decltype(MXKernels::AddSplineBasisRow)::Row AddSplineBasisRow;
+decltype(MXKernels::AddSplineBasisPairRow)::Row AddSplineBasisPairRow;
 
 }  // namespace MXKernels::Reference

@@ -6,34 +6,6 @@
 namespace MXKernels::Reference {
 namespace {
 
-template <typename T>
-void AddToColumnSums(const T* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] += pRow[i];
-}
-
-template <typename T>
-void TakeFromColumnSums(const T* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] -= pRow[i];
-}
-
-template <typename T>
-void MoveColumnSums(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] += static_cast<uint32_t>(pEnter[i]) - pLeave[i];
-}
-
-template <typename T>
-void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, T* pOut) noexcept {
-  uint32_t nSum = 0;
-  for (size_t x = 0; x < std::min(nHalf, nCount); ++x) nSum += pSums[x];
-  for (size_t x = 0; x < nCount; ++x) {
-    if (x + nHalf < nCount) nSum += pSums[x + nHalf];
-    if (x > nHalf) nSum -= pSums[x - nHalf - 1];
-    const size_t nColumns = std::min(x + nHalf + 1, nCount) - (x > nHalf ? x - nHalf : 0);
-    const uint32_t nArea = std::max(nRows * static_cast<uint32_t>(nColumns), uint32_t{1});
-    pOut[x] = static_cast<T>(nSum / nArea);
-  }
-}
-
 template <typename TPick>
 void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut,
                TPick oPick) noexcept {
@@ -46,54 +18,46 @@ void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, 
   }
 }
 
-template <typename T>
-void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, int32_t* pLine,
-                size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    uint32_t nSum = 0;
-    for (size_t k = 0; k < nTaps; ++k) {
-      nSum += static_cast<uint32_t>(pTaps[k]) * static_cast<uint32_t>(pIn[pOffsets[k] + i]);
-    }
-    pLine[i] = static_cast<int32_t>(nSum);
-  }
-}
-
 }  // namespace
 
-void AddToColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  AddToColumnSums(pRow, pSums, nCount);
+template <typename T, typename TSum>
+void AddToSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<TSum>(pSums[i] + pRow[i]);
 }
+template OneRow<uint8_t, uint16_t> AddToSumsRow<uint8_t, uint16_t>;
+template OneRow<uint8_t, uint32_t> AddToSumsRow<uint8_t, uint32_t>;
+template OneRow<uint16_t, uint32_t> AddToSumsRow<uint16_t, uint32_t>;
 
-void AddToColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  AddToColumnSums(pRow, pSums, nCount);
+template <typename T, typename TSum>
+void TakeFromSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<TSum>(pSums[i] - pRow[i]);
 }
+template OneRow<uint8_t, uint16_t> TakeFromSumsRow<uint8_t, uint16_t>;
+template OneRow<uint8_t, uint32_t> TakeFromSumsRow<uint8_t, uint32_t>;
+template OneRow<uint16_t, uint32_t> TakeFromSumsRow<uint16_t, uint32_t>;
 
-void TakeFromColumnSumsU8(const uint8_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  TakeFromColumnSums(pRow, pSums, nCount);
+template <typename T>
+void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] += static_cast<uint32_t>(pEnter[i]) - pLeave[i];
 }
+template TwoRows<uint8_t, uint32_t> MoveSumsRow<uint8_t>;
+template TwoRows<uint16_t, uint32_t> MoveSumsRow<uint16_t>;
 
-void TakeFromColumnSumsU16(const uint16_t* pRow, uint32_t* pSums, size_t nCount) noexcept {
-  TakeFromColumnSums(pRow, pSums, nCount);
+template <typename T>
+void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
+                    T* pOut) noexcept {
+  uint32_t nSum = 0;
+  for (size_t x = 0; x < std::min(nHalf, nCount); ++x) nSum += pSums[x];
+  for (size_t x = 0; x < nCount; ++x) {
+    if (x + nHalf < nCount) nSum += pSums[x + nHalf];
+    if (x > nHalf) nSum -= pSums[x - nHalf - 1];
+    const size_t nColumns = std::min(x + nHalf + 1, nCount) - (x > nHalf ? x - nHalf : 0);
+    const uint32_t nArea = std::max(nRows * static_cast<uint32_t>(nColumns), uint32_t{1});
+    pOut[x] = static_cast<T>(nSum / nArea);
+  }
 }
-
-void MoveColumnSumsU8(const uint8_t* pEnter, const uint8_t* pLeave, uint32_t* pSums, size_t nCount) noexcept {
-  MoveColumnSums(pEnter, pLeave, pSums, nCount);
-}
-
-void MoveColumnSumsU16(const uint16_t* pEnter, const uint16_t* pLeave, uint32_t* pSums,
-                       size_t nCount) noexcept {
-  MoveColumnSums(pEnter, pLeave, pSums, nCount);
-}
-
-void SlidingMeanRowU8(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
-                      uint8_t* pOut) noexcept {
-  SlidingMeanRow(pSums, nCount, nHalf, nRows, pOut);
-}
-
-void SlidingMeanRowU16(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
-                       uint16_t* pOut) noexcept {
-  SlidingMeanRow(pSums, nCount, nHalf, nRows, pOut);
-}
+template MeanRow<uint8_t> SlidingMeanRow<uint8_t>;
+template MeanRow<uint16_t> SlidingMeanRow<uint16_t>;
 
 void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
                   uint32_t*, uint8_t* pOut) noexcept {
@@ -124,15 +88,19 @@ void MaxWindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWor
   WindowRow(pIn, nCount, nHalf, pWork, pOut, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
 }
 
-void WeightRowsU8(const uint8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
-                  int32_t* pLine, size_t nCount) noexcept {
-  WeightRows(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
+template <typename T>
+void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, int32_t* pLine,
+                size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    uint32_t nSum = 0;
+    for (size_t k = 0; k < nTaps; ++k) {
+      nSum += static_cast<uint32_t>(pTaps[k]) * static_cast<uint32_t>(pIn[pOffsets[k] + i]);
+    }
+    pLine[i] = static_cast<int32_t>(nSum);
+  }
 }
-
-void WeightRowsI8(const int8_t* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps,
-                  int32_t* pLine, size_t nCount) noexcept {
-  WeightRows(pIn, pOffsets, pTaps, nTaps, pLine, nCount);
-}
+template WeightedRows<uint8_t> WeightRows<uint8_t>;
+template WeightedRows<int8_t> WeightRows<int8_t>;
 
 void WeightLine(const int32_t* pLine, const int32_t* pTaps, size_t nTaps, int32_t* pSums,
                 size_t nCount) noexcept {

@@ -115,14 +115,6 @@ uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) 
   return nSum;
 }
 
-void AddToSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<uint16_t>(pSums[i] + pRow[i]);
-}
-
-void TakeFromSumsRow(const uint8_t* pRow, uint16_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<uint16_t>(pSums[i] - pRow[i]);
-}
-
 void DeviationRow(const uint16_t* pIn, const uint16_t* pMean, uint8_t* pOut, size_t nCount,
                   uint16_t nLimit) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::abs(pIn[i] - pMean[i]) > nLimit ? 255 : 0;

@@ -4,83 +4,49 @@
 #include <algorithm>
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "RollRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Bytes = hn::ScalableTag<uint8_t>;
-
-struct RuleWeightedBlend {
-  const uint8_t* m_pIn;
-  const uint8_t* m_pWeight;
-  const uint8_t* m_pInOut;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    return FromHalves(d, i, [this](auto dHalf, size_t j) HWY_ATTR {
-      const hn::Rebind<uint16_t, decltype(dHalf)> d16;
-      const auto vWeight = hn::PromoteTo(d16, hn::LoadU(dHalf, m_pWeight + j));
-      // A blend of bytes is 65025 at most.
-      return NarrowToBytes(dHalf, DivideBy255(hn::PromoteTo(d16, hn::LoadU(dHalf, m_pIn + j)) * vWeight +
-                                              hn::PromoteTo(d16, hn::LoadU(dHalf, m_pInOut + j)) *
-                                                  (hn::Set(d16, 255) - vWeight)));
-    });
-  }
-};
+namespace MXKernels::HWY_NAMESPACE {
 
 void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
-  if (!ForEachVector(Bytes(), RuleWeightedBlend{pIn, pWeight, pInOut}, pInOut, nCount)) {
+  const auto Half = [=](HalfBytes d, size_t i) HWY_ATTR {
+    const hn::Rebind<uint16_t, HalfBytes> d16;
+    const auto vWeight = hn::PromoteTo(d16, hn::LoadU(d, pWeight + i));
+    // A blend of bytes is 65025 at most.
+    return NarrowToBytes(
+        d, DivideBy255(hn::PromoteTo(d16, hn::LoadU(d, pIn + i)) * vWeight +
+                       hn::PromoteTo(d16, hn::LoadU(d, pInOut + i)) * (hn::Set(d16, 255) - vWeight)));
+  };
+  if (!ForEachVector(Bytes(), ByHalves(Half), pInOut, nCount)) {
     Reference::WeightedBlendRow(pIn, pWeight, pInOut, nCount);
   }
 }
 
-struct RuleBelow {
-  const uint8_t* m_pIn;
-  const uint8_t* m_pLimit;
-  template <typename D>
-  hn::Vec<D> operator()(D d, size_t i) const {
-    const auto vIn = hn::LoadU(d, m_pIn + i);
-    // x86 has no unsigned comparison of bytes, but an unsigned maximum.
-    const auto bAtLeast = hn::Max(vIn, hn::LoadU(d, m_pLimit + i)) == vIn;
-    return hn::IfThenElse(bAtLeast, hn::Zero(d), hn::Set(d, 255));
-  }
-};
-
 void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
-  if (!ForEachVector(Bytes(), RuleBelow{pIn, pLimit}, pOut, nCount)) {
-    Reference::BelowRow(pIn, pLimit, pOut, nCount);
-  }
+  ForEachPair(pIn, pLimit, pOut, nCount, Reference::BelowRow, [](auto vIn, auto vLimit) HWY_ATTR {
+    const Bytes d;
+    // x86 has no unsigned comparison of bytes, but an unsigned maximum.
+    const auto bAtLeast = hn::Max(vIn, vLimit) == vIn;
+    return hn::IfThenElse(bAtLeast, hn::Zero(d), hn::Set(d, 255));
+  });
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(WeightedBlendRow);
-MXKERNELS_TABLE(BelowRow);
-
-void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(WeightedBlendRow)(pIn, pWeight, pInOut, nCount);
-}
-
-void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
-  MXKERNELS_CALL(BelowRow)(pIn, pLimit, pOut, nCount);
-}
+MXKERNELS_KERNEL(WeightedBlendRow);
+MXKERNELS_KERNEL(BelowRow);
 
 size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
   size_t nBelow = 0;

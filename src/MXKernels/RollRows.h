@@ -1,18 +1,17 @@
 // Row functions that put rolled prints together and compare their frames.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
 /// Common to all kernels of this header: any alignment; nothing but [0, nCount) is read or written.
 
-/// pInOut[i] = (pIn[i] * pWeight[i] + pInOut[i] * (255 - pWeight[i])) / 255, the division truncated.
-void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOut, size_t nCount) noexcept;
+/// pOut[i] = (pA[i] * pB[i] + pOut[i] * (255 - pB[i])) / 255, the division truncated: pB weighs pA.
+extern const TpKernel<TwoRows<uint8_t>> WeightedBlendRow;
 
-/// pOut[i] = pIn[i] < pLimit[i] ? 255 : 0. pOut may equal any input.
-void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept;
+/// pOut[i] = pA[i] < pB[i] ? 255 : 0. pOut may equal any input.
+extern const TpKernel<TwoRows<uint8_t>> BelowRow;
 
 /// Number of i for which both pA[i] and pB[i] are below 255.
 size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;

@@ -2,21 +2,16 @@
 #include "MXKernels/RunRows.h"
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "RunRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace MXKernels::HWY_NAMESPACE {
 
 void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
   const hn::ScalableTag<uint8_t> d;
@@ -33,19 +28,14 @@ void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
   Reference::ZeroBitsRow(pIn + 64 * nWords, pBits + nWords, nCount - 64 * nWords);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(ZeroBitsRow);
-
-void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
-  MXKERNELS_CALL(ZeroBitsRow)(pIn, pBits, nCount);
-}
+MXKERNELS_KERNEL(ZeroBitsRow);
 
 }  // namespace MXKernels
 #endif

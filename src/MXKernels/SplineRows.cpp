@@ -2,19 +2,16 @@
 #include "MXKernels/SplineRows.h"
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "SplineRows.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
+
+#include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace MXKernels::HWY_NAMESPACE {
 
 using Doubles = hn::ScalableTag<double>;
 using Vector = hn::Vec<Doubles>;
@@ -81,26 +78,15 @@ void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, 
   Reference::AddSplineBasisPairRow(pX + i, nCount - i, oPoint, dWeightA, dWeightB, pSumA + i, pSumB + i);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(AddSplineBasisRow);
-MXKERNELS_TABLE(AddSplineBasisPairRow);
-
-void AddSplineBasisRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
-                       double* pSum) noexcept {
-  MXKERNELS_CALL(AddSplineBasisRow)(pX, nCount, oPoint, dWeight, pSum);
-}
-
-void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
-                           double dWeightB, double* pSumA, double* pSumB) noexcept {
-  MXKERNELS_CALL(AddSplineBasisPairRow)(pX, nCount, oPoint, dWeightA, dWeightB, pSumA, pSumB);
-}
+MXKERNELS_KERNEL(AddSplineBasisRow);
+MXKERNELS_KERNEL(AddSplineBasisPairRow);
 
 }  // namespace MXKernels
 #endif

@@ -1,7 +1,7 @@
 // Row functions that sum the radial basis of thin-plate splines.
 #pragma once
 
-#include <cstddef>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
@@ -16,11 +16,13 @@ struct SplinePoint {
 ///
 /// Domain  d is 0 or normal. pSum doesn't overlap pX.
 /// Cost    one logarithm an element.
-void AddSplineBasisRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
-                       double* pSum) noexcept;
+extern const TpKernel<void(const double* pX, size_t nCount, SplinePoint oPoint, double dWeight,
+                           double* pSum) noexcept>
+    AddSplineBasisRow;
 
 /// The same for two sums at once, which share the logarithm; they don't overlap each other.
-void AddSplineBasisPairRow(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
-                           double dWeightB, double* pSumA, double* pSumB) noexcept;
+extern const TpKernel<void(const double* pX, size_t nCount, SplinePoint oPoint, double dWeightA,
+                           double dWeightB, double* pSumA, double* pSumB) noexcept>
+    AddSplineBasisPairRow;
 
 }  // namespace MXKernels

@@ -4,21 +4,16 @@
 #include <cstring>
 
 #include "KernelTargets.h"
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-#undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "WarpRow.cpp"
 #include <hwy/foreach_target.h>
-#include <hwy/highway.h>
 
 #include "Elementwise-inl.h"
 
 #if MXKERNELS_VECTOR_TARGET
 HWY_BEFORE_NAMESPACE();
-namespace MXKernels {
-namespace HWY_NAMESPACE {
-namespace hn = hwy::HWY_NAMESPACE;
+namespace MXKernels::HWY_NAMESPACE {
 
 using Bytes16 = hn::FixedTag<uint8_t, 16>;
 using Words4 = hn::FixedTag<int32_t, 4>;
@@ -89,20 +84,14 @@ void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, si
   Reference::WarpRow(pMap + i, nCount - i, pSource, nRowBytes, pWeights, nBackground, pOut + i);
 }
 
-}  // namespace HWY_NAMESPACE
-}  // namespace MXKernels
+}  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
 
 #if HWY_ONCE
 namespace MXKernels {
 
-MXKERNELS_TABLE(WarpRow);
-
-void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
-             const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept {
-  MXKERNELS_CALL(WarpRow)(pMap, nCount, pSource, nRowBytes, pWeights, nBackground, pOut);
-}
+MXKERNELS_KERNEL(WarpRow);
 
 }  // namespace MXKernels
 #endif

@@ -1,8 +1,7 @@
 // The row function of the geometric warp: a map of source places and a table of 4 by 4 weights.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include "MXKernels/Kernel.h"
 
 namespace MXKernels {
 
@@ -18,7 +17,8 @@ struct WarpMapEntry {
 ///
 /// Domain  every window of the map lies inside the source, every phase inside the table; the sum of
 ///         |weights| of an entry stays below 2^22. pOut doesn't overlap the source.
-void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
-             const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept;
+extern const TpKernel<void(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
+                           const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept>
+    WarpRow;
 
 }  // namespace MXKernels

@@ -1,24 +1,21 @@
-// What all kernel tests share: levels, row lengths, guarded outputs and a fixed source of samples.
+// What all kernel tests share: levels, row lengths, guarded outputs, a fixed source of samples and the comparison.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <random>
-#include <string>
 #include <tuple>
 #include <vector>
 
-#include "MXKernels/Level.h"
 #include "MXKernels/Reference.h"
 
-/// Restores the level that was in force.
+/// Restores the level that was in force; it was there, and the processor isn't asked again.
 class ClLevelGuard {
  public:
   ClLevelGuard() : m_eLevel(MXKernels::Level()) {}
-  ~ClLevelGuard() { MXKernels::SetLevel(m_eLevel); }
+  ~ClLevelGuard() { MXKernels::Detail::g_nLevel.store(m_eLevel); }
   ClLevelGuard(const ClLevelGuard&) = delete;
   ClLevelGuard& operator=(const ClLevelGuard&) = delete;
 
@@ -29,49 +26,44 @@ class ClLevelGuard {
 using Bytes = std::vector<uint8_t>;
 using Words = std::vector<uint16_t>;
 
-/// An output row between guard elements that a kernel must leave alone.
-template <typename T>
-class TpGuardedRow {
- public:
-  explicit TpGuardedRow(size_t nCount)
-      : m_nCount(nCount), m_aData(nCount + 2 * cnGuard, static_cast<T>(cnPattern)) {}
-  /// The row begins as a copy of another one, for kernels that add to it or work in place.
-  explicit TpGuardedRow(const std::vector<T>& aStart) : TpGuardedRow(aStart.size()) {
-    std::copy(aStart.begin(), aStart.end(), Data());
-  }
-
-  T* Data() { return m_aData.data() + cnGuard; }
-  std::vector<T> Row() const { return {m_aData.data() + cnGuard, m_aData.data() + cnGuard + m_nCount}; }
-  bool GuardsIntact() const {
-    const auto fnIntact = [](T nElement) { return nElement == static_cast<T>(cnPattern); };
-    return std::all_of(m_aData.begin(), m_aData.begin() + cnGuard, fnIntact) &&
-           std::all_of(m_aData.end() - cnGuard, m_aData.end(), fnIntact);
-  }
-
- private:
-  static constexpr size_t cnGuard = 64;
-  static constexpr unsigned cnPattern = 0xA5;
-  size_t m_nCount;
-  std::vector<T> m_aData;
-};
-
 /// Rows of samples with many extremes; each row is a block of exactly its size, so that a sanitizer
 /// sees every read past it.
 class ClSamples {
  public:
   template <typename T>
-  std::vector<T> Row(size_t nCount, unsigned nMax = static_cast<T>(~T{0})) {
+  std::vector<T> Row(size_t nCount, unsigned nMax = static_cast<unsigned>(static_cast<T>(~T{0}))) {
     std::vector<T> aRow(nCount);
     for (T& nSample : aRow) {
       const unsigned nKind = m_oRandom() % 8;
-      nSample = static_cast<T>(nKind == 0 ? 0 : nKind == 1 ? nMax : m_oRandom() % (nMax + 1U));
+      nSample = static_cast<T>(nKind == 0 ? 0 : nKind == 1 ? nMax : Number(nMax));
     }
     return aRow;
   }
-  unsigned Number(unsigned nMax) { return static_cast<unsigned>(m_oRandom() % (nMax + 1U)); }
+  unsigned Number(unsigned nMax) { return static_cast<unsigned>(m_oRandom() % (uint64_t{nMax} + 1)); }
 
  private:
   std::mt19937 m_oRandom{20240229};
+};
+
+/// An argument that a kernel writes to: a row that begins as the given one, between guard elements that must stay.
+template <typename T>
+class TpOutput {
+ public:
+  explicit TpOutput(const std::vector<T>& aStart) : m_aData(aStart.size() + 2 * cnGuard, cnPattern) {
+    std::copy(aStart.begin(), aStart.end(), Get());
+  }
+  T* Get() { return m_aData.data() + cnGuard; }
+  void ExpectSame(const TpOutput& oExpected) const {
+    EXPECT_EQ(m_aData, oExpected.m_aData);
+    const auto fnIntact = [](T nElement) { return nElement == cnPattern; };
+    EXPECT_TRUE(std::all_of(m_aData.begin(), m_aData.begin() + cnGuard, fnIntact));
+    EXPECT_TRUE(std::all_of(m_aData.end() - cnGuard, m_aData.end(), fnIntact));
+  }
+
+ private:
+  static constexpr size_t cnGuard = 64;
+  static constexpr T cnPattern = 0x5A;
+  std::vector<T> m_aData;
 };
 
 /// Calls fnTest() at every level that this machine has.
@@ -98,27 +90,26 @@ void ForEveryLevelAndTail(TTest oTest) {
   });
 }
 
-template <typename T>
-void ExpectSameAndGuarded(const TpGuardedRow<T>& oActual, const TpGuardedRow<T>& oExpected) {
-  EXPECT_EQ(oActual.Row(), oExpected.Row());
-  EXPECT_TRUE(oActual.GuardsIntact());
-}
-
-/// fnCall(kernel, outputs...) leaves the same in the outputs for a kernel and its plain twin; each output
-/// begins as the given row. A call that reads its output too works in place.
-template <typename TKernel, typename TCall, typename... T>
-void ExpectLikeReference(TKernel pfnKernel, TKernel pfnReference, const TCall& fnCall,
-                         const std::vector<T>&... aStarts) {
-  std::tuple<TpGuardedRow<T>...> aActual(aStarts...), aExpected(aStarts...);
-  std::apply([&](auto&... o) { fnCall(pfnKernel, o.Data()...); }, aActual);
-  std::apply([&](auto&... o) { fnCall(pfnReference, o.Data()...); }, aExpected);
+/// fnCall(outputs...) leaves the same in copies of the outputs at the level in force as at the plain one.
+template <typename TCall, typename... TArgument>
+void ExpectSameResults(const TCall& fnCall, std::tuple<TArgument...> aActual) {
+  auto aExpected = aActual;
+  const auto Call = [&](auto&... o) { fnCall(o.Get()...); };
+  std::apply(Call, aActual);
+  {
+    const ClLevelGuard oGuard;
+    MXKernels::SetLevel(MXKernels::eLevelScalar);
+    std::apply(Call, aExpected);
+  }
   std::apply(
       [&](const auto&... oActual) {
-        std::apply([&](const auto&... oExpected) { (ExpectSameAndGuarded(oActual, oExpected), ...); },
-                   aExpected);
+        std::apply([&](const auto&... oExpected) { (oActual.ExpectSame(oExpected), ...); }, aExpected);
       },
       aActual);
 }
 
-/// The same for a kernel and the twin of its name.
-#define EXPECT_LIKE_REFERENCE(Kernel, ...) ExpectLikeReference(Kernel, Reference::Kernel, __VA_ARGS__)
+/// The same for outputs that begin as the given rows. A call that reads its output too works in place.
+template <typename TCall, typename... T>
+void ExpectLikeReference(const TCall& fnCall, const std::vector<T>&... aStarts) {
+  ExpectSameResults(fnCall, std::tuple(TpOutput<T>(aStarts)...));
+}

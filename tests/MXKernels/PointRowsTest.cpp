@@ -1,91 +1,53 @@
-// Tests of the kernels that treat each sample by itself.
+// Tests of single kernels against numbers worked out by hand.
 #include "KernelRows.h"
 
 using namespace MXKernels;
 
-namespace {
+TEST(SquaredDifference, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const Bytes aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);
+    ExpectLikeReference([&](auto* pSum) { *pSum = SquaredDifference(aA.data(), aB.data(), nCount); },
+                        std::vector<uint64_t>(1));
+  });
+}
 
-/// Every pair of bytes: all first ones against all second ones.
-void AllPairs(Bytes& aFirst, Bytes& aSecond) {
-  for (int a = 0; a < 256; ++a) {
-    for (int b = 0; b < 256; ++b) {
-      aFirst.push_back(static_cast<uint8_t>(a));
-      aSecond.push_back(static_cast<uint8_t>(b));
-    }
+TEST(SquaredDifference, TheLongestRowsDoNotWrapALane) {
+  // One sample more than the 32-bit lanes of the widest vector can hold between two foldings.
+  constexpr size_t cnCount = (size_t{64} << 14) + 1;
+  const Bytes aWhite(cnCount, 255), aBlack(cnCount, 0);
+  ForEveryLevel([&] {
+    EXPECT_EQ(SquaredDifference(aWhite.data(), aBlack.data(), cnCount), uint64_t{65025} * cnCount);
+    EXPECT_EQ(SquaredDifference(aBlack.data(), aWhite.data(), cnCount), uint64_t{65025} * cnCount);
+  });
+}
+
+TEST(RemoveBackgroundRow, ABrightObjectThatStaysFadesWithinEightPictures) {
+  uint8_t aHistory[8] = {};
+  uint16_t nSum = 0;
+  Bytes aLeft;
+  for (int n = 0; n < 10; ++n) {
+    uint8_t nPixel = 200;
+    RemoveBackgroundRow(&nPixel, &aHistory[n % 8], &nSum, 1);
+    aLeft.push_back(nPixel);
   }
+  EXPECT_EQ(aLeft, (Bytes{200, 175, 150, 125, 100, 75, 50, 25, 0, 0}));
 }
 
-}  // namespace
-
-TEST(PointRows, EveryLevelEqualsTheReferenceForEveryTailAlsoInPlace) {
-  using PairRule = void (*)(const uint8_t*, const uint8_t*, uint8_t*, size_t) noexcept;
-  const std::pair<PairRule, PairRule> aRules[] = {{SubtractSaturated, Reference::SubtractSaturated},
-                                                  {AbsoluteDifferenceRow, Reference::AbsoluteDifferenceRow},
-                                                  {AndRow, Reference::AndRow}};
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    const Bytes aLit = oSamples.Row<uint8_t>(nCount), aDark = oSamples.Row<uint8_t>(nCount);
-    for (const auto& [pfnRow, pfnReference] : aRules) {
-      const auto fnApart = [&](auto pfn, auto* pOut) { pfn(aLit.data(), aDark.data(), pOut, nCount); };
-      ExpectLikeReference(pfnRow, pfnReference, fnApart, Bytes(nCount));
-      const auto fnOverLit = [&](auto pfn, auto* pOut) { pfn(pOut, aDark.data(), pOut, nCount); };
-      ExpectLikeReference(pfnRow, pfnReference, fnOverLit, aLit);
-      const auto fnOverDark = [&](auto pfn, auto* pOut) { pfn(aLit.data(), pOut, pOut, nCount); };
-      ExpectLikeReference(pfnRow, pfnReference, fnOverDark, aDark);
-    }
-    const auto nLower = static_cast<uint8_t>(oSamples.Number(200));
-    const auto nUpper = static_cast<uint8_t>(nLower + oSamples.Number(55));
-    EXPECT_LIKE_REFERENCE(
-        ClampRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nLower, nUpper); }, aLit);
-    EXPECT_LIKE_REFERENCE(
-        ThresholdRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, nUpper, 7, 200); }, aLit);
-    EXPECT_LIKE_REFERENCE(
-        EqualRow, [&](auto pfn, auto* pOut) { pfn(pOut, pOut, nCount, 255); }, aLit);
-  });
+TEST(FingerRow, TheLimitsThemselvesAreNoFinger) {
+  // 80 * 100 is not above 100 * 80, 81 * 100 is.
+  const Words aDistance{8199, 8200, 8199};
+  const Bytes aNear{81, 81, 80}, aFar{100, 100, 100};
+  Bytes aMask(3);
+  FingerRow(aDistance.data(), aNear.data(), aFar.data(), aMask.data(), 3, 8200, 80);
+  EXPECT_EQ(aMask, (Bytes{255, 0, 0}));
 }
 
-TEST(InvertedBlendRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
-  Bytes aIn, aMask;
-  AllPairs(aIn, aMask);
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples&) {
-    const size_t nAll = nCount == 0 ? aIn.size() : nCount;
-    TpGuardedRow<uint8_t> oOut(nAll);
-    InvertedBlendRow(aIn.data(), aMask.data(), oOut.Data(), nAll);
-    EXPECT_TRUE(oOut.GuardsIntact());
-    const Bytes aOut = oOut.Row();
-    for (size_t i = 0; i < nAll; ++i) ASSERT_EQ(aOut[i], 255 - aIn[i] * aMask[i] / 255);
-  });
-}
-
-TEST(AdjustBrightnessRow, EveryLevelDividesExactlyForAllPairsOfSamples) {
-  Bytes aIn, aReference;
-  AllPairs(aIn, aReference);
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    const size_t nAll = nCount % 16 == 0 ? aIn.size() : nCount;
-    const auto nValue = static_cast<uint8_t>(nCount == 0 ? 255 : oSamples.Number(255));
-    const auto nMinimum = static_cast<uint8_t>(nCount == 0 ? 1 : 1 + oSamples.Number(30));
-    EXPECT_LIKE_REFERENCE(
-        AdjustBrightnessRow,
-        [&](auto pfn, auto* pOut) { pfn(aIn.data(), aReference.data(), pOut, nAll, nValue, nMinimum); },
-        Bytes(nAll));
-  });
-}
-
-TEST(BalanceCellsRow, EveryLevelEqualsTheReferenceForEveryTailInPlace) {
-  ForEveryLevelAndTail([](size_t nCells, ClSamples& oSamples) {
-    Bytes aMeans[4];
-    for (Bytes& aMean : aMeans) aMean = oSamples.Row<uint8_t>(nCells);
-    EXPECT_LIKE_REFERENCE(
-        BalanceCellsRow,
-        [&](auto pfn, auto* pUpper, auto* pLower) {
-          pfn({{aMeans[0].data(), aMeans[1].data(), aMeans[2].data(), aMeans[3].data()},
-               pUpper,
-               pLower,
-               pUpper,
-               pLower},
-              nCells);
-        },
-        oSamples.Row<uint8_t>(2 * nCells), oSamples.Row<uint8_t>(2 * nCells));
-  });
+TEST(DecideByBrightnessRow, TheLimitsThemselvesAreLeftToTheTexture) {
+  Words aRoot(65536, 4711);
+  const Bytes aSignal = {13, 14, 64, 65};
+  Words aDistance = {1, 2, 65535, 4};
+  DecideByBrightnessRow(aSignal.data(), aDistance.data(), 4, {14, 64, 8847, aRoot.data()});
+  EXPECT_EQ(aDistance, (Words{8847, 4711, 4711, 0}));
 }
 
 TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
@@ -99,4 +61,14 @@ TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
   HistogramRow(aIn.data(), 5, aBins.data());
   EXPECT_EQ((std::vector<int32_t>{aBins[0], aBins[3], aBins[255], aBins[4]}),
             (std::vector<int32_t>{2, 4, 2, 1}));
+}
+
+TEST(RollRows, CountAndDifferenceTakeOnlyWhatBothShow) {
+  const Bytes aA{0, 254, 255, 10}, aB{0, 255, 254, 250};
+  EXPECT_EQ(CountBothBelowWhite(aA.data(), aB.data(), 4), 2u);
+  const Bytes aFirstMask{255, 254, 255, 255}, aSecondMask{255, 255, 0, 255};
+  MaskedDifference oTotal;
+  SquaredDifferenceWhere(aA.data(), aB.data(), aFirstMask.data(), aSecondMask.data(), 4, oTotal);
+  EXPECT_EQ(oTotal.m_nSum, 240u * 240u);
+  EXPECT_EQ(oTotal.m_nCount, 2u);
 }

@@ -1,5 +1,5 @@
-// Tests of the kernels of the filters and of the search for runs.
-#include <functional>
+// Tests of the kernels that look at more than one place: windows, neighbours, the warp, splines.
+#include <cmath>
 
 #include "KernelRows.h"
 
@@ -8,61 +8,36 @@ using namespace MXKernels;
 namespace {
 
 using Sums = std::vector<uint32_t>;
+using Doubles = std::vector<double>;
 
-template <typename T, typename TKernel>
-void ExpectMeansLikeReference(TKernel pfnKernel, TKernel pfnReference) {
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    // Half widths from 0 to beyond the row; areas on both sides of where the arithmetic changes. The sum
-    // of a window of 16-bit samples must fit 32 bits.
-    const unsigned nMax = static_cast<T>(~T{0});
-    const size_t nHalf = oSamples.Number(static_cast<unsigned>(nCount) + 2);
-    const unsigned nMostRows =
-        std::min<unsigned>(1000U, 65536U * 255U / nMax / static_cast<unsigned>(2 * nHalf + 1));
-    const unsigned nRows = 1 + oSamples.Number(nMostRows);
-    const Sums aSums = oSamples.Row<uint32_t>(nCount, nRows * nMax);
-    Sums aPrefix(nCount + 1);
-    ExpectLikeReference(
-        pfnKernel, pfnReference,
-        [&](auto pfn, auto* pOut) { pfn(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), pOut); },
-        std::vector<T>(nCount));
-  });
+template <typename T>
+void ExpectMeansLikeReference(size_t nCount, ClSamples& oSamples) {
+  // Half widths from 0 to beyond the row; areas on both sides of where the arithmetic changes. The sum
+  // of a window of 16-bit samples must fit 32 bits.
+  const unsigned nMax = static_cast<T>(~T{0});
+  const size_t nHalf = oSamples.Number(static_cast<unsigned>(nCount) + 2);
+  const unsigned nMostRows =
+      std::min<unsigned>(1000U, 65536U * 255U / nMax / static_cast<unsigned>(2 * nHalf + 1));
+  const unsigned nRows = 1 + oSamples.Number(nMostRows);
+  const Sums aSums = oSamples.Row<uint32_t>(nCount, nRows * nMax);
+  Sums aPrefix(nCount + 1);
+  ExpectLikeReference(
+      [&](auto* pOut) { SlidingMeanRow(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), pOut); },
+      std::vector<T>(nCount));
 }
 
-/// The three kernels of column sums; the reference of moving is adding one row and taking another.
-template <typename T, typename TKernel, typename TMove>
-void ExpectColumnSumsLikeReference(TKernel pfnAdd, TKernel pfnPlainAdd, TKernel pfnTake, TKernel pfnPlainTake,
-                                   TMove pfnMove) {
-  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
-    const auto aEnter = oSamples.Row<T>(nCount), aLeave = oSamples.Row<T>(nCount);
-    const Sums aSums = oSamples.Row<uint32_t>(nCount, 1U << 30);
-    const auto fnCall = [&](auto pfn, auto* pSums) { pfn(aEnter.data(), pSums, nCount); };
-    ExpectLikeReference(pfnAdd, pfnPlainAdd, fnCall, aSums);
-    ExpectLikeReference(pfnTake, pfnPlainTake, fnCall, aSums);
-    const auto fnPlainMove = [=](const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nSums) noexcept {
-      pfnPlainAdd(pEnter, pSums, nSums);
-      pfnPlainTake(pLeave, pSums, nSums);
-    };
-    using Move = std::function<void(const T*, const T*, uint32_t*, size_t)>;
-    ExpectLikeReference(
-        Move(pfnMove), Move(fnPlainMove),
-        [&](const Move& fn, auto* pSums) { fn(aEnter.data(), aLeave.data(), pSums, nCount); }, aSums);
-  });
+/// Places to both sides of the point, some of them on it.
+Doubles Places(size_t nCount, ClSamples& oSamples) {
+  Doubles aX(nCount);
+  for (double& dX : aX) dX = oSamples.Number(3) == 0 ? 800 : oSamples.Number(1600000) / 1000.0;
+  return aX;
 }
 
 }  // namespace
 
-TEST(ColumnSums, EveryLevelEqualsTheReferenceForEveryTail) {
-  ExpectColumnSumsLikeReference<uint8_t>(AddToColumnSumsU8, Reference::AddToColumnSumsU8,
-                                         TakeFromColumnSumsU8, Reference::TakeFromColumnSumsU8,
-                                         MoveColumnSumsU8);
-  ExpectColumnSumsLikeReference<uint16_t>(AddToColumnSumsU16, Reference::AddToColumnSumsU16,
-                                          TakeFromColumnSumsU16, Reference::TakeFromColumnSumsU16,
-                                          MoveColumnSumsU16);
-}
-
 TEST(SlidingMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWidth) {
-  ExpectMeansLikeReference<uint8_t>(SlidingMeanRowU8, Reference::SlidingMeanRowU8);
-  ExpectMeansLikeReference<uint16_t>(SlidingMeanRowU16, Reference::SlidingMeanRowU16);
+  ForEveryLevelAndTail(ExpectMeansLikeReference<uint8_t>);
+  ForEveryLevelAndTail(ExpectMeansLikeReference<uint16_t>);
 }
 
 TEST(SlidingMeanRow, ASumJustBelowAMultipleOfTheAreaIsCutAndTheMultipleIsNot) {
@@ -73,7 +48,7 @@ TEST(SlidingMeanRow, ASumJustBelowAMultipleOfTheAreaIsCutAndTheMultipleIsNot) {
       Sums aSums, aPrefix(512);
       for (uint32_t q = 1; q <= 255; ++q) aSums.insert(aSums.end(), {q * nRows - 1, q * nRows});
       Bytes aOut(aSums.size());
-      SlidingMeanRowU8(aSums.data(), aSums.size(), 0, nRows, aPrefix.data(), aOut.data());
+      SlidingMeanRow(aSums.data(), aSums.size(), 0, nRows, aPrefix.data(), aOut.data());
       for (size_t i = 0; i < aOut.size(); ++i)
         ASSERT_EQ(aOut[i], (i + 1) / 2) << nRows << " rows, place " << i;
     }
@@ -89,39 +64,26 @@ TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
     const auto aIn = oSamples.Row<uint8_t>(nCount, 5);
     const auto aSums = oSamples.Row<uint32_t>(nCount, nRows * 5);
     Sums aPrefix(nCount + 1);
-    EXPECT_LIKE_REFERENCE(
-        AboveMeanRow,
-        [&](auto pfn, auto* pOut) { pfn(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), pOut); },
+    ExpectLikeReference(
+        [&](auto* pOut) { AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), pOut); },
         Bytes(nCount));
   });
 }
 
-TEST(RankRows, EveryLevelEqualsTheReferenceForEveryTailAndWidthAlsoInPlace) {
+TEST(RankWindows, EveryLevelEqualsTheReferenceForEveryTailAndWidthAlsoInPlace) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     // Every second row is black and nearly black: what lies outside it must not show.
-    const Bytes aA = oSamples.Row<uint8_t>(nCount, nCount % 2 == 0 ? 255 : 1);
-    const Bytes aB = oSamples.Row<uint8_t>(nCount);
-    const auto fnRows = [&](auto pfn, auto* pOut) { pfn(pOut, aB.data(), pOut, nCount); };
-    EXPECT_LIKE_REFERENCE(MinRows, fnRows, aA);
-    EXPECT_LIKE_REFERENCE(MaxRows, fnRows, aA);
+    const Bytes aIn = oSamples.Row<uint8_t>(nCount, nCount % 2 == 0 ? 255 : 1);
     const size_t nHalf = oSamples.Number(nCount < 40 ? static_cast<unsigned>(nCount) + 1 : 40U);
-    const auto fnWindows = [&](auto pfn, auto* pOut, auto* pInPlace) {
-      TpGuardedRow<uint8_t> oWork(nCount + 2 * nHalf);
-      pfn(aA.data(), nCount, nHalf, oWork.Data(), pOut);
-      pfn(pInPlace, nCount, nHalf, oWork.Data(), pInPlace);
-      EXPECT_TRUE(oWork.GuardsIntact());
-    };
-    EXPECT_LIKE_REFERENCE(MinWindowRow, fnWindows, Bytes(nCount), aA);
-    EXPECT_LIKE_REFERENCE(MaxWindowRow, fnWindows, Bytes(nCount), aA);
-  });
-}
-
-TEST(ZeroBitsRow, EveryLevelEqualsTheReferenceForEveryTail) {
-  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    const auto aIn = oSamples.Row<uint8_t>(nCount, 1 + oSamples.Number(254));
-    EXPECT_LIKE_REFERENCE(
-        ZeroBitsRow, [&](auto pfn, auto* pBits) { pfn(aIn.data(), pBits, nCount); },
-        std::vector<uint64_t>((nCount + 63) / 64));
+    for (const auto* pKernel : {&MinWindowRow, &MaxWindowRow}) {
+      Bytes aWork(nCount + 2 * nHalf);
+      ExpectLikeReference(
+          [&](auto* pOut, auto* pInPlace) {
+            (*pKernel)(aIn.data(), nCount, nHalf, aWork.data(), pOut);
+            (*pKernel)(pInPlace, nCount, nHalf, aWork.data(), pInPlace);
+          },
+          Bytes(nCount), aIn);
+    }
   });
 }
 
@@ -135,18 +97,96 @@ TEST(TapRows, EveryLevelEqualsTheReferenceForEveryTail) {
     for (size_t k = 0; k < nTaps; ++k) aTaps.push_back(static_cast<int32_t>(oSamples.Number(8190)) - 4095);
     const auto aIn = oSamples.Row<uint8_t>(4 * nCount);
     const std::vector<int8_t> aSigned(aIn.begin(), aIn.end());
-    const std::vector<int32_t> aOut(nCount);
-    const auto fnRows = [&](const auto& aRows) {
-      return [&](auto pfn, auto* pOut) {
-        pfn(aRows.data(), aOffsets.data(), aTaps.data(), nTaps, pOut, nCount);
-      };
-    };
-    EXPECT_LIKE_REFERENCE(WeightRowsU8, fnRows(aIn), aOut);
-    EXPECT_LIKE_REFERENCE(WeightRowsI8, fnRows(aSigned), aOut);
     const auto aWords = oSamples.Row<uint32_t>(nCount + nTaps - 1, 255 * 4095);
-    const std::vector<int32_t> aLine(aWords.begin(), aWords.end());
-    EXPECT_LIKE_REFERENCE(
-        WeightLine, [&](auto pfn, auto* pOut) { pfn(aLine.data(), aTaps.data(), nTaps, pOut, nCount); },
-        aOut);
+    const std::vector<int32_t> aLine(aWords.begin(), aWords.end()), aOut(nCount);
+    ExpectLikeReference(
+        [&](auto* pUnsigned, auto* pSigned, auto* pAlong) {
+          WeightRows(aIn.data(), aOffsets.data(), aTaps.data(), nTaps, pUnsigned, nCount);
+          WeightRows(aSigned.data(), aOffsets.data(), aTaps.data(), nTaps, pSigned, nCount);
+          WeightLine(aLine.data(), aTaps.data(), nTaps, pAlong, nCount);
+        },
+        aOut, aOut, aOut);
   });
+}
+
+TEST(TextureClassRow, EveryLevelEqualsTheReferenceForEveryTail) {
+  const uint8_t aClasses[16] = {0, 1, 1, 2, 1, 5, 2, 3, 1, 2, 5, 3, 2, 3, 3, 4};
+  ForEveryLevelAndTail([&](size_t nCount, ClSamples& oSamples) {
+    // Few grey levels, so that equal neighbours occur.
+    const Bytes aAbove = oSamples.Row<uint8_t>(nCount, 3), aBelow = oSamples.Row<uint8_t>(nCount, 3);
+    const Bytes aCentre = oSamples.Row<uint8_t>(nCount + 2, nCount % 2 ? 3 : 255);
+    ExpectLikeReference(
+        [&](auto* pOut) {
+          TextureClassRow(aAbove.data(), aCentre.data() + 1, aBelow.data(), pOut, nCount, aClasses);
+        },
+        Bytes(nCount));
+  });
+}
+
+TEST(WarpRow, EveryLevelEqualsTheReferenceForEveryTail) {
+  constexpr size_t cnRowBytes = 61, cnRows = 40, cnPhases = 32;
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const Bytes aSource = oSamples.Row<uint8_t>(cnRowBytes * cnRows);
+    std::vector<int16_t> aWeights(16 * cnPhases);
+    // Entries from harmless ones to the most extreme that 16 bits hold.
+    for (size_t i = 0; i < aWeights.size(); ++i) {
+      const unsigned nSpan = i < 16 ? 32767 : 2000;
+      aWeights[i] =
+          static_cast<int16_t>(static_cast<int>(oSamples.Number(2 * nSpan)) - static_cast<int>(nSpan));
+    }
+    std::vector<WarpMapEntry> aMap(nCount);
+    for (WarpMapEntry& oEntry : aMap) {
+      const unsigned nX = oSamples.Number(cnRowBytes - 4), nY = oSamples.Number(cnRows - 4);
+      oEntry.m_nOffset = oSamples.Number(9) == 0 ? -1 : static_cast<int32_t>(nY * cnRowBytes + nX);
+      oEntry.m_nPhase = oSamples.Number(cnPhases - 1);
+    }
+    const auto pWeights = reinterpret_cast<const int16_t(*)[4][4]>(aWeights.data());
+    ExpectLikeReference(
+        [&](auto* pOut) { WarpRow(aMap.data(), nCount, aSource.data(), cnRowBytes, pWeights, 17, pOut); },
+        Bytes(nCount));
+  });
+}
+
+TEST(WarpRow, RoundsUpByAllButOneThousandTwentyFourthAndClips) {
+  const uint8_t aSource[16] = {0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255};
+  int16_t aWeights[5][4][4] = {};
+  aWeights[0][1][1] = 1;                                    // (1023 + 1) >> 10 = 1
+  aWeights[1][1][1] = 1025;                                 // (1023 + 1025) >> 10 = 2
+  aWeights[2][3][3] = -1024;                                // below 0
+  aWeights[3][3][3] = 2000;                                 // above 255
+  for (int16_t& nWeight : aWeights[4][3]) nWeight = 32767;  // the largest sum passes 16 bits by far
+  const WarpMapEntry aMap[6] = {{0, 0}, {0, 1}, {0, 2}, {0, 3}, {0, 4}, {-1, 0}};
+  ForEveryLevel([&] {
+    // From the first entry on and from the last four, so that each of them is taken by the vectors.
+    Bytes aOut(6), aLast(4);
+    WarpRow(aMap, 6, aSource, 4, aWeights, 99, aOut.data());
+    EXPECT_EQ(aOut, (Bytes{1, 2, 0, 255, 255, 99}));
+    WarpRow(aMap + 2, 4, aSource, 4, aWeights, 99, aLast.data());
+    EXPECT_EQ(aLast, (Bytes{0, 255, 255, 99}));
+  });
+}
+
+TEST(SplineRows, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const Doubles aX = Places(nCount, oSamples), aStart = Places(nCount, oSamples);
+    for (const SplinePoint oPoint :
+         {SplinePoint{800, 0}, SplinePoint{800, 1e-200}, SplinePoint{-3.7, 640000.3}}) {
+      ExpectLikeReference(
+          [&](auto* pSum, auto* pA, auto* pB) {
+            AddSplineBasisRow(aX.data(), nCount, oPoint, 1.0 / 3, pSum);
+            AddSplineBasisPairRow(aX.data(), nCount, oPoint, -0.7, 1e-9, pA, pB);
+          },
+          aStart, aStart, aStart);
+    }
+  });
+}
+
+TEST(SplineRows, AddWhatTheFormulaSaysAndNothingAtThePointItself) {
+  const Doubles aX = {2, 5, 1e150, std::nan("")};
+  Doubles aSum = {10, 10, 10, 10};
+  AddSplineBasisRow(aX.data(), 4, {2, 0}, 0.5, aSum.data());
+  EXPECT_EQ(aSum[0], 10);
+  EXPECT_NEAR(aSum[1], 10 + 0.5 * 9 * std::log(9.0), 1e-12);
+  EXPECT_NEAR(aSum[2] / (0.5 * 1e300 * std::log(1e300)), 1, 1e-12);
+  EXPECT_TRUE(std::isnan(aSum[3]));
 }
