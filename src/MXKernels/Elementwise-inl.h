@@ -34,8 +34,10 @@ HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size
 template <class TPick>
 HWY_INLINE void ForEachPair(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount,
                             TwoRows<uint8_t>& fnReference, const TPick& fnPick) {
-  const auto Rule = [=](Bytes d, size_t i)
-                        HWY_ATTR { return fnPick(hn::LoadU(d, pA + i), hn::LoadU(d, pB + i)); };
+  const auto Rule = [=](Bytes d, size_t i) HWY_ATTR {
+    const auto vA = hn::LoadU(d, pA + i);
+    return fnPick(vA, hn::LoadU(d, pB + i));
+  };
   if (!ForEachVector(Bytes(), Rule, pOut, nCount)) fnReference(pA, pB, pOut, nCount);
 }
 

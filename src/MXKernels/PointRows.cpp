@@ -50,8 +50,10 @@ void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThr
 }
 
 void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept {
-  const auto Rule = [=](Bytes d, size_t i)
-                        HWY_ATTR { return hn::VecFromMask(d, hn::LoadU(d, pIn + i) == hn::Set(d, nValue)); };
+  const auto Rule = [=](Bytes d, size_t i) HWY_ATTR {
+    const auto bEqual = hn::LoadU(d, pIn + i) == hn::Set(d, nValue);
+    return hn::VecFromMask(d, bEqual);
+  };
   if (!ForEachVector(Bytes(), Rule, pOut, nCount)) Reference::EqualRow(pIn, pOut, nCount, nValue);
 }
 
