@@ -21,27 +21,6 @@ TEST(SquaredDifference, TheLongestRowsDoNotWrapALane) {
   });
 }
 
-TEST(RemoveBackgroundRow, ABrightObjectThatStaysFadesWithinEightPictures) {
-  uint8_t aHistory[8] = {};
-  uint16_t nSum = 0;
-  Bytes aLeft;
-  for (int n = 0; n < 10; ++n) {
-    uint8_t nPixel = 200;
-    RemoveBackgroundRow(&nPixel, &aHistory[n % 8], &nSum, 1);
-    aLeft.push_back(nPixel);
-  }
-  EXPECT_EQ(aLeft, (Bytes{200, 175, 150, 125, 100, 75, 50, 25, 0, 0}));
-}
-
-TEST(FingerRow, TheLimitsThemselvesAreNoFinger) {
-  // 80 * 100 is not above 100 * 80, 81 * 100 is.
-  const Words aDistance{8199, 8200, 8199};
-  const Bytes aNear{81, 81, 80}, aFar{100, 100, 100};
-  Bytes aMask(3);
-  FingerRow(aDistance.data(), aNear.data(), aFar.data(), aMask.data(), 3, 8200, 80);
-  EXPECT_EQ(aMask, (Bytes{255, 0, 0}));
-}
-
 TEST(DecideByBrightnessRow, TheLimitsThemselvesAreLeftToTheTexture) {
   Words aRoot(65536, 4711);
   const Bytes aSignal = {13, 14, 64, 65};

@@ -147,25 +147,6 @@ TEST(WarpRow, EveryLevelEqualsTheReferenceForEveryTail) {
   });
 }
 
-TEST(WarpRow, RoundsUpByAllButOneThousandTwentyFourthAndClips) {
-  const uint8_t aSource[16] = {0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 255, 255, 255, 255, 255, 255};
-  int16_t aWeights[5][4][4] = {};
-  aWeights[0][1][1] = 1;                                    // (1023 + 1) >> 10 = 1
-  aWeights[1][1][1] = 1025;                                 // (1023 + 1025) >> 10 = 2
-  aWeights[2][3][3] = -1024;                                // below 0
-  aWeights[3][3][3] = 2000;                                 // above 255
-  for (int16_t& nWeight : aWeights[4][3]) nWeight = 32767;  // the largest sum passes 16 bits by far
-  const WarpMapEntry aMap[6] = {{0, 0}, {0, 1}, {0, 2}, {0, 3}, {0, 4}, {-1, 0}};
-  ForEveryLevel([&] {
-    // From the first entry on and from the last four, so that each of them is taken by the vectors.
-    Bytes aOut(6), aLast(4);
-    WarpRow(aMap, 6, aSource, 4, aWeights, 99, aOut.data());
-    EXPECT_EQ(aOut, (Bytes{1, 2, 0, 255, 255, 99}));
-    WarpRow(aMap + 2, 4, aSource, 4, aWeights, 99, aLast.data());
-    EXPECT_EQ(aLast, (Bytes{0, 255, 255, 99}));
-  });
-}
-
 TEST(SplineRows, EveryLevelEqualsTheReferenceForEveryTail) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Doubles aX = Places(nCount, oSamples), aStart = Places(nCount, oSamples);
