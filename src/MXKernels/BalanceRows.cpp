@@ -33,7 +33,7 @@ void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t*
   }
 }
 
-template <class VFloat>
+template <typename VFloat>
 HWY_INLINE hn::Vec<BytesOfWords> BalanceSamples(hn::Vec<BytesOfWords> vSample, VFloat vTarget, VFloat vMean) {
   const hn::Rebind<int32_t, BytesOfWords> d32;
   const hn::Rebind<float, BytesOfWords> dFloat;

@@ -40,7 +40,7 @@ HWY_INLINE void PrefixSums(const uint32_t* pSums, size_t nCount, uint32_t* pPref
 /// 0.5 / nArea. The reciprocal and the product are each off by a relative 2^-24 at most, so that a quotient
 /// below 256 is off by less than 2^-15: for nArea up to 2^14 the truncation gives the integer division.
 /// Sums up to 255 * 2^14 with half a unit are exact in a float.
-template <class D>
+template <typename D>
 HWY_INLINE hn::Vec<D> MeansInFloats(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum, float fReciprocal) {
   const hn::Rebind<int32_t, D> dSigned32;
   const hn::Rebind<float, D> dFloat;
@@ -49,7 +49,7 @@ HWY_INLINE hn::Vec<D> MeansInFloats(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum, 
 }
 
 /// The same in 64-bit floats, good for every sum of 32 bits: a quotient below 2^16 is off by less than 2^-36.
-template <class D>
+template <typename D>
 HWY_INLINE hn::Vec<D> MeansInDoubles(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum, double dReciprocal) {
   const hn::Rebind<int32_t, D> dSigned32;
   const hn::Rebind<double, D> dDouble;
@@ -60,7 +60,7 @@ HWY_INLINE hn::Vec<D> MeansInDoubles(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum,
 }
 
 /// The sums of the windows of nWidth columns that begin at i.
-template <class D>
+template <typename D>
 HWY_INLINE hn::Vec<hn::Rebind<uint32_t, D>> WindowSums(D, const uint32_t* pPrefix, size_t nWidth, size_t i) {
   const hn::Rebind<uint32_t, D> d32;
   return hn::LoadU(d32, pPrefix + i + nWidth) - hn::LoadU(d32, pPrefix + i);

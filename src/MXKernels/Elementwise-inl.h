@@ -20,7 +20,7 @@ using BytesOfWords = hn::Rebind<uint8_t, hn::ScalableTag<int32_t>>;
 ///
 /// The last vector overlaps the one before it. It is worked out first and stored last, so that pOut may
 /// be one of the inputs: no sample that was already replaced is read again.
-template <class D, class TRule>
+template <typename D, typename TRule>
 HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size_t nCount) {
   const size_t nLanes = hn::Lanes(d);
   if (nCount < nLanes) return false;
@@ -31,7 +31,7 @@ HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size
 }
 
 /// pOut[i] = fnPick(pA[i], pB[i]), worked out on vectors of bytes, and by fnReference for fewer than one holds.
-template <class TPick>
+template <typename TPick>
 HWY_INLINE void ForEachPair(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount,
                             TwoRows<uint8_t>& fnReference, const TPick& fnPick) {
   const auto Rule = [=](Bytes d, size_t i) HWY_ATTR {
@@ -43,7 +43,7 @@ HWY_INLINE void ForEachPair(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut,
 
 /// 32-bit numbers limited to 0 .. 255. The limit above comes first because x86 narrows by way of 16 bits,
 /// where a number from 32768 on would turn into 0.
-template <class D, class V>
+template <typename D, typename V>
 HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
 }
@@ -53,7 +53,7 @@ using HalfBytes = hn::Half<Bytes>;
 
 /// A rule for vectors of bytes, of one that works them out half a vector at a time because it needs 16 bits for
 /// each.
-template <class TRule>
+template <typename TRule>
 HWY_INLINE auto ByHalves(const TRule& oRule) {
   return [=](Bytes d, size_t i) HWY_ATTR {
     const HalfBytes dHalf;
@@ -62,13 +62,13 @@ HWY_INLINE auto ByHalves(const TRule& oRule) {
 }
 
 /// 16-bit numbers of at most 255 as bytes.
-template <class D, class V>
+template <typename D, typename V>
 HWY_INLINE hn::Vec<D> NarrowToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::BitCast(hn::RebindToSigned<hn::DFromV<V>>(), v));
 }
 
 /// x / 255 truncated, for every x up to 65534.
-template <class V>
+template <typename V>
 HWY_INLINE V DivideBy255(V v) {
   return hn::ShiftRight<8>(v + hn::Set(hn::DFromV<V>(), 1) + hn::ShiftRight<8>(v));
 }

@@ -18,7 +18,7 @@ namespace MXKernels::HWY_NAMESPACE {
 struct PickMin {
   static constexpr uint8_t m_cnNeutral = 255;
   static constexpr TwoRows<uint8_t>& m_rfnReference = Reference::MinRows;
-  template <class V>
+  template <typename V>
   V operator()(V vA, V vB) const {
     return hn::Min(vA, vB);
   }
@@ -27,13 +27,13 @@ struct PickMin {
 struct PickMax {
   static constexpr uint8_t m_cnNeutral = 0;
   static constexpr TwoRows<uint8_t>& m_rfnReference = Reference::MaxRows;
-  template <class V>
+  template <typename V>
   V operator()(V vA, V vB) const {
     return hn::Max(vA, vB);
   }
 };
 
-template <class TPick>
+template <typename TPick>
 HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) {
   ForEachPair(pA, pB, pOut, nCount, TPick::m_rfnReference, TPick());
 }
@@ -41,7 +41,7 @@ HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, si
 /// Windows of 1, 2, 4, ... samples that begin at x, each made of two of the size before, until twice the
 /// size would pass the width; two overlapping ones then make the full width. Every pass reads only
 /// places at or behind the one that it writes, so that one buffer serves.
-template <class TPick>
+template <typename TPick>
 HWY_INLINE void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) {
   if (nCount == 0) return;
   const size_t nWidth = 2 * nHalf + 1;
