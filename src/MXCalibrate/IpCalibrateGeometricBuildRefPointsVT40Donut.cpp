@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "MXCalibrate/RefPointsLog.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXMath/RegressionLine.h"
 #include "MXTools/Exception.h"
 #include "portable/Math.h"
@@ -57,7 +57,7 @@ ClDonut::ClIpCalibrateGeometricBuildRefPointsVT40Donut() {
 }
 
 ClProcessorBase* ClDonut::Create() const {
-  return NewProcessor<ClDonut>();
+  return MakeProcessor<ClDonut>();
 }
 
 void ClDonut::GetGridColumnLengths(TpArrayStatic<int>& aLengths) {

@@ -5,8 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/NewIpProcessorBase.h"
-#include "MXImageProcessing/NewProcessor.h"
 #include "MXKernels/SplineRows.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/TpArrayDynamic.h"
@@ -88,7 +88,7 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
 template <typename TBasis>
 class ClIpInterpolate2D : public ClIpInterpolate2DBase {
  public:
-  ClProcessorBase* Create() const override { return NewProcessor<ClIpInterpolate2D>(); }
+  ClProcessorBase* Create() const override { return MakeProcessor<ClIpInterpolate2D>(); }
 
  protected:
   double Basis(double dSquaredDistance) const override { return TBasis::Value(dSquaredDistance); }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "MXCalibrate/IpCalibrateGeometricBase.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 
 /// Builds the map of ClIpCalibrateGeometricBase from one spline evaluation for each target pixel and plane.
 class ClIpCalibrateGeometricDense : public ClIpCalibrateGeometricBase {
@@ -14,7 +14,7 @@ class ClIpCalibrateGeometricDense : public ClIpCalibrateGeometricBase {
 template <typename I>
 class TpIpCalibrateGeometric : public ClIpCalibrateGeometricDense {
  public:
-  ClProcessorBase* Create() const override { return NewProcessor<TpIpCalibrateGeometric>(); }
+  ClProcessorBase* Create() const override { return MakeProcessor<TpIpCalibrateGeometric>(); }
   const char* Name() const override { return "TpIpCalibrateGeometric"; }
 
  protected:

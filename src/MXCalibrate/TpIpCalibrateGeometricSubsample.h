@@ -2,7 +2,7 @@
 #pragma once
 
 #include "MXCalibrate/IpCalibrateGeometricBase.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 
 /// Builds the map of ClIpCalibrateGeometricBase from spline evaluations at every 8th target row and column,
 /// with positions between them interpolated linearly.
@@ -29,7 +29,7 @@ class ClIpCalibrateGeometricCoarse : public ClIpCalibrateGeometricBase {
 template <typename I>
 class TpIpCalibrateGeometricSubsample : public ClIpCalibrateGeometricCoarse {
  public:
-  ClProcessorBase* Create() const override { return NewProcessor<TpIpCalibrateGeometricSubsample>(); }
+  ClProcessorBase* Create() const override { return MakeProcessor<TpIpCalibrateGeometricSubsample>(); }
   const char* Name() const override { return "TpIpCalibrateGeometricSubsample"; }
 
  protected:

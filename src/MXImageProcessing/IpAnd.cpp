@@ -1,12 +1,12 @@
 // The conjunction, row by row on bytes.
 #include "MXImageProcessing/IpAnd.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/OverlapLoop.h"
 #include "MXKernels/PointRows.h"
 
 ClProcessorBase* ClIpAnd::Create() const {
-  return NewProcessor<ClIpAnd>();
+  return MakeProcessor<ClIpAnd>();
 }
 
 bool ClIpAnd::CanApply() {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/ImageTypeDispatch.h"
@@ -35,7 +35,7 @@ long ClIpBinarizeGlobal::ApplyParam(ClImage& oIn, ClImage& oOut, double dThresho
 }
 
 ClProcessorBase* ClIpBinarizeGlobal::Create() const {
-  return NewProcessor<ClIpBinarizeGlobal>();
+  return MakeProcessor<ClIpBinarizeGlobal>();
 }
 
 void ClIpBinarizeGlobal::SetParametersToDefault() {

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "ColumnSums.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
@@ -23,7 +23,7 @@ long ClIpBinarizeLocal2::ApplyParam(ClImage& oIn, ClImage& oOut, long nWidthX, l
 }
 
 ClProcessorBase* ClIpBinarizeLocal2::Create() const {
-  return NewProcessor<ClIpBinarizeLocal2>();
+  return MakeProcessor<ClIpBinarizeLocal2>();
 }
 
 void ClIpBinarizeLocal2::SetParametersToDefault() {

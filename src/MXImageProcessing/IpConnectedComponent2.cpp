@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "portable/Math.h"
@@ -59,7 +59,7 @@ long ClIpConnectedComponent2::ApplyParam(ClImage& oObjects, ComponentsArray_t& a
 }
 
 ClProcessorBase* ClIpConnectedComponent2::Create() const {
-  return NewProcessor<ClIpConnectedComponent2>();
+  return MakeProcessor<ClIpConnectedComponent2>();
 }
 
 bool ClIpConnectedComponent2::GreyImageFits() const {

@@ -1,12 +1,12 @@
 // The conversion of each pair of element types.
 #include "MXImageProcessing/IpConvertDataType.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleCast.h"
 #include "MXImageProcessing/SampleLoop.h"
 
 ClProcessorBase* ClIpConvertDataType::Create() const {
-  return NewProcessor<ClIpConvertDataType>();
+  return MakeProcessor<ClIpConvertDataType>();
 }
 
 long ClIpConvertDataType::DoProcess(ClImage& oIn, ClImage& oOut) {

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
@@ -27,7 +27,7 @@ long ClIpCut::ApplyParam(ClImage& oIn, long nX, long nY, long nWidth, long nHeig
 }
 
 ClProcessorBase* ClIpCut::Create() const {
-  return NewProcessor<ClIpCut>();
+  return MakeProcessor<ClIpCut>();
 }
 
 void ClIpCut::SetParametersToDefault() {

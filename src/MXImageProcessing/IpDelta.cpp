@@ -1,7 +1,7 @@
 // The distance's rule.
 #include "MXImageProcessing/IpDelta.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/PointRows.h"
 #include "TpIp2to1RuleImpl.h"
 
@@ -18,5 +18,5 @@ struct ClRuleDelta {
 template class TpIp2to1Rule<ClRuleDelta>;
 
 ClProcessorBase* ClIpDelta::Create() const {
-  return NewProcessor<ClIpDelta>();
+  return MakeProcessor<ClIpDelta>();
 }

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
 #include "portable/Math.h"
@@ -18,7 +18,7 @@ long ClIpFilterGauss::ApplyParam(ClImage& oIn, ClImage& oOut, double dDeviation,
 }
 
 ClProcessorBase* ClIpFilterGauss::Create() const {
-  return NewProcessor<ClIpFilterGauss>();
+  return MakeProcessor<ClIpFilterGauss>();
 }
 
 void ClIpFilterGauss::SetParametersToDefault() {

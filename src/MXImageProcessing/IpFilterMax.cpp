@@ -2,7 +2,7 @@
 #include "MXImageProcessing/IpFilterMax.h"
 
 #include "IpFilterRankImpl.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/RankRows.h"
 
 struct ClRankMax {
@@ -17,5 +17,5 @@ struct ClRankMax {
 template class TpIpFilterRank<ClRankMax>;
 
 ClProcessorBase* ClIpFilterMax::Create() const {
-  return NewProcessor<ClIpFilterMax>();
+  return MakeProcessor<ClIpFilterMax>();
 }

@@ -7,7 +7,7 @@
 
 #include "ColumnSums.h"
 #include "DirectedWindows.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
@@ -34,7 +34,7 @@ long ClIpFilterMid::ApplyParam(ClImage& oIn, ClImage& oOut, long nWidth) {
 }
 
 ClProcessorBase* ClIpFilterMid::Create() const {
-  return NewProcessor<ClIpFilterMid>();
+  return MakeProcessor<ClIpFilterMid>();
 }
 
 long ClIpFilterMid::Initialize() {

@@ -2,7 +2,7 @@
 #include "MXImageProcessing/IpFilterMin.h"
 
 #include "IpFilterRankImpl.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/RankRows.h"
 
 struct ClRankMin {
@@ -17,5 +17,5 @@ struct ClRankMin {
 template class TpIpFilterRank<ClRankMin>;
 
 ClProcessorBase* ClIpFilterMin::Create() const {
-  return NewProcessor<ClIpFilterMin>();
+  return MakeProcessor<ClIpFilterMin>();
 }

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/SampleCast.h"
 #include "MXKernels/LayoutRows.h"
@@ -37,7 +37,7 @@ long ClIpFlip::ApplyParam(ClImage& oIn, ClImage& oOut, bool bFlipX, bool bFlipY)
 }
 
 ClProcessorBase* ClIpFlip::Create() const {
-  return NewProcessor<ClIpFlip>();
+  return MakeProcessor<ClIpFlip>();
 }
 
 bool ClIpFlip::CanApply() {

@@ -1,7 +1,7 @@
 // The reversed value.
 #include "MXImageProcessing/IpInvert.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
 
 namespace {
@@ -30,7 +30,7 @@ ClIpInvert::ClIpInvert() : NewIpBase::ClIp1to1Base(true, true) {
 }
 
 ClProcessorBase* ClIpInvert::Create() const {
-  return NewProcessor<ClIpInvert>();
+  return MakeProcessor<ClIpInvert>();
 }
 
 double ClIpInvert::GetValue(ClImage& oIn, ClImage& oOut, double dValue) {

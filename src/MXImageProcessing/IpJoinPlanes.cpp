@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
@@ -23,7 +23,7 @@ long ClIpJoinPlanes::ApplyParam(ClImage& oOut, ClImage* pPlane0, ClImage* pPlane
 }
 
 ClProcessorBase* ClIpJoinPlanes::Create() const {
-  return NewProcessor<ClIpJoinPlanes>();
+  return MakeProcessor<ClIpJoinPlanes>();
 }
 
 bool ClIpJoinPlanes::CanApply() {

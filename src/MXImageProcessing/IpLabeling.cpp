@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/RunRows.h"
 #include "MXTools/Exception.h"
@@ -31,7 +31,7 @@ void FillAndBeyond(int32_t* pRow, int nBegin, int nEnd, int nRowEnd, int32_t nLa
 }  // namespace
 
 ClProcessorBase* ClIpLabeling::Create() const {
-  return NewProcessor<ClIpLabeling>();
+  return MakeProcessor<ClIpLabeling>();
 }
 
 bool ClIpLabeling::CanApply() {

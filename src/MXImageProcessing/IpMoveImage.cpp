@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
@@ -38,7 +38,7 @@ long ClIpMoveImage::ApplyParam(ClImage& oIn, ClImage& oOut, int nOffsetX, int nO
 }
 
 ClProcessorBase* ClIpMoveImage::Create() const {
-  return NewProcessor<ClIpMoveImage>();
+  return MakeProcessor<ClIpMoveImage>();
 }
 
 void ClIpMoveImage::SetParametersToDefault() {

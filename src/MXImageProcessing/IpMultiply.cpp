@@ -3,7 +3,7 @@
 
 #include <limits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleMultiply {
@@ -28,7 +28,7 @@ struct ClRuleMultiply {
 template class TpIp2to1Rule<ClRuleMultiply>;
 
 ClProcessorBase* ClIpMultiply::Create() const {
-  return NewProcessor<ClIpMultiply>();
+  return MakeProcessor<ClIpMultiply>();
 }
 
 ClIpMultiply::ClLimits ClIpMultiply::Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const {

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/RescaleRows.h"
 #include "MXTools/Exception.h"
@@ -127,7 +127,7 @@ long ClIpRescale::ApplyParamPels(ClImage& oIn, ClImage& oOut, int nPelsX, int nP
 }
 
 ClProcessorBase* ClIpRescale::Create() const {
-  return NewProcessor<ClIpRescale>();
+  return MakeProcessor<ClIpRescale>();
 }
 
 bool ClIpRescale::CanApply() {

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
@@ -108,7 +108,7 @@ ClVector ClIpRotate::TransformInverse(const ClVector& oPoint) const {
 }
 
 ClProcessorBase* ClIpRotate::Create() const {
-  return NewProcessor<ClIpRotate>();
+  return MakeProcessor<ClIpRotate>();
 }
 
 bool ClIpRotate::CanApply() {

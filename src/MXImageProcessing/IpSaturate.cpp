@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
@@ -23,7 +23,7 @@ long ClIpSaturate::ApplyParam(ClImage& oIn, ClImage& oOut, double dLower, double
 }
 
 ClProcessorBase* ClIpSaturate::Create() const {
-  return NewProcessor<ClIpSaturate>();
+  return MakeProcessor<ClIpSaturate>();
 }
 
 void ClIpSaturate::QueryParameters(ClParameterInterface& oInterface) {

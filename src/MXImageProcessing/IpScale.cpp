@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
@@ -38,7 +38,7 @@ long ClIpScale::ApplyParam(ClImage& oIn, ClImage& oOut, double dFactor) {
 }
 
 ClProcessorBase* ClIpScale::Create() const {
-  return NewProcessor<ClIpScale>();
+  return MakeProcessor<ClIpScale>();
 }
 
 void ClIpScale::QueryParameters(ClParameterInterface& oInterface) {

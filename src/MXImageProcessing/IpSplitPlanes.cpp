@@ -1,7 +1,7 @@
 // Strided copies out of the pixels.
 #include "MXImageProcessing/IpSplitPlanes.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
@@ -17,7 +17,7 @@ long ClIpSplitPlanes::ApplyParam(ClImage& oIn, ClImage* pPlane0, ClImage* pPlane
 }
 
 ClProcessorBase* ClIpSplitPlanes::Create() const {
-  return NewProcessor<ClIpSplitPlanes>();
+  return MakeProcessor<ClIpSplitPlanes>();
 }
 
 bool ClIpSplitPlanes::CanApply() {

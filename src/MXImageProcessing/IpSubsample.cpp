@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/NewProcessor.h"
 #include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
@@ -84,7 +84,7 @@ long ClIpSubsample::ApplyParam(ClImage& oIn, int nRateX, int nRateY, ClImage& oO
 }
 
 ClProcessorBase* ClIpSubsample::Create() const {
-  return NewProcessor<ClIpSubsample>();
+  return MakeProcessor<ClIpSubsample>();
 }
 
 bool ClIpSubsample::CanApply() {

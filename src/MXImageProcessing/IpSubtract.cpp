@@ -1,7 +1,7 @@
 // The difference: its rule, its three kinds of limits and its parameters.
 #include "MXImageProcessing/IpSubtract.h"
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
@@ -19,7 +19,7 @@ struct ClRuleSubtract {
 template class TpIp2to1Rule<ClRuleSubtract>;
 
 ClProcessorBase* ClIpSubtract::Create() const {
-  return NewProcessor<ClIpSubtract>();
+  return MakeProcessor<ClIpSubtract>();
 }
 
 void ClIpSubtract::SetParametersToDefault() {

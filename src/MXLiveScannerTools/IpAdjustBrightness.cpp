@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/BalanceRows.h"
 #include "MXTools/Exception.h"
@@ -38,7 +38,7 @@ long ClIpAdjustBrightness::ApplyParam(ClImage& oIn, ClImage& oBrightness, ClImag
 }
 
 ClProcessorBase* ClIpAdjustBrightness::Create() const {
-  return NewProcessor<ClIpAdjustBrightness>();
+  return MakeProcessor<ClIpAdjustBrightness>();
 }
 
 void ClIpAdjustBrightness::SetParametersToDefault() {

@@ -3,7 +3,7 @@
 
 #include <type_traits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
@@ -31,7 +31,7 @@ ClIpBayerDecomposition::ClIpBayerDecomposition() {
 }
 
 ClProcessorBase* ClIpBayerDecomposition::Create() const {
-  return NewProcessor<ClIpBayerDecomposition>();
+  return MakeProcessor<ClIpBayerDecomposition>();
 }
 
 void ClIpBayerDecomposition::SetParametersToDefault() {

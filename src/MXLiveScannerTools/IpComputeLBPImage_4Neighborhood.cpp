@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
@@ -19,7 +19,7 @@ ClIpComputeLBPImage_4Neighborhood::ClIpComputeLBPImage_4Neighborhood() : m_aoCla
 }
 
 ClProcessorBase* ClIpComputeLBPImage_4Neighborhood::Create() const {
-  return NewProcessor<ClIpComputeLBPImage_4Neighborhood>();
+  return MakeProcessor<ClIpComputeLBPImage_4Neighborhood>();
 }
 
 void ClIpComputeLBPImage_4Neighborhood::PublishParameters(ClParameterContainer& oContainer) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/BalanceRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXTools/Exception.h"
@@ -22,7 +22,7 @@ ClIpLocalWhiteBalance::ClIpLocalWhiteBalance() {
 }
 
 ClProcessorBase* ClIpLocalWhiteBalance::Create() const {
-  return NewProcessor<ClIpLocalWhiteBalance>();
+  return MakeProcessor<ClIpLocalWhiteBalance>();
 }
 
 void ClIpLocalWhiteBalance::QueryParameters(ClParameterInterface& oInterface) {

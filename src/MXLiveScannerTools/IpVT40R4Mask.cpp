@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
@@ -17,7 +17,7 @@ ClIpVT40R4Mask::ClIpVT40R4Mask() {
 }
 
 ClProcessorBase* ClIpVT40R4Mask::Create() const {
-  return NewProcessor<ClIpVT40R4Mask>();
+  return MakeProcessor<ClIpVT40R4Mask>();
 }
 
 void ClIpVT40R4Mask::SetParametersToDefault() {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/NewIp1to1Base.h"
-#include "MXImageProcessing/NewProcessor.h"
 #include "MXKernels/ResampleRow.h"
 
 /// The Lanczos filter of order 2.
@@ -85,7 +85,7 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
 template <typename TFilter>
 class ClIpSubsampleFilter : public ClIpSubsampleFilterBase {
  public:
-  ClProcessorBase* Create() const override { return NewProcessor<ClIpSubsampleFilter>(); }
+  ClProcessorBase* Create() const override { return MakeProcessor<ClIpSubsampleFilter>(); }
 
  protected:
   double Weight(double dX, double dLimit) const override { return TFilter::Weight(dX, dLimit); }

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "MXImageProcessing/Histogram.h"
-#include "MXImageProcessing/NewProcessor.h"
+#include "MXImageProcessing/MakeProcessor.h"
 #include "MXTools/Exception.h"
 #include "portable/Math.h"
 
@@ -53,7 +53,7 @@ ClIpAutoRoll::ClIpAutoRoll() {
 }
 
 ClProcessorBase* ClIpAutoRoll::Create() const {
-  return NewProcessor<ClIpAutoRoll>();
+  return MakeProcessor<ClIpAutoRoll>();
 }
 
 void ClIpAutoRoll::SetParametersToDefault() {

@@ -7,7 +7,7 @@
 
 /// A new instance, owned by the caller. Errors: ClExBadAlloc -102.
 template <typename TProcessor>
-TProcessor* NewProcessor() {
+TProcessor* MakeProcessor() {
   TProcessor* pProcessor = new (std::nothrow) TProcessor;
   if (pProcessor == nullptr) KlvRaiseBadAlloc();
   return pProcessor;
