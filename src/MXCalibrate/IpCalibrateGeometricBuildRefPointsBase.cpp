@@ -8,10 +8,10 @@
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpSplitPlanes.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/Failure.h"
 #include "MXTools/NumericFormat.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -29,9 +29,9 @@ bool ClIpCalibrateGeometricBuildRefPointsBase::CanApply() {
   return m_pInImage != nullptr && m_pOutData != nullptr;
 }
 
-void ClIpCalibrateGeometricBuildRefPointsBase::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutDebugImage", &m_pOutDebugImage);
+void ClIpCalibrateGeometricBuildRefPointsBase::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("pInImage", &m_pInImage);
+  oRows.Output("pOutDebugImage", &m_pOutDebugImage);
 }
 
 long ClIpCalibrateGeometricBuildRefPointsBase::Process() {

@@ -50,7 +50,7 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   };
 
   bool CanApply() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long Process() override;

@@ -9,7 +9,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -78,9 +78,9 @@ bool ClIpInterpolate2DBase::CanApply() {
   return true;
 }
 
-void ClIpInterpolate2DBase::PublishParameters(ClParameterContainer& oContainer) {
-  oContainer.AddNumeric("nInTargetWidth", &nInTargetWidth);
-  oContainer.AddNumeric("nInTargetHeight", &nInTargetHeight);
+void ClIpInterpolate2DBase::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Number("nInTargetWidth", &nInTargetWidth);
+  oRows.Number("nInTargetHeight", &nInTargetHeight);
 }
 
 void ClIpInterpolate2DBase::CheckParameters() const {

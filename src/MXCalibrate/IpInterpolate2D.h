@@ -40,7 +40,7 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
 
   const char* Name() const override { return "ClIpInterpolate2D"; }
   bool CanApply() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   /// One value for each reference point, image after image.
   const double* m_pValues = nullptr;

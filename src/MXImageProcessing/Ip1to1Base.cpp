@@ -1,9 +1,9 @@
 // The run of a one-image processor whose output type is free.
 #include "MXImageProcessing/Ip1to1Base.h"
 
-#include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterRows.h"
 
 long ClIp1to1Base::ApplyParam(ClImage& oIn, ClImage& oOut, unsigned char nType) {
   m_pInImage = &oIn;
@@ -20,15 +20,9 @@ void ClIp1to1Base::SetParametersToDefault() {
   m_nOutImageType = ClImage::cnTypeDefault;
 }
 
-void ClIp1to1Base::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-  DescribeOutImageType(oInterface, &m_nOutImageType);
-}
-
-void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  PublishOutImageType(oContainer, &m_nOutImageType);
+void ClIp1to1Base::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.OutImageType(&m_nOutImageType);
 }
 
 double ClIp1to1Base::GetValue(ClImage&, ClImage&, double) {

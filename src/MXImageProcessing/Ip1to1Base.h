@@ -4,9 +4,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-class ClParameterInterface;
-
 /// Domain     any of the eight element types on either side; input and output may be one object.
 /// Range      the output has the input's shape and the output type, 255 meaning the input's type.
 /// Ownership  the output is allocated on the image handed in.
@@ -18,10 +15,8 @@ class ClIp1to1Base : public ClProcessorBase {
   long ApplyParam(ClImage& oIn, ClImage& oOut, unsigned char nType);
 
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   explicit ClIp1to1Base(bool bLookUpTable = true) : m_bLookUpTable(bLookUpTable) {}

@@ -6,11 +6,9 @@
 #include <limits>
 
 #include "MXImageProcessing/OverlapLoop.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/SampleCast.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -129,42 +127,20 @@ void ClIp2to1Base::SetParametersToDefault() {
   OffsetY = 0;
 }
 
-void ClIp2to1Base::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeImages(oInterface);
-  DescribeOutImageType(oInterface, &OutImageType);
-  DescribePlacement(oInterface);
+void ClIp2to1Base::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("pInImage1", "InImage1", "In1: Original Image", &pInImage1);
+  oRows.Input("pInImage2", "InImage2", "In2: 2nd Original Image", &pInImage2);
+  oRows.Output("pOutImage", "OutImage", "Out: Output Image", &pOutImage);
+  DeclareOutImageType(oRows);
+  oRows.Choice("SizeMustBeEqual", "SizeMustBeEqual", "Bool: Size must be equal", &SizeMustBeEqual,
+               {{true, "true"}, {false, "false"}});
+  oRows.Number("FillColor", "FillColor", "Double: Fillcolor for Offset-Images", &FillColor);
+  oRows.Number("OffsetX", "OffsetX", "Long: Offset of Image2 to Image1 in x-direction", &OffsetX);
+  oRows.Number("OffsetY", "OffsetY", "Long: Offset of Image2 to Image1 in y-direction", &OffsetY);
 }
 
-void ClIp2to1Base::DescribeImages(ClParameterInterface& oInterface) {
-  DescribeInputImage(oInterface, "InImage1", "In1: Original Image", &pInImage1);
-  DescribeInputImage(oInterface, "InImage2", "In2: 2nd Original Image", &pInImage2);
-  DescribeOutputImage(oInterface, "OutImage", "Out: Output Image", &pOutImage);
-}
-
-void ClIp2to1Base::DescribePlacement(ClParameterInterface& oInterface) {
-  constexpr auto eIn = ClParameterInterface::eIn;
-  const long aValues[] = {1, 0};
-  oInterface.AddBool(&SizeMustBeEqual, "SizeMustBeEqual", "Bool: Size must be equal", eIn)
-      ->SetEnumList("true\0false\0", aValues);
-  oInterface.AddParameter(&FillColor, "FillColor", "Double: Fillcolor for Offset-Images", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&OffsetX, "OffsetX", "Long: Offset of Image2 to Image1 in x-direction", eIn, 1.0,
-                          -1.0);
-  oInterface.AddParameter(&OffsetY, "OffsetY", "Long: Offset of Image2 to Image1 in y-direction", eIn, 1.0,
-                          -1.0);
-}
-
-void ClIp2to1Base::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage1", &pInImage1);
-  PublishInputImage(oContainer, "pInImage2", &pInImage2);
-  PublishOutputImage(oContainer, "pOutImage", &pOutImage);
-  PublishOutImageType(oContainer, &OutImageType);
-  auto* pEqual = oContainer.AddParam<TpParameterEnumPointer<bool, ClParameter>>("SizeMustBeEqual");
-  pEqual->BindVariable(&SizeMustBeEqual);
-  pEqual->AddValue(true, "true");
-  pEqual->AddValue(false, "false");
-  oContainer.AddNumeric("FillColor", &FillColor);
-  oContainer.AddNumeric("OffsetX", &OffsetX);
-  oContainer.AddNumeric("OffsetY", &OffsetY);
+void ClIp2to1Base::DeclareOutImageType(ClParameterRows& oRows) {
+  oRows.OutImageType(&OutImageType);
 }
 
 long ClIp2to1Base::Initialize() {

@@ -5,8 +5,6 @@
 #include "MXTools/ProcessorBase.h"
 #include "MXTools/TpArrayStatic.h"
 
-class ClParameterContainer;
-class ClParameterInterface;
 struct ClOverlap;
 
 /// Places two images on a common canvas and applies a rule to the samples of their overlap.
@@ -25,10 +23,8 @@ class ClIp2to1Base : public ClProcessorBase {
   long ApplyParam(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, unsigned char nType);
 
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   ClImage* pInImage1 = nullptr;
   ClImage* pInImage2 = nullptr;
@@ -58,9 +54,7 @@ class ClIp2to1Base : public ClProcessorBase {
   /// then tells where it lies in the image given back, which this object keeps.
   const ClImage& SpreadOverlap(const ClImage& oIn2, ClOverlap& rOverlap);
 
-  /// The parts of the older list: the three images; what tells where they lie on the canvas.
-  void DescribeImages(ClParameterInterface& oInterface);
-  void DescribePlacement(ClParameterInterface& oInterface);
+  virtual void DeclareOutImageType(ClParameterRows& oRows);
 
  private:
   /// Makes the canvas with what lies outside the overlap on it.

@@ -4,6 +4,7 @@
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/OverlapLoop.h"
 #include "MXKernels/PointRows.h"
+#include "MXTools/ParameterRows.h"
 
 ClProcessorBase* ClIpAnd::Create() const {
   return MakeProcessor<ClIpAnd>();
@@ -15,9 +16,8 @@ bool ClIpAnd::CanApply() {
   return pInImage1->Planes() == pInImage2->Planes() || pInImage2->Planes() == 1;
 }
 
-void ClIpAnd::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeImages(oInterface);
-  DescribePlacement(oInterface);
+void ClIpAnd::DeclareOutImageType(ClParameterRows& oRows) {
+  if (!oRows.IsOlder()) ClIp2to1Base::DeclareOutImageType(oRows);
 }
 
 long ClIpAnd::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight, long nPlanes1,

@@ -17,11 +17,10 @@ class ClIpAnd : public ClIp2to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpAnd"; }
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  /// Without "OutImageType": there is no choice of it.
-  void QueryParameters(ClParameterInterface& oInterface) override;
 
  protected:
+  /// The older list is without it: there is no choice.
+  void DeclareOutImageType(ClParameterRows& oRows) override;
   long DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight, long nPlanes1,
                  long nPlanes2, long nOffset1, long nRowStep1, long nOffset2, long nRowStep2, long nOffsetOut,
                  long nRowStepOut) override;

@@ -9,8 +9,7 @@
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -42,20 +41,11 @@ void ClIpBinarizeGlobal::SetParametersToDefault() {
   m_dBlack = m_dWhite = m_dThreshold = std::numeric_limits<double>::quiet_NaN();
 }
 
-void ClIpBinarizeGlobal::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_dBlack, "Black", "In: Pixelvalue of Black", eIn, 0, 0);
-  oInterface.AddParameter(&m_dWhite, "White", "In: Pixelvalue of White", eIn, 0, 0);
-  oInterface.AddParameter(&m_dThreshold, "Threshold", "In: Smallest Pixelvalue that becomes White", eIn, 0,
-                          0);
-}
-
-void ClIpBinarizeGlobal::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("Black", &m_dBlack);
-  oContainer.AddNumeric("White", &m_dWhite);
-  oContainer.AddNumeric("Threshold", &m_dThreshold);
+void ClIpBinarizeGlobal::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("Black", "Black", "In: Pixelvalue of Black", &m_dBlack, 0, 0);
+  oRows.Number("White", "White", "In: Pixelvalue of White", &m_dWhite, 0, 0);
+  oRows.Number("Threshold", "Threshold", "In: Smallest Pixelvalue that becomes White", &m_dThreshold, 0, 0);
 }
 
 void ClIpBinarizeGlobal::ParameterString(char* szText, unsigned int nSize) const {

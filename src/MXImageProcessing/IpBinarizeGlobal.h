@@ -20,9 +20,7 @@ class ClIpBinarizeGlobal : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpBinarizeGlobal"; }
   void SetParametersToDefault() override;
-  using NewIpBase::ClIp1to1Base::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
  protected:

@@ -8,8 +8,7 @@
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXKernels/BoxRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpBinarizeLocal2::ClIpBinarizeLocal2() : ClIp1to1Base(false) {
   ClIpBinarizeLocal2::SetParametersToDefault();
@@ -34,23 +33,13 @@ void ClIpBinarizeLocal2::SetParametersToDefault() {
   nGrayOffset = 0;
 }
 
-void ClIpBinarizeLocal2::QueryParameters(ClParameterInterface& oInterface) {
-  ClIp1to1Base::QueryParameters(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_nBlack, "Black", "In: Pixelvalue of Black", eIn, 0, 255);
-  oInterface.AddParameter(&m_nWhite, "White", "In: Pixelvalue of White", eIn, 0, 255);
-  oInterface.AddParameter(&nFilterWidthX, "nFilterWidthX", "In: Width of the window", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&nFilterWidthY, "nFilterWidthY", "In: Height of the window", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&nGrayOffset, "nGrayOffset", "In: Added to each pixel", eIn, -255, 255);
-}
-
-void ClIpBinarizeLocal2::PublishParameters(ClParameterContainer& oContainer) {
-  ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("Black", &m_nBlack);
-  oContainer.AddNumeric("White", &m_nWhite);
-  oContainer.AddNumeric("nFilterWidthX", &nFilterWidthX);
-  oContainer.AddNumeric("nFilterWidthY", &nFilterWidthY);
-  oContainer.AddNumeric("nGrayOffset", &nGrayOffset);
+void ClIpBinarizeLocal2::DeclareParameters(ClParameterRows& oRows) {
+  ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("Black", "Black", "In: Pixelvalue of Black", &m_nBlack, 0, 255);
+  oRows.Number("White", "White", "In: Pixelvalue of White", &m_nWhite, 0, 255);
+  oRows.Number("nFilterWidthX", "nFilterWidthX", "In: Width of the window", &nFilterWidthX);
+  oRows.Number("nFilterWidthY", "nFilterWidthY", "In: Height of the window", &nFilterWidthY);
+  oRows.Number("nGrayOffset", "nGrayOffset", "In: Added to each pixel", &nGrayOffset, -255, 255);
 }
 
 /// Moves signed samples up by 128, and their mean with them.

@@ -25,9 +25,7 @@ class ClIpBinarizeLocal2 : public ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpBinarizeLocal2"; }
   void SetParametersToDefault() override;
-  using ClIp1to1Base::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   unsigned char m_nBlack;
   unsigned char m_nWhite;

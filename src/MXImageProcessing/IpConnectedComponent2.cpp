@@ -4,8 +4,8 @@
 #include <algorithm>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ParameterRows.h"
 #include "portable/Math.h"
 
 namespace {
@@ -70,16 +70,10 @@ bool ClIpConnectedComponent2::CanApply() {
   return m_pInImage != nullptr && m_pComponents != nullptr && GreyImageFits();
 }
 
-void ClIpConnectedComponent2::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInputImage(oInterface, "InImage", "In: Object Image", &m_pInImage);
-  DescribeInputImage(oInterface, "InImageGrey", "In: Grey Image", &m_pInImageGrey);
-  DescribeOutputImage(oInterface, "OutImage", "Out: Label Image", &m_pOutImage);
-}
-
-void ClIpConnectedComponent2::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishInputImage(oContainer, "m_pInImageGrey", &m_pInImageGrey);
-  PublishOutputImage(oContainer, "m_pOutImage", &m_pOutImage);
+void ClIpConnectedComponent2::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("pInImage", "InImage", "In: Object Image", &m_pInImage);
+  oRows.Input("m_pInImageGrey", "InImageGrey", "In: Grey Image", &m_pInImageGrey);
+  oRows.Output("m_pOutImage", "OutImage", "Out: Label Image", &m_pOutImage);
 }
 
 long ClIpConnectedComponent2::Process() {

@@ -7,8 +7,6 @@
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/Vector.h"
 
-class ClParameterContainer;
-
 /// Objects are those of ClIpLabeling; each gets an entry of the result array, in the order of the labels.
 ///
 /// Domain     one plane of 8-bit samples; a grey image has the objects' width and height.
@@ -52,9 +50,7 @@ class ClIpConnectedComponent2 : public ClProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpConnectedComponent2"; }
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   ClImage* m_pInImage = nullptr;
   ClImage* m_pInImageGrey = nullptr;

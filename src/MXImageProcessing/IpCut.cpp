@@ -4,10 +4,8 @@
 #include <cstring>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpCut::ClIpCut() {
   EnableDataType(m_caAllTypes);
@@ -34,22 +32,18 @@ void ClIpCut::SetParametersToDefault() {
   m_nX0 = m_nY0 = m_nDestWidth = m_nDestHeight = 0;
 }
 
-void ClIpCut::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("nX0", &m_nX0);
-  oContainer.AddNumeric("nY0", &m_nY0);
-  oContainer.AddNumeric("nDestWidth", &m_nDestWidth);
-  oContainer.AddNumeric("nDestHeight", &m_nDestHeight);
-}
-
-void ClIpCut::QueryParameters(ClParameterInterface& oInterface) {
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_nX0, "X0", "In: Start X", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nY0, "Y0", "In: Start Y", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nDestWidth, "DestWidth", "In: Cut Width", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nDestHeight, "DestHeight", "In: Cut Height", eIn, 1.0, -1.0);
-  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
-  DescribeOutputImage(oInterface, "OutImage", "Out: Clipping", &m_pOutImage);
+void ClIpCut::DeclareParameters(ClParameterRows& oRows) {
+  const auto fnImages = [&] {
+    oRows.Input("pInImage", "InImage", "In: Original Image", &m_pInImage);
+    oRows.Output("pOutImage", "OutImage", "Out: Clipping", &m_pOutImage);
+  };
+  // The older list has the images last.
+  if (!oRows.IsOlder()) fnImages();
+  oRows.Number("nX0", "X0", "In: Start X", &m_nX0);
+  oRows.Number("nY0", "Y0", "In: Start Y", &m_nY0);
+  oRows.Number("nDestWidth", "DestWidth", "In: Cut Width", &m_nDestWidth);
+  oRows.Number("nDestHeight", "DestHeight", "In: Cut Height", &m_nDestHeight);
+  if (oRows.IsOlder()) fnImages();
 }
 
 void ClIpCut::CheckRectangle(const ClImage& oIn) const {

@@ -19,9 +19,7 @@ class ClIpCut : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpCut"; }
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using NewIpBase::ClIp1to1Base::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   /// Left to DoProcess, so that a refused rectangle leaves the output alone.

@@ -1,22 +1,9 @@
 // The choice between axes, sample signs and planes that all filters share.
 #include "MXImageProcessing/IpFilterBase.h"
 
-#include <cstring>
-
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
-
-namespace {
-
-constexpr long g_anModes[] = {ClIpFilterBase::eModeX, ClIpFilterBase::eModeY, ClIpFilterBase::eModeXY,
-                              ClIpFilterBase::eModeDirected, ClIpFilterBase::eModeDirectedOrtho};
-/// Their names, each with its own end.
-constexpr char g_szModeNames[] = "Mode X\0Mode Y\0Mode XY\0MODE_DIRECTED\0MODE_DIRECTED_ORTHO\0";
-
-}  // namespace
+#include "MXTools/ParameterRows.h"
 
 long ClIpFilterBase::ApplyParam(ClImage& oIn, ClImage& oOut, long nWidth, long nFilterMode) {
   m_pInImage = &oIn;
@@ -36,35 +23,22 @@ void ClIpFilterBase::SetParametersToDefault() {
   nMode = eModeXY;
 }
 
-void ClIpFilterBase::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  oContainer.AddNumeric("nFilterWidth", &nFilterWidth);
-  auto* pMode = oContainer.AddParam<TpParameterEnumPointer<long, ClParameter>>("nMode");
-  pMode->BindVariable(&nMode);
-  const char* szName = g_szModeNames;
-  for (const long nValue : g_anModes) {
-    pMode->AddValue(nValue, szName);
-    szName += std::strlen(szName) + 1;
-  }
-  PublishInputImage(oContainer, "pInDxImage", &pInDxImage);
-  PublishInputImage(oContainer, "pInDyImage", &pInDyImage);
+void ClIpFilterBase::DeclareParameters(ClParameterRows& oRows) {
+  DeclareWindow(oRows);
+  oRows.Choice("nMode", "nMode", "in: Filter Mode", &nMode,
+               {{eModeX, "Mode X"},
+                {eModeY, "Mode Y"},
+                {eModeXY, "Mode XY"},
+                {eModeDirected, "MODE_DIRECTED"},
+                {eModeDirectedOrtho, "MODE_DIRECTED_ORTHO"}},
+               eModeX, eModeDirectedOrtho);
+  oRows.Input("pInDxImage", "InDxImage", "in: Dx Image", &pInDxImage);
+  oRows.Input("pInDyImage", "InDyImage", "in: Dy Image", &pInDyImage);
 }
 
-void ClIpFilterBase::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeFilter(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  // A number that names are given to: an enumeration proper would have 32 bits.
-  oInterface.AddParameter(&nMode, "nMode", "in: Filter Mode", eIn, eModeX, eModeDirectedOrtho)
-      ->SetEnumList(g_szModeNames, g_anModes);
-  DescribeInputImage(oInterface, "InDxImage", "in: Dx Image", &pInDxImage);
-  DescribeInputImage(oInterface, "InDyImage", "in: Dy Image", &pInDyImage);
-}
-
-void ClIpFilterBase::DescribeFilter(ClParameterInterface& oInterface) {
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-  oInterface.AddParameter(&nFilterWidth, "nFilterWidth", "in: Filter Width", ClParameterInterface::eIn, 1.0,
-                          -1.0);
+void ClIpFilterBase::DeclareWindow(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.Number("nFilterWidth", "nFilterWidth", "in: Filter Width", &nFilterWidth);
 }
 
 void ClIpFilterBase::CheckDirections() const {

@@ -4,8 +4,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-
 /// Runs a filter along the rows, along the columns or both.
 ///
 /// Domain     input and output are two images. Images of several planes are filtered plane by plane. A width
@@ -22,9 +20,7 @@ class ClIpFilterBase : public ClProcessorBase {
 
   bool CanApply() override;
   void SetParametersToDefault() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
   ClImage* m_pInImage = nullptr;
@@ -49,8 +45,8 @@ class ClIpFilterBase : public ClProcessorBase {
   virtual long ProcessDirected(bool bOrtho);
   virtual long ProcessSignedDirected(bool bOrtho);
 
-  /// The entries of the older list that every filter has: images and width.
-  void DescribeFilter(ClParameterInterface& oInterface);
+  /// The rows that both lists of every filter have: images and width.
+  void DeclareWindow(ClParameterRows& oRows);
   /// Errors: ClException -701 a direction image is missing; -44 it has another size than the input; -33 it is
   /// not of eInt8 and one plane.
   void CheckDirections() const;

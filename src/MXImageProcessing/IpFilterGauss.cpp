@@ -5,8 +5,7 @@
 #include <cstring>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 #include "portable/Math.h"
 
 long ClIpFilterGauss::ApplyParam(ClImage& oIn, ClImage& oOut, double dDeviation, long nWidth) {
@@ -27,14 +26,10 @@ void ClIpFilterGauss::SetParametersToDefault() {
   dSigma = 1.0;
 }
 
-void ClIpFilterGauss::QueryParameters(ClParameterInterface& oInterface) {
-  ClIpLinFilterBase::QueryParameters(oInterface);
-  oInterface.AddParameter(&dSigma, "dSigma", "In Sigma", ClParameterInterface::eIn, 1.0, -1.0);
-}
-
-void ClIpFilterGauss::PublishParameters(ClParameterContainer& oContainer) {
-  ClIpLinFilterBase::PublishParameters(oContainer);
-  oContainer.AddNumeric("dSigma", &dSigma)->SetDescription("In Sigma");
+void ClIpFilterGauss::DeclareParameters(ClParameterRows& oRows) {
+  ClIpLinFilterBase::DeclareParameters(oRows);
+  oRows.DescribeBoth();
+  oRows.Number("dSigma", "dSigma", "In Sigma", &dSigma);
 }
 
 void ClIpFilterGauss::ParameterString(char* szText, unsigned int nSize) const {

@@ -16,9 +16,7 @@ class ClIpFilterGauss : public ClIpLinFilterBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpFilterGauss"; }
   void SetParametersToDefault() override;
-  using ClIpLinFilterBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
   /// The width that goes with a deviation; 1 where it is not above 0.

@@ -14,8 +14,7 @@
 template <typename TRank>
 class TpIpFilterRank : public ClIpFilterBase {
  public:
-  using ClIpFilterBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override { DescribeFilter(oInterface); }
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long DoProcess() override;

@@ -4,16 +4,12 @@
 #include <cstring>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishFlag.h"
 #include "MXImageProcessing/SampleCast.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
-
-constexpr char szXFlip[] = "In: Mirror by the X Axis";
-constexpr char szYFlip[] = "In: Mirror by the Y Axis";
 
 template <typename T, typename U>
 void ConvertRow(const T* pIn, U* pOut, long nSamples) {
@@ -50,16 +46,11 @@ void ClIpFlip::SetParametersToDefault() {
   m_bYFlip = false;
 }
 
-void ClIpFlip::PublishParameters(ClParameterContainer& oContainer) {
-  ClIp1to1Base::PublishParameters(oContainer);
-  PublishFlag(oContainer, "XFlip", &m_bXFlip)->SetDescription(szXFlip);
-  PublishFlag(oContainer, "YFlip", &m_bYFlip)->SetDescription(szYFlip);
-}
-
-void ClIpFlip::QueryParameters(ClParameterInterface& oInterface) {
-  ClIp1to1Base::QueryParameters(oInterface);
-  oInterface.AddBool(&m_bXFlip, "XFlip", szXFlip, ClParameterInterface::eIn);
-  oInterface.AddBool(&m_bYFlip, "YFlip", szYFlip, ClParameterInterface::eIn);
+void ClIpFlip::DeclareParameters(ClParameterRows& oRows) {
+  ClIp1to1Base::DeclareParameters(oRows);
+  oRows.DescribeBoth();
+  oRows.Flag("XFlip", "XFlip", "In: Mirror by the X Axis", &m_bXFlip);
+  oRows.Flag("YFlip", "YFlip", "In: Mirror by the Y Axis", &m_bYFlip);
 }
 
 long ClIpFlip::DoProcess(ClImage& oIn, ClImage& oOut) {

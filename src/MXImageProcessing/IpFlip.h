@@ -20,9 +20,7 @@ class ClIpFlip : public ClIp1to1Base {
   const char* Name() const override { return "ClIpFlip"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using ClIp1to1Base::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long DoProcess(ClImage& oIn, ClImage& oOut) override;

@@ -5,12 +5,9 @@
 #include <limits>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishFlag.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 long ClIpJoinPlanes::ApplyParam(ClImage& oOut, ClImage* pPlane0, ClImage* pPlane1, ClImage* pPlane2,
                                 ClImage* pPlane3) {
@@ -36,42 +33,27 @@ void ClIpJoinPlanes::SetParametersToDefault() {
   bFillEmptyPlanes = true;
 }
 
-void ClIpJoinPlanes::QueryParameters(ClParameterInterface& oInterface) {
-  constexpr auto eIn = ClParameterInterface::eIn;
-  const char* const aPlaneNames[4] = {"InPlane[0]", "InPlane[1]", "InPlane[2]", "InPlane[3]"};
-  const char* const aColorNames[4] = {"InFillcolors[0]", "InFillcolors[1]", "InFillcolors[2]",
-                                      "InFillcolors[3]"};
-  for (int n = 0; n < 4; ++n) {
-    DescribeInputImage(oInterface, aPlaneNames[n], "In: One-plane Image", &m_apInPlanes[n]);
-  }
-  for (int n = 0; n < 4; ++n) {
-    oInterface.AddParameter(&dInFillcolors[n], aColorNames[n], "In: Fillcolor of a missing Plane", eIn, 1.0,
-                            -1.0);
-  }
-  DescribeOutputImage(oInterface, "OutImage", "Out: Output Image", &m_pOutImage);
-  oInterface.AddEnum(&eOutContent, "OutContent", "In: Content of the OutImage",
-                     "eUnknown\0eGrayscale\0eRGB\0eRGBA\0eHSV\0eXYZ\0eCIELab\0eCIELUV\0", eIn);
-  oInterface.AddBool(&bFillEmptyPlanes, "FillEmptyPlanes", "In: Fill missing Planes", eIn);
-}
-
-void ClIpJoinPlanes::PublishParameters(ClParameterContainer& oContainer) {
-  const char* const aPlaneNames[4] = {"pInPlane[0]", "pInPlane[1]", "pInPlane[2]", "pInPlane[3]"};
-  const char* const aColorNames[4] = {"dInFillcolors[0]", "dInFillcolors[1]", "dInFillcolors[2]",
-                                      "dInFillcolors[3]"};
-  for (int n = 0; n < 4; ++n) PublishInputImage(oContainer, aPlaneNames[n], &m_apInPlanes[n]);
-  for (int n = 0; n < 4; ++n) oContainer.AddNumeric(aColorNames[n], &dInFillcolors[n]);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  auto* pContent = oContainer.AddParam<TpParameterEnumPointer<ClImage::EContent, ClParameter>>("eOutContent");
-  pContent->BindVariable(&eOutContent);
-  pContent->AddValue(ClImage::eUnknown, "eUnknown");
-  pContent->AddValue(ClImage::eGrayscale, "eGrayscale");
-  pContent->AddValue(ClImage::eRGB, "eRGB");
-  pContent->AddValue(ClImage::eRGBA, "eRGBA");
-  pContent->AddValue(ClImage::eHSV, "eHSV");
-  pContent->AddValue(ClImage::eXYZ, "eXYZ");
-  pContent->AddValue(ClImage::eCIELab, "eCIELab");
-  pContent->AddValue(ClImage::eCIELUV, "eCIELUV");
-  PublishFlag(oContainer, "bFillEmptyPlanes", &bFillEmptyPlanes);
+void ClIpJoinPlanes::DeclareParameters(ClParameterRows& oRows) {
+  const char* const szFill = "In: Fillcolor of a missing Plane";
+  oRows.Input("pInPlane[0]", "InPlane[0]", "In: One-plane Image", &m_apInPlanes[0]);
+  oRows.Input("pInPlane[1]", "InPlane[1]", "In: One-plane Image", &m_apInPlanes[1]);
+  oRows.Input("pInPlane[2]", "InPlane[2]", "In: One-plane Image", &m_apInPlanes[2]);
+  oRows.Input("pInPlane[3]", "InPlane[3]", "In: One-plane Image", &m_apInPlanes[3]);
+  oRows.Number("dInFillcolors[0]", "InFillcolors[0]", szFill, &dInFillcolors[0]);
+  oRows.Number("dInFillcolors[1]", "InFillcolors[1]", szFill, &dInFillcolors[1]);
+  oRows.Number("dInFillcolors[2]", "InFillcolors[2]", szFill, &dInFillcolors[2]);
+  oRows.Number("dInFillcolors[3]", "InFillcolors[3]", szFill, &dInFillcolors[3]);
+  oRows.Output("pOutImage", "OutImage", "Out: Output Image", &m_pOutImage);
+  oRows.Choice("eOutContent", "OutContent", "In: Content of the OutImage", &eOutContent,
+               {{ClImage::eUnknown, "eUnknown"},
+                {ClImage::eGrayscale, "eGrayscale"},
+                {ClImage::eRGB, "eRGB"},
+                {ClImage::eRGBA, "eRGBA"},
+                {ClImage::eHSV, "eHSV"},
+                {ClImage::eXYZ, "eXYZ"},
+                {ClImage::eCIELab, "eCIELab"},
+                {ClImage::eCIELUV, "eCIELUV"}});
+  oRows.Flag("bFillEmptyPlanes", "FillEmptyPlanes", "In: Fill missing Planes", &bFillEmptyPlanes);
 }
 
 long ClIpJoinPlanes::PlanesOfContent() const {

@@ -4,9 +4,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-class ClParameterInterface;
-
 /// Makes an image whose planes are the given ones.
 ///
 /// Domain     all planes have the type and size of the first one that is given. The number of planes follows
@@ -27,9 +24,7 @@ class ClIpJoinPlanes : public ClProcessorBase {
   const char* Name() const override { return "ClIpJoinPlanes"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   double dInFillcolors[4];
   ClImage::EContent eOutContent;

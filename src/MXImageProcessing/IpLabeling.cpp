@@ -5,9 +5,9 @@
 #include <numeric>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/RunRows.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -38,13 +38,8 @@ bool ClIpLabeling::CanApply() {
   return m_pInImage != nullptr && m_pOutImage != nullptr && m_pInImage != m_pOutImage;
 }
 
-void ClIpLabeling::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-}
-
-void ClIpLabeling::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
+void ClIpLabeling::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
 }
 
 long ClIpLabeling::ApplyParam(ClImage& oIn, ClImage& oOut) {

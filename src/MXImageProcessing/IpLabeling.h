@@ -7,8 +7,6 @@
 #include "MXTools/ProcessorBase.h"
 #include "MXTools/TpArrayDynamic.h"
 
-class ClParameterContainer;
-
 /// Objects are the samples of byte value 0, connected four ways. Labels run from 1 in the order of the
 /// objects' first pixels, row by row; everything else is 0.
 ///
@@ -23,9 +21,7 @@ class ClIpLabeling : public ClProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLabeling"; }
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   long ApplyParam(ClImage& oIn, ClImage& oOut);
 

@@ -5,8 +5,7 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -46,19 +45,11 @@ void ClIpMoveImage::SetParametersToDefault() {
   m_dFillValue = 0;
 }
 
-void ClIpMoveImage::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("nOffsetX", &m_nOffsetX);
-  oContainer.AddNumeric("nOffsetY", &m_nOffsetY);
-  oContainer.AddNumeric("dFillValue", &m_dFillValue);
-}
-
-void ClIpMoveImage::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_nOffsetX, "OffsetX", "In: Offset X", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nOffsetY, "OffsetY", "In: Offset Y", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_dFillValue, "FillValue", "In: Fill Value", eIn, 1.0, -1.0);
+void ClIpMoveImage::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("nOffsetX", "OffsetX", "In: Offset X", &m_nOffsetX);
+  oRows.Number("nOffsetY", "OffsetY", "In: Offset Y", &m_nOffsetY);
+  oRows.Number("dFillValue", "FillValue", "In: Fill Value", &m_dFillValue);
 }
 
 long ClIpMoveImage::DoProcess(ClImage& oIn, ClImage& oOut) {

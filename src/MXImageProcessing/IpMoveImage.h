@@ -19,9 +19,7 @@ class ClIpMoveImage : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpMoveImage"; }
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using NewIpBase::ClIp1to1Base::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long DoProcess(ClImage& oIn, ClImage& oOut) override;

@@ -6,18 +6,19 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/RescaleRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
 constexpr int cnModes = 5;
-/// Names of the modes behind their prefix.
-constexpr const char* g_aModeNames[cnModes] = {"ModeWholeNumbered", "ModeNearestNeighbour", "ModeBiLinear",
-                                               "ModeBiCubic", "ModeBiLinearFantMar"};
+constexpr ClParameterRows::StChoice g_aModes[cnModes] = {
+    {ClIpRescale::ModeWholeNumbered, "ModeWholeNumbered"},
+    {ClIpRescale::ModeNearestNeighbour, "ModeNearestNeighbour"},
+    {ClIpRescale::ModeBiLinear, "ModeBiLinear"},
+    {ClIpRescale::ModeBiCubic, "ModeBiCubic"},
+    {ClIpRescale::ModeBiLinearFantMar, "ModeBiLinearFantMar"}};
 constexpr size_t cnModePrefix = 4;
 
 bool IsKnown(ClIpRescale::eProcessingMode eMode) {
@@ -140,34 +141,18 @@ void ClIpRescale::SetParametersToDefault() {
   m_dConvParameter1 = -0.75;
 }
 
-void ClIpRescale::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  oContainer.AddNumeric("NewWidth", &m_nNewWidth);
-  oContainer.AddNumeric("NewHeight", &m_nNewHeight);
-  oContainer.AddNumeric("NewPelsX", &m_nNewPelsX);
-  oContainer.AddNumeric("NewPelsY", &m_nNewPelsY);
-  auto* pMode = oContainer.AddParam<TpParameterEnumPointer<eProcessingMode, ClParameter>>("eMode");
-  pMode->BindVariable(&m_eMode);
-  for (int n = 0; n < cnModes; ++n) pMode->AddValue(static_cast<eProcessingMode>(n), g_aModeNames[n]);
-  oContainer.AddNumeric("dConvParameter1", &m_dConvParameter1);
-}
-
-void ClIpRescale::QueryParameters(ClParameterInterface& oInterface) {
-  constexpr auto eIn = ClParameterInterface::eIn;
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-  oInterface.AddParameter(&m_nNewWidth, "NewWidth", "In: New Width", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nNewHeight, "NewHeight", "In: New Height", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nNewPelsX, "NewPelsX", "In: New Pels X", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nNewPelsY, "NewPelsY", "In: New Pels Y", eIn, 1.0, -1.0);
-  std::string szNames;
-  for (const char* szName : g_aModeNames) szNames.append(szName).push_back('\0');
-  oInterface.AddEnum(&m_eMode, "Mode", "In: Processing Mode", szNames.c_str(), eIn);
-  oInterface.AddParameter(&m_dConvParameter1, "ConvParameter1", "In: Convolution Parameter", eIn, 1.0, -1.0);
+void ClIpRescale::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.Number("NewWidth", "NewWidth", "In: New Width", &m_nNewWidth);
+  oRows.Number("NewHeight", "NewHeight", "In: New Height", &m_nNewHeight);
+  oRows.Number("NewPelsX", "NewPelsX", "In: New Pels X", &m_nNewPelsX);
+  oRows.Number("NewPelsY", "NewPelsY", "In: New Pels Y", &m_nNewPelsY);
+  oRows.Choice("eMode", "Mode", "In: Processing Mode", &m_eMode, g_aModes);
+  oRows.Number("dConvParameter1", "ConvParameter1", "In: Convolution Parameter", &m_dConvParameter1);
 }
 
 void ClIpRescale::ParameterString(char* szText, unsigned int nSize) const {
-  const char* szMode = IsKnown(m_eMode) ? g_aModeNames[m_eMode] + cnModePrefix : "InvalidMode";
+  const char* szMode = IsKnown(m_eMode) ? g_aModes[m_eMode].szName + cnModePrefix : "InvalidMode";
   if (m_nNewWidth != 0) {
     FormatParameterString(szText, nSize, "W%d H%d %s", m_nNewWidth, m_nNewHeight, szMode);
   } else {

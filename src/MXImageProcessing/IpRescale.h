@@ -5,8 +5,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-
 /// Set a pair of pels per metre or a pair of sizes; the pels come first when both are set. Without a change of
 /// size it copies.
 ///
@@ -44,9 +42,7 @@ class ClIpRescale : public ClProcessorBase {
   const char* Name() const override { return "ClIpRescale"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
  protected:

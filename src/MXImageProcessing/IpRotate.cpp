@@ -6,10 +6,8 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/PublishFlag.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 #include "portable/Math.h"
 
 namespace {
@@ -123,22 +121,12 @@ void ClIpRotate::SetParametersToDefault() {
   m_nBackgroundColor = 128;
 }
 
-void ClIpRotate::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  oContainer.AddNumeric("Rotation", &m_dRotation);
-  PublishFlag(oContainer, "ResizeOutImage", &m_bResizeOutImage);
-  PublishFlag(oContainer, "Interpolate", &m_bInterpolate);
-  oContainer.AddNumeric("BackgroundColor", &m_nBackgroundColor);
-}
-
-void ClIpRotate::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_dRotation, "Rotation", "In: Rotation Angle", eIn, 1.0, -1.0);
-  oInterface.AddBool(&m_bResizeOutImage, "ResizeOutImage", "In: Resize Output Image", eIn);
-  oInterface.AddBool(&m_bInterpolate, "Interpolate", "In: Interpolate", eIn);
-  oInterface.AddParameter(&m_nBackgroundColor, "BackgroundColor", "In: Background Color", eIn, 0, 255);
+void ClIpRotate::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.Number("Rotation", "Rotation", "In: Rotation Angle", &m_dRotation);
+  oRows.Flag("ResizeOutImage", "ResizeOutImage", "In: Resize Output Image", &m_bResizeOutImage);
+  oRows.Flag("Interpolate", "Interpolate", "In: Interpolate", &m_bInterpolate);
+  oRows.Number("BackgroundColor", "BackgroundColor", "In: Background Color", &m_nBackgroundColor, 0, 255);
 }
 
 void ClIpRotate::ParameterString(char* szText, unsigned int nSize) const {

@@ -5,8 +5,6 @@
 #include "MXTools/ProcessorBase.h"
 #include "MXTools/Vector.h"
 
-class ClParameterContainer;
-
 /// Turns by any angle in fixed point with 12 fractional bits, taking the pixel at the position or a blend of
 /// four. An angle of 0 copies.
 ///
@@ -38,9 +36,7 @@ class ClIpRotate : public ClProcessorBase {
   const char* Name() const override { return "ClIpRotate"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
  protected:

@@ -8,8 +8,7 @@
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpSaturate::ClIpSaturate() : NewIpBase::ClIp1to1Base(true) {
   EnableDataType(m_caAllTypes);
@@ -26,17 +25,10 @@ ClProcessorBase* ClIpSaturate::Create() const {
   return MakeProcessor<ClIpSaturate>();
 }
 
-void ClIpSaturate::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_dInLowerBorder, "InLowerBorder", "In: Lowest Grey Value", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_dInUpperBorder, "InUpperBorder", "In: Highest Grey Value", eIn, 1.0, -1.0);
-}
-
-void ClIpSaturate::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("dInLowerBorder", &m_dInLowerBorder);
-  oContainer.AddNumeric("dInUpperBorder", &m_dInUpperBorder);
+void ClIpSaturate::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("dInLowerBorder", "InLowerBorder", "In: Lowest Grey Value", &m_dInLowerBorder);
+  oRows.Number("dInUpperBorder", "InUpperBorder", "In: Highest Grey Value", &m_dInUpperBorder);
 }
 
 long ClIpSaturate::DoProcess(ClImage& oIn, ClImage& oOut) {

@@ -18,9 +18,7 @@ class ClIpSaturate : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpSaturate"; }
   void SetParametersToDefault() override { m_dInLowerBorder = m_dInUpperBorder = 0.0; }
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long DoProcess(ClImage& oIn, ClImage& oOut) override;

@@ -5,8 +5,7 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/SampleLoop.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -41,15 +40,9 @@ ClProcessorBase* ClIpScale::Create() const {
   return MakeProcessor<ClIpScale>();
 }
 
-void ClIpScale::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  oInterface.AddParameter(&m_dScaleFactor, "ScaleFactor", "In: Grey Value Multiplier",
-                          ClParameterInterface::eIn, 1.0, -1.0);
-}
-
-void ClIpScale::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("dScaleFactor", &m_dScaleFactor);
+void ClIpScale::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("dScaleFactor", "ScaleFactor", "In: Grey Value Multiplier", &m_dScaleFactor);
 }
 
 void ClIpScale::ParameterString(char* szText, unsigned int nSize) const {

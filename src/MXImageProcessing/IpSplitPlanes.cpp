@@ -2,9 +2,9 @@
 #include "MXImageProcessing/IpSplitPlanes.h"
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterRows.h"
 
 long ClIpSplitPlanes::ApplyParam(ClImage& oIn, ClImage* pPlane0, ClImage* pPlane1, ClImage* pPlane2,
                                  ClImage* pPlane3) {
@@ -24,18 +24,12 @@ bool ClIpSplitPlanes::CanApply() {
   return m_pInImage != nullptr && m_pInImage->Planes() <= 4;
 }
 
-void ClIpSplitPlanes::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
-  const char* const aNames[4] = {"OutPlane[0]", "OutPlane[1]", "OutPlane[2]", "OutPlane[3]"};
-  for (int n = 0; n < 4; ++n) {
-    DescribeOutputImage(oInterface, aNames[n], "Out: One-plane Image", &m_apOutPlanes[n]);
-  }
-}
-
-void ClIpSplitPlanes::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  const char* const aNames[4] = {"pOutPlane[0]", "pOutPlane[1]", "pOutPlane[2]", "pOutPlane[3]"};
-  for (int n = 0; n < 4; ++n) PublishOutputImage(oContainer, aNames[n], &m_apOutPlanes[n]);
+void ClIpSplitPlanes::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("pInImage", "InImage", "In: Original Image", &m_pInImage);
+  oRows.Output("pOutPlane[0]", "OutPlane[0]", "Out: One-plane Image", &m_apOutPlanes[0]);
+  oRows.Output("pOutPlane[1]", "OutPlane[1]", "Out: One-plane Image", &m_apOutPlanes[1]);
+  oRows.Output("pOutPlane[2]", "OutPlane[2]", "Out: One-plane Image", &m_apOutPlanes[2]);
+  oRows.Output("pOutPlane[3]", "OutPlane[3]", "Out: One-plane Image", &m_apOutPlanes[3]);
 }
 
 long ClIpSplitPlanes::Process() {

@@ -4,9 +4,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-class ClParameterInterface;
-
 /// Copies each plane of the input into its one-plane output, where there is one. Outputs beyond the input's
 /// planes aren't touched; an element type outside the eight leaves all of them out.
 ///
@@ -20,9 +17,7 @@ class ClIpSplitPlanes : public ClProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpSplitPlanes"; }
   bool CanApply() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long Process() override;

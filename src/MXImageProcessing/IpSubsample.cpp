@@ -5,10 +5,8 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXImageProcessing/MultiPlane.h"
-#include "MXImageProcessing/PublishFlag.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -97,22 +95,12 @@ void ClIpSubsample::SetParametersToDefault() {
   m_bMid = true;
 }
 
-void ClIpSubsample::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
-  oContainer.AddNumeric("nRate", &m_nRate);
-  oContainer.AddNumeric("nRateX", &m_nRateX);
-  oContainer.AddNumeric("nRateY", &m_nRateY);
-  PublishFlag(oContainer, "bMid", &m_bMid);
-}
-
-void ClIpSubsample::QueryParameters(ClParameterInterface& oInterface) {
-  constexpr auto eIn = ClParameterInterface::eIn;
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-  oInterface.AddParameter(&m_nRate, "Rate", "In: Common Rate", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nRateX, "RateX", "In: Rate X", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_nRateY, "RateY", "In: Rate Y", eIn, 1.0, -1.0);
-  oInterface.AddBool(&m_bMid, "Mid", "In: Mean of the Pixels", eIn);
+void ClIpSubsample::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.Number("nRate", "Rate", "In: Common Rate", &m_nRate);
+  oRows.Number("nRateX", "RateX", "In: Rate X", &m_nRateX);
+  oRows.Number("nRateY", "RateY", "In: Rate Y", &m_nRateY);
+  oRows.Flag("bMid", "Mid", "In: Mean of the Pixels", &m_bMid);
 }
 
 void ClIpSubsample::ParameterString(char* szText, unsigned int nSize) const {

@@ -4,8 +4,6 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-class ClParameterContainer;
-
 /// Each output pixel is the mean of a cell of rate by rate pixels, or its first pixel. Cells at the right and
 /// lower end may be smaller. The mean is taken along the rows first, then along the columns, truncating both
 /// times.
@@ -27,9 +25,7 @@ class ClIpSubsample : public ClProcessorBase {
   const char* Name() const override { return "ClIpSubsample"; }
   bool CanApply() override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
   void ParameterString(char* szText, unsigned int nSize) const override;
 
  protected:

@@ -3,8 +3,7 @@
 
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/PointRows.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleSubtract {
@@ -29,25 +28,14 @@ void ClIpSubtract::SetParametersToDefault() {
   m_eDataRange = DataDependent;
 }
 
-void ClIpSubtract::QueryParameters(ClParameterInterface& oInterface) {
-  ClIp2to1Base::QueryParameters(oInterface);
-  constexpr auto eIn = ClParameterInterface::eIn;
-  oInterface.AddParameter(&m_dLowerBound, "LowerBound", "Double: Lower limit of the result", eIn, 1.0, -1.0);
-  oInterface.AddParameter(&m_dUpperBound, "UpperBound", "Double: Upper limit of the result", eIn, 1.0, -1.0);
-  oInterface.AddEnum(&m_eDataRange, "Data Output Range", "Enum: Where the limits come from",
-                     "DataDependent\0InputDependent\0UserDependent\0", eIn);
-}
-
-void ClIpSubtract::PublishParameters(ClParameterContainer& oContainer) {
-  ClIp2to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("LowerBound", &m_dLowerBound);
-  oContainer.AddNumeric("UpperBound", &m_dUpperBound);
-  auto* pRange =
-      oContainer.AddParam<TpParameterEnumPointer<EDataRangeType, ClParameter>>("Data Output Range");
-  pRange->BindVariable(&m_eDataRange);
-  pRange->AddValue(DataDependent, "DataDependent");
-  pRange->AddValue(InputDependent, "InputDependent");
-  pRange->AddValue(UserDependent, "UserDependent");
+void ClIpSubtract::DeclareParameters(ClParameterRows& oRows) {
+  ClIp2to1Base::DeclareParameters(oRows);
+  oRows.Number("LowerBound", "LowerBound", "Double: Lower limit of the result", &m_dLowerBound);
+  oRows.Number("UpperBound", "UpperBound", "Double: Upper limit of the result", &m_dUpperBound);
+  oRows.Choice("Data Output Range", "Data Output Range", "Enum: Where the limits come from", &m_eDataRange,
+               {{DataDependent, "DataDependent"},
+                {InputDependent, "InputDependent"},
+                {UserDependent, "UserDependent"}});
 }
 
 ClIpSubtract::ClLimits ClIpSubtract::Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const {

@@ -22,10 +22,8 @@ class ClIpSubtract : public TpIp2to1Rule<ClRuleSubtract> {
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpSubtract"; }
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   ClLimits Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const override;

@@ -1,9 +1,9 @@
 // The run of a processor that makes one image from one image.
 #include "MXImageProcessing/NewIp1to1Base.h"
 
-#include "MXImageProcessing/PublishImage.h"
 #include "MXImageProcessing/SampleLoop.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ParameterRows.h"
 
 namespace NewIpBase {
 
@@ -13,13 +13,8 @@ long ClIp1to1Base::ApplyParam(ClImage& oIn, ClImage& oOut) {
   return Apply();
 }
 
-void ClIp1to1Base::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInOutImages(oInterface, &m_pInImage, &m_pOutImage);
-}
-
-void ClIp1to1Base::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImage", &m_pOutImage);
+void ClIp1to1Base::DeclareParameters(ClParameterRows& oRows) {
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
 }
 
 void ClIp1to1Base::CheckInOutImageTypes() {

@@ -17,9 +17,7 @@ class ClIp1to1Base : public ClIpProcessorBase {
   long ApplyParam(ClImage& oImage) { return ApplyParam(oImage, oImage); }
   long ApplyParam(ClImage& oIn, ClImage& oOut);
 
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   explicit ClIp1to1Base(bool bInPlace = false, bool bLookUpTable = true)

@@ -6,12 +6,10 @@
 #include <limits>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/BalanceRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpAdjustBrightness::ClIpAdjustBrightness() {
   EnableDataType(ClImage::eInt8);
@@ -47,18 +45,12 @@ void ClIpAdjustBrightness::SetParametersToDefault() {
   m_nInPosX = m_nInPosY = m_nInWidth = m_nInHeight = 0;
 }
 
-void ClIpAdjustBrightness::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  DescribeInputImage(oInterface, "InImageBrightness", "In: Reference Brightness Image",
-                     &m_pInImageBrightness);
-  oInterface.AddParameter(&m_dInAdjustmentValue, "InAdjustmentValue", "In: Grey Value of the Reference",
-                          ClParameterInterface::eIn, 1.0, -1.0);
-}
-
-void ClIpAdjustBrightness::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  PublishInputImage(oContainer, "pInImageBrightness", &m_pInImageBrightness);
-  oContainer.AddNumeric("dInAdjustmentValue", &m_dInAdjustmentValue);
+void ClIpAdjustBrightness::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Input("pInImageBrightness", "InImageBrightness", "In: Reference Brightness Image",
+              &m_pInImageBrightness);
+  oRows.Number("dInAdjustmentValue", "InAdjustmentValue", "In: Grey Value of the Reference",
+               &m_dInAdjustmentValue);
 }
 
 void ClIpAdjustBrightness::CheckInOutImageTypes() {

@@ -30,9 +30,7 @@ class ClIpAdjustBrightness : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpAdjustBrightness"; }
   void SetParametersToDefault() override;
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   double m_nInAdjustmentMin;
   int m_nInPosX;

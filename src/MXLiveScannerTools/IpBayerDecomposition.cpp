@@ -4,9 +4,9 @@
 #include <type_traits>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterRows.h"
 
 namespace {
 
@@ -41,18 +41,11 @@ void ClIpBayerDecomposition::SetParametersToDefault() {
   m_oBlue = {0, 1};
 }
 
-void ClIpBayerDecomposition::QueryParameters(ClParameterInterface& oInterface) {
-  DescribeInputImage(oInterface, "InImage", "In: Original Image", &m_pInImage);
-  DescribeOutputImage(oInterface, "OutImageRed", "Out: Red Image", &m_pOutImageRed);
-  DescribeOutputImage(oInterface, "OutImageGreen", "Out: Green Image", &m_pOutImageGreen);
-  DescribeOutputImage(oInterface, "OutImageBlue", "Out: Blue Image", &m_pOutImageBlue);
-}
-
-void ClIpBayerDecomposition::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "pInImage", &m_pInImage);
-  PublishOutputImage(oContainer, "pOutImageRed", &m_pOutImageRed);
-  PublishOutputImage(oContainer, "pOutImageGreen", &m_pOutImageGreen);
-  PublishOutputImage(oContainer, "pOutImageBlue", &m_pOutImageBlue);
+void ClIpBayerDecomposition::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("pInImage", "InImage", "In: Original Image", &m_pInImage);
+  oRows.Output("pOutImageRed", "OutImageRed", "Out: Red Image", &m_pOutImageRed);
+  oRows.Output("pOutImageGreen", "OutImageGreen", "Out: Green Image", &m_pOutImageGreen);
+  oRows.Output("pOutImageBlue", "OutImageBlue", "Out: Blue Image", &m_pOutImageBlue);
 }
 
 void ClIpBayerDecomposition::CheckInput() {

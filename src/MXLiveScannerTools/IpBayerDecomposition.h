@@ -4,9 +4,6 @@
 #include "MXImageProcessing/NewIpProcessorBase.h"
 #include "MXTools/FpImage.h"
 
-class ClParameterContainer;
-class ClParameterInterface;
-
 /// Makes three images of half size from a mosaic: red, blue and the mean of both greens of each 2 by 2 cell.
 ///
 /// Domain     one plane of eUint8, eInt8, eUint16, eInt16, eFloat32 or eDouble64 with even width and height.
@@ -28,10 +25,8 @@ class ClIpBayerDecomposition : public NewIpBase::ClIpProcessorBase {
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpBayerDecomposition"; }
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   ClImage* m_pInImage = nullptr;
   ClImage* m_pOutImageRed = nullptr;

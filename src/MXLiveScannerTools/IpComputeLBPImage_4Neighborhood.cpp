@@ -5,10 +5,10 @@
 #include <cstring>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXImageProcessing/PublishImage.h"
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
+#include "MXTools/ParameterRows.h"
 
 // Index: bit 0 the upper neighbour, bit 1 the right one, bit 2 the lower one, bit 3 the left one.
 const unsigned char ClIpComputeLBPImage_4Neighborhood::m_anMapping[16] = {0, 1, 1, 2, 1, 5, 2, 3,
@@ -22,8 +22,8 @@ ClProcessorBase* ClIpComputeLBPImage_4Neighborhood::Create() const {
   return MakeProcessor<ClIpComputeLBPImage_4Neighborhood>();
 }
 
-void ClIpComputeLBPImage_4Neighborhood::PublishParameters(ClParameterContainer& oContainer) {
-  PublishInputImage(oContainer, "m_poInImage", &m_poInImage);
+void ClIpComputeLBPImage_4Neighborhood::DeclareParameters(ClParameterRows& oRows) {
+  oRows.Input("m_poInImage", &m_poInImage);
 }
 
 void ClIpComputeLBPImage_4Neighborhood::ClearBorder(ClImage& oImage) {

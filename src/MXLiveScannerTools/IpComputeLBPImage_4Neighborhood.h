@@ -23,7 +23,7 @@ class ClIpComputeLBPImage_4Neighborhood : public NewIpBase::ClIpProcessorBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpComputeLBPImage_4Neighborhood"; }
   void SetParametersToDefault() override {}
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   ClImage* m_poInImage = nullptr;
   ClImage* m_poOutImage = nullptr;

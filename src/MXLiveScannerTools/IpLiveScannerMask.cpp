@@ -1,7 +1,7 @@
 // What all masks let their user set.
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpLiveScannerMask::ClIpLiveScannerMask() {
   EnableDataType(ClImage::eUint8);
@@ -19,10 +19,10 @@ void ClIpLiveScannerMask::SetParametersToDefault() {
   m_nInDPI = 500;
 }
 
-void ClIpLiveScannerMask::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("dInScaleSegmentation", &m_dInScaleSegmentation);
-  oContainer.AddNumeric("nInDPI", &m_nInDPI);
+void ClIpLiveScannerMask::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("dInScaleSegmentation", &m_dInScaleSegmentation);
+  oRows.Number("nInDPI", &m_nInDPI);
 }
 
 void ClIpLiveScannerMask::CheckInOutImageTypes() {

@@ -12,7 +12,7 @@ class ClIpLiveScannerMask : public NewIpBase::ClIp1to1Base {
   long ApplyParam(ClImage& oIn, ClImage& oOut, int nDpi, double dScale);
 
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   ClIpLiveScannerMask();

@@ -10,8 +10,7 @@
 #include "MXKernels/LayoutRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterContainer.h"
-#include "MXTools/ParameterInterface.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpLocalWhiteBalance::ClIpLocalWhiteBalance() {
   EnableDataType(ClImage::eUint8);
@@ -25,15 +24,9 @@ ClProcessorBase* ClIpLocalWhiteBalance::Create() const {
   return MakeProcessor<ClIpLocalWhiteBalance>();
 }
 
-void ClIpLocalWhiteBalance::QueryParameters(ClParameterInterface& oInterface) {
-  NewIpBase::ClIp1to1Base::QueryParameters(oInterface);
-  oInterface.AddParameter(&m_nInFilterWidth, "InFilterWidth", "In: Filter Width", ClParameterInterface::eIn,
-                          1.0, -1.0);
-}
-
-void ClIpLocalWhiteBalance::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("nInFilterWidth", &m_nInFilterWidth);
+void ClIpLocalWhiteBalance::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("nInFilterWidth", "InFilterWidth", "In: Filter Width", &m_nInFilterWidth);
 }
 
 void ClIpLocalWhiteBalance::CheckImages() const {

@@ -25,9 +25,7 @@ class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLocalWhiteBalance"; }
   void SetParametersToDefault() override { m_nInFilterWidth = 51; }
-  using ClProcessorBase::QueryParameters;
-  void QueryParameters(ClParameterInterface& oInterface) override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   long Process() override;

@@ -7,7 +7,7 @@
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterRows.h"
 
 ClIpVT40R4Mask::ClIpVT40R4Mask() {
   ClIpVT40R4Mask::SetParametersToDefault();
@@ -34,18 +34,18 @@ void ClIpVT40R4Mask::SetParametersToDefault() {
   m_nInBottomFade = 100;
 }
 
-void ClIpVT40R4Mask::PublishParameters(ClParameterContainer& oContainer) {
-  ClIpLiveScannerMask::PublishParameters(oContainer);
-  oContainer.AddNumeric("nInWidth500dpi", &m_nInWidth500dpi);
-  oContainer.AddNumeric("nInSignalBack", &m_nInSignalBack);
-  oContainer.AddNumeric("nInSignalFront", &m_nInSignalFront);
-  oContainer.AddNumeric("dInLBPThresh", &m_dInLBPThresh);
-  oContainer.AddNumeric("dInFogThresh", &m_dInFogThresh);
-  oContainer.AddNumeric("nInMaskThresh", &m_nInMaskThresh);
-  oContainer.AddNumeric("nInLeftFade", &m_nInLeftFade);
-  oContainer.AddNumeric("nInRightFade", &m_nInRightFade);
-  oContainer.AddNumeric("nInTopFade", &m_nInTopFade);
-  oContainer.AddNumeric("nInBottomFade", &m_nInBottomFade);
+void ClIpVT40R4Mask::DeclareParameters(ClParameterRows& oRows) {
+  ClIpLiveScannerMask::DeclareParameters(oRows);
+  oRows.Number("nInWidth500dpi", &m_nInWidth500dpi);
+  oRows.Number("nInSignalBack", &m_nInSignalBack);
+  oRows.Number("nInSignalFront", &m_nInSignalFront);
+  oRows.Number("dInLBPThresh", &m_dInLBPThresh);
+  oRows.Number("dInFogThresh", &m_dInFogThresh);
+  oRows.Number("nInMaskThresh", &m_nInMaskThresh);
+  oRows.Number("nInLeftFade", &m_nInLeftFade);
+  oRows.Number("nInRightFade", &m_nInRightFade);
+  oRows.Number("nInTopFade", &m_nInTopFade);
+  oRows.Number("nInBottomFade", &m_nInBottomFade);
 }
 
 void ClIpVT40R4Mask::ScaleDown(ClImage& oIn, ClImage& oMean, ClImage& oMax, ClImage& oMin) const {

@@ -33,7 +33,7 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpVT40R4Mask"; }
   void SetParametersToDefault() override;
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
   /// Mean, largest and smallest sample of each 2 by 2 cell.
   void ScaleDown(ClImage& oIn, ClImage& oMean, ClImage& oMax, ClImage& oMin) const;

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "MXTools/Exception.h"
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterRows.h"
 #include "portable/Math.h"
 
 namespace {
@@ -33,10 +33,10 @@ long ClIpSubsampleFilterBase::ApplyParam(ClImage& oIn, ClImage& oOut, int nWidth
   return ApplyParam(oIn, oOut);
 }
 
-void ClIpSubsampleFilterBase::PublishParameters(ClParameterContainer& oContainer) {
-  NewIpBase::ClIp1to1Base::PublishParameters(oContainer);
-  oContainer.AddNumeric("nNewWidth", &nNewWidth);
-  oContainer.AddNumeric("nNewHeight", &nNewHeight);
+void ClIpSubsampleFilterBase::DeclareParameters(ClParameterRows& oRows) {
+  NewIpBase::ClIp1to1Base::DeclareParameters(oRows);
+  oRows.Number("nNewWidth", &nNewWidth);
+  oRows.Number("nNewHeight", &nNewHeight);
 }
 
 void ClIpSubsampleFilterBase::CheckInOutImageTypes() {

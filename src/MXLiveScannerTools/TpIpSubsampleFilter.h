@@ -24,7 +24,7 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
   long ApplyParam(ClImage& oIn, ClImage& oOut, int nWidth, int nHeight);
 
   const char* Name() const override { return "ClIpSubsampleFilter"; }
-  void PublishParameters(ClParameterContainer& oContainer) override;
+  void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
   /// Along rows only. Errors: -44 unless the new width is below the input's.

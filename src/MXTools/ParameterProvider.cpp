@@ -1,11 +1,20 @@
 // How a provider's values and defaults get into a container.
 #include "MXTools/ParameterProvider.h"
 
-#include "MXTools/ParameterContainer.h"
+#include "MXTools/ParameterRows.h"
 
-void ClParameterProvider::QueryParameters(ClParameterInterface&) {}
+void ClParameterProvider::DeclareParameters(ClParameterRows&) {}
 void ClParameterProvider::SetParametersToDefault() {}
-void ClParameterProvider::PublishParameters(ClParameterContainer&) {}
+
+void ClParameterProvider::QueryParameters(ClParameterInterface& oInterface) {
+  ClParameterRows oRows(oInterface);
+  DeclareParameters(oRows);
+}
+
+void ClParameterProvider::PublishParameters(ClParameterContainer& oContainer) {
+  ClParameterRows oRows(oContainer);
+  DeclareParameters(oRows);
+}
 
 void ClParameterProvider::QueryParameters(ClParameterContainer& oContainer) {
   PublishParameters(oContainer);

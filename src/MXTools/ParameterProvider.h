@@ -3,6 +3,7 @@
 
 class ClParameterContainer;
 class ClParameterInterface;
+class ClParameterRows;
 
 /// Describes its settings as named parameters that are bound to its members.
 ///
@@ -15,6 +16,8 @@ class ClParameterProvider {
   ClParameterProvider& operator=(const ClParameterProvider&) = delete;
   virtual ~ClParameterProvider() = default;
 
+  /// One row for each parameter, bound to the member that holds it: both descriptions are made of the rows.
+  virtual void DeclareParameters(ClParameterRows& oRows);
   /// Describes the parameters in the older list form.
   virtual void QueryParameters(ClParameterInterface& oInterface);
   /// Restores every parameter; constructors call it.

@@ -6,17 +6,9 @@
 #include "MXImageProcessing/IpDelta.h"
 #include "MXImageProcessing/IpMultiply.h"
 #include "MXImageProcessing/IpSubtract.h"
-#include "MXTools/ParameterContainer.h"
 #include "TestImages.h"
 
 namespace {
-
-void SetParameter(ClIpSubtract& oSubtract, const char* szName, const char* szValue) {
-  ClParameterContainer oContainer;
-  oSubtract.QueryParameters(oContainer);
-  ASSERT_NE(oContainer.Find(szName), nullptr);
-  oContainer.Find(szName)->SetValue(szValue);
-}
 
 /// A rule that only the generic path serves: 10 * first + second.
 class ClWeighted : public ClIp2to1Base {

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "MXTools/ParameterContainer.h"
-#include "ParameterLists.h"
 #include "TestImages.h"
 
 namespace {
@@ -152,9 +151,7 @@ TEST(Rescale, CubicWeightsAreThoseOfTheDistanceInThePlaneOrOnTheAxes) {
   SetRandom<uint8_t>(oIn, 9, 7, oRandom);
   ClIpRescale oRescale;
   ASSERT_EQ(oRescale.ApplyParamSize(oIn, oExact, 14, 5, eCubic), 0);
-  ClParameterContainer oParameters;
-  oRescale.QueryParameters(oParameters);
-  oParameters.Find("dConvParameter1")->SetValue("0.75");
+  SetParameter(oRescale, "dConvParameter1", "0.75");
   ASSERT_EQ(oRescale.ApplyParamSize(oIn, oFast, 14, 5, eCubic), 0);
   const auto Weight = [](double r) {
     const double a = -0.75;
@@ -176,16 +173,14 @@ TEST(Rescale, CubicWeightsAreThoseOfTheDistanceInThePlaneOrOnTheAxes) {
       EXPECT_NEAR(oFast.Row<uint8_t>(y)[x], std::clamp(dAxes - 0.5, 0.0, 255.0), 0.9);
     }
   }
-  EXPECT_EQ(PublishedNumber(oRescale, "dConvParameter1"), -0.75) << "the fast form negates its parameter";
+  EXPECT_EQ(SetParameter(oRescale, "dConvParameter1", "0"), "-0.75") << "the fast form negates its parameter";
 }
 
 TEST(Rescale, FlatImagesStayFlatInEveryModeButTheExactCubicOne) {
   for (const auto eMode : {eNearest, eBiLinear, eFantMar, eCubic}) {
     for (const auto& [nW, nH] : {std::pair(3, 40), {40, 3}, {2, 2}, {29, 31}, {1, 1}}) {
       ClIpRescale oRescale;
-      ClParameterContainer oParameters;
-      oRescale.QueryParameters(oParameters);
-      oParameters.Find("dConvParameter1")->SetValue("0.5");
+      SetParameter(oRescale, "dConvParameter1", "0.5");
       ClImage oIn(11, 13, 1, 0, 0), oOut;
       oIn = static_cast<unsigned char>(255);
       ASSERT_EQ(oRescale.ApplyParamSize(oIn, oOut, nW, nH, eMode), 0);

@@ -7,7 +7,6 @@
 #include "MXImageProcessing/Histogram.h"
 #include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpLabeling.h"
-#include "MXTools/ParameterContainer.h"
 #include "PlainLabels.h"
 #include "TestImages.h"
 
@@ -239,12 +238,10 @@ TEST(BinarizeGlobalLimits, TheMiddleIsTheThresholdAndValuesOutsideTheirRangeAreR
   SetImage<uint8_t>(oIn, 2, 1, {0, 255});
   EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 255.5), -35);
   EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, -0.5), -35);
-  ClParameterContainer oContainer;
-  oBinarize.QueryParameters(oContainer);
-  oContainer.Find("White")->SetValue("256");
+  SetParameter(oBinarize, "White", "256");
   EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 10), -35);
-  oContainer.Find("White")->SetValue("200");
-  oContainer.Find("Black")->SetValue("3");
+  SetParameter(oBinarize, "White", "200");
+  SetParameter(oBinarize, "Black", "3");
   EXPECT_EQ(Made<uint8_t>(oBinarize.ApplyParam(oIn, oOut, 10), oOut), (Bytes{3, 200}));
   EXPECT_EQ(Summary(oBinarize), "Thr10 [3;200]");
   // An image may declare a white that its bytes don't reach.

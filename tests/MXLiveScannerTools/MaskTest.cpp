@@ -2,7 +2,6 @@
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
-#include "MXTools/ParameterContainer.h"
 #include "PlainMask.h"
 #include "TestImages.h"
 #include "portable/Math.h"
@@ -83,10 +82,7 @@ TEST(Mask, WidthOrResolutionChooseThePath) {
   };
   ExpectGrid(Masked(19600), oOwn);
   ExpectGrid(Masked(19601), oHalf);
-  ClParameterContainer oContainer;
-  oMask.QueryParameters(oContainer);
-  EXPECT_EQ(oContainer.Find("nInWidth500dpi")->GetValue(), "1600");
-  oContainer.Find("nInWidth500dpi")->SetValue("160");
+  SetParameter(oMask, "nInWidth500dpi", "160");
   ExpectGrid(Masked(0), oHalf);
 }
 
@@ -103,13 +99,11 @@ TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
 
 TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
   ClIpVT40R4Mask oMask;
-  ClParameterContainer oContainer;
-  oMask.QueryParameters(oContainer);
   ClImage oIn, oOut;
   SetGrid(oIn, FingerFrame(60, 70, 5.0, 55), 9842);
   for (const char* szWidth : {"5000", "-7"}) {
     for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
-      oContainer.Find(szFade)->SetValue(szWidth);
+      SetParameter(oMask, szFade, szWidth);
     }
     EXPECT_EQ(oMask.ApplyParam(oIn, oOut), 0);
   }

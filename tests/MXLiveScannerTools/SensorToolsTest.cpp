@@ -5,8 +5,6 @@
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpBayerDecomposition.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
-#include "MXTools/ParameterContainer.h"
-#include "ParameterLists.h"
 #include "TestImages.h"
 
 namespace {
@@ -57,9 +55,7 @@ TYPED_TEST(SensorTools, WhiteBalanceDrawsThePhasesTogether) {
   ClImage oIn, oOut;
   SetRandom<TypeParam>(oIn, cnWidth, cnHeight, oRandom);
   ClIpLocalWhiteBalance oBalance;
-  ClParameterContainer oContainer;
-  oBalance.QueryParameters(oContainer);
-  oContainer.Find("nInFilterWidth")->SetValue("5");
+  SetParameter(oBalance, "nInFilterWidth", "5");
   ASSERT_EQ(oBalance.ApplyParam(oIn, oOut), 0);
   const int64_t nOffset = 1 - int64_t{std::numeric_limits<TypeParam>::lowest()};
   const auto MeanOf = [&](int nCellX, int nCellY, int nPhase) {
@@ -154,9 +150,7 @@ TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
   EXPECT_EQ(Number(o.m_oColor), -44);
   EXPECT_EQ(Number(o.m_oFloat), -33);
   EXPECT_EQ(Number(o.m_oByte), 0);
-  ClParameterContainer oContainer;
-  oBalance.QueryParameters(oContainer);
-  oContainer.Find("nInFilterWidth")->SetValue("0");
+  SetParameter(oBalance, "nInFilterWidth", "0");
   EXPECT_EQ(Number(o.m_oByte), -44);
 }
 
@@ -222,13 +216,4 @@ TEST(BayerDecompositionErrors, HaveTheirNumbersInOrder) {
   EXPECT_EQ(Number(pIn, pOut, &oOut2, &oOut3), 0);
   oBayer.m_oBlue.m_nX = 2;
   EXPECT_EQ(Number(pIn, pOut, &oOut2, &oOut3), -44);
-}
-
-TEST(SensorToolParameters, OfBothListsNameOneSetOfMembers) {
-  ClIpAdjustBrightness oAdjust;
-  ExpectListsOfOneSetOfMembers(oAdjust, "pInImage pOutImage pInImageBrightness dInAdjustmentValue=128.0");
-  ClIpLocalWhiteBalance oBalance;
-  ExpectListsOfOneSetOfMembers(oBalance, "pInImage pOutImage nInFilterWidth=51");
-  ClIpBayerDecomposition oBayer;
-  ExpectListsOfOneSetOfMembers(oBayer, "pInImage pOutImageRed pOutImageGreen pOutImageBlue");
 }

@@ -14,6 +14,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ImageTypeDispatch.h"
+#include "MXTools/ParameterContainer.h"
 #include "MXTools/ProcessorBase.h"
 #include "Raised.h"
 
@@ -21,6 +22,15 @@ template <typename T>
 constexpr auto TypeOf() {
   if (std::is_floating_point_v<T>) return sizeof(T) == 4 ? ClImage::eFloat32 : ClImage::eDouble64;
   return static_cast<ClImage::EDataType>(sizeof(T) | (std::is_signed_v<T> ? ClImage::cnTypeSignedBit : 0));
+}
+
+/// Sets a published parameter and gives the value that it had.
+inline std::string SetParameter(ClProcessorBase& oProcessor, const char* szName, const char* szValue) {
+  ClParameterContainer oContainer;
+  oProcessor.QueryParameters(oContainer);
+  const std::string szBefore = oContainer.Find(szName)->GetValue();
+  oContainer.Find(szName)->SetValue(szValue);
+  return szBefore;
 }
 
 /// Names the instances of typed tests after their element type.
