@@ -13,28 +13,6 @@
 #include "MXImageProcessing/IpSplitPlanes.h"
 #include "TestImages.h"
 
-TEST(ConvertDataType, EveryPairOfTypesConvertsAsACast) {
-  std::mt19937 oRandom(41);
-  for (int nPair = 0; nPair < 64; ++nPair) {
-    const unsigned char nFrom = g_aTypes[nPair / 8], nTo = g_aTypes[nPair % 8];
-    SCOPED_TRACE(testing::Message() << int{nFrom} << " to " << int{nTo});
-    ClImage oIn, oOut;
-    SetRandomOfType(oIn, nFrom, 13, 2, oRandom, 2);
-    ClIpConvertDataType oConvert;
-    ASSERT_EQ(oConvert.ApplyParam(oIn, oOut, nTo), 0);
-    ASSERT_EQ(oOut.DataType(), nTo);
-    ExpectNumbers(oOut, [&](int x, int y, int k) {
-      const long double dIn = SampleAt(oIn, 2 * x + k, y), dOut = SampleAt(oOut, 2 * x + k, y);
-      if (nTo == ClImage::eFloat32) return static_cast<long double>(static_cast<float>(dIn));
-      if (oOut.IsFloating()) return dIn;
-      // The samples of floats lie within 64 of 0; only the unsigned types have a limit there.
-      if (oIn.IsFloating()) return oOut.IsSigned() ? std::trunc(dIn) : std::max(std::trunc(dIn), 0.0L);
-      // The same number modulo the size of the target.
-      return dOut + std::fmod(dIn - dOut, std::ldexp(1.0L, 8 * oOut.ElementSize()));
-    });
-  }
-}
-
 TEST(ConvertDataType, FloatsGoTowardZeroAndStopAtTheLimits) {
   ClImage oIn, oOut;
   SetImage<float>(oIn, 6, 1, {-1.9F, 1.9F, 1e9F, -1e9F, NAN, 127.99F});
@@ -132,22 +110,6 @@ TEST(SaturateBorders, AreCutToTheTypeAndMustBeInOrder) {
   EXPECT_EQ(Made<uint8_t>(oSaturate.ApplyParam(oIn, oOut, -300.0, 500.0), oOut), (Bytes{0, 100, 255}));
   EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
   EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(o.m_oUnknown, oOut, 1.0, 2.0); }), -33);
-}
-
-TEST(Planes, SplitAndJoinAreInverseInEveryType) {
-  std::mt19937 oRandom(43);
-  for (const unsigned char nType : g_aTypes) {
-    ClImage oIn, aPlanes[4], oOut;
-    SetRandomOfType(oIn, nType, 7, 5, oRandom, 4);
-    ClIpSplitPlanes oSplit;
-    ASSERT_EQ(oSplit.ApplyParam(oIn, &aPlanes[0], &aPlanes[1], &aPlanes[2], &aPlanes[3]), 0);
-    EXPECT_EQ(SampleAt(aPlanes[2], 3, 4), SampleAt(oIn, 3 * 4 + 2, 4));
-    ClIpJoinPlanes oJoin;
-    oJoin.eOutContent = ClImage::eRGBA;
-    ASSERT_EQ(oJoin.ApplyParam(oOut, &aPlanes[0], &aPlanes[1], &aPlanes[2], &aPlanes[3]), 0);
-    EXPECT_EQ(oOut.Content(), ClImage::eRGBA);
-    for (int x = 0; x < 28; ++x) ASSERT_EQ(SampleAt(oOut, x, 3), SampleAt(oIn, x, 3));
-  }
 }
 
 TEST(Planes, MissingPlanesTakeTheFillColourAndMissingOutputsAreSkipped) {

@@ -1,4 +1,4 @@
-// Tests of what all processors share: the run, the generic loops, the copying of parameters.
+// Tests of what all processors share: the run, the generic loops, blocks that callers lend.
 #include <gmock/gmock.h>
 
 #include <cstdarg>
@@ -213,15 +213,4 @@ TEST(Processor, LetsGoOfABlockThatItsCallerLentForOneRun) {
        [&](ClImage& o) { return oSecond.ApplyParam(oIn, o, o, cnDefault); }},
   };
   for (const ClKeptProcessor& oProcessor : aProcessors) ExpectTheCallersBlockIsLetGo(oProcessor);
-}
-
-TEST(Parameters, AreCopiedFromProcessorToProcessor) {
-  ClIpSubtract oFrom, oTo;
-  oFrom.OutImageType = ClImage::eInt16;
-  oFrom.SizeMustBeEqual = false;
-  oFrom.OffsetX = -3;
-  oFrom.CopyParametersTo(oTo);
-  EXPECT_EQ(oTo.OutImageType, ClImage::eInt16);
-  EXPECT_FALSE(oTo.SizeMustBeEqual);
-  EXPECT_EQ(oTo.OffsetX, -3);
 }

@@ -144,7 +144,7 @@ TEST(ParameterLists, AreThoseOfThePage) {
   }
 }
 
-TEST(ParameterLists, BindEachParameterToAMemberOfItsOwn) {
+TEST(ParameterLists, BindEachParameterToAMemberOfItsOwnAndCopyItUnlessItIsAnImage) {
   // Images, and the sizes that only the caller knows, stay when defaults are restored.
   const std::string szKept = " nNewWidth nNewHeight nInTargetWidth nInTargetHeight";
   for (const auto& pProcessor : AllProcessors()) {
@@ -162,6 +162,9 @@ TEST(ParameterLists, BindEachParameterToAMemberOfItsOwn) {
       const bool bKept =
           oLists[n].IsPointer() || szKept.find(std::string(" ") + oLists[n].GetName()) < szKept.size();
       EXPECT_EQ(aChanged[n].back() == '*', !bKept);
+      const std::unique_ptr<ClProcessorBase> oCopy(pProcessor->Create());
+      oNew->CopyParametersTo(*oCopy);
+      EXPECT_EQ(ValuesOf(*oCopy), oLists[n].IsPointer() ? aDefaults : aChanged);
       oNew->SetParametersToDefault();
       EXPECT_EQ(ValuesOf(*oNew) == aDefaults, !bKept);
     }
