@@ -4,9 +4,9 @@
 #include "MXTools/ParameterContainer.h"
 #include "MXTools/ParameterInterface.h"
 
-/// Takes a provider's parameters row by row and adds them to the container or to the older list that it was made
-/// for: published name, name and description in the older list, member. Rows without an older name are for the
-/// container alone.
+/// Takes a provider's parameters row by row and adds them to the container or to the older list that it was
+/// made for: published name, name and description in the older list, member. Rows without an older name are
+/// for the container alone.
 ///
 /// Ownership  as that of the container or the list.
 /// Threads    thread-bound.
@@ -46,7 +46,7 @@ class ClParameterRows {
     if (m_pPublished != nullptr) m_pPublished->AddNumeric(szName, pMember);
   }
 
-  /// A bool, an enumeration of 32 bits or, with its limits in the older list, a number that names are given to.
+  /// A bool, an enumeration of 32 bits, or a number whose values have names, with limits in the older list.
   template <typename T, size_t N>
   void Choice(const char* szName, const char* szOlderName, const char* szDescription, T* pMember,
               const StChoice (&aChoices)[N], double dMinimum = 0, double dMaximum = 0) {
