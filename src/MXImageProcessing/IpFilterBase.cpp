@@ -24,7 +24,9 @@ void ClIpFilterBase::SetParametersToDefault() {
 }
 
 void ClIpFilterBase::DeclareParameters(ClParameterRows& oRows) {
-  DeclareWindow(oRows);
+  oRows.InOutImages(&m_pInImage, &m_pOutImage);
+  oRows.Number("nFilterWidth", "nFilterWidth", "in: Filter Width", &nFilterWidth);
+  if (oRows.IsOlder() && !ListsModes()) return;
   oRows.Choice("nMode", "nMode", "in: Filter Mode", &nMode,
                {{eModeX, "Mode X"},
                 {eModeY, "Mode Y"},
@@ -34,11 +36,6 @@ void ClIpFilterBase::DeclareParameters(ClParameterRows& oRows) {
                eModeX, eModeDirectedOrtho);
   oRows.Input("pInDxImage", "InDxImage", "in: Dx Image", &pInDxImage);
   oRows.Input("pInDyImage", "InDyImage", "in: Dy Image", &pInDyImage);
-}
-
-void ClIpFilterBase::DeclareWindow(ClParameterRows& oRows) {
-  oRows.InOutImages(&m_pInImage, &m_pOutImage);
-  oRows.Number("nFilterWidth", "nFilterWidth", "in: Filter Width", &nFilterWidth);
 }
 
 void ClIpFilterBase::CheckDirections() const {

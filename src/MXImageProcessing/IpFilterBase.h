@@ -45,8 +45,8 @@ class ClIpFilterBase : public ClProcessorBase {
   virtual long ProcessDirected(bool bOrtho);
   virtual long ProcessSignedDirected(bool bOrtho);
 
-  /// The rows that both lists of every filter have: images and width.
-  void DeclareWindow(ClParameterRows& oRows);
+  /// Whether the older list goes on after the width, with modes and directions.
+  virtual bool ListsModes() const { return true; }
   /// Errors: ClException -701 a direction image is missing; -44 it has another size than the input; -33 it is
   /// not of eInt8 and one plane.
   void CheckDirections() const;

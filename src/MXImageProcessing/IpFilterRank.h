@@ -13,10 +13,8 @@
 /// Cost    along the rows some log2(width) passes, along the columns three, whatever the width.
 template <typename TRank>
 class TpIpFilterRank : public ClIpFilterBase {
- public:
-  void DeclareParameters(ClParameterRows& oRows) override;
-
  protected:
+  bool ListsModes() const override { return false; }
   long DoProcess() override;
 
  private:

@@ -9,7 +9,6 @@
 #include "MXImageProcessing/IpFilterRank.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
-#include "MXTools/ParameterRows.h"
 
 /// out = the extreme of two rows, sample by sample; out may be one of them.
 template <typename TRank, typename T>
@@ -39,15 +38,6 @@ void RankWindowRow(const T* pIn, size_t nCount, size_t nHalf, T* pWork, T* pOut)
       for (size_t x = 0; x < nValid; ++x) pWork[x] = TRank::Pick(pWork[x], pWork[x + nSize]);
     }
     RankRows<TRank>(pWork, pWork + nWidth - nSize, pOut, nCount);
-  }
-}
-
-template <typename TRank>
-void TpIpFilterRank<TRank>::DeclareParameters(ClParameterRows& oRows) {
-  if (oRows.IsOlder()) {
-    DeclareWindow(oRows);
-  } else {
-    ClIpFilterBase::DeclareParameters(oRows);
   }
 }
 
