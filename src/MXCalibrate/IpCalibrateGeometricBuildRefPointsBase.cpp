@@ -10,7 +10,7 @@
 #include "MXImageProcessing/IpSplitPlanes.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
 #include "MXTools/Failure.h"
-#include "MXTools/NumericFormat.h"
+#include "MXTools/NumberLimits.h"
 #include "MXTools/ParameterRows.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include "MXCalibrate/IpCalibrateBase.h"
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "MXCalibrate/RefPointsLog.h"
-#include "MXTools/NumericFormat.h"
+#include "MXTools/NumberLimits.h"
 #include "portable/Math.h"
 
 namespace {

@@ -11,7 +11,7 @@
 
 #include "MXCalibrate/IpInterpolate2D.h"
 #include "MXImageProcessing/IpCut.h"
-#include "MXLiveScannerAPI/HelperThread.h"
+#include "MXTools/HelperThread.h"
 #include "MXTools/Failure.h"
 #include "MXTools/MemStream.h"
 

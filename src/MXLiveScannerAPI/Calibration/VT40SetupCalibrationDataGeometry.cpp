@@ -5,7 +5,7 @@
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXTools/MemStream.h"
-#include "MXTools/NumericFormat.h"
+#include "MXTools/NumberLimits.h"
 
 namespace {
 

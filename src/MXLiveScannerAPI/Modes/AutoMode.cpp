@@ -1,7 +1,7 @@
 // When to capture, the capture itself, and its score.
 #include "MXLiveScannerAPI/AutoMode.h"
 
-#include "MXLiveScannerAPI/HelperThread.h"
+#include "MXTools/HelperThread.h"
 #include "MXLiveScannerAPI/LivenessDetector.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"

@@ -1,7 +1,7 @@
 // One full-resolution sequence, and the end of the capture.
 #include "MXLiveScannerAPI/OneShotMode.h"
 
-#include "MXLiveScannerAPI/HelperThread.h"
+#include "MXTools/HelperThread.h"
 #include "MXTools/Failure.h"
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
 

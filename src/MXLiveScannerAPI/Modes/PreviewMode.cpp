@@ -1,7 +1,7 @@
 // Previews, and the capture that interrupts them.
 #include "MXLiveScannerAPI/PreviewMode.h"
 
-#include "MXLiveScannerAPI/HelperThread.h"
+#include "MXTools/HelperThread.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "MXTools/NumberLimits.h"
 #include "MXTools/NumericFormat.h"
 #include "MXTools/ParameterNumericInterface.h"
 #include "MXTools/ParameterText.h"

@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "MXTools/FpImage.h"
+#include "MXTools/NumberLimits.h"
 
 /// Stands for an element type in a generic call.
 template <typename T>
@@ -44,19 +45,11 @@ long DispatchElementType(unsigned char nType, long nUnknown, TCall&& oCall) {
   }
 }
 
-/// A double as an element: limits are those of T, fractions are cut toward zero, NaN becomes 0.
+/// A double as an element: as Klv::ClampNumber, but infinity stays for floating types.
 template <typename T>
 T ElementFromDouble(double dValue) {
-  using Limits = std::numeric_limits<T>;
-  if constexpr (std::is_same_v<T, double>) {
-    return dValue;
-  } else if constexpr (std::is_same_v<T, float>) {
-    if (std::isinf(dValue)) return static_cast<float>(dValue);
-    return static_cast<float>(std::min<double>(std::max<double>(dValue, Limits::lowest()), Limits::max()));
-  } else {
-    if (std::isnan(dValue)) return 0;
-    if (dValue <= static_cast<double>(Limits::lowest())) return Limits::lowest();
-    if (dValue >= static_cast<double>(Limits::max())) return Limits::max();
-    return static_cast<T>(dValue);
+  if constexpr (std::is_floating_point_v<T>) {
+    if (std::isinf(dValue)) return static_cast<T>(dValue);
   }
+  return Klv::ClampNumber<T>(dValue);
 }
