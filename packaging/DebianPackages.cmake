@@ -33,7 +33,7 @@ klv_package(development libkelvarinlivescannervt40-dev libdevel
   "VT40 ten-finger live-scanner, development files"
   "Header, pkg-config file and CMake package.")
 klv_package(tools kelvarin-vt40-tools graphics
-  "${base}, libkelvarinlivescannervt40-1 ${own}, libboost-thread1.74.0, libhwy1, libpng16-16"
+  "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16"
   "VT40 ten-finger live-scanner, command-line tool"
   "vt40 lists scanners, captures, rolls, signs and calibrates.")
 klv_package(simulator kelvarin-vt40-simulator libs
