@@ -11,7 +11,7 @@ constexpr unsigned char cnEvenGrey = 255;
 /// Wider than ridges, and narrower than fingers.
 constexpr long cnSoftWidth = 51;
 /// A pixel of the preview that is brighter than this is lit.
-constexpr int cnDarkGrey = 16;
+constexpr int cnUnlitGrey = 16;
 /// Per cent of the preview's light up to which a lit pixel counts as darker.
 constexpr int cnDarkerPercent = 74;
 
@@ -39,7 +39,7 @@ bool ClCaptureCheck::KeepsItsLight(const ClImage& oPreview, const ClImage& oCapt
     const unsigned char* pCapture = oCapture.Row<unsigned char>(y);
     const unsigned char* pPreview = oPreview.Row<unsigned char>(y);
     for (int x = nFirst; x < nEnd; ++x) {
-      if (pPreview[x] <= cnDarkGrey) continue;
+      if (pPreview[x] <= cnUnlitGrey) continue;
       ++nLit;
       nDarker += pCapture[x] * 100 / pPreview[x] <= cnDarkerPercent;
     }
