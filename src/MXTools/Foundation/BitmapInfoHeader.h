@@ -21,5 +21,5 @@ struct tagBITMAPINFOHEADER {
 static_assert(sizeof(tagBITMAPINFOHEADER) == 40, "the format fixes the size");
 
 constexpr unsigned int cnBitmapInfoHeaderSize = sizeof(tagBITMAPINFOHEADER);
-/// What stands in front of the information header in a file.
+/// What a file has before the information header.
 constexpr unsigned int cnBitmapFileHeaderSize = 14;

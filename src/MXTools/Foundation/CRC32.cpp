@@ -6,7 +6,7 @@
 uint32_t ClCRC32::m_aCRC_Table[256];
 bool ClCRC32::m_bInit = false;
 
-// Calibration set-up runs in threads of several devices at once, so that the first of them has to win alone.
+// Devices may be set up at the same time, each in a thread of its own: only the first one fills the table.
 ClCRC32::ClCRC32() {
   static std::once_flag oFirst;
   std::call_once(oFirst, [] {

@@ -12,7 +12,7 @@ constexpr ST_ErrorMapEntry s_aErrorTable[] = {
 };
 #undef KLV_ERROR
 
-/// What tells one kind of key from another: how a row is compared with it.
+/// Compares a row with a key; each kind of key has a form of its own.
 bool Matches(const ST_ErrorMapEntry& oRow, long nNumber) {
   return oRow.nNumber == nNumber;
 }

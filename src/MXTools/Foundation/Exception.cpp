@@ -105,7 +105,7 @@ int ClException::SetCommentV(const char* szFormat, ...) {
   if (szComment != nullptr) std::vsnprintf(szComment, nSize, szFormat, aAgain);
   va_end(aAgain);
   if (szComment == nullptr) RaiseNoRoomForComment();
-  // Formatted before the old text goes, since that may be among the arguments.
+  // The new text is made before the old one is freed, since that may be among the arguments.
   if (m_bOwnsComment) delete[] m_szComment;
   m_bOwnsComment = true;
   m_szComment = szComment;

@@ -26,7 +26,8 @@ class ClFile : private boost::noncopyable {
   size_t Read(void* pData, size_t nBytes);
   size_t Write(const void* pData, size_t nBytes);
 
-  /// -1 for files of equal content, else the position in the first file behind the first byte that differs.
+  /// Returns -1 for files of equal content, else the position in the first file after the first byte that
+  /// differs.
   static long Compare(const char* szFile1, const char* szFile2, bool bUnused);
 
  private:

@@ -13,7 +13,7 @@ ClFileStream::~ClFileStream() {
   try {
     ClFileStream::Close();
   } catch (...) {
-    // Who has to know whether everything reached the disk calls Close.
+    // A caller who has to know whether everything was written calls Close.
     if (m_pFile != nullptr) std::fclose(m_pFile);
   }
 }
@@ -23,7 +23,7 @@ bool ClFileStream::Open(const char* szName, const char* szMode) {
   if (szMode == nullptr) KLV_RAISE(ClException, "szMode is NULL", -44);
   Close();
   struct stat oStat;
-  // Reading would open a directory and then fail at each read.
+  // For reading, a directory could be opened, and each read would then fail.
   if (stat(szName, &oStat) == 0 && S_ISDIR(oStat.st_mode)) {
     errno = EISDIR;
     throw ClExFilesystem(szName, -200, __FILE__, __LINE__);
@@ -60,7 +60,7 @@ void ClFileStream::Close() {
   m_pFile = nullptr;
   const bool bCut = m_bWriteCut;
   m_bWriteCut = false;
-  // A block that passes stdio's buffer by leaves nothing behind for fclose to fail on.
+  // stdio writes large blocks past its buffer: when such a write has failed, fclose still succeeds.
   if (std::fclose(pFile) != 0 || bCut) KLV_RAISE(ClExStream, "ClFileStream::Close. Failed to Close", -204);
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 extern "C" {
-/// Takes the next entry of a list parted by ';' and gives its length, 0 at the end. An entry that does not
-/// fit, its closing zero included, is neither copied nor passed; nor is one when szOut is NULL.
+/// Takes the next entry of a list separated by ';' and returns its length, 0 at the end. An entry that does
+/// not fit, its closing zero included, is neither copied nor passed; nor is one when szOut is NULL.
 ///
 /// Threads  reentrant.
 unsigned int GetNextPath(const char** pszCursor, char* szOut, unsigned int nSize);
@@ -12,7 +12,7 @@ unsigned int SearchDefaultPath(const char* szName, const char* szExt, unsigned i
                                char** pszNamePart);
 }
 
-/// Both '\\' and '/' part directories on input; '/' is the one written.
+/// Both '\\' and '/' separate directories on input; on output there is only '/'.
 ///
 /// Units      sizes count characters, the closing zero included.
 /// Threads    reentrant, but for errno and the working directory.
@@ -23,7 +23,7 @@ namespace FileSystem {
 /// The longest name that is handled, its closing zero included.
 constexpr unsigned int cnMaxPath = 2048;
 
-/// The two characters that part directories.
+/// The two characters that separate directories.
 inline bool IsSeparator(char cLetter) {
   return cLetter == '/' || cLetter == '\\';
 }
@@ -35,7 +35,7 @@ unsigned int NormalizeFilename(const char* szIn, char* szOut, unsigned int nSize
 unsigned int NormalizeFilename(const wchar_t* wszIn, wchar_t* wszOut, unsigned int nSize);
 /// True when the file can be opened for reading.
 bool IsFileExistent(const char* szName);
-/// Looks for a file in the directories of szPath, parted by ';', in their order; "." is the current
+/// Looks for a file in the directories of szPath, separated by ';', in their order; "." is the current
 /// directory. A name without '.' gets szExt, when there is one, which must begin with '.'. Gives the length
 /// of the full name, 0 when there is none; the name is copied when it fits, and *pszNamePart points to its
 /// file part.
@@ -45,7 +45,7 @@ unsigned int SearchPath(const char* szPath, const char* szName, const char* szEx
 /// Makes an empty file of a new name from a pattern that ends in XXXXXX; gives the pattern, filled in, or
 /// NULL.
 char* MakeTempFileName(char* szPattern);
-/// The home directory with a separator behind it.
+/// The home directory, ending in a separator.
 void GetTempFileDir(char* szBuffer, unsigned int nSize);
 /// A directory that is there already is no failure. Errors: ClException -101 when there is no parent to make.
 void CreateDirectory(const char* szName, bool bRecursive);
@@ -60,7 +60,7 @@ void CopyFile(const char* szFrom, const char* szTo);
 /// Replaces the extension of the name, or adds one; the '.' of szExt may be left out.
 /// Errors: ClException -101 for an empty name and for one of directories only.
 void ChangeExtension(const char* szExt, char* szName, unsigned int nSize);
-/// Splits behind the last separator, which stays with the path. Either output may be NULL.
+/// Splits after the last separator, which stays with the path. Either output may be NULL.
 void GetPathAndName(const char* szFull, char* szPath, unsigned int nPathSize, char* szName,
                     unsigned int nNameSize);
 void GetPath(const char* szFull, char* szPath, unsigned int nSize);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Compared unsigned, so that letters beyond ASCII are no white space.
+// The comparison is unsigned, so that letters beyond ASCII don't count as white space.
 bool IsBelow(char cLetter, unsigned char nLimit) {
   return static_cast<unsigned char>(cLetter) < nLimit;
 }
@@ -105,7 +105,7 @@ unsigned int SearchPath(const char* szPath, const char* szName, const char* szEx
     if (szExt[0] != '.') return 0;
     szFile += szExt;
   }
-  // As long as the whole list, so that every entry fits.
+  // The buffer is as long as the whole list, so that every entry fits.
   std::string szEntry(std::strlen(szPath) + 1, '\0');
   while (GetNextPath(&szPath, &szEntry[0], static_cast<unsigned int>(szEntry.size())) != 0) {
     const std::string szFull = Join(szEntry.c_str(), szFile);

@@ -24,7 +24,7 @@ class ClFindFile : private boost::noncopyable {
   explicit ClFindFile(const char* szPattern) { First(szPattern); }
   virtual ~ClFindFile() { Close(); }
 
-  /// Both tell whether there is an entry.
+  /// Both return whether there is an entry.
   bool First(const char* szPattern);
   bool Next();
   void Close();

@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// R. Rivest, "The MD5 Message-Digest Algorithm", RFC 1321. For telling data apart, not for security.
+/// R. Rivest, "The MD5 Message-Digest Algorithm", RFC 1321. It distinguishes data and is no protection
+/// against forgery.
 ///
 /// Threads  reentrant.
 /// Errors   those of ClFileStream for the forms with files.

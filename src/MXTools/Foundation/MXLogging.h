@@ -1,4 +1,4 @@
-// The one static call by which the library tells what it does.
+// The one static call by which the library logs what it does.
 #pragma once
 
 #include <cstdarg>
@@ -35,12 +35,12 @@ int ReadLevel();
 
 }  // namespace KlvLogging
 
-/// A layer of the log: whoever derives from it logs into the layer below. The layers are the lower ones of a
-/// chain, and each has one object, made while the library is loaded.
+/// A layer of the log: a class that derives from it passes lines to the layer below it. Each layer has one
+/// object, made while the library is loaded.
 ///
 /// Threads  thread-safe: the state is written while the library is loaded and then only read. Lines are kept
 ///          apart by printf.
-/// Errors   ClException -49, as KlvLogging::Format tells, with logging off as well.
+/// Errors   ClException -49, as KlvLogging::Format raises it, with logging off as well.
 /// Cost     one vsnprintf with logging off.
 template <typename TNext>
 class TpLogging {
@@ -90,7 +90,7 @@ class TpLoggingConsole : public TpLogging<TNext> {
   int m_nLevel = KlvLogging::ReadLevel();
 };
 
-/// The place of a debugger's output window, which this platform has not: hands on.
+/// Stands for a debugger's output window. This platform has none, so that lines are only passed on.
 template <typename TNext>
 class TpLoggingDebugOut : public TpLogging<TNext> {
  public:
@@ -99,7 +99,7 @@ class TpLoggingDebugOut : public TpLogging<TNext> {
   }
 };
 
-/// The switch that the environment sets.
+/// Passes lines on when the environment switches logging on.
 template <typename TNext>
 class TpLoggingConfigurator : public TpLogging<TNext> {
  public:

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// A size with the room for growth; past what a position can tell nothing is allocated.
+/// Adds room for growth to a size. Raises for a size that no position can reach.
 unsigned int WithReserve(uint64_t nBytes) {
   if (nBytes > INT32_MAX) KlvRaiseBadAlloc();
   const double dBytes = static_cast<double>(nBytes) * 1.2;
@@ -95,7 +95,7 @@ long ClMemStream::Seek(long nOffset, int nWhence) {
   return SetReadPos(static_cast<unsigned int>(nTarget));
 }
 
-// Blocks are made of zeros and are only written within the used size, so that a gap needs no clearing.
+// A new block holds zeros and is only written within the used size, so that a gap needs no clearing.
 long ClMemStream::SetReadPos(unsigned int nPos) {
   if (nPos > m_nUsed) {
     if (!m_bWritable || nPos >= INT32_MAX) return -1;

@@ -17,12 +17,12 @@ bool FitsNumber(double dValue) {
   } else if constexpr (Limits::digits <= 53) {
     return dValue >= static_cast<double>(Limits::min()) && dValue <= static_cast<double>(Limits::max());
   } else {
-    // The maximum itself is no double; the power of two above it is.
+    // A double cannot hold the largest 64-bit integer, but holds the power of two above it.
     return dValue >= static_cast<double>(Limits::min()) && dValue < std::ldexp(1.0, Limits::digits);
   }
 }
 
-/// dValue as T: fractions are cut, values beyond T give its nearer limit, NaN gives 0 for an integer.
+/// dValue as T, saturated; an integer T truncates, and gives 0 for NaN.
 template <typename T>
 T ClampNumber(double dValue) {
   if (FitsNumber<T>(dValue)) return static_cast<T>(dValue);

@@ -121,7 +121,7 @@ unsigned int ClStream::WriteNumericArray(const void* pData, unsigned int nCount,
   return CheckTransfer(WriteSwapped(static_cast<const unsigned char*>(pData), nCount, nElementSize), nBytes);
 }
 
-// The bytes of a number that is cut short fill it from its last byte on; its other bytes stay.
+// When the stream ends within a number, the bytes that came fill the number's end; its other bytes stay.
 unsigned int ClStream::ReadSwapped(unsigned char* pData, unsigned int nCount, unsigned int nElementSize) {
   unsigned char aBlock[cnSwapBlock];
   unsigned int nDone = 0;
@@ -167,7 +167,7 @@ unsigned int ClStream::WriteString(const char* szText) {
   return nDone + Write(szText, nLength);
 }
 
-// A stored length is not to be believed: where the stream tells its size, no more is allocated than is left.
+// A stored length is not trusted: where the size of the stream is known, no more is allocated than is left.
 void ClStream::CheckRoom(unsigned int nBytes) const {
   if (nBytes > INT32_MAX) RaiseUnexpectedEnd();
   if (!IsSeekable()) return;
@@ -183,7 +183,7 @@ unsigned int ClStream::ReadString(char** pszText) {
   const unsigned int nDone = ReadAutoSwap(nLength);
   if (nDone < sizeof(nLength) || nLength == 0) return nDone;
   CheckRoom(nLength);
-  // One byte more, so that a text stored without its closing zero still ends.
+  // The block has one byte more, so that a text stored without its closing zero still ends.
   std::unique_ptr<char[]> szText(new (std::nothrow) char[static_cast<size_t>(nLength) + 1]());
   if (szText == nullptr) KlvRaiseBadAlloc();
   const unsigned int nRead = Read(szText.get(), nLength);

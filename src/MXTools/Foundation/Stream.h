@@ -98,7 +98,7 @@ class ClStream : private boost::noncopyable {
  private:
   /// What stands in the bit buffer while the bit count isn't 0.
   enum EBitState {
-    eBitsRead,    ///< the rest of a byte that was read, moved up; Pos() is behind it
+    eBitsRead,    ///< the rest of a byte that was read, moved up; Pos() is after it
     eBitsPlaced,  ///< the byte at Pos(), in place
     eBitsWritten  ///< bits for the byte at Pos(), in place
   };

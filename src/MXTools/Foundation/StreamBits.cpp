@@ -33,7 +33,7 @@ void ClStream::ReadBits(unsigned int& rnValue, unsigned int nCount) {
   rnValue = 0;
   if (nCount == 0) return;
   if (nCount > 32) KLV_RAISE(ClExRange, "ReadBits takes 32 bits at most", -35);
-  // Bits on their way out can't be mixed with bits on their way in.
+  // Bits that wait to be written can't be mixed with bits that are read.
   if (m_eBitState == eBitsWritten) CheckBitPosByteAlignment();
   if (m_nBitCount != 0 && m_eBitState == eBitsPlaced) {
     Seek(1L, 1);
@@ -99,7 +99,7 @@ void ClStream::WriteBits(unsigned int nValue, unsigned int nCount) {
 
 void ClStream::BitFlush() {
   if (m_nBitCount == 0) return;
-  // Bits that were only read stand in the stream already, which is behind them.
+  // Bits that were only read are in the stream already, and its position is after them.
   if (m_eBitState == eBitsRead) {
     DropBits();
     return;
@@ -125,7 +125,7 @@ unsigned int ClStream::BitPos() const {
 }
 
 void ClStream::BitPosSet(unsigned int nBitPos) {
-  // A reader may go from place to place on a stream that can't be written.
+  // Bits that were placed but not changed need no flush, which would fail on a stream that can't be written.
   if (m_eBitState == eBitsPlaced) DropBits();
   BitFlush();
   Seek(static_cast<long>(nBitPos / 8), 0);

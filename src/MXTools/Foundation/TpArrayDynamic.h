@@ -9,7 +9,7 @@
 /// Ownership  owns its entries; copies are made with CopyFrom only.
 /// Threads    thread-bound.
 /// Errors     ClExBadAlloc -102; the array is then as it was.
-/// Cost       a growth assigns all entries across; who knows the number calls New.
+/// Cost       a growth assigns all entries across; where the number of entries is known, New avoids that.
 template <typename T, unsigned int N>
 class TpArrayDynamic : public TpArrayStatic<T> {
  public:
@@ -43,7 +43,7 @@ class TpArrayDynamic : public TpArrayStatic<T> {
     m_nEntries = nEntries;
   }
 
-  /// Takes the entry out and moves those behind it one place down.
+  /// Takes the entry out and moves those after it down by one.
   void RemoveAt(unsigned int nIndex) {
     for (unsigned int n = nIndex + 1; n < m_nEntries; ++n) this->m_pData[n - 1] = this->m_pData[n];
     --m_nEntries;

@@ -1,11 +1,11 @@
-// Matching of names: what stands behind a '*' slides along the name until it fits.
+// Matching of names: what follows a '*' slides along the name until it fits.
 #include "MXTools/WildCard.h"
 
 namespace FileSystem {
 
 bool ClWildCard::Match(const char* szName) const {
   const char* pPattern = m_szPattern.c_str();
-  const char* pSliding = nullptr;  // the stretch behind the last '*'
+  const char* pSliding = nullptr;  // the pattern after the last '*'
   const char* pStart = nullptr;    // where in the name it is being tried
   while (*szName != 0) {
     if (*pPattern == '*') {

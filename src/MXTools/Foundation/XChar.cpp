@@ -13,7 +13,7 @@ namespace {
 
 constexpr size_t cnFailed = static_cast<size_t>(-1);
 
-/// Closes the conversion on the way out of an exception.
+/// Closes the conversion even when an exception leaves the scope.
 class ClConversion {
  public:
   ClConversion(const char* szTo, const char* szFrom)

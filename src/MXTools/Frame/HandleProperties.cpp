@@ -37,7 +37,7 @@ ClParameterContainer& ClHandleProperties::QueryPropertys() {
   auto pParameters = std::make_unique<ClParameterContainer>();
   using VersionParameter = TpParameterString<char*, ClParameter, 0>;
   auto* pVersion = pParameters->AddParam<VersionParameter>("Version");
-  // With no room behind it the text is never written to.
+  // The parameter's buffer has size 0, so that the text is never written to.
   m_szVersionText = const_cast<char*>(VersionText());
   pVersion->BindVariable(&m_szVersionText);
   pVersion->SetAccess(ClParameter::cnReadable);

@@ -12,8 +12,8 @@
 /// Threads    thread-safe as far as the bound values are: building the tree has a mutex of its own, which is
 ///            never held around a value. An enumeration is thread-bound, and no other property call may run
 ///            beside its start.
-/// Errors     tested in this order: -44 name NULL; -206 not found; then what each operation tells, in the
-///            order in which it tells it; a NULL for a result, -23, last.
+/// Errors     tested in this order: -44 name NULL; -206 not found; then what each operation lists, in that
+///            order; last -23 for a result that is NULL.
 class ClHandleProperties {
  public:
   enum enumType_t { eTypeLong = 0, eTypeDouble = 1, eTypeText = 2 };

@@ -7,7 +7,7 @@
 #include "MXTools/SDKHelper.h"
 #include "MXTools/TpSingleton.h"
 
-/// Domain   T tells its version record as T::m_szLongVersion, "SDK: <name> Version: <version> <free text>".
+/// Domain   T has its version record in T::m_szLongVersion, "SDK: <name> Version: <version> <free text>".
 /// Threads  thread-safe.
 template <typename T, typename TLogging>
 class TpSDKBase : public TpSingleton<T>, public TpLogging<TLogging> {

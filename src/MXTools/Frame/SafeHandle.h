@@ -1,4 +1,4 @@
-// The opaque handles of the exported functions: records that tell a valid handle from a wrong one.
+// The opaque handles of the exported functions: records by which a valid handle is known from a wrong one.
 #pragma once
 
 #include <boost/thread/mutex.hpp>
@@ -8,7 +8,7 @@
 
 #include "MXTools/Exception.h"
 
-/// The memory behind an application's void*.
+/// The memory that an application's void* points to.
 ///
 /// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and kept
 ///            for a while, so that a handle that was closed is recognised instead of being read from freed
@@ -70,7 +70,7 @@ class TpSafeHandle {
   }
 
  private:
-  /// So many closed handles stay recognisable before the first of their records serves again.
+  /// This many closed handles stay recognisable; then the record of the one closed first is used again.
   static constexpr size_t cnRetired = 64;
 
   /// A ring, all of it guarded by the mutex.

@@ -43,7 +43,7 @@ class ClBitmap : private boost::noncopyable {
   /// Shares the pixels under a header of its own; an empty image empties the bitmap.
   /// Errors: -33 for an image that is no plain BMP in memory; the old content stays.
   void Attach(const ClImage& oImage);
-  /// Wraps the caller's header, with its palette behind it, and pixels.
+  /// Wraps pixels and the caller's header, which its palette follows.
   void Attach(unsigned char* pHeader, unsigned char* pPixels);
   /// Wraps a whole block, with or without a file header. A header that does not lie on a multiple of 4 is
   /// copied.
@@ -53,9 +53,9 @@ class ClBitmap : private boost::noncopyable {
   void CopyFrom(const ClBitmap& oOther, bool bCopyPixels);
   /// Errors: -33 for an element type other than eUint8, and for rows that can't be shared.
   void CopyFrom(const ClImage& oImage, bool bCopyPixels);
-  /// The same from a block of header, palette and pixels as long as its header tells.
+  /// The same from a block of header, palette and pixels, whose length follows from the header.
   void CopyFrom(const unsigned char* pBlock, bool bCopyPixels);
-  /// Writes header, palette and pixels one behind the other: BlockSize() bytes.
+  /// Writes header, palette and pixels one after the other: BlockSize() bytes.
   void CopyTo(unsigned char* pBlock) const;
   /// Errors: -10 when empty.
   unsigned int BlockSize() const;
@@ -68,7 +68,8 @@ class ClBitmap : private boost::noncopyable {
   /// without an entry in the palette is black; a depth beyond 32 bits gives all bits set.
   /// Errors: -35 outside; -10 and -31 as GetImage.
   unsigned int GetPixel(long nX, long nY) const;
-  /// Sets what GetPixel tells, to the precision of the depth; with a palette to its nearest colour.
+  /// Sets the pixel so that GetPixel returns nColor, as far as the depth allows; with a palette, its nearest
+  /// colour.
   void SetPixel(long nX, long nY, unsigned int nColor);
   /// Whether red, green and blue are equal in each entry of the palette. With bPixels, and without a palette,
   /// in each pixel.
@@ -99,7 +100,7 @@ class ClBitmap : private boost::noncopyable {
   void Store(ClStream& oStream) const;
   void Store(const char* szName) const;
 
-  /// Let the content go. Four names of one operation.
+  /// All four release the content and leave the bitmap empty.
   void ClearFree();
   void Clear() { ClearFree(); }
   void Free() { ClearFree(); }

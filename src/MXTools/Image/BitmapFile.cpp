@@ -16,7 +16,7 @@ bool IsHeaderSize(uint32_t nSize) {
   return nSize == 40 || nSize == 108 || nSize == 124;
 }
 
-/// The format's byte order and a sure failure at the end of the stream, for the length of a transfer.
+/// Sets the format's byte order and makes a read beyond the end fail, until the transfer ends.
 class ClFormatOfStream {
  public:
   explicit ClFormatOfStream(ClStream& oStream)
@@ -73,7 +73,7 @@ class ClBitmapReader {
     if (bEncoded) {
       DecodeRLE8();
     } else {
-      // Rows of nothing cost no bytes, so that a short file may tell of billions.
+      // Rows without columns take no bytes, so that even a short file may claim billions of them.
       const int32_t nRows = m_nRowSize == 0 ? 0 : m_oHeader.biHeight;
       for (int32_t nY = 0; nY < nRows; ++nY) m_oStream.Read(Row(nY), m_nRowSize);
     }
@@ -124,7 +124,7 @@ class ClBitmapReader {
     const bool bKnown = nCompression == ClBitmap::ePlain || nCompression == ClBitmap::eBitFields ||
                         (nCompression == ClBitmap::eRLE8 && m_oHeader.biBitCount == 8);
     if (!bKnown) KLV_RAISE(ClException, "ClBitmap::Load. Unsupported compressions mode", -31);
-    // Judged before anything is allocated by what it says.
+    // The header is checked before anything is allocated by its sizes.
     ClBitmap::MemToBitmapInfoHeader(reinterpret_cast<unsigned char*>(&m_oHeader));
     ClBitmap::ImageSize(&m_oHeader);
     m_bTopDown = m_oHeader.biHeight < 0;
@@ -178,8 +178,8 @@ class ClBitmapReader {
     while (nBytes != 0) nBytes -= m_oStream.Read(aIgnored, std::min<unsigned int>(nBytes, sizeof(aIgnored)));
   }
 
-  /// Runs give less than 128 pixels a byte. Small bitmaps may leave out what they like; a large one has to
-  /// hold what fills it, so that no short file can ask for gigabytes.
+  /// A byte of runs gives less than 128 pixels. A small bitmap may leave out pixels; a large one has to be
+  /// long enough to fill all of them, so that no short file makes gigabytes be allocated.
   static uint64_t LeastEncodedBytes(unsigned int nPixelBytes) {
     constexpr unsigned int cnSmall = 1u << 26;
     return nPixelBytes > cnSmall ? (nPixelBytes - cnSmall) / 128 : 0;

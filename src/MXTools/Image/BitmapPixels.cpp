@@ -51,7 +51,8 @@ uint32_t ClBitmap::MaskData::Get(uint32_t nPixel) const {
 
 uint32_t ClBitmap::MaskData::Set(uint32_t nPixel, uint32_t nValue) const {
   if (m_nLargest == 0) return nPixel;
-  // The nearest one; of more than eight bits the least that Get turns into the value again.
+  // Up to eight bits the nearest field value is taken, beyond them the least one from which Get returns
+  // nValue.
   const uint32_t nRounding = m_nLargest > 255 ? 254 : 127;
   const auto nField = static_cast<uint32_t>((uint64_t{nValue} * m_nLargest + nRounding) / 255);
   return (nPixel & ~m_nMask) | (nField << m_nLowest & m_nMask);
@@ -59,14 +60,14 @@ uint32_t ClBitmap::MaskData::Set(uint32_t nPixel, uint32_t nValue) const {
 
 ClBitmap::MaskData ClBitmap::GetMask(int nChannel) const {
   const bool bWide = m_pHeader->biBitCount > 16;
-  // Red, green, blue, as the masks of a block stand.
+  // The order is red, green, blue, as in a block's own masks.
   uint32_t aMasks[3] = {31744, 992, 31};
   if (bWide) aMasks[0] = 0xFF0000, aMasks[1] = 65280, aMasks[2] = 255;
   if (m_pHeader->biCompression == eBitFields) {
     for (unsigned int n = 0; n < 3; ++n) aMasks[n] = LongFromMem(m_pPalette + 4 * n, 4);
   }
   if (nChannel != eAlpha) return MaskData(aMasks[eRed - nChannel]);
-  // What the colours leave; the top bit or byte of the usual layouts.
+  // Alpha has the bits that no colour uses: the top bit or byte of the usual layouts.
   return MaskData(~(aMasks[0] | aMasks[1] | aMasks[2]) & (bWide ? UINT32_MAX : 0xFFFF));
 }
 

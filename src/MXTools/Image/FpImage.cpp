@@ -13,7 +13,7 @@ namespace {
 
 constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// Row bytes in 64 bits; false when the product of hostile sizes leaves what a row may have.
+/// Computes the bytes of a row in 64 bits; false when hostile sizes give more than a row may have.
 bool RowBytesOf(unsigned char nType, int nWidth, int nPlanes, bool bAligned, int64_t& rnRowBytes) {
   rnRowBytes = 0;
   int64_t nBytes = static_cast<int64_t>(nPlanes) * nWidth;

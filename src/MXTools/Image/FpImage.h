@@ -151,7 +151,7 @@ class ClImage : private boost::noncopyable {
   const T* Row(int nY) const {
     return reinterpret_cast<const T*>(m_pData.get() + static_cast<size_t>(nY) * RowBytes());
   }
-  /// The system's own container. Errors: -101 with the place that is wrong, -201 when the stream ends and its
+  /// The system's own container. Errors: -101 with what is wrong, -201 when the stream ends and its
   /// failure flag is on; the image is then not fit for use.
   void Load(ClStream& oStream);
   void Load(const char* szPath);
@@ -166,7 +166,7 @@ class ClImage : private boost::noncopyable {
     void operator()(unsigned char*) const {}
   };
 
-  /// A block that something else than images holds too is never taken over for new pixels.
+  /// A block that is shared with something other than an image is never reused for new pixels.
   static constexpr size_t cnNeverReused = SIZE_MAX;
 
   void TakeFields(const ClImage& oOther);

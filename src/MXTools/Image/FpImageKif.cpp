@@ -9,7 +9,7 @@ namespace {
 constexpr unsigned int cnMagic = 0x4B494600;
 constexpr unsigned int cnVersion = 2;
 
-/// What stands in front of the pixels.
+/// What precedes the pixels.
 struct StKifHeader {
   unsigned int nVersion = 0;
   unsigned char nType = 0;
@@ -27,7 +27,7 @@ struct StKifHeader {
 
 void ReadMagic(ClStream& oStream, const char* szText) {
   unsigned int nMagic = 0;
-  // The last byte is 0: a mark cut by one byte would look whole.
+  // The mark's last byte is 0: without the count, a mark that lacks that byte would look whole.
   const unsigned int nRead = oStream.ReadAutoSwap(nMagic);
   if (nRead != sizeof(nMagic) || nMagic != cnMagic) KLV_RAISE(ClException, szText, -101);
 }
@@ -54,7 +54,7 @@ StKifHeader ReadHeader(ClStream& oStream) {
 /// A header may claim any size: nothing is allocated for pixels that the stream does not hold or can't move.
 void CheckPixels(ClStream& oStream, const StKifHeader& oHeader) {
   if (oHeader.nWidth <= 0 || oHeader.nHeight <= 0 || oHeader.nPlanes <= 0) return;
-  // Before the room: elements of an unknown size tell nothing about how much should be there.
+  // This comes first: without a known element size nothing says how many bytes there should be.
   const int nSize = oHeader.nType & ClImage::cnTypeSizeMask;
   if (nSize > 8 || (nSize & (nSize - 1)) != 0)
     KLV_RAISE(ClException, "KIF element size is not supported", -101);

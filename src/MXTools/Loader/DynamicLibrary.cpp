@@ -36,7 +36,7 @@ void ClDynamicLibrary::Open(const char* szPath) {
 void ClDynamicLibrary::Close() {
   if (m_hModule == nullptr) return;
   void* hModule = m_hModule;
-  // Taken over, not copied: a library is let go of also when there is no memory.
+  // The path is moved, since a copy could fail: a library is closed even when memory has run out.
   const std::string szPath = std::move(m_szPath);
   m_hModule = nullptr;
   m_szPath.clear();

@@ -11,8 +11,8 @@
 class ClDynamicLibraryLoader : public ClDynamicLibrary {
  public:
   void Open(const char* szName);
-  /// Opens the first hit in the directories, parted by ';' and counted from the working directory; without
-  /// one, or without a list, leaves the search to the linker.
+  /// Opens the first hit in the directories, which are separated by ';' and relative to the working
+  /// directory; without a hit, or without a list, leaves the search to the linker.
   void Open(const char* szSearchPath, const char* szName);
   void Close();
 

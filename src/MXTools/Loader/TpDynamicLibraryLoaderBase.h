@@ -104,7 +104,7 @@ class TpDynamicLibraryLoaderBase : private boost::noncopyable {
     m_bOpen = false;
     ClStatics& rStatics = Statics();
     if (--rStatics.sm_nRefCount != 0) return;
-    // A call behind the close must meet NULL, not code that is gone.
+    // A call after the close must find NULL, not unloaded code.
     void* const pNone = nullptr;
     for (unsigned int n = 0; n < rStatics.sm_aFunctions.Entries(); ++n)
       std::memcpy(rStatics.sm_aFunctions[n], &pNone, sizeof(pNone));
@@ -117,7 +117,7 @@ class TpDynamicLibraryLoaderBase : private boost::noncopyable {
     try {
       Release();
     } catch (...) {
-      // That the linker keeps the library concerns no one who has let go of it.
+      // The reference is given back; whether the linker unloads the library no longer matters to its holder.
     }
   }
 

@@ -12,7 +12,7 @@ class ClParameterNumericInterface;
 /// What containers and values have in common: a name, a place in the tree, copying and defaults.
 ///
 /// Ownership  a node belongs to the container that it was added to.
-/// Threads    thread-bound, but for the values that TpParameterBase tells about.
+/// Threads    thread-bound, but for the values that TpParameterBase names.
 /// Errors     ClException -701 "pCast is not set" when another node is handed in that is not of this node's
 ///            class; ClExBadAlloc -102.
 class ClParameterBase {

@@ -25,7 +25,7 @@ class ClParameterContainer : public ClParameter {
   explicit ClParameterContainer(const char* szName) : ClParameterContainer() { SetString(&m_szName, szName); }
   ~ClParameterContainer() override { Clear(); }
 
-  /// Names the parameter and takes it over; after an error it is still the caller's.
+  /// Gives the parameter its name and takes ownership; after an error the parameter is still the caller's.
   void AddParameter(const char* szName, ClParameter* pParameter);
   ClParameterContainer* AddContainer(const char* szName);
   /// A number bound to *pValue, whose value at this moment is the default.
@@ -53,8 +53,8 @@ class ClParameterContainer : public ClParameter {
   ClParameter* At(unsigned int nIndex) const { return m_aParameters[nIndex]; }
   /// The child of this name; NULL when there is none.
   ClParameter* FindLocal(const char* szName) const;
-  /// What a path leads to, a container too; NULL when there is nothing. A path that goes on behind a value
-  /// gives that value.
+  /// What a path leads to, a container too; NULL when there is nothing. A path that goes on after a value
+  /// leads to that value.
   ClParameter* Find(const char* szPath);
 
   /// The values below this node, depth first; containers are never among them. NULL at the end.

@@ -5,7 +5,7 @@
 #include <string>
 
 void ClParameterNumericInterface::SetFormat(const char* szFormat) {
-  // A copy first: the text may be the one that New frees.
+  // The text is copied first, since it may be the one that New frees.
   const std::string szCopy(szFormat);
   m_aFormat.New(static_cast<unsigned int>(szCopy.size() + 1));
   std::memcpy(m_aFormat.Data(), szCopy.c_str(), szCopy.size() + 1);

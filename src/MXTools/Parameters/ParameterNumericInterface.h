@@ -17,7 +17,7 @@ class ClParameterNumericInterface {
 
   virtual double GetNumber() const = 0;
   virtual void SetNumber(double dValue) = 0;
-  /// The value as long: fractions are cut, values beyond long give its nearer limit, NaN gives 0.
+  /// The value as long: truncated and saturated; NaN gives 0.
   virtual long GetNumberLong() const = 0;
   virtual void SetNumberLong(long nValue) = 0;
   virtual double GetLowerBoundary() const = 0;

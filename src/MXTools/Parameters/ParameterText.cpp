@@ -31,7 +31,7 @@ void ParseInteger(const char* psz, bool bSigned, ClParsedNumber& rParsed) {
     rParsed.nSigned = std::strtoll(psz, nullptr, 10);
   } else {
     rParsed.nUnsigned = std::strtoull(psz, nullptr, 10);
-    // strtoull wraps negative texts round, some of them to small numbers.
+    // strtoull wraps negative numbers, some of them to small positive ones.
     const bool bNegative = psz[std::strspn(psz, " \t\n\v\f\r")] == '-';
     rParsed.bOverflow = bNegative && rParsed.nUnsigned != 0;
   }
@@ -46,8 +46,8 @@ ClParsedNumber ParseParameterNumber(const char* szName, const char* psz, bool bF
   char* pEnd = nullptr;
   if (const char* szDigits = BehindHexadecimalMark(psz)) {
     oParsed.bHexadecimal = true;
-    // 64 bits wherever it runs: where long is short, strtol would quietly stop at its limit. What 64 bits
-    // can't hold stops at theirs, and the parameter's own limits decide.
+    // The number is read in 64 bits on every platform: with a long of 32 bits strtol would saturate
+    // unnoticed. A number beyond 64 bits saturates, and the parameter's own limits decide.
     oParsed.nSigned = std::strtoll(szDigits, &pEnd, 16);
     if (pEnd == szDigits || *pEnd != '\0') RaiseBadText(szName, psz, -44);
     return oParsed;

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-/// A number as a parameter's text tells it. Which member holds depends on what was asked for.
+/// A number as read from a parameter's text. Which member is valid depends on the kind that was asked for.
 struct ClParsedNumber {
   double dValue = 0;       ///< floating
   int64_t nSigned = 0;     ///< signed, and every hexadecimal text
@@ -13,12 +13,12 @@ struct ClParsedNumber {
   bool bOverflow = false;  ///< the text means a number beyond 64 bits, or a negative one as unsigned
 };
 
-/// Parses a parameter's text: hexadecimal behind an "x", else what strtod accepts whole. An integer is the digits that
-/// it begins with: "1.5" and "1e3" are both 1.
+/// Parses a parameter's text: hexadecimal after an "x", else whatever strtod accepts as a whole. An integer
+/// has the value of the digits that it begins with: "1.5" and "1e3" are both 1.
 /// Errors: ClException -20 for NULL, -44 for bad text, -35 for infinity as an integer; texts name szName.
 ClParsedNumber ParseParameterNumber(const char* szName, const char* psz, bool bFloat, bool bSigned);
 
-/// Cuts the zeros at the end of a text with a decimal point down to one digit behind it.
+/// Removes the zeros at the end of a text with a decimal point, but leaves one digit after the point.
 void TrimTrailingZeros(char* psz);
 
 /// Hands a text out by the size convention of ClParameter::GetValue.

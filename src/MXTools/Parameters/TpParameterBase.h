@@ -5,8 +5,8 @@
 #include "MXTools/Exception.h"
 #include "MXTools/Parameter.h"
 
-/// A value of type T that is kept elsewhere: in a variable, behind a pointer that its owner re-seats, or
-/// behind a pair of member functions of TClass.
+/// A value of type T that is kept elsewhere: in a variable, where a pointer leads that its owner re-seats, or
+/// where a getter and a setter of TClass reach.
 ///
 /// Ownership  owns nothing of what it is bound to, which must outlive it.
 /// Threads    scalar variables are read and written in one piece, so that a worker may look at them
@@ -29,7 +29,8 @@ class TpParameterBase : public ClParameter {
     m_oDefault = Value();
   }
 
-  /// Follows *ppValue from now on; the default is taken over when it points somewhere.
+  /// Uses the variable that *ppValue points to at each access; its value is the default, unless *ppValue is
+  /// NULL.
   void BindPointer(T** ppValue) {
     m_pObject = nullptr;
     m_ppValue = ppValue;

@@ -115,7 +115,7 @@ class TpParameterEnumPointer : public TpParameter<T, TClass>, public ClParameter
     }
   }
 
-  /// The count when there is none.
+  /// The index of the entry; the number of entries when there is none.
   unsigned int IndexOf(const char* szName) const {
     unsigned int n = 0;
     while (n < m_aValues.Entries() && (szName == nullptr || strcasecmp(m_aValues[n].szName, szName) != 0))

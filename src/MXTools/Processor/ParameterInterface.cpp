@@ -15,7 +15,8 @@ constexpr char cszBoolNames[] = "False\0True\0";
 }  // namespace
 
 void ClParameterInterface::Clear() {
-  // One by one: a long list would unwind through as many destructors.
+  // Entries are deleted one by one: destructors that delete the next entry would nest as deep as the list is
+  // long.
   while (m_pFirst != nullptr) m_pFirst = std::move(m_pFirst->m_pNext);
   m_pLast = nullptr;
   m_pActEntry = nullptr;

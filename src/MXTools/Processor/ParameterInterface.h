@@ -38,8 +38,7 @@ class ClParameterInterface : private boost::noncopyable {
 
   /// One entry.
   ///
-  /// Range   numbers are cut toward zero and limited to what the member holds. In a stream an eLong has 32
-  ///         bits.
+  /// Range   numbers are truncated and limited to what the member holds. In a stream an eLong has 32 bits.
   /// Errors  -21 "The buffer size is too small."; -37 for a name of an enumeration that is not there; -44 for
   ///         a value of another kind; -209 for a name that the enumeration has not.
   class ClParameter {
@@ -130,7 +129,8 @@ class ClParameterInterface : private boost::noncopyable {
   ClParameter* AddParameter(void** pMember, const char* szName, const char* szDescription,
                             EDirection eDirection, EType eType, bool bFixedRange);
   /// A number of type unsigned char, short, unsigned short (an angle), int, long, float or double; its value
-  /// now is the default. The limits 1.0 and -1.0 stand for a third around it; limits are cut to what T holds.
+  /// now is the default. The limits 1.0 and -1.0 stand for a third around it; limits saturate to the range of
+  /// T.
   template <typename T>
   ClParameter* AddParameter(T* pMember, const char* szName, const char* szDescription, EDirection eDirection,
                             double dMinimum, double dMaximum) {
@@ -154,7 +154,7 @@ class ClParameterInterface : private boost::noncopyable {
   long Count() const { return m_nCount; }
   /// The first entry, which starts an iteration; NULL for an empty list.
   ClParameter* FirstParam();
-  /// The next one; NULL, and the end of the iteration, behind the last.
+  /// The next one; after the last it is NULL, and the iteration has ended.
   ClParameter* NextParam();
   /// NULL when there is none. Names are compared without regard to case.
   ClParameter* GetParam(long nIndex) const;

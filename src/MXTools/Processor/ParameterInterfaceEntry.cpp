@@ -29,7 +29,8 @@ void Write(ClStream& oStream, double dValue) {
   oStream.WriteAutoSwap(ElementFromDouble<T>(dValue));
 }
 
-/// Reads numbers and remembers whether one came short, which a stream without its failure flag does not tell.
+/// Reads numbers and remembers whether one came short, since a stream without its failure flag does not
+/// raise.
 class ClRecord {
  public:
   explicit ClRecord(ClStream& oStream) : m_oStream(oStream) {}
@@ -262,7 +263,7 @@ const char* ClEntry::EnumToStr(long nValue) const {
 
 void ClEntry::SetEnum(const char* szName) {
   if (m_szEnumList.empty()) KLV_RAISE(ClException, "m_szEnumList is not set", -37);
-  // A number that names were given to later does not count its names from 0.
+  // Names without values count from 0 for enumerations and bools only: a number's names need values too.
   if (m_aEnumValues.empty() && m_eType != eEnum && m_eType != eBool)
     KLV_RAISE(ClException, "m_aEnumValues is not set", -37);
   size_t nIndex = 0;

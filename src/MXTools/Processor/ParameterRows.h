@@ -21,7 +21,7 @@ class ClParameterRows {
   explicit ClParameterRows(ClParameterInterface& oOlder) : m_pOlder(&oOlder) {}
 
   bool IsOlder() const { return m_pOlder != nullptr; }
-  /// From here on the published parameters have the descriptions as well.
+  /// The published parameters of the rows from here on have descriptions as well.
   void DescribeBoth() { m_bDescribeBoth = true; }
 
   /// Connectors of images: access 5 for an input, 6 for an output.

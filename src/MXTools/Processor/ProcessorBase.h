@@ -6,8 +6,8 @@
 class ClClassCallProfile;
 class ClProfileTimer;
 
-/// Set by a host that wants to watch processors; null otherwise. Not guarded: to be set before any processor
-/// runs.
+/// Set by a host that wants to watch processors; null otherwise. It is not guarded, and so must be set before
+/// any processor runs.
 extern ClProfileTimer* g_pProfileTimer;
 extern ClClassCallProfile* g_pClassCallProfile;
 

@@ -13,7 +13,7 @@ boost::posix_time::time_duration MonotonicNow() {
 
 bool WaitOnce(boost::condition_variable_any& oCondition, TpLock<ClMutex>& oLock,
               const boost::posix_time::time_duration& oDuration) {
-  // The relative form: an absolute time here would be one of the wall clock.
+  // The wait takes a duration: an absolute time would be one of the wall clock.
   return oCondition.timed_wait(oLock, oDuration);
 }
 

@@ -1,4 +1,4 @@
-// Mutexes and locks whose use the second compiler checks.
+// Mutexes and locks whose use clang checks.
 #pragma once
 
 #include <boost/thread/mutex.hpp>

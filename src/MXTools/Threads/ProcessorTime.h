@@ -3,8 +3,8 @@
 
 namespace Klv {
 
-/// What all threads of the process have computed so far. A program that brings a clock() of its own in front
-/// of the C library's decides what is told here.
+/// What all threads of the process have computed so far. A program that replaces the C library's clock()
+/// decides what this returns.
 ///
 /// Units    microseconds, modulo the range of the type: differences are right, also across its end.
 /// Threads  thread-safe.

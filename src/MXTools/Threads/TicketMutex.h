@@ -6,8 +6,8 @@
 
 #include "MXTools/Mutex.h"
 
-/// For a resource that one thread takes again and again: with a plain mutex that thread can win every time,
-/// here whoever waits is next.
+/// For a resource that one thread takes again and again: it could win a plain mutex every time, while here a
+/// waiting thread is next.
 ///
 /// Threads  thread-safe. Waiting is no interruption point. Not recursive; any thread may unlock.
 class KLV_CAPABILITY("mutex") ClTicketMutex {
