@@ -27,8 +27,8 @@ constexpr double cdMostOffMean = 0.3;
   KLV_RAISE(ClException, "Source data is corrupt", -39);
 }
 
-/// True when each distance is the mean of all, give or take a part of it. The sign counts: a grid that runs the other way
-/// is none. False for NaN.
+/// True when each distance is the mean of all, give or take a part of it. The sign counts: a grid that runs
+/// the other way is none. False for NaN.
 bool AreEven(const std::vector<double>& aDistances) {
   double dSum = 0;
   for (const double d : aDistances) dSum += std::fabs(d);

@@ -13,7 +13,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace MXKernels::HWY_NAMESPACE {
 
-// Quotients are taken in floats. A quotient of integers p / b with b up to 256 that isn't an integer stays
+// Quotients are computed in floats. A quotient of integers p / b with b up to 256 that isn't an integer stays
 // at least 1 / 256 below the next one. Up to 2^16 a float is off by at most 2^-9 there, so that the division,
 // rounded correctly, never reaches that integer, and the truncation gives the integer division.
 

@@ -5,8 +5,8 @@
 
 namespace MXKernels {
 
-/// (pIn, pReference, pOut, nCount, nValue, nMinimum): pOut[i] = pIn[i] * nValue / max(pReference[i], nMinimum),
-/// truncated and limited to 255. nMinimum >= 1. pOut may equal either input.
+/// (pIn, pReference, pOut, nCount, nValue, nMinimum): pOut[i] = pIn[i] * nValue / max(pReference[i],
+/// nMinimum), truncated and limited to 255. nMinimum >= 1. pOut may equal either input.
 extern const TpKernel<TwoRows<uint8_t, uint8_t, uint8_t, uint8_t>> AdjustBrightnessRow;
 
 /// One row of 2 by 2 cells of a mosaic with the local means of its four phases.

@@ -15,7 +15,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace MXKernels::HWY_NAMESPACE {
 
-/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: the differences of it are right as long as a window's sum
+/// pPrefix[x] = sum of pSums[0, x), modulo 2^32: its differences are exact as long as the sum of a window
 /// fits.
 HWY_INLINE void PrefixSums(const uint32_t* pSums, size_t nCount, uint32_t* pPrefix) {
   const hn::FixedTag<uint32_t, 4> d4;
@@ -23,7 +23,7 @@ HWY_INLINE void PrefixSums(const uint32_t* pSums, size_t nCount, uint32_t* pPref
   pPrefix[0] = 0;
   size_t x = 0;
   for (; x + 4 <= nCount; x += 4) {
-    // Only the addition to the carry waits for the step before.
+    // Only the addition of the carry depends on the step before.
     auto v = hn::LoadU(d4, pSums + x);
     v += hn::ShiftLeftLanes<1>(d4, v);
     v += hn::ShiftLeftLanes<2>(d4, v);
@@ -48,12 +48,13 @@ HWY_INLINE hn::Vec<D> MeansInFloats(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum, 
   return hn::DemoteTo(d, hn::ConvertTo(dSigned32, vReal * hn::Set(dFloat, fReciprocal)));
 }
 
-/// The same in 64-bit floats, good for every sum of 32 bits: a quotient below 2^16 is off by less than 2^-36.
+/// The same in 64-bit floats, exact for every sum of 32 bits: a quotient below 2^16 is off by less than
+/// 2^-36.
 template <typename D>
 HWY_INLINE hn::Vec<D> MeansInDoubles(D d, hn::Vec<hn::Rebind<uint32_t, D>> vSum, double dReciprocal) {
   const hn::Rebind<int32_t, D> dSigned32;
   const hn::Rebind<double, D> dDouble;
-  // Only signed words convert: the sum is moved down by 2^31 and back.
+  // Only signed words can be converted: the sum is lowered by 2^31 before, and raised again after it.
   const auto vMoved = hn::BitCast(dSigned32, vSum ^ hn::Set(hn::Rebind<uint32_t, D>(), 0x80000000U));
   const auto vReal = hn::PromoteTo(dDouble, vMoved) + hn::Set(dDouble, 2147483648.5);
   return hn::DemoteTo(d, hn::DemoteTo(dSigned32, vReal * hn::Set(dDouble, dReciprocal)));
@@ -126,7 +127,7 @@ void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, cons
     }
   };
   const size_t nInner = nCount - nWidth + 1;
-  // In 32 bits: a sample with its offset is 511 at most.
+  // 32 bits suffice: a sample with its offset is at most 511.
   const auto Rule = [=, pInner = pIn + oWindow.m_nLeft, nInnerArea = static_cast<int32_t>(nArea)](
                         BytesOfWords d, size_t i) HWY_ATTR {
     const hn::Rebind<int32_t, BytesOfWords> d32;

@@ -1,4 +1,5 @@
-// Row functions that follow pictures over time or down their rows: how much changed, sums of rows, what stands out.
+// Row functions that follow pictures over time or down their rows: how much changed, sums of rows, what
+// stands out.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -18,10 +19,11 @@ extern const TpKernel<OneRow<uint8_t, uint16_t>, OneRow<uint8_t, uint32_t>, OneR
 /// pOut[i] += pA[i] - pB[i], modulo 2^32: a window of rows, whose sums pOut are, moves on by one row.
 extern const TpKernel<TwoRows<uint8_t, uint32_t>, TwoRows<uint16_t, uint32_t>> MoveSumsRow;
 
-/// (pIn, pMean, pOut, nCount, nLimit): pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no input.
+/// (pIn, pMean, pOut, nCount, nLimit): pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no
+/// input.
 extern const TpKernel<TwoRows<uint16_t, uint8_t, uint16_t>> DeviationRow;
 
-/// Takes the mean of the last eight pictures from pPicture, which then replaces the oldest of them:
+/// Subtracts the mean of the last eight pictures from pPicture, which then replaces the oldest of them:
 /// mean = pSums[i] / 8; pSums[i] += pPicture[i] - pOldest[i], modulo 2^16; pOldest[i] = pPicture[i];
 /// pPicture[i] = pPicture[i] > mean ? pPicture[i] - mean : 0. No overlap.
 extern const TpKernel<void(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept>

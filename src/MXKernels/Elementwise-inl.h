@@ -30,7 +30,8 @@ HWY_INLINE bool ForEachVector(D d, const TRule& oRule, hn::TFromD<D>* pOut, size
   return true;
 }
 
-/// pOut[i] = fnPick(pA[i], pB[i]), worked out on vectors of bytes, and by fnReference for fewer than one holds.
+/// pOut[i] = fnPick(pA[i], pB[i]), worked out on vectors of bytes, and by fnReference for fewer than one
+/// holds.
 template <typename TPick>
 HWY_INLINE void ForEachPair(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount,
                             TwoRows<uint8_t>& fnReference, const TPick& fnPick) {
@@ -51,8 +52,8 @@ HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
 #if HWY_TARGET != HWY_SCALAR
 using HalfBytes = hn::Half<Bytes>;
 
-/// A rule for vectors of bytes, of one that works them out half a vector at a time because it needs 16 bits for
-/// each.
+/// Makes a rule for vectors of bytes out of one that needs 16 bits for each sample and so takes half a vector
+/// at a time.
 template <typename TRule>
 HWY_INLINE auto ByHalves(const TRule& oRule) {
   return [=](Bytes d, size_t i) HWY_ATTR {

@@ -14,7 +14,7 @@ using OneRow = void(const TIn* pIn, TOut* pOut, size_t nCount, TNumbers... oNumb
 template <typename TIn, typename TOut = TIn, typename... TNumbers>
 using TwoRows = void(const TIn* pA, const TIn* pB, TOut* pOut, size_t nCount, TNumbers... oNumbers) noexcept;
 
-/// A kernel for the element types of several row functions, which the arguments tell apart.
+/// A kernel for several element types, each with a row function of its own; the arguments choose among them.
 template <typename... TRows>
 struct TpKernel : TpKernel<TRows>... {
   using TpKernel<TRows>::operator()...;

@@ -30,7 +30,7 @@ unsigned ChooseLevel() noexcept {
     }
   }
   while (!HasLevel(static_cast<ELevel>(nCap))) --nCap;
-  // Two threads that come here at once find the same level; a level set by hand stays.
+  // Threads that are here at the same time find the same level; a level that SetLevel has set stays.
   unsigned nExpected = eLevelCount;
   const auto nFound = static_cast<unsigned>(nCap);
   return g_nLevel.compare_exchange_strong(nExpected, nFound) ? nFound : nExpected;

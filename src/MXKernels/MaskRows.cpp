@@ -13,7 +13,7 @@
 HWY_BEFORE_NAMESPACE();
 namespace MXKernels::HWY_NAMESPACE {
 
-/// nBit where the neighbour is brighter; x86 compares bytes unsigned only for equality.
+/// Gives nBit where the neighbour is brighter. x86 can compare unsigned bytes only for equality.
 HWY_INLINE hn::Vec<Bytes> Bit(const uint8_t* pNeighbour, hn::Vec<Bytes> vCentre, uint8_t nBit) {
   const Bytes d;
   return hn::IfThenZeroElse(hn::Max(hn::LoadU(d, pNeighbour), vCentre) == vCentre, hn::Set(d, nBit));

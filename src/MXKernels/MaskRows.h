@@ -5,9 +5,9 @@
 
 namespace MXKernels {
 
-/// pOut[i] = pClasses[pattern], bit 0 of the pattern telling that pAbove[i] is greater than
-/// pCentre[i], bit 1 the same of pCentre[i + 1], bit 2 of pBelow[i], bit 3 of pCentre[i - 1].
-/// Reads pCentre[-1] and pCentre[nCount] as well. pClasses has 16 entries. No overlap.
+/// pOut[i] = pClasses[pattern]. Bit 0 of the pattern is set when pAbove[i] is greater than pCentre[i], bit 1
+/// when pCentre[i + 1] is, bit 2 when pBelow[i] is, bit 3 when pCentre[i - 1] is. Reads pCentre[-1] and
+/// pCentre[nCount] as well. pClasses has 16 entries. No overlap.
 extern const TpKernel<void(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow,
                            uint8_t* pOut, size_t nCount, const uint8_t* pClasses) noexcept>
     TextureClassRow;
@@ -17,7 +17,7 @@ extern const TpKernel<void(const uint8_t* pShare, uint8_t nReference, uint16_t* 
                            size_t nCount) noexcept>
     AddSquaredDistanceRow;
 
-/// What DecideByBrightnessRow goes by.
+/// The limits that DecideByBrightnessRow decides by.
 struct BrightnessDecision {
   uint8_t m_nBack;          ///< darker signals get m_nLimit
   uint8_t m_nFront;         ///< brighter signals get 0

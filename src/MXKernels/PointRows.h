@@ -1,4 +1,5 @@
-// Row functions that treat each sample by itself: difference, distance, limits, threshold, look-up, blend and such.
+// Row functions that treat each sample by itself: difference, distance, limits, threshold, look-up, blend and
+// such.
 #pragma once
 
 #include "MXKernels/Kernel.h"

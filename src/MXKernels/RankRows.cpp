@@ -40,7 +40,7 @@ HWY_INLINE void PickRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, si
 
 /// Windows of 1, 2, 4, ... samples that begin at x, each made of two of the size before, until twice the
 /// size would pass the width; two overlapping ones then make the full width. Every pass reads only
-/// places at or behind the one that it writes, so that one buffer serves.
+/// samples at or after the one that it writes, so that one buffer is enough.
 template <typename TPick>
 HWY_INLINE void WindowRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint8_t* pWork, uint8_t* pOut) {
   if (nCount == 0) return;

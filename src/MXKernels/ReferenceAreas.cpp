@@ -1,4 +1,5 @@
-// The plain twins of the kernels that look at more than one place: windows, runs, cells, neighbours, the warp.
+// The plain twins of the kernels that look at more than one sample: windows, runs, cells, neighbours, the
+// warp.
 #include <algorithm>
 
 #include "MXKernels/Reference.h"

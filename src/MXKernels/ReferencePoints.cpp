@@ -13,7 +13,7 @@ void LookUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, const uint8_t* 
 }
 
 void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
-  // Two sets of bins: a run of one value would otherwise wait for its own last store each time.
+  // There are two sets of bins: in a run of equal samples each count would otherwise wait for the last store.
   int32_t aOdd[256];
   std::memset(aOdd, 0, sizeof(aOdd));
   size_t i = 0;
@@ -28,7 +28,8 @@ void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
 void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
                            const BrightnessDecision& oDecision) noexcept {
   for (size_t i = 0; i < nCount; ++i) {
-    // Looked up in each case: the choice is then free of branches, which ridges would mispredict.
+    // The root is looked up in any case: the choice then needs no branches, which ridges would make
+    // mispredicted.
     const uint16_t nRoot = oDecision.m_pRoot[pDistance[i]];
     const uint16_t nInner = pSignal[i] > oDecision.m_nFront ? uint16_t{0} : nRoot;
     pDistance[i] = pSignal[i] < oDecision.m_nBack ? oDecision.m_nLimit : nInner;

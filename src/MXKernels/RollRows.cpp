@@ -56,7 +56,7 @@ size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) 
 
 void SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint8_t* pFirstMask,
                             const uint8_t* pSecondMask, size_t nCount, MaskedDifference& rTotal) noexcept {
-  // Sums of 32 bits in registers, which compilers turn into vectors; 65025 * 65536 fits them.
+  // Compilers turn these 32-bit sums into vectors; they hold 65536 terms of at most 65025.
   constexpr size_t cnBlock = 65536;
   for (size_t nBegin = 0; nBegin < nCount; nBegin += cnBlock) {
     const size_t nEnd = std::min(nCount, nBegin + cnBlock);

@@ -18,7 +18,7 @@ void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
   const size_t nLanes = hn::Lanes(d);
   const size_t nWords = nCount / 64;
   for (size_t w = 0; w < nWords; ++w) {
-    // A vector has 16, 32 or 64 samples, whose bits take the bytes of the word from the lowest on.
+    // A vector has 16, 32 or 64 samples; their bits fill the bytes of the word from the lowest on.
     uint8_t aBytes[64];
     for (size_t k = 0; k < 64; k += nLanes) {
       hn::StoreMaskBits(d, hn::Eq(hn::LoadU(d, pIn + 64 * w + k), hn::Zero(d)), aBytes + k / 8);

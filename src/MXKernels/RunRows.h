@@ -5,7 +5,7 @@
 
 namespace MXKernels {
 
-/// Bit i % 64 of pOut[i / 64] tells whether pIn[i] is 0, for i in [0, nCount).
+/// Bit i % 64 of pOut[i / 64] is set when pIn[i] is 0, for i in [0, nCount).
 ///
 /// pOut has (nCount + 63) / 64 words; the bits from nCount on are 0.
 extern const TpKernel<OneRow<uint8_t, uint64_t>> ZeroBitsRow;

@@ -5,7 +5,7 @@
 
 namespace MXKernels {
 
-/// A control point of a spline as one row of places sees it.
+/// A control point of a spline as a row of positions sees it.
 struct SplinePoint {
   double m_dX;
   double m_dSquaredY;  ///< its squared distance from the row

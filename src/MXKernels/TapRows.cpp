@@ -15,7 +15,7 @@ namespace MXKernels::HWY_NAMESPACE {
 
 using Words = hn::ScalableTag<int32_t>;
 
-/// The sums stay in a register over all taps, so that each sample is loaded and no sum is stored in between.
+/// The sums stay in registers over all taps: samples are loaded, but no sum is stored in between.
 template <typename T>
 void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size_t nTaps, int32_t* pLine,
                 size_t nCount) noexcept {

@@ -1,4 +1,4 @@
-// The row function of the geometric warp: a map of source places and a table of 4 by 4 weights.
+// The row function of the geometric warp: a map of source positions and a table of 4 by 4 weights.
 #pragma once
 
 #include "MXKernels/Kernel.h"

@@ -3,8 +3,8 @@
 
 /// Calls FUNCTION with name, result and arguments of each function, in the order of binding.
 ///
-/// All results of type long are 0 for success. Sizes behind a pointer are the room on entry and the length on
-/// return. Image and mask of the score have one byte a pixel, row after row without padding.
+/// All results of type long are 0 for success. A size passed by pointer is the room on entry and the length
+/// on return. Image and mask of the score have one byte a pixel, row after row without padding.
 #define KLV_FAKEFINGERDETECTIONVT40_FUNCTIONS(FUNCTION)                                                    \
   FUNCTION(FD_VT40Initialize, long, (void* pReserved))                                                     \
   FUNCTION(FD_VT40Uninitialize, long, ())                                                                  \

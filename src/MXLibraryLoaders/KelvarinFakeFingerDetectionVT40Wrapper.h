@@ -1,4 +1,4 @@
-// The binding of the liveness library, which tells living fingers from imitations.
+// The binding of the liveness library, which distinguishes living fingers from imitations.
 #pragma once
 
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Functions.h"

@@ -8,8 +8,8 @@ enum EVTScanMode_t : int {};
 
 /// Calls REQUIRED or OPTIONAL with name, result and arguments of each function, in the order of binding.
 ///
-/// All results of type long are 0 for success and a negative error number otherwise. Sizes behind a pointer
-/// are the room on entry and the length on return.
+/// All results of type long are 0 for success and a negative error number otherwise. A size passed by pointer
+/// is the room on entry and the length on return.
 #define KLV_VTSCANAPI_FUNCTIONS(REQUIRED, OPTIONAL)                                                       \
   REQUIRED(VTScanAPIInitialize, long, (void* pReserved))                                                  \
   REQUIRED(VTScanAPIUninitialize, long, ())                                                               \

@@ -90,7 +90,7 @@ void ClIpAdjustBrightness::CheckRegion() {
 }
 
 long ClIpAdjustBrightness::Process() {
-  // A minimum that is cut to 0 would let a reference of 0 through to the division.
+  // A minimum that truncates to 0 would let a division by a reference of 0 happen.
   if (!(m_nInAdjustmentMin >= 1.0)) {
     KLV_RAISE(ClException, "Parameter m_nInAdjustmentMin = 0 may result in division by zero.", -35);
   }
@@ -109,7 +109,7 @@ long ClIpAdjustBrightness::Process() {
     return 0L;
   });
   if (bOverInput) {
-    // The old block may be shared, so that nothing is written into it: the image gets the new one.
+    // The old block may be shared and must not be written into: the image gets the new one.
     m_oScratch.SetTag(m_pOutImage->Tag());
     m_oScratch.HandOver(*m_pOutImage);
   }

@@ -7,11 +7,11 @@
 /// Makes three images of half size from a mosaic: red, blue and the mean of both greens of each 2 by 2 cell.
 ///
 /// Domain     one plane of eUint8, eInt8, eUint16, eInt16, eFloat32 or eDouble64 with even width and height.
-/// Range      outputs have the input's type and no resolution. The mean of whole numbers is cut toward zero.
+/// Range      outputs have the input's type and no resolution. The mean of whole numbers is truncated.
 /// Ownership  outputs are allocated on the images handed in, which are four different ones.
 /// Threads    thread-bound.
-/// Errors     ClException -44 an image is missing, sizes are odd, several planes, a position outside the cell;
-///            -14 an empty image; -33 other types; -701 an image has two roles.
+/// Errors     ClException -44 an image is missing, sizes are odd, several planes, a position outside the
+///            cell; -14 an empty image; -33 other types; -701 an image has two roles.
 /// Cost       one pass.
 class ClIpBayerDecomposition : public NewIpBase::ClIpProcessorBase {
  public:

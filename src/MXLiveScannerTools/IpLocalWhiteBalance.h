@@ -4,12 +4,12 @@
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/NewIp1to1Base.h"
 
-/// Draws each phase of the 2 by 2 cell to the mean of all four in its neighbourhood; a uniform grey passes
-/// unchanged.
+/// Scales each phase of the 2 by 2 cell so that its local mean becomes that of all four; a uniform grey stays
+/// as it is.
 ///
 /// Domain     one plane of eUint8, eInt8, eUint16 or eInt16 with even width and height; the output may be the
 ///            input.
-/// Range      all samples and means are shifted by 1 - black, so that nothing divided by is 0 or below; then
+/// Range      all samples and means are shifted by 1 - black, so that no divisor is 0 or negative; then
 ///            each sample of phase k becomes sample * target / mean[k], target being a quarter of the sum of
 ///            the means. Divisions truncate; the result is limited to the range of the type.
 /// Ownership  the output is allocated on the image handed in; the images of the phases are kept from run to

@@ -15,10 +15,10 @@
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
 
-/// Turns a calibrated frame into the ridges, inverted and with even contrast, on a pure white background.
+/// Turns a rectified frame into its ridges, inverted and with even contrast, on a pure white background.
 ///
-/// Domain     one plane of eUint8; input and output may be one object. Inputs of the full-resolution width or
-///            of 19601 pels per metre or more are segmented at half resolution and need even sizes.
+/// Domain     one plane of eUint8; input and output may be one object. Inputs that have the full-resolution
+///            width, or at least 19601 pels per metre, are segmented at half resolution and need even sizes.
 /// Range      255 where no finger is; soft transitions at the fingers' edges.
 /// Units      the limits of small islands and holes are pixels of the resolution that is segmented.
 /// Ownership  the output is allocated on the image handed in; scratch images are kept from run to run, so
@@ -37,7 +37,7 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
 
   /// Mean, largest and smallest sample of each 2 by 2 cell.
   void ScaleDown(ClImage& oIn, ClImage& oMean, ClImage& oMax, ClImage& oMin) const;
-  /// Each sample as a 2 by 2 cell.
+  /// Doubles each sample to a 2 by 2 cell.
   void ScaleUp(ClImage& oIn, ClImage& oOut) const;
 
  protected:

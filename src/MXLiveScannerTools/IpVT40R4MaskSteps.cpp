@@ -98,7 +98,7 @@ void ClIpVT40R4Mask::TestFog() {
 
 void ClIpVT40R4Mask::MakeFirstMask() {
   const int nWidth = m_oSmoothed.Width(), nHeight = m_oSmoothed.Height();
-  // Beyond these limits the decision is that of the limit: 100 times the brightest sample is 25500.
+  // Beyond these limits the decision no longer changes: 100 times the brightest sample is 25500.
   const int nFog = std::min(std::max(ElementFromDouble<int>(100.0 * m_dInFogThresh), -1), 25501);
   m_oMask.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
   for (int y = 0; y < nHeight; ++y) {

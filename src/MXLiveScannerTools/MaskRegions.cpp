@@ -1,4 +1,4 @@
-// Regions by the labeller, their pixels counted and replaced.
+// Counts the pixels of labelled regions and replaces them.
 #include "MXLiveScannerTools/MaskRegions.h"
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 
 namespace {
 
-/// First place from nFrom on whose label differs from the one at nFrom; nEnd when there is none.
+/// The first position after nFrom whose label differs from that at nFrom; nEnd when there is none.
 int EndOfLabel(const int32_t* pLabels, int nFrom, int nEnd) {
   const int32_t aTwice[2] = {pLabels[nFrom], pLabels[nFrom]};
   int x = nFrom + 1;

@@ -55,7 +55,7 @@ void ClIpSubsampleFilterBase::MakeWindow(int nAt, int nIn, int nOut) {
   const double dCentre = static_cast<double>(nIn) * nAt / nOut;
   const double dHalf = 2.0 * nIn / nOut;
   if (dHalf < 2.0) {
-    // Growing: one sample, which the formula puts in front of the first one at the edge.
+    // An axis that grows takes one sample; at the edge the formula would put it before the first one.
     m_nFirst = m_nLast = std::max(0, static_cast<int>(dCentre - dHalf));
     m_aWeight[0] = m_dSum = 1.0;
     m_aIntWeight[0] = m_nSum = 1;

@@ -27,7 +27,7 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
   void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
-  /// Along rows only. Errors: -44 unless the new width is below the input's.
+  /// Resizes along the rows only. Errors: -44 unless the new width is below the input's.
   virtual long ProcessX();
   /// Down columns only.
   virtual long ProcessY();
@@ -73,9 +73,8 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
 /// Domain     eUint8, one plane, not empty. Input and output may be one object. An axis that grows takes the
 ///            nearest sample, and may only do so together with a changed height. At most 125 taps: shrinking
 ///            to a thirtieth.
-/// Range      weights have 10 fractional bits and are cut toward zero; each sample is divided by the sum of
-///            its own weights, cut toward zero and clipped to 8 bits, first down the columns, then along the
-///            rows.
+/// Range      weights are truncated to 10 fractional bits; each sample is divided by the sum of its own
+///            weights, truncated and saturated to 8 bits, first down the columns, then along the rows.
 /// Units      the output's resolution changes with its size.
 /// Ownership  the output is allocated on the image handed in; windows are kept from run to run, so that an
 ///            image of the last one's sizes allocates nothing.

@@ -50,8 +50,8 @@ class ClTpTripleBuffer {
     const int nOldReady = m_nReady;
     m_nReady = m_nWrite;
     if (m_bReadLocked && m_nPrevRead != m_nRead) {
-      // The first publication during a read: the reader's former item is free, and the one being read takes
-      // its place, to be free when the read ends.
+      // This is the first publication during a read: the item that the reader had before is free. The one
+      // that is being read is reserved in its stead, and becomes free when the read ends.
       m_nWrite = m_nPrevRead;
       m_nPrevRead = m_nRead;
     } else {
@@ -121,7 +121,7 @@ class ClTpTripleBuffer {
   T* m_pBuffers[3] KLV_GUARDED_BY(m_oLock) = {nullptr, nullptr, nullptr};
 };
 
-/// Takes the write side for a scope: what is not published is given back unpublished.
+/// Takes the write side for a scope; an item that was not published is given back unpublished.
 template <typename T>
 class TpWriteLock {
  public:
@@ -150,7 +150,7 @@ class TpReadLock {
   TpReadLock(const TpReadLock&) = delete;
   TpReadLock& operator=(const TpReadLock&) = delete;
   ~TpReadLock() { Release(); }
-  /// Ends the read before the scope does; the item must not be touched behind it.
+  /// Ends the read before the scope does; the item must not be touched after it.
   void Release() {
     if (m_bHeld) m_oBuffer.ReleaseRead();
     m_bHeld = false;

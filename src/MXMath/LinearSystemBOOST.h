@@ -1,7 +1,7 @@
 // Linear equations over Boost's linear algebra.
 #pragma once
 
-// Its own checks compare products that rounding keeps apart, and differ between build types.
+// uBLAS's own checks fail when products differ by rounding, and whether they run depends on the build type.
 #ifndef BOOST_UBLAS_NDEBUG
 #define BOOST_UBLAS_NDEBUG
 #endif
@@ -12,7 +12,7 @@
 #include <cmath>
 #include <cstddef>
 
-/// n equations for n unknowns, factorised once for any number of right-hand sides.
+/// Holds n equations for n unknowns, which are factorised once for any number of right-hand sides.
 ///
 /// Domain   T is float or double.
 /// Threads  thread-bound.
@@ -27,8 +27,8 @@ class TpLinearSystem : private boost::noncopyable {
   /// Row i and column j, until Factorize.
   T& operator()(size_t i, size_t j) { return m_oMatrix(i, j); }
 
-  /// With partial pivoting. False when the equations have no single solution, which rounding may hide: a
-  /// pivot that should be 0 then is a small one. One of at most tMostZero counts as 0.
+  /// Factorises with partial pivoting. False when the equations have no unique solution. Rounding may hide
+  /// that by making a pivot small that should be 0: one of at most tMostZero counts as 0.
   bool Factorize(T tMostZero = T(0)) {
     try {
       if (boost::numeric::ublas::lu_factorize(m_oMatrix, m_oPermutation) != 0) return false;
@@ -42,7 +42,7 @@ class TpLinearSystem : private boost::noncopyable {
     return true;
   }
 
-  /// Puts the solution in the place of the right-hand side, behind a Factorize that gave true.
+  /// Replaces the right-hand side by the solution; to be called after a Factorize that returned true.
   void Solve(Vector& oRightSide) const {
     boost::numeric::ublas::lu_substitute(m_oMatrix, m_oPermutation, oRightSide);
   }

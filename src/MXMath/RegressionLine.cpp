@@ -1,4 +1,4 @@
-// Sums of points, and the line that they stand for.
+// Sums over points, and the line that follows from them.
 #include "MXMath/RegressionLine.h"
 #include "portable/Math.h"
 

@@ -5,8 +5,8 @@
 
 #include "MXTools/Vector.h"
 
-/// Least squares over running sums: of the fits of y on x and of x on y the one with the smaller slope
-/// counts, which keeps steep lines well conditioned.
+/// Least squares over running sums: of the fits of y on x and of x on y it takes the one with the smaller
+/// slope, so that steep lines are well conditioned.
 ///
 /// Units    those of the points; angles in radians.
 /// Threads  thread-bound.
@@ -26,10 +26,10 @@ class ClRegressionLine {
   /// True for y = a * x + b, false for x = a * y + b. Without two different points a and b are 0 and the
   /// result is false.
   bool GetLineCoeffizienten(double& a, double& b) const;
-  /// The part of the line inside the points' bounding box, along the axis of the fit; with fewer than two
-  /// points two corners of the box.
+  /// The part of the line inside the points' bounding box, along the axis of the fit. With fewer than two
+  /// points it joins two corners of the box.
   void GetLine(ClVector& oStart, ClVector& oEnd) const;
-  /// With fewer than two points the distance to the first.
+  /// With fewer than two points it is the distance to the first.
   double DistFromLine(const ClVector& oPoint) const;
 
   /// Whether the segment spans more in x than in y, or more in y than in x; neither with fewer than two

@@ -22,7 +22,7 @@ struct Default {
 /// The radial basis U = d log d of a squared distance d; 0 for d = 0, NaN for NaN.
 template <typename T, class TMath = Default<T>>
 inline T SplineBasis(T tSquaredDistance) {
-  // No test for 0, which would keep loops from being vectorised: the logarithm is finite there.
+  // There is no test for 0, which would keep loops from being vectorised; the logarithm is finite for it.
   return tSquaredDistance * TMath::Log(tSquaredDistance);
 }
 
@@ -33,7 +33,7 @@ inline T SplineBasis(T tSquaredDistance) {
 /// Range      U is the basis of SplineBasis; the sum over the points runs first, in their order, then the
 ///            affine part.
 /// Ownership  keeps copies of the control points.
-/// Threads    thread-bound in Setup; Transform and TransformRow are reentrant behind it.
+/// Threads    thread-bound in Setup; Transform and TransformRow are reentrant after it.
 /// Errors     -44 for missing arguments; -600 when the points allow no mapping; ClExKelvarin -1 before Setup.
 /// Cost       Setup solves n + 3 equations; a Transform takes n logarithms.
 template <typename T, class TMath = Default<T>>
@@ -42,7 +42,7 @@ class TpThinPlateSplines : private boost::noncopyable {
   TpThinPlateSplines() = default;
   virtual ~TpThinPlateSplines() = default;
 
-  /// Smoothing above 0 lets the mapping miss its points; 0 in every use.
+  /// With a smoothing above 0 the mapping may miss its points; the library uses 0 only.
   void SetSmoothing(T tSmoothing) { m_tSmoothing = tSmoothing; }
 
   /// Replaces points and coefficients. After an error only another Setup helps.
@@ -70,7 +70,8 @@ class TpThinPlateSplines : private boost::noncopyable {
     CheckSetup(nPoints, pvOrigin, pvTarget);
   }
 
-  /// Raises -600 when a control point misses its destination by more than 0.01; a smoothed spline may.
+  /// Raises -600 when a control point misses its destination by more than 0.01, unless the spline is
+  /// smoothed.
   void CheckSetup(long nPoints, const ClVector* pvOrigin, const ClVector* pvTarget) const {
     if (m_tSmoothing != T(0)) return;
     for (long n = 0; n < nPoints; ++n) {
@@ -100,7 +101,8 @@ class TpThinPlateSplines : private boost::noncopyable {
 
  private:
   using Coefficients = typename TpLinearSystem<T>::Vector;
-  /// Places of a row that are summed side by side, so that vectors can hold them without changing any sum.
+  /// Positions of a row that are summed side by side: vectors can then hold them, and the order of each sum
+  /// stays.
   static constexpr size_t cnBlock = 64;
 
   void FillSystem(TpLinearSystem<T>& oSystem, size_t nCount, const ClVector* pvOrigin) const {

@@ -8,7 +8,7 @@
 #include "MXVTScanAPI/ScannerTypes.h"
 
 /// Every operation that the system needs of a scanner. A result of type bool means success, one of type long
-/// is an error number; what gives neither raises.
+/// is an error number; an operation with neither raises.
 ///
 /// Ownership  buffers are the caller's; a raw sequence is lent from LockRawSequence to ReleaseRawSequence.
 /// Threads    thread-bound: the engine serialises what reaches the sensor. LockRawSequence waits in one
@@ -50,7 +50,7 @@ class ClMXVTScanAPIHandleBase : private boost::noncopyable {
   virtual bool GetImageEx(const tagBITMAPINFOHEADER* pHeader, int nArg) = 0;
   virtual bool GetImageSequence(void* pBuffer, unsigned int nArg1, unsigned int nArg2) = 0;
   virtual bool GetSerialNumber(char* pszSerial, unsigned int* pnSize) = 0;
-  /// True, with *pnSize as it was, for an implementation that does not tell.
+  /// An implementation that does not know returns true and leaves *pnSize as it was.
   virtual bool GetEPROMSize(unsigned short* pnSize);
   virtual bool ReadEPROM(unsigned short nOffset, unsigned short nSize, void* pData) = 0;
   virtual bool WriteEPROM(unsigned short nOffset, unsigned short nSize, void* pData) = 0;
@@ -103,7 +103,7 @@ class ClMXVTScanAPIHandleBase : private boost::noncopyable {
  protected:
   ClMXVTScanAPIHandleBase() = default;
 
-  /// For an implementation that uses the map or tells its product to set.
+  /// To be set by an implementation that uses the map or reports its product.
   ClMXVTScanAPI::EScannerProductID_t m_ePid = ClMXVTScanAPI::eProductNone;
   bool m_bUSBPowered = false;
 

@@ -27,7 +27,7 @@ EVTScanMode_t ToLibraryMode(ClMXVTScanAPIHandleBase::EScanMode_t eMode) {
 
 }  // namespace
 
-// The pointer is handed in by value: what is tested is what is called, whatever becomes of the binding
+// The pointer is passed by value, so that the function that was tested is called, even if the binding changes
 // meanwhile.
 template <typename F>
 F ClMXVTScanAPIWrapper::Required(F pFunction) const {
@@ -187,7 +187,7 @@ long ClMXVTScanAPIWrapper::SetCaptureMode(EScanMode_t eMode, unsigned int nCount
 void ClMXVTScanAPIWrapper::LockRawSequence(void** ppSequence) {
   *ppSequence = nullptr;
   KLV_CHECK(Optional(Dll::VTScanAPILockRawSequence)(m_hDevice, ppSequence));
-  // A success that lends nothing is what a scanner without frames tells in other words.
+  // A success without a sequence means the same as -60: the scanner has no frames.
   if (*ppSequence == nullptr) KLV_RAISE_NUMBER(-60);
 }
 

@@ -1,4 +1,4 @@
-// The scanner behind the scan library that is loaded at run time.
+// The scanner as reached through the scan library that is loaded at run time.
 #pragma once
 
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"

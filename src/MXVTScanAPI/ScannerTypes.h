@@ -12,7 +12,7 @@ struct Resolution {
   uint32_t nPlanes;
 };
 
-/// What an implementation may tell of the device that it was assigned.
+/// What an implementation may report about the device that it was assigned.
 struct DeviceDescription {
   unsigned int nDevice = 0;
 };
@@ -24,7 +24,7 @@ class ClMXVTScanAPI {
   enum EScannerProductID_t : int {
     eProductNone = 0,
     eProductVT4 = 16,   ///< the single-finger scanner
-    eProductVT40 = 17,  ///< the ten-finger scanner; devices are asked for by this one
+    eProductVT40 = 17,  ///< the ten-finger scanner; devices are queried by this number
     eProductVT40B = 23  ///< a ten-finger scanner with the same sensor
   };
 };

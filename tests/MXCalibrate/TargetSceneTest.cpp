@@ -1,4 +1,5 @@
-// The dot search on targets that lie on the simulated scanner, whose optics and ground truth it shares nothing with.
+// The dot search on targets that lie on the simulated scanner, whose optics and ground truth it shares
+// nothing with.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

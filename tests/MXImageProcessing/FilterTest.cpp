@@ -143,8 +143,9 @@ TEST(FilterMid, AWindowBeyondTheKernelsSumsIsStillExact) {
 }
 
 TEST(FilterMid, WidthThreeOnBytesRoundsInsteadOfCutting) {
-  // Corner (1 + 2 + 5 + 6 + 2) >> 2 = 4 of a true 3.5; upper edge ((1 + 2 + 3 + 5 + 6 + 7 + 3) * 341) >> 11 = 4;
-  // left edge ((33 + 3) * 341) >> 11 = 5, as the factor lies below 2048 / 6; centre ((54 + 4) * 455) >> 12 = 6.
+  // Corner (1 + 2 + 5 + 6 + 2) >> 2 = 4 of a true 3.5; upper edge ((1 + 2 + 3 + 5 + 6 + 7 + 3) * 341) >> 11 =
+  // 4; left edge ((33 + 3) * 341) >> 11 = 5, as the factor lies below 2048 / 6; centre ((54 + 4) * 455) >> 12
+  // = 6.
   ClImage oIn, oOut;
   SetImage<uint8_t>(oIn, 4, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
   ClIpFilterMid oMid;

@@ -177,7 +177,8 @@ TEST(Subsample, MeansAreCutAlongTheRowsFirstAndTheLastCellsAreSmaller) {
                      5, 6, 7, 8, 9});
   ClIpSubsample oSubsample;
   ASSERT_EQ(oSubsample.ApplyParam(oIn, 2, oOut, true), 0);
-  // Rows first: (1+2)/2 = 1, (3+4)/2 = 3, 255; 2, 4, 254; 5, 7, 9. Then (1+2)/2, (3+4)/2, (255+254)/2; 5, 7, 9.
+  // Rows first: (1+2)/2 = 1, (3+4)/2 = 3, 255; 2, 4, 254; 5, 7, 9. Then (1+2)/2, (3+4)/2, (255+254)/2; 5, 7,
+  // 9.
   EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{1, 3, 254, 5, 7, 9}));
   EXPECT_TRUE(oOut.HasSize(3, 2));
   EXPECT_EQ(oOut.PelsX(), 19685 / 2);

@@ -99,7 +99,8 @@ TEST(ConnectedComponent, ObjectsAreMeasuredInTheOrderOfTheirFirstPixels) {
               oDot.vMax.IsNear({5, 0}));
   EXPECT_EQ(std::make_pair(oDot.dEccentricity, oDot.dGrey), std::make_pair(0.0, 255.0));
   EXPECT_TRUE(std::isnan(oDot.dAngle));
-  // Around (1/3, 8/3) both axes have 2/3 and the mixed moment is 1/3, so that the L lies along the diagonal down.
+  // Around (1/3, 8/3) both axes have 2/3 and the mixed moment is 1/3, so that the L lies along the diagonal
+  // down.
   const auto& oL = aFound[2];
   EXPECT_TRUE(oL.vCentre.IsNear({1.0 / 3, 8.0 / 3}) && oL.vMin.IsNear({0, 2}) && oL.vMax.IsNear({1, 3}));
   EXPECT_NEAR(oL.dMu11, 1.0 / 3, 1e-12);

@@ -1,4 +1,5 @@
-// What all kernel tests share: levels, row lengths, guarded outputs, a fixed source of samples and the comparison.
+// What all kernel tests share: levels, row lengths, guarded outputs, a fixed source of samples and the
+// comparison.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -45,7 +46,8 @@ class ClSamples {
   std::mt19937 m_oRandom{20240229};
 };
 
-/// An argument that a kernel writes to: a row that begins as the given one, between guard elements that must stay.
+/// An argument that a kernel writes to: a row that begins as the given one, between guard elements that must
+/// stay.
 template <typename T>
 class TpOutput {
  public:

@@ -21,8 +21,8 @@ struct TpInput {
   TValue m_oValue;
 };
 
-/// An argument of the type T: rows of nRead elements to read, and longer ones to write to. Every second trial has
-/// few values, so that samples equal each other and the limits.
+/// An argument of the type T: rows of nRead elements to read, and longer ones to write to. Every second trial
+/// has few values, so that samples equal each other and the limits.
 template <typename T>
 auto Argument(size_t nCount, size_t nRead, ClSamples& oSamples) {
   const bool bFew = nCount % 2 != 0;

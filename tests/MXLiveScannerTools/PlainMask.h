@@ -111,8 +111,8 @@ inline Grid PlainTexture(const Grid& oSignal) {
   return oDistance;
 }
 
-/// Regions of nOf with at most nLargest pixels become the other value; those that hold an upper corner are kept when
-/// bKeepCorners.
+/// Regions of nOf with at most nLargest pixels become the other value; those that hold an upper corner are
+/// kept when bKeepCorners.
 inline void PlainReplace(Grid& oMask, int nOf, int nLargest, bool bKeepCorners) {
   int nLabels = 0;
   const auto aLabels = PlainLabels(

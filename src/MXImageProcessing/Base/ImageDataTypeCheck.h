@@ -6,7 +6,7 @@
 
 namespace NewIpBase {
 
-/// Second base of processors that tell by a list which element types they take.
+/// Second base of processors that have a list of the element types that they take.
 ///
 /// Threads  thread-bound.
 class ClImageDataTypeCheck {

@@ -1,4 +1,4 @@
-// The check in front of every run.
+// The check before every run.
 #include "MXImageProcessing/NewIpProcessorBase.h"
 
 namespace NewIpBase {

@@ -26,8 +26,8 @@ void MapSamplesByTable(const ClImage& oIn, ClImage& oOut, TSample&& fnSample) {
   MapSamples<uint8_t, U>(oIn, oOut, [&aTable](uint8_t nValue) { return aTable[nValue]; });
 }
 
-/// out = fnRule(in) as numbers, limited to the type, for two images that share one of the eight types; eUint8 by a
-/// table when bTable is set. Errors: -101, returned, for another type.
+/// out = fnRule(in) as numbers, limited to the type, for two images that share one of the eight types; with
+/// bTable eUint8 goes by a table. Errors: -101, returned, for another type.
 template <typename TRule>
 long MapByRule(const ClImage& oIn, ClImage& oOut, bool bTable, const TRule& fnRule) {
   return DispatchElementType(oIn.DataType(), -101, [&](auto oElement) {

@@ -6,11 +6,11 @@
 
 #include "MXTools/FpImage.h"
 
-/// Calls fnStore(x, y, fnTap) for every pixel of the input; fnTap(k), for k of [nFirst, nLast], is the sample k
-/// steps from the pixel's centre, in 8.8 fixed point, clamped to the image.
+/// Calls fnStore(x, y, fnTap) for every pixel of the input; fnTap(k), for k of [nFirst, nLast], is the sample
+/// k steps from the pixel's centre, in 8.8 fixed point, clamped to the image.
 ///
-/// Domain  one plane; the direction images have the input's size and hold eInt8 components, 128 of which are a
-///         step of one pixel. Across means turned by a right angle.
+/// Domain  one plane; the direction images have the input's size and hold eInt8 components, 128 of which are
+///         a step of one pixel. Across means turned by a right angle.
 template <typename T, typename TStore>
 void ForDirectedWindows(const ClImage& oIn, const ClImage& oDx, const ClImage& oDy, bool bAcross, long nFirst,
                         long nLast, const TStore& fnStore) {

@@ -42,7 +42,7 @@ void ClIpBinarizeLocal2::DeclareParameters(ClParameterRows& oRows) {
   oRows.Number("nGrayOffset", "nGrayOffset", "In: Added to each pixel", &nGrayOffset, -255, 255);
 }
 
-/// Moves signed samples up by 128, and their mean with them.
+/// Moves signed samples, and thereby their mean, up by 128.
 const ClImage& ClIpBinarizeLocal2::Unsigned(const ClImage& oIn) {
   if (!oIn.IsSigned()) return oIn;
   m_oShifted.New(oIn);
@@ -66,7 +66,8 @@ long ClIpBinarizeLocal2::DoProcess(ClImage& oIn, ClImage& oOut) {
   MXKernels::WindowThreshold oWindow = {};
   oWindow.m_nRight = static_cast<size_t>(nFilterWidthX / 2);
   oWindow.m_nLeft = static_cast<size_t>(nFilterWidthX) - 1 - oWindow.m_nRight;
-  // A larger offset lifts every sample above every mean, or puts it below, as this one does.
+  // An offset of +-256 already lifts every sample above every mean, or puts it below: a larger one is the
+  // same.
   oWindow.m_nOffset = static_cast<int32_t>(std::clamp(nGrayOffset, -256L, 256L));
   oWindow.m_nAbove = m_nWhite;
   oWindow.m_nBelow = m_nBlack;

@@ -6,14 +6,16 @@
 #include "MXImageProcessing/Ip1to1Base.h"
 #include "MXTools/TpArrayDynamic.h"
 
-/// A pixel that is above the mean of its window, less nGrayOffset, becomes white, any other black. The window is
-/// clipped at the borders. An even nFilterWidthX has one column more on the right; nFilterWidthY counts as the
-/// next odd one.
+/// A pixel that is above the mean of its window, less nGrayOffset, becomes white, any other black. The window
+/// is clipped to the image. An even nFilterWidthX has one column more on the right; nFilterWidthY counts as
+/// the next odd one.
 ///
-/// Domain   one plane of eUint8 or eInt8; an image that is smaller than the window in either direction is copied.
+/// Domain   one plane of eUint8 or eInt8; an image that is smaller than the window in either direction is
+///          copied.
 /// Range    the output has the input's type.
 /// Threads  thread-bound.
-/// Errors   ClException -44 a width below 1. Returned: -10 an image is missing, -101 other types or more planes.
+/// Errors   ClException -44 a width below 1. Returned: -10 an image is missing, -101 other types or more
+///          planes.
 /// Cost     a fixed number of additions a pixel, whatever the window.
 class ClIpBinarizeLocal2 : public ClIp1to1Base {
  public:

@@ -39,7 +39,7 @@ void ClIpFilterGauss::ParameterString(char* szText, unsigned int nSize) const {
 }
 
 long ClIpFilterGauss::CalcFilterWidth(double dDeviation) {
-  // No image is as wide as the limit.
+  // The limit keeps the number within its type; no image is that wide.
   constexpr double cdMost = 1 << 30;
   if (!(dDeviation > 0.0)) return 1;
   const auto nWidth = static_cast<long>(std::min(8.0 * dDeviation, cdMost));
@@ -49,7 +49,7 @@ long ClIpFilterGauss::CalcFilterWidth(double dDeviation) {
 void ClIpFilterGauss::CalcFilter(TpArrayStatic<double>& oReal, long nWidth) {
   const long nFirst = (1 - nWidth) / 2;
   const double dTwoSquares = 2.0 * dSigma * dSigma;
-  // The square of a very small deviation is 0 as well.
+  // The square of a very small deviation underflows to 0.
   const bool bBell = dSigma > 0.0 && dTwoSquares > 0.0;
   for (long n = 0; n < nWidth; ++n) {
     const auto i = static_cast<double>(nFirst + n);

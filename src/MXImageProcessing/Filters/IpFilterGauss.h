@@ -3,8 +3,8 @@
 
 #include "MXImageProcessing/IpLinFilterBase.h"
 
-/// Each pixel becomes the mean of its window, weighted by a bell of deviation dSigma. A width below 1 is worked
-/// out from it: eight times dSigma, odd.
+/// Each pixel becomes the mean of its window, weighted by a bell of deviation dSigma. A width below 1 is
+/// worked out from it: eight times dSigma, odd.
 ///
 /// Errors  as the base. Returned: -35 an image is missing.
 class ClIpFilterGauss : public ClIpLinFilterBase {

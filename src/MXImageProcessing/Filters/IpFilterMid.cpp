@@ -21,7 +21,7 @@ bool FitsKernels(long nWindowWidth, long nWindowHeight) {
   return nArea <= std::numeric_limits<uint32_t>::max() / std::numeric_limits<T>::max();
 }
 
-/// A window holds its own pixel at least.
+/// A window holds at least its own pixel.
 template <typename T, typename S>
 T TruncatedMean(S oSum, int64_t nArea) {
   return static_cast<T>(oSum / static_cast<S>(std::max<int64_t>(nArea, 1)));
@@ -104,7 +104,7 @@ long ClIpFilterMid::ProcessT() {
 
 // NOLINTEND(bugprone-virtual-near-miss)
 
-/// 0 where there is no room for a window at all.
+/// The width of a window that fits the axis; 0 when none does.
 long ClIpFilterMid::WidthOnAxis(long nExtent) const {
   if (nFilterWidth < nExtent) return nFilterWidth;
   const long nShrunk = nExtent - 1;
@@ -151,7 +151,7 @@ long ClIpFilterMid::ProcessT_Directed(bool bOrtho) {
   return 0;
 }
 
-/// In whole numbers, so that a mean on a multiple of 1 / 256 can't come out below it.
+/// Works in whole numbers: rounding could put a mean that is a multiple of 1 / 256 below it.
 long ClIpFilterMid::ProcessXYRemainder() {
   if (m_pRemainderImage == m_pInImage || m_pRemainderImage == m_pOutImage) return -10;
   m_pRemainderImage->New(*m_pInImage);
@@ -260,7 +260,7 @@ long ClIpFilterMid::Process3x3() {
     const uint8_t* pHere = oIn.Row<uint8_t>(y);
     const uint8_t* pAbove = oIn.Row<uint8_t>(y == 0 ? 1 : y - 1);
     const uint8_t* pBelow = oIn.Row<uint8_t>(y == nLastRow ? nLastRow - 1 : y + 1);
-    // A border row has one neighbour row, which both pointers lead to.
+    // The first and the last row have one neighbour row, which both pointers lead to.
     for (long x = 0; x <= nLast; ++x) {
       pSums[x] = static_cast<uint32_t>(pHere[x] + pAbove[x] + (bBorderRow ? 0 : pBelow[x]));
     }

@@ -8,15 +8,17 @@
 
 /// Each pixel becomes the mean of its window, over the pixels of it that exist.
 ///
-/// Domain  all eight element types, finite where floating; all modes. An even width counts as the next odd one. An image that is smaller than the window in either direction is copied in mode XY;
-///         in modes X and Y the window of that run shrinks to the largest odd width below the extent; in the
-///         directed modes places outside the image are those nearest in it.
-/// Range   divisions truncate toward zero. Only eUint8 in mode XY and width 3 without a remainder image rounds.
+/// Domain  all eight element types, finite where floating; all modes. An even width counts as the next odd
+///         one. An image that is smaller than the window in either direction is copied in mode XY; in modes X
+///         and Y the window of that run shrinks to the largest odd width below the extent; in the directed
+///         modes a position outside the image has the sample nearest to it.
+/// Range   divisions truncate toward zero. Only eUint8 in mode XY with a width of 3 and without a remainder
+///         image is rounded.
 /// Threads thread-bound.
 /// Errors  as the base and CheckDirections; ClExKelvarin -35 unknown type. Returned: -101 modes X and Y on an
 ///         extent of 1; -10 the remainder image is the input or the output.
 /// Cost    a fixed number of additions and one division a pixel, whatever the width; in the directed modes as
-///         many additions as the window has places.
+///         many additions as the window has samples.
 class ClIpFilterMid : public ClIpFilterBase {
  public:
   using ClIpFilterBase::ApplyParam;
@@ -25,7 +27,7 @@ class ClIpFilterMid : public ClIpFilterBase {
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpFilterMid"; }
 
-  /// Optional, for eUint8 in mode XY: gets what the means have behind the point, in 256ths, truncated.
+  /// Optional, for eUint8 in mode XY: receives the fractional parts of the means, in 256ths, truncated.
   ClImage* m_pRemainderImage = nullptr;
 
  protected:

@@ -4,8 +4,8 @@
 #include "MXImageProcessing/IpFilterBase.h"
 #include "MXTools/FpImage.h"
 
-/// Output at a pixel is the extreme of the samples of the window round it, clipped to the image. The rule
-/// TRank tells which extreme, by rows of samples.
+/// The output at a pixel is the extreme of the samples of the window round it, clipped to the image. TRank
+/// picks the extreme, for rows of samples.
 ///
 /// Domain  all eight element types, odd widths, modes X, Y and XY.
 /// Errors  ClException -44 an even width, -701 no output; ClExKelvarin -10 no input, -35 unknown type or

@@ -27,7 +27,7 @@ void RankWindowRow(const T* pIn, size_t nCount, size_t nHalf, T* pWork, T* pOut)
   if constexpr (std::is_same_v<T, uint8_t>) {
     TRank::WindowRow(pIn, nCount, nHalf, pWork, pOut);
   } else {
-    // Each window that reaches past an end holds that end's sample, so that its copies change nothing.
+    // A window that reaches past an end holds the sample at that end, so that copies of it change nothing.
     std::fill_n(pWork, nHalf, pIn[0]);
     std::copy_n(pIn, nCount, pWork + nHalf);
     std::fill_n(pWork + nHalf + nCount, nHalf, pIn[nCount - 1]);
@@ -74,7 +74,7 @@ long TpIpFilterRank<TRank>::ProcessT() {
 
 // NOLINTEND(bugprone-virtual-near-miss)
 
-/// A window that reaches past both ends is no wider than one that just does.
+/// A window that reaches past both ends need not be wider than the one that just does so.
 template <typename TRank>
 long TpIpFilterRank<TRank>::HalfWidth(int nExtent) const {
   return std::min<long>(nFilterWidth / 2, nExtent - 1);
@@ -96,9 +96,8 @@ long TpIpFilterRank<TRank>::ProcessT_X() {
   return 0;
 }
 
-/// The window of width w over the rows b .. b + w - 1 and the w rows behind them: the extreme of every window
-/// that begins in the first block is that of a tail of it and a head of the second (van Herk 1992, Gil and
-/// Werman 1993).
+/// Takes the rows in blocks of the window's width w. A window that begins in a block consists of a tail of
+/// this block and a head of the next: its extreme is that of the two (van Herk 1992, Gil and Werman 1993).
 template <typename TRank>
 template <typename T>
 long TpIpFilterRank<TRank>::ProcessT_Y() {
@@ -109,7 +108,8 @@ long TpIpFilterRank<TRank>::ProcessT_Y() {
   const long nWidth = 2 * nHalf + 1;
   const long nHeight = oIn.Height();
   const auto nCount = static_cast<size_t>(oIn.Width());
-  // Row i < nWidth holds the extreme of the block's rows from i on, the last one that of the head behind it.
+  // Row i < nWidth holds the extreme of the block's rows from i on, the last row that of the next block's
+  // head.
   m_oRows.NewWithType(oIn.DataType(), oIn.Width(), static_cast<int>(nWidth) + 1, 1, 0, 0, true);
   const auto Scratch = [&](long n) { return m_oRows.Row<T>(static_cast<int>(n)); };
   T* pHead = Scratch(nWidth);

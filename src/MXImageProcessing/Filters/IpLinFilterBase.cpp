@@ -55,7 +55,7 @@ long ClIpLinFilterBase::Initialize() {
   if ((nMode & eModeY) != 0) nLimit = std::min<long>(nLimit, m_pInImage->Height() - 1L);
   if (nLimit < nFilterWidth) nFilterWidth = nLimit % 2 == 0 ? nLimit - 1 : nLimit;
   if (nFilterWidth < 1) return 0;
-  // Only the directed modes have no limit of their own.
+  // Only in the directed modes can the width exceed the image's extents.
   constexpr long cnMostTaps = 1L << 30;
   if (nFilterWidth > cnMostTaps) KlvRaiseBadAlloc();
   const auto nEntries = static_cast<unsigned int>(nFilterWidth);
@@ -83,7 +83,7 @@ void ClIpLinFilterBase::TransferArray(TpArrayStatic<double>& oReal, TpArrayStati
   if (oFixed.Entries() != oReal.Entries()) oFixed.New(oReal.Entries());
   for (unsigned int n = 0; n < oReal.Entries(); ++n) {
     oReal[n] /= m_dNorm;
-    // Whatever is scaled by its own sum is 1 at most; a sum of nothing gives no number at all.
+    // Coefficients that were divided by their sum are at most 1; a sum of 0 gives infinity or NaN.
     if (!(std::fabs(oReal[n]) <= 2.0)) KLV_RAISE(ClException, "filter coefficients can't be scaled", -44);
     oFixed[n] = static_cast<long>(oReal[n] * 4095);
   }
@@ -153,8 +153,8 @@ void ClIpLinFilterBase::FilterRows(bool bAlongX, bool bAlongY) {
   }
 }
 
-/// The sums of one axis hold 12 bits behind the point, those of two 24. An output that will be signed gets the
-/// bits of the signed number.
+/// The sums of one axis have 12 fractional bits, those of two axes 24. An output that will be made signed
+/// gets the bits of the signed number.
 template <typename T, typename S>
 void ClIpLinFilterBase::StoreRow(const S* pSums, T* pOut, bool bTwice) const {
   const int nWidth = m_pInImage->Width();

@@ -8,19 +8,19 @@
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/TpArrayStatic.h"
 
-/// Output is the sum of coefficient times sample over the window, in fixed point; places outside the image are
-/// those nearest in it.
+/// The output is the sum of coefficient times sample over the window, in fixed point; a position outside the
+/// image has the sample nearest to it.
 ///
 /// Domain     all eight element types, all modes. The width of modes X, Y and XY shrinks below the image's
-///            extents; what it was set to is then gone. On an extent of 1 there is no window, and nothing is
-///            done.
-/// Range      coefficients are multiples of 1 / 4095, truncated, sums those of 1 / 4096: modes X and Y truncate
-///            toward zero, XY downward, once at the end, directed modes downward. Floating types don't
-///            truncate. Filters with negative coefficients are scaled so that the result fits the signed type
-///            of the input's size, which the output then has.
+///            extents; the width that was set is then lost. On an extent of 1 there is no window, and nothing
+///            is done.
+/// Range      coefficients are truncated to multiples of 1 / 4095, sums are multiples of 1 / 4096. Modes X
+///            and Y truncate sums toward zero, the directed modes downward, and XY downward once at the end.
+///            Floating types don't truncate. Filters with negative coefficients are scaled so that the result
+///            fits the signed type of the input's size, which the output then has.
 /// Threads    thread-bound.
-/// Errors     as the base and CheckDirections; ClException -101 a width below 1, -44 coefficients that can't be
-///            scaled. Returned: -35 no input.
+/// Errors     as the base and CheckDirections; ClException -101 a width below 1, -44 coefficients that can't
+///            be scaled. Returned: -35 no input.
 /// Cost       the image is passed once; as many multiplications a pixel and axis as the width.
 class ClIpLinFilterBase : public ClIpFilterBase {
  protected:
@@ -38,7 +38,7 @@ class ClIpLinFilterBase : public ClIpFilterBase {
 
   /// Scales the coefficients and makes fixed-point ones of them.
   virtual void TransferArray(TpArrayStatic<double>& oReal, TpArrayStatic<long>& oFixed);
-  /// Fills the array, which has nWidth entries; the pixel's own is at (nWidth - 1) / 2.
+  /// Fills the array, which has nWidth entries; the one at (nWidth - 1) / 2 weighs the pixel itself.
   virtual void CalcFilter(TpArrayStatic<double>& oReal, long nWidth) = 0;
 
   /// What the coefficients were divided by.

@@ -56,7 +56,7 @@ void ClIpCut::CheckRectangle(const ClImage& oIn) const {
   Require(m_nY0 < oIn.Height(), "ClIpCut::Process. m_nY0>=m_pInImage->Height()");
   Require(m_nDestWidth > 0, "ClIpCut::Process. m_nDestWidth <= 0");
   Require(m_nDestHeight > 0, "ClIpCut::Process. m_nDestHeight <= 0");
-  // The sum may not fit a long; the difference does.
+  // The sum could overflow a long; the difference cannot.
   Require(m_nDestWidth <= oIn.Width() - m_nX0, "ClIpCut::Process. m_nX0+m_nDestWidth > m_pInImage->Width()");
   Require(m_nDestHeight <= oIn.Height() - m_nY0,
           "ClIpCut::Process. m_nY0+m_nDestHeight > m_pInImage->Height()");

@@ -12,7 +12,7 @@ class ClIpCut : public NewIpBase::ClIp1to1Base {
   ClIpCut();
 
   using NewIpBase::ClIp1to1Base::ApplyParam;
-  /// The image without a border of nBorder pixels on each side.
+  /// The image without nBorder pixels on each side.
   long ApplyParam(ClImage& oIn, long nBorder, ClImage& oOut);
   long ApplyParam(ClImage& oIn, long nX, long nY, long nWidth, long nHeight, ClImage& oOut);
 
@@ -22,7 +22,7 @@ class ClIpCut : public NewIpBase::ClIp1to1Base {
   void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
-  /// Left to DoProcess, so that a refused rectangle leaves the output alone.
+  /// Does nothing: DoProcess makes the output, so that a refused rectangle leaves it as it was.
   void AllocateOutImage(ClImage&) override {}
   long DoProcess(ClImage& oIn, ClImage& oOut) override;
 

@@ -11,7 +11,7 @@ namespace {
 
 /// The part [m_nFirst, m_nEnd) of an axis of the output that the shifted input covers.
 struct ClCovered {
-  /// Offsets are limited to the extent first, so that no sum can leave the range of int.
+  /// Offsets are first limited to the extent, so that no sum can overflow an int.
   ClCovered(int nExtent, int nOffset)
       : m_nOffset(std::clamp(nOffset, -nExtent, nExtent)),
         m_nFirst(std::max(m_nOffset, 0)),

@@ -3,10 +3,10 @@
 
 #include "MXImageProcessing/NewIp1to1Base.h"
 
-/// out(x, y) = in(x - nOffsetX, y - nOffsetY); what comes from outside the input is dFillValue.
+/// out(x, y) = in(x - nOffsetX, y - nOffsetY), and dFillValue where that lies outside the input.
 ///
 /// Domain   all eight element types; pixels move with all their planes; any offset.
-/// Range    the fill value is limited to the element type and cut toward zero.
+/// Range    the fill value is limited to the element type and truncated.
 /// Threads  thread-bound.
 /// Cost     one copy or fill a row.
 class ClIpMoveImage : public NewIpBase::ClIp1to1Base {

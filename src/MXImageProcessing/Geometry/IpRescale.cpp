@@ -29,7 +29,7 @@ bool FitsInt(int64_t nValue) {
   return nValue <= INT32_MAX;
 }
 
-/// A size that covers what the new resolution needs of the old size.
+/// The size at the new resolution that covers the whole old size.
 double SizeAt(int nNewPels, int nSize, int nPels) {
   return std::trunc(static_cast<double>(nNewPels) * nSize / nPels + 0.9999);
 }
@@ -163,7 +163,7 @@ void ClIpRescale::ParameterString(char* szText, unsigned int nSize) const {
 long ClIpRescale::Initialize() {
   if (m_pInImage == nullptr || m_pOutImage == nullptr) return -10;
   const ClImage& oIn = *m_pInImage;
-  // Process judges an empty input.
+  // Process refuses an empty input.
   if (oIn.Width() < 1 || oIn.Height() < 1) return 0;
   m_nEffectiveWidth = m_nNewWidth;
   m_nEffectiveHeight = m_nNewHeight;
@@ -239,7 +239,7 @@ void ClIpRescale::ProcessPlane(const ClImage& oIn, ClImage& oOut) {
   }
 }
 
-/// Every row to the new width.
+/// Brings every row to the new width.
 template <typename T, typename TRow>
 void ClIpRescale::ResampleX(const ClImage& oIn, ClImage& oOut, TRow&& fnRow) const {
   oOut.NewWithType(oIn.DataType(), m_nEffectiveWidth, oIn.Height(), 1, m_nEffectivePelsX, oIn.PelsY(),
@@ -247,7 +247,7 @@ void ClIpRescale::ResampleX(const ClImage& oIn, ClImage& oOut, TRow&& fnRow) con
   for (int y = 0; y < oIn.Height(); ++y) fnRow(oIn.Row<T>(y), oIn.Width(), oOut.Row<T>(y), oOut.Width());
 }
 
-/// Every column to the new height, as rows of the turned image.
+/// Brings every column to the new height, as rows of the turned image.
 template <typename T, typename TRow>
 void ClIpRescale::ResampleY(const ClImage& oIn, ClImage& oOut, TRow&& fnRow) {
   TransposeNew<T>(oIn, m_oTurned);
@@ -302,7 +302,7 @@ void ClIpRescale::ProcessFantMar(const ClImage& oIn, ClImage& oOut) {
   const auto New = [&oIn](ClImage& oPlain, int nWidth, int nHeight) {
     oPlain.NewWithType(oIn.DataType(), nWidth, nHeight, 1, 0, 0, false);
   };
-  // Two images that take turns; rows without padding, so that a turned one needs no other size.
+  // Two images take turns. Their rows have no padding, so that a turned image fits the same block.
   ClImage &oA = m_oTurned, &oB = m_oTurnedResampled;
   Timed("Convert", [&] { New(oA, oIn.Width(), oIn.Height()), CopyRows(oIn, oA); });
   New(oB, m_nEffectiveWidth, oIn.Height());

@@ -5,20 +5,21 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 
-/// Set a pair of pels per metre or a pair of sizes; the pels come first when both are set. Without a change of
-/// size it copies.
+/// Set a pair of pels per metre or a pair of sizes; the pels come first when both are set. Without a change
+/// of size it copies.
 ///
 /// Domain     eUint8 and eInt8, any type for a copy; several planes are resized one by one. Input and output
 ///            may be one object.
-/// Range      ModeBiLinear takes area means along an axis that shrinks and blends four pixels where none does;
-///            ModeWholeNumbered repeats pixels or takes means by the nearest whole factor; ModeBiCubic with a
-///            parameter up to 0 weights by the distance in the plane, which does not keep the grey of flat
-///            areas; with a parameter above 0, which it negates, by the distances on the axes, which does.
+/// Range      ModeBiLinear takes area means along an axis that shrinks, and blends four pixels when no axis
+///            shrinks; ModeWholeNumbered repeats pixels or takes means by the nearest whole factor;
+///            ModeBiCubic with a parameter up to 0 weights by the distance in the plane, which does not keep
+///            the grey of flat areas; with a parameter above 0, which it negates, by the distances on the
+///            axes, which does.
 /// Units      pels per metre.
 /// Ownership  the output is allocated on the image handed in; scratch is kept from run to run.
 /// Threads    thread-bound.
 /// Errors     returned: -10 an image is missing; -13 a new resolution for an input without one; -35 an empty
-///            input or a size that can't be; -101 nothing is set, or an input without pixels. ClException -101
+///            input or an impossible size; -101 nothing is set, or an input without pixels. ClException -101
 ///            "Image Type is not the assigned type" for larger elements.
 class ClIpRescale : public ClProcessorBase {
  public:
@@ -32,7 +33,7 @@ class ClIpRescale : public ClProcessorBase {
 
   ClIpRescale() { ClIpRescale::SetParametersToDefault(); }
 
-  /// To the size or resolution that the parameters tell.
+  /// Brings the input to the size or resolution that the parameters give.
   long ApplyParam(ClImage& oIn, ClImage& oOut, eProcessingMode eMode);
   /// Errors: -101 for ModeWholeNumbered.
   long ApplyParamSize(ClImage& oIn, ClImage& oOut, int nWidth, int nHeight, eProcessingMode eMode);

@@ -24,8 +24,8 @@ ClVector Turned(const ClVector& oPoint, double dAngle) {
 
 /// An axis of the source along one output row: start, step, and the largest position.
 struct ClWalk {
-  /// Narrows [rnFirst, rnLast] to the columns whose source lies inside. Divisions are cut toward zero and the
-  /// ends left out, so that no column of the range can lie outside.
+  /// Narrows [rnFirst, rnLast] to the columns whose source lies inside. Quotients are truncated and the ends
+  /// left out, so that the source of no column of the range can lie outside.
   void Narrow(int64_t& rnFirst, int64_t& rnLast) const {
     if (m_nStep == 0) {
       if (m_nStart < 0 || m_nStart > m_nMaximum) rnLast = -1;
@@ -42,7 +42,7 @@ struct ClWalk {
 };
 
 /// A blend of the four pixels round a position. A signed sample differs from the unsigned one by 128, and the
-/// weights add up to a power of two, so that nSignBit turns the one into the other before and behind the sum.
+/// weights add up to a power of two, so that nSignBit turns the one into the other before and after the sum.
 unsigned char Blend(const unsigned char* pPixel, size_t nRowBytes, int64_t nX, int64_t nY,
                     unsigned char nSignBit) {
   const auto nFx = static_cast<uint32_t>(nX & (cnOne - 1)), nFy = static_cast<uint32_t>(nY & (cnOne - 1));
@@ -150,7 +150,7 @@ long ClIpRotate::Process() {
       m_pInImage->Planes() > 1
           ? ::ProcessMultiPlane(m_pInImage, m_pOutImage, IsTimerEnabled(), [this] { return ProcessPlane(); })
           : ProcessPlane();
-  // Behind the last plane, so that all planes are turned about the same point.
+  // The centre is set after the last plane, so that all planes are turned about the same point.
   if (nResult == 0 && m_bResizeOutImage) m_oCentre = oInCentre;
   return nResult;
 }

@@ -23,7 +23,7 @@ class ClIpRotate : public ClProcessorBase {
  public:
   ClIpRotate() { ClIpRotate::SetParametersToDefault(); }
 
-  /// The background stays as it is set.
+  /// Leaves the background as it is set.
   long ApplyParam(ClImage& oIn, ClImage& oOut, const ClVector& oCentre, double dAngle, bool bResize,
                   bool bInterpolate);
   void SetBackgroundColor(unsigned char nColor) { m_nBackgroundColor = nColor; }

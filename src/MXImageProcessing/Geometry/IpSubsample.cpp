@@ -19,12 +19,12 @@ T MeanOfTwo(T nA, T nB) {
   return static_cast<T>((static_cast<U>(nA) + static_cast<U>(nB)) / 2);
 }
 
-/// The means of the runs of a row; what pads the output row repeats the last one.
+/// The means of the runs of a row; the padding of the output row repeats the last one.
 template <typename T, typename U>
 void MeanOfRuns(const T* pIn, int nWidth, int nRate, T* pOut, int nOutWidth, int nOutElements) {
   const int nWhole = nWidth / nRate;
   if (nRate == 2) {
-    // By far the most usual rate: the loop has no inner one and the division is a shift.
+    // This is by far the most usual rate: there is no inner loop, and the division is a shift.
     for (int x = 0; x < nWhole; ++x) pOut[x] = MeanOfTwo<T, U>(pIn[2 * x], pIn[2 * x + 1]);
     pIn += 2 * nWhole;
   } else {
@@ -122,7 +122,7 @@ long ClIpSubsample::Process() {
 }
 
 long ClIpSubsample::ProcessPlane() {
-  // Sums of a run are wide enough for a whole row or column of any image.
+  // The type of the sums holds a whole row or column of any image.
   switch (m_pInImage->DataType()) {
     case ClImage::eUint8:
       m_bMid ? ProcessMid<uint8_t, uint32_t>() : ProcessFast<uint8_t>();

@@ -44,8 +44,8 @@ void Nearest(const ClImage& oIn, int64_t nStepX, int64_t nStepY, ClImage& oOut) 
   }
 }
 
-/// The pairs whose blends lie at the centres of the output's samples; near the ends, where there is no second
-/// neighbour, the outermost sample alone.
+/// Sets the pairs whose blends lie at the centres of the output's samples. Near the ends, where there is no
+/// second neighbour, the outermost sample stands alone.
 inline void SetPairs(std::vector<ClPair>& rPairs, int nIn, int nOut) {
   const int64_t nStep = (int64_t{nIn} << 12) / nOut;
   const float fRatio = static_cast<float>(nOut) / static_cast<float>(nIn);
@@ -57,14 +57,14 @@ inline void SetPairs(std::vector<ClPair>& rPairs, int nIn, int nOut) {
     if (n >= nOut - nMargin && n >= nMargin) rPair = {nIn - 1, nIn - 1, 0};
     if (n < nMargin || n >= nOut - nMargin) continue;
     const int64_t nPosition = nStart + (n - nMargin) * nStep;
-    // The single precision of the ratio may lead one sample too far.
+    // The ratio's rounding to single precision may lead one sample too far.
     rPair.m_nFirst = static_cast<int>(std::min<int64_t>(nPosition >> 12, nIn - 1));
     rPair.m_nSecond = std::min(rPair.m_nFirst + 1, nIn - 1);
     rPair.m_nShare = static_cast<int>(nPosition & 4095);
   }
 }
 
-/// Blends of four samples, products of weights and sum cut to 12 bits.
+/// Blends four samples; the products of weights and the sum are truncated to 12 fractional bits.
 template <typename T>
 void Bilinear(const ClImage& oIn, ClTables& rTables, ClImage& oOut) {
   SetPairs(rTables.m_aPairsX, oIn.Width(), oOut.Width());
@@ -103,7 +103,7 @@ inline void SetFours(std::vector<ClFour>& rFours, int nIn, int nOut, double dA) 
       rFour.m_aWeight[k] =
           ElementFromDouble<int16_t>(std::round(CubicWeight(rFour.m_aDistance[k], dA) * 4096));
     }
-    // What rounding lost or won goes to a near neighbour, so that flat areas stay as they are.
+    // A near neighbour gets what rounding has lost or added, so that flat areas stay as they are.
     rFour.m_aWeight[1] = 4096 - rFour.m_aWeight[0] - rFour.m_aWeight[2] - rFour.m_aWeight[3];
   }
 }

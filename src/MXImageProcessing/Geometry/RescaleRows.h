@@ -6,7 +6,7 @@
 
 namespace RescaleRows {
 
-/// Each sample nFactor times, as far as there is room; behind the last sample it goes on.
+/// Repeats each sample nFactor times, as far as there is room; the last one fills the rest.
 template <typename T>
 void Repeat(const T* pIn, int nIn, int nFactor, T* pOut, int nOut) {
   int x = 0;
@@ -16,8 +16,7 @@ void Repeat(const T* pIn, int nIn, int nFactor, T* pOut, int nOut) {
   std::fill(pOut + x, pOut + nOut, pIn[nIn - 1]);
 }
 
-/// The truncated means of runs of nFactor samples, the last run as long as it is; what is behind repeats the
-/// last mean.
+/// The truncated means of runs of nFactor samples; the last run may be shorter. The last mean fills the rest.
 template <typename T>
 void MeanOfRuns(const T* pIn, int nIn, int nFactor, T* pOut, int nOut) {
   int x = 0;
@@ -30,8 +29,8 @@ void MeanOfRuns(const T* pIn, int nIn, int nFactor, T* pOut, int nOut) {
   std::fill(pOut + x, pOut + nOut, pOut[x - 1]);
 }
 
-/// The truncated means of stretches of nStep / 4096 samples, parts of samples by their share. A last stretch
-/// that the row ends in is divided by what it covers; what is behind repeats it.
+/// The truncated means of stretches of nStep / 4096 samples, in which parts of samples count by their share.
+/// A stretch that the row ends in is divided by what it covers; its mean fills the rest.
 template <typename T>
 void Integrate(const T* pIn, int nIn, int64_t nStep, T* pOut, int nOut) {
   constexpr int64_t cnSample = 4096;
@@ -57,7 +56,7 @@ void Integrate(const T* pIn, int nIn, int64_t nStep, T* pOut, int nOut) {
 /// Fant, A Nonaliasing, Real-Time Spatial Transform Technique, IEEE CG&A 1986.
 template <typename T>
 void Fant(const T* pIn, int nIn, T* pOut, int nOut) {
-  // Lengths in parts of a sample, nOut parts each: whole numbers, which a double keeps.
+  // Lengths count nOut parts of a sample, so that they are whole numbers, which a double holds exactly.
   const double dArea = static_cast<double>(nIn) * nOut;
   int64_t nInside = nOut;
   int n = 0;

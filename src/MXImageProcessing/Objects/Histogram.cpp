@@ -97,7 +97,7 @@ bool ClHistogram::SumBins(int nFirst, int nLast, int64_t& rnSum, int64_t& rnWeig
   return rnSum != 0;
 }
 
-/// The mean with the shift; the middle of the range, truncated, when its bins are empty.
+/// The mean, with the shift; for empty bins it is the middle of the range, truncated.
 double ClHistogram::MeanBin(int nFirst, int nLast) const {
   int64_t nSum, nWeighted;
   const int nMiddle = (nFirst + nLast) / 2;
@@ -158,7 +158,7 @@ int ClHistogram::GetCentreOfMass(unsigned char nPos1, unsigned char nPos2) const
   return static_cast<int>(nWeighted / nSum) - m_nOffset;
 }
 
-/// The bin, from one end on, whose samples bring the sum above the share of all samples.
+/// Counts from one end: the bin with which the count exceeds the share of all samples.
 unsigned char ClHistogram::NoiseEnd(double dShare, int64_t nTotal, int nFirstBin, int nStep) const {
   const int nLastBin = 255 - nFirstBin;
   if (!(dShare < 1.0)) return static_cast<unsigned char>(nLastBin);

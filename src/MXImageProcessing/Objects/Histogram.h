@@ -24,7 +24,8 @@ class ClHistogram {
   /// The rectangle [nX0, nX1) by [nY0, nY1), clamped to the image.
   void Create(const ClImage& oImage, int nX0, int nY0, int nX1, int nY1);
 
-  /// First and last bin that isn't empty, 255 and 0 when all are; less the shift.
+  /// The first and the last bin that isn't empty, less the shift; 255 and 0, less the shift, when all are
+  /// empty.
   int FirstValue() const;
   int LastValue() const;
   int MaxCount() const;
@@ -35,21 +36,22 @@ class ClHistogram {
   double GetUniformity() const;
   /// Mean distance of the samples from their mean; 0 for an empty histogram.
   double GetAverageDeviation() const;
-  /// Mean grey value over the bins nPos1 to nPos2, less the shift. Empty bins or nPos1 > nPos2: the middle of
-  /// the range, truncated, with the shift.
+  /// Mean grey value over the bins nPos1 to nPos2, less the shift. For empty bins and for nPos1 > nPos2 it is
+  /// the middle of the range, truncated, with the shift.
   double GetGreyMid(unsigned char nPos1, unsigned char nPos2) const;
-  /// Standard deviation over those bins from their GetGreyMid, the sum divided by one less than the samples,
-  /// less the shift. At most one sample: 0, less the shift.
+  /// Standard deviation of those bins from their GetGreyMid, less the shift. The sum of squares is divided by
+  /// one less than the number of samples; for one sample or none the deviation is 0.
   double GetStdDeviation(unsigned char nPos1, unsigned char nPos2) const;
-  /// Mean of the samples whose rank lies between dLow and dHigh, shares of the total in 0 to 1; with the
-  /// shift. An empty share gives its bin.
+  /// Mean, with the shift, of the samples whose rank lies between the shares dLow and dHigh, 0 to 1, of all
+  /// samples. When no sample lies between them, it is the bin where they fall.
   double GetAverage(double dLow, double dHigh) const;
-  /// Mean of the nCount brightest or darkest samples, with the shift. Errors: -44 for more than there are.
+  /// Mean of the nCount brightest or darkest samples, with the shift. Errors: -44 for more samples than there
+  /// are.
   double GetBrightestAvrg(unsigned int nCount) const;
   double GetDarkestAvrg(unsigned int nCount) const;
 
-  /// The bins that are left when the share dLow of the samples is taken off below and the share dHigh above;
-  /// a share of 1 takes all. No samples: 255 to 0.
+  /// The bins that are left without the darkest samples, a share of dLow, and the brightest, a share of
+  /// dHigh; a share of 1 is all samples. Without samples they are 255 to 0.
   void GetNoiseFreeRange(double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast) const;
   /// The same of an image, whose histogram this becomes.
   void GetRange(ClImage& oImage, double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast);
@@ -59,28 +61,29 @@ class ClHistogram {
   /// The first of the smallest or largest bins of the range, less the shift.
   int GetLocalMin(unsigned char nPos1, unsigned char nPos2) const;
   int GetLocalMax(unsigned char nPos1, unsigned char nPos2) const;
-  /// Mean bin of the range, weighted by the counts, truncated, less the shift. Empty bins: the middle of the
-  /// range with the shift.
+  /// Mean bin of the range, weighted by the counts, truncated, less the shift. For empty bins it is the
+  /// middle of the range, with the shift.
   int GetCentreOfMass(unsigned char nPos1, unsigned char nPos2) const;
 
-  /// Each bin becomes the truncated mean of the nWidth / 2 bins on either side and itself, as far as there are
-  /// any. Without a width: by 3 bins, twice.
+  /// Each bin becomes the truncated mean of itself and of the nWidth / 2 bins on either side that exist. The
+  /// form without a width runs twice, with a width of 3.
   void LowPass();
   void LowPass(int nWidth);
-  /// pOut[i], for i from nWidth to 255 - nWidth, is the mean over k from 1 to nWidth of the slopes between the
-  /// bins i - k and i + k; the rest of its 256 places stays as it is.
+  /// pOut[i], for i from nWidth to 255 - nWidth, is the mean over k from 1 to nWidth of the slopes between
+  /// the bins i - k and i + k; the rest of its 256 elements stays as it is.
   void CalcFirstDerivation(int nWidth, double* pOut) const;
 
-  /// Where a walk from nPos ends that goes uphill (downhill) while the mean of the nStep bins ahead is above
-  /// (below) that of the nStep bins behind; less the shift. Descend starts nStep bins from the ends at least.
+  /// Where a walk from nPos ends, less the shift, that goes uphill (downhill) as long as the mean of the next
+  /// nStep bins is above (below) that of the last nStep bins. Descend starts at least nStep bins from the
+  /// ends.
   int Climb(unsigned char nPos, unsigned char nStep) const;
   int Descend(unsigned char nPos, unsigned char nStep) const;
   /// Whether the counts, once they have begun to fall, rise no more below bin 240. The argument has no
   /// meaning.
   bool IsUnimodal(unsigned char nUnused) const;
 
-  /// The threshold between two clusters of grey values, less the shift: by the middle of their means, or where
-  /// the normal distribution of the upper one begins to outweigh that of the lower one.
+  /// The threshold between two clusters of grey values, less the shift: by the middle of their means, or
+  /// where the normal distribution of the upper one begins to outweigh that of the lower one.
   int TwoMeansClustering(bool bGaussian) const;
   /// One round of either: the clusters of the bins up to nThreshold and above it, and the next threshold, all
   /// with the shift. The mean of an empty cluster is its middle.

@@ -94,7 +94,7 @@ void ClIpBinarizeGlobal::Binarize(const ClImage& oIn, ClImage& oOut) const {
   const T nThreshold = ElementFromDouble<T>(std::is_floating_point_v<T> ? dThreshold : std::ceil(dThreshold));
   if constexpr (std::is_same_v<T, uint8_t>) {
     const auto nSamples = static_cast<size_t>(oIn.SamplesPerRow());
-    // Other than in the wider types, no byte reaches a threshold above all bytes.
+    // The threshold saturates at 255, but no byte may reach a threshold above 255.
     const T nAbove = dThreshold > 255.0 ? nBlack : nWhite;
     for (int y = 0; y < oIn.Height(); ++y) {
       MXKernels::ThresholdRow(oIn.Row<T>(y), oOut.Row<T>(y), nSamples, nThreshold, nBlack, nAbove);

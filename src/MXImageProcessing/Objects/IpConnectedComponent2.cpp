@@ -1,4 +1,4 @@
-// Places, moments and grey values of labelled objects.
+// Positions, moments and grey values of labelled objects.
 #include "MXImageProcessing/IpConnectedComponent2.h"
 
 #include <algorithm>
@@ -31,7 +31,7 @@ double Eccentricity(const ClComponent& o) {
   return (4 * o.dMu11 * o.dMu11 + dDifference * dDifference) / (dSum * dSum);
 }
 
-/// Of the two principal directions the one across which the object spreads less.
+/// Of the two principal directions this is the one across which the object spreads less.
 double Direction(const ClComponent& o) {
   const auto SpreadAcross = [&o](double dAngle) {
     const double dCos = Portable::Cos(dAngle), dSin = Portable::Sin(dAngle);
@@ -89,7 +89,7 @@ long ClIpConnectedComponent2::Process() {
   m_pComponents->SetEntries(static_cast<unsigned int>(m_oLabeling.m_nLabels));
   for (unsigned int n = 0; n < m_pComponents->Entries(); ++n) {
     ClComponent& oComponent = (*m_pComponents)[n];
-    // An array that was used before has what it held then.
+    // The array may hold objects of an earlier run.
     oComponent = ClComponent();
     oComponent.nLabel = static_cast<long>(n) + 1;
   }

@@ -26,7 +26,7 @@ class ClIpConnectedComponent2 : public ClProcessorBase {
     ClComponent& operator=(const ClComponent&) = default;
     virtual ~ClComponent() = default;
 
-    /// Place, area, eccentricity, grey value and label; neither angle nor moments.
+    /// Compares position, area, eccentricity, grey value and label, but neither angle nor moments.
     bool operator==(const ClComponent& o) const;
 
     ClVector vCentre;          ///< mean of the object's pixels
@@ -36,11 +36,11 @@ class ClIpConnectedComponent2 : public ClProcessorBase {
     double dArea = 0;          ///< number of pixels
     double dEccentricity = 0;  ///< 0 for a round object, 1 for a line
     double dGrey = 0;          ///< mean of the grey image under the object
-    double dAngle = 0;  ///< along the object; NaN where both axes have the same moment and no mixed one
-    long nLabel = 0;    ///< from 1
-    double dMu11 = 0;   ///< sum of dx * dy from the centre
-    double dMu02 = 0;   ///< sum of dy * dy
-    double dMu20 = 0;   ///< sum of dx * dx
+    double dAngle = 0;         ///< along the object; NaN when dMu20 equals dMu02 and dMu11 is 0
+    long nLabel = 0;           ///< from 1
+    double dMu11 = 0;          ///< sum of dx * dy from the centre
+    double dMu02 = 0;          ///< sum of dy * dy
+    double dMu20 = 0;          ///< sum of dx * dx
   };
   using ComponentsArray_t = TpArrayDynamic<ClComponent, 10>;
 

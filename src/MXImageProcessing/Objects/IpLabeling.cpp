@@ -17,8 +17,8 @@ void ForEachBit(uint64_t nWord, int32_t nFirst, const TPlace& fnPlace) {
   for (; nWord != 0; nWord &= nWord - 1) fnPlace(nFirst + __builtin_ctzll(nWord));
 }
 
-/// Labels [nBegin, nEnd) of a row. Short runs are written at full width, where there is room: what is written
-/// behind the end is written again by the runs that follow.
+/// Labels [nBegin, nEnd) of a row. Where there is room, a short run is written as a full step: what goes
+/// beyond its end is overwritten by the runs that follow.
 void FillAndBeyond(int32_t* pRow, int nBegin, int nEnd, int nRowEnd, int32_t nLabel) {
   constexpr int cnStep = 8;
   if (nEnd - nBegin <= cnStep && nBegin + cnStep <= nRowEnd) {
@@ -61,7 +61,7 @@ long ClIpLabeling::Process() {
   m_aLeaders.Clear();
   m_aRowEnds.SetEntries(static_cast<unsigned int>(oIn.Height()));
   m_aBits.SetEntries((static_cast<unsigned int>(oIn.Width()) + 63) / 64);
-  // Every step of the search for pairs passes a run of one of two rows, and writes one place ahead.
+  // Each step of the search for pairs passes a run of one of the two rows, and may write one pair more.
   m_aPairs.SetEntries(static_cast<unsigned int>(oIn.Width()) + 3);
   unsigned int nAbove = 0;
   for (int y = 0; y < oIn.Height(); ++y) {
@@ -90,7 +90,7 @@ void ClIpLabeling::FindRuns(const uint8_t* pRow, int nWidth) {
   uint64_t nCarry = 0;
   for (unsigned int w = 0; w < m_aBits.Entries(); ++w) {
     const uint64_t nBits = m_aBits[w];
-    // A run begins, or ended one place before, where a bit differs from the one below it.
+    // Where a bit differs from the one below it, a run begins or the last one has ended.
     const uint64_t nChanges = nBits ^ (nBits << 1 | nCarry);
     const auto nX = static_cast<int32_t>(64 * w);
     ForEachBit(nChanges & nBits, nX, [&](int32_t x) { pBegins++->m_nBegin = x; });
@@ -117,7 +117,7 @@ void ClIpLabeling::JoinRows(unsigned int nAbove, unsigned int nBelow) {
     *pPair = {nUpper, nLower};
     pPair +=
         static_cast<int>(oUpper.m_nBegin < oLower.m_nEnd) & static_cast<int>(oLower.m_nBegin < oUpper.m_nEnd);
-    // The run that ends first meets nothing more.
+    // The run that ends first touches no further run.
     const bool bUpperEndsFirst = oUpper.m_nEnd < oLower.m_nEnd;
     nUpper += bUpperEndsFirst ? 1 : 0;
     nLower += bUpperEndsFirst ? 0 : 1;
@@ -142,7 +142,7 @@ void ClIpLabeling::Join(uint32_t nRunA, uint32_t nRunB) {
   m_aLeaders[std::max(nLeaderA, nLeaderB)] = std::min(nLeaderA, nLeaderB);
 }
 
-/// Puts labels in the place of leaders.
+/// Replaces leaders by labels.
 void ClIpLabeling::NumberSets() {
   uint32_t* pLeaders = m_aLeaders.Data();
   uint32_t nLabels = 0;

@@ -1,4 +1,4 @@
-// The borders in the terms of each element type.
+// The limits as values of each element type.
 #include "MXImageProcessing/IpSaturate.h"
 
 #include <algorithm>

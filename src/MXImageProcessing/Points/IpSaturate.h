@@ -3,7 +3,7 @@
 
 #include "MXImageProcessing/NewIp1to1Base.h"
 
-/// out = in limited to the two borders, which are first cut to the range of the element type.
+/// out = in limited to the two borders, which saturate to the range of the element type.
 ///
 /// Domain   all eight element types; works in place.
 /// Threads  thread-bound.

@@ -37,7 +37,7 @@ long ClIpSplitPlanes::Process() {
   const ClImage& oIn = *m_pInImage;
   if (oIn.Planes() > 4) KLV_RAISE(ClException, "Image has more than 4 planes.", -35);
   for (const ClImage* pOut : m_apOutPlanes) {
-    // The first plane would otherwise take the block away from those behind it.
+    // The first plane would otherwise replace the block that the next planes are taken from.
     if (pOut == m_pInImage) KLV_RAISE(ClException, "planes must differ from the input", -44);
   }
   for (int nPlane = 0; nPlane < oIn.Planes(); ++nPlane) {

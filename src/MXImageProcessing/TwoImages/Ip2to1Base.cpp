@@ -94,8 +94,8 @@ bool PlanesFit(const ClImage& oIn1, const ClImage& oIn2) {
   return oIn1.Planes() == oIn2.Planes() || (oIn1.Planes() == 3 && oIn2.Planes() == 1);
 }
 
-/// For planes that no rule will write: what a fresh block holds must not get out. All types have their 0 in
-/// bytes of 0.
+/// Clears planes that no rule will write, so that old memory does not get into the output. In every type, 0
+/// is bytes of 0.
 void ClearOverlap(ClImage& oCanvas, long nStart, long nWidth, long nHeight) {
   const long nSize = oCanvas.ElementSize();
   for (long y = 0; y < nHeight; ++y) {
@@ -144,7 +144,7 @@ void ClIp2to1Base::DeclareOutImageType(ClParameterRows& oRows) {
 }
 
 long ClIp2to1Base::Initialize() {
-  // A subclass may have other conditions, but none of them can do without pixels.
+  // A subclass may have further conditions, but pixels are needed by all.
   if (!CanApply() || !ClIp2to1Base::CanApply()) return -37;
   return SizeMustBeEqual && IsOverlaid() ? -44 : 0;
 }

@@ -43,15 +43,15 @@ class ClIp2to1Base : public ClProcessorBase {
   long Process() override;
 
   /// Applies the rule to the overlap. Offsets and row steps count elements.
-  /// The base's form takes GetValue for each sample, or, with the table flag and two 8-bit inputs of which
+  /// This class calls GetValue for each sample, or, with the table flag and two 8-bit inputs of which
   /// the second is eUint8, a table of its 65536 results.
   virtual long DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, long nWidth, long nHeight,
                          long nPlanes1, long nPlanes2, long nOffset1, long nRowStep1, long nOffset2,
                          long nRowStep2, long nOffsetOut, long nRowStepOut);
   virtual double GetValue(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, double dA, double dB);
 
-  /// The overlap of a one-plane second image with each sample repeated for the first image's planes; the overlap
-  /// then tells where it lies in the image given back, which this object keeps.
+  /// Repeats each sample of a one-plane second image, within the overlap, for each of the first image's
+  /// planes. The overlap then lies in the image that is returned, which this object keeps.
   const ClImage& SpreadOverlap(const ClImage& oIn2, ClOverlap& rOverlap);
 
   virtual void DeclareOutImageType(ClParameterRows& oRows);

@@ -11,7 +11,7 @@ struct ClRuleDelta {
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 < 4 && nSize2 < 4; }
   template <typename W>
   static W Apply(W nA, W nB) {
-    // NaN takes the second way and stays NaN.
+    // NaN fails the comparison and stays NaN.
     return nA > nB ? nA - nB : nB - nA;
   }
 };

@@ -9,7 +9,7 @@
 struct ClRuleMultiply {
   static constexpr ByteRule cpBytes = nullptr;
 
-  /// The product of two bytes, or of a byte and a word, but not of two unsigned words.
+  /// Holds for two bytes, or a byte and a word, but not for two unsigned words.
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 + nSize2 < 4; }
   template <typename W>
   static W Apply(W nA, W nB) {

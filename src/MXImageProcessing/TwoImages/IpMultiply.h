@@ -9,8 +9,9 @@ extern template class TpIp2to1Rule<ClRuleMultiply>;
 /// out = first * second, limited to what the inputs' black and white can give.
 ///
 /// Domain  as the base.
-/// Range   the output's white becomes the largest of the four products of the inputs' black and white, its black
-///         the smallest, for an unsigned type not below 0; these two, cut to the output type, are the limits.
+/// Range   the output's white becomes the largest of the four products of the inputs' black and white, its
+///         black the smallest, for an unsigned type not below 0; these two, limited to the output type, are
+///         the limits.
 /// Threads thread-bound.
 class ClIpMultiply : public TpIp2to1Rule<ClRuleMultiply> {
  public:

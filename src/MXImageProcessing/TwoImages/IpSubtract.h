@@ -11,7 +11,7 @@ extern template class TpIp2to1Rule<ClRuleSubtract>;
 /// Domain  as the base.
 /// Range   DataDependent: between the output's black and white. InputDependent: between the darkest and the
 ///         brightest difference that the inputs' black and white allow. UserDependent: between the two
-///         bounds, which become the output's black and white. All limits are cut to the output type.
+///         bounds, which become the output's black and white. All limits saturate to the output type.
 /// Threads thread-bound.
 /// Cost    one pass; three eUint8 images under limits of 0 and 255 take the vector kernel.
 class ClIpSubtract : public TpIp2to1Rule<ClRuleSubtract> {

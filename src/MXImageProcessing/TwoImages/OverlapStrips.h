@@ -17,7 +17,7 @@ struct TpStripLimits {
   bool m_bKeepsNaN;
 };
 
-/// Takes the rule over two strips and puts the limited results in the place of the first.
+/// Applies the rule to two strips; the limited results replace the first.
 template <typename W>
 using StripRule = void (*)(W* pFirst, const W* pSecond, size_t nCount, const TpStripLimits<W>& oLimits);
 
@@ -26,9 +26,9 @@ using StripRule = void (*)(W* pFirst, const W* pSecond, size_t nCount, const TpS
 /// The samples of a row are read into strips of the working type W, and written back from them: eight loaders
 /// and eight storers stand in for a loop for each of the 512 combinations of types.
 ///
-/// Domain   W is int32_t, int64_t or double and holds all three types: those of 8 and 16 bits, all integers,
-///          all. The output is neither of the inputs.
-/// Range    results within the limits, cut toward zero for integer outputs.
+/// Domain   W holds all three types: int32_t those of 8 and 16 bits, int64_t all integers, double all. The
+///          output is neither of the inputs.
+/// Range    results are within the limits, and truncated for integer outputs.
 /// Threads  reentrant.
 /// Errors   returned: -101 for a type that W does not hold.
 /// Cost     a pass over strips on the stack, which stay in the first-level cache; four calls for each strip.
@@ -46,5 +46,5 @@ extern template long ApplyByStrips<double>(const ClImage& oIn1, const ClImage& o
                                            const ClOverlap& oOverlap, const TpStripLimits<double>& oLimits,
                                            StripRule<double> pfnRule);
 
-/// The number as the element type can hold it; unchanged for a type that is none of the eight.
+/// The number limited to the element type; unchanged for a type that is none of the eight.
 double CutToElementType(double dValue, unsigned char nType);

@@ -14,7 +14,7 @@ struct ClOverlap;
 /// instantiates it in its own source, which includes TpIp2to1RuleImpl.h.
 ///
 /// Domain   as the base.
-/// Range    mathematically the rule's result, limited, then cut toward zero for integer outputs. NaN becomes the
+/// Range    the exact result of the rule, limited, then truncated for integer outputs. NaN becomes the
 ///          lower limit of an integer output.
 /// Threads  thread-bound.
 /// Cost     one pass by strips; the types are resolved once a call. One plane beside three is first spread to
@@ -32,8 +32,8 @@ class TpIp2to1Rule : public ClIp2to1Base {
                  long nRowStepOut) override;
   double GetValue(ClImage& oIn1, ClImage& oIn2, ClImage& oOut, double dA, double dB) override;
 
-  /// The limits of this call, before they are cut to the output's type; may set the output's black and white.
-  /// Here they are the output's black and white themselves.
+  /// The limits of this call, before they saturate to the output's type; a subclass may set the output's
+  /// black and white. In this class these are the limits.
   virtual ClLimits Limits(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut) const;
   static ClLimits LimitsOf(const ClImage& oOut);
 

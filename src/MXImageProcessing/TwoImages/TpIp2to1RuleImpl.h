@@ -21,7 +21,7 @@ W LimitedResult(W nResult, const TpStripLimits<W>& oLimits) {
   return nResult > oLimits.m_nUpper ? oLimits.m_nUpper : nResult;
 }
 
-/// The rule on the samples of two strips, limited; the results take the place of the first strip.
+/// Applies the rule to the samples of two strips; the limited results replace the first strip.
 template <typename TRule, typename W>
 void ApplyToStrip(W* __restrict pFirst, const W* __restrict pSecond, size_t nCount,
                   const TpStripLimits<W>& oStripLimits) {

@@ -56,7 +56,7 @@ char* GetFileName(char* szFull) {
   return szName;
 }
 
-// The const form does not write to the text.
+// The form above does not write to the text.
 const char* GetFileName(const char* szFull) {
   return GetFileName(const_cast<char*>(szFull));
 }

@@ -29,8 +29,8 @@ class TpParameterBase : public ClParameter {
     m_oDefault = Value();
   }
 
-  /// Uses the variable that *ppValue points to at each access; its value is the default, unless *ppValue is
-  /// NULL.
+  /// Uses the variable that *ppValue points to at each access; its value at this moment becomes the default,
+  /// unless *ppValue is NULL.
   void BindPointer(T** ppValue) {
     m_pObject = nullptr;
     m_ppValue = ppValue;
