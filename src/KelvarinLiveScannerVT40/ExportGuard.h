@@ -19,12 +19,12 @@ struct StCallFormats {
 /// The formats of the functions that log no argument: the second text stands where the arguments would.
 #define KLV_PLAIN_FORMATS KLV_CALL_FORMATS("%s%s")
 
-// The formats reach the log through a structure; each one is a literal that was written beside its arguments.
+// The formats reach the log through a structure. Each is a literal that stands beside its arguments.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
-/// Writes the Error line of a call and returns its number. A line that cannot be written is given up.
+/// Writes the Error line of a call and returns its number. When the line cannot be written, it is dropped.
 template <typename... TArguments>
 long LeaveWithError(const StCallFormats& oFormats, long nNumber, TArguments... aArguments) noexcept {
   try {

@@ -45,7 +45,7 @@ long LS_VT40SetDisplayData(void* h, unsigned int nType, char* pData, unsigned in
       __func__, "");
 }
 
-/// The functions that tell two unsigned numbers differ in the operation alone.
+/// The functions that report two unsigned numbers differ only in the operation.
 #define KLV_EXPORT_SIZE(Function, Operation)                                                        \
   long Function(void* h, unsigned int* pnFirst, unsigned int* pnSecond) {                           \
     return HandleCall(                                                                              \
@@ -73,7 +73,7 @@ long LS_VT40GetCaptureMode(void* h, int* pnMode) {
       h, KLV_PLAIN_FORMATS, [&](ClVT40Handle& oHandle) { oHandle.GetCaptureMode(pnMode); }, __func__, "");
 }
 
-/// The three image calls differ in the operation alone.
+/// The three image calls differ only in the operation.
 #define KLV_EXPORT_IMAGE(Function, Operation)                                                                \
   long Function(void* h, void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult) {             \
     return HandleCall(                                                                                       \

@@ -86,7 +86,7 @@ void OpenScanner(const char* pszSerial, void** phScanner) {
 }
 
 void CloseScanner(void** phScanner) {
-  // A handle has the scan library of its own; closing wants the initialisation all the same.
+  // A handle has its own reference on the scan library; closing requires the initialisation all the same.
   ClLiveScannerVT40::GetScanLibrary();
   if (phScanner == nullptr) KLV_RAISE(ClException, "handle reference is NULL pointer", -44);
   ClVT40Handle::GetClassBase(*phScanner)->UnassignDevice();

@@ -9,7 +9,7 @@
 #define KLV_VERSION "1.5.1421.5"
 
 const char ClLiveScannerVT40::m_szVersion[] = KLV_VERSION;
-// The blank behind the number ends it for whoever reads the record.
+// Readers of the record need the blank after the number, which ends it.
 const char ClLiveScannerVT40::m_szLongVersion[] =
     "SDK: KelvarinLiveScannerVT40 Version: " KLV_VERSION " ten-finger live-scanner";
 

@@ -13,8 +13,7 @@ class ClLiveScannerVT40 : public TpSDKBase<ClLiveScannerVT40, ClLoggingChain> {
  public:
   static const char m_szVersion[];
   static const char m_szLongVersion[];
-  /// Where the scan library is looked for in front of the linker's own search, relative to the working
-  /// directory.
+  /// Where the scan library is looked for before the linker's own search, relative to the working directory.
   static constexpr char m_szSearchPath[] = "../KelvarinVTScanAPI;../../KelvarinVTScanAPI;.";
 
   /// Errors: -200 "Unable to open VTScanAPI library."; the scan library's number when it does not start.
@@ -31,8 +30,8 @@ class ClLiveScannerVT40 : public TpSDKBase<ClLiveScannerVT40, ClLoggingChain> {
   static void CheckBound(const ScanLibrary& pScanLibrary);
 
  private:
-  /// The binding while the library is initialised; set last, when the scan library is bound and has started.
-  /// Never destroyed: a thread may still be in a call while the process ends.
+  /// The binding while the library is initialised. It is set last, when the scan library is bound and has
+  /// started. It is never destroyed, since a thread may still be in a call while the process ends.
   struct StBinding {
     boost::mutex oMutex;
     ScanLibrary pScanLibrary;  // guarded by oMutex

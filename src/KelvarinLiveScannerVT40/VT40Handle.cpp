@@ -16,7 +16,7 @@ namespace {
 constexpr unsigned int cnVersionRoom = 256;
 constexpr unsigned int cnFileRoom = 8192;
 constexpr long cnSizeTooSmall = -702;
-/// The first firmware that tells its power source. Compared as text.
+/// The first firmware that reports its power source; versions are compared as texts.
 constexpr char cszPowerFirmware[] = "2.07";
 
 template <typename TFunction>
@@ -24,13 +24,14 @@ void CheckPresent(TFunction pfn) {
   if (pfn == nullptr) KLV_RAISE(ClException, "VTScanAPI version incompatible", -103);
 }
 
-/// A text of at most nRoom bytes, ended by its own zero or by the size that was told.
+/// A text of at most nRoom bytes, which its own zero or the reported size ends.
 std::string TextOf(const char* szText, unsigned int nSize, unsigned int nRoom) {
   const char* pEnd = szText + std::min(nSize, nRoom);
   return {szText, std::find(szText, pEnd, '\0')};
 }
 
-/// An empty block has no memory, but it was given: the set-up is to find it too short, not to go without it.
+/// An empty block has no memory, and must not be taken for a missing one: the set-up has to refuse it as too
+/// short.
 const char* GivenBlock(const TpArrayStatic<char>& aBlock) {
   return aBlock.Entries() > 0 ? aBlock.Data() : "";
 }
@@ -43,7 +44,7 @@ ClVT40Handle::~ClVT40Handle() {
   try {
     if (m_hDevice != nullptr) UnassignDevice();
   } catch (...) {
-    // Nobody is left to be told.
+    // There is no caller to report this to.
   }
 }
 
@@ -61,7 +62,7 @@ void ClVT40Handle::AssignDevice(unsigned int nDevice) {
   } catch (const ClExBadAlloc&) {
     throw;
   } catch (const ClException&) {
-    // A scanner without gain data works with what its revision says.
+    // A scanner without gain data works with the gains of its revision.
   }
   const bool bUSBPowered = ReadUSBPowered();
   TpArrayStatic<char> aSerial;
@@ -106,7 +107,7 @@ void ClVT40Handle::ReadCalibrationFile(const char* szName, TpArrayStatic<char>& 
   unsigned int nSize = cnFileRoom;
   const long nResult = m_oLibrary.VTScanAPIReadEPROMFile(m_hDevice, szName, aBuffer.data(), &nSize);
   if (nResult != 0) KLV_RAISE(ClException, szFailure, nResult);
-  // A size beyond the room cannot have been written.
+  // More bytes than the buffer holds cannot have been written.
   nSize = std::min(nSize, cnFileRoom);
   aData.New(nSize);
   std::copy_n(aBuffer.data(), nSize, aData.Data());
@@ -134,7 +135,7 @@ void ClVT40Handle::ReadSerial(TpArrayStatic<char>& aSerial) {
   long nResult = m_oLibrary.VTScanAPIGetHandleSerial(m_hDevice, nullptr, &nSize);
   if (nResult != cnSizeTooSmall) KLV_RAISE(ClException, cszFailure, nResult != 0 ? nResult : -101);
   if (nSize > cnFileRoom) KLV_RAISE(ClException, cszFailure, -101);
-  // One byte more, so that whatever comes is a text.
+  // The block has one byte more, a zero, so that whatever comes is a text.
   aSerial.New(nSize + 1);
   nResult = m_oLibrary.VTScanAPIGetHandleSerial(m_hDevice, aSerial.Data(), &nSize);
   if (nResult != 0) KLV_RAISE(ClException, cszFailure, nResult);
@@ -165,7 +166,7 @@ void ClVT40Handle::SetupCalibrationData() noexcept {
 void ClVT40Handle::UnassignDevice() {
   m_pLiveCapture.reset();
   m_pSetupCalibrationData.reset();
-  // The property tree is bound to the engine's words.
+  // The property tree is bound to variables of the engine, which is gone now.
   ResetProperties();
   if (m_hDevice == nullptr) return;
   void* hDevice = std::exchange(m_hDevice, nullptr);

@@ -1,4 +1,4 @@
-// The object behind an application's scanner handle.
+// The object that an application's scanner handle stands for.
 #pragma once
 
 #include <boost/thread/mutex.hpp>
@@ -102,7 +102,7 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   TpArrayStatic<char> m_aGeometricData;
   TpArrayStatic<char> m_aBrightnessData;
   TpArrayStatic<char> m_aGainData;
-  long m_nSetupResult = 0;  // written by the calibration thread, read behind its join
+  long m_nSetupResult = 0;  // written by the calibration thread, read after its join
   ClKelvarinVTScanAPIWrapper m_oLibrary;
   void* m_hDevice = nullptr;
   ClMXVTScanAPIWrapper m_oScanAPI;

@@ -8,7 +8,7 @@ namespace {
 
 constexpr long cnNoFinger = -15;
 
-/// Where each status LED stands in the scanner's word: three bits from this one on.
+/// The lowest of the three bits of each status LED in the scanner's word.
 constexpr unsigned int caLedBits[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
 
 /// The engine's modes in the order of the public ones.
@@ -35,7 +35,7 @@ ClVT40LiveCapture& ClVT40Handle::Engine() const {
 }
 
 const ClCalibrateGeometricData& ClVT40Handle::FullData() const {
-  // The engine first: without one there are no calibration data either.
+  // The engine is checked first: without one there are no calibration data either.
   const bool bSmallImages = Engine().UseSmallImages();
   return m_pSetupCalibrationData->GetGeometricDataFull(bSmallImages);
 }
@@ -155,7 +155,7 @@ bool ClVT40Handle::DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pIm
   ClVTLiveCaptureBase::ECaptureState eState = ClVTLiveCaptureBase::eCaptureStateNone;
   double dScore = 0.0;
   (Engine().*pfnImage)(m_oDelivered, eState, dScore);
-  // The caller's buffer has the size that the size functions tell, and not a byte more.
+  // The caller's buffer has the size that the size functions report, and not a byte more.
   unsigned int nWidth = 0;
   unsigned int nHeight = 0;
   (this->*pfnSize)(&nWidth, &nHeight);
@@ -170,7 +170,7 @@ bool ClVT40Handle::DeliverImage(EngineCall pfnImage, SizeCall pfnSize, void* pIm
   return bDone;
 }
 
-/// Its pictures may have half the height of the others. The mode stays while m_oMutex is held.
+/// The pictures of this mode may have half the height of the others. The mode stays while m_oMutex is held.
 bool ClVT40Handle::IsSignaturePad() const {
   return Engine().GetCaptureMode() == ClVTLiveCaptureBase::eCaptureModeSignature;
 }

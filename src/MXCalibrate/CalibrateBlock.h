@@ -10,7 +10,7 @@ class ClStream;
 /// The illumination keys in the order in which the legacy blocks store them.
 constexpr uint64_t cnIlluminationKeys[5] = {16, 1, 8, 2, 4};
 
-/// What the stream holds from its position on.
+/// The bytes that the stream holds from its position on.
 std::vector<uint8_t> ReadCalibrationBlock(ClStream& oStream);
 
 /// True when the block starts with the three letters and a zero byte.

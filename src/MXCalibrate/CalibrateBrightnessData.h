@@ -9,10 +9,10 @@ class ClStream;
 
 /// Three planes of grey values for each illumination key.
 ///
-/// Stored in one of two forms, little-endian. "CBD" and a zero byte, version and number of sample points in
-/// 16 bits each, then records of an 8-byte key and three planes of samples. Or, legacy, recognised by other
-/// first bytes: 128 bytes of no meaning and five blocks of 192 bytes, for 64 points and the keys 16, 1, 8,
-/// 2, 4.
+/// There are two stored forms, both little-endian. One has "CBD" and a zero byte, version and number of
+/// sample points in 16 bits each, then records of an 8-byte key and three planes of samples. The legacy form,
+/// known by any other first bytes, has 128 bytes without meaning and five blocks of 192 bytes, for 64 points
+/// and the keys 16, 1, 8, 2, 4.
 ///
 /// Threads  thread-bound: look-ups enter keys.
 /// Errors   ClExStreamUnexpectedEnd -201 for a block that is too short for its form; the object is then
@@ -25,9 +25,9 @@ class ClCalibrateBrightnessData {
 
   /// Replaces everything by what the stream holds from its position on.
   void Read(ClStream& oStream);
-  /// The legacy form, whatever was read. It has no place for the number of sample points: fewer than 64 stand
-  /// plane behind plane at the start of their block, which reads as 64 points and so does not come back the
-  /// same. Errors: -44 for more than 64 sample points.
+  /// Writes the legacy form, whatever was read. It does not hold the number of sample points: the planes of
+  /// fewer than 64 points stand one after the other at the start of their block, which is then read as 64
+  /// other points. Errors: -44 for more than 64 sample points.
   void Write(ClStream& oStream);
   /// Drops samples and version; the number of sample points stays.
   void Clear();

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Big-endian and raising on short transfers, until it goes.
+/// Makes the stream big-endian and short transfers raise, for its own lifetime.
 class ClCalibrationSettings {
  public:
   explicit ClCalibrationSettings(ClStream& oStream)
@@ -59,7 +59,7 @@ void ClCalibrateDataBase::Write(ClStream& oStream) const {
 void ClCalibrateDataBase::Write(const char* szPath) const {
   ClFileStream oStream(szPath, "wb");
   Write(oStream);
-  // Here a failing last write still raises.
+  // The last bytes are written here, where a failure still raises.
   oStream.Close();
 }
 

@@ -4,7 +4,7 @@
 
 class ClStream;
 
-/// Three tags in front of a record that a derived class defines.
+/// Three tags before a record that a derived class defines.
 ///
 /// Domain   seekable streams, big-endian whatever their setting, which is restored.
 /// Threads  thread-bound.

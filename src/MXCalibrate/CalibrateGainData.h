@@ -8,9 +8,9 @@ class ClStream;
 
 /// Two 24-bit values for each illumination key.
 ///
-/// Stored in one of two forms, little-endian. "CGD" and a zero byte, a version in 16 bits, then records of an
-/// 8-byte key and six bytes: gain and white patch grey in turn, lowest bytes first. Or, legacy, recognised by
-/// other first bytes: those six bytes for each of the keys 16, 1, 8, 2, 4.
+/// There are two stored forms, both little-endian. One has "CGD" and a zero byte, a version in 16 bits, then
+/// records of an 8-byte key and six bytes: gain and white patch grey in turn, lowest bytes first. The legacy
+/// form, known by any other first bytes, has those six bytes for each of the keys 16, 1, 8, 2, 4.
 ///
 /// Threads  thread-bound: look-ups enter keys.
 /// Errors   ClExStreamUnexpectedEnd -201 for a block that is too short for its form; nothing has changed
@@ -23,7 +23,7 @@ class ClCalibrateGainData {
 
   /// Adds what the stream holds from its position on; keys that it does not hold stay.
   void Read(ClStream& oStream);
-  /// The legacy form, whatever was read.
+  /// Writes the legacy form, whatever was read.
   void Write(ClStream& oStream);
   void Clear();
 

@@ -16,13 +16,13 @@ namespace {
 }
 
 constexpr int cnNewestVersion = 6;
-/// 500 dpi, which the oldest records mean without saying it.
+/// 500 dpi, which the oldest records imply.
 constexpr uint32_t cn500Dpi = 19685;
 
 }  // namespace
 
-/// Reads fields and writes each into a record of its own, so that a checksum is taken over the bytes
-/// understood.
+/// Reads fields and writes each into a record of its own, so that the checksum covers exactly the bytes that
+/// were read as fields.
 class ClCalibrateGeometricData::ClEcho {
  public:
   explicit ClEcho(ClStream& oSource) : m_oSource(oSource) { m_oRecord.m_bFailureFlag = true; }
@@ -49,7 +49,7 @@ ClCalibrateGeometricData::ClCalibrateGeometricData() {
   std::memcpy(m_szVersion, "006", sizeof(m_szVersion));
 }
 
-// Four bytes are compared each time, whatever they are: a tag of the block need not end.
+// Four bytes are compared each time, since a tag of the block need not end in a zero.
 int ClCalibrateGeometricData::ReadTags(ClEcho& oEcho) {
   char szTag[4];
   oEcho.Tag(szTag);
@@ -101,7 +101,7 @@ void ClCalibrateGeometricData::ReadStream(ClStream& oStream) {
 void ClCalibrateGeometricData::ReadArray(ClEcho& oEcho, Points& aPoints) {
   uint32_t nCount = 0;
   oEcho.Field(nCount);
-  // Before anything is allocated: the count is the file's.
+  // The count comes from the file, and so is checked before anything is allocated by it.
   if (static_cast<int64_t>(nCount) * 8 > oEcho.Left()) {
     KLV_RAISE(ClExStreamUnexpectedEnd, "Unexpected end of stream", -201);
   }

@@ -9,7 +9,7 @@
 
 class ClMemStream;
 
-/// Pairs of points: ideal places in the corrected image, and where the sensor shows them, plane by plane.
+/// Pairs of points: ideal positions in the corrected image, and where the sensor shows them, plane by plane.
 ///
 /// A stored record, version "006", all numbers big-endian: the tags "CAL", "GEO", "006" with a zero byte
 /// each; source width, height, pels x and y, target width, height, pels x and y and the number of planes in

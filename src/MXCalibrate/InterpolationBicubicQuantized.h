@@ -11,8 +11,8 @@
 /// the row: the Laplacian of a Gaussian for c = d; a larger c gives a strong centre and a mild negative ring.
 /// Each weight is the kernel's mean over a box of about one source pixel.
 ///
-/// Range    entry phaseX + 32 * phaseY; its 16 weights sum to 1024, less what truncation takes off each of
-///          them.
+/// Range    entry phaseX + 32 * phaseY; its 16 weights sum to 1024, less what each of them has lost by
+///          truncation.
 /// Threads  reentrant once made.
 class ClInterpolationBicubicTable {
  public:

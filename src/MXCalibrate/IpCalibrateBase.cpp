@@ -1,4 +1,4 @@
-// The flow of calibrating processors, and the pictures that their debugging leaves behind.
+// The flow of calibrating processors, and the files that they write for debugging.
 #include "MXCalibrate/IpCalibrateBase.h"
 
 #include <algorithm>
@@ -29,7 +29,7 @@ void ClIpCalibrateBase::StoreDebug(const ClImage* pImage, const char* szTag, con
   std::snprintf(szPath, sizeof(szPath), "%sCalibrate[%s %s] %s %.24s.bmp", szDirectory, __DATE__, __TIME__,
                 szTag, szTime);
   std::string szName(szPath);
-  // Times have colons, which file systems of other makers refuse; one behind a drive letter stays.
+  // Times have colons, which some file systems refuse; the colon after a drive letter stays.
   if (szName.size() > 4) std::replace(szName.begin() + 4, szName.end(), ':', '.');
   ClBitmap oBitmap;
   oBitmap.Attach(*pImage);

@@ -26,7 +26,7 @@ class ClIpCalibrateBase : public ClProcessorBase {
  protected:
   long Process() override;
 
-  /// Leaves an image as a BMP file behind that names the build, the tag and the time. szDirectory ends in a
+  /// Writes an image as a BMP file, whose name has the build, the tag and the time. szDirectory ends in a
   /// slash.
   static void StoreDebug(const ClImage* pImage, const char* szTag, const char* szDirectory);
 };

@@ -46,7 +46,7 @@ void ClIpCalibrateGeometricBase::CheckParams(const Points& aTarget, const Points
 }
 
 bool ClIpCalibrateGeometricBase::IsSourceInReach() const {
-  // The width alone first: rounded up it has no place in 32 bits.
+  // The width is tested first: beyond this limit, rounding it up would overflow 32 bits.
   return m_nSourceWidth <= INT32_MAX - 3 && uint64_t{m_nSourceHeight} * SourceRowBytes() <= INT32_MAX;
 }
 
@@ -89,7 +89,7 @@ void ClIpCalibrateGeometricBase::CheckInput() const {
                      static_cast<uint32_t>(oIn.Width()) == m_nSourceWidth &&
                      static_cast<uint32_t>(oIn.Height()) == m_nSourceHeight &&
                      oIn.RowBytes() == SourceRowBytes() && oIn.Data() != nullptr;
-  // The map's offsets hold for that size only.
+  // The map's offsets are valid for this size only.
   if (!bFits) KLV_RAISE(ClException, "InImage does not fit the calibration data", -44);
 }
 

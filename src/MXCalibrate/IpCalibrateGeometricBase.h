@@ -31,7 +31,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void Initiate() override;
   void Calibrate() override;
 
-  /// The finished map, so that it need not be built again; behind Load the object is initiated.
+  /// The finished map, so that it need not be built again; after Load the object is initiated.
   /// Errors: ClExKelvarin and ClException -40 for foreign tags; -39 for fields that do not agree and for a
   /// map that points outside the source; ClExStreamUnexpectedEnd -201.
   void Store(ClStream& oStream) const;

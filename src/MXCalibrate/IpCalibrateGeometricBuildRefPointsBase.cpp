@@ -1,4 +1,4 @@
-// From the picture of a target to a data set: the steps, the search for objects, the place of the grid.
+// From the picture of a target to a data set: the steps, the search for objects, the position of the grid.
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 
 namespace {
 
-/// What a window of the binariser has beyond one pitch, so that it always holds the ground between two dots.
+/// The size of the binariser's window in pitches; it always holds the ground between two dots.
 constexpr double cdWindowPitches = 1.1;
 
 uint32_t PelsPerMetre(double dDpi) {

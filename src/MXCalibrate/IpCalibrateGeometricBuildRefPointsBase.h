@@ -16,16 +16,16 @@ template <typename T, class TMath>
 class TpThinPlateSplines;
 
 /// Binarises the picture, measures its objects, keeps those that look like dots and have neighbours one
-/// pitch away, fits the ideal grid onto them and places that grid in the corrected image. What the pattern
-/// is comes from the derived class. The same class judges stored grids.
+/// pitch away, fits the ideal grid to them and positions it in the corrected image. The derived class defines
+/// the pattern. Stored grids are judged as well.
 ///
 /// Domain     one plane of 8-bit samples, or up to three that are searched one by one.
-/// Units      lengths of the pattern in millimetres, resolutions in dots per inch, places in pixels.
+/// Units      lengths of the pattern in millimetres, resolutions in dots per inch, positions in pixels.
 /// Ownership  owns no image and no data set. A grid owns its dots: whoever made it frees them (DeleteDots).
 /// Threads    thread-bound.
 /// Errors     ClException -37 no input or output; -39 "Target and Source arrays must have same size!",
-///            "Target data is corrupt", "Source data is corrupt"; -600 as the pattern and the splines tell;
-///            ClExBadAlloc -102.
+///            "Target data is corrupt", "Source data is corrupt"; -600 for reasons that the pattern and the
+///            splines give; ClExBadAlloc -102.
 /// Cost       dominated by binarising and labelling; the grid is quadratic in the number of dots.
 class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
  public:
@@ -62,7 +62,8 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   /// The reference data's grid where there is some, else the ideal one. Its offsets are in pixels.
   virtual void BuildTarget(Points& aOut, double dDpiX, double dDpiY, double dOffsetX, double dOffsetY);
   virtual void LocatePoints(ClImage& oImage, Grid& aGrid);
-  /// Removes what isn't the pattern and gives the places of the rest in the pattern's order.
+  /// Removes dots that are not part of the pattern, and gives the positions of the others in the pattern's
+  /// order.
   virtual void AssociatePoints(Grid& aGrid, Points& aActual);
   virtual void GridToArray(Grid& aGrid, Points& aActual) = 0;
   /// A grid of stored points, column after column.
@@ -85,13 +86,13 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   void RemoveWrongAngleNeighbours(Grid& aGrid);
   void GridRemoveBadPoints(Grid& aGrid);
   void CenterTarget(Points& aTarget, const Points* pActual, unsigned int nPlanes);
-  /// Mean of the mapped border's y, or of its x with bVertical.
+  /// The mean y of the mapped edge of the image; with bVertical its mean x.
   double GetBorderDelta(const Spline& oSpline, int nX, int nY, int nSteps, bool bVertical) const;
-  /// Mean place of the good dots; (0, 0) without any.
+  /// The mean position of the good dots; (0, 0) without any.
   ClVector GetCentreOfGrid(const Grid& aGrid) const;
   ClVector GetCentreOfVectorArray(const Points& aArray) const;
   void MoveArray(Points& aArray, const ClVector& vShift) const;
-  /// The dot with that place in the pattern, or null.
+  /// The dot at that position in the pattern, or null.
   ClDot* RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const;
   /// The valid dot nearest to the origin, or null.
   ClDot* GetBottumLeftDot(const Grid& aGrid) const;
@@ -101,28 +102,30 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   /// The stored target may be moved as a whole; no point strays more than 10 pixels from that.
   void ValidateTargetPoints(ClCalibrateGeometricData& oData);
 
-  /// Sorts the values; element nCount / 2, 0 without values.
+  /// Sorts the values and returns element nCount / 2, or 0 without values.
   static double GetMedian(double* pValues, long nCount);
   /// Merges points nearer than 1.5 pixels; groups that have about a dot's number of points go to aOut.
   void RemoveSmallPoints(Points& aIn, Points& aOut) const;
-  /// Centre of gravity of what is darker than nThreshold round a place; the place itself where nothing is.
+  /// The centre of gravity of what is darker than nThreshold round a position; where nothing is, the position
+  /// itself.
   void CheckDot(const ClImage& oImage, long nX, long nY, long nThreshold, ClVector& vOut) const;
   void LogGrid(const Grid&) const {}
   /// Clears the image and draws the grid: good dots bright, removed ones dim, and the ways to their
   /// neighbours.
   void GridToDebugImage(const Grid& aGrid, ClImage& oImage) const;
-  /// Leaves an image as a BMP file named after the tag; szDirectory ends in a slash.
+  /// Writes an image as a BMP file named after the tag; szDirectory ends in a slash.
   void StoreDebug(ClImage* pImage, const char* szTag, const char* szDirectory) const;
 
   ClImage* m_pInImage = nullptr;
-  /// Its target grid takes the place of the ideal one.
+  /// Its target grid replaces the ideal one.
   ClCalibrateGeometricData* m_pRefData = nullptr;
   ClImage* m_pOutDebugImage = nullptr;
   ClImage* m_pOutLabelImage = nullptr;
   ClCalibrateGeometricData* m_pOutData = nullptr;
   /// Grey levels below the local mean from which a pixel belongs to a dot.
   double m_dThresholdOffset = 0;
-  /// Whether the mapped borders of the corrected image are centred on the sensor, or the grid in the image.
+  /// True: the mapped edges of the corrected image are centred on the sensor. False: the grid is centred in
+  /// the image.
   bool m_bCentreByBorder = true;
   double m_dYOffset = 0;
   double m_dDotRadius = 0;
@@ -147,7 +150,7 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
  protected:
   double PitchX() const { return m_dSourceDpiX / cdMillimetresPerInch * m_dGridPitch; }
   double PitchY() const { return m_dSourceDpiY / cdMillimetresPerInch * m_dGridPitch; }
-  /// Both co-ordinates by a count or weight; multiplying by its reciprocal would round twice.
+  /// Divides both co-ordinates by a count or weight; to multiply by the reciprocal would round twice.
   static ClVector Divided(const ClVector& v, double dBy) { return ClVector(v.x / dBy, v.y / dBy); }
 
  private:
@@ -167,7 +170,7 @@ class ClIpCalibrateGeometricBuildRefPointsBase::ClDot {
   ClDot(const ClDot& o) { *this = o; }
   ClDot& operator=(const ClDot& o);
 
-  /// Everything but the place back to its start.
+  /// Resets everything but the position.
   void Initialize(const ClVector& vCentre);
   /// Makes the dot a neighbour, unless it is one; with bMutual this dot becomes its neighbour too.
   void AddDot(ClDot* pDot, bool bMutual);

@@ -14,14 +14,14 @@ using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 
 /// Points nearer than this are one.
 constexpr double cdSamePoint = 1.5;
-/// What a dot's radius may differ by, in millimetres.
+/// By how much a dot's radius may differ, in millimetres.
 constexpr double cdRadiusTolerance = 0.2;
 constexpr unsigned char cnGoodGrey = 255;
 constexpr unsigned char cnRemovedGrey = 128;
 constexpr unsigned char cnLinkGrey = 64;
 constexpr int cnCrossArm = 12;
 
-/// All planes of the pixel, where the image has it.
+/// Sets all planes of a pixel, if it lies inside the image.
 void DrawPixel(ClImage& oImage, double dX, double dY, unsigned char nGrey) {
   if (!(dX >= 0 && dY >= 0 && dX < oImage.Width() && dY < oImage.Height())) return;
   uint8_t* pPixel = oImage.Row<uint8_t>(static_cast<int>(dY)) + static_cast<int>(dX) * oImage.Planes();
@@ -37,7 +37,7 @@ void DrawLine(ClImage& oImage, const ClVector& vFrom, const ClVector& vTo, unsig
   }
 }
 
-/// Reaches the one way in which calibrating processors leave pictures behind.
+/// Gives access to the function by which calibrating processors write their pictures.
 struct StDebugStore : ClIpCalibrateBase {
   using ClIpCalibrateBase::StoreDebug;
 };

@@ -65,7 +65,7 @@ void ClDot::Remove(const ClDot* pDot) {
 
 double ClDot::AngleOf(const ClVector& vFrom, const ClVector& vTo) {
   const ClVector vWay = vTo - vFrom;
-  // The axes are exact.
+  // Directions along the axes are given exactly.
   if (vWay.x == 0) return vWay.y < 0 ? 3 * Portable::cdPi / 2 : Portable::cdPi / 2;
   if (vWay.y == 0) return vWay.x < 0 ? Portable::cdPi : 0;
   const double dAngle = Portable::Atan2(vWay.y, vWay.x);

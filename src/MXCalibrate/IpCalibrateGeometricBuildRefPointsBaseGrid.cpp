@@ -25,7 +25,7 @@ bool CmpDotY(const ClDot* pA, const ClDot* pB) {
   return pA->vPosition.y < pB->vPosition.y;
 }
 
-/// Gives each target point to the valid dot nearest to it; of several points the last one stands.
+/// Gives each target point to the valid dot nearest to it; a dot that gets several points keeps the last one.
 void Match(const ClBase::Points& aTarget, const ClBase::Grid& aGrid) {
   for (unsigned int nPoint = 0; nPoint < aTarget.Entries(); ++nPoint) {
     ClDot* pNearest = nullptr;
@@ -40,7 +40,7 @@ void Match(const ClBase::Points& aTarget, const ClBase::Grid& aGrid) {
   }
 }
 
-/// How far a distance is from none at all or, beyond the tolerance, from one pitch.
+/// How far a distance is from 0, if it is within the tolerance, or else from one pitch.
 double OffLattice(double dDistance, double dTolerance, double dPitch) {
   return dDistance > dTolerance ? std::fabs(dDistance - dPitch) : dDistance;
 }
@@ -113,7 +113,7 @@ void ClBase::SortXY(Grid& aGrid) {
   SortX(aGrid);
   unsigned int nFirst = 0;
   while (nFirst < aGrid.Entries()) {
-    // The column's place is the mean of its good dots.
+    // The column's position is the mean of its good dots.
     double dColumn = aGrid[nFirst]->vPosition.x;
     double dSum = 0;
     unsigned int nCount = 0;
@@ -126,7 +126,7 @@ void ClBase::SortXY(Grid& aGrid) {
       ++nCount;
     }
     if (nCount > 0) dColumn = dSum / nCount;
-    // A column has at least the dot that began it.
+    // A column has at least the dot that it began with.
     unsigned int nEnd = nFirst + 1;
     while (nEnd < aGrid.Entries() && aGrid[nEnd]->vPosition.x - dColumn < dHalf) ++nEnd;
     SortY(aGrid, nFirst, nEnd);
@@ -162,7 +162,7 @@ void ClBase::ReduceToFittingNeighbours(Grid& aGrid) {
                                  {-dX, 0}, {-dX, -dY}, {0, -dY}, {dX, -dY}};
   for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
     ClDot& oDot = *aGrid[nDot];
-    // Removal shifts the list that is walked.
+    // The loop goes over a copy, since a removal shifts the list.
     const ClDot oBefore(oDot);
     ClDot* aHolders[8] = {};
     double aDistances[8] = {};
@@ -214,7 +214,7 @@ void ClBase::GridRemoveBadPoints(Grid& aGrid) {
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
     if (aGrid[n]->bValid && aGrid[n]->vTarget.x < 0) aGrid[n]->nStatus = eUnmatched;
   }
-  // Once more without the strays, which had moved the centre.
+  // The match is repeated without the strays, which had moved the centre.
   MoveArray(aTarget, GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aTarget));
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
     if (aGrid[n]->nStatus == eUnmatched) aGrid[n]->nStatus = eGood;

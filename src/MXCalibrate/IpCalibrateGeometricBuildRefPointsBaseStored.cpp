@@ -14,7 +14,7 @@ using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 using ClDot = ClBase::ClDot;
 
 constexpr double cdMostOffTarget = 10.0;
-/// Part of the mean distance by which a distance may differ.
+/// The share of the mean distance by which a distance may differ.
 constexpr double cdMostOffMean = 0.3;
 
 [[noreturn]] void RaiseTarget() {
@@ -27,8 +27,8 @@ constexpr double cdMostOffMean = 0.3;
   KLV_RAISE(ClException, "Source data is corrupt", -39);
 }
 
-/// True when each distance is the mean of all, give or take a part of it. The sign counts: a grid that runs
-/// the other way is none. False for NaN.
+/// True when each distance differs from the mean of all by at most that share of it. The sign counts, so that
+/// a grid that runs the other way is none. False for NaN.
 bool AreEven(const std::vector<double>& aDistances) {
   double dSum = 0;
   for (const double d : aDistances) dSum += std::fabs(d);

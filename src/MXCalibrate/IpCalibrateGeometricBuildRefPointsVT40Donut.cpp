@@ -17,7 +17,7 @@ using ClDonut = ClIpCalibrateGeometricBuildRefPointsVT40Donut;
 constexpr double cdDegreesPerRadian = 57.29577951308232;
 constexpr int cnRows = 8;
 
-/// The worst of several lines through dots.
+/// The largest deviations of several lines through dots.
 struct StStraightness {
   double dAngle = 0;
   double dDistance = 0;
@@ -101,7 +101,7 @@ unsigned int ClDonut::PickDots(Grid& aGrid, Points& aActual) {
   m_aDotIndex.SetEntries(aGrid.Entries());
   m_nDotCount = static_cast<int32_t>(aGrid.Entries());
   unsigned int nFound = 0;
-  // With all points of the pattern found there is nothing left to compare a dot with.
+  // When all points of the pattern are found, no point is left to compare a dot with.
   for (unsigned int n = 0; n < aGrid.Entries() && nFound < aIdeal.Entries(); ++n) {
     ClDot& oDot = *aGrid[n];
     if (!oDot.bValid) continue;

@@ -36,7 +36,7 @@ class ClIpCalibrateGeometricBuildRefPointsVT40Donut : public ClIpCalibrateGeomet
   double m_dMaxDistanceX = 50.0;
   /// Dots of the grid that was judged last.
   int32_t m_nDotCount = 0;
-  /// For each point of the last result the component behind it.
+  /// For each point of the last result the component that it came from.
   TpArrayDynamic<unsigned int, 10u> m_aDotIndex;
 
  private:

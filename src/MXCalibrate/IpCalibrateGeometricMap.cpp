@@ -19,8 +19,8 @@ void SetupSplines(Spline* pSplines, const Points& aTarget, const Points* pActual
   }
 }
 
-/// The left edge of a cell steps down by dLeftStep a row, the right one by dRightStep; a row steps evenly
-/// between.
+/// From row to row the left edge of a cell changes by dLeftStep and the right one by dRightStep; along a row
+/// the values go evenly from edge to edge.
 struct StCell {
   double dLeft;
   double dRight;
@@ -38,7 +38,7 @@ void FillCell(StCell oCell, int nFactor, double* pOut, size_t nRowStride, size_t
   }
 }
 
-/// One plane of interleaved ones, which need not be split for it.
+/// Upscales one of several interleaved planes, without splitting them.
 void UpscalePlane(const ClImage& oIn, ClImage& oOut, int nFactor, int nPlane) {
   const size_t nPlanes = static_cast<size_t>(oIn.Planes());
   const size_t nRowStride = static_cast<size_t>(oOut.ElementsPerRow());
@@ -93,7 +93,7 @@ void ClIpCalibrateGeometricCoarse::InitiateParams(const Points& aTarget, const P
 
 template <typename TTransformRow>
 void ClIpCalibrateGeometricCoarse::FillPlane(Entry* pPlane, TTransformRow&& oTransformRow) const {
-  // Two coarse rows at a time: a whole map of positions would take five times the room of the map itself.
+  // Two coarse rows are taken at a time: all positions at once would take five times the memory of the map.
   const size_t nColumns = (static_cast<size_t>(m_nTargetWidth) + m_nBlock - 1) / m_nBlock + 1;
   ClImage aCoarse[2];
   ClImage aFine[2];

@@ -13,7 +13,7 @@ constexpr uint32_t cnKifMagic = 0x4B494600;
 constexpr uint32_t cnKifVersion = 1;
 constexpr uint32_t cnPhases = 1024;
 
-/// Makes short transfers raise, until it goes.
+/// Makes short transfers raise for its own lifetime.
 class ClRaiseOnShort {
  public:
   explicit ClRaiseOnShort(ClStream& oStream) : m_oStream(oStream), m_bBefore(oStream.m_bFailureFlag) {
@@ -108,7 +108,7 @@ void ClIpCalibrateGeometricBase::LoadMap(ClStream& oStream) {
   ReadWord(oStream);
 
   Expect(IsSourceInReach(), "The source image is too large for a map", -39);
-  // In this order nothing overflows: width times height fits 64 bits, and what is left of a stream 31.
+  // In this order nothing overflows: width times height fits 64 bits, and the rest of a stream fits 31.
   const uint64_t nLeft = static_cast<uint64_t>(oStream.Size() - oStream.Pos());
   if (uint64_t{m_nTargetWidth} * m_nTargetHeight > nLeft || MapEntries() * m_nMapEntrySize > nLeft) {
     KLV_RAISE(ClExStreamUnexpectedEnd, "Unexpected end of stream", -201);

@@ -13,15 +13,16 @@
 
 namespace {
 
-/// How far a surface may miss a value, against the largest one. Those of different points miss by less than
-/// 1e-9; points that nearly coincide and differ in their values have none, and what comes out is large noise.
+/// How far a surface may miss a value, relative to the largest one. For points that are apart it misses by
+/// less than 1e-9. For points that nearly coincide and differ in their values there is no surface, and the
+/// solution is large noise.
 constexpr double cdMostMiss = 1e-4;
 
 void Expect(bool bTrue, const char* szText) {
   if (!bTrue) KLV_RAISE(ClException, szText, -44);
 }
 
-/// Every nBlock-th place below nSize, and the last one.
+/// Every nBlock-th position below nSize, and the last one.
 std::vector<int> CornersOf(int nSize, unsigned int nBlock) {
   std::vector<int> aCorners;
   for (int64_t n = 0; n < nSize; n += nBlock) aCorners.push_back(static_cast<int>(n));
@@ -29,8 +30,8 @@ std::vector<int> CornersOf(int nSize, unsigned int nBlock) {
   return aCorners;
 }
 
-/// What bilinear sums of T are made in: exact for integers, T itself for reals. For 8-bit samples
-/// 32 bits hold the weights of blocks up to 2900 by 2900.
+/// The type of bilinear sums of T: exact for integers, T itself for floating types. For 8-bit samples 32 bits
+/// are enough for blocks of up to 2900 by 2900.
 template <typename T>
 using Sum =
     std::conditional_t<std::is_floating_point_v<T>, T, std::conditional_t<sizeof(T) == 1, int32_t, int64_t>>;
@@ -120,8 +121,8 @@ long ClIpInterpolate2DBase::ProcessType() {
       dLargest = std::max(dLargest, std::fabs(oSystem(i, j)));
     }
   }
-  // What rounding leaves of a pivot that is 0. Points as far apart as a scanner's stay above 1e-4 of the
-  // largest.
+  // This is what rounding leaves of a pivot of 0. For points as far apart as a scanner's, pivots stay above
+  // 1e-4 of the largest element.
   const double dRounding = static_cast<double>(nPoints) * std::numeric_limits<double>::epsilon();
   if (!oSystem.Factorize(dLargest * dRounding)) return -44;
   const std::vector<int> aX = CornersOf(nInTargetWidth, m_nBlockSize);
@@ -165,7 +166,7 @@ void ClIpInterpolate2DBase::DrawCorners(const Vector& oWeights, const std::vecto
     }
     T* pRow = oOut.Row<T>(nY);
     for (size_t n = 0; n < aX.size(); ++n) {
-      // A sum that is no number becomes the lower limit.
+      // NaN becomes the lower limit.
       const double dAtLeast = aSums[n] > m_dLower ? aSums[n] : m_dLower;
       pRow[aX[n]] = static_cast<T>(std::min(dAtLeast, m_dUpper));
     }

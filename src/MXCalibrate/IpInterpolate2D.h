@@ -23,16 +23,16 @@ class ClRadialBasisSquaredDist {
   }
 };
 
-/// All of ClIpInterpolate2D that does not know its basis function.
+/// The part of ClIpInterpolate2D that does not depend on its basis function.
 ///
 /// Domain     block sizes from 1; reference points that are all different.
-/// Range      values are limited to the limits given, and to those of the type; integers are cut toward zero.
-///            With a block size above 1 only the corners of blocks are computed, and what lies between is
-///            bilinear, in integers for integer types.
+/// Range      values are limited to the limits given and to the range of the type; integers are truncated.
+///            With a block size above 1 only the corners of blocks are computed, and the samples between are
+///            interpolated, in integers for integer types.
 /// Ownership  none of values, points and output images.
 /// Threads    thread-bound.
 /// Errors     -44 with the name of a missing parameter; -44 is returned for an unknown type and for points
-///            that allow no surface, as two in one place do, or so nearly that it misses them.
+///            that allow no surface, because two coincide, or nearly so that the surface misses them.
 /// Cost       one basis function for each point and block corner.
 class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
  public:
@@ -59,7 +59,7 @@ class ClIpInterpolate2DBase : public NewIpBase::ClIpProcessorBase {
   ClIpInterpolate2DBase() { EnableDataType(m_caAllTypes); }
 
   virtual double Basis(double dSquaredDistance) const = 0;
-  /// pSum[i] += dWeight * basis between oPoint and the place pX[i], dY, for i in [0, nCount).
+  /// pSum[i] += dWeight * basis between oPoint and the position pX[i], dY, for i in [0, nCount).
   virtual void AddToRow(const ClVector& oPoint, double dWeight, const double* pX, double dY, size_t nCount,
                         double* pSum) const = 0;
 

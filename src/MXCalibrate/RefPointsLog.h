@@ -3,7 +3,7 @@
 
 #include "MXTools/MXLogging.h"
 
-/// One line when it is made and one when it goes.
+/// Logs one line when it is made and one when it is destroyed.
 class ClRefPointsLog {
  public:
   explicit ClRefPointsLog(const char* szOperation) : m_szOperation(szOperation) { Write("Enter"); }

@@ -23,7 +23,7 @@ extern const TpKernel<TwoRows<uint8_t, uint32_t>, TwoRows<uint16_t, uint32_t>> M
 /// input.
 extern const TpKernel<TwoRows<uint16_t, uint8_t, uint16_t>> DeviationRow;
 
-/// Subtracts the mean of the last eight pictures from pPicture, which then replaces the oldest of them:
+/// Subtracts the mean of the last eight pictures from pPicture, whose old samples replace the oldest of them:
 /// mean = pSums[i] / 8; pSums[i] += pPicture[i] - pOldest[i], modulo 2^16; pOldest[i] = pPicture[i];
 /// pPicture[i] = pPicture[i] > mean ? pPicture[i] - mean : 0. No overlap.
 extern const TpKernel<void(uint8_t* pPicture, uint8_t* pOldest, uint16_t* pSums, size_t nCount) noexcept>

@@ -28,8 +28,8 @@ void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
 void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
                            const BrightnessDecision& oDecision) noexcept {
   for (size_t i = 0; i < nCount; ++i) {
-    // The root is looked up in any case: the choice then needs no branches, which ridges would make
-    // mispredicted.
+    // The root is looked up in any case: the choice then needs no branches, which would be mispredicted at
+    // ridges.
     const uint16_t nRoot = oDecision.m_pRoot[pDistance[i]];
     const uint16_t nInner = pSignal[i] > oDecision.m_nFront ? uint16_t{0} : nRoot;
     pDistance[i] = pSignal[i] < oDecision.m_nBack ? oDecision.m_nLimit : nInner;

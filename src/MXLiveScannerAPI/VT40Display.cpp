@@ -18,7 +18,7 @@ constexpr unsigned char cnIdle = 0xF7;
 // Commands of the HD44780 instruction set, after the three writes that lead into its 4-bit mode.
 constexpr unsigned char cnInitialize[] = {3, 3, 2, 0x28, 0x0C, 6, 2, 1};
 constexpr unsigned char cnSecondLine = 0xC0;
-/// What the display takes for its slowest command.
+/// The time that the display needs for its slowest command.
 constexpr long cnPauseMs = 5;
 
 void WriteBus(ClMXVTScanAPIHandleBase& oScanner, unsigned char nBus) {

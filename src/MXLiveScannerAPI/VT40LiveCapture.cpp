@@ -16,7 +16,7 @@ namespace {
 
 constexpr unsigned int cnRollWaitSeconds = 5;
 
-/// Raw sequences have the sensor's size, whatever the calibration data say.
+/// Raw sequences have the sensor's size: calibration data for larger frames are refused.
 void CheckSourceSize(const ClCalibrateGeometricData& oData, const ScannerTypes::Resolution& oSensor) {
   if (oData.m_nSourceWidth > oSensor.nWidth || oData.m_nSourceHeight > oSensor.nHeight) {
     KLV_RAISE(ClException, "invalid calibration data found in scanner eprom.", -39);
@@ -67,7 +67,7 @@ void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData
         m_oSettings});
     m_pOneShot = std::make_unique<ClOneShotMode>(*m_pRooms);
   }
-  // No mode, so that the switch to "off" is not skipped.
+  // The 0 is no mode, so that the switch to "off" is not skipped.
   m_eCaptureMode = static_cast<ECaptureMode>(0);
   SetCaptureMode(eCaptureModeOff);
 }
@@ -169,7 +169,7 @@ void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, 
 
 void ClVT40LiveCapture::GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   const bool bArrived = m_oFrames.WaitForFrame(cnRollWaitSeconds);
-  // Read between wait and copy, so that "done" always comes with the finished picture.
+  // The state is read between wait and copy, so that "done" always comes with the finished picture.
   eState = m_eDetectState;
   if (!bArrived) KLV_RAISE(ClException, "timeout during rolled image reading", -60);
   m_oFrames.Fetch(oImage);
@@ -177,7 +177,8 @@ void ClVT40LiveCapture::GetRollImage(ClImage& oImage, ECaptureState& eState, dou
 }
 
 void ClVT40LiveCapture::ResetImage() {
-  // Without the switch lock, which a call that waits for a frame holds: what is dropped outlives the modes.
+  // The switch lock is not taken, since a call that waits for a frame holds it; what is dropped outlives the
+  // modes.
   const ECaptureMode eMode = m_eCaptureMode;
   if (eMode == eCaptureModeRoll) {
     m_oRoll.RequestReset();

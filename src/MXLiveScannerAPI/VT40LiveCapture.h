@@ -33,7 +33,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   void Capture() override;
   void GetImage(ClImage& oImage, ECaptureState& eState, double& dScore) override;
   void GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) override;
-  /// Whatever the mode is: the next frame of its stream. Waits up to 5 seconds. Errors: -60.
+  /// The next frame of the stream, whatever the mode. Waits up to 5 seconds. Errors: -60.
   void GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) override;
   void SetDisplayData(unsigned int nType, void* pData, unsigned int nLength) override;
   /// Does nothing when the mode is already set. After any failure the mode is eCaptureModeOff.
@@ -50,7 +50,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   /// True: the engine uses the sensor modes that merge columns.
   bool UseSmallImages() const { return m_bSmallImages; }
 
-  /// Non-zero: a finished roll is rotated and centred; taken on at each Reset. Bound by address like
+  /// Non-zero: a finished roll is rotated and centred; takes effect at each Reset. Bound by address like
   /// AutoCaptureBeep.
   unsigned int* RolledPostProcess() { return &m_nRolledPostProcess; }
   /// 0 full height, otherwise half height of the signature area. Errors: -50 while the signature mode is

@@ -15,7 +15,7 @@ bool IsBlank(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// The tag in front of a version in the scanner's text.
+/// The tag before a version in the scanner's text.
 const char* VersionTag(unsigned int nVersionId) {
   switch (nVersionId) {
     case 1:

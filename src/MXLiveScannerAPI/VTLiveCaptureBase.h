@@ -54,18 +54,18 @@ class ClVTLiveCaptureBase {
   virtual void SetDisplayData(unsigned int nType, void* pData, unsigned int nLength) = 0;
   /// Version texts: 0 the scan library, 1 firmware, 2 FPGA, 3 hardware, 4 the device's library.
   /// *pnLength comes in as the room and goes out as the length with its terminator.
-  /// Errors: -44 another identifier; -103 not told by the scanner; -702 too small or szBuffer NULL, length
-  /// stored.
+  /// Errors: -44 another identifier; -103 not reported by the scanner; -702 too small or szBuffer NULL,
+  /// length stored.
   virtual void GetVersionInfo(unsigned int nVersionId, char* szBuffer, unsigned int* pnLength);
   virtual void Beep(unsigned int nArg1, unsigned int nArg2);
   virtual void SetCaptureMode(ECaptureMode eMode) = 0;
   virtual ECaptureMode GetCaptureMode() { return m_eCaptureMode; }
 
   ECaptureState GetDetectState() const { return m_eDetectState; }
-  /// Whatever the state was. Where a worker may have gone on meanwhile its state is lost: a capture that was
-  /// delivered is taken by TakeDone.
+  /// Sets the state, whatever it was. A state that a worker has set meanwhile is lost; to take a capture that
+  /// was delivered, use TakeDone.
   void SetDetectState(ECaptureState eState) { m_eDetectState = eState; }
-  /// For a finished capture that was delivered: done becomes no finger. A state that has gone on stays.
+  /// To be called when a finished capture was delivered: "done" becomes "no finger". Any other state stays.
   void TakeDone() {
     ECaptureState eDone = eCaptureStateDone;
     m_eDetectState.compare_exchange_strong(eDone, eCaptureStateNoFinger);

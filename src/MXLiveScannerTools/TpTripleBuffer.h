@@ -50,8 +50,8 @@ class ClTpTripleBuffer {
     const int nOldReady = m_nReady;
     m_nReady = m_nWrite;
     if (m_bReadLocked && m_nPrevRead != m_nRead) {
-      // This is the first publication during a read: the item that the reader had before is free. The one
-      // that is being read is reserved in its stead, and becomes free when the read ends.
+      // This is the first publication during a read: the item that the reader had before is free and is
+      // written next. The one that is being read takes its role when the read ends.
       m_nWrite = m_nPrevRead;
       m_nPrevRead = m_nRead;
     } else {

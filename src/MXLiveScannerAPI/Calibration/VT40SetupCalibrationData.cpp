@@ -21,8 +21,7 @@ constexpr unsigned int cnNewestRevision = 7;
 /// The illumination keys.
 constexpr unsigned char caKeys[] = {16, 1, 8, 2, 4};
 
-/// Without an input a warp makes its map and nothing else. A failing one must not keep its neighbours from
-/// theirs.
+/// Without an input a warp makes its map and nothing else. A map that fails must not prevent the others.
 void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
   try {
     oWarp.m_pInImage = nullptr;
@@ -119,7 +118,7 @@ void ClVT40SetupCalibrationData::Setup(const void* pGeo, unsigned int nGeo, cons
       KLV_RAISE(ClException, "Scanner revision not supported.", -103);
     UpdateGainData(pGain, nGain);
   }
-  // Joined when it goes, so that no exception leaves while the thread works on this object.
+  // The destructor joins, so that no exception leaves this function while the thread works on this object.
   std::optional<ClHelperThread> oPrecompute;
   if (pGeo != nullptr) {
     UpdateGeometricData(pGeo, nGeo);
@@ -146,14 +145,15 @@ void ClVT40SetupCalibrationData::UpdateGainData(const void* pData, unsigned int 
   CopyBlock(pData, nSize, m_aGainRaw);
   ClMemStream oBlock(static_cast<const unsigned char*>(pData), nSize);
   m_oGain.Read(oBlock);
-  // Written and read back, either stored form becomes the five keys of the legacy one.
+  // The data are written and read back, so that either stored form is reduced to the five keys of the legacy
+  // one.
   ClMemStream oLegacy;
   m_oGain.Write(oLegacy);
   oLegacy.Open();
   m_oGain.Read(oLegacy);
   if (!m_oGain.IsValid()) KLV_RAISE(ClException, "Calibration data corrupt.", -39);
   for (const unsigned char nKey : caKeys) m_mapGainLevel[nKey] = m_oGain.GetGain(nKey);
-  // Half the gain in each of the three bytes; the mask keeps a channel's last bit out of its neighbour.
+  // Each of the three bytes is halved; the mask keeps a channel's lowest bit out of the channel below it.
   if (!m_bUsbPowered) m_mapGainLevel[1] = (m_mapGainLevel[1] >> 1) & 0x7F7F7F7F;
 }
 

@@ -26,8 +26,8 @@
 /// Units      target pictures have 500 dpi, previews 250 dpi.
 /// Ownership  keeps copies of the blocks; temporaries are kept from frame to frame, so that a frame of the
 ///            last one's kind allocates nothing.
-/// Threads    Setup and Update calls are thread-bound. Behind them preview calls, full and roll calls
-///            together, and each brightness call may have a thread of its own.
+/// Threads    Setup and Update calls are thread-bound. After them there may be a thread for preview calls,
+///            one for full and roll calls together, and one for each brightness call.
 /// Errors     -39 for data that is wrong, -201 for blocks cut short, -1 for brightness before geometry, -103
 ///            for revisions and frame sizes that are not supported, -2 for a warp whose map could not be
 ///            made.
@@ -36,8 +36,7 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   ClVT40SetupCalibrationData(const char* szSerial, bool bUsbPowered);
 
   void UpdateGeometricData(const void* pData, unsigned int nSize) override;
-  /// Makes the four maps, on two threads. A map that cannot be made is missed by the first call that needs
-  /// it.
+  /// Makes the four maps, on two threads. When a map cannot be made, the first call that needs it fails.
   void PrecomputeGeometricData() override;
   void StoreData(const char* szDirectory) override;
   unsigned int GetExposure() override;
@@ -46,7 +45,7 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   const ClCalibrateGeometricData& GetGeometricDataFull(bool bSmallImages) override;
   const ClCalibrateGeometricData& GetGeometricDataPreview(bool bSmallImages) override;
 
-  /// Lets go of the kinds of data that are named.
+  /// Drops the kinds of data that are named.
   virtual void Reset(bool bGeometric, bool bBrightness, bool bGain);
   /// Takes the blocks that are given; NULL leaves a kind as it is.
   virtual void Setup(const void* pGeo, unsigned int nGeo, const void* pBrightness, unsigned int nBrightness,
@@ -61,7 +60,7 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   void GetBrightnessData(TpArrayStatic<char>& aOut);
   bool IsUsbPowered() const { return m_bUsbPowered; }
 
-  /// Divide a picture by its brightness reference; nTarget is the grey that a white area gets.
+  /// These divide a picture by its brightness reference; nTarget is the grey that a white area gets.
   void AdjustBrightnessPreview(ClImage& oIn, ClImage& oOut, unsigned char nTarget);
   void AdjustBrightnessFull(ClImage& oIn, ClImage& oOut, unsigned char nTarget);
   void AdjustBrightnessRoll(ClImage& oIn, ClImage& oOut, unsigned char nTarget);

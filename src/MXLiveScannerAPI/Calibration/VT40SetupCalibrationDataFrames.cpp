@@ -29,7 +29,7 @@ bool HasSizeOf(const ClImage& oImage, const ClImage& oOther) {
   return oImage.HasSize(oOther.Width(), oOther.Height());
 }
 
-/// Limits a warp to the middle of the full target that a roll covers, until it goes.
+/// Limits a warp, for its own lifetime, to the middle of the full target, which a roll covers.
 class ClRollRegion {
  public:
   explicit ClRollRegion(ClIpCalibrateGeometricBase& oWarp) : m_oWarp(oWarp) { Set(400, 800, 800); }
@@ -92,7 +92,7 @@ void ClVT40SetupCalibrationData::WarpRoll(ClIpCalibrateGeometricBase& oWarp, con
                                           const ClCalibrateGeometricData& oData, ClImage& oFrame,
                                           ClImage& oOut) {
   if (oStrip.DataType() != ClImage::eUint8 || oStrip.Planes() != 1) RaiseUnsupported();
-  // Only the strip is ever written, so that the rest needs clearing once.
+  // Only the strip is ever written, so that the rest needs to be cleared only once.
   if (!HasSourceSize(oFrame, oData)) {
     oFrame.NewWithType(ClImage::eUint8, static_cast<int>(oData.m_nSourceWidth),
                        static_cast<int>(oData.m_nSourceHeight), 1, 0, 0, true);

@@ -13,7 +13,7 @@ constexpr unsigned int cnGridPoints = 64;
 constexpr unsigned int cnGridSide = 8;
 constexpr double cdMostOffGrid = 15.0;
 constexpr uint32_t cnTargetSize = 1600;
-/// Beyond any sensor: what allocates by the size of a frame stays in bounds.
+/// No sensor is larger: the limit bounds what is allocated by the size of a frame.
 constexpr uint32_t cnMostSource = 16384;
 /// The smallest frame is an eighth of the width and a quarter of the height.
 constexpr uint32_t cnLeastSource = 8;
@@ -58,12 +58,12 @@ void ClVT40SetupCalibrationData::UpdateGeometricData(const void* pData, unsigned
   ClCalibrateGeometricData oData;
   oData.Read(oBlock);
   oData.m_nBackground = 0;
-  // The frames have one plane, and a map for more would refuse them all.
+  // The frames have one plane: with a map for more planes every frame would be refused.
   if (oData.m_nPlanes != 1 || oData.m_nTargetWidth != cnTargetSize || oData.m_nTargetHeight != cnTargetSize) {
     RaiseInvalid();
   }
   CheckPoints(oData);
-  // Scanners of the first revision are not held to the target's grid.
+  // On scanners of the first revision the points need not form the target's grid.
   if (m_nScannerRevision != 0) ClIpCalibrateGeometricBuildRefPointsVT40Donut().ValidateCalibrationData(oData);
   RepairPoints(oData.m_aActual[0]);
   m_GeoFull = oData;

@@ -19,8 +19,8 @@ constexpr int cnMiniWidth = 360;
 constexpr int cnMiniHeight = 256;
 constexpr long cnProfileFilterWidth = 15;
 
-/// A centre near the border leaves the frame to the left or above: the difference is negative, and ClIpCut
-/// judges it.
+/// With a centre near the edge the window begins left of the frame or above it: the difference is negative,
+/// and ClIpCut refuses it.
 long WindowStart(uint32_t nCentre, uint32_t nExtent) {
   return static_cast<int32_t>(nCentre - nExtent / 2);
 }

@@ -38,11 +38,11 @@ class ClVT4SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   void CalibratePreview(ClImage&, ClImage&) override {}
 
   virtual void Reset(bool bGeometric, bool bBrightness);
-  /// The supplemental block is of no use here.
+  /// The supplemental block is not used.
   virtual void Setup(const void* pGeo, unsigned int nGeo, const void* pSupplemental,
                      unsigned int nSupplemental);
   virtual void UpdateSupplementalData(const void*, unsigned int) {}
-  /// The window as 360 by 256 pixels, as bright as it came.
+  /// The window as 360 by 256 pixels, with its brightness unchanged.
   virtual void CalibrateMini(ClImage& oIn, ClImage& oOut);
   virtual void CalibrateWhite(ClImage&, ClImage&, ClImage&, ClImage&) {}
 

@@ -14,7 +14,7 @@ class ClIpLiveScannerMask;
 /// Serial number, revision, geometry, gains and mask processors of a scanner, and the operations that rectify
 /// its frames.
 ///
-/// A serial number tells the model in its first four characters, "VT40" for ten fingers, "VT4" and anything
+/// A serial number names the model in its first four characters, "VT40" for ten fingers, "VT4" and anything
 /// else for one, and the revision in two letters: "VT40-AB0001", "VT41AB0001".
 ///
 /// Ownership  keeps copies of all data; the mask processors belong to the concrete class.
@@ -28,7 +28,7 @@ class ClVTSetupCalibrationDataBase {
 
   /// Takes the stored record of point correspondences.
   virtual void UpdateGeometricData(const void* pData, unsigned int nSize) = 0;
-  /// Does the costly part of what the geometry needs.
+  /// Computes the costly part of what the geometry needs.
   virtual void PrecomputeGeometricData() {}
   /// Writes the blocks as they were given into files of the directory.
   virtual void StoreData(const char* szDirectory);

@@ -8,9 +8,9 @@
 
 namespace {
 
-/// Frames after a capture that were exposed under changed settings.
+/// The number of frames after a capture that were exposed while the settings changed.
 constexpr int cnSpoiledFrames = 2;
-/// How long the light stays that tells fingers that they were captured.
+/// How long the light stays on that shows that the fingers were captured.
 constexpr long cnPauseMs = 150;
 /// The last revision of scanners whose captures the liveness library can judge.
 constexpr unsigned int cnLastJudgedRevision = 6;
@@ -78,7 +78,7 @@ void ClAutoMode::Capture(const ClImage& oMask) {
     if (m_bLive) MeasureScore();
     m_oFull.KeepPreviewMask(oMask);
   }
-  // In this order: whoever sees the state or the offer finds the picture and its score.
+  // The picture and its score are set before: whoever sees the state or the offer finds them complete.
   m_oFull.Offer();
   m_oRooms.oReport.eState =
       bGood ? ClVTLiveCaptureBase::eCaptureStateDone : ClVTLiveCaptureBase::eCaptureStateFinger;
@@ -95,7 +95,7 @@ bool ClAutoMode::Shoot() {
     m_oFull.AssertHeld();
     m_oFull.Rectify();
   });
-  // The rectifying worker of the preview waits for the sensor: its raw frame stands still.
+  // The rectifying worker of the preview waits for the sensor, so that its raw frame does not change.
   const bool bGood = m_oFull.IsGood(m_oRoad.Raw());
   if (bGood) {
     m_oRooms.oReport.Beep();

@@ -27,7 +27,7 @@ class ClAutoMode : public ClPreviewMode {
   const bool m_bLive;
   ClDirtMeter m_oMeter;          // the rectifying worker's
   ClFingerDetector m_oDetector;  // the masking worker's
-  int m_nSkipFrames = 0;  // likewise: frames to drop, which were exposed while the sensor was being set
+  int m_nSkipFrames = 0;  // likewise; frames to drop, which were exposed while the sensor was being set
   std::atomic<bool> m_bResetMeter{false};
   std::atomic<bool> m_bResetDetector{false};
 };

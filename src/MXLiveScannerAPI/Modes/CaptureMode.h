@@ -13,13 +13,13 @@ class ClRollAssembly;
 class ClSignaturePad;
 struct StSignatureSettings;
 
-/// The words of the engine that its callers read, as modes write them.
+/// The variables of the engine that modes write and callers read.
 ///
 /// Threads  thread-safe.
 struct StCaptureReport {
   using ECaptureState = ClVTLiveCaptureBase::ECaptureState;
 
-  /// Sounds where the application wants it to.
+  /// Beeps if the application has asked for it.
   void Beep() const;
 
   ClMXVTScanAPIHandleBase& oScanner;
@@ -37,7 +37,7 @@ struct StCaptureRooms {
   const bool bSmallImages;
   ClVT40Sensor& oSensor;
   ClFullCapture& oFull;
-  ClFrameBuffer& oFrames;  ///< to callers, who may still wait for a frame when the mode has gone
+  ClFrameBuffer& oFrames;  ///< to callers, who may still wait for a frame when the mode is gone
   ClLivenessDetector& oLiveness;
   ClRollAssembly& oRoll;
   ClSignaturePad& oPad;
@@ -58,7 +58,7 @@ class ClCaptureMode {
   ClCaptureMode& operator=(const ClCaptureMode&) = delete;
   virtual ~ClCaptureMode() = default;
 
-  /// What the sensor is set for while the mode is active; nothing in a mode that sets it for each shot.
+  /// The row that the sensor is set for while the mode is active; none in a mode that sets it for each shot.
   virtual std::optional<ClVT40Sensor::ERow> Row() const { return std::nullopt; }
   /// Forgets what was gathered. Workers may be running.
   virtual void Reset() {}

@@ -9,12 +9,12 @@
 
 namespace {
 
-/// How often a worker that is to end is woken until it has.
+/// The interval at which a worker that is to end is woken until it has ended.
 constexpr long cnWakeIntervalMs = 20;
 
-/// Nothing leaves a thread: the reason of a failure is the worker's last word.
+/// No exception may leave a thread: the reason of a failure is printed, and the worker ends.
 void Run(const std::function<void()>& fnBegin, const std::function<void()>& fnPass) noexcept {
-  // Only the end of a pass looks for an interruption, so that a frame in progress always finishes.
+  // An interruption is noticed only between passes, so that a frame in progress is always finished.
   boost::this_thread::disable_interruption oNoInterruption;
   try {
     if (fnBegin) fnBegin();

@@ -1,12 +1,12 @@
-// A thread that does the same for one frame after the other.
+// A thread that repeats one step for frame after frame.
 #pragma once
 
 #include <boost/thread/thread.hpp>
 #include <functional>
 
 /// Threads  the owner's calls are thread-bound.
-/// Errors   what a pass raises ends the worker; its reason is printed on standard output, and callers learn
-///          of it as of a lost scanner, by a time-out.
+/// Errors   what a pass raises ends the worker; its reason is printed on standard output, and callers notice
+///          it, like a lost scanner, by a time-out.
 class ClFrameWorker {
  public:
   ClFrameWorker() = default;
@@ -18,7 +18,7 @@ class ClFrameWorker {
   void Start(const char* szName, std::function<void()> fnPass, std::function<void()> fnBegin = nullptr);
   /// A pass in progress finishes; no other follows.
   void Interrupt() { m_oThread.interrupt(); }
-  /// Waits for the end of an interrupted worker, and wakes it again and again from what it may wait for.
+  /// Waits for the end of an interrupted worker, and repeatedly wakes it from whatever it may wait for.
   void Join(const std::function<void()>& fnWake);
 
  private:

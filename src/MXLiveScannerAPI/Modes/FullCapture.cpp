@@ -7,11 +7,11 @@
 
 namespace {
 
-/// The mask processor that captures use while streams use the first.
+/// The mask processor that captures use; streams use the first.
 constexpr unsigned int cnShotMask = 1;
 constexpr unsigned char cnWhiteGrey = 255;
 constexpr unsigned char cnBlackGrey = 0;
-/// Standard deviation of the raw difference up to which the platen is empty.
+/// Up to this standard deviation of the raw difference the platen is empty.
 constexpr double cdEmptyDeviation = 3.0;
 
 void NewPicture(ClImage& oImage, const ClFrameRoad::StSize& oSize) {

@@ -1,4 +1,4 @@
-// The full-resolution capture: the shot, its pictures, and what is left of it to fetch.
+// The full-resolution capture: the shot, its pictures, and whether it can still be fetched.
 #pragma once
 
 #include <atomic>
@@ -36,7 +36,8 @@ class KLV_CAPABILITY("mutex") ClFullCapture {
   void Shoot(ClVT40Sensor& oSensor) KLV_REQUIRES(this, oSensor);
   void Rectify() KLV_REQUIRES(this);
   void Mask() KLV_REQUIRES(this);
-  /// Both; an empty platen, which differs by noise alone, becomes black and white at once.
+  /// Does both. An empty platen, whose difference is noise alone, at once becomes a black picture and a white
+  /// mask.
   void RectifyAndMask() KLV_REQUIRES(this);
 
   /// Whether the fingers of the preview before the shot were still there.
@@ -55,7 +56,7 @@ class KLV_CAPABILITY("mutex") ClFullCapture {
   bool IsOffered() const { return m_nFramesSinceCapture < cnNoCapture; }
   /// To be called for each frame of the preview.
   void CountFrame() {
-    // Beyond the window the count has nothing to tell, and must not wrap into it.
+    // Once the offer has ended, the count must not go on: it would wrap, and the offer would begin again.
     if (IsOffered()) ++m_nFramesSinceCapture;
   }
 

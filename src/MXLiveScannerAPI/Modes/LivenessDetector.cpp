@@ -41,7 +41,7 @@ ClLivenessDetector::ClLivenessDetector() {
   } catch (const ClExBadAlloc&) {
     throw;
   } catch (const ClException&) {
-    // The library is optional: whoever needs it finds no context.
+    // The library is optional: IsAvailable reports that there is no context.
   }
 }
 

@@ -20,7 +20,7 @@ class ClLivenessDetector {
   bool IsAvailable() const { return m_hContext != nullptr; }
   /// The score of a rectified capture and its mask, 0 when the library fails.
   double Score(const ClImage& oPicture, const ClImage& oMask);
-  /// For scanners without liveness lights: 15 to 90, drawn by the time of day.
+  /// The score for scanners without liveness lights: 15 to 90, drawn by the time of day.
   static double DrawnScore();
 
  private:

@@ -12,7 +12,7 @@ void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dSc
   TpUndo oUndo([this] { m_oScanner.EnableCaptureThread(false); });
   m_oFull.Shoot(m_oSensor);
   {
-    // While the capture sequence is being closed.
+    // The picture is rectified while the capture sequence is being closed.
     ClHelperThread oRectifying([this] {
       m_oFull.AssertHeld();
       m_oFull.RectifyAndMask();

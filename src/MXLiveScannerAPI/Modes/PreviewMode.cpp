@@ -34,7 +34,7 @@ void ClPreviewMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dSc
 }
 
 void ClPreviewMode::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
-  // Read before the wait: the state may be a frame older than the image, never newer.
+  // The state is read before the wait: it may be a frame older than the image, but never newer.
   eState = m_oRooms.oReport.eState;
   Fetch(oImage, cnPreviewWaitSeconds, "timeout during preview image reading");
   dScore = m_oRooms.oReport.dScore;

@@ -18,7 +18,7 @@ class ClRawSequenceLock {
     try {
       if (!m_bReleased) m_oScanner.ReleaseRawSequence(&m_pSequence);
     } catch (...) {
-      // Already on the way out with another failure.
+      // Another failure is already being reported.
     }
   }
 

@@ -14,14 +14,14 @@ void ClRollMode::Publish(TpReadLock<ClImage>& oFrame) {
     m_oRooms.oReport.eState = ClVTLiveCaptureBase::eCaptureStateFinger;
   }
   oWrite.Publish();
-  // After the picture, so that whoever sees the end finds the finished print.
+  // The state follows the picture, so that whoever sees the end finds the finished print.
   if (oOutcome.eState == ClIpAutoRoll::eStateFinished) ReportFinished(oOutcome.nVerdict);
 }
 
 void ClRollMode::ReportFinished(long nVerdict) {
   const StCaptureReport& oReport = m_oRooms.oReport;
   oReport.nReturnCode = nVerdict;
-  // Once a roll: the caller who has seen the end exchanges it for "no finger".
+  // The end is reported once: the call that has seen it resets the state to "no finger".
   ECaptureState eRolling = ClVTLiveCaptureBase::eCaptureStateFinger;
   if (oReport.eState.compare_exchange_strong(eRolling, ClVTLiveCaptureBase::eCaptureStateDone))
     oReport.Beep();

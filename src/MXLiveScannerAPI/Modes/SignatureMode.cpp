@@ -12,7 +12,8 @@ constexpr unsigned int cnSignatureWaitSeconds = 15;
 constexpr unsigned char cnSignatureGrey = 192;
 constexpr unsigned int cnPadRows = 800;
 constexpr unsigned int cnFramesPerPreview = 3;
-/// Gives a thin line that the Gaussian filter has spread its full brightness back, times its deviation.
+/// Times the deviation of the Gaussian filter, this restores the full brightness of a thin line that it has
+/// spread.
 constexpr double cdSqrtTwoPi = 2.5066282746310002;
 
 }  // namespace
@@ -59,7 +60,7 @@ void ClSignatureMode::FollowPass() {
   oWrite.Publish();
 }
 
-/// A completion is reported once: the state that the call before saw decides, whichever engine that was.
+/// A completion is reported once: what the last call saw decides, even if that was a call of another engine.
 ClSignatureMode::ECaptureState ClSignatureMode::TakeState() {
   static std::atomic<ECaptureState> s_eSeen{ClVTLiveCaptureBase::eCaptureStateNone};
   const ECaptureState eState = m_oRooms.oReport.eState;

@@ -38,7 +38,7 @@ class ClSignatureMode : public ClCaptureMode {
   void GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) override;
 
  private:
-  /// What makes ink of strokes.
+  /// The processors that make ink of strokes.
   struct StInk {
     ClIpFilterGauss oFilter;
     ClIpScale oScale;

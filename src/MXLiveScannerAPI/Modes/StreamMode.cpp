@@ -20,8 +20,8 @@ ClStreamMode::ClStreamMode(const StCaptureRooms& oRooms, ClFrameRoad::EKind eKin
 }
 
 void ClStreamMode::Start() {
-  // Waiting for a rolled print takes no lock of the engine: while such a call reads, this raises and its
-  // frame stays.
+  // A call that waits for a rolled print holds no lock of the engine: while it reads a frame, this raises,
+  // and the frame stays.
   m_oRooms.oFrames.Renew(m_oSize.nWidth, m_oSize.nHeight);
   m_oRectifying.Start("vt40-rectify", [this] { RectifyPass(); });
   m_oMasking.Start("vt40-mask", [this] { MaskPass(); });

@@ -13,7 +13,7 @@ namespace {
 
 using Scanner = ClMXVTScanAPIHandleBase;
 
-/// Lights of the longest sequence.
+/// The number of lights of the longest sequence.
 constexpr size_t cnMaxLights = 6;
 // Lights of a frame, as the scanner numbers them: none, white, and the four colours.
 constexpr unsigned long long cnDarkLight = 0;
@@ -59,7 +59,7 @@ void ClVT40Sensor::Select(ERow eRow) {
   const StSetting oSetting = SettingOf(eRow);
   SetExposure(oSetting.nExposure);
   if (IsSignature(eRow)) {
-    // Only lit frames: ambient light stands still, as does everything but the pen.
+    // There are only lit frames: the detector removes what does not move, and so the ambient light.
     SetSequence(oSetting.nScanMode, 1, {cnWhiteLight}, 1);
   } else {
     // One dark and one lit frame: their difference cancels the ambient light.
@@ -84,7 +84,7 @@ void ClVT40Sensor::SetExposure(unsigned int nExposure) {
 
 void ClVT40Sensor::SetSequence(int nScanMode, unsigned int nEntries,
                                std::initializer_list<unsigned long long> aLights, unsigned int nLights) {
-  // A copy on the stack: the scan library takes the words as its own to write.
+  // The words are copied, since the scan library may write to them.
   unsigned long long aWords[cnMaxLights] = {};
   std::copy(aLights.begin(), aLights.end(), aWords);
   // Frames of another size than the one asked for would be read past their end.

@@ -9,8 +9,8 @@
 class ClMXVTScanAPIHandleBase;
 class ClVT40SetupCalibrationData;
 
-/// Whoever sets the sensor, or reads sequences that others set, holds it by its lock. It is served in order
-/// of arrival, so that a capture gets in between two frames of a stream.
+/// Whoever sets the sensor, or reads sequences while others may set it, holds its lock. The lock serves its
+/// callers in the order of arrival, so that a capture gets in between two frames of a stream.
 ///
 /// Ownership  neither scanner nor calibration state is owned; both outlive it.
 /// Threads    the lock is thread-safe, and so is what requires it. ReadLit is for the one worker of a mode in
@@ -35,11 +35,11 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   void Select(ERow eRow) KLV_REQUIRES(this);
   /// The preview's row under the lights that the liveness library asks for, one sequence after the other.
   void SelectLivenessLights() KLV_REQUIRES(this);
-  /// The preview's row under one light, by which fingers see that they were captured.
+  /// The preview's row under one light, which shows that the fingers were captured.
   void SelectCapturedLight() KLV_REQUIRES(this);
 
-  /// Waits for the next sequence; the image, which has the size of its frames, becomes its lit less its dark
-  /// frame.
+  /// Waits for the next sequence; the image, which has the size of its frames, becomes the lit frame less the
+  /// dark one.
   void ReadDifference(ClImage& oDifference) KLV_REQUIRES(this);
   /// Waits for the next sequence and gives it back unread.
   void SkipSequence() KLV_REQUIRES(this);
@@ -75,7 +75,7 @@ class ClPreviewRowGuard {
   ClPreviewRowGuard(const ClPreviewRowGuard&) = delete;
   ClPreviewRowGuard& operator=(const ClPreviewRowGuard&) = delete;
   ~ClPreviewRowGuard();
-  /// The way out that reports a failure.
+  /// Restores the row and reports a failure.
   void Restore();
 
  private:

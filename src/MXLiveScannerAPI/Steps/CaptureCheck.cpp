@@ -1,4 +1,4 @@
-// The light of a capture beside that of the preview before it.
+// Compares the light of a capture with that of the preview before it.
 #include "MXLiveScannerAPI/CaptureCheck.h"
 
 #include <algorithm>
@@ -8,11 +8,11 @@
 namespace {
 
 constexpr unsigned char cnEvenGrey = 255;
-/// Wider than ridges, and narrower than fingers.
+/// The width of a window that is wider than ridges and narrower than fingers.
 constexpr long cnSoftWidth = 51;
 /// A pixel of the preview that is brighter than this is lit.
 constexpr int cnUnlitGrey = 16;
-/// Per cent of the preview's light up to which a lit pixel counts as darker.
+/// A lit pixel counts as darker up to this percentage of the preview's light.
 constexpr int cnDarkerPercent = 74;
 
 }  // namespace

@@ -16,8 +16,9 @@ class ClCaptureCheck {
  public:
   bool IsGood(ClVT40SetupCalibrationData& oSetup, ClImage& oFullRaw, ClImage& oPreviewRaw);
 
-  /// The decision, from two evenly lit and softened pictures of one scale. Margins of a tenth of the width to
-  /// both sides and of the height at the end do not count. A picture too small for what remains is not good.
+  /// The decision, from two evenly lit and softened pictures of one scale. Margins of a tenth of the width on
+  /// both sides, and of a tenth of the height at the end, do not count. A picture that is too small to have
+  /// more than margins is not good.
   static bool KeepsItsLight(const ClImage& oPreview, const ClImage& oCapture);
 
  private:

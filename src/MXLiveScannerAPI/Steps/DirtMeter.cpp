@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Brightness of the brightest tenth of the platen up to which nothing lies on it.
+/// Up to this brightness of its brightest tenth the platen is empty.
 constexpr double cdEmptyBrightness = 24.0;
 /// A speck differs from its surroundings by more than this in the sum over the ring.
 constexpr uint16_t cnSpeckDeviation = 22;

@@ -1,4 +1,4 @@
-// Tells a covered platen from an empty one, and how dirty the empty one is.
+// Finds out whether the platen is covered and, when it is empty, how dirty it is.
 #pragma once
 
 #include "MXImageProcessing/Histogram.h"

@@ -86,9 +86,8 @@ void ClFrameRoad::Rectify(ClImage& oOut) {
 void ClFrameRoad::RectifyShot(ClImage& oOut) {
   Balance();
   Warp();
-  // Only here the brightness comes before the flip: the reference meets the picture as the sensor sees it,
-  // whereas in a stream it meets the flipped one. Both orders are part of what captures have always looked
-  // like.
+  // Only here the brightness comes before the flip: the reference is applied to the picture as the sensor
+  // sees it, but in a stream to the flipped one. Both orders have always been part of how pictures look.
   Adjust(m_oWarped, m_oBalanced);
   m_oFlip.ApplyParam(m_oBalanced, oOut, true, false);
 }

@@ -1,4 +1,4 @@
-// The road of one kind of frame, from the raw planes to the masked picture.
+// The way of one kind of frame from the raw planes to the masked picture.
 #pragma once
 
 #include "MXImageProcessing/IpFlip.h"

@@ -1,4 +1,4 @@
-// The life of a roll: its beginning, its frames, its end and what is made of it then.
+// The life of a roll: its beginning, its frames, its end, and the verdict.
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 
 #include <algorithm>
@@ -12,18 +12,19 @@
 namespace {
 
 constexpr double cdMaxTwist = 0.39269908169872414;  // pi / 8
-/// Frames off the mean angle from which on a finger counts as twisted, less 1; the same for slipped frames.
+/// With more frames than this off the mean angle a finger counts as twisted, and after a longer run of
+/// slipped frames as slipped.
 constexpr int cnMaxTwisted = 2;
 constexpr int cnMaxSlipped = 2;
-/// Columns that the centre must move over three frames for a direction.
+/// By how many columns the centre must move over three frames to show a direction.
 constexpr double cdMinShift = 20.0;
 /// Share of the merged print that a single frame may show at most.
 constexpr double cdMaxFlatShare = 0.7;
-/// Dark pixels in the middle of a frame up to which there is no finger.
+/// Up to this number of dark pixels in the middle of a frame there is no finger.
 constexpr int cnEmptyPixels = 1000;
 constexpr unsigned char cnDarkGrey = 128;
 
-/// Of the whole numbers from 0 to n - 1.
+/// The sums of the whole numbers from 0 to n - 1, and of their squares.
 constexpr int64_t SumBelow(int64_t n) {
   return n * (n - 1) / 2;
 }

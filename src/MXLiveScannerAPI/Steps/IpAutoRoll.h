@@ -14,17 +14,19 @@
 #include "MXImageProcessing/NewIp1to1Base.h"
 #include "MXTools/Vector.h"
 
-/// Nobody tells it when a roll begins or ends: a finger in the frame begins one, an empty frame ends it. Each
-/// frame adds the strip that newly came into contact to the merged image, and the movement is graded.
+/// It finds out by itself when a roll begins or ends: a finger in the frame begins one, an empty frame ends
+/// it. Each frame adds the strip that newly came into contact to the merged image, and the movement is
+/// judged.
 ///
-/// Domain     masked frames, eUint8, one plane: fingers dark on 255. The size may change only behind
+/// Domain     masked frames, eUint8, one plane: fingers dark on 255. The size may change only after
 ///            ResetProcessor.
-/// Range      the output is the merged image so far, behind a roll the finished one until the next begins.
+/// Range      the output is the merged image so far; after a roll it is the finished one until the next roll
+///            begins.
 /// Ownership  keeps no frame beyond a call.
 /// Threads    thread-bound.
-/// Errors     returned, and no failures, the grade of the roll: -801 the ridges slipped, -802 too fast, -803
-///            turned back, -804 twisted, -805 too small. Raised: -14 a size of 0, -701 no output, -44 another
-///            size in mid-stream.
+/// Errors     the verdict on the roll is returned and is no failure: -801 the ridges slipped, -802 too fast,
+///            -803 turned back, -804 twisted, -805 too small. Raised: -14 a size of 0, -701 no output, -44
+///            another size in mid-stream.
 /// Cost       some ten mean filters and one labelling a frame; nothing is allocated from the second roll on.
 class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
  public:
@@ -40,9 +42,9 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   ClIpAutoRoll();
 
   int GetProcessorState() const { return m_nProcessorState; }
-  /// 0 or the grade of the roll that is running or finished.
+  /// 0 or the verdict on the roll that is running or finished.
   long GetReturnCode() const { return m_nReturnCode; }
-  /// On: finished rolls are centred and turned upright.
+  /// When set, finished rolls are centred and turned upright.
   void SetAutoRotate(bool bAutoRotate) { m_bAutoRotate = bAutoRotate; }
   /// Drops the roll; the next finger begins on a white image.
   void ResetProcessor();
@@ -68,7 +70,8 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   /// Towards higher x, towards lower x, not yet known.
   enum EDirection : int { eDirectionForward = 0, eDirectionBack = 1, eDirectionUnknown = 2 };
 
-  /// Side of the windows in which a print is one piece, and in which ridges are darker than the mean.
+  /// The side of the mean's windows: over them a print becomes one piece, and ridges are darker than the
+  /// mean.
   static constexpr long cnBlobWidth = 15;
   static constexpr double cdWhite = 255.0;
 
@@ -100,7 +103,7 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   ClImage m_oRotated;
   std::vector<stMomentMeasures> m_aMoments;
   int m_nMaxArea = 0;
-  /// Root of the mean squared difference of two frames' ridges from which they have slipped.
+  /// Ridges have slipped when the root of the mean squared difference of two frames exceeds this.
   double m_dSlipThreshold = 85.0;
   int m_nMaxSlipRun = 0;
   int m_nSlipRun = 0;

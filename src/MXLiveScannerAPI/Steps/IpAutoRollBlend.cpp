@@ -8,10 +8,10 @@
 namespace {
 
 constexpr double cdMiddleGrey = 128.0;
-/// Pixels that a frame must share with the merged print.
+/// The number of pixels that a frame must share with the merged print.
 constexpr size_t cnMinShared = 500;
 
-/// Two images of one size and type.
+/// Takes two images of one size and type.
 void ApplyAnd(ClIpAnd& oAnd, ClImage& oFirst, ClImage& oSecond, ClImage& oOut) {
   oAnd.ApplyParam(oFirst, oSecond, oOut, ClImage::cnTypeDefault);
 }
@@ -20,7 +20,7 @@ size_t SamplesOf(const ClImage& oImage) {
   return static_cast<size_t>(oImage.Width());
 }
 
-/// Of an image of 0 and 255.
+/// Inverts an image of 0 and 255.
 void InvertBinary(ClImage& oImage) {
   for (int y = 0; y < oImage.Height(); ++y) {
     uint8_t* pRow = oImage.Row<uint8_t>(y);
@@ -53,17 +53,17 @@ void ClIpAutoRoll::MakeWeights() {
   ApplyAnd(m_oAnd, m_oMergedFinger, m_oFrameFinger, m_oShared);
   m_oMean.ApplyParam(m_oFrameFinger, m_oSoftFrame, 11);
   m_oMean.ApplyParam(m_oShared, m_oSoftShared, 11);
-  // Where the frame differs from what it shares with the merged print, and a margin of that.
+  // The strip is where the frame differs from what it shares with the merged print, and a margin around it.
   m_oDelta.ApplyParam(m_oSoftShared, m_oSoftFrame, m_oDifference, ClImage::cnTypeDefault);
   m_oBinarize.ApplyParam(m_oDifference, m_oShared, 2.0);
   InvertBinary(m_oShared);
   m_oMean.ApplyParam(m_oShared, m_oStrip, 11);
   m_oBinarize.ApplyParam(m_oStrip, m_oShared, 2.0);
-  // What the frame shows of the finger.
+  // The strip is limited to the area that the finger covers in the frame.
   m_oBinarize.ApplyParam(m_oSoftFrame, m_oFrameArea, 253.0);
   InvertBinary(m_oFrameArea);
   ApplyAnd(m_oAnd, m_oFrameArea, m_oShared, m_oStrip);
-  // Soft edges make no seams.
+  // The edges are softened, so that they leave no seams.
   m_oMean.ApplyParam(m_oStrip, m_oShared, 5);
   m_oMean.ApplyParam(m_oShared, m_oStrip, 7);
 }
@@ -102,7 +102,7 @@ void ClIpAutoRoll::CheckSlippageBetweenImages() {
                                       m_oArea.Row<uint8_t>(y), m_oLastArea.Row<uint8_t>(y),
                                       SamplesOf(m_oArea), oTotal);
   }
-  // Without a pixel in common the root is no number, which lies above no threshold.
+  // Without a pixel in common the root is NaN, which is above no threshold.
   const double dDifference =
       std::sqrt(static_cast<double>(oTotal.m_nSum) / static_cast<double>(oTotal.m_nCount));
   if (dDifference > m_dSlipThreshold) {

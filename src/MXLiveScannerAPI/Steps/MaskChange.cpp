@@ -7,7 +7,7 @@ namespace {
 
 /// Grey values of finger pixels in a masked image.
 constexpr unsigned char cnLastFingerGrey = 160;
-/// Finger pixels, at preview size, up to which nothing usable lies on the platen.
+/// Up to this number of finger pixels, at preview size, nothing usable lies on the platen.
 constexpr int cnTooFewPixels = 1000;
 
 }  // namespace

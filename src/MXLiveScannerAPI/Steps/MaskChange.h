@@ -12,14 +12,14 @@
 /// Threads  thread-bound.
 class ClMaskChange {
  public:
-  /// bSkipTop: the upper fifth does not count, which the first scanners see badly.
+  /// With bSkipTop the upper fifth, which the first scanners see badly, does not count.
   explicit ClMaskChange(bool bSkipTop) : m_bSkipTop(bSkipTop) {}
 
   /// True for a capture with enough finger pixels that has lost few of the preview's.
   bool IsComplete(ClImage& oPreviewMask, ClImage& oCaptureMask);
 
  private:
-  /// Pixels of the first that the second has no more, less those that it has in addition.
+  /// The pixels of the first mask that the second no longer has, less those that it has in addition.
   int NetLoss(ClImage& oFirst, ClImage& oSecond);
   int FingerPixels(const ClImage& oMask);
 

@@ -1,4 +1,4 @@
-// The steps from a frame to the place of a pen.
+// The steps from a frame to the position of a pen.
 #include "MXLiveScannerAPI/PenDetector.h"
 
 #include <algorithm>
@@ -7,18 +7,20 @@
 
 namespace {
 
-/// The pad's contrast is low: grey values count four times.
+/// The pad's contrast is low, so that grey values are multiplied by four.
 constexpr double cdContrast = 4.0;
 constexpr long cnAreaWidth = 5;
 constexpr long cnTipWidth = 3;
 
-/// Change of a pixel up to which nothing has touched the glass.
+/// When no pixel has changed by more than this, nothing touches the glass.
 constexpr int cnNoTouch = 32;
-/// What belongs to a tip, and what to a large object: squared distance from the brightest pixel, and change.
+/// What belongs to a tip or to a large object lies within a squared distance of the brightest pixel, and has
+/// changed by at least so much.
 constexpr int cnTipReach = 99, cnTipChange = 11;
 constexpr int cnLargeReach = 2499, cnLargeChange = 4;
 constexpr int cnLargeSide = 49;
-/// More pixels than a pen ever shows, fewer than it always does, and how far they may be scattered.
+/// A pen never shows more pixels than the first, never fewer than the second, and its pixels scatter less
+/// than the third.
 constexpr int cnLargePixels = 300;
 constexpr int cnTipPixels = 5;
 constexpr double cdTipVariance = 15.0;
@@ -89,7 +91,7 @@ ClPenDetector::StSight ClPenDetector::LookForPen() {
   return Classify(oNear, oWide);
 }
 
-/// The first in row order among equals.
+/// Among equally bright pixels the first in row order is taken.
 ClPenDetector::StPlace ClPenDetector::FindBrightest() const {
   StPlace oBrightest;
   for (int y = m_nFirstY; y < m_nEndY; ++y) {
@@ -109,7 +111,7 @@ ClPenDetector::StSight ClPenDetector::Classify(const StSpot& oNear, const StSpot
     return oSight;
   }
   if (oNear.nCount < cnTipPixels) return oSight;
-  // Halved frames: twice the sums, four times the squares.
+  // The frames are halved: positions count twice, their squares four times.
   const double dCount = oNear.nCount;
   const double dMeanX = 2.0 * oNear.nX / dCount;
   const double dMeanY = 2.0 * oNear.nY / dCount;

@@ -10,7 +10,7 @@
 /// Compares each frame with the mean of the last eight and with the one before.
 ///
 /// Domain     lit frames of one size, flattened to the signature's target grey.
-/// Units      places in pixels of the whole frame, x mirrored: from its right edge.
+/// Units      positions in pixels of the whole frame; x is mirrored and counts from its right edge.
 /// Ownership  keeps copies at half the size; no frame beyond a call.
 /// Threads    thread-bound.
 /// Cost       some passes over a quarter of the pixels; allocates with the first two frames only.
@@ -25,14 +25,14 @@ class ClPenDetector {
 
   struct StSight {
     EKind eKind = eNothing;
-    // Of a pen: its place, and the number of pixels that tell it.
+    // A pen's position, and the number of pixels that it is the mean of.
     double dX = 0.0;
     double dMeanY = 0.0;
     int nWeight = 0;
     double dWide = 0.0;  ///< x of a large object
   };
 
-  /// bHalfHeight: frames show the upper half of the pad, and are searched down to its end.
+  /// With bHalfHeight frames show the upper half of the pad, and are searched down to their last row.
   ClPenDetector(int nWidth, int nHeight, bool bHalfHeight);
 
   /// Scales the frame in place.
@@ -44,7 +44,7 @@ class ClPenDetector {
     int nY = 0;
     int nValue = 0;
   };
-  /// Pixels of a spot, and sums over their places.
+  /// The number of pixels of a spot, and sums over their positions.
   struct StSpot {
     int nCount = 0;
     int nX = 0, nY = 0;

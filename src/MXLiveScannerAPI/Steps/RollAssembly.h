@@ -5,7 +5,7 @@
 
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 
-/// A step over ClIpAutoRoll, with what other threads may ask of it in between.
+/// A step with ClIpAutoRoll, of which other threads may request things between frames.
 ///
 /// Threads  thread-bound, but for RequestReset and SetAutoRotate, which are thread-safe: they take effect
 ///          with the next frame.
@@ -17,7 +17,7 @@ class ClRollAssembly {
     long nVerdict;  ///< 0 or -801 to -805
   };
 
-  /// Drops the roll: the next frame meets a white print.
+  /// Drops the roll: the next frame begins on a white print.
   void RequestReset() { m_bReset = true; }
   /// Whether finished rolls are centred and turned upright.
   void SetAutoRotate(bool bAutoRotate) { m_bAutoRotate = bAutoRotate; }

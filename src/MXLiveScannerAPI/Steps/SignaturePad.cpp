@@ -28,7 +28,7 @@ ClSignaturePad::StOutcome ClSignaturePad::Follow(const ClPenDetector::StSight& o
   } else if (oSight.eKind != ClPenDetector::ePen) {
     m_oStrokes.EndStroke();
   } else if (m_oStrokes.AddPoint(oSight.dX, oSight.dMeanY, oSight.nWeight)) {
-    // The pen is back: what it wrote before was another signature.
+    // The pen writes again after the pause: the points before belong to another signature.
     if (m_oTiming.HasPaused(nNow, dDetectTime)) m_oStrokes.Clear();
     m_oTiming.Touch(nNow);
   }

@@ -1,4 +1,4 @@
-// What a pen has written on the platen, from sight to sight.
+// What a pen has written on the platen, gathered from frame to frame.
 #pragma once
 
 #include "MXLiveScannerAPI/PenDetector.h"
@@ -19,12 +19,12 @@ class ClSignaturePad {
     bool bJustDone;  ///< the first frame of a completion
   };
 
-  /// Begins a signature on a pad of so many preview rows. Strokes of a pad of that height stay in the
-  /// preview.
+  /// Begins a signature on a pad of that many preview rows. When the height stays the same, the preview keeps
+  /// its strokes.
   void Start(int nPreviewHeight, Ticks nNow);
   /// Forgets the strokes.
   void Clear();
-  /// Forgets where a hand was.
+  /// Forgets the positions of a hand.
   void ResetSwipe();
   /// To be called for each frame. dDetectTime is the pause, in seconds, that completes a signature; 0 for
   /// never.

@@ -12,9 +12,9 @@ constexpr int cnFullWidth = 1600;
 constexpr int cnFullRows = 800;
 constexpr int cnSensorWidth = 960;
 constexpr int cnSensorRows = 340;
-/// Frames without a pen that belong to a stroke: its tip may be seen badly now and then.
+/// The number of frames without a pen that do not end a stroke, since the tip may be missed now and then.
 constexpr int cnGap = 2;
-/// As many as say that no pen has been there for a while.
+/// A number of frames which says that no pen has been there for a while.
 constexpr int cnLongUp = 10;
 constexpr unsigned char cnInk = 255;
 
@@ -84,7 +84,7 @@ void ClSignatureStrokes::SetPixel(ClImage& oImage, int nX, int nY) {
   oImage.Row<unsigned char>(nY)[nX] = cnInk;
 }
 
-/// Without its end, with which the next line begins.
+/// Draws a line without its end, with which the next line begins.
 void ClSignatureStrokes::DrawLine(ClImage& oImage, const StPixel& oFrom, const StPixel& oTo) {
   const int nX = oTo.nX - oFrom.nX;
   const int nY = oTo.nY - oFrom.nY;

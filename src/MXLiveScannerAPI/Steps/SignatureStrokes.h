@@ -3,20 +3,21 @@
 
 #include "MXTools/FpImage.h"
 
-/// Domain   up to 2048 points, pen-ups included; what comes behind them is dropped.
+/// Domain   up to 2048 points, pen-ups included; what comes after them is dropped.
 /// Units    points in sensor pixels; the preview has 800 columns for 960 of the sensor.
 /// Range    drawings are 255 on 0; what would lie outside a picture is left out.
 /// Threads  thread-bound: the engine guards them.
 class ClSignatureStrokes {
  public:
-  /// Forgets the points. A preview of that height keeps its strokes.
+  /// Forgets the points. A preview that already has that height keeps its strokes.
   void Start(int nPreviewHeight);
   /// Forgets points and preview; before the first start there is nothing to forget.
   void Clear();
 
-  /// To be called for each frame, before the pen's place or its absence.
+  /// To be called for each frame, before AddPoint or EndStroke.
   void NextFrame();
-  /// nWeight, from 1 on, is the number of pixels that told the place. False when there is no room.
+  /// nWeight, from 1 on, is the number of pixels that the position is the mean of. False when there is no
+  /// room.
   bool AddPoint(double dX, double dY, int nWeight);
   /// No pen in this frame: the third such frame in a row ends a stroke.
   void EndStroke();
@@ -34,13 +35,14 @@ class ClSignatureStrokes {
     int nY;
   };
 
-  /// Where a point lies in a picture of that many pixels for 960 columns and 340 rows of the sensor.
+  /// Where a point lies in a picture of nColumns by nRows pixels, which shows 960 columns and 340 rows of the
+  /// sensor.
   StPixel Map(int nPoint, int nColumns, int nRows) const;
   static void SetPixel(ClImage& oImage, int nX, int nY);
   static void DrawLine(ClImage& oImage, const StPixel& oFrom, const StPixel& oTo);
 
   int m_nSignaturePoints = 0;
-  // Places times their weight, which keeps fractions of pixels; weight 0 is a pen-up.
+  // Positions times their weight, which keeps fractions of pixels; a weight of 0 is a pen-up.
   int m_aSignatureX[cnMaxPoints] = {};
   int m_aSignatureY[cnMaxPoints] = {};
   int m_aSignatureWeight[cnMaxPoints] = {};

@@ -28,7 +28,7 @@ class ClSignatureTiming {
   bool IsFirstDoneFrame() const { return m_nDoneFrames == 1; }
 
  private:
-  /// Fewer points are no signature: a touch by accident.
+  /// Fewer points are no signature, but an accidental touch.
   static constexpr int cnMostPointsUndone = 50;
   static constexpr int cnManyFrames = 2;
 

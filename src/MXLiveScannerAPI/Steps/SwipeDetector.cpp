@@ -1,4 +1,4 @@
-// Counts steps to either side.
+// Counts a hand's steps to either side.
 #include "MXLiveScannerAPI/SwipeDetector.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Tells a hand that is wiped over the signature pad to one side or the other.
+// Recognises a hand that is wiped over the signature pad to one side or the other.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 class ClSwipeDetector {
  public:
   void Reset() { m_nSwipeSamples = 0; }
-  /// Takes the place of the large object in the newest frame, in sensor pixels, and judges the last ten.
+  /// Takes the position of the large object in the newest frame, in sensor pixels, and judges the last ten.
   ClVTLiveCaptureBase::ECaptureState Add(int nX);
 
  private:

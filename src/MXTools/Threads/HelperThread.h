@@ -29,7 +29,7 @@ class ClHelperThread {
 
  private:
   void Wait() {
-    // The work uses its owner's members: an interruption of the caller must not cut the wait.
+    // The work uses members of its owner, so that an interruption of the caller must not end the wait early.
     boost::this_thread::disable_interruption oNoInterruption;
     if (m_oThread.joinable()) m_oThread.join();
   }
