@@ -9,7 +9,7 @@
  *      LS_VT40GetRollImage until *pbDone is not 0,
  *   4. calls LS_VT40CloseScanner and LS_VT40Uninitialize.
  *
- * Results   Unless told otherwise a function returns 0 for success and a negative number for a failure, which
+ * Results   Unless stated otherwise a function returns 0 for success and a negative number for a failure, which
  *           LS_VT40GetErrorDescriptionA explains. A failure leaves the out-parameters as they were, but for
  *           sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
  *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle; these two are not repeated below.
@@ -38,7 +38,7 @@
 extern "C" {
 #endif
 
-/* Numbers that an application is likely to handle; all others have their text. */
+/* Numbers that an application is likely to handle; every number has a text. */
 #define KLV_SUCCESS 0L
 #define KLV_ERROR_NOT_INITIALIZED (-2L)
 #define KLV_ERROR_NO_FINGER (-15L)        /* in *pnResult: no finished image yet */
@@ -80,14 +80,13 @@ typedef enum KLV_VT40_CAPTURE_MODE_TAGS {
  * Errors: KLV_ERROR_FILE_OPEN_FAIL the scan library was not found; the scan library's own number. */
 KLV_API long LS_VT40Initialize(const char* pszReserved);
 
-/* Drops what one LS_VT40Initialize took; the last one stops and unloads the scan library. Open handles are
- * not closed; they answer KLV_ERROR_NOT_INITIALIZED when they are closed, until the library is initialised
- * again.
+/* Undoes one LS_VT40Initialize; the last call stops and unloads the scan library. Open handles are
+ * not closed; to close them gives KLV_ERROR_NOT_INITIALIZED until the library is initialised again.
  * Errors: KLV_ERROR_NOT_INITIALIZED. */
 KLV_API long LS_VT40Uninitialize(void);
 
 /* The version of this library as text. *pnSize is the room on entry and the needed size, with the
- * terminating zero, on return. With pszVersion NULL and room enough only the size is told. Needs no
+ * terminating zero, on return. With pszVersion NULL and room enough only the size is reported. Needs no
  * initialisation.
  * Errors: -24 pnSize NULL; KLV_ERROR_BUFFER_TOO_SMALL. */
 KLV_API long LS_VT40GetVersionA(char* pszVersion, unsigned int* pnSize);
@@ -125,7 +124,7 @@ KLV_API long LS_VT40OpenScanner(const char* pszSerial, void** phScanner);
 KLV_API long LS_VT40CloseScanner(void** phScanner);
 
 /* How dirty the platen is, 0 clean to 100, as automatic capture has measured it. *pnReserved becomes 0.
- * Says nothing on whether the scanner is connected.
+ * The call succeeds even when the scanner is no longer connected.
  * Errors: KLV_ERROR_BAD_POINTER. */
 KLV_API long LS_VT40GetScannerCondition(void* h, unsigned int* pnCondition, unsigned int* pnReserved);
 
@@ -179,7 +178,7 @@ KLV_API long LS_VT40SetCaptureMode(void* h, int nMode);
  * Errors: KLV_ERROR_BAD_POINTER; -101 in every other mode. */
 KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
 
-/* The three image calls copy an image to pImage and tell how far the capture is:
+/* The three image calls copy an image to pImage and report how far the capture is:
  *
  *   pdScore   score of liveness, 0 to 100, in mode AUTO_LIVE, else 0
  *   pbDone    1 when the image is finished, else 0
@@ -191,9 +190,9 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  * LS_VT40GetRollImage, the roll as assembled so far; waits up to 5 seconds.
  *
  * Mode SIGNATURE: LS_VT40GetPreviewImage shows the strokes so far, black on white, and is finished once when
- * the pen has rested for "dSignatureDetectTime" behind more than 50 places that it was seen at; a pen that
- * comes back later than that starts the next signature. LS_VT40GetImage draws the strokes at full size,
- * always "finished". Both have the sizes of the signature's two size calls.
+ * the pen has rested for "dSignatureDetectTime" after it was seen at more than 50 positions; a pen that comes
+ * back after the pause starts the next signature. LS_VT40GetImage draws the strokes at full size, always
+ * "finished". Both have the sizes of the signature's two size calls.
  *
  * Errors: KLV_ERROR_BAD_POINTER any pointer NULL; KLV_ERROR_INVALID_STATE not in this mode;
  * KLV_ERROR_DISCONNECTED no image came in time, or the scanner was disconnected; the scan library's own
@@ -221,7 +220,7 @@ KLV_API long LS_VT40GetRollImage(void* h, void* pImage, double* pdScore, unsigne
  *   "STATUS_LED"            long, write only    up to 0xFFFE: index * 256 + state; above: bits 16 to
  *                                             27 select the LEDs that take the state in bits 0 to 2
  *
- * Text forms: decimal, or hexadecimal behind "0x". For LS_VT40GetPropertyA *pnSize is the room on entry and
+ * Text forms: decimal, or hexadecimal after "0x". For LS_VT40GetPropertyA *pnSize is the room on entry and
  * the needed size on return.
  * Errors: KLV_ERROR_INVALID_PARAMETER pszName NULL, another kind of property, or no number;
  * KLV_ERROR_UNKNOWN_PARAMETER; KLV_ERROR_READ_ONLY; KLV_ERROR_OUT_OF_RANGE; -24 pnSize NULL;

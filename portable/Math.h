@@ -2,10 +2,10 @@
 // size.
 //
 // The C library's functions differ in the last bit between its 32-bit and 64-bit versions, and from one
-// processor to the next. What comes out of them is rounded down in many places (warp maps, kernel tables,
-// turned pictures), so that one such bit can move a pixel. These are made of the basic operations only, which
-// are exact everywhere; so are the C library's sqrt, fmod, floor and their kin, which need no twin here. All
-// functions are reentrant.
+// processor to the next. Their results are rounded down in many places (warp maps, kernel tables, turned
+// pictures), so that one such bit can move a pixel. The functions of this file use basic operations only,
+// which are exact everywhere. The C library's sqrt, fmod, floor and the like are exact everywhere too, and
+// are used as they are. All functions are reentrant.
 #pragma once
 
 #include <cmath>
@@ -25,7 +25,7 @@ constexpr double cdPi = 0x1.921fb54442d18p+1;
 /// Domain   positive and normal; for anything else, 0 too, the result is finite and means nothing.
 /// Cost     free of branches, so that loops over it vectorise.
 inline double Log(double dValue) noexcept {
-  // The upper half of the bits of sqrt(1/2): mantissas are taken from there to twice that.
+  // The upper half of the bits of sqrt(1/2): mantissas lie between this number and twice this number.
   constexpr uint64_t cnLowest = 0x3fe6a09e00000000u;
   constexpr uint64_t cnOne = 0x3ff0000000000000u;
   constexpr uint64_t cnMantissa = 0x000fffffffffffffu;
@@ -58,10 +58,10 @@ inline double Log(double dValue) noexcept {
   dSeries = dSeries * dZ + 2.0 / 7.0;
   dSeries = dSeries * dZ + 2.0 / 5.0;
   dSeries = dSeries * dZ + 2.0 / 3.0;
-  // log m = f - (f^2/2 - s (f^2/2 + series)): the large part is exact.
+  // log m = f - (f^2/2 - s (f^2/2 + series)), in which the large part is exact.
   const double dHalf = 0.5 * dF * dF;
   const double dRest = dS * (dHalf + dZ * dSeries);
-  // ln 2 in two parts, of which k times the first is exact.
+  // ln 2 stands in two parts; k times the first part is exact.
   constexpr double cdLn2High = 6.93147180369123816490e-01;
   constexpr double cdLn2Low = 1.90821492927058770002e-10;
   return dExponent * cdLn2High - ((dHalf - (dRest + dExponent * cdLn2Low)) - dF);
@@ -72,7 +72,7 @@ namespace Detail {
 /// Added to a double below 2^51 and taken off again, it leaves the nearest whole number.
 constexpr double cdRound = 6755399441055744.0;
 
-/// The low bits of the whole number that stands in dValue + cdRound.
+/// The low bits of the whole number that dValue + cdRound holds.
 inline uint64_t LowBits(double dRounded) noexcept {
   uint64_t nBits;
   std::memcpy(&nBits, &dRounded, sizeof(nBits));
@@ -87,8 +87,8 @@ inline double PowerOfTwo(int nExponent) noexcept {
   return dPower;
 }
 
-/// An angle within a quarter turn, in two parts of which the second corrects the first, and the quarter turns
-/// taken off.
+/// An angle within a quarter turn, as the sum of a large and a small part, and the number of quarter turns
+/// that were taken off.
 struct Reduced_t {
   double dHigh, dLow;
   unsigned nQuarters;
@@ -99,7 +99,7 @@ inline Reduced_t Reduce(double dAngle) noexcept {
   if (!(std::fabs(dAngle) < 1048576.0)) dAngle = std::fmod(dAngle, 6.283185307179586);
   const double dRounded = dAngle * 0x1.45f306dc9c883p-1 + cdRound;
   const double dQuarters = dRounded - cdRound;
-  // A quarter turn in three parts; products with the first two are exact.
+  // A quarter turn stands in three parts; products with the first two are exact.
   const double dFirst = dAngle - dQuarters * 0x1.921fb544p+0;
   const double dSecond = dQuarters * 0x1.0b4611a6p-34;
   Reduced_t o;
@@ -140,7 +140,7 @@ inline double CosReduced(const Reduced_t& o) noexcept {
 
 /// Domain [0, 1].
 inline double AtanReduced(double dValue) noexcept {
-  // The arc tangents of 0/8 to 8/8, each with what it lacks; between them the series runs.
+  // The arc tangents of 0/8 to 8/8, each with its rounding error; the series covers what lies between.
   static constexpr double s_adTable[9][2] = {
       {0.0, 0.0},
       {0x1.fd5ba9aac2f6ep-4, -0x1.cd37686760c17p-59},
@@ -188,20 +188,20 @@ inline double Exp(double dValue) noexcept {
   dSeries = dSeries * dR + 1.0 / 24.0;
   dSeries = dSeries * dR + 1.0 / 6.0;
   dSeries = dSeries * dR + 1.0 / 2.0;
-  // In two factors, since 2^k alone may lie outside the range of normal numbers.
+  // The power is applied in two factors, since 2^k alone may lie outside the range of normal numbers.
   const int nK = static_cast<int>(dK), nHalf = nK / 2;
   return (1.0 + (dR + (dR * dR * dSeries + dRest))) * Detail::PowerOfTwo(nHalf) *
          Detail::PowerOfTwo(nK - nHalf);
 }
 
-/// To about one unit in the last place for angles below a million radians. Not a number for infinite ones.
+/// The sine, to about one unit in the last place for angles below a million radians; NaN for infinite ones.
 inline double Sin(double dAngle) noexcept {
   const Detail::Reduced_t o = Detail::Reduce(dAngle);
   const double dValue = o.nQuarters & 1u ? Detail::CosReduced(o) : Detail::SinReduced(o);
   return o.nQuarters & 2u ? -dValue : dValue;
 }
 
-/// As Sin.
+/// The cosine, as exact as Sin.
 inline double Cos(double dAngle) noexcept {
   const Detail::Reduced_t o = Detail::Reduce(dAngle);
   const double dValue = o.nQuarters & 1u ? Detail::SinReduced(o) : Detail::CosReduced(o);
@@ -236,7 +236,7 @@ inline double Hypot(double dX, double dY) noexcept {
   return std::sqrt(dX * dX + dY * dY);
 }
 
-/// To some ten units in the last place. Domain: positive; about 0 for 0.
+/// The cube root, to some ten units in the last place. Domain: positive; about 0 for 0.
 inline double CubeRoot(double dValue) noexcept {
   return Exp(Log(dValue) / 3.0);
 }

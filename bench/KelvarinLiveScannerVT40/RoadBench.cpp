@@ -1,4 +1,4 @@
-// The road of one frame on one thread, from the raw planes to the masked image, by step and as a whole.
+// The way of one frame on one thread, from the raw planes to the masked image, by step and as a whole.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -182,7 +182,7 @@ void RollStep(benchmark::State& oState, void (ClRollRoad::*pfnStep)()) {
   for (auto _ : oState) (oRoad.*pfnStep)();
 }
 
-/// A lit frame of the signature pad, from the raw plane to the place of the pen.
+/// A lit frame of the signature pad, from the raw plane to the position of the pen.
 void SignatureFrame(benchmark::State& oState) {
   ClImage oRaw, oAdjusted;
   oRaw.NewWithType(ClImage::eUint8, 960, 680, 1, 0, 0, true);

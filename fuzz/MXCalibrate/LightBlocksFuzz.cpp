@@ -32,7 +32,7 @@ void FeedBrightness(const Bytes& aBlock) {
     Bytes aSamples(3 * size_t{oData.NumberOfSamplePoints()});
     oData.GetSamples(nKey, aSamples.data());
   }
-  // Fewer points have other places in the positional form, and more have none.
+  // In the positional form fewer points stand elsewhere, and more have no room.
   if (oData.NumberOfSamplePoints() != cnPoints) return;
   const Bytes aStored = Stored(oData);
   ClCalibrateBrightnessData oAgain;

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Images above it would be all that is worked on.
+/// Larger images would take all the time.
 constexpr uint32_t cnMostSide = 512;
 
 class ClWarp : public TpIpCalibrateGeometric<ClInterpolationBicubicQuantized<1, 5, 600, 530, 1000>> {

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Drawing the references takes a second; few inputs are to spend it.
+/// Drawing the references takes a second, which only few inputs are to spend.
 constexpr unsigned int cnDrawBrightness = 0xB1;
 
 unsigned int Size(const Bytes& aBlock) {
@@ -26,7 +26,7 @@ void SetUpTenFingers(ClVT40SetupCalibrationData& rSetup, ClFuzzInput& rInput) {
     Require(!rSetup.GetGeometricDataFull(false).IsValid(), "refused geometry leaves none");
     return;
   }
-  // The record in use is one that the set-up takes.
+  // The set-up accepts the record that is in use.
   TpArrayStatic<char> aRecord;
   rSetup.GetGeometricData(aRecord);
   ClVT40SetupCalibrationData oSame("VT40-AA0001", false);

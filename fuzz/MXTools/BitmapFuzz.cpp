@@ -6,12 +6,12 @@
 
 namespace {
 
-/// Going over all of a larger bitmap would be all that is done.
+/// Going over the pixels of a larger bitmap would take all the time.
 constexpr unsigned int cnMostPixelBytes = 1u << 12;
 /// From here on a file of runs has to hold some of its pixels.
 constexpr uint64_t cnLeastOfLarge = 1u << 26;
 
-/// Whether a few runs stand for many pixels. The block is made in full each time; larger ones are refused
+/// Whether a few runs stand for many pixels: the block is made in full each time. Larger ones are refused
 /// before.
 bool IsSlow(const Bytes& aFile) {
   const size_t nHeader = aFile.size() > 1 && aFile[0] == 'B' && aFile[1] == 'M' ? 14 : 0;
@@ -30,7 +30,7 @@ Bytes Stored(const ClBitmap& oBitmap) {
 void GoOver(const ClBitmap& oBitmap) {
   ClImage oImage;
   oBitmap.GetImage(oImage);
-  // Rows without columns, of which a short file may tell billions, have no pixels to ask for.
+  // Rows without columns, of which a short file may claim billions, have no pixels to ask for.
   const long nHeight = oBitmap.Header()->biWidth > 0 ? oBitmap.Header()->biHeight : 0;
   for (long nY = 0; nY < nHeight; ++nY)
     for (long nX = 0; nX < oBitmap.Header()->biWidth; ++nX) oBitmap.GetPixel(nX, nY);
@@ -54,7 +54,7 @@ void FeedBlock(Bytes aBlock) {
   Require(oCopy == oBitmap, "a copy is the same");
   Bytes aCopied(oCopy.BlockSize());
   oCopy.CopyTo(aCopied.data());
-  // Runs have no pixels of their own, and other bitmaps have all that their header tells.
+  // Runs are not decoded in memory; other bitmaps have all pixels that their header claims.
   Refused([&] {
     ClImage oImage;
     oCopy.GetImage(oImage);

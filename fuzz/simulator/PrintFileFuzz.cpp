@@ -25,7 +25,7 @@ std::vector<Bytes> Seeds() {
         "the seed can be written");
     aFile.resize(nSize);
     aSeeds.push_back(aFile);
-    // Behind signature and header: the resolution, 8000 pels per metre.
+    // After signature and header comes the resolution, 8000 pels per metre.
     const Bytes aPels = {0, 0, 0, 9, 'p', 'H', 'Y', 's', 0, 0, 31, 64, 0, 0, 31, 64, 1, 0, 0, 0, 0};
     aFile.insert(aFile.begin() + 33, aPels.begin(), aPels.end());
     aSeeds.push_back(aFile);

@@ -1,5 +1,5 @@
-// Feeds scenes as JSON: what is read lies in its ranges, so that its fingers and its pen have places at any
-// moment.
+// Feeds scenes as JSON: what is read lies in its ranges, so that its fingers and its pen have positions at
+// any moment.
 #include <cmath>
 
 #include "FuzzTarget.h"

@@ -44,7 +44,7 @@ bool RefusedWith(TCall&& fnCall) {
   return false;
 }
 
-/// One input, which outlives it, from its first byte to its last; behind its end there are zeros.
+/// Reads one input, which outlives it, from its first byte to its last; after its end there are zeros.
 class ClFuzzInput {
  public:
   explicit ClFuzzInput(const Bytes& aInput) : m_pData(aInput.data()), m_nLeft(aInput.size()) {}
@@ -55,7 +55,7 @@ class ClFuzzInput {
     --m_nLeft;
     return *m_pData++;
   }
-  /// A block that is as long as the two bytes in front of it say, or as what is left.
+  /// A block as long as the two bytes before it say, or all that is left.
   Bytes Block() {
     const size_t nSize = Byte();
     return Take(nSize | static_cast<size_t>(Byte()) << 8);
@@ -69,7 +69,7 @@ class ClFuzzInput {
     return std::string(aText.begin(), aText.end());
   }
 
-  /// How a seed says a block.
+  /// The form of a block in a seed.
   static void PutBlock(Bytes& rOut, const Bytes& aBlock) {
     rOut.push_back(static_cast<uint8_t>(aBlock.size()));
     rOut.push_back(static_cast<uint8_t>(aBlock.size() >> 8));

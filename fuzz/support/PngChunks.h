@@ -1,4 +1,4 @@
-// PNG files whose checksums hold whatever else has changed, so that the fuzzer gets behind them.
+// PNG files whose checksums are right whatever else has changed, so that the fuzzer gets beyond them.
 #pragma once
 
 #include <zlib.h>
@@ -9,7 +9,7 @@ inline Bytes WithRightChecksums(Bytes aFile) {
   const auto Put = [&](size_t nAt, uint32_t nValue) {
     for (size_t n = 0; n < 4; ++n) aFile[nAt + n] = static_cast<uint8_t>(nValue >> (24 - 8 * n));
   };
-  // Behind the signature: length, type, data and checksum of each chunk.
+  // After the signature come length, type, data and checksum of each chunk.
   for (size_t nChunk = 8; nChunk + 12 <= aFile.size();) {
     uint64_t nLength = 0;
     for (size_t n = 0; n < 4; ++n) nLength = nLength << 8 | aFile[nChunk + n];

@@ -14,7 +14,7 @@ ClDetection& ClDetection::Get() {
   return s_oDetection;
 }
 
-/// "Function=Number,Function=Number". Rules of a text that has gone go with it.
+/// Reads "Function=Number,Function=Number" and drops the rules of an earlier text.
 void ClDetection::ReadFaultsAtRest() {
   std::lock_guard<std::mutex> oLock(m_oMutex);
   const char* szFaults = std::getenv("KELVARIN_FDSIM_FAULTS");

@@ -12,7 +12,7 @@
 
 namespace Simulator {
 
-/// No context handle is given out twice, so that an old one is told from a new one.
+/// No context handle is given out twice, so that an old one is never taken for a new one.
 ///
 /// Threads    thread-safe. m_oMutex is held for look-ups only: scores are measured side by side.
 /// Errors     -2 not initialised; -43 no context.
@@ -20,8 +20,8 @@ class ClDetection {
  public:
   static ClDetection& Get();
 
-  /// Reads the faults of the environment while the library is at rest; comes before the call that they may
-  /// strike.
+  /// Reads the faults of the environment while the library is at rest; must come before the call that they
+  /// may strike.
   ///
   /// Errors     -44 they can't be read.
   void ReadFaultsAtRest();

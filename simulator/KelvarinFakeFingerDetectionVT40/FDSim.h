@@ -1,7 +1,7 @@
 /* The control side of the simulated liveness library: faults, what it was asked, and scores made to order.
  *
  * Plain C; usable from a program that opens the library with dlopen and looks the functions up. All functions
- * are thread-safe. They answer 0 for success and a negative number otherwise; FDSimLastError tells the reason
+ * are thread-safe. They return 0 for success and a negative number otherwise; FDSimLastError gives the reason
  * in words.
  *
  * Without this side, the environment variable KELVARIN_FDSIM_FAULTS makes functions fail:

@@ -9,8 +9,8 @@ using namespace Simulator;
 
 namespace {
 
-/// Runs the operation of a function unless the fault script strikes; one that gives something back runs all
-/// the same, since no host could do it again.
+/// Runs the operation of a function unless the fault script strikes. One that gives something back runs in
+/// any case, since no host could do it again.
 template <typename F>
 long Call(const char* szFunction, bool bGivesBack, F&& fnOperation) noexcept {
   long nResult = 0;

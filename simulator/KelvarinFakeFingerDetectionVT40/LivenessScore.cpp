@@ -9,20 +9,20 @@ namespace Simulator {
 namespace {
 
 constexpr uint8_t cnInk = 160;       // the mask's ridges are darker
-constexpr int cnNeighbourhood = 16;  // reach of the window that tells a finger from its surroundings
-// Three tenths of that window: less is the rim of a finger, or dirt. More than 85 % is a smudge without
-// ridges.
+constexpr int cnNeighbourhood = 16;  // reach of the window that separates a finger from its surroundings
+// The limits of the ink in that window: below three tenths it is the rim of a finger, or dirt; above 85 % it
+// is a smudge without ridges.
 constexpr uint32_t cnLeastInk = 327;
 constexpr uint32_t cnMostInk = 925;
 constexpr int cnPeriod = 8;       // reach of a mean over a ridge and a valley
 constexpr int cnPore = 2;         // reach of a mean that covers a pore
 constexpr double cdClear = 15.0;  // by which ridges and valleys stand out of that mean
 constexpr size_t cnLeastPlaces = 5000;
-// What living skin with many pores has; measured on the generated prints.
+// The strength of living skin with many pores, as measured on the generated prints.
 constexpr double cdFullStrength = 0.03;
 
-/// Sums of rectangles in four look-ups. Sums wrap around; differences of small rectangles are right all the
-/// same.
+/// Sums of rectangles by four look-ups. The sums may wrap: the differences for small rectangles are exact all
+/// the same.
 class ClSums {
  public:
   template <typename F>
@@ -56,8 +56,8 @@ class ClSums {
   std::vector<uint32_t> m_aSums;
 };
 
-/// By how much a place is a hole (or, with nSign -1, a dot) against its neighbours on both sides, in the
-/// direction in which it is most: along a ridge these are alike.
+/// By how much a pixel is a hole (or, with nSign -1, a dot) between its neighbours on both sides, in the
+/// direction in which it is most: along a ridge they are alike.
 int Depth(const uint8_t* pPlace, const ptrdiff_t (&anStep)[4], int nSign) noexcept {
   int nDepth = 0;
   for (const ptrdiff_t nStep : anStep)

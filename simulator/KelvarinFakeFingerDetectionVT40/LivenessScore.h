@@ -9,12 +9,12 @@ namespace Simulator {
 constexpr unsigned cnLeastSide = 64;
 constexpr unsigned cnLargestSide = 8192;
 
-/// What the score is made of; all over the places where a finger lies.
+/// The measures that the score is made of, taken over the pixels where a finger lies.
 ///
-/// dHoles     how much darker than the ridge on both sides of them the places on ridges are, on average.
-/// dDots      how much lighter than the valley on both sides of them the places in valleys are, on average.
+/// dHoles     how much darker pixels on ridges are than the ridge on both sides of them, on average.
+/// dDots      how much lighter pixels in valleys are than the valley on both sides of them, on average.
 /// dRidges    standard deviation of the picture at the scale of ridges.
-/// nPixels    how many places that are.
+/// nPixels    the number of these pixels.
 struct ClLivenessMeasures {
   double dHoles = 0.0;
   double dDots = 0.0;

@@ -147,7 +147,7 @@ void ClBus::LoadScene(const std::string& sScene) {
   m_bFromEnvironment = false;
 }
 
-/// Scanners that are in the scene already keep their handles. All that can fail comes before the first
+/// Scanners that are also in the new scene keep their handles. Whatever can fail comes before the first
 /// change.
 void ClBus::Install(const ClSceneDescription& oScene) {
   const auto fnNote = [this](const std::string& sLine) { m_oFaults.Note(sLine); };

@@ -13,7 +13,7 @@
 
 namespace Simulator {
 
-/// No device handle is given out twice, so that an old one is told from a new one.
+/// No device handle is given out twice, so that an old one is never taken for a new one.
 ///
 /// Threads    thread-safe. m_oMutex is held for look-ups only, never while a scanner works.
 class ClBus {
@@ -28,11 +28,11 @@ class ClBus {
 
   static ClBus& Get();
 
-  /// Counts; the first one reads the scene of the environment unless one was loaded.
+  /// Counts the initialisations; the first one reads the scene of the environment unless one was loaded.
   void Initialize();
   /// Errors     -2 not initialised. The last one closes all devices; their handles are good for Close alone.
   void Uninitialize();
-  /// Has the scene of the next initialisation in place, for what is to hold from its first call on.
+  /// Loads the scene of the next initialisation now, for settings that are to hold from its first call on.
   void Prepare();
 
   /// Identifiers of the plugged scanners of a product, in the order of the scene.

@@ -1,4 +1,4 @@
-// The two-line character display of the scanner, behind the four data wires on which a host writes it.
+// The two-line character display of the scanner, which a host writes through four data wires.
 #include "KelvarinVTScanAPI/CharacterDisplay.h"
 
 #include <algorithm>
@@ -47,7 +47,7 @@ void ClCharacterDisplay::TakeNibble(uint8_t nNibble, bool bCharacter, int64_t nM
 }
 
 void ClCharacterDisplay::Execute(uint8_t nByte, bool bCharacter, int64_t nMicroseconds) {
-  // No bit of a command is set: there is nothing to do.
+  // A command without a bit does nothing.
   if (nByte == 0 && !bCharacter) return;
   if (nMicroseconds < m_nFree) {
     ++m_nLost;
@@ -64,7 +64,7 @@ void ClCharacterDisplay::Execute(uint8_t nByte, bool bCharacter, int64_t nMicros
   m_nFree = nMicroseconds + nTime;
 }
 
-/// The highest bit that is set tells what the command is.
+/// The highest bit that is set names the command.
 int64_t ClCharacterDisplay::Command(uint8_t nCommand) {
   if (nCommand & 0x80) {
     SetAddress(nCommand & 0x7F);
@@ -119,14 +119,14 @@ void ClCharacterDisplay::MoveCursor(bool bRight) {
   m_nCursor = (m_nCursor + (bRight ? 1 : cnMemory - 1)) % cnMemory;
 }
 
-/// The picture goes to the right when the window goes to the left.
+/// The picture moves to the right when the window moves to the left.
 void ClCharacterDisplay::MoveWindow(bool bRight) {
   const int nWidth = m_bTwoLines ? cnLineMemory : cnMemory;
   m_nWindow = (m_nWindow + (bRight ? nWidth - 1 : 1)) % nWidth;
 }
 
-/// Lines lie one behind the other in the memory but not in the addresses. An address that no character has is
-/// held to the last of its line.
+/// The lines follow one another in the memory but not in the addresses. An address beyond a line stands for
+/// its last character.
 void ClCharacterDisplay::SetAddress(uint8_t nAddress) {
   m_bOwnShapes = false;
   if (!m_bTwoLines)

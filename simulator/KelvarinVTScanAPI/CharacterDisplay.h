@@ -1,4 +1,4 @@
-// The two-line character display of the scanner, behind the four data wires on which a host writes it.
+// The two-line character display of the scanner, which a host writes through four data wires.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@ namespace Simulator {
 
 /// A controller with the HD44780 command set: 80 characters of memory of which a window of 16 columns shows,
 /// on one line or two. It wakes up with eight data wires, of which only the upper four are connected, so that
-/// each nibble is an instruction, until a host switches it to four. An instruction takes its time, in which
+/// each nibble is an instruction, until a host switches it to four. While an instruction is carried out,
 /// others are lost.
 ///
 /// Units      microseconds, from any moment on.
@@ -19,8 +19,8 @@ class ClCharacterDisplay {
   static constexpr int nColumns = 16;
   static constexpr int nLines = 2;
 
-  /// The bus has a new value: bits 7 to 4 are data, bit 3 enables, bit 1 tells characters from commands. Data
-  /// are taken when the enable line falls, as they stood before.
+  /// Takes a new value of the bus: bits 7 to 4 are data, bit 3 enables, bit 1 is set for characters and clear
+  /// for commands. Data are taken when the enable line falls, as they stood before.
   void Write(uint8_t nBus, int64_t nMicroseconds);
 
   /// The characters that show, as codes; blanks while the display is off, and on a line that is switched off.
@@ -52,7 +52,7 @@ class ClCharacterDisplay {
   bool m_bHalf = false;  // the upper half of a byte has arrived
   uint8_t m_nUpper = 0;
   int64_t m_nHalfTime = 0;
-  bool m_bAwake = false;  // a host has told how many wires there are
+  bool m_bAwake = false;  // a host has set the number of wires
   int64_t m_nFree = INT64_MIN;
   std::array<uint8_t, cnMemory> m_anMemory = Blanks();  // line after line, 40 characters each
   int m_nCursor = 0;                                    // place in the memory

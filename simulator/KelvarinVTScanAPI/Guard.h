@@ -1,4 +1,4 @@
-// What every function of the scan library has around it: the fault script comes first.
+// The frame of every function of the scan library: the fault script decides first whether it runs.
 #pragma once
 
 #include "KelvarinVTScanAPI/Bus.h"
@@ -19,8 +19,8 @@ long Called(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept
   });
 }
 
-/// The same for a function that gives something back: it does so even when it is to fail, since no host could
-/// do it again.
+/// The same for a function that gives something back. It runs even when it is to fail, since no host could do
+/// it again.
 template <typename F>
 long CalledToGiveBack(const char* szFunction, bool bTakesDevice, F&& fnOperation) noexcept {
   long nResult = 0;

@@ -32,7 +32,8 @@ double ClScanner::Time() const {
   return m_dTime + std::chrono::duration<double>(Clock::now() - m_oStart).count();
 }
 
-/// Sequences that have been begun are dropped, and who waits looks again. The first new one takes its time.
+/// Drops sequences that have been begun, and wakes waiting threads. The first new one comes after the time
+/// that it takes.
 void ClScanner::Restart() {
   ++m_nSettingsCount;
   m_oDue = Clock::now();
@@ -116,7 +117,7 @@ void ClScanner::Close(Session nSession) {
       m_bCapture = false;
       Restart();
     } else if (m_nSession != 0) {
-      return;  // the scanner was replugged and serves somebody else
+      return;  // the scanner was replugged and serves another session
     }
   }
   std::lock_guard<std::mutex> oRender(m_oRender);
@@ -194,7 +195,7 @@ void ClScanner::SetIllumination(Session nSession, unsigned nPattern) {
 void ClScanner::SetStatusLed(Session nSession, uint64_t nPattern) {
   Guard oGuard(m_oState);
   CheckLocked(nSession);
-  // What is written on the bus of the display is no news of the LEDs.
+  // A write to the bus of the display does not concern the LEDs.
   const bool bBus = (nPattern & ~cnLedBits) != 0 || (m_nStatusLed & ~cnLedBits) != 0;
   if (!bBus || ((nPattern ^ m_nStatusLed) & cnLedBits) != 0) AddLight(VTSIM_LIGHT_STATUS, nPattern);
   m_nStatusLed = nPattern;
@@ -286,7 +287,7 @@ void ClScanner::TakeFrame(Session nSession, uint64_t nMask, int nWidth, int nHei
     CheckLocked(nSession);
     oSettings = m_oSettings;
     dTime = m_dShownTime = Time();
-    nNumber = ~m_nFrames++;  // apart from the numbers of sequences
+    nNumber = ~m_nFrames++;  // counts down, so that it never meets the number of a sequence
   }
   if (!oSettings.pMode) throw ClSimError(eBadState, "no sensor mode is set");
   if (nWidth != oSettings.pMode->nWidth || nHeight != oSettings.pMode->nHeight)

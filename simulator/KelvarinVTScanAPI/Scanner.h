@@ -34,7 +34,7 @@ class ClScanner {
   using Session = uint64_t;
   using Note = std::function<void(const std::string&)>;
 
-  /// fnNote is told what the fault script does to this scanner.
+  /// fnNote gets what the fault script does to this scanner.
   ClScanner(const ClScannerDescription& oDescription, const ClSceneDescription& oScene, Note fnNote);
 
   const std::string& Serial() const noexcept { return m_sSerial; }
@@ -47,7 +47,8 @@ class ClScanner {
   bool Plugged(Session nSession);
   /// Errors     -60 unplugged; -61 there is a session already.
   Session Open();
-  /// Ends the session and its capture, wakes who waits, frees the frames. A lost session is no error.
+  /// Ends the session and its capture, wakes waiting threads, and frees the frames. A lost session is no
+  /// error.
   void Close(Session nSession);
   void Check(Session nSession);
 
@@ -88,7 +89,7 @@ class ClScanner {
   // The control side.
 
   void SetScene(const ClScannerDescription& oDescription, const ClSceneDescription& oScene);
-  /// Of the moment of the last sequence, or of any.
+  /// These show the moment of the last sequence, or any moment.
   void GroundTruth(uint8_t* pPicture, uint8_t* pCover);
   void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);
   void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
@@ -102,7 +103,7 @@ class ClScanner {
   void Display(VTSimDisplay& oDisplay);
   /// The records of the sequences from nFirst on, at most nRoom; the oldest may be forgotten.
   unsigned Frames(uint64_t nFirst, VTSimFrame* pFrames, unsigned nRoom);
-  /// Waits until so many sequences were handed out. False when they weren't in time.
+  /// Waits until that many sequences were handed out. False when they weren't in time.
   bool WaitForSequences(uint64_t nCount, std::chrono::milliseconds oTimeout);
   void Advance(double dSeconds);
   void SetPlugged(bool bPlugged);

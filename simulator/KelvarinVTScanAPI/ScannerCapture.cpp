@@ -7,7 +7,7 @@
 namespace Simulator {
 namespace {
 
-// A host may rely on an answer within two seconds when no sequence can come.
+// A host may rely on an answer within two seconds even when no sequence comes.
 constexpr std::chrono::milliseconds coLongestWait(1900);
 // Sequences that a host may hold at once.
 constexpr size_t cnMostBlocks = 4;
@@ -26,7 +26,7 @@ class ClWhile {
 
 }  // namespace
 
-/// Without a clock, a scanner that is to go while the next sequence is exposed goes now.
+/// Without a clock, a scanner that is to be unplugged while the next sequence is exposed is unplugged now.
 void ClScanner::CheckCanDeliver(Session nSession) {
   if (!m_bRealTime)
     for (const ClPlan& oPlan : m_aPlans)
@@ -37,7 +37,7 @@ void ClScanner::CheckCanDeliver(Session nSession) {
   if (!m_oSettings.pMode || m_oSettings.aMasks.empty()) throw ClSimError(eBadState, "no capture mode is set");
 }
 
-/// The moment of the next planned plugging, as far as the clock brings it; at most oLimit.
+/// The moment of the next planned plugging that the clock will reach; at most oLimit.
 ClScanner::Clock::time_point ClScanner::NextPlan(Clock::time_point oLimit) const {
   if (!m_bRealTime || !m_bStarted) return oLimit;
   const double dNow = Time();
@@ -50,7 +50,7 @@ ClScanner::Clock::time_point ClScanner::NextPlan(Clock::time_point oLimit) const
   return oNext;
 }
 
-/// True when a sequence may be made now; false after a wait, when all has to be looked at again.
+/// True when a sequence may be made now; false after a wait, when everything has to be checked again.
 bool ClScanner::WaitForSequence(Guard& oGuard, Session nSession, Clock::time_point oDeadline) {
   CheckCanDeliver(nSession);
   const Clock::time_point oNow = Clock::now();
@@ -79,7 +79,7 @@ void ClScanner::Delivered(const ClSensorSettings& oSettings) {
   if (m_bHold && m_nPasses > 0) --m_nPasses;
   const double dSeconds = oSettings.Seconds();
   if (m_bRealTime) {
-    // The sensor runs on: what a slow host misses is gone.
+    // The sensor does not wait: sequences that a slow host misses are lost.
     const auto oStep = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(dSeconds));
     m_oDue = std::max(m_oDue + oStep, Clock::now());
   } else {
@@ -103,8 +103,8 @@ void ClScanner::Record(const ClSensorSettings& oSettings, const ClSight& oSight)
   oFrame.nMoving = oSight.oFacts.nMoving;
 }
 
-/// Makes the sequence of m_oRendered. The block is kept from one to the next; a much larger one of another
-/// mode goes.
+/// Makes the sequence of m_oRendered. The block is kept for the next sequence, unless it is much larger, from
+/// another mode.
 uint8_t* ClScanner::RenderInto(ClBlock& oBlock, double dTime, uint64_t nSequence) {
   const size_t nBytes = m_oRendered.PlaneBytes() * m_oRendered.aMasks.size();
   if (oBlock.aBytes.capacity() > 2 * nBytes) std::vector<uint8_t>().swap(oBlock.aBytes);

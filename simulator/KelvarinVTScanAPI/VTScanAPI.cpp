@@ -29,7 +29,7 @@ std::string PropertyText(ClScanner& oScanner, ClScanner::Session nSession, const
   UnknownProperty(sName);
 }
 
-/// No property can be set; the answer tells known ones from unknown ones.
+/// No property can be set; the result is different for known and unknown ones.
 [[noreturn]] void RefuseProperty(ClScanner& oScanner, ClScanner::Session nSession, const std::string& sName) {
   oScanner.Check(nSession);
   if (sName == "version" || sName == "Version" || sName == "USBPowered" || sName == "FrameRate")

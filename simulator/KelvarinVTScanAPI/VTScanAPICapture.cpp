@@ -22,8 +22,8 @@ unsigned CheckedGain(int nGain) {
   return static_cast<unsigned>(nGain);
 }
 
-/// Exposes one frame into the pixels behind a BMP header and its palette. Rows stand as the sensor reads
-/// them.
+/// Exposes one frame into the pixels that follow a BMP header and its palette. Rows are in the order in which
+/// the sensor reads them.
 void FillImage(ClScanner& oScanner, ClScanner::Session nSession, const tagBITMAPINFOHEADER* pHeader,
                uint64_t nMask) {
   NeedPointer(pHeader);
@@ -36,8 +36,8 @@ void FillImage(ClScanner& oScanner, ClScanner::Session nSession, const tagBITMAP
   std::vector<uint8_t> aFrame;
   const int nHeight = pHeader->biHeight < 0 ? -pHeader->biHeight : pHeader->biHeight;
   oScanner.TakeFrame(nSession, nMask, pHeader->biWidth, nHeight, aFrame);
-  // All sensor widths are multiples of 4, so rows have no padding. The caller owns the block behind its
-  // header.
+  // All sensor widths are multiples of 4, so rows have no padding. The caller owns the block that its header
+  // begins.
   auto* pPixels =
       reinterpret_cast<uint8_t*>(const_cast<tagBITMAPINFOHEADER*>(pHeader)) + pHeader->biSize + 4 * nPalette;
   std::memcpy(pPixels, aFrame.data(), aFrame.size());
@@ -160,7 +160,7 @@ long VTScanAPIApplyInternalCommand(void* hDevice, int nCommand, void* pData, voi
                     if (nSize > 0) NeedPointer(pData);
                     oScanner.Check(nSession);
                     if (nCommand == cnConfigureLeds)
-                      return;  // one byte a LED; the light of this scanner has one configuration
+                      return;  // a byte for each LED; this light has one configuration
                     if (nCommand != cnSetStatusLeds)
                       throw ClSimError(eBadValue, "no command " + std::to_string(nCommand));
                     if (nSize > 8) throw ClSimError(eBadValue, "the status LEDs have at most 8 bytes");
@@ -199,7 +199,7 @@ long VTScanAPISetCaptureMode(void* hDevice, EVTScanMode_t eMode, unsigned int nC
         oScanner.SetCaptureMode(nSession, eMode, std::vector<uint64_t>(pMasks, pMasks + nCount));
       });
   if (nResult != 0) {
-    // Frames of the old size would meet a host that counts on the new one.
+    // A host that relies on the new mode must not get frames of the old size.
     char szReason[256];
     std::strncpy(szReason, GetLastErrorText(), sizeof szReason - 1);
     szReason[sizeof szReason - 1] = 0;

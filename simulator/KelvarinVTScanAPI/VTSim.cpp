@@ -24,7 +24,7 @@ void NeedTime(double dSeconds) {
     throw ClSimError(eBadValue, "a time lies between 0 and 1000000 seconds");
 }
 
-/// Tells the need of a picture and checks the room.
+/// Reports the size of a picture and checks the room.
 void NeedPicture(const unsigned char* pPicture, unsigned int* pnSize) {
   NeedPointer(pnSize);
   const unsigned nRoom = *pnSize;

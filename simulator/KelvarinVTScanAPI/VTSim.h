@@ -1,8 +1,8 @@
 /* The control side of the simulated scanner: scenes, ground truth, what the host has set, and faults.
  *
  * Plain C; usable from a program that opens the simulated scan library with dlopen and looks the functions
- * up. All functions are thread-safe and may be called before the scan library is initialised. They answer 0
- * for success and a negative number otherwise; VTSimLastError tells the reason in words.
+ * up. All functions are thread-safe and may be called before the scan library is initialised. They return 0
+ * for success and a negative number otherwise; VTSimLastError gives the reason in words.
  *
  * szSerial names a scanner of the scene; NULL is the first one. Times are seconds on the scanner's own time
  * line, which stands at 0 until its capture is first enabled. With the pacing "real" it then runs with the
@@ -68,7 +68,7 @@ typedef struct VTSimDisplay {
   unsigned int nStructSize; /* in: sizeof(VTSimDisplay) */
   char aszLines[2][17];     /* 16 characters each and a terminating zero; blanks while the display is off */
   int bOn;
-  int bFourWires;           /* 1 since a host has told it that data come in halves */
+  int bFourWires;           /* 1 after a host has set it to data in halves */
   unsigned int nCommands;   /* carried out */
   unsigned int nCharacters; /* likewise */
   unsigned int nLost;       /* of both, because they came while the display was busy */
@@ -94,7 +94,7 @@ typedef struct VTSimPen {
   int nStroke; /* which stroke it draws, from 0; -1 off the glass */
   double dX;   /* in the ground-truth picture */
   double dY;
-  double dSensorX; /* on the full sensor, as VTSimPictureToSensor tells it */
+  double dSensorX; /* on the full sensor, as VTSimPictureToSensor gives it */
   double dSensorY;
 } VTSimPen;
 
@@ -141,7 +141,7 @@ VTSIM_API long VTSimGetUnrolledTruth(const char* szSerial, double dFrom, double 
 VTSIM_API long VTSimPictureToSensor(const char* szSerial, double dX, double dY, double* pdSensorX,
                                     double* pdSensorY);
 
-/* A place on the full sensor, in pixels; whole numbers are pixel centres. */
+/* A position on the full sensor, in pixels; whole numbers are pixel centres. */
 typedef struct VTSimPoint {
   double dX;
   double dY;
@@ -149,9 +149,8 @@ typedef struct VTSimPoint {
 
 /* Where the middles of the 64 dots of the calibration target fall on the full sensor, in the order of the
  * geometric calibration file: columns from left to right, each from top to bottom. Dots that are missing are
- * told too.
- * *pnCount: in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room is too
- * small. */
+ * included. *pnCount: in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room
+ * is too small. */
 VTSIM_API long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount);
 
 /* The pen at a moment of the scanner's time line. In a scene without a pen bDown is 0 and nStroke -1 always.

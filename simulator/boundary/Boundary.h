@@ -13,7 +13,7 @@ namespace Simulator {
 void SetLastError(const char* szText) noexcept;
 const char* GetLastErrorText() noexcept;
 
-/// Runs an operation and answers its number: 0, or that of what it threw.
+/// Runs an operation and returns 0, or the number of the failure that it threw.
 template <typename F>
 long Guarded(F&& fnOperation) noexcept {
   try {

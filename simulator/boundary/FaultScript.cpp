@@ -8,7 +8,7 @@
 namespace Simulator {
 namespace {
 
-// Faults that strike each frame for hours must not eat the memory.
+// The log is limited, since faults may strike each frame for hours.
 constexpr size_t cnLongestLog = 1u << 20;
 
 }  // namespace

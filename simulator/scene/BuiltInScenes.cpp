@@ -14,11 +14,11 @@ struct ClRow {
   uint64_t nSeed;
   EPattern ePattern;
   double dWidth, dHeight;  // of the print
-  double dX, dY, dAngle;   // place of its middle; the tip leans to the left for positive angles
+  double dX, dY, dAngle;   // position of its middle; the tip leans to the left for positive angles
 };
 
 // Right hands have the index finger on the left of the picture, left hands on the right; slanted loops run
-// out towards the little finger. Places follow a relaxed hand.
+// out towards the little finger. Positions follow a relaxed hand.
 constexpr ClRow caRows[] = {
     {"finger", 11, ePatternWhorl, 16.5, 23.0, 40.6, 40.6, 0.0},
     {"slap-right", 21, ePatternRightLoop, 15.4, 22.0, 14.5, 42.5, -2.0},
@@ -36,7 +36,7 @@ constexpr ClRow caRows[] = {
 constexpr const char* caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
 constexpr char cszTarget[] = "target";
 
-/// Takes ":17" off the name and stores the number. Nothing else behind a colon is a seed.
+/// Takes ":17" off the name and stores the number. Only digits after the colon are a seed.
 std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
   const size_t nColon = sName.rfind(':');
   if (nColon == std::string::npos) return sName;

@@ -32,7 +32,7 @@ uint64_t ClDirtContent::StateAt(double dSeconds) const {
   return ThereAt(dSeconds) ? 1 : 0;
 }
 
-/// Part of a ridge's light at a place, in millimetres from the middle.
+/// The share of a ridge's light at a position, in millimetres from the middle.
 double ClDirtContent::LightAt(double dAlong, double dAcross) const noexcept {
   const double dHalfWidth = 0.5 * m_oDescription.dWidthMm;
   double dInside = dHalfWidth - std::sqrt(dAlong * dAlong + dAcross * dAcross), dStreak = 1.0;

@@ -12,10 +12,10 @@
 namespace Simulator {
 namespace {
 
-// The place at which the pressed-on area ends under ordinary pressure, on the scale of ClPrint::oDepth.
+// Where the pressed-on area ends under ordinary pressure, on the scale of ClPrint::oDepth.
 constexpr double cdOrdinaryPressure = 0.6;
 constexpr double cdOrdinaryEdge = 61.0;
-// Light from a film of water against that of a ridge.
+// Light from a film of water, relative to that of a ridge.
 constexpr double cdHaloLight = 0.3;
 constexpr double cdDegree = Portable::cdPi / 180.0;
 // Steps in which a roll is followed when all of it is to be drawn.
@@ -34,13 +34,12 @@ int Sample(const TpPlane<uint8_t>& oPlane, int nX256, int nY256) {
   return (nTop * (256 - nB) + nLow * nB + 32768) >> 16;
 }
 
-/// What pressure makes of the print: a table from skin height to contact, and the edge of the pressed-on
-/// area.
+/// How pressure changes the print: a table from skin height to contact, and the edge of the pressed-on area.
 struct ClPress {
   ClPress(const ClPrint& oPrint, double dPressure, double dHalo) {
     const double dBias = (dPressure - cdOrdinaryPressure) * 90.0;
     for (int i = 0; i < cnHeights; ++i) {
-      // Heights below 0 are those that dryness has taken down.
+      // Dryness lowers heights, some of them below 0.
       const double dContact = 128.0 + (i - cnSunken - 128.0 + dBias) * oPrint.dSlope;
       aContact[i] = static_cast<uint8_t>(std::clamp(dContact, 0.0, 255.0));
     }
@@ -87,7 +86,7 @@ int ToFixed(double d) {
 struct ClStripPress {
   float fLow, fHigh;  ///< ends of the part that is pressed on most, in pixels across the strip
   float fFall;        ///< for each pixel beyond
-  float fStart;       ///< place across the strip of the stretch's first pixel
+  float fStart;       ///< position across the strip of the stretch's first pixel
   float fStep;        ///< from one platen pixel to the next
 
   int DepthAt(int i) const {
@@ -154,8 +153,8 @@ void ClFingerContent::Draw(double dSeconds, ClPlatenMap& oMap) const {
 
 void ClFingerContent::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const {
   if (m_oDescription.oRoll.dWidthMm == 0.0) return;
-  // Skin comes down on its own place, whatever slips or turns on the way: the unrolled print lies as the
-  // finger does without. Its edges are where the strips of all moments reach.
+  // The unrolled print has neither slip nor turn: all skin lies where it would lie if the finger had rolled
+  // without them. The strips of all moments together give its edges.
   ClFingerPose oFlat;
   double dLeft = std::numeric_limits<double>::infinity(), dRight = -dLeft, dWidest = 0.0;
   const int nSteps = static_cast<int>(std::ceil((dUntil - dFrom) / cdUnrollSeconds));
@@ -179,7 +178,7 @@ void ClFingerContent::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMa
 
 ClFingerContent::ClStrip ClFingerContent::StripAt(const ClFingerPose& oPose) const {
   if (m_oDescription.oRoll.dWidthMm == 0.0) return {};
-  // A cylinder that is pressed on a plane: the width grows with the root of the force.
+  // The finger is like a cylinder pressed on a plane: the strip's width grows with the root of the force.
   const double dPressure = std::max(0.06, ClFingerMotion::PressureOf(oPose));
   const double dMiddle = oPose.dStripMm / cdPixelMm;
   return {false, dMiddle, dMiddle,
@@ -207,7 +206,7 @@ void ClFingerContent::DrawSkin(const ClFingerPose& oPose, const ClStrip& oStrip,
                            ClStripPress::cfFall / static_cast<float>(std::max(1.0, oStrip.dHalf)), 0.0f,
                            static_cast<float>(dCos * dAcrossX + dSin * dAcrossY)};
   for (int y = nTop; y < nEnd; ++y) {
-    // Back from the platen into the print: a turn the other way, y running down.
+    // This turns the other way, from the platen back into the print, with y running down.
     const double dX = (nLeft - dMidX) * dCos - (y - dMidY) * dSin + 0.5 * (oRidge.Width() - 1);
     const double dY = (nLeft - dMidX) * dSin + (y - dMidY) * dCos + 0.5 * (oRidge.Height() - 1);
     oStripPress.fStart = static_cast<float>((dX - 0.5 * (oRidge.Width() - 1)) * dAcrossX +

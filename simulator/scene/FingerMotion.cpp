@@ -27,8 +27,8 @@ struct ClDeviation {
 void Settle(const ClFingerDescription& oFinger, double dSince, ClDeviation& o) {
   const ClSettleDescription& oSettle = oFinger.oSettle;
   if (dSince >= oSettle.dSeconds) return;
-  // Skin sticks at the end rather than creeping to its place: the speed falls with the square root of the
-  // time that is left.
+  // At the end the skin sticks at once and does not creep to its position: the speed falls with the square
+  // root of the time that is left.
   const double dLeft = std::min(1.0, 1.0 - dSince / oSettle.dSeconds), dPart = dLeft * std::sqrt(dLeft);
   o.dXMm += dPart * oSettle.dXMm;
   o.dYMm += dPart * oSettle.dYMm;

@@ -10,9 +10,9 @@
 namespace Simulator {
 namespace {
 
-// A point that is only touched.
+// How long the pen is down at a point that it only touches.
 constexpr double cdTapSeconds = 0.08;
-// Pieces of a curve from point to point: as long as a picture pixel, within bounds.
+// A curve from point to point is drawn in pieces about as long as a picture pixel.
 constexpr double cdPieceMm = 0.05;
 constexpr int cnMostPieces = 32;
 // Hands draw a bend at a speed that grows with the third root of its radius.
@@ -34,7 +34,7 @@ ClPosition Between(const ClPenPoint* const (&aPoints)[4], double dPart) {
           Blend(aPoints[0]->dYMm, aPoints[1]->dYMm, aPoints[2]->dYMm, aPoints[3]->dYMm)};
 }
 
-/// Part of the usual speed on the way from one place over the next to a third.
+/// The share of the usual speed on the way from one position over the next to a third.
 double SpeedInBend(const ClPosition& oA, const ClPosition& oB, const ClPosition& oC) {
   const double dFirst = Portable::Hypot(oB.dX - oA.dX, oB.dY - oA.dY);
   const double dSecond = Portable::Hypot(oC.dX - oB.dX, oC.dY - oB.dY);

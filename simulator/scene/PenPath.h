@@ -21,7 +21,7 @@ struct ClPenStroke {
   double dEnd;
 };
 
-/// Places change in steps that nobody sees, so that a tip at rest is in the very same place.
+/// Positions change in steps that nobody sees, so that a tip at rest has exactly the same position.
 ///
 /// Domain     at least one stroke, each with at least one point, strokes in the order of time. A stroke that
 ///            would begin while the one before is drawn begins at its end.

@@ -11,7 +11,7 @@ constexpr double cdLatestStroke = 1e6;
 
 /// [x, y], or [x, y, pause].
 ClPenPoint ReadPoint(const nlohmann::json& oJson, const std::string& sPlace) {
-  // Told only of numbers: anything else may be nested deeper than there is stack to print it.
+  // Only numbers are printed: anything else may be nested too deeply for the stack.
   const auto FailShape = [&](const std::string& sReason) {
     throw ClSimError(eBadValue, "scene: \"" + sPlace + "\" " + sReason);
   };

@@ -12,7 +12,7 @@ namespace Simulator {
 constexpr double cdPlatenMm = 81.28;
 constexpr int cnPictureSide = 1600;
 constexpr double cdPixelMm = cdPlatenMm / cnPictureSide;
-/// Places are rounded to this, which nobody sees: pictures of the same place are the same.
+/// Positions are rounded to this, which nobody sees, so that equal positions give equal pictures.
 constexpr double cdPlaceStep = cdPixelMm / 32.0;
 
 /// Millimetres from the left or top edge to pixels, whole numbers being pixel centres.
@@ -24,7 +24,7 @@ constexpr double MmToPixel(double dMm) {
 ///
 /// oContact   255 where skin touches the glass, 0 where it doesn't, values between on the flanks of ridges.
 /// oCover     255 where skin is close to the glass, valleys included, 0 where there is none.
-/// bGoesOn    what lies on the edge goes on beyond it, where the sensor sees a little more of the glass.
+/// bGoesOn    what lies on the edge extends beyond it, where the sensor sees a little more of the glass.
 struct ClPlatenMap {
   TpPlane<uint8_t> oContact;
   TpPlane<uint8_t> oCover;

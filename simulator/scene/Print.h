@@ -9,7 +9,7 @@
 namespace Simulator {
 
 /// oRidge     height of the skin: 255 on the crest of a ridge, 128 on its flank, 0 in the valley.
-/// oDepth     how firmly a place is pressed on: 255 in the middle, falling to 0 where skin never touches.
+/// oDepth     how firmly the skin is pressed on: 255 in the middle, falling to 0 where skin never touches.
 /// dSlope     steepness of the flanks: how much of the height range one step of contact takes up.
 struct ClPrint {
   TpPlane<uint8_t> oRidge;

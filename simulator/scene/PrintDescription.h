@@ -19,7 +19,7 @@ struct ClPrintDescription {
   double dWidthMm = 16.0;
   double dHeightMm = 23.0;
   double dRidgePeriodMm = 0.457;  ///< 9 pixels at 500 dots per inch
-  double dPores = 0.5;            ///< share of the pore places that hold one, 0 to 1
+  double dPores = 0.5;            ///< share of the possible pores that exist, 0 to 1
   EMaterial eMaterial = eMaterialSkin;
 };
 

@@ -21,14 +21,14 @@ struct ClFileCloser {
   void operator()(std::FILE* pFile) const { std::fclose(pFile); }
 };
 
-/// Pixels per metre that the file tells, 19685 when it tells none.
+/// The file's pixels per metre, or 19685 when it has none within a sensible range.
 double PelsOf(png_structp pPng, png_infop pInfo) {
   const png_uint_32 nPels = png_get_x_pixels_per_meter(pPng, pInfo);
   return nPels >= 3000 && nPels <= 80000 ? static_cast<double>(nPels) : 19685.0;
 }
 
-/// Reads one file. libpng leaves by longjmp when something is wrong, so the two functions that call it hold
-/// nothing that needs a destructor; the texts of errors wait in a member.
+/// Reads one file. libpng leaves by longjmp when something is wrong, so that the two functions that call it
+/// hold nothing that needs a destructor; a member keeps the text of an error.
 class ClPngReader {
  public:
   explicit ClPngReader(const std::string& sPath) : m_sPath(sPath) {
@@ -104,8 +104,8 @@ class ClPngReader {
   char m_szError[128] = "";
 };
 
-/// Mean darkness in a square window, by running sums over rows, then columns; the window is cut at the
-/// borders.
+/// Mean darkness in a square window, by running sums over rows, then columns; the window is clipped to the
+/// picture.
 TpPlane<uint8_t> BoxMean(const TpPlane<uint8_t>& oIn, int nReach) {
   TpPlane<uint8_t> oRows(oIn.Width(), oIn.Height()), oOut(oIn.Width(), oIn.Height());
   const auto Run = [nReach](const uint8_t* pIn, uint8_t* pOut, int nCount, ptrdiff_t nStep) {
@@ -152,7 +152,7 @@ ClPrint ReadPrintFile(const std::string& sPath) {
   TpPlane<uint8_t> oGrey = ClPngReader(sPath).Read(dPels);
   const double dFactor = 19685.0 / dPels;
   if (std::fabs(dFactor - 1.0) > 0.005) {
-    // Judged first: at the least resolution a print would grow to 40 times its pixels.
+    // The size is checked first: at the lowest resolution a print would grow to 40 times its pixels.
     if (std::max(Rescaled(oGrey.Width(), dFactor), Rescaled(oGrey.Height(), dFactor)) >
         static_cast<int>(cnLargestSide))
       throw ClSimError(eFileRead,

@@ -189,7 +189,7 @@ class ClGrower {
     return oOut;
   }
 
-  /// Makes of living skin what the description says.
+  /// Turns living skin into the material of the description.
   void Imitate(ClPrint& oPrint) const {
     switch (m_oDescription.eMaterial) {
       case eMaterialSkin:

@@ -7,10 +7,10 @@
 namespace Simulator {
 
 /// Grows a ridge pattern: noise is filtered again and again with Gabor kernels that follow the ridge flow
-/// until ridges stand, with the endings and bifurcations that the flow forces. Same description, same
+/// until there are ridges, with the endings and bifurcations that the flow forces. Same description, same
 /// print.
 ///
-/// R. Cappelli, D. Maio, D. Maltoni, "Synthetic fingerprint-database generation", ICPR 2002, tells the
+/// R. Cappelli, D. Maio, D. Maltoni, "Synthetic fingerprint-database generation", ICPR 2002, describe the
 /// method.
 ///
 /// Cost       some 50 milliseconds for a finger of 16 by 23 mm.

@@ -10,7 +10,7 @@ namespace Simulator {
 
 /// Refuses devices, pipes and folders before they are opened: they may never end, or never begin.
 ///
-/// Domain     a path that leads nowhere passes; opening it tells the reason.
+/// Domain     a path that leads nowhere passes; opening it gives the reason.
 /// Errors     -203; the text begins with sWhat, which names the file.
 inline void NeedRegularFile(const std::string& sPath, const std::string& sWhat) {
   std::error_code oError;

@@ -23,7 +23,7 @@ ClRidgeFlow::ClRidgeFlow(const ClPrintDescription& oDescription)
       break;
     case ePatternRightLoop:
     case ePatternLeftLoop: {
-      // A loop that opens to the right has its delta on the left, and the other way round.
+      // A loop that opens to the right has its delta on the left; for the other loop it is the reverse.
       const double dSide = m_ePattern == ePatternRightLoop ? -1.0 : 1.0;
       m_aCore[0] = {dCoreX, dCoreY};
       m_aDelta[0] = {dSide * dDeltaX, dDeltaY};
@@ -44,7 +44,7 @@ ClRidgeFlow::ClRidgeFlow(const ClPrintDescription& oDescription)
 }
 
 double ClRidgeFlow::Direction(double dX, double dY) const {
-  // Ridges bow over the finger tip and lie flat at the crease below; an arch is nothing but this.
+  // Ridges bow over the finger tip and lie flat at the crease below; an arch has no other bend.
   const double dUp = std::clamp((dY + m_dHalfHeight) / (2.0 * m_dHalfHeight), 0.0, 1.0);
   const double dAcross = std::clamp(dX / m_dHalfWidth, -1.2, 1.2);
   if (m_nSingularities == 0) {
@@ -56,8 +56,7 @@ double ClRidgeFlow::Direction(double dX, double dY) const {
     dAngle += Portable::Atan2(dY - m_aCore[i].dY, dX - m_aCore[i].dX);
     dAngle -= Portable::Atan2(dY - m_aDelta[i].dY, dX - m_aDelta[i].dX);
   }
-  // A loop has only one delta, so that its open side would lack the steepness that the other side gets from
-  // it.
+  // A loop has only one delta, which makes ridges steep on its side; the open side needs the steepness added.
   double dBow = 0.15;
   if (m_ePattern == ePatternRightLoop) dBow = dX > 0.0 ? 0.95 : 0.2;
   if (m_ePattern == ePatternLeftLoop) dBow = dX < 0.0 ? 0.95 : 0.2;

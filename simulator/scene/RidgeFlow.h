@@ -17,7 +17,7 @@ class ClRidgeFlow {
  public:
   explicit ClRidgeFlow(const ClPrintDescription& oDescription);
 
-  /// Direction of the ridge through a place, 0 to the right, counter-clockwise, modulo pi.
+  /// Direction of the ridge through a position, 0 to the right, counter-clockwise, modulo pi.
   double Direction(double dX, double dY) const;
 
  private:

@@ -62,7 +62,7 @@ class ClRollStage {
     }
   }
 
-  /// Is there from one moment to the next.
+  /// Jumps to a position from one moment to the next.
   void JumpTo(double dStripMm) {
     ClRollMoment oThere = m_oFinger.oRoll.aPath.back();
     oThere.dStripMm = m_dDirection * dStripMm;
@@ -102,7 +102,7 @@ void RollAndSlip(ClRollStage& o) {
   oSlide.dDirection = o.Side() * o.Vary(90.0, 20.0);
 }
 
-/// So fast that between two frames a strip as wide as the finger touches is passed over.
+/// The finger rolls so fast that between two frames it passes over a strip as wide as the one that touches.
 void RollTooFast(ClRollStage& o) {
   const double dWidth = o.Vary(8.2, 0.5);
   o.LayFinger(dWidth);

@@ -16,8 +16,8 @@ constexpr double cdRollMiddleMm = 20.32;
 
 constexpr double cdNever = std::numeric_limits<double>::infinity();
 
-/// How a finger comes to rest: over these seconds it moves and presses from what is said here to what the
-/// finger says, ever slower.
+/// How a finger comes to rest: over these seconds its position and pressure go from the values here to those
+/// of the finger, ever slower.
 struct ClSettleDescription {
   double dSeconds = 0.0;  ///< 0: it lies still from the touch on
   double dXMm = 0.0;      ///< where it starts, from its resting place
@@ -42,7 +42,8 @@ struct ClPressDescription {
   double dPressure = 0.6;
 };
 
-/// A moment of a roll; between moments all of it changes evenly, and two entries of one moment switch it.
+/// A moment of a roll. Between two moments all values change evenly; two entries of one moment make them
+/// jump.
 struct ClRollMoment {
   double dSeconds = 0.0;  ///< after the touch
   double dStripMm =
@@ -51,8 +52,8 @@ struct ClRollMoment {
   double dDown = 1.0;  ///< 0 off the glass, 1 down
 };
 
-/// A finger that rolls over the glass without slip: a strip of its skin is down, and each place of the skin
-/// comes down on the place that it has in the unrolled print.
+/// A finger that rolls over the glass without slip: a strip of its skin is down, and each part of the skin
+/// comes down at its position in the unrolled print.
 struct ClRollDescription {
   double dWidthMm = 0.0;  ///< of the strip under ordinary pressure; 0: the finger doesn't roll
   double dTilt = 0.0;     ///< degrees by which the strip is turned against the finger, counter-clockwise
@@ -98,7 +99,7 @@ struct ClStrokeDescription {
 /// A pen whose tip is a small bright disc on the glass.
 struct ClPenDescription {
   double dDiameterMm = 0.7;
-  double dStrength = 0.9;                     ///< light of the tip against that of a ridge, 0 to 1
+  double dStrength = 0.9;                     ///< light of the tip relative to that of a ridge, 0 to 1
   std::vector<ClStrokeDescription> aStrokes;  ///< one after the other; none: there is no pen
 };
 
@@ -110,7 +111,7 @@ struct ClDirtDescription {
   double dWidthMm = 0.5;
   double dLengthMm = 0.0;
   double dAngle = 0.0;     ///< degrees, counter-clockwise; 0: a smear runs to the right
-  double dStrength = 0.4;  ///< light that it throws against that of a ridge, 0 to 1
+  double dStrength = 0.4;  ///< light that it scatters, relative to that of a ridge, 0 to 1
   double dFrom = 0.0;      ///< seconds
   double dUntil = cdNever;
 };
@@ -124,7 +125,7 @@ struct ClTargetDescription {
   double dYMm = 40.64;
   double dAngle = 0.0;  ///< degrees, counter-clockwise
   double dRadiusMm = 1.75;
-  double dUneven = 0.2;  ///< part of the light that the darkest corner lacks
+  double dUneven = 0.2;  ///< share of the light that the darkest corner lacks
   unsigned nDust = 120;
   unsigned nScratches = 6;
   std::vector<unsigned> aMissing;
@@ -141,7 +142,7 @@ struct ClAmbientPoint {
 struct ClEpromChange {
   bool bMissing = false;
   bool bReplaced = false;
-  std::vector<uint8_t> aData;    ///< what takes its place; cut and flips come after it
+  std::vector<uint8_t> aData;    ///< replaces it; cut and flips come after that
   long nCut = -1;                ///< bytes that are left; -1 for all
   std::vector<unsigned> aFlips;  ///< offsets of bytes that are inverted
 };

@@ -13,7 +13,7 @@
 
 namespace Simulator {
 
-/// One JSON object being read. Each key is asked for once; Done complains about keys that nobody asked for.
+/// Reads one JSON object. Each key is asked for once; Done refuses keys that nobody asked for.
 class ClObject {
  public:
   using Json = nlohmann::json;

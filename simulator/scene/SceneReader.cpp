@@ -108,8 +108,7 @@ ClRollDescription ReadRoll(ClObject o) {
   return oRoll;
 }
 
-/// A roll that says nothing else lies in the part of the platen that roll frames show, begins on a free
-/// platen and ends.
+/// By default a roll lies in the part of the platen that roll frames show, begins on a free platen and ends.
 void ReadRoll(ClObject& o, ClFingerDescription& oFinger) {
   const Json* p = o.Find("roll");
   if (!p) return;
@@ -147,7 +146,7 @@ ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, con
   oFinger.dYMm = o.Number("y", oFinger.dYMm, -50.0, 130.0);
   oFinger.dAngle = o.Number("angle", oFinger.dAngle, -180.0, 180.0);
   oFinger.dPressure = o.Number("pressure", oFinger.dPressure, 0.0, 1.0);
-  // A picture of a real print is as dry as it is, and an imitation is not dry at all.
+  // A picture of a real print already shows its dryness, and an imitation is not dry at all.
   const bool bSkin = oFinger.oPrint.sFile.empty() && oFinger.oPrint.eMaterial == eMaterialSkin;
   oFinger.dDryness = o.Number("dryness", bSkin ? oFinger.dDryness : 0.0, 0.0, 1.0);
   oFinger.dHalo = o.Number("halo", oFinger.dHalo, 0.0, 1.0);
@@ -318,7 +317,7 @@ ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
   return oFault;
 }
 
-/// The pacing of scenes that say nothing of it.
+/// The pacing of scenes that don't name one.
 bool RealTimeByDefault() {
   const char* szPacing = std::getenv("KELVARIN_VTSIM_PACING");
   return szPacing != nullptr && std::strcmp(szPacing, "real") == 0;

@@ -7,8 +7,9 @@
 
 namespace Simulator {
 
-/// A scene from JSON text; docs/simulator.md tells the form. The schema is strict: an unknown key is an error
-/// that names the key and where it stands, a value out of range one that tells the value and the range.
+/// A scene from JSON text; docs/simulator.md describes the form. The schema is strict: an unknown key is an
+/// error that names the key and where it stands; a value out of range is an error that names the value and
+/// the range.
 ///
 /// sFolder    where relative print files are looked for.
 /// Errors     -44 with the reason in words.

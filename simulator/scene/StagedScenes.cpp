@@ -17,7 +17,7 @@ struct ClStage {
   double Vary(double dMiddle, double dBy) { return oRandom.Range(dMiddle - dBy, dMiddle + dBy); }
 };
 
-/// A hand laid down not quite as the last time.
+/// A hand is laid down not quite as it was the last time.
 void LayHand(ClStage& o, const char* szFingers) {
   o.oScanner.aFingers = StillFingers(szFingers);
   const double dX = o.Vary(0.0, 1.0), dY = o.Vary(0.0, 3.0), dTurn = o.Vary(0.0, 3.0);
@@ -61,9 +61,9 @@ void Slide(ClStage& o) {
   }
 }
 
-/// Slides until it lies, and leaves when two preview frames have seen it at rest, so that the capture which
-/// these set off meets fingers that are all but gone. Frames come at whole multiples of their time when a
-/// preview is all that has run.
+/// The finger slides, rests, and leaves after two preview frames have seen it at rest, so that the capture
+/// which they trigger finds fingers that are almost gone. Frames come at whole multiples of their time as
+/// long as only a preview has run.
 void LeaveEarly(ClStage& o) {
   const double dFrames = 10 + static_cast<double>(o.oRandom.Next() % 6) - o.Vary(0.6, 0.12);
   const double dStill = cdPreviewSeconds * dFrames, dDirection = o.oRandom.Range(0.0, 360.0);
@@ -76,7 +76,7 @@ void LeaveEarly(ClStage& o) {
   }
 }
 
-/// A few specks and a smear: few, since hosts that watch for dirt see a single one.
+/// Lays down a few specks and a smear. They are few, since hosts that watch for dirt see even a single one.
 void Soil(ClStage& o) {
   const int nSpecks = 5 + static_cast<int>(o.oRandom.Next() % 10);
   for (int i = 0; i < nSpecks; ++i) {

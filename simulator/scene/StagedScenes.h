@@ -7,7 +7,7 @@
 
 namespace Simulator {
 
-/// Sets the stage of that name; false when there is none. The seed varies places, ways and times.
+/// Sets the stage of that name; false when there is none. The seed varies positions, ways and times.
 bool StageScene(const std::string& sName, uint64_t nSeed, ClScannerDescription& oScanner);
 
 /// The names, separated by commas.

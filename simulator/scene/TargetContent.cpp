@@ -112,7 +112,7 @@ void ClTargetContent::DrawMark(const ClMark& oMark, ClPlatenMap& oMap) noexcept 
       const double dY = (y + 0.5) * cdPixelMm - oMark.oFrom.dY;
       const double dAlong = dWay > 0.0 ? std::clamp((dX * dWayX + dY * dWayY) / dWay, 0.0, 1.0) : 0.0;
       const double dOff = Portable::Hypot(dX - dAlong * dWayX, dY - dAlong * dWayY);
-      // The part of the pixel that the mark covers, were its edge straight.
+      // The share of the pixel that the mark covers, as if its edge were straight.
       const double dCover = std::clamp(0.5 + (oMark.dRadiusMm - dOff) / cdPixelMm, 0.0, 1.0);
       const float fPart = oMark.fStrength * static_cast<float>(dCover);
       const float fLight = static_cast<float>(pContact[x]);

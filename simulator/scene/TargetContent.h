@@ -13,13 +13,13 @@ constexpr int cnTargetSide = 8;
 constexpr size_t cnTargetDots = cnTargetSide * cnTargetSide;
 constexpr double cdTargetPitchMm = 10.0;
 
-/// A place on the platen, from its left and top edge.
+/// A position on the platen, from its left and top edge.
 struct ClPlaceMm {
   double dX, dY;
 };
 
-/// The target as it is laid against its stops: straight and in the middle, all dots there. Size of the dots,
-/// light, dust and scratches are drawn from the seed.
+/// The target as it is laid against its stops: straight and in the middle, with all its dots. Size of the
+/// dots, light, dust and scratches are drawn from the seed.
 ClTargetDescription PlainTarget(uint64_t nSeed);
 
 /// The middles of all dots, those that are missing too. They are counted as the sensor sees them, which is
@@ -35,8 +35,8 @@ class ClTargetContent : public ClPlatenContent {
   void Count(double, ClPlatenFacts&) const override {}
 
  private:
-  /// Something on the sheet that ends softly: a disc, or a line with round ends. It takes the light from what
-  /// it was to fGrey, by the part fStrength.
+  /// Something on the sheet that ends softly: a disc, or a line with round ends. It moves the light towards
+  /// fGrey by the share fStrength.
   struct ClMark {
     ClPlaceMm oFrom, oTo;
     double dRadiusMm;

@@ -39,7 +39,7 @@ void PutPoints(ByteBlock& aOut, const std::vector<ClPoint>& aPoints) {
   }
 }
 
-/// Places of the dots in the picture before it is mirrored, column after column.
+/// Positions of the dots in the picture before it is mirrored, column after column.
 std::vector<ClPoint> DotPlaces() {
   const double dPitch = 10.0 / cdPixelMm;
   const double dFirst = 0.5 * (cnPictureSide - 1) - 0.5 * (cnGridSide - 1) * dPitch;
@@ -169,7 +169,7 @@ GainTable MeasureGains(uint64_t nSeed, unsigned nRevision) {
   const uint8_t nWhite = ToByte(cdRidgeLevel);
   for (const unsigned nKey : caIlluminationKeys)
     oTable[nKey] = {{Spread(0x60), Spread(0x60), Spread(0x60)}, {nWhite, nWhite, nWhite}};
-  // The first series was built to one gain; hosts know it without asking.
+  // The first series was built with fixed gains, which hosts know without reading the file.
   if (nRevision == 0)
     oTable[1].anGain = {0x40, 0x48, 0x40};
   else

@@ -35,7 +35,7 @@ struct ClGainEntry {
 };
 using GainTable = std::map<unsigned, ClGainEntry>;
 
-/// "GEOCAL", version "006": big-endian with a CRC behind it.
+/// "GEOCAL", version "006": big-endian, ending in a CRC.
 ByteBlock EncodeGeometry(const ClGeometry& oGeometry);
 /// "BRGHTCAL": the "CBD" form or the positional one of 1088 bytes.
 ByteBlock EncodeBrightness(const BrightnessTable& oTable, bool bLegacy);

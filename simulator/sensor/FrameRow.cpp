@@ -22,13 +22,13 @@ inline uint8_t ToByte(int16_t nLevel) noexcept {
 }
 
 void MakeLitRow(const ClFrameRow& oRow, uint8_t* pOut, size_t nCount) noexcept {
-  // Locals: what is reached through the argument could be overwritten by pOut, as far as the compiler knows.
+  // These are locals, since the compiler must assume that writes to pOut change what the argument leads to.
   const uint16_t *pSignal = oRow.pSignal, *pGain = oRow.pGain;
   const int16_t *pBase = oRow.pBase, *pNoise = oRow.pNoise, *pFixed = oRow.pFixed;
   const uint16_t nReadNoise = oRow.nReadNoise, nShotNoise = oRow.nShotNoise;
   const int16_t nFixed = oRow.nFixed;
   for (size_t i = 0; i < nCount; ++i) {
-    // Far beyond white is white: the cut keeps all sums within 16 bits.
+    // The limit is far above white, and keeps all sums within 16 bits.
     const int16_t nLight =
         std::min(static_cast<int16_t>(UpperHalf(pSignal[i], pGain[i])), static_cast<int16_t>(0x2000));
     const int16_t nSpread =

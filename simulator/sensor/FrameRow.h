@@ -6,7 +6,7 @@
 
 namespace Simulator {
 
-/// Fractions of a grey level in which rows are put together.
+/// The fractions of a grey level in which rows are computed.
 constexpr int cnLevelSteps = 16;
 
 /// What one row is made of. All arrays have at least as many entries as the row has pixels.
@@ -16,9 +16,9 @@ constexpr int cnLevelSteps = 16;
 /// pBase      level without light (ambient light and offset), cnLevelSteps to a level,
 ///            at most 8191.
 /// pNoise     random numbers of ClNoise, new for each row.
-/// pFixed     the same, but always the same for a row of the sensor: its fixed pattern.
+/// pFixed     such numbers that never change for a row of the sensor: its fixed pattern.
 /// nReadNoise standard deviation of the noise in the dark, 512 to a level.
-/// nShotNoise what each 65536 steps of signal add to that.
+/// nShotNoise by how much 65536 steps of signal raise that.
 /// nFixed     standard deviation of the fixed pattern, 512 to a level.
 struct ClFrameRow {
   const uint16_t* pSignal;

@@ -7,7 +7,7 @@ namespace Simulator {
 constexpr double cdRidgeLevel = 150.0;
 /// Light that clean glass scatters into the sensor, in levels.
 constexpr double cdStrayLevel = 4.0;
-/// Light from a valley as a part of that from a ridge.
+/// Light from a valley as a share of that from a ridge.
 constexpr double cdValleyPart = 0.2;
 
 }  // namespace Simulator

@@ -7,8 +7,8 @@
 
 namespace Simulator {
 
-/// Normally distributed numbers, made once. Each row reads a stretch of them that begins at a place chosen by
-/// a number, so that noise costs no random generator and the same number gives the same noise.
+/// Normally distributed numbers, made once. Each row reads a stretch of them, and a number decides where the
+/// stretch begins. So noise needs no random generator, and the same number gives the same noise.
 ///
 /// Threads    const operations are thread-safe.
 class ClNoise {

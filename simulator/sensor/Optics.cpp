@@ -45,7 +45,8 @@ ClPoint ClOptics::PictureToSensor(double dX, double dY) const noexcept {
 
 ClPoint ClOptics::SensorToPicture(double dX, double dY) const noexcept {
   double dA = (dX - m_dMidX) / m_dScaleX, dB = (dY - m_dMidY) / m_dScaleY;
-  // The barrel pulls a radius r in to r * (1 - barrel * r * r); Newton's method undoes that in a few steps.
+  // Barrel distortion shortens a radius r to r * (1 - barrel * r * r); Newton's method undoes that in a few
+  // steps.
   const double dPulled = std::sqrt(dA * dA + dB * dB);
   double dRadius = dPulled;
   for (int i = 0; i < 5; ++i)

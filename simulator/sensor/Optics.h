@@ -18,13 +18,13 @@ struct ClPoint {
 /// Threads    const operations are thread-safe.
 class ClOptics {
  public:
-  /// The seed stands for the scanner: other seeds, other distortion and light.
+  /// The seed stands for the scanner: each seed has its own distortion and light.
   explicit ClOptics(uint64_t nSeed);
 
   ClPoint PictureToSensor(double dX, double dY) const noexcept;
   ClPoint SensorToPicture(double dX, double dY) const noexcept;
 
-  /// Illumination of a place of the picture, 1 at the brightest. It falls by about a third towards the
+  /// Illumination at a position in the picture, 1 at the brightest. It falls by about a third towards the
   /// corners and is symmetric about the vertical middle line up to a few thousandths, as the LED bars on both
   /// sides make it.
   double Illumination(double dX, double dY) const noexcept;

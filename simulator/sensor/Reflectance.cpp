@@ -12,7 +12,7 @@ void ClReflectance::Update(const ClPlatenMap& oMap) {
   if (m_oPicture.Empty()) m_oPicture.Resize(cnPictureSide, cnPictureSide);
   m_oOccupied.Resize(nBlocks, nBlocks, 0);
   m_bGoesOn = oMap.bGoesOn;
-  // Contact adds to the light of the skin what that leaves of full light.
+  // The light of the skin leaves a rest up to full light; contact adds its share of that rest.
   constexpr unsigned nValley = static_cast<unsigned>(cdValleyPart * 65536.0);
   for (int y = 0; y < cnPictureSide; ++y) {
     const uint8_t* pContact = oMap.oContact.Row(y);

@@ -19,7 +19,7 @@ constexpr double cdBlackOffset = 3.0;     // level of a sensor without any light
 constexpr double cdFixedDeviation = 0.3;  // of the fixed pattern, in levels
 constexpr uint16_t cnNoisePerLevel = 512;
 constexpr double cdShotNoise = 4096.0;
-constexpr double cdColourStrength = 0.4;  // of a single colour against the main light
+constexpr double cdColourStrength = 0.4;  // of a single colour relative to the main light
 constexpr uint64_t cnMainLight = 1;
 constexpr uint64_t cnColours = 0x1E00;
 
@@ -33,7 +33,7 @@ double StrengthOf(uint64_t nMask) {
   return dStrength;
 }
 
-/// The word behind "FPGA:" in a version text.
+/// The word after "FPGA:" in a version text.
 std::string FirmwareOf(const std::string& sVersion) {
   const size_t nAt = sVersion.find("FPGA:");
   std::string sWord;
@@ -85,7 +85,7 @@ void ClSensor::SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSee
   SetPower(oScanner);
 }
 
-/// The light is made for the settings that a host takes from the revision and the source of power.
+/// The light suits the settings that a host chooses by the revision and the source of power.
 void ClSensor::SetPower(const ClScannerDescription& oScanner) {
   m_bUsbPowered = oScanner.bUsbPowered && FirmwareOf(oScanner.sVersion) >= "2.07";
   m_nNominalExposure = m_nRevision == 0 ? 150 : m_bUsbPowered ? 400 : 300;
@@ -111,8 +111,8 @@ void ClSensor::Free() {
   m_pSignal = nullptr;
 }
 
-/// Draws the scene when it has changed, and what the mode sees of it when that is out of date. Two modes are
-/// kept: a capture out of a preview switches to and fro.
+/// Draws the scene when it has changed, and the mode's view of it when that is out of date. The views of two
+/// modes are kept, since a capture out of a preview switches to and fro.
 void ClSensor::PrepareSignal(const ClSensorMode& oMode, double dSeconds) {
   const uint64_t nState = m_oScene.StateAt(dSeconds);
   if (m_oMap.oContact.Empty() || nState != m_nDrawnState) {

@@ -44,9 +44,9 @@ class ClSensor {
   /// Changes what lies on the platen and the noise; optics and calibration stay.
   void SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
-  /// Writes the planes of a sequence, one behind the other. They show the platen at dSeconds, each under the
+  /// Writes the planes of a sequence, one after the other. They show the platen at dSeconds, each under the
   /// room light of its own moment. In a sequence of one dark and one lit plane the
-  /// low four bits of the first byte tell the order: 0 when the dark plane comes first.
+  /// low four bits of the first byte give the order: 0 when the dark plane comes first.
   void Render(const ClSensorSettings& oSettings, double dSeconds, uint64_t nSequence, uint8_t* pOut);
 
   /// One frame without an order tag, under the room light of dLightSeconds.

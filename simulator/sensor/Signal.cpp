@@ -27,8 +27,8 @@ void ClSignal::Free() {
   std::vector<uint32_t>().swap(m_aSum);
 }
 
-/// Where the borders of the runs of a row fall in the picture. The row is counted in rows of the mode; the
-/// node is the middle of a pixel's upper left corner sample, so that samples are reached by plain offsets.
+/// Where the ends of the runs of a row lie in the picture. The row is counted in rows of the mode; a node is
+/// the middle of a pixel's upper left sample, so that the other samples are reached by plain offsets.
 void ClSignal::LookThrough(const ClOptics& oOptics, const ClSensorMode& oMode, int nRow,
                            std::vector<ClNode>& aNodes) const {
   for (size_t i = 0; i < aNodes.size(); ++i) {
@@ -59,7 +59,7 @@ void ClSignal::Render(const ClReflectance& oReflectance, const ClOptics& oOptics
 
 void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& oMode, int nRow) {
   const int nAcross = SamplesAcross(oMode.nMergeX), nDown = SamplesDown(oMode.nMergeY);
-  // Sums are 1/256 steps of reflectance; the ridge level belongs to 255.
+  // Sums are in steps of 1/256 of reflectance; the ridge level stands for 255.
   const float fRidge = static_cast<float>(cdRidgeLevel * cnSignalSteps / (255.0 * 256.0 * nAcross * nDown));
   const float fStray = static_cast<float>(cdStrayLevel * cnSignalSteps);
   const int nInBlock = nRow % m_cnRun;
@@ -97,7 +97,8 @@ void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& 
   }
 }
 
-/// Adds one bilinear sample, in 1/256 steps, for each pixel of a run; dOffset is its place across the pixel.
+/// Adds one bilinear sample, in 1/256 steps, for each pixel of a run; dOffset is its position across the
+/// pixel.
 void ClSignal::Collect(const ClReflectance& oReflectance, const ClNode& oFirst, const ClNode& oLast,
                        double dOffset, int nCount, uint32_t* pSum) const noexcept {
   const double dStepX = (static_cast<double>(oLast.fX) - oFirst.fX) / m_cnRun;

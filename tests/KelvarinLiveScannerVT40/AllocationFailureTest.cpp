@@ -13,7 +13,7 @@ std::string Scene(const std::string& sSerial) {
       "fingers": [{"print": {"seed": 3}}]}]})";
 }
 
-/// A slow build takes a sample, and KELVARIN_TEST_OFFSET in the environment tells where it begins.
+/// A slow build takes a sample, and KELVARIN_TEST_OFFSET in the environment says where it begins.
 constexpr size_t cnStep = cnSlowness;
 
 size_t Offset() {
@@ -21,7 +21,7 @@ size_t Offset() {
   return szOffset != nullptr ? std::strtoul(szOffset, nullptr, 10) % cnStep : 0;
 }
 
-/// What came of a scanner's life; a call that could not be made counts as 0.
+/// The results of a scanner's life; a call that could not be made counts as 0.
 struct StLife {
   long nOpened = 0;
   long nCaptured = 0;
@@ -34,7 +34,7 @@ class AllocationFailure : public Api {
  protected:
   void SetUp() override {
     Api::SetUp();
-    // Records of closed handles are kept up to a number; from then on a life leaves nothing behind.
+    // Records of closed handles are kept up to a number; after that a life leaves no memory in use.
     ASSERT_EQ(VTSimFailCall("VTScanAPICreateHandle", 1, 0, -101), 0);
     for (int n = 0; n < 100; ++n) ASSERT_EQ(Open(), -101);
     ASSERT_EQ(VTSimClearFaults(), 0);
@@ -62,7 +62,7 @@ class AllocationFailure : public Api {
     return oLife;
   }
 
-  /// What a scanner remembers while it is closed is the simulator's and goes with it.
+  /// What a scanner remembers while it is closed belongs to the simulator and is freed with it.
   static long BlocksWithoutScanner() {
     LoadScene(Scene("VT40-AB0002"));
     return Allocations::Live();
@@ -72,7 +72,7 @@ class AllocationFailure : public Api {
 };
 
 TEST_F(AllocationFailure, EndsWithItsNumberAndLeavesNothing) {
-  // What is made once for all lives is made in the first one.
+  // The first life makes what is made once for all of them.
   StLife oLife = Live([] {});
   oLife = Live([] { Allocations::Remember("libKelvarinLiveScannerVT40"); });
   ASSERT_EQ(oLife.nOpened, 0);
@@ -80,13 +80,13 @@ TEST_F(AllocationFailure, EndsWithItsNumberAndLeavesNothing) {
   const std::vector<unsigned char> aPicture = m_aPicture;
   size_t nTold = 0;
   size_t nTried = 0;
-  // Calls from one place meet the same handlers: the first of them stands for all.
+  // Calls from one stack meet the same handlers, so that the first of them stands for all.
   for (size_t nStack = Offset(); nStack < Allocations::Stacks() && !HasFailure();
        nStack += cnStep, ++nTried) {
     SCOPED_TRACE(nStack);
     oLife = Live([nStack] { Allocations::FailAt(nStack); });
     EXPECT_TRUE(oLife.bFailed);
-    // A calibration map that found no memory is missed by the first picture that needs it, and by no other.
+    // A calibration map that found no memory makes the first picture fail that needs it, and no other.
     const bool bTold = oLife.nOpened == -102 || oLife.nCaptured == -102 || oLife.nCaptured == -2;
     nTold += bTold ? 1 : 0;
     EXPECT_TRUE(bTold || (oLife.nOpened == 0 && oLife.nCaptured == 0 && m_aPicture == aPicture))

@@ -1,4 +1,4 @@
-// A simulated scanner behind the exported functions, for tests that see the library as an application does.
+// A simulated scanner under the exported functions, for tests that see the library as an application does.
 #pragma once
 
 #include <algorithm>
@@ -54,7 +54,7 @@ class Api : public testing::Test {
     ASSERT_EQ(VTSimHoldSequences(nullptr, 1), 0);
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
   }
-  /// Frames are on their way while the scanner turns to another mode or closes; then it must work again.
+  /// The scanner changes its mode or closes while frames are on their way; then it must work again.
   void LeaveFor(bool bClose) {
     ASSERT_EQ(VTSimHoldSequences(nullptr, 0), 0);
     if (bClose) {
@@ -95,7 +95,7 @@ class Api : public testing::Test {
   using ImageCall = long (*)(void*, void*, double*, unsigned char*, long*);
   static StDelivered Fetch(ImageCall pfnImage, void* h, size_t nPixels) {
     StDelivered oDelivered;
-    // Bytes behind the image that must not be touched.
+    // Bytes after the image that must not be touched.
     oDelivered.aPixels.assign(nPixels + 64, 0xA5);
     oDelivered.nError =
         pfnImage(h, oDelivered.aPixels.data(), &oDelivered.dScore, &oDelivered.bDone, &oDelivered.nResult);

@@ -9,7 +9,7 @@ namespace {
 
 class Assignment : public Api {
  protected:
-  /// Opens, expects the number, and checks that nothing is left behind.
+  /// Opens, expects the number, and checks that nothing is left open.
   void ExpectOpen(long nNumber, const std::string& sWhat) {
     EXPECT_EQ(Open(), nNumber) << sWhat;
     if (nNumber == 0) {
@@ -105,7 +105,7 @@ TEST_F(Assignment, CallsWhoseResultDoesNotCountMayFail) {
 }
 
 TEST_F(Assignment, MissingAndDamagedCalibrationBlocksAreRefusedWithTheirNumber) {
-  // The readers' own tests go over every byte; here are the ways from each block to the caller.
+  // The readers' own tests go over every byte; this one follows a failure of each block to the caller.
   struct StDamage {
     const char* szFile;
     const char* szWhat;
@@ -117,7 +117,7 @@ TEST_F(Assignment, MissingAndDamagedCalibrationBlocksAreRefusedWithTheirNumber) 
       {"GEOCAL", "an actual point", -39, [](auto& a) { a[700] ^= 0x10; }},
       {"GEOCAL", "a target count", -201, [](auto& a) { a[52] ^= 0x01; }},
       {"GEOCAL", "the end", -201, [](auto& a) { a.pop_back(); }},
-      // An empty file is there as well; one of gain data is as good as none.
+      // An empty file is not a missing one, but empty gain data are allowed like missing ones.
       {"GEOCAL", "all of it", -201, [](auto& a) { a.clear(); }},
       {"BRGHTCAL", "all of it", -201, [](auto& a) { a.clear(); }},
       {"GAINSET", "all of it", 0, [](auto& a) { a.clear(); }},

@@ -44,7 +44,8 @@ TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
   ASSERT_NO_FATAL_FAILURE(PassUntilShot());
   ASSERT_NO_FATAL_FAILURE(Pass());
-  // The worker lets the caller in between two sequences; four of them are still fewer than five frames.
+  // The worker lets the caller in between two sequences. Four sequences are fewer than the five frames of an
+  // offer.
   std::future<StDelivered> oKept = std::async(std::launch::async, [&] { return Image(); });
   for (int n = 0; n < 4 && oKept.wait_for(std::chrono::milliseconds(250)) != std::future_status::ready; ++n) {
     ASSERT_EQ(VTSimPassSequences(nullptr, 1), 0);
@@ -101,7 +102,7 @@ TEST_F(AutoScanner, AShotThatFailsPutsThePreviewsSettingsBack) {
     ASSERT_EQ(Open(), 0);
     ASSERT_EQ(VTSimFailCall("VTScanAPISetCaptureMode", nFailing + 1, 1, -777), 0);
     ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
-    // The call behind the one that failed puts them back; the pause's own, before that, has one plane.
+    // The call after the one that failed puts them back; the pause's own, before that, has one plane.
     ASSERT_TRUE(WaitFor(
         [&] {
           return Calls("VTScanAPISetCaptureMode") > nFailing + 1 && State().nSensorMode == 35 &&
@@ -177,7 +178,7 @@ TEST_F(AutoScanner, AScoreThatFailsIsNoneAndTheCaptureStands) {
 }
 
 /// Brings the scanner to the moments of an automatic capture: so many sequences were passed (two or three
-/// previews, four of the liveness lights, the shot), or the pause behind a good shot has begun.
+/// previews, four of the liveness lights, the shot), or the pause after a good shot has begun.
 class AtEachMoment : public AutoScanner {
  protected:
   static constexpr unsigned int cnPause = 8;
@@ -194,7 +195,7 @@ class AtEachMoment : public AutoScanner {
       EXPECT_EQ(State().nLockedSequences, 0u);
       EXPECT_EQ(State().bOpen, 0);
     }
-    // Nothing is left behind: the scanner opens again and captures.
+    // Nothing is left open: the scanner opens again and captures.
     Start(cszFinger);
     EXPECT_EQ(PollUntil(true, cnFewFrames).nError, 0);
   }

@@ -1,4 +1,4 @@
-// Trials of automatic capture over many staged scenes, whose outcome hangs on the pace of the frames.
+// Trials of automatic capture over many staged scenes, whose outcome depends on the pace of the frames.
 #include "AutoFixture.h"
 
 namespace {
@@ -19,7 +19,7 @@ TEST_F(AutoScanner, CapturesEverySteadyPlacementOnceWithin30Frames) {
       EXPECT_EQ(oImage.nResult, 0);
       EXPECT_GT(DarkerThan(oImage.aPixels, 128), 100000);
       ASSERT_EQ(PollUntil(false, cnManyFrames).nError, 0);
-      // The capture; a fetch that comes behind its five frames takes a shot of its own.
+      // This is the capture; a fetch that comes after its five frames takes a shot of its own.
       const std::vector<VTSimFrame> aShots = Shots();
       ASSERT_GT(aShots.size(), nBefore);
       const VTSimFrame& oShot = aShots[nBefore];

@@ -23,7 +23,7 @@ class ClArguments {
     m_nNull = nNull;
     m_nPointer = m_bHandle ? -1 : 0;
     m_nText = 0;
-    // Braces: the arguments are made in their order.
+    // With braces the arguments are made in their order.
     const std::tuple<TArguments...> aArguments{Make<TArguments>()...};
     return std::apply(pfn, aArguments);
   }
@@ -43,7 +43,7 @@ class ClArguments {
   const char* Good(const char*) { return m_aszTexts[m_nText++]; }
   const wchar_t* Good(const wchar_t*) { return L""; }
   void* Good(void*) { return m_nPointer == 0 ? m_h : Good(static_cast<double*>(nullptr)); }
-  /// Room for whatever is written, an image too; as a size it tells 256 bytes.
+  /// Room for whatever is written, even an image; read as a size it says 256 bytes.
   template <typename T>
   T* Good(T*) {
     static std::vector<double> s_aaRooms[5];

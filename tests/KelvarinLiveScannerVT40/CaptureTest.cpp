@@ -63,7 +63,7 @@ TEST_F(OpenScanner, EveryModeShowsTheFingersOnTheSamePlace) {
   EXPECT_EQ(oStream.nResult, KLV_ERROR_NO_FINGER);
   EXPECT_EQ(oStream.dScore, 0.0);
   EXPECT_GT(DarkerThan(oShot.aPixels, 128), 100000);
-  // Where one picture has ridges the other ones have, give or take the noise of another exposure.
+  // All pictures have ridges at the same positions, apart from the noise of another exposure.
   int nOnDemand = 0, nStream = 0, nPreview = 0;
   for (size_t y = 0; y < 1600; ++y) {
     for (size_t x = 0; x < 1600; ++x) {
@@ -228,7 +228,7 @@ TEST_F(OpenScanner, AScannerThatClosesInEveryModeHangsNowhere) {
       }
       const auto tStart = std::chrono::steady_clock::now();
       EXPECT_EQ(LS_VT40CloseScanner(&m_h), 0);
-      // The shortest of the image calls' time-outs. What waits one out would hang.
+      // This is the shortest time-out of the image calls. A call that takes as long has waited it out.
       EXPECT_LT(SecondsSince(tStart), 10.0);
       ASSERT_EQ(Open(), 0);
     }

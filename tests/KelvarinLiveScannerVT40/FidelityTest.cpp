@@ -1,5 +1,5 @@
-// Captured pictures against what really lay on the platen: the same ridges, at the same places, for different
-// optics.
+// Captured pictures against what really lay on the platen: the same ridges, at the same positions, for
+// different optics.
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -45,8 +45,8 @@ struct StShifts {
   double dMeanX = 0, dMeanY = 0, dRms = 0;
 };
 
-/// How far the ridges of each block lie from their true place: the peak of the block's correlation, between
-/// pixels.
+/// How far the ridges of each block lie from their true position: the peak of the block's correlation,
+/// between pixels.
 StShifts MeasureShifts(const StPicture& oTruth, const StPicture& oMask, const StPicture& oImage) {
   constexpr int cnBlock = 40;
   constexpr int cnReach = 3;

@@ -6,7 +6,7 @@
 
 #include "ApiFixture.h"
 
-/// What clock() tells the library.
+/// The time that clock() gives to the library.
 inline std::atomic<long> s_nProcessorTime{0};
 
 constexpr int cnPadWidth = 960;
@@ -34,7 +34,7 @@ class Signature : public OpenScanner {
   }
   /// The clock of the library goes on, and the scene does not.
   static void Rest(double dSeconds) { s_nProcessorTime += static_cast<long>(1e6 * dSeconds); }
-  /// Goes on to a moment of the scene; the number of previews that told a finished signature.
+  /// Goes on to a moment of the scene; returns the number of previews that reported a finished signature.
   int StepUntil(double dSeconds) {
     int nDone = 0;
     while (State().dTime < dSeconds) {

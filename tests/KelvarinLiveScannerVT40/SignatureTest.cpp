@@ -72,7 +72,7 @@ TEST_F(Signature, HasTheRulesAndSizesOfItsMode) {
     EXPECT_EQ(State().nSensorMode, bHalf ? 38 : 6);
     EXPECT_EQ(State().nPlanes, 1u);
     EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", !bHalf), KLV_ERROR_INVALID_STATE);
-    // The fixture sees to it that nothing behind an image of the signature's size is written.
+    // The fixture checks that nothing after an image of the signature's size is written.
     for (int n = 0; n < 12; ++n) {
       const StDelivered oPreview = Step();
       ASSERT_EQ(oPreview.nError, 0);

@@ -8,8 +8,8 @@
 
 #include "SignatureFixture.h"
 
-/// A place on the pad as the library counts: pixels of the signature's sensor modes, from the right edge and
-/// the top.
+/// A position on the pad as the library counts: pixels of the signature's sensor modes, from the right edge
+/// and the top.
 struct StPlace {
   double dX;
   double dY;
@@ -29,7 +29,7 @@ struct StLikeness {
 
 constexpr double cdStep = 0.002;
 
-/// The strokes of the scene that is loaded, with a place for each step of time.
+/// The strokes of the scene that is loaded, with a position for each step of time.
 inline std::vector<StStroke> TrueStrokes() {
   std::vector<VTSimStroke> aTimes(200);
   unsigned int nCount = 200;

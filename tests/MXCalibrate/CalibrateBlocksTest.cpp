@@ -73,7 +73,7 @@ TEST(BrightnessData, FewerThan64PointsAreWrittenInFrontOfZerosAndMoreAreRefused)
   EXPECT_THROW(Written(oData), ClException);
 }
 
-/// Every cut is refused and leaves no data, but behind a whole record of the current form.
+/// Every cut is refused and leaves no data, except after a whole record of the current form.
 template <typename TData>
 void ExpectCutsFound(const Bytes& aLegacy, const Bytes& aCurrent, size_t nHead, size_t nRecord) {
   for (const Bytes& aBlock : {aLegacy, aCurrent}) {

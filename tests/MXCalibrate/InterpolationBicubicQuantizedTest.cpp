@@ -9,7 +9,8 @@
 
 namespace {
 
-/// Each weight is the kernel at its place, smoothed over 31 by 31 samples of a 32nd of a pixel, in 1024ths.
+/// Each weight is the kernel at its position, smoothed over 31 by 31 samples of a 32nd of a pixel, in
+/// 1024ths.
 template <int C, int D, int E>
 void ExpectTable() {
   constexpr double c = C / 1000.0, d = D / 1000.0, e = E / 1000.0;

@@ -332,13 +332,14 @@ TEST_F(StoredWarp, EveryCutAndEveryWrongFieldIsFoundAndNamed) {
 
 TEST_F(StoredWarp, AMapThatPointsOutsideItsSourceOrHasOneOutOfReachIsRefused) {
   const size_t cnMap = m_aBytes.size() - 4 - 20 * 8;
-  // Without a source in the map nothing but the reach of offsets refuses one that is too large.
+  // The map has no source anywhere: only the test of the offsets' reach can refuse a source that is too
+  // large.
   for (size_t n = 0; n < 20 * 8; ++n) m_aBytes[cnMap + n] = n % 8 < 4 ? 0xFF : 0;
   EXPECT_EQ(Load(m_aBytes).first, 0);
   Bytes aBad = m_aBytes;
   for (size_t n = 12; n < 20; ++n) aBad[n] = 0xFF;
   EXPECT_EQ(Load(aBad).first, -39);
-  // The last place of a window, the one behind it, and the phase behind the last.
+  // The last position of a window, the one after it, and the phase after the last.
   for (const auto& [nOffset, nPhase, nNumber] :
        {std::tuple<int, uint32_t, long>{5 * 12 + 6, 1023, 0}, {5 * 12 + 7, 0, -39}, {0, 1024, -39}}) {
     Bytes aEntry;

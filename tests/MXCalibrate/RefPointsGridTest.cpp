@@ -136,7 +136,7 @@ TEST(Dots, ShuffledAndShakenOnesComeInTheOrderOfThePattern) {
   for (ClVector& o : aPlaces) o = o + ClVector(oShake(oRandom), oShake(oRandom));
   std::vector<ClVector> aShuffled = aPlaces;
   std::shuffle(aShuffled.begin(), aShuffled.end(), oRandom);
-  // Chains of strays that hold on to the grid by two neighbours each, and one alone.
+  // Chains of strays that are linked to the grid by two neighbours each, and a single stray.
   aShuffled.emplace_back(500 + 8 * cdPitchX, 300 + 3 * cdPitchY);
   aShuffled.emplace_back(500 - cdPitchX, 310);
   aShuffled.emplace_back(3700, 20);
@@ -193,7 +193,7 @@ TEST(Dots, SixtyThreeAreTooFewWhateverElseIsThere) {
 
 TEST(Dots, OneOffThePatternUsesUpNoIdealPoint) {
   ClDonut oDonut;
-  // Sorted in front of all others, and far below the first point.
+  // This dot is sorted before all others, and lies far below the first point.
   std::vector<ClVector> aPlaces = Ideal();
   aPlaces.emplace_back(500 - 0.7 * cdPitchX, 300 + 3.5 * cdPitchY);
   ClFound oFound(oDonut, aPlaces);
@@ -208,7 +208,8 @@ TEST(Dots, OneOffThePatternUsesUpNoIdealPoint) {
 TEST(Dots, StraysThatMoveTheCentreGoBeforeTheDotsAreMatched) {
   ClDonut oDonut;
   std::vector<ClVector> aPlaces = Ideal();
-  // Far ones drag the centre to the right by half a pitch, nearer to one that lies beside the last dot.
+  // Strays far away move the centre to the right by half a pitch, nearer to one that lies beside the last
+  // dot.
   for (int n = 0; n < 4; ++n) aPlaces.emplace_back(500 + 11 * cdPitchX, 300 + (n + 2) * cdPitchY);
   aPlaces.emplace_back(500 + 7.6 * cdPitchX, 300 + 7 * cdPitchY);
   ClFound oFound(oDonut, aPlaces);
@@ -233,8 +234,8 @@ TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
 
 TEST(Dots, NeighboursInWrongDirectionsAreForgotten) {
   ClDonut oDonut;
-  // Right, below, left and above, all turned by 0.1. The fifth lies at a right angle to nothing, and the
-  // sixth, little as it lacks, counts from the eighth before, since eighths are cut.
+  // Right, below, left and above, all turned by 0.1. The fifth is at a right angle to none of them; the sixth
+  // nearly is, but truncation puts it into the eighth before.
   ClDot oDot(ClVector(0, 0));
   std::vector<ClDot> aOthers;
   for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.1416, 0.1 + 4.7124, 1.25, 0.05 + 1.5708})

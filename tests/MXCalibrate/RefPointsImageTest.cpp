@@ -115,7 +115,7 @@ TEST(TargetSearch, StraysDoNotMatter) {
   oTarget.nDust = 150;
   oTarget.nNoise = 8;
   oTarget.dFall = 0.2;
-  // Between four dots, beside two, outside, and nearly on another one's place.
+  // Between four dots, beside two, outside, and nearly at the position of another one.
   oTarget.aStrays = {{0, 0}, {-20, 15}, {35, -40.5}, {-38.5, 38.5}};
   ClImage oImage;
   oTarget.Draw(oImage);

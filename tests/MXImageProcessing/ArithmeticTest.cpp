@@ -34,7 +34,7 @@ long double PlainRule(long double dA, long double dB) {
   return std::is_same_v<TProcessor, ClIpDelta> ? std::fabs(dA - dB) : dA - dB;
 }
 
-/// What an output of this type holds for it: within black and white and the type's range, cut toward zero.
+/// What an output of this type holds for it: within black and white and the type's range, truncated.
 double PlainSample(long double dResult, const ClImage& oOut) {
   const long double dLower = AsElement(std::min(oOut.Black(), oOut.White()), oOut.DataType());
   const long double dUpper = AsElement(std::max(oOut.Black(), oOut.White()), oOut.DataType());
@@ -91,7 +91,7 @@ TEST(Multiply, TheOutputsRangeIsThatOfTheFourProducts) {
   ASSERT_EQ(oMultiply.ApplyParam(oA, oB, oOut, ClImage::eUint16), 0);
   EXPECT_EQ(Samples<uint16_t>(oOut), (std::vector<uint16_t>{0, 0, 32385, 0}));
   EXPECT_EQ(oOut.Black(), 0);
-  // Limits that the type cannot hold are cut to what it can.
+  // Limits saturate to the range of the type.
   ASSERT_EQ(oMultiply.ApplyParam(oA, oB, oOut, ClImage::cnTypeDefault), 0);
   EXPECT_EQ(Samples<int8_t>(oOut), (std::vector<int8_t>{-128, -128, 127, 0}));
 }
@@ -138,7 +138,7 @@ TEST(Subtract, TheRangeFollowsTheInputsOrTheUser) {
   ASSERT_EQ(oSubtract.ApplyParam(oA, oB, oOut, ClImage::eInt16), 0);
   EXPECT_EQ(Samples<int16_t>(oOut), (std::vector<int16_t>{-255, 255, -10, 50}));
   EXPECT_EQ(oOut.White(), 32767);
-  // The limits of the inputs, -255 to 255, are cut to those of the output.
+  // The limits of the inputs, -255 to 255, saturate to the type of the output.
   EXPECT_EQ(Made<uint8_t>(oSubtract.ApplyParam(oA, oB, oOut, ClImage::eUint8), oOut), (Bytes{0, 255, 0, 50}));
 
   SetParameter(oSubtract, "Data Output Range", "UserDependent");

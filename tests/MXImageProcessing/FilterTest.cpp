@@ -127,7 +127,7 @@ TEST(FilterMid, WithARemainderImageMeansAreCutAndTheRestIsKeptIn256ths) {
       return static_cast<uint8_t>((dMean - std::floor(dMean)) * 256);
     });
   }
-  // Smaller than the window: the samples are their own means.
+  // The image is smaller than the window: the samples are their own means.
   EXPECT_EQ(Made<uint8_t>(oMid.ApplyParam(oIn, oOut, 19), oOut), Samples<uint8_t>(oIn));
   EXPECT_EQ(Samples<uint8_t>(oRemainder), Bytes(21 * 17, 0));
   oMid.m_pRemainderImage = &oOut;
@@ -135,7 +135,7 @@ TEST(FilterMid, WithARemainderImageMeansAreCutAndTheRestIsKeptIn256ths) {
 }
 
 TEST(FilterMid, AWindowBeyondTheKernelsSumsIsStillExact) {
-  // 65535 times 301 * 301 pixels doesn't fit 32 bits; a constant image tells.
+  // 65535 times 301 * 301 pixels doesn't fit 32 bits; a constant image shows an overflow.
   ClImage oIn, oOut;
   SetImage(oIn, 310, 305, std::vector<uint16_t>(310 * 305, 65535));
   ClIpFilterMid oMid;

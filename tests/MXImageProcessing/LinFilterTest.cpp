@@ -37,7 +37,7 @@ std::vector<double> Bell(double dSigma, long nWidth) {
   return aTaps;
 }
 
-/// What a weighted sum with 12 or 24 bits behind the point becomes; an integer type keeps its low bits.
+/// What a weighted sum with 12 or 24 fractional bits becomes; an integer type keeps its low bits.
 template <typename T, typename S>
 T Scaled(S oSum, bool bTwice) {
   if constexpr (std::is_floating_point_v<T>) return static_cast<T>(oSum / (bTwice ? 4096.0 * 4096 : 4096.0));
@@ -125,7 +125,7 @@ TYPED_TEST(EveryType, NegativeCoefficientsAndEvenWidthsAreWeighedLikeAnyOther) {
 }
 
 TEST(LinearFilter, ASlopeOfBytesIsSignedAndCutTowardZero) {
-  // Halves of 4095 are cut to 2047: (20 - 0) * 2047 / 4096 = 9.995.
+  // Halves of 4095 are truncated to 2047: (20 - 0) * 2047 / 4096 = 9.995.
   ClImage oIn, oOut;
   SetImage<uint8_t>(oIn, 6, 1, {0, 10, 20, 30, 10, 10});
   ClIpAnyFilter oSlope({-1, 0, 1});
@@ -154,7 +154,8 @@ TEST(FilterGauss, TheWidthFollowsTheDeviation) {
   ClImage oIn, oOut;
   SetRandom<uint8_t>(oIn, 12, 11, oRandom);
   ClIpFilterGauss oGauss;
-  // Without a deviation the pixel itself is left: alone in a width of 1, scaled by 4095 / 4096 in one of 3.
+  // Without a deviation only the pixel itself counts: as it is in a width of 1, times 4095 / 4096 in a width
+  // of 3.
   EXPECT_EQ(Made<uint8_t>(oGauss.ApplyParam(oIn, oOut, 0.0, 0), oOut), Samples<uint8_t>(oIn));
   ASSERT_EQ(oGauss.ApplyParam(oIn, oOut, 1e-300, 3), 0);
   ExpectWeighted<uint8_t>(oIn, oOut, {0, 4095, 0}, 3);

@@ -80,7 +80,7 @@ TEST(ConnectedComponent, ObjectsAreMeasuredInTheOrderOfTheirFirstPixels) {
                                   101, 102, 1,  1,  1, 1});
   ClIpConnectedComponent2 oComponents;
   Components aFound;
-  // What an earlier run left does not count.
+  // The objects of an earlier run do not count.
   ASSERT_EQ(oComponents.ApplyParam(oGrey, aFound), 0);
   EXPECT_EQ(aFound.Entries(), 0U);
   ASSERT_EQ(oComponents.ApplyParam(oObjects, aFound, &oGrey, &oLabels), 0);

@@ -21,7 +21,7 @@
 
 namespace {
 
-/// Returns what it is told to and notes what was called.
+/// Returns what the test sets and notes what was called.
 class ClScripted : public ClProcessorBase {
  public:
   ClProcessorBase* Create() const override { return new ClScripted; }

@@ -18,7 +18,8 @@ int64_t StepOf(int64_t nSize, int64_t nNewSize, int64_t nPels, int64_t nNewPels)
   return nPels > 0 && nNewPels > 0 ? (nPels << 12) / nNewPels : (nSize << 12) / nNewSize;
 }
 
-/// The mean of stretch n of nStep / 4096 samples; behind the last stretch that has any, of that one.
+/// The mean of stretch n of nStep / 4096 samples; after the last stretch that has samples, the mean of that
+/// one.
 template <typename TSample>
 int64_t StretchMean(int64_t n, int64_t nStep, int64_t nSize, const TSample& fnSample) {
   const int64_t nFrom = std::min(n, (nSize * 4096 - 1) / nStep) * nStep;
@@ -116,7 +117,7 @@ TEST(Rescale, AreaMeansBlendsAndPicksEqualThePlainVersion) {
 }
 
 TEST(Rescale, HandMadeRows) {
-  // 5 samples to 2: the boundary cuts the third one in halves.
+  // 5 samples to 2: the boundary divides the third one in halves.
   EXPECT_EQ(Rescaled<uint8_t>({10, 20, 30, 40, 51}, 2, eBiLinear), (Bytes{18, 42}));
   EXPECT_EQ(Rescaled<int8_t>({-1, -2}, 1, eBiLinear), (std::vector<int8_t>{-1})) << "cut toward zero";
   // The first and last half sample have one neighbour only; between them 1/4 and 3/4.
@@ -135,7 +136,7 @@ TEST(Rescale, WholeFactorsRepeatOrAverageAndTheTailRepeatsTheLast) {
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 2600, 500, eWhole), 0);
   EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 14}));
   EXPECT_EQ(oOut.PelsX(), 2600);
-  // 2.5 times is 2: ten samples for 13 places, the last one repeated.
+  // 2.5 times is 2: ten samples for 13 positions, the last one repeated.
   ASSERT_EQ(oRescale.ApplyParamPels(oIn, oOut, 2500, 1000, eWhole), 0);
   ASSERT_TRUE(oOut.HasSize(13, 2));
   EXPECT_EQ(Bytes(oOut.Row<uint8_t>(0), oOut.Row<uint8_t>(0) + 13),
@@ -185,7 +186,7 @@ TEST(Rescale, FlatImagesStayFlatInEveryModeButTheExactCubicOne) {
       oIn = static_cast<unsigned char>(255);
       ASSERT_EQ(oRescale.ApplyParamSize(oIn, oOut, nW, nH, eMode), 0);
       const auto aSamples = Samples<uint8_t>(oOut);
-      // Four weights of a blend lose up to 3 / 4096 of the grey to their cuts.
+      // The four weights of a blend lose up to 3 / 4096 of the grey by truncation.
       EXPECT_GE(*std::min_element(aSamples.begin(), aSamples.end()), eMode == eBiLinear ? 254 : 255) << eMode;
     }
   }

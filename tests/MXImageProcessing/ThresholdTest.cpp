@@ -157,7 +157,7 @@ TEST(Histogram, WalksEndOnTheHillAndInTheValley) {
   EXPECT_EQ(oHistogram.Descend(255, 4), 120);
   EXPECT_EQ(oHistogram.Descend(1, 4), 0);
   EXPECT_FALSE(oHistogram.IsUnimodal(0));
-  // The counts rise one bin behind the foot; only from bin 240 on it does not matter.
+  // The counts rise one bin after the foot; only from bin 240 on this does not matter.
   EXPECT_FALSE(Ramps(238).IsUnimodal(0));
   EXPECT_TRUE(Ramps(239).IsUnimodal(0));
 }

@@ -12,7 +12,7 @@
 
 #include "MXKernels/Reference.h"
 
-/// Restores the level that was in force; it was there, and the processor isn't asked again.
+/// Restores the level that was in force, without asking the processor whether it has it.
 class ClLevelGuard {
  public:
   ClLevelGuard() : m_eLevel(MXKernels::Level()) {}
@@ -92,7 +92,7 @@ void ForEveryLevelAndTail(TTest oTest) {
   });
 }
 
-/// fnCall(outputs...) leaves the same in copies of the outputs at the level in force as at the plain one.
+/// Expects that fnCall(outputs...) writes the same at the level in force as at the plain one.
 template <typename TCall, typename... TArgument>
 void ExpectSameResults(const TCall& fnCall, std::tuple<TArgument...> aActual) {
   auto aExpected = aActual;

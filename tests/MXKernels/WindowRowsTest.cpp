@@ -1,4 +1,4 @@
-// Tests of the kernels that look at more than one place: windows, neighbours, the warp, splines.
+// Tests of the kernels that look at more than one sample: windows, neighbours, the warp, splines.
 #include <cmath>
 
 #include "KernelRows.h"
@@ -26,7 +26,7 @@ void ExpectMeansLikeReference(size_t nCount, ClSamples& oSamples) {
       std::vector<T>(nCount));
 }
 
-/// Places to both sides of the point, some of them on it.
+/// Positions on both sides of the point, and some at it.
 Doubles Places(size_t nCount, ClSamples& oSamples) {
   Doubles aX(nCount);
   for (double& dX : aX) dX = oSamples.Number(3) == 0 ? 800 : oSamples.Number(1600000) / 1000.0;
@@ -72,7 +72,7 @@ TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
 
 TEST(RankWindows, EveryLevelEqualsTheReferenceForEveryTailAndWidthAlsoInPlace) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    // Every second row is black and nearly black: what lies outside it must not show.
+    // Every second row is black or nearly black: samples outside it must not show.
     const Bytes aIn = oSamples.Row<uint8_t>(nCount, nCount % 2 == 0 ? 255 : 1);
     const size_t nHalf = oSamples.Number(nCount < 40 ? static_cast<unsigned>(nCount) + 1 : 40U);
     for (const auto* pKernel : {&MinWindowRow, &MaxWindowRow}) {

@@ -1,4 +1,4 @@
-// A liveness library whose functions do nothing. A build renames one function to lack it.
+// A liveness library whose functions do nothing. A build that is to lack a function renames it.
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Functions.h"
 
 #pragma GCC diagnostic ignored "-Wunused-parameter"

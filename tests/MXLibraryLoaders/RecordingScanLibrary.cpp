@@ -10,11 +10,11 @@ namespace {
 std::string szRecord;
 long nAnswer = 0;
 int nLent = 0;
-/// Handles are addresses in here and are written down by their place.
+/// Handles are addresses in this array and are written down by their index.
 char aHandles[128];
 
-/// Texts as they are, numbers as numbers, what lies behind a pointer with an asterisk, and handles as their
-/// value.
+/// Writes texts as they are, numbers as numbers, what a pointer leads to with an asterisk, and handles as
+/// their value.
 template <typename T>
 void Put(std::ostream& rOut, const T& rValue) {
   if constexpr (std::is_convertible_v<T, const char*>) {
@@ -31,7 +31,7 @@ void Put(std::ostream& rOut, const T& rValue) {
       Put(rOut, *rValue);
     }
   } else {
-    // The plus makes a number of a character.
+    // The plus promotes a character to a number.
     rOut << +rValue;
   }
 }
@@ -70,7 +70,7 @@ void* TestHandle(int nPlace) {
 const char* TestRecord() {
   return szRecord.c_str();
 }
-/// What every call answers from now on, and the place of the sequence that is lent, 0 for none.
+/// What every call returns from now on, and the index of the sequence that is lent, 0 for none.
 void TestAnswer(long nNumber, int nSequence) {
   szRecord.clear();
   nAnswer = nNumber;

@@ -1,4 +1,4 @@
-// Rolls of drawn frames: the life of a roll, what it paints, and each grade on both sides of its limit.
+// Rolls of drawn frames: the life of a roll, what it paints, and each verdict on both sides of its limit.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,7 +15,7 @@ namespace {
 
 constexpr int cnSize = 400;
 
-/// Ridges of the unrolled finger, 9 pixels apart, at a place of the platen.
+/// Ridges of the unrolled finger, 9 pixels apart, at a position on the platen.
 unsigned char Skin(double dX, double dY) {
   const double dDistance = std::hypot(dX - 200.0, dY - 500.0);
   return static_cast<unsigned char>(130.0 + 90.0 * std::sin(dDistance * 2.0 * Portable::cdPi / 9.0));
@@ -63,7 +63,7 @@ class Roll : public testing::Test {
     Empty();
     return m_oRoll.ApplyParam(m_oFrame, m_oOut);
   }
-  /// nFrames from dFrom to dTo, each changed by fnChange(n, contact), then an empty one; returns the grade.
+  /// nFrames from dFrom to dTo, each changed by fnChange(n, contact), then an empty one; returns the verdict.
   using Change = std::function<void(int, StContact&)>;
   static void Still(int, StContact&) {}
   long Perform(double dFrom, double dTo, int nFrames, const Change& fnChange) {

@@ -1,4 +1,4 @@
-// What the exported functions do not tell of a capture: each state of the engine, and when it is told.
+// What the exported functions do not show of a capture: each state of the engine, and when it is reported.
 #include <atomic>
 #include <cstring>
 #include <functional>
@@ -18,7 +18,8 @@ namespace {
 
 using Engine = ClVT40LiveCapture;
 
-/// A scanner whose buzzer is the test's, and which paints a single exposure with ten times its illumination.
+/// A scanner whose beeps go to the test, and whose single exposures have ten times their illumination as
+/// grey.
 class ClTestScanner : public ClMXVTScanAPIWrapper {
  public:
   ClTestScanner() : ClMXVTScanAPIWrapper(nullptr, nullptr) {}
@@ -123,7 +124,8 @@ TEST_F(LiveCapture, TheTwoFramesBehindAnAutomaticShotAreNotJudged) {
   ASSERT_NO_FATAL_FAILURE(PassUntilShot());
   ASSERT_NO_FATAL_FAILURE(Pass());
   EXPECT_TRUE(WaitFor([&] { return m_pEngine->GetDetectState() == Engine::eCaptureStateDone; }));
-  // Away for a frame, and back; the other one was on its way when the shot was decided on.
+  // The finger is gone for a frame and comes back; the other frame was on its way when the shot was decided
+  // on.
   ASSERT_EQ(VTSimAdvance(nullptr, 70.0), 0);
   ASSERT_NO_FATAL_FAILURE(Pass());
   ASSERT_EQ(VTSimAdvance(nullptr, 40.0), 0);
@@ -143,7 +145,7 @@ TEST_F(LiveCapture, TheEndOfARollIsToldWithItsFinishedPicture) {
   ASSERT_NO_FATAL_FAILURE(Start(QuickRoll("1000"), Engine::eCaptureModeRoll));
   std::atomic<int> nBeeps{0};
   ClImage oFinished;
-  // The beep is the first that anybody hears of the end.
+  // The beep is the first sign of the end.
   m_oScanner.fnBeep = [&] {
     m_pEngine->GetRollImage(oFinished, m_eState, m_dScore);
     ++nBeeps;

@@ -177,7 +177,8 @@ std::vector<ClVector> GridOff(const Offsets& mapOff) {
   return aPoints;
 }
 
-/// What the set-up makes of the straight grid with points off it is the straight grid with others off it.
+/// Expects that the set-up turns the straight grid with some points off it into the straight grid with the
+/// others off it.
 void ExpectRepair(ClVT40SetupCalibrationData& oSetup, const Offsets& mapOff, const Offsets& mapStillOff) {
   SCOPED_TRACE(testing::Message() << "point " << mapOff.begin()->first);
   ClGeometricRecord oRecord;
@@ -200,8 +201,8 @@ TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
         ExpectRepair(oSetup, {{n, vOff}}, {});
       for (const ClVector& vOff : {ClVector(14, 0), ClVector(0, -15), ClVector(9, 12)})
         ExpectRepair(oSetup, {{n, vOff}}, {{n, vOff}});
-      // Beyond 30 pixels the neighbour that comes before gives way by half, and keeps half of that off the
-      // stray's place; the border never gives way.
+      // Beyond 30 pixels the neighbour before it moves by half as well, and leaves half of that in the
+      // stray's position; points on the edge never move.
       const auto Halved = [n](unsigned int nBefore, bool bBorder, const ClVector& vOff) {
         return bBorder ? Offsets{} : Offsets{{nBefore, vOff * 0.5}, {n, vOff * 0.25}};
       };

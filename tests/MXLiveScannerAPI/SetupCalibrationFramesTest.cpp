@@ -81,7 +81,7 @@ std::unique_ptr<ClVT40SetupCalibrationData> Frames::m_pSetup;
 
 TEST_F(Frames, EachKindShowsTheDotsOfTheTargetInTheirPlaces) {
   using Setup = ClVT40SetupCalibrationData;
-  // A roll is the middle of the upper half; a full frame behind it shows that it leaves no region behind.
+  // A roll is the middle of the upper half; a full frame after it shows that no region stays set.
   const struct {
     void (Setup::*pfnCalibrate)(ClImage&, ClImage&);
     int nWidth, nHeight;
@@ -115,7 +115,7 @@ TEST_F(Frames, OtherSizesAndTypesAreRefusedAndLeaveTheOutputAlone) {
         {&Setup::CalibrateRoll, ClImage::eInt16, 960, 1362, -103L},
         {&Setup::CalibratePreview, ClImage::eInt16, 1920, 1360, -44L}}) {
     m_oFrame.NewWithType(eType, nWidth, nHeight, 1, 0, 0, true);
-    // A copy, since older compilers let no closure take hold of the names of a structured binding.
+    // This is a copy, since older compilers let no closure capture the names of a structured binding.
     const auto pfn = pfnCalibrate;
     const auto oRaised = Raised([&] { (m_pSetup.get()->*pfn)(m_oFrame, m_oOut); });
     EXPECT_EQ(oRaised.first, nNumber) << nWidth;
@@ -124,8 +124,8 @@ TEST_F(Frames, OtherSizesAndTypesAreRefusedAndLeaveTheOutputAlone) {
   EXPECT_TRUE(m_oOut.Data() == nullptr);
 }
 
-/// A picture whose grey is a quarter of the light that IlluminationSamples tells, so that 4 times the
-/// reference flattens it. dScale is the target's size against the full one.
+/// A picture whose grey is a quarter of the light of IlluminationSamples, so that 4 times the
+/// reference flattens it. dScale is the target's size relative to the full one.
 void DrawLight(ClImage& oImage, int nWidth, int nHeight, double dScale, int nLeft) {
   oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
   for (int nY = 0; nY < nHeight; ++nY) {

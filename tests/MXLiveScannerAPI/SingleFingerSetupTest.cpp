@@ -1,4 +1,4 @@
-// Frames of the single-finger scanner against a slow version of what becomes of them.
+// Frames of the single-finger scanner against a slow version of the processing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -163,7 +163,7 @@ TEST_F(DirtMeter, TheBrightestTenthOfThePlatenTellsWhetherItIsCovered) {
 }
 
 TEST_F(DirtMeter, ASpeckStandsOutOfSixteenEmptyFramesBy23) {
-  // The ground under a speck is a ninth of it: 25 stands out by 23, 24 by 22.
+  // The mean round a speck is a ninth of it: 25 stands out by 23, 24 by 22.
   for (const auto& [nBright, nWanted] : {std::pair{8, 0}, std::pair{9, 100}}) {
     m_oMeter.Reset();
     EXPECT_EQ(AddTwice(m_oBlack), ClDirtMeter::eEmpty);

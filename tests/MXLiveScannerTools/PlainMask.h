@@ -1,4 +1,4 @@
-// The finger mask once more, as plainly as it can be told: numbers on a grid, one loop a step.
+// The finger mask once more, written as plainly as possible: numbers on a grid, one loop for each step.
 #pragma once
 
 #include <algorithm>

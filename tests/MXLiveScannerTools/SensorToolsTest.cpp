@@ -1,4 +1,4 @@
-// Tests of the brightness adjustment, the local white balance and the parting of a mosaic.
+// Tests of the brightness adjustment, the local white balance and the decomposition of a mosaic.
 #include <array>
 
 #include "CallersBlock.h"

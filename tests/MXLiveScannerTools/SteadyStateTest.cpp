@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Frames that differ from run to run: ridges whose place and number move with nRun.
+/// Frames that differ from run to run: ridges whose position and number change with nRun.
 void FillFrame(ClImage& oImage, int nWidth, int nHeight, int nPels, int nRun) {
   oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, nPels, nPels, true);
   for (int y = 0; y < nHeight; ++y) {

@@ -194,7 +194,7 @@ TEST(BitmapFile, BillionsOfRowsWithoutPixelsAreNotReadOneByOne) {
   StCounted oStream(aFile.data(), static_cast<unsigned int>(aFile.size()));
   ClBitmap oBitmap;
   EXPECT_EQ(NumberOf([&] { oBitmap.Load(oStream); }), 0);
-  // Nor gone over: each of these would take seconds.
+  // Their rows are not gone over either: each of these would take seconds.
   EXPECT_TRUE(oBitmap.IsGray(true));
   ClImage oChannel;
   oBitmap.GetChannel(ClBitmap::eRed, oChannel);

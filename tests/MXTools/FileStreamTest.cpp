@@ -123,7 +123,7 @@ TEST_F(FileStream, AClosingThatFailsIsNotSwallowed) {
     oFile.Write("x", 1);
   };
   EXPECT_THROW(CloseFull(), ClExSystem);
-  // Small blocks wait in the buffer, large ones pass it by.
+  // Small blocks wait in the buffer, large ones are written past it.
   for (const unsigned int nBytes : {1u, 5000u, 1000000u}) {
     const std::string szData(nBytes, 'x');
     ClFileStream oStream("/dev/full", "wb");

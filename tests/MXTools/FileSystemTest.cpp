@@ -99,7 +99,7 @@ TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingBehindItsEnd) {
       szBuffer.replace(0, oCase.szBefore.size() + 1, oCase.szBefore.c_str(), oCase.szBefore.size() + 1);
       const long nNumber = NumberOf([&] { oCase.oCall(&szBuffer[0], static_cast<unsigned int>(nSize)); });
       EXPECT_EQ(szBuffer.substr(nSize), std::string(64 - nSize, '\xA5')) << oCase.szAfter << ", " << nSize;
-      const bool bNormalized = oCase.szAfter == "/s/d";  // told the size of what goes in
+      const bool bNormalized = oCase.szAfter == "/s/d";  // given the size of the input
       const bool bFits = nSize > oCase.szAfter.size() + (bNormalized ? 1 : 0);
       EXPECT_EQ(nNumber, bFits ? 0 : -21) << oCase.szAfter << ", " << nSize;
       EXPECT_TRUE(!bFits || szBuffer.c_str() == oCase.szAfter) << szBuffer;

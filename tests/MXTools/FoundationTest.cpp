@@ -20,7 +20,7 @@
 
 namespace {
 
-/// While set, no allocation that may fail without an exception succeeds.
+/// While it is set, every allocation that may fail without an exception fails.
 bool s_bOutOfMemory = false;
 
 }  // namespace

@@ -113,7 +113,7 @@ TEST(ImageKif, ElementsOfASizeThatNoStreamReadsDoNotLoadAsPixelsThatWereNeverRea
   oImage.NewWithType(ClImage::eUint8, 1, 1, 1, 0, 0, false);
   Bytes aBytes = BytesOf(oImage);
   aBytes[8] = 3;
-  // The end mark stands where the reading went on.
+  // The end mark is where reading continues.
   aBytes.erase(aBytes.begin() + 54);
   for (const bool bFailureFlag : {false, true}) EXPECT_EQ(LoadNumber(aBytes, bFailureFlag, oLoaded), -101);
 }

@@ -41,7 +41,7 @@ TEST(Stream, NumbersOfEveryWidthAreBigEndianUntilADirectionIsToldOtherwise) {
   EXPECT_TRUE(oStream.SetBigEndian4Write(false)) << "each direction for itself";
 }
 
-// More elements than one block of the transfer holds, so that block borders are crossed.
+// More elements than one block of the transfer holds, so that the transfer goes over the ends of blocks.
 TEST(Stream, ArraysSurviveBothByteOrdersAndAreTurnedElementByElement) {
   std::vector<uint32_t> aValues(3000);
   for (size_t n = 0; n < aValues.size(); ++n) aValues[n] = static_cast<uint32_t>(n * 2654435761u);

@@ -13,7 +13,7 @@ class ClDigest {
   template <typename T>
   ClDigest& Add(T tValue) {
     static_assert(std::is_arithmetic_v<T> || std::is_enum_v<T>);
-    // A long has the bytes that it has in either build; not-a-numbers differ in bits that mean nothing.
+    // The size of a long depends on the build, and NaNs differ in bits that mean nothing.
     if constexpr (std::is_floating_point_v<T>) {
       const double dValue = tValue == tValue ? static_cast<double>(tValue) : 0x1p-1000;
       uint64_t nBits;

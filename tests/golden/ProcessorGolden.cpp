@@ -72,7 +72,7 @@ void Stage(const char* szStage, Types_t aTypes, TRun fnRun, int nWidth = 101, in
     }
     if (nResult < 0) std::fprintf(stderr, "%s, type %02x: %ld\n", szStage, nType, nResult);
     oDigest.Add(static_cast<int>(nResult));
-    // What a refusal leaves in the output is nobody's.
+    // The output of a refused run has no meaning.
     if (nResult >= 0) Add(oDigest, oOut);
   }
   PrintStage(szStage, oDigest);
@@ -166,7 +166,8 @@ void Geometry() {
   Stage("move", g_aAll, [](auto& a, auto& b) { return ClIpMoveImage().ApplyParam(a, b, 9, -4, 33.0); });
   Stage("subsample", g_aSmall, [](auto& a, auto& b) { return ClIpSubsample().ApplyParam(a, 3, 2, b, true); });
   for (const bool bSmooth : {false, true}) {
-    // Where fixed point falls on a border: a twelfth, a sixth, a quarter of a turn, and what lies between.
+    // Angles at which fixed point meets its limits, a twelfth, a sixth, a quarter of a turn, and others
+    // between.
     for (const double dAngle : {0.5235987755982988, -1.0471975511965976, 1.5707963267948966, 0.1, 2.9})
       Stage(("rotate-" + std::to_string(dAngle) + (bSmooth ? "-smooth" : "")).c_str(), g_aBytes,
             [=](ClImage& a, ClImage& b) {

@@ -1,4 +1,4 @@
-// The road from a scene to the caller's pixels, capture mode by capture mode; a digest for each.
+// The way from a scene to the caller's pixels, capture mode by capture mode; a digest for each.
 #include <atomic>
 #include <ctime>
 #include <string>
@@ -10,7 +10,8 @@
 
 static std::atomic<long> s_nProcessorTime{0};
 
-/// In place of the C library's: the pause that ends a signature is processor time, which no two runs share.
+/// Replaces the C library's clock(): the pause that ends a signature is processor time, which differs in each
+/// run.
 extern "C" clock_t clock() noexcept {
   return s_nProcessorTime;
 }

@@ -20,7 +20,7 @@ double Seconds(Clock::time_point oSince) {
   return std::chrono::duration<double>(Clock::now() - oSince).count();
 }
 
-/// Locks and gives back one sequence; the number that the lock answered.
+/// Locks and gives back one sequence; returns the number that the lock returned.
 long Take(void* hDevice, std::vector<unsigned char>* pBytes = nullptr) {
   void* pSequence = nullptr;
   const long nResult = VTScanAPILockRawSequence(hDevice, &pSequence);

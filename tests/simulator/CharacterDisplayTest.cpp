@@ -15,7 +15,7 @@ class CharacterDisplay : public testing::Test {
     for (const int nBus : {nSelect, nValue << 4 | 8 | nSelect, 0xF7})
       m_oDisplay.Write(static_cast<uint8_t>(nBus), m_nNow);
   }
-  /// A byte in two halves, and the time behind it.
+  /// A byte in two halves, and the time after it.
   void Send(int nValue, bool bCharacter = false, int64_t nWait = cnEnough) {
     Nibble(nValue >> 4, bCharacter);
     Nibble(nValue & 15, bCharacter);
@@ -49,7 +49,7 @@ TEST_F(CharacterDisplay, WakesUpFromAnyStateIntoFourWires) {
   Text("two");
   ExpectLines("one", "two");
   EXPECT_EQ(m_oDisplay.Lost(), nLost);
-  // Half a byte too many: what follows is read across the bytes until the host begins anew.
+  // After half a byte too many, bytes are put together of wrong halves until the host begins anew.
   Nibble(4, true);
   Initialize();
   Text("three");

@@ -41,7 +41,7 @@ TEST(ScanLibrary, LoadsByItsNameAndHasAllFunctionsOfBothSides) {
     for (std::string sName; oFunctions >> sName;)
       EXPECT_TRUE(dlsym(pLibrary, ("VTScanAPI" + sName).c_str())) << sName;
     EXPECT_TRUE(dlsym(pLibrary, "VTSimLoadScene"));
-    // Nothing of the inside may meet the names of a host.
+    // No internal name may collide with the names of a host.
     EXPECT_FALSE(dlsym(pLibrary, "_ZN9Simulator5ClBus3GetEv"));
     unsigned nId = 0, nCount = 1;
     EXPECT_EQ(Function<long(void*)>(pLibrary, "VTScanAPIInitialize")(nullptr), 0);

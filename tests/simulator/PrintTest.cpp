@@ -55,7 +55,7 @@ TEST(PrintFile, ACoarsePrintIsNotEnlargedBeforeItIsRefused) {
   const ClTestFolder oFolder;
   std::string sBytes =
       oFolder.Read(oFolder.WritePng("fine.png", 4096, 512, [](unsigned, unsigned) { return 0; }));
-  // Behind signature and header: 3000 pels per metre, so that 500 dots per inch take 43 times the pixels.
+  // After signature and header come 3000 pels per metre, so that 500 dots per inch take 43 times the pixels.
   sBytes.insert(33, std::string("\0\0\0\x09pHYs\0\0\x0B\xB8\0\0\x0B\xB8\x01\x3E\xB2\x18\x17", 21));
   const std::string sCoarse = oFolder.Write("coarse.png", sBytes);
   Allocations::ForgetLargest();

@@ -67,7 +67,7 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   EXPECT_EQ(oFinger.oPrint.eMaterial, eMaterialHalftone);
   EXPECT_EQ(oFinger.dDryness, 0.0) << "only skin is dry";
   EXPECT_EQ(oFinger.oSettle.dPressure, 0.7) << "without a word it stays while the finger settles";
-  // Without a word all of a roll stays as it was a moment before.
+  // Values that are left out stay as they were a moment before.
   ASSERT_EQ(oFinger.oRoll.aPath.size(), 3u);
   const ClRollMoment& oLast = oFinger.oRoll.aPath.back();
   const ClSlideDescription& oSlide = oFinger.oSlide;

@@ -50,7 +50,7 @@ double TapMean(const Plane& a, const ClSensorMode& oMode, int nRow, int nColumn)
 TEST(Sensor, EveryModeShowsItsPartOfTheFullSensorMerged) {
   ClSensor oSensor(Quiet(Scene("slap-right")), 1);
   const Plane aFull = Difference(Sequence(oSensor, Settings(oSensor, 7, 1.0)));
-  // Exposure against full readout, and the sensor's column that comes first.
+  // The exposure relative to full readout, and the first column of the sensor.
   const double adModes[][3] = {{8, 2.0, 960},  {32, 0.5, 0},      {34, 2.0, 0},      {35, 1.0, 0},
                                {36, 4.0, 960}, {6, 1.0 / 3.0, 0}, {38, 1.0 / 3.0, 0}};
   for (const auto& ad : adModes) {

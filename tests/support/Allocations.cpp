@@ -15,11 +15,11 @@
 namespace {
 
 constexpr int cnFrames = 64;
-/// And so many of the innermost of them in the watched library tell one stack from another.
+/// The number of innermost calls in the watched library by which stacks are distinguished.
 constexpr int cnDepth = 4;
 constexpr std::size_t cnMaxStacks = 4096;
 constexpr std::size_t cnMaxSegments = 16;
-/// In the name of every library of this project, in whatever case, and of nobody else's.
+/// Part of the name of every library of this project, in whatever case, and of no other library.
 constexpr char cszOurs[] = "libkelvarin";
 
 /// Code of a library of this project.
@@ -62,8 +62,8 @@ const StSegment* SegmentOf(std::uintptr_t nAddress) {
   return nullptr;
 }
 
-/// A number for the calls in the watched library that led to its allocation; 0 for an allocation of anybody
-/// else.
+/// A number for the calls in the watched library that led to its allocation; 0 for an allocation of other
+/// code.
 std::uint64_t Stack() {
   void* apFrames[cnFrames];
   const int nFrames = backtrace(apFrames, cnFrames);
@@ -73,7 +73,7 @@ std::uint64_t Stack() {
     const std::uintptr_t nAddress = reinterpret_cast<std::uintptr_t>(apFrames[n]);
     const StSegment* pSegment = SegmentOf(nAddress);
     if (pSegment == nullptr) continue;
-    // The innermost library of ours is the one that asks.
+    // The innermost of this project's libraries is the one that allocates.
     if (nDepth++ == 0 && !pSegment->bWatched) return 0;
     nHash = (nHash ^ nAddress) * 0x9E3779B97F4A7C15u + 1;
   }

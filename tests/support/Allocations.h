@@ -19,13 +19,14 @@ void ForgetLargest();
 /// reached. What the C++ library does on behalf of its caller counts as the caller's. szLibrary: a part of
 /// the file name.
 void Remember(const char* szLibrary);
-/// The number of them.
+/// The number of remembered stacks.
 std::size_t Stacks();
-/// From now on the first call on a remembered stack finds no memory, that one alone. [0, Stacks())
+/// From now on the first call on the remembered stack of that number, of [0, Stacks()), finds no memory, and
+/// no other call.
 void FailAt(std::size_t nStack);
 /// Whether that call has come.
 bool HasFailed();
-/// Ends either.
+/// Ends either of the two.
 void Ignore();
 
 }  // namespace Allocations

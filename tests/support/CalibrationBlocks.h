@@ -1,4 +1,4 @@
-// Calibration blocks put together byte by byte, apart from the code under test.
+// Calibration blocks put together byte by byte, without the code under test.
 #pragma once
 
 #include <boost/crc.hpp>
@@ -12,7 +12,7 @@
 
 using Bytes = std::vector<unsigned char>;
 
-/// Byte by byte: range inserts here make g++ 12 see overflows that are none.
+/// Appends byte by byte, since g++ 12 warns of overflows that don't exist when a range is inserted.
 template <typename TRange>
 void AppendAll(Bytes& aBytes, const TRange& aMore) {
   for (const auto nByte : aMore) aBytes.push_back(static_cast<unsigned char>(nByte));

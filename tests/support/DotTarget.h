@@ -1,4 +1,4 @@
-// Pictures of the dot target as a sensor of 3840 by 2720 pixels sees it, with the places of all its dots.
+// Pictures of the dot target as a sensor of 3840 by 2720 pixels sees it, with the positions of all its dots.
 #pragma once
 
 #include <algorithm>
@@ -21,11 +21,11 @@ struct ClDotTarget {
   ClVector vShift;  ///< pixels
   int nDust = 0;
   int nNoise = 0;    ///< half the width of a triangular distribution, grey levels
-  double dFall = 0;  ///< part of the light that is lost at the corners
+  double dFall = 0;  ///< share of the light that is lost at the corners
   /// Whole dots beside those of the grid, in mm from the target's middle.
   std::vector<ClVector> aStrays;
 
-  /// Where the sensor shows a place of the target, in mm from its middle.
+  /// Where the sensor shows a position of the target, in mm from its middle.
   ClVector ToSensor(const ClVector& vMm) const {
     const double dTurn = dDegrees * Portable::cdPi / 180;
     const double dU = (vMm.x * std::cos(dTurn) - vMm.y * std::sin(dTurn)) / 40;

@@ -28,7 +28,7 @@ inline std::vector<uint8_t> Sequence(ClSensor& oSensor, const ClSensorSettings& 
   return aBytes;
 }
 
-/// Lit minus dark, in the order that the tag tells, 0 where that would be negative.
+/// Lit minus dark, in the order that the tag gives, 0 where that would be negative.
 inline Plane Difference(const std::vector<uint8_t>& aBytes) {
   const size_t nPlane = aBytes.size() / 2;
   const bool bLitFirst = (aBytes[0] & 15) != 0;

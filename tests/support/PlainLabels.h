@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-/// A label for each place, row by row: 0 where there is no object, else the number of the object, in the
-/// order of their first places. Neighbours are left, right, above and below.
+/// A label for each pixel, row by row: 0 where there is no object, else the number of the object, in the
+/// order of their first pixels. Neighbours are left, right, above and below.
 template <typename TIsObject>
 std::vector<int32_t> PlainLabels(int nWidth, int nHeight, const TIsObject& fnIsObject, int& rnLabels) {
   std::vector<int32_t> aLabels(static_cast<size_t>(nWidth * nHeight), 0);

@@ -1,4 +1,4 @@
-// The simulated scanner's side: what it has been told, and sequences that it lets through one by one.
+// The simulated scanner's side: what the host has set, and sequences that it lets through one by one.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -59,11 +59,11 @@ inline void PassUntilShot() {
   }));
 }
 
-/// One finger that lies still, for what needs no hand, for a minute.
+/// One finger that lies still for a minute, for tests that need no hand.
 constexpr char cszFinger[] =
     R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{"print": {"seed": 3}, "lift": 60}]}]})";
 
-/// A roll of a dozen frames for what needs no good print, again and again.
+/// A roll of a dozen frames, again and again, for tests that need no good print.
 inline std::string QuickRoll(const char* szRepeat = "0.9") {
   return R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [{
     "print": {"seed": 7, "width": 28}, "touch": 0.1, "touchSeconds": 0.05, "lift": 0.75, "liftSeconds": 0.05,

@@ -18,7 +18,7 @@ class ClTemporaryDirectory {
     std::error_code oIgnored;
     std::filesystem::remove_all(m_oPath, oIgnored);
   }
-  /// The directory itself, or what stands or will stand in it under the name.
+  /// The directory itself, or the path of a file of that name in it.
   std::string Path(const std::string& szName = "") const {
     return (szName.empty() ? m_oPath : m_oPath / szName).string();
   }

@@ -24,7 +24,7 @@ constexpr auto TypeOf() {
   return static_cast<ClImage::EDataType>(sizeof(T) | (std::is_signed_v<T> ? ClImage::cnTypeSignedBit : 0));
 }
 
-/// Sets a published parameter and gives the value that it had.
+/// Sets a published parameter and returns the value that it had.
 inline std::string SetParameter(ClProcessorBase& oProcessor, const char* szName, const char* szValue) {
   ClParameterContainer oContainer;
   oProcessor.QueryParameters(oContainer);
@@ -51,7 +51,7 @@ TYPED_TEST_SUITE(EveryType, AllElementTypes, ClElementTypeNames);
 
 using Bytes = std::vector<uint8_t>;
 
-/// An image with the given samples, rows one behind the other.
+/// An image with the given samples, row after row.
 template <typename T>
 void SetImage(ClImage& oImage, int nWidth, int nHeight, const std::vector<T>& aSamples, int nPlanes = 1,
               bool bAligned = true) {
@@ -142,7 +142,7 @@ inline long double SampleAt(const ClImage& oImage, int nX, int nY) {
   return dValue;
 }
 
-/// A number as an element type holds it: limited, fractions cut toward zero.
+/// A number as an element type holds it: limited and truncated.
 inline double AsElement(double dValue, unsigned char nType) {
   DispatchElementType(nType, 0, [&](auto oElement) {
     dValue = static_cast<double>(ElementFromDouble<typename decltype(oElement)::Type>(dValue));
@@ -164,7 +164,7 @@ constexpr unsigned char g_aTypes[] = {ClImage::eUint8,   ClImage::eInt8,    ClIm
                                       ClImage::eInt16,   ClImage::eUint32,  ClImage::eInt32,
                                       ClImage::eFloat32, ClImage::eDouble64};
 
-/// What processors are handed that take or refuse it: 2 by 2 samples but for the empty ones.
+/// The images for tests of what processors take or refuse: 2 by 2 samples, but for the empty ones.
 struct ClAnyImages {
   ClAnyImages() {
     SetImage<uint8_t>(m_oByte, 2, 2, {1, 2, 3, 4});

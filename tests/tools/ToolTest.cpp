@@ -101,7 +101,7 @@ TEST_F(Tool, WithoutTheLivenessLibraryAutoLiveIsRefused) {
     if (oEntry.path().filename().string().find("fakefinger") == std::string::npos)
       std::filesystem::copy(oEntry, m_oFolder.Path("lib"));
   }
-  // From there, so that nothing is found by way of the working directory.
+  // The tool runs in that directory, so that nothing is found by way of the working directory.
   const std::string sTool = "cd " + m_oFolder.Path("bin") + " && LD_LIBRARY_PATH=../lib " KLV_RUN "./vt40 ";
   EXPECT_EQ(RunCommand(sTool + "capture --mode off --scene finger" + Out()).nExit, 0);
   Expect(RunCommand(sTool + "capture --mode auto-live --scene settling-slap" + Out()), 2, "(-103)");
@@ -145,7 +145,7 @@ TEST_F(Tool, WritesTheOtherFormatsByteByByte) {
 }
 
 TEST_F(Tool, RollsAFingerAndEndsWithTheVerdict) {
-  // However slow this machine is, the finger is seen at each of its places.
+  // However slow this machine is, the finger is seen at each of its positions.
   const std::string sScene = SceneFile(R"({"pacing": "consumer", "scanners": [{"fingers": [
       {"print": {"seed": 3, "width": 27}, "touch": 0.3, "lift": 3.4,
        "roll": {"path": [{"at": 0.4, "strip": 7}, {"at": 2.9, "strip": -7}]}}]}]})");

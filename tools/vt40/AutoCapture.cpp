@@ -1,4 +1,4 @@
-// How the tool waits for the scanner's own decision, and what it tells meanwhile.
+// How the tool waits for the scanner's own decision, and what it reports meanwhile.
 #include "AutoCapture.h"
 
 #include <algorithm>
@@ -43,7 +43,7 @@ class ClObserver {
 
  private:
   void Judge(StObservation& oSeen, bool bDone, bool bTaken) const {
-    // By the scanner's own limits, so that what is reported is why it waits.
+    // The limits are the scanner's own, so that the reported reason is the one why it waits.
     using namespace CaptureLimits;
     if (bDone) {
       oSeen.szState = bTaken ? "lift" : "done";
@@ -69,7 +69,7 @@ std::string ProgressLine(const StObservation& oSeen, unsigned int nFrame, unsign
          std::to_string(oSeen.nFingerPixels) + ", dirt " + std::to_string(nCondition);
 }
 
-/// One run: what was seen and what was taken so far.
+/// One run: what was seen and captured so far.
 class ClAutoRun {
  public:
   ClAutoRun(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult)
@@ -99,7 +99,7 @@ class ClAutoRun {
                                            {"fingerPixels", oSeen.nFingerPixels},
                                            {"motion", oSeen.nMotion},
                                            {"reason", oSeen.szReason}});
-    // The scanner goes on telling "done" until the fingers are lifted.
+    // The scanner goes on reporting "done" until the fingers are lifted.
     if (oSeenAs.bDone && !m_bTaken) Fetch(nCondition);
     m_bTaken = oSeenAs.bDone;
   }

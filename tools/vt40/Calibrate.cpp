@@ -18,9 +18,9 @@
 
 namespace {
 
-/// Data of no known scanner is judged as that of the present ones.
+/// Data without a serial number is judged as that of scanners of this revision.
 constexpr char cszAnySerial[] = "VT40-AB";
-/// A scanner's files are no larger.
+/// No file of a scanner is larger.
 constexpr size_t cnMostBytes = 8192;
 
 double Rounded(double dMicrometres) {
@@ -34,7 +34,7 @@ nlohmann::ordered_json FormOf(const StResidual& o) {
 std::vector<unsigned char> ReadBlock(const std::filesystem::path& oFile) {
   NeedFile(oFile.string());
   std::ifstream oStream(oFile, std::ios::binary);
-  // No more than one byte beyond, however long the file is.
+  // At most one byte more than that is read, however long the file is.
   std::vector<unsigned char> aBlock(cnMostBytes + 1);
   oStream.read(reinterpret_cast<char*>(aBlock.data()), static_cast<std::streamsize>(aBlock.size()));
   if (!oStream.is_open() || oStream.bad()) throw ClToolError(eExitFile, oFile.string() + ": can't be read");

@@ -30,7 +30,7 @@ std::string TextOf(const ClException& oFailure) {
   return sText + " (" + std::to_string(oFailure.Number()) + ")";
 }
 
-/// Does something with the library's classes; the text of what they raise, or nothing.
+/// Calls the library's classes and returns the text of what they raise, or nothing.
 template <typename F>
 std::string Refusal(F&& fnDo) {
   try {
@@ -67,7 +67,7 @@ StResidual ResidualOf(const Points& aDots, double dDpiX, double dDpiY) {
     dAlong += GridX(n) * (o.aX[n] - dMeanX) + GridY(n) * (o.aY[n] - dMeanY);
     dAcross += GridX(n) * (o.aY[n] - dMeanY) - GridY(n) * (o.aX[n] - dMeanX);
   }
-  // The turn that brings the grid nearest to the dots.
+  // This turn brings the grid nearest to the dots.
   const double dTurn = std::atan2(dAcross, dAlong);
   const double dCos = std::cos(dTurn), dSin = std::sin(dTurn);
   for (size_t n = 0; n < nDots; ++n) {
@@ -84,7 +84,7 @@ void TakePixels(const ClPicture& oPicture, ClImage& oImage) {
     std::memcpy(oImage.Row<unsigned char>(static_cast<int>(y)), oPicture.Row(y), oPicture.nWidth);
 }
 
-/// The search in a corrected picture, whose pixels are larger.
+/// Sets the search up for a corrected picture, whose pixels are larger.
 void SetCorrected(ClDonut& oSearch) {
   const double dScale =
       oSearch.m_dTargetDpiX * oSearch.m_dTargetDpiY / (oSearch.m_dSourceDpiX * oSearch.m_dSourceDpiY);
@@ -98,7 +98,7 @@ void UpdateGeometry(ClVT40SetupCalibrationData& oSetup, const std::vector<unsign
   oSetup.UpdateGeometricData(aBlock.data(), static_cast<unsigned int>(aBlock.size()));
 }
 
-/// Makes the map too: a grid that passes all tests may still have none.
+/// Makes the map as well, since a grid that passes all tests may still allow none.
 void WarpBlank(ClVT40SetupCalibrationData& oSetup) {
   const ClCalibrateGeometricData& oData = oSetup.GetGeometricDataFull(true);
   ClImage oBlank;

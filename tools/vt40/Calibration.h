@@ -40,14 +40,13 @@ StCalibration CalibrateFrom(const ClPicture& oRaw, const std::string& sSerial);
 
 /// What the library says of one block.
 struct StBlockVerdict {
-  const char* szFile;   ///< its name in a folder of calibration data
-  std::string sReason;  ///< why it is refused; empty when it is good
-  unsigned int nRepaired =
-      0;  ///< points that were so far off their neighbours that these decide on their place
+  const char* szFile;          ///< its name in a folder of calibration data
+  std::string sReason;         ///< why it is refused; empty when it is good
+  unsigned int nRepaired = 0;  ///< points so far off that their position was derived from their neighbours
 };
 
-/// The verdicts on what must be there, and on what is there beyond it. The serial number decides how strict
-/// the library is.
+/// The verdicts on the blocks that must be there, and on any others that are there. The serial number decides
+/// how strict the library is.
 ///
 /// Errors  ClToolError eExitUsage for a serial number that is none.
 std::vector<StBlockVerdict> JudgeBlocks(const StCalibrationBlocks& oBlocks, const std::string& sSerial);

@@ -10,7 +10,7 @@ namespace {
 
 void CaptureOff(ClScanner& oScanner, ClCaptureResult& oResult) {
   ClPicture oPicture;
-  // One shot has no verdict: whatever lies on the platen is the picture.
+  // A single shot has no verdict, whatever lies on the platen.
   oResult.SetDelivery(oScanner.GetImage(oPicture));
   oResult.Add(oPicture, "full");
 }

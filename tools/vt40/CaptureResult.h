@@ -16,7 +16,7 @@ class ClCaptureResult {
   /// Writes the picture into the folder under the name. Errors: ClToolError eExitFile.
   void Add(const ClPicture& oPicture, const std::string& sName);
   void SetDelivery(const StDelivery& oDelivery);
-  /// How the run ends, and the sentence that says why when it isn't well.
+  /// How the run ends, and the sentence that says why when that isn't well.
   void SetVerdict(EExitCode eExit, const std::string& sReason = "");
   /// A sentence for people, printed in place of the facts of JSON.
   void SetSummary(const std::string& sSummary) { m_sSummary = sSummary; }

@@ -1,4 +1,4 @@
-// The commands that ask or tell a scanner something without a picture.
+// The commands that read or set something of a scanner without a picture.
 #include "Commands.h"
 
 #include <algorithm>

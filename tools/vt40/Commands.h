@@ -56,5 +56,5 @@ int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
 int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
 int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);
 int RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2);
-/// One text is cut into lines of sixteen characters; two are a line each.
+/// One text is divided into lines of sixteen characters; two texts are a line each.
 int RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts);

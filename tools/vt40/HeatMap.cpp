@@ -12,7 +12,7 @@ constexpr unsigned int cnSquare = cnCells * cnCell + 1;
 constexpr unsigned int cnGap = 20;
 constexpr unsigned int cnPelsPerMetre = 10000;
 
-/// The residual at a place counted in pixels from the first dot.
+/// The residual at a position, counted in pixels from the first dot.
 double Between(const StResidual& oResidual, unsigned int nX, unsigned int nY) {
   const unsigned int nColumn = std::min(nX / cnCell, cnCells - 1), nRow = std::min(nY / cnCell, cnCells - 1);
   const double dX = static_cast<double>(nX - nColumn * cnCell) / cnCell;

@@ -1,4 +1,4 @@
-// PNG files of 8-bit grey with the chunk that tells the resolution.
+// PNG files of 8-bit grey with the chunk that holds the resolution.
 #include <png.h>
 
 #include "Picture.h"

@@ -1,4 +1,4 @@
-// The line that tells a person what the tool waits for.
+// The line that shows a person what the tool waits for.
 #pragma once
 
 #include <string>

@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 /// The part of a picture that has ridges, by columns.
 struct StStrip {
   unsigned int nFirst = 0;
-  unsigned int nEnd = 0;  ///< behind the last; nFirst when there is none
+  unsigned int nEnd = 0;  ///< after the last; nFirst when there is none
 };
 
 StStrip StripOf(const ClPicture& oPicture) {

@@ -49,8 +49,8 @@ std::vector<std::string> ListSerials() {
   return aSerials;
 }
 
-/// An image that did not come. The library tells a silent scanner and a lost one alike; the list of scanners
-/// does not.
+/// Handles an image that did not come. The library reports a silent scanner and a lost one by the same
+/// number; the list of scanners shows which it is.
 void CheckImage(long nError, const std::string& sWhat, const std::string& sSerial) {
   if (nError != KLV_ERROR_DISCONNECTED) return Check(nError, sWhat);
   const std::vector<std::string> aSerials = ListSerials();
@@ -63,7 +63,7 @@ void CheckImage(long nError, const std::string& sWhat, const std::string& sSeria
 
 using SizeFunction = long (*)(void*, unsigned int*, unsigned int*);
 
-/// The library tells dots per inch without their fraction: 499 stands for 500 dpi, or 19685 pels per metre.
+/// The library truncates dots per inch: 499 stands for 500 dpi, or 19685 pels per metre.
 unsigned int PelsPerMetre(unsigned int nTruncatedDpi) {
   return static_cast<unsigned int>(std::floor((nTruncatedDpi + 1) / 0.0254));
 }
@@ -98,7 +98,7 @@ ClLibrary::ClLibrary() {
   const long nError = LS_VT40Initialize(nullptr);
   const std::string sScene = nError == KLV_SUCCESS ? "" : WithdrawScene();
   if (!sScene.empty() && LS_VT40Initialize(nullptr) == KLV_SUCCESS) {
-    // It starts without the scene: the scene it is.
+    // It starts without the scene, so that the scene is at fault.
     LS_VT40Uninitialize();
     throw ClToolError(
         eExitFile, "the scene \"" + sScene +

@@ -125,7 +125,7 @@ ClPicture ClServiceScanner::RawPicture() const {
     ClRawSequenceLock oSequence(oScanner);
     const unsigned char* pFirst = static_cast<const unsigned char*>(oSequence.Data());
     const unsigned char* pSecond = pFirst + nPlane;
-    // The scanner tells in the first byte which of the two comes first.
+    // The first byte of a sequence says which of the two comes first.
     const bool bDarkFirst = (pFirst[0] & 0x0F) == 0;
     MXKernels::SubtractSaturated(bDarkFirst ? pSecond : pFirst, bDarkFirst ? pFirst : pSecond,
                                  oPicture.aPixels.data(), nPlane);

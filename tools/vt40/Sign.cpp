@@ -61,7 +61,7 @@ class ClSignRun {
   }
 
  private:
-  /// The ink of the preview as forty characters that tell its height.
+  /// The ink of the preview as forty characters that show its height.
   std::string Line() const {
     constexpr unsigned int cnCells = 40;
     std::string sLine(cnCells, ' ');
