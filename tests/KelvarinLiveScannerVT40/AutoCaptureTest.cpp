@@ -134,7 +134,7 @@ TEST_F(AutoScanner, TwoScannersDecideEachForItself) {
   EXPECT_EQ(LS_VT40CloseScanner(&hOther), 0);
 }
 
-TEST_F(AutoScanner, LivenessTellsSkinFromImitations) {
+TEST_F(AutoScanner, LivenessDistinguishesSkinFromImitations) {
   Start("settling-slap:3", KLV_VT40_CAPTURE_MODE_AUTO_LIVE);
   ASSERT_EQ(PollUntil(true, cnManyFrames).nError, 0);
   EXPECT_GT(Image().dScore, 50.0);

@@ -27,7 +27,7 @@ Bytes Cut(const Bytes& aBytes, size_t nLength) {
   return Bytes(aBytes.begin(), aBytes.begin() + static_cast<long>(nLength));
 }
 
-TEST(BrightnessData, ReadsTheLegacyFormAndWritesItBackBehind128Zeros) {
+TEST(BrightnessData, ReadsTheLegacyFormAndWritesItBackAfter128Zeros) {
   const Bytes aBlock = LegacyBrightnessBlock();
   ClCalibrateBrightnessData oData;
   EXPECT_FALSE(oData.IsValid());

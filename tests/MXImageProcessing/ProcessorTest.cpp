@@ -106,7 +106,7 @@ TEST(Processor, CountsItsCompletedRunsUnderItsOwnClass) {
   EXPECT_EQ(oProfile.Entries()[0].m_nCalls, 3u);
 }
 
-TEST(Processor, TellsTheTimerItsNameAndParametersBehindACompletedRun) {
+TEST(Processor, ReportsItsNameAndParametersToTheTimerAfterACompletedRun) {
   ClNotingTimer oTimer;
   ClImage oImage;
   SetImage<float>(oImage, 1, 1, {1});

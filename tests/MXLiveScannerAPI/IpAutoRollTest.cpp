@@ -120,7 +120,7 @@ TEST_F(Roll, ACleanOnePaintsTheSkinAsItLiesOnThePlaten) {
   EXPECT_EQ(m_oRoll.GetProcessorState(), ClIpAutoRoll::eStateRolling);
 }
 
-TEST_F(Roll, GetsEachGradeBeyondItsLimitAndNotAtIt) {
+TEST_F(Roll, GetsEachVerdictBeyondItsLimitAndNotAtIt) {
   const auto Slip = [](std::vector<int> aFrames) {
     return [aFrames = std::move(aFrames)](int n, StContact& oContact) {
       for (const int nFrame : aFrames) oContact.dDrift += n >= nFrame ? 3.6 : 0.0;

@@ -92,7 +92,7 @@ class LiveCapture : public testing::Test {
   ClVT40SetupCalibrationData m_oSetup{"VT40-AB0001", false};
 };
 
-TEST_F(LiveCapture, ASwipeToEitherSideIsToldApartAndARestingHandIsNone) {
+TEST_F(LiveCapture, ASwipeToEitherSideIsDistinguishedAndARestingHandIsNone) {
   const std::pair<const char*, Engine::ECaptureState> aScenes[] = {
       {"swipe-left", Engine::eCaptureStateSwipeBack},
       {"swipe-right", Engine::eCaptureStateSwipeForward},
@@ -116,7 +116,7 @@ TEST_F(LiveCapture, ASwipeToEitherSideIsToldApartAndARestingHandIsNone) {
   EXPECT_LE(nWrong * 100, 2 * Seeds());
 }
 
-TEST_F(LiveCapture, TheTwoFramesBehindAnAutomaticShotAreNotJudged) {
+TEST_F(LiveCapture, TheTwoFramesAfterAnAutomaticShotAreNotJudged) {
   ASSERT_NO_FATAL_FAILURE(Start(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [
       {"print": {"seed": 3}, "touch": 0, "lift": 60, "repeat": 100}]}]})",
                                 Engine::eCaptureModeAuto));
@@ -139,7 +139,7 @@ TEST_F(LiveCapture, TheTwoFramesBehindAnAutomaticShotAreNotJudged) {
   EXPECT_TRUE(WaitFor([&] { return m_pEngine->GetDetectState() == Engine::eCaptureStateNoFinger; }));
 }
 
-TEST_F(LiveCapture, TheEndOfARollIsToldWithItsFinishedPicture) {
+TEST_F(LiveCapture, TheEndOfARollIsReportedWithItsFinishedPicture) {
   *m_pEngine->AutoCaptureBeep() = 1;
   *m_pEngine->RolledPostProcess() = 1;
   ASSERT_NO_FATAL_FAILURE(Start(QuickRoll("1000"), Engine::eCaptureModeRoll));
@@ -159,7 +159,7 @@ TEST_F(LiveCapture, TheEndOfARollIsToldWithItsFinishedPicture) {
   EXPECT_EQ(std::memcmp(oFinished.Data(), m_oImage.Data(), m_oImage.DataBytes()), 0);
 }
 
-TEST_F(LiveCapture, VersionsStandBehindTheirTags) {
+TEST_F(LiveCapture, VersionsStandAfterTheirTags) {
   char szBuffer[8] = "kept";
   unsigned int nLength = 0;
   const auto Version = [&](const char* szTold, unsigned int nId, char* szRoom, unsigned int nRoom) {

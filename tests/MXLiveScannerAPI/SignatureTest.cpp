@@ -40,7 +40,7 @@ Detector::EKind Appears(int nX, int nY, int nRadiusX, int nRadiusY, int nLight, 
   return oSight.eKind;
 }
 
-TEST(PenDetector, TellsATipFromWhatIsNoPen) {
+TEST(PenDetector, DistinguishesATipFromWhatIsNoPen) {
   EXPECT_EQ(Appears(300, 440, 5, 5, 22), Detector::ePen);
   EXPECT_EQ(Appears(480, 340, 5, 5, 7), Detector::eNothing) << "too weak";
   EXPECT_EQ(Appears(480, 340, 40, 4, 22), Detector::eNothing) << "too long";

@@ -151,7 +151,7 @@ class DirtMeter : public testing::Test {
   ClDirtMeter m_oMeter{Calibration(), m_oBlack};
 };
 
-TEST_F(DirtMeter, TheBrightestTenthOfThePlatenTellsWhetherItIsCovered) {
+TEST_F(DirtMeter, TheBrightestTenthOfThePlatenShowsWhetherItIsCovered) {
   Picture oFrame(174, 246, 255);
   oFrame.Fill(20, 30, 130, 170, 24);
   EXPECT_EQ(m_oMeter.Add(oFrame), ClDirtMeter::eEmpty) << "what lies outside does not count";

@@ -207,7 +207,7 @@ TEST(BitmapFile, AFewRunsCanNotAskForGigabytes) {
   EXPECT_EQ(Load(oLoaded, aFile), 0) << "a bitmap of which little is drawn";
 }
 
-TEST(BitmapFile, AFullDiskIsTold) {
+TEST(BitmapFile, AFullDiskIsReported) {
   ClBitmap oBitmap;
   oBitmap.Create(500, 500, 8, 0);
   EXPECT_EQ(NumberOf([&] { oBitmap.Store("/dev/full"); }), -201);

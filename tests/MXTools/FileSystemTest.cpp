@@ -72,7 +72,7 @@ TEST(FileNames, RelativeAndAbsoluteOnesGoIntoEachOther) {
   EXPECT_EQ(Absolute("/a/bc/", Relative("/a/bc/", "/a/bd/e").c_str()), "/a/bd/e");
 }
 
-TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingBehindItsEnd) {
+TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingAfterItsEnd) {
   setenv("HOME", "/home/me", 1);
   using namespace FileSystem;
   const struct {
@@ -186,7 +186,7 @@ TEST_F(Disk, FilesAreCopiedWholeAndNotOntoThemselves) {
   EXPECT_EQ(NumberOf([&] { FileSystem::CopyFile(szFrom.c_str(), szTo.c_str()); }), -200);
 }
 
-TEST_F(Disk, ACopyThatCanNotBeReadOrWrittenIsTold) {
+TEST_F(Disk, ACopyThatCanNotBeReadOrWrittenIsReported) {
   Write("small", "x");
   Write("large", std::string(100000, 'x'));
   for (const char* szName : {"small", "large"}) {

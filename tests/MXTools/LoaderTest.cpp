@@ -154,7 +154,7 @@ TEST_F(Loader, TheAbsolutePathOfANameIsFoundOrRefused) {
   EXPECT_EQ(Find("other.so", 2048), "-200");
 }
 
-TEST_F(Loader, ALibraryTellsItsPathAndThisModuleItsOwn) {
+TEST_F(Loader, ALibraryReportsItsPathAndThisModuleItsOwn) {
   Install(KLV_LIBRARY_10, "one/lib.so");
   const std::string szPath = m_oDirectory.Path("one/lib.so");
   ClDynamicLibrary oLibrary(szPath.c_str());

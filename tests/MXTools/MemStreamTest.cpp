@@ -20,7 +20,7 @@ Bytes Content(const ClMemStream& oStream) {
   return pData == nullptr ? Bytes() : Bytes(pData, pData + oStream.Size());
 }
 
-TEST(Stream, NumbersOfEveryWidthAreBigEndianUntilADirectionIsToldOtherwise) {
+TEST(Stream, NumbersOfEveryWidthAreBigEndianUntilADirectionIsSetOtherwise) {
   ClMemStream oStream;
   EXPECT_TRUE(oStream.GetBigEndian());
   EXPECT_EQ(oStream.WriteAutoSwap<uint8_t>(0xAB), 1u);
@@ -170,7 +170,7 @@ TEST(Stream, SizesThatNoTransferHasAreRefused) {
   EXPECT_EQ(oStream.WriteNumericArray(&nValue, 1, 0), 0xFFFFFFFFu);
 }
 
-TEST(StreamBits, AFlushKeepsTheBitsThatStandBehind) {
+TEST(StreamBits, AFlushKeepsTheBitsThatFollow) {
   unsigned char aData[2] = {0xFF, 0xFF};
   ClMemStream oStream(aData, 2, true);
   oStream.WriteBits(0, 3);
@@ -186,7 +186,7 @@ TEST(StreamBits, AFlushKeepsTheBitsThatStandBehind) {
   EXPECT_EQ(aData[1], 0xE7) << "11100111: only bits 3 and 4 were written";
 }
 
-TEST(StreamBits, AFlushBehindASetPositionMovesOnByTheByteThatItWrites) {
+TEST(StreamBits, AFlushAfterASetPositionMovesOnByTheByteThatItWrites) {
   unsigned char aData[2] = {0x5A, 0xFF};
   ClMemStream oStream(aData, 2, true), oEmpty;
   oStream.BitPosSet(3);

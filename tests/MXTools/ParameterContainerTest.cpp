@@ -43,7 +43,7 @@ TEST_F(ParameterTree, RefusesAPartOf255CharactersButWalksAPathOfAnyLengthWithout
   EXPECT_EQ(m_oRoot.Find((std::string(100000, '.') + "a.b").c_str()), m_pLeaf);
 }
 
-TEST_F(ParameterTree, TellsThePathOfANode) {
+TEST_F(ParameterTree, ReportsThePathOfANode) {
   unsigned int nSize = 3;
   char szPath[5] = "****";
   EXPECT_FALSE(m_pLeaf->GetPathName(szPath, nSize));

@@ -20,7 +20,7 @@ using List = ClParameterInterface;
 using ClMembers = ClParameterMembers;
 using Bytes = std::vector<unsigned char>;
 
-TEST(ParameterInterface, AnEntryReadsAndWritesItsMemberAndNothingBehindIt) {
+TEST(ParameterInterface, AnEntryReadsAndWritesItsMemberAndNothingAfterIt) {
   ClMembers oMembers;
   for (const char* szName : {"nByte", "nShort", "nAngle", "nInt", "nLong", "dDouble", "fFloat", "nEnum"}) {
     oMembers[szName].SetValue(2.75);

@@ -144,7 +144,7 @@ TEST(NumericParameter, PrintsWithoutTrailingZerosButOneDigit) {
   EXPECT_EQ(oGain.Text().size(), 303u);
 }
 
-TEST(NumericParameter, TellsTheSizeBeforeItWrites) {
+TEST(NumericParameter, ReportsTheSizeBeforeItWrites) {
   TpBound<unsigned int> oGain(1234);
   unsigned int nSize = 0;
   char szText[6] = "*****";

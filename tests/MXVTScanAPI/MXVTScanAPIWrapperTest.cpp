@@ -84,7 +84,7 @@ const ClForward caForwards[] = {
      "VTScanAPISetCaptureMode(5,35,6,*4886718345,1)"},
 };
 
-TEST(MXVTScanAPIWrapper, EachOperationPassesTheDeviceAndItsArgumentsAndTellsTheOutcome) {
+TEST(MXVTScanAPIWrapper, EachOperationPassesTheDeviceAndItsArgumentsAndReportsTheOutcome) {
   ClRecordedScanner oScanner(KLV_LIBRARY_COMPLETE);
   for (const ClForward& oForward : caForwards) {
     oScanner.Answer(0);

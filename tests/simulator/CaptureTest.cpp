@@ -224,7 +224,7 @@ TEST_F(CaptureTest, RealPacingKeepsTheRateOfTheHardwareAndALateSequenceIsLate) {
   EXPECT_GE(State().dTime, 11.0 / 60.0 + 0.29);
 }
 
-TEST_F(CaptureTest, ASingleImageGoesBehindItsHeaderAndOnlyWhenItFits) {
+TEST_F(CaptureTest, ASingleImageGoesAfterItsHeaderAndOnlyWhenItFits) {
   Start("finger");
   void* hDevice = Open();
   ASSERT_EQ(VTScanAPISetResolution(hDevice, 6), 0);

@@ -183,7 +183,7 @@ TEST_F(SimulatorTest, ABadSceneChangesNothingAndAGoodOneKeepsTheHandles) {
   EXPECT_EQ(VTSimUnplug("VT40-AB0001"), -44);
 }
 
-TEST_F(SimulatorTest, TellsWhereTheTargetsDotsAreWhereOneLies) {
+TEST_F(SimulatorTest, ReportsWhereTheTargetsDotsAreWhereOneLies) {
   Start("empty");
   std::vector<VTSimPoint> aDots(64);
   unsigned nCount = 64;

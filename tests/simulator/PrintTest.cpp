@@ -38,7 +38,7 @@ TEST(PrintFile, ABigEnoughPrintLiesPixelForPixelInTheMiddleOfThePlaten) {
   EXPECT_EQ(oMap.oCover.At(199, 700), 0);
 }
 
-TEST(PrintFile, ADamagedOrMissingFileIsToldByName) {
+TEST(PrintFile, ADamagedOrMissingFileIsReportedByName) {
   const ClTestFolder oFolder;
   const auto Failure = [](const std::string& sPath) { return RefusalOf([&] { ReadPrintFile(sPath); }); };
   const std::string sGood = oFolder.WritePng("good.png", 64, 64, [](unsigned x, unsigned) { return x; });

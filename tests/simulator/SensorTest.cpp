@@ -122,7 +122,7 @@ TEST(Sensor, GainExposureAndMaskScaleTheLightAndWhiteIsTheEnd) {
   EXPECT_EQ(aBytes[nMid + 4 * oSettings.PlaneBytes()], aBytes[nMid + 5 * oSettings.PlaneBytes()]);
 }
 
-TEST(Sensor, BothPlaneOrdersOccurUnlessOneIsToldAndGiveTheSameDifference) {
+TEST(Sensor, BothPlaneOrdersOccurUnlessOneIsSetAndGiveTheSameDifference) {
   ClScannerDescription oScanner = Scene("finger");
   for (const auto& [eOrder, nLeast, nMost] : {std::tuple<EPlaneOrder, int, int>{eOrderMixed, 11, 29},
                                               {eOrderDarkFirst, 0, 0},

@@ -69,7 +69,7 @@ unsigned long LittleEndian(const std::vector<unsigned char>& aBytes, size_t nOff
   return nValue;
 }
 
-TEST_F(Tool, TellsScannersAndWhatTheyAre) {
+TEST_F(Tool, ListsScannersAndWhatTheyAre) {
   EXPECT_EQ(Run("list --scene finger").sOutput, "VT40-AB0001\n");
   const nlohmann::json oFacts = FactsOf("info --scene finger");
   EXPECT_EQ(oFacts["library"], "1.5.1421.5");
@@ -252,7 +252,7 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
 }
 
-TEST_F(Tool, TheManualPageTellsEveryCommandAndOption) {
+TEST_F(Tool, TheManualPageDescribesEveryCommandAndOption) {
   std::ifstream oFile(KLV_MAN_PAGE);
   std::string sPage{std::istreambuf_iterator<char>(oFile), {}};
   // Dashes are escaped there.
