@@ -29,7 +29,7 @@ if(KLV_SANITIZE)
   set(KLV_RUN_ENVIRONMENT "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 endif()
 
-# What stands in front of a program that a test starts: nothing, or an emulator.
+# What precedes a program that a test starts: nothing, or an emulator.
 string(JOIN " " KLV_RUN_PREFIX ${CMAKE_CROSSCOMPILING_EMULATOR})
 if(KLV_RUN_PREFIX)
   string(APPEND KLV_RUN_PREFIX " ")

@@ -17,7 +17,8 @@ set(CMAKE_BUILD_RPATH ${libraries})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 
-# A kernel without 32-bit programs runs them in the emulator; a 32-bit program that is always there tells.
+# A kernel without 32-bit programs runs them in the emulator; a 32-bit program that is always there shows
+# whether it does.
 execute_process(COMMAND /lib/ld-linux.so.2 --version RESULT_VARIABLE runs OUTPUT_QUIET ERROR_QUIET)
 if(NOT runs EQUAL 0)
   set(CMAKE_CROSSCOMPILING_EMULATOR qemu-i386 -cpu max)

@@ -102,7 +102,7 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
   }
 }
 
-TEST(SaturateBorders, SaturateToTheTypeAndMustBeInOrder) {
+TEST(SaturateLimits, SaturateToTheTypeAndMustBeInOrder) {
   ClImage oIn, oOut;
   ClAnyImages o;
   SetImage<uint8_t>(oIn, 3, 1, {0, 100, 255});
