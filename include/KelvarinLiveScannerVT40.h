@@ -9,9 +9,9 @@
  *      LS_VT40GetRollImage until *pbDone is not 0,
  *   4. calls LS_VT40CloseScanner and LS_VT40Uninitialize.
  *
- * Results   Unless stated otherwise a function returns 0 for success and a negative number for a failure, which
- *           LS_VT40GetErrorDescriptionA explains. A failure leaves the out-parameters as they were, but for
- *           sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
+ * Results   Unless stated otherwise a function returns 0 for success and a negative number for a failure,
+ *           which LS_VT40GetErrorDescriptionA explains. A failure leaves the out-parameters as they were, but
+ *           for sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
  *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle; these two are not repeated below.
  * Images    Rows of 8-bit grey values, top row first, one byte a pixel without padding (all widths are
  *           multiples of 4): 0 is black, 255 white. Ridges are dark on a white background. The caller
