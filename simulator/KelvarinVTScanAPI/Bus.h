@@ -60,7 +60,7 @@ class ClBus {
     ScannerPointer pScanner;
   };
 
-  // All of these want m_oLoading held.
+  // For all of these m_oLoading is held.
   void LoadEnvironment();
   void RefreshScene();
   void NeedScene();

@@ -142,7 +142,7 @@ class ClScanner {
     ByteBlock aData;
   };
 
-  // All of these want m_oState held.
+  // For all of these m_oState is held.
   void CheckLocked(Session nSession);
   double Time() const;
   void FollowPlans();
@@ -158,7 +158,7 @@ class ClScanner {
   void FreeFrames();
   void AddLight(int nKind, uint64_t nWord);
 
-  // Wants m_oRender held, and m_oState not.
+  // m_oRender is held, and m_oState is not.
   uint8_t* RenderInto(ClBlock& oBlock, double dTime, uint64_t nSequence);
 
   const std::string m_sSerial;

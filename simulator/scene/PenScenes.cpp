@@ -14,7 +14,7 @@ namespace {
 constexpr double cdLeftMm = 7.0, cdRightMm = 74.0, cdTopMm = 5.0, cdBottomMm = 34.0;
 constexpr double cdWidestLetterMm = 3.8;
 
-/// A signature in the making: loops that run on to the right, one above the other's end.
+/// Makes a signature: loops that run on to the right, one above the other's end.
 class ClSignatureStage {
  public:
   explicit ClSignatureStage(uint64_t nSeed) : m_oRandom(Mix(nSeed, MixText("signature"))) {

@@ -163,7 +163,7 @@ class ClGrower {
 
   /// Twice the size by Catmull-Rom splines, as heights from 0 to 255.
   TpPlane<uint8_t> Enlarge(const std::vector<float>& aIn) const {
-    // The sample a quarter to the left and a quarter to the right of a pixel centre.
+    // These are the samples a quarter to the left and a quarter to the right of a pixel centre.
     static const float aTaps[4] = {-0.0703125f, 0.8671875f, 0.2265625f, -0.0234375f};
     TpPlane<float> oWide(2 * m_nWidth, m_nHeight + 2 * cnReach);
     for (int y = 0; y < oWide.Height(); ++y) {

@@ -7,8 +7,8 @@
 namespace Simulator {
 
 /// Grows a ridge pattern: noise is filtered again and again with Gabor kernels that follow the ridge flow
-/// until there are ridges, with the endings and bifurcations that the flow forces. Same description, same
-/// print.
+/// until there are ridges, with the endings and bifurcations that the flow forces. The same description gives
+/// the same print.
 ///
 /// R. Cappelli, D. Maio, D. Maltoni, "Synthetic fingerprint-database generation", ICPR 2002, describe the
 /// method.

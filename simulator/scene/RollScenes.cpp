@@ -10,7 +10,7 @@ namespace {
 
 constexpr double cdFrameSeconds = 1.0 / 15.0;
 
-/// A finger in the making. Ways are counted in the direction in which it rolls.
+/// Makes a rolling finger. Distances count in the direction in which it rolls.
 class ClRollStage {
  public:
   ClRollStage(const char* szName, uint64_t nSeed) : m_oRandom(Mix(nSeed, MixText(szName))) {}

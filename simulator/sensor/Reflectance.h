@@ -20,11 +20,11 @@ class ClReflectance {
   void Free();
 
   const TpPlane<uint8_t>& Picture() const noexcept { return m_oPicture; }
-  /// Beyond its edge: dark, or as bright as on the edge.
+  /// Beyond the edge it is dark, or as bright as on the edge.
   bool GoesOn() const noexcept { return m_bGoesOn; }
 
   /// Whether anything lies in the rectangle of pixels [nLeft, nRight] x [nTop, nBottom], which may reach
-  /// beyond the picture. May say yes for a bare place near skin, never no for skin.
+  /// beyond the picture. The answer may be yes for bare glass near skin, but is never no for skin.
   bool Occupied(int nLeft, int nTop, int nRight, int nBottom) const noexcept;
 
  private:

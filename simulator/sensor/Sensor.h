@@ -33,7 +33,7 @@ struct ClSensorSettings {
 };
 
 /// The properties of one scanner follow from its serial number alone; noise follows from the seed of the
-/// scene and the number of the sequence. Same input, same bytes.
+/// scene and the number of the sequence. The same input gives the same bytes.
 ///
 /// Threads    thread-bound; the calibration files are const and may be read from any thread.
 /// Cost       memory for the mode in use is taken at the first frame and kept until Free.

@@ -9,7 +9,7 @@
 namespace Simulator {
 namespace {
 
-/// Samples along one side of a merged pixel: as many as keep them within a picture pixel of each other. A
+/// Samples along one side of a merged pixel: enough that they are at most a picture pixel apart. A
 /// full sensor pixel is 0.48 picture pixels wide and 0.65 high.
 int SamplesAcross(int nMerge) {
   return std::max(1, nMerge / 2);

@@ -23,7 +23,7 @@ class ClCalibrateDataBase {
   void Write(ClStream& oStream) const;
   void Write(const char* szPath) const;
 
-  /// The version text of the last read; four bytes that need not end in a zero.
+  /// The version text of the last read: four bytes, which need not end in a zero.
   const char (&ReadVersion() const)[4] { return m_szReadVersion; }
 
   /// True when the three tags and the version of the last read agree.

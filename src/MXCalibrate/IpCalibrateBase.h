@@ -12,7 +12,7 @@ class ClImage;
 /// Threads    thread-bound: the pointers are read during Apply.
 class ClIpCalibrateBase : public ClProcessorBase {
  public:
-  /// Back to the state before the first Apply; the next one prepares anew.
+  /// Restores the state before the first Apply, so that the next one prepares anew.
   virtual void Reset() = 0;
   /// Prepares from m_pData, unless that is done.
   virtual void Initiate() = 0;

@@ -56,7 +56,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const;
   /// Raises unless a map can be made of these points and sizes.
   void CheckParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) const;
-  /// The map entry of a source position.
+  /// Returns the map entry of a source position.
   Entry EntryOf(double dX, double dY) const;
   /// Entries of a whole map, not yet set. Errors: ClExBadAlloc -102.
   std::unique_ptr<Entry[]> NewMap() const;

@@ -9,8 +9,8 @@
 class ClIpCalibrateGeometricCoarse : public ClIpCalibrateGeometricBase {
  public:
   /// oOut becomes ((width - 1) * nFactor + 1) by ((height - 1) * nFactor + 1) samples of oIn's type,
-  /// eDouble64, with the values between the input's samples. The last row and column are not set: they belong
-  /// to no cell.
+  /// eDouble64, which interpolate those of oIn. The last row and column are not set, since they belong to no
+  /// cell.
   static void UpscaleImage(const ClImage& oIn, ClImage& oOut, unsigned char nFactor);
   /// The same for one plane.
   static void UpscaleImageMono(const ClImage& oIn, ClImage& oOut, unsigned char nFactor);

@@ -82,7 +82,7 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClIpAdjustBrightness m_oAdjust;
   ClMaskRegions m_oRegions;
 
-  // At the resolution that is segmented.
+  // These have the resolution that is segmented.
   ClImage m_oSignal;
   ClImage m_oUpper;
   ClImage m_oLower;
@@ -98,7 +98,7 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClImage m_oMask;
   ClImage m_oExtreme1;
   ClImage m_oExtreme2;
-  // At the input's resolution, on the half-resolution path.
+  // These have the input's resolution; only inputs that are segmented at half resolution use them.
   ClImage m_oFullSignal;
   ClImage m_oFullEnvelope;
   ClImage m_oFullBackground;

@@ -40,8 +40,8 @@ struct StStaged {
 
 class StagedRoll : public Roll, public testing::WithParamInterface<StStaged> {};
 
-/// With a number of seeds in the environment also prints a line for each roll, of which scripts/roll-verdicts
-/// makes a table.
+/// When the environment sets the number of seeds, it also prints a line for each roll, of which
+/// scripts/roll-verdicts makes a table.
 TEST_P(StagedRoll, GetsItsVerdictAndAGoodOneShowsTheRidgesOfTheWholeFinger) {
   const bool bGood = GetParam().nVerdict == 0;
   const int nSeeds = bGood ? Seeds() : (Seeds() + 1) / 2;
@@ -100,7 +100,7 @@ TEST_F(Roll, WaitsWithItsEndForACallerWhoLooksLate) {
   ASSERT_EQ(LS_VT40SetPropertyLongA(m_h, "nAutoCaptureBeep", 1), 0);
   Start(QuickRoll("1000"));
   StepUntilDown();
-  // Sequences go through while nobody fetches, until the end has sounded, and beyond.
+  // Sequences go through while nobody fetches, until the beep of the end and after it.
   for (int n = 0; n < 1000 && State().nBeeps == 0; ++n) Pass();
   for (int n = 0; n < 5; ++n) Pass();
   EXPECT_EQ(Step().bDone, 1);

@@ -219,7 +219,8 @@ TEST(Dots, StraysThatMoveTheCentreGoBeforeTheDotsAreMatched) {
 
 TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
   ClDonut oDonut;
-  // Beside one corner a dot alone; beyond the opposite one a chain, whose first holds on by the second.
+  // Beside one corner there is a single dot; beyond the opposite one a chain, whose first dot has a neighbour
+  // more in the second.
   std::vector<ClVector> aPlaces = Ideal();
   for (const double d : {-1.2, 8.2, 9.4}) aPlaces.emplace_back(500 + d * cdPitchX, 300 + d * cdPitchY);
   ClFound oFound(oDonut, aPlaces);

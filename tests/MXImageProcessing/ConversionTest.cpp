@@ -90,7 +90,7 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
       SCOPED_TRACE(oRule.m_szName);
       ClImage oIn, oOut;
       SetRandom<T>(oIn, 37, 5, oRandom, nPlanes, nPlanes == 1);
-      // The image has black and white of its own; the result has those of its type.
+      // The image has black and white of its own, unless its type always has the same.
       if (sizeof(T) > 1) oIn.SetBlackWhite(3.0, 90.0);
       ASSERT_EQ(oRule.m_fnRun(oIn, oOut), 0);
       ASSERT_EQ(oOut.DataType(), oIn.DataType());

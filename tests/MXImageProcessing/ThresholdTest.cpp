@@ -62,11 +62,11 @@ TEST(Histogram, MeansAndDeviationsAreThoseOfTheSamples) {
   EXPECT_DOUBLE_EQ(oHistogram.GetStdDeviation(9, 9), 0.0);
   EXPECT_DOUBLE_EQ(oHistogram.GetAverageDeviation(), 12.0 / 8);
   EXPECT_DOUBLE_EQ(oHistogram.GetUniformity(), (1 + 9 + 4 + 1 + 1) / 64.0);
-  // The brightest five: 9, 7, 5, 5 and one of the three 4.
+  // The brightest five are 9, 7, 5, 5 and one of the three 4.
   EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(5), 30.0 / 5);
   EXPECT_DOUBLE_EQ(oHistogram.GetDarkestAvrg(3), 10.0 / 3);
   EXPECT_DOUBLE_EQ(oHistogram.GetBrightestAvrg(8), 5.0);
-  // Without the lowest and the highest quarter: 4, 4, 5, 5.
+  // Without the lowest and the highest quarter 4, 4, 5, 5 are left.
   EXPECT_DOUBLE_EQ(oHistogram.GetAverage(0.25, 0.75), 4.5);
   EXPECT_DOUBLE_EQ(oHistogram.GetAverage(0.0, 1.0), 5.0);
 }
@@ -140,7 +140,7 @@ TEST(Histogram, TheNoiseFreeRangeCountsEachShareFromItsOwnEnd) {
 }
 
 TEST(Histogram, WalksEndOnTheHillAndInTheValley) {
-  // A ramp up to 60, down to nFoot, up to 255: bin i holds 10 * |i - foot| samples.
+  // The counts go up to bin 60, down to nFoot, and up to 255: bin i holds 10 * |i - foot| samples.
   const auto Ramps = [](int nFoot) {
     Bytes aSamples;
     for (int i = 0; i < 256; ++i) {
@@ -182,7 +182,8 @@ TEST(Histogram, TwoClustersAreParted) {
   const std::vector<int8_t> aSigned{-128, -118, -108, -98, 80, 82, 82, 84};
   EXPECT_EQ(HistogramOf(aSigned).TwoMeansClustering(false), 113 - 128);
   EXPECT_EQ(HistogramOf(Bytes(3, 255)).TwoMeansClustering(false), 255);
-  // All in one bin: the middle of the empty upper cluster moves up to 237, where the middle of both stays.
+  // All samples are in one bin: the middle of the empty upper cluster rises to 237, where the threshold
+  // stays.
   EXPECT_EQ(HistogramOf(Bytes(3, 200)).TwoMeansClustering(false), 219);
 }
 

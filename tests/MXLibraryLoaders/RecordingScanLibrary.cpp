@@ -14,7 +14,7 @@ int nLent = 0;
 char aHandles[128];
 
 /// Writes texts as they are, numbers as numbers, what a pointer leads to with an asterisk, and handles as
-/// their value.
+/// their index.
 template <typename T>
 void Put(std::ostream& rOut, const T& rValue) {
   if constexpr (std::is_convertible_v<T, const char*>) {
@@ -36,7 +36,7 @@ void Put(std::ostream& rOut, const T& rValue) {
   }
 }
 
-/// Named as the caller, with the arguments that it was called with.
+/// Records the name of the function and the arguments that it was called with.
 template <typename... T>
 long Record(const char* szFunction, const T&... aArguments) {
   std::ostringstream oLine;

@@ -169,7 +169,8 @@ TEST(Geometry, TheFirstRevisionMayHaveMorePointsOnTheSensorThanTargets) {
 
 using Offsets = std::map<unsigned int, ClVector>;
 
-/// A straight grid of 400 by 300, so that each point is its neighbours' middle, with points off it.
+/// A straight grid of 400 by 300, in which each point is the middle of its neighbours, with some points off
+/// it.
 std::vector<ClVector> GridOff(const Offsets& mapOff) {
   std::vector<ClVector> aPoints;
   for (int n = 0; n < 64; ++n) aPoints.emplace_back(600 + 400 * (n / 8), 300 + 300 * (n % 8));
@@ -177,8 +178,7 @@ std::vector<ClVector> GridOff(const Offsets& mapOff) {
   return aPoints;
 }
 
-/// Expects that the set-up turns the straight grid with some points off it into the straight grid with the
-/// others off it.
+/// Expects that the set-up turns a grid that is off by mapOff into one that is off by mapStillOff.
 void ExpectRepair(ClVT40SetupCalibrationData& oSetup, const Offsets& mapOff, const Offsets& mapStillOff) {
   SCOPED_TRACE(testing::Message() << "point " << mapOff.begin()->first);
   ClGeometricRecord oRecord;
@@ -201,8 +201,8 @@ TEST(Geometry, APointMoreThan15PixelsOffItsNeighboursMovesToTheirMiddle) {
         ExpectRepair(oSetup, {{n, vOff}}, {});
       for (const ClVector& vOff : {ClVector(14, 0), ClVector(0, -15), ClVector(9, 12)})
         ExpectRepair(oSetup, {{n, vOff}}, {{n, vOff}});
-      // Beyond 30 pixels the neighbour before it moves by half as well, and leaves half of that in the
-      // stray's position; points on the edge never move.
+      // Beyond 30 pixels the neighbour before the stray moves half as far, and the stray stays off by half of
+      // that; points on the edge never move.
       const auto Halved = [n](unsigned int nBefore, bool bBorder, const ClVector& vOff) {
         return bBorder ? Offsets{} : Offsets{{nBefore, vOff * 0.5}, {n, vOff * 0.25}};
       };

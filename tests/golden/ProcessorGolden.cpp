@@ -166,8 +166,8 @@ void Geometry() {
   Stage("move", g_aAll, [](auto& a, auto& b) { return ClIpMoveImage().ApplyParam(a, b, 9, -4, 33.0); });
   Stage("subsample", g_aSmall, [](auto& a, auto& b) { return ClIpSubsample().ApplyParam(a, 3, 2, b, true); });
   for (const bool bSmooth : {false, true}) {
-    // Angles at which fixed point meets its limits, a twelfth, a sixth, a quarter of a turn, and others
-    // between.
+    // At a twelfth, a sixth and a quarter of a turn, fixed-point numbers fall exactly on a step; the others
+    // lie between.
     for (const double dAngle : {0.5235987755982988, -1.0471975511965976, 1.5707963267948966, 0.1, 2.9})
       Stage(("rotate-" + std::to_string(dAngle) + (bSmooth ? "-smooth" : "")).c_str(), g_aBytes,
             [=](ClImage& a, ClImage& b) {

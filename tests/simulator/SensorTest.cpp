@@ -70,7 +70,7 @@ TEST(Sensor, EveryModeShowsItsPartOfTheFullSensorMerged) {
         dWorst = std::max(dWorst, dError);
       }
     }
-    // As bright as with full readout; taps differ by up to 7 %, and belong to other pixels in a merged mode.
+    // A merged mode is as bright as full readout; taps differ by up to 7 %, and belong to other pixels in it.
     EXPECT_LT(dSum / (oMode.nWidth * oMode.nHeight), 0.8) << "mode " << oMode.nMode;
     EXPECT_LT(dWorst, 26.0) << "mode " << oMode.nMode;
   }

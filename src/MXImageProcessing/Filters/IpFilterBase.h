@@ -51,7 +51,7 @@ class ClIpFilterBase : public ClProcessorBase {
   /// not of eInt8 and one plane.
   void CheckDirections() const;
 
-  /// Runs fnFirst, then fnSecond on its result as the input; the pointers are as before in the end.
+  /// Runs fnFirst, then fnSecond with its result as the input, and restores the pointers.
   template <typename TFirst, typename TSecond>
   long ProcessTwice(TFirst&& fnFirst, TSecond&& fnSecond) {
     ClImagesGuard oGuard(*this);

@@ -22,7 +22,7 @@ ClVector Turned(const ClVector& oPoint, double dAngle) {
   return {dCos * oPoint.x - dSin * oPoint.y, dSin * oPoint.x + dCos * oPoint.y};
 }
 
-/// An axis of the source along one output row: start, step, and the largest position.
+/// An axis of the source along one output row: its start, step and largest position.
 struct ClWalk {
   /// Narrows [rnFirst, rnLast] to the columns whose source lies inside. Quotients are truncated and the ends
   /// left out, so that the source of no column of the range can lie outside.
@@ -168,7 +168,7 @@ long ClIpRotate::ProcessPlane() {
   return 0;
 }
 
-/// How far the output's origin is moved; with ResizeOutImage the size and centre of the output too.
+/// How far the output's origin moves; with ResizeOutImage it also sets the size and centre of the output.
 ClVector ClIpRotate::Shift(int& rnWidth, int& rnHeight) {
   if (!m_bResizeOutImage) return {};
   const double dRight = rnWidth - 1, dBottom = rnHeight - 1;

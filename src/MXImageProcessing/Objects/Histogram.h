@@ -53,7 +53,7 @@ class ClHistogram {
   /// The bins that are left without the darkest samples, a share of dLow, and the brightest, a share of
   /// dHigh; a share of 1 is all samples. Without samples they are 255 to 0.
   void GetNoiseFreeRange(double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast) const;
-  /// The same of an image, whose histogram this becomes.
+  /// The same for an image: the histogram becomes that of the image.
   void GetRange(ClImage& oImage, double dLow, double dHigh, unsigned char& rnFirst, unsigned char& rnLast);
 
   /// Mean count of the bins nPos1 to nPos2, truncated.

@@ -13,7 +13,7 @@
 /// Ownership  the output is allocated on the image handed in; with no plane at all it isn't touched.
 /// Threads    thread-bound.
 /// Errors     returned: -35 for a content without a number of planes. ClException -701 no output; -44 a plane
-///            of another type or size, or more planes than there are places.
+///            of another type or size, or more planes than the output has.
 class ClIpJoinPlanes : public ClProcessorBase {
  public:
   ClIpJoinPlanes() { ClIpJoinPlanes::SetParametersToDefault(); }

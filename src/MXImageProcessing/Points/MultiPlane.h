@@ -6,7 +6,7 @@
 #include "MXTools/FpImage.h"
 
 /// Splits the input, calls fnRun for each plane with rpIn and rpOut set to a one-plane image each, and joins
-/// the results into the output; the two pointers and the input are as before in the end, whatever happens.
+/// the results into the output. The two pointers and the input are restored, whatever happens.
 ///
 /// Domain  2 to 4 planes; input and output are two images.
 /// Errors  ClException -35 for more planes; what fnRun returns or raises.

@@ -16,7 +16,7 @@ constexpr uint16_t cnSpeckDeviation = 22;
 constexpr int cnBlocks = 7;
 constexpr int cnSteps = 10;
 
-/// A coordinate as a pixel of the sensor.
+/// Limits a co-ordinate to the pixels of the sensor.
 int ToPixel(double dCoordinate, int nLimit) {
   return static_cast<int>(std::max(0.0, std::min(dCoordinate, static_cast<double>(nLimit))));
 }

@@ -17,7 +17,8 @@ namespace Klv {
 /// ran out, -721 for another of the standard library, -722 for anything else. To be called in a handler.
 long FailureNumber() noexcept;
 
-/// What the exception that is being handled says of itself. To be called in a handler, and valid in it.
+/// What the exception that is being handled says of itself. To be called in a handler, and valid until its
+/// end.
 const char* FailureText() noexcept;
 
 }  // namespace Klv
@@ -36,7 +37,7 @@ class TpUndo {
     try {
       m_fnUndo();
     } catch (...) {
-      // See Errors.
+      // What the undoing raises is dropped, as the contract says.
     }
   }
   /// All went well.

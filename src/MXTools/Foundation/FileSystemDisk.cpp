@@ -92,7 +92,7 @@ void RenameFile(const char* szOld, const char* szNew) {
 void CopyFile(const char* szFrom, const char* szTo) {
   if (szFrom == nullptr || szTo == nullptr) KLV_RAISE_NUMBER(-23);
   if (!IsFileExistent(szFrom)) throw ClExFilesystem(szFrom, -200, __FILE__, __LINE__);
-  // Opening for writing would empty it.
+  // To open the file for writing would empty it.
   if (IsSameFile(szFrom, szTo)) return;
   ClFile oFrom(szFrom, "rb");
   ClFile oTo(szTo, "wb");

@@ -137,7 +137,7 @@ void MakeRelativePath(const char* szRoot, const char* szAbsolute, char* szOut, u
     Put(szAbsolute, szOut, nSize);
     return;
   }
-  // Up to the last separator of what both begin with, so that "/ab/" and "/ac/" share "/" only.
+  // What both begin with counts up to its last separator, so that "/ab/" and "/ac/" share "/" only.
   size_t nCommon = 0;
   for (size_t n = 0; szRoot[n] != 0 && SameLetter(szRoot[n], szAbsolute[n]); ++n)
     if (IsSeparator(szRoot[n])) nCommon = n + 1;

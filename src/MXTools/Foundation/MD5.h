@@ -22,7 +22,7 @@ class ClMD5 {
   static void Update(MD5_CTX* pContext, const unsigned char* pData, unsigned int nLength);
   static void Final(unsigned char* pDigest, MD5_CTX* pContext);
 
-  /// The digest of a block, of a file's bytes, and the latter written to a file of its own.
+  /// These give the digest of a block, or of a file's bytes, or write the latter to a file of its own.
   static void Make(const unsigned char* pData, unsigned int nLength, unsigned char* pDigest);
   static void Make(const char* szFile, unsigned char* pDigest);
   static void Make(const char* szFile, const char* szDigestFile);

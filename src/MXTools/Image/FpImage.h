@@ -33,7 +33,7 @@ class ClImage : private boost::noncopyable {
     eFloat32 = 0xC4,
     eDouble64 = 0xC8
   };
-  /// Where an output type may be left open: the type of the first input.
+  /// Stands for the type of the first input, where an output type may be left open.
   static constexpr unsigned char cnTypeDefault = 255;
   static constexpr unsigned char cnTypeSizeMask = 31;
   static constexpr unsigned char cnTypeFloatBit = 0x40;
@@ -55,7 +55,7 @@ class ClImage : private boost::noncopyable {
   ClImage(int nWidth, int nHeight, int nPlanes, int nPelsX, int nPelsY);
   virtual ~ClImage() = default;
 
-  /// Back to the empty image; the block is let go. Three names of one operation.
+  /// All three release the block and leave the image empty.
   void Initialize();
   void Delete() { Initialize(); }
   void Detach() { Initialize(); }
@@ -67,7 +67,8 @@ class ClImage : private boost::noncopyable {
                    bool bAligned);
   /// The model's shape, content and tag with another element type, aligned. Errors: -44 on the image itself.
   void NewWithType(const ClImage& oModel, unsigned char nType);
-  /// The model's shape and metadata, aligned, without its pixels. A model that is this image does nothing.
+  /// The model's shape and metadata, aligned, without its pixels. With this image as the model it does
+  /// nothing.
   void New(const ClImage& oModel);
 
   /// Shares the other image's block and takes all its fields.
@@ -95,8 +96,8 @@ class ClImage : private boost::noncopyable {
   /// Exchanges every field; no pixel moves.
   void Swap(ClImage& oOther);
   /// Swap, for a result that was made in a scratch image: this image keeps the other one's block for the next
-  /// run, but not one attached by pointer, which the caller may have freed by then. Nothing on the image
-  /// itself.
+  /// run, but not one attached by pointer, which the caller may have freed by then. On the image itself it
+  /// does nothing.
   void HandOver(ClImage& oOther);
 
   bool IsValid() const;

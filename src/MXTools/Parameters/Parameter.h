@@ -39,7 +39,7 @@ class ClParameter : public ClParameterBase {
   /// Parses the text and writes the value; a failure leaves the old value.
   virtual void SetValue(const char* psz) = 0;
   /// The value as text. rnSize goes in as the room and comes out as the size needed, terminator included; the
-  /// result tells whether the room sufficed. Nothing is written to a NULL buffer or one that is too small.
+  /// result is true when the room was enough. Nothing is written to a NULL buffer or one that is too small.
   virtual bool GetValue(char* psz, unsigned int& rnSize) = 0;
   virtual bool GetDefaultValue(char* psz, unsigned int& rnSize) = 0;
   /// Does nothing: a container writes itself into what it takes up.

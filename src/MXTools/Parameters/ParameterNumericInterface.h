@@ -38,7 +38,7 @@ class ClParameterNumericInterface {
   void SetScale(double dScale) { m_dScale = dScale; }
   double GetNumberScaled() const { return GetNumber() * m_dScale; }
   void SetNumberSecaled(double dValue) { SetNumber(dValue / m_dScale); }
-  /// The printf format of the value in the parameter's own type; with "*" in it, of the precision and a
+  /// The printf format of the value in the parameter's own type; a format with "*" takes the precision and a
   /// double.
   const char* GetFormat() const { return m_aFormat.Data(); }
   void SetFormat(const char* szFormat);

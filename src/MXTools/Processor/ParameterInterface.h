@@ -46,7 +46,7 @@ class ClParameterInterface : private boost::noncopyable {
     ClParameter() = default;
     ClParameter(const ClParameter& oOther) { *this = oOther; }
     virtual ~ClParameter() = default;
-    /// Copies everything but the place in a list.
+    /// Copies everything but the position in a list.
     ClParameter& operator=(const ClParameter& oOther);
 
     virtual void WriteToStream(ClStream& oStream) const;

@@ -242,7 +242,7 @@ void ClEntry::SetValue(ClGraph* pGraph) {
   SetPointer(eGraph, pGraph);
 }
 
-// The member was not const when it was handed in.
+// The pointer was not const when it was set.
 ClImage* ClEntry::GetImage() const {
   return static_cast<ClImage*>(const_cast<void*>(GetPointer(eImage)));
 }
