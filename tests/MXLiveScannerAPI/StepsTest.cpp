@@ -178,6 +178,17 @@ TEST_F(DirtMeter, ASpeckStandsOutOfSixteenEmptyFramesBy23) {
   EXPECT_EQ(m_oMeter.Level(), 0) << "old frames leave the sum";
 }
 
+TEST(SmallDirtMeter, MeasuresFramesWhoseBlocksAreEmpty) {
+  ClCalibrateGeometricData oData;
+  oData.m_nSourceWidth = oData.m_nSourceHeight = 4;
+  oData.m_aActual[0].Add({0, 0});
+  oData.m_aActual[0].Add({3, 3});
+  const Picture oFrame(4, 4, 0);
+  ClDirtMeter oMeter(oData, oFrame);
+  for (int n = 0; n < 34; ++n) oMeter.Add(oFrame);
+  EXPECT_EQ(oMeter.Level(), 0);
+}
+
 TEST(FrameRoad, TheTwoPlanesOfASequenceMayComeInEitherOrder) {
   Picture oDifference(4, 1, 9);
   const unsigned char aDarkFirst[] = {0x30, 5, 80, 0, 0x41, 9, 70, 255};

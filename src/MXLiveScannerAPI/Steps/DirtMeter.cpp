@@ -96,8 +96,10 @@ int ClDirtMeter::Measure() {
     for (int i = 1; i <= cnBlocks; ++i) {
       const int nX0 = nWidth * i / cnSteps, nX1 = nWidth * (i + 2) / cnSteps;
       const int nY0 = nHeight * j / cnSteps, nY1 = nHeight * (j + 2) / cnSteps;
-      m_oHistogram.Create(m_oSpecks, nX0, nY0, nX1, nY1);
       const int64_t nPixels = int64_t{nX1 - nX0} * (nY1 - nY0);
+      // A calibration may state any size: a frame of few pixels has blocks without any.
+      if (nPixels == 0) continue;
+      m_oHistogram.Create(m_oSpecks, nX0, nY0, nX1, nY1);
       const auto nShare = static_cast<int>(int64_t{m_oHistogram.Count(255)} * 15000 / nPixels);
       // Two parts in 15000 are noise.
       nSum += std::max(0, std::min(nShare - 2, 100));
