@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "MXTools/HelperThread.h"
 #include "MXTools/Failure.h"
+#include "MXTools/HelperThread.h"
 
 namespace {
 
@@ -148,7 +148,8 @@ void ClVT40Handle::PutSensorInSetupState() {
   unsigned int nHeight = 0;
   m_oLibrary.VTScanAPISetVSYNC(m_hDevice,
                                static_cast<unsigned short>(m_pSetupCalibrationData->GetExposure()));
-  m_oLibrary.VTScanAPISetResolution(m_hDevice, static_cast<EVTScanMode_t>(ClMXVTScanAPIHandleBase::eScanModeFull));
+  m_oLibrary.VTScanAPISetResolution(m_hDevice,
+                                    static_cast<EVTScanMode_t>(ClMXVTScanAPIHandleBase::eScanModeFull));
   m_oLibrary.VTScanAPISetCaptureSequence(m_hDevice, 2, aLed, aFlags);
   m_oLibrary.VTScanAPIGetResolution(m_hDevice, &nWidth, &nHeight);
 }

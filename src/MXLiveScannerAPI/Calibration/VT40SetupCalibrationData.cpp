@@ -11,8 +11,8 @@
 
 #include "MXCalibrate/IpInterpolate2D.h"
 #include "MXImageProcessing/IpCut.h"
-#include "MXTools/HelperThread.h"
 #include "MXTools/Failure.h"
+#include "MXTools/HelperThread.h"
 #include "MXTools/MemStream.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // When to capture, the capture itself, and its score.
 #include "MXLiveScannerAPI/AutoMode.h"
 
-#include "MXTools/HelperThread.h"
 #include "MXLiveScannerAPI/LivenessDetector.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
+#include "MXTools/HelperThread.h"
 
 namespace {
 

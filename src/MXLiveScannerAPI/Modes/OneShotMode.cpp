@@ -1,8 +1,8 @@
 // One full-resolution sequence, and the end of the capture.
 #include "MXLiveScannerAPI/OneShotMode.h"
 
-#include "MXTools/HelperThread.h"
 #include "MXTools/Failure.h"
+#include "MXTools/HelperThread.h"
 #include "MXVTScanAPI/MXVTScanAPIHandleBase.h"
 
 void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
