@@ -1,33 +1,13 @@
 // Brightness and gain blocks in both of their forms, and cut at every byte.
 #include <gtest/gtest.h>
 
-#include "CalibrationBlocks.h"
 #include "MXCalibrate/CalibrateBrightnessData.h"
 #include "MXCalibrate/CalibrateGainData.h"
-#include "MXTools/Exception.h"
-#include "MXTools/MemStream.h"
-#include "Raised.h"
+#include "StoredData.h"
 
 namespace {
 
-template <typename TData>
-long Read(TData& oData, const Bytes& aBytes) {
-  ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
-  return NumberOf([&] { oData.Read(oStream); });
-}
-
-template <typename TData>
-Bytes Written(TData& oData) {
-  ClMemStream oStream;
-  oData.Write(oStream);
-  return Bytes(oStream.GetData(), oStream.GetData() + oStream.Size());
-}
-
-Bytes Cut(const Bytes& aBytes, size_t nLength) {
-  return Bytes(aBytes.begin(), aBytes.begin() + static_cast<long>(nLength));
-}
-
-TEST(BrightnessData, ReadsTheLegacyFormAndWritesItBackAfter128Zeros) {
+TEST(BrightnessData, ReadsTheLegacyFormAndWritesItBackBehind128Zeros) {
   const Bytes aBlock = LegacyBrightnessBlock();
   ClCalibrateBrightnessData oData;
   EXPECT_FALSE(oData.IsValid());

@@ -1,27 +1,14 @@
 // Geometric records: every layout, every byte flipped, every cut.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "CalibrationBlocks.h"
+#include <tuple>
+
 #include "MXCalibrate/CalibrateGeometricData.h"
-#include "MXTools/Exception.h"
-#include "MXTools/MemStream.h"
-#include "Raised.h"
+#include "StoredData.h"
 
 namespace {
 
 using testing::AnyOf;
-
-long Read(ClCalibrateGeometricData& oData, const Bytes& aBytes) {
-  ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
-  return NumberOf([&] { oData.Read(oStream); });
-}
-
-Bytes Written(const ClCalibrateGeometricData& oData) {
-  ClMemStream oStream;
-  oData.Write(oStream);
-  return Bytes(oStream.GetData(), oStream.GetData() + oStream.Size());
-}
 
 /// A record that is short enough to look at: 2 points.
 ClGeometricRecord SmallRecord(const char* szMagic = "CAL", const char* szType = "GEO",
@@ -35,33 +22,25 @@ ClGeometricRecord SmallRecord(const char* szMagic = "CAL", const char* szType = 
   return oRecord;
 }
 
-struct StRecord {
-  const char* szMagic;
-  const char* szType;
-  const char* szVersion;
-  int nLayout;
-  long nNumber = 0;
-};
-
 TEST(GeometricData, ReadsEachLayoutOfItsHistory) {
-  const StRecord aRecords[] = {{"CAL", "GEO", "000", 0}, {"CAL", "GEO", "001", 1}, {"Cal", "Fut", "002", 0},
-                               {"CAL", "GEO", "002", 2}, {"Cal", "Fut", "003", 3}, {"CAL", "GEO", "004", 4},
-                               {"CAL", "GEO", "005", 5}, {"CAL", "GEO", "006", 6}, {"CAL", "GEO", "007", 6}};
-  for (const auto& o : aRecords) {
-    SCOPED_TRACE(std::string(o.szType) + o.szVersion);
-    ClGeometricRecord oRecord = SmallRecord(o.szMagic, o.szType, o.szVersion);
-    oRecord.nPlanes = o.nLayout >= 3 ? 2 : 1;
+  const std::tuple<const char*, const char*, const char*, int> aRecords[] = {
+      {"CAL", "GEO", "000", 0}, {"CAL", "GEO", "001", 1}, {"Cal", "Fut", "002", 0},
+      {"CAL", "GEO", "002", 2}, {"Cal", "Fut", "003", 3}, {"CAL", "GEO", "004", 4},
+      {"CAL", "GEO", "005", 5}, {"CAL", "GEO", "006", 6}, {"CAL", "GEO", "007", 6}};
+  for (const auto& [szMagic, szType, szVersion, nLayout] : aRecords) {
+    SCOPED_TRACE(std::string(szType) + szVersion);
+    ClGeometricRecord oRecord = SmallRecord(szMagic, szType, szVersion);
+    oRecord.nPlanes = nLayout >= 3 ? 2 : 1;
     oRecord.nBackground = 9;
     ClCalibrateGeometricData oData;
     oData.m_nBackground = 77;
-    ASSERT_EQ(Read(oData, GeometricBlock(oRecord, o.nLayout)), 0);
-    const bool bSourcePels = o.nLayout >= 5, bPlanes = o.nLayout >= 3;
-    EXPECT_THAT(
-        (std::vector<uint32_t>{oData.m_nSourceWidth, oData.m_nSourcePelsX, oData.m_nSourcePelsY,
-                               oData.m_nTargetHeight, oData.m_nTargetPelsY, oData.m_nPlanes,
-                               oData.m_nBackground}),
-        testing::ElementsAre(3840, bSourcePels ? 41417 : 0, bSourcePels ? 30236 : 0, 1600,
-                             o.nLayout >= 2 ? 19684 : 19685, bPlanes ? 2 : 1, o.nLayout >= 4 ? 9 : 77));
+    ASSERT_EQ(Read(oData, GeometricBlock(oRecord, nLayout)), 0);
+    const bool bSourcePels = nLayout >= 5, bPlanes = nLayout >= 3;
+    EXPECT_THAT((std::vector<uint32_t>{oData.m_nSourceWidth, oData.m_nSourcePelsX, oData.m_nSourcePelsY,
+                                       oData.m_nTargetHeight, oData.m_nTargetPelsY, oData.m_nPlanes,
+                                       oData.m_nBackground}),
+                testing::ElementsAre(3840, bSourcePels ? 41417 : 0, bSourcePels ? 30236 : 0, 1600,
+                                     nLayout >= 2 ? 19684 : 19685, bPlanes ? 2 : 1, nLayout >= 4 ? 9 : 77));
     ASSERT_EQ(oData.m_aTarget.Entries(), 2u);
     EXPECT_EQ(oData.m_aTarget[1].x, 3);
     ASSERT_EQ(oData.m_aActual[oData.m_nPlanes - 1].Entries(), 2u);
@@ -70,16 +49,15 @@ TEST(GeometricData, ReadsEachLayoutOfItsHistory) {
 }
 
 TEST(GeometricData, RefusesForeignTagsAndAFourthPlaneInEveryVersion) {
-  const StRecord aRecords[] = {{"KAL", "GEO", "006", 6, -40}, {"CAL", "GEX", "006", 6, -40},
-                               {"Cal", "Fut", "001", 6, -40}, {"cal", "GEO", "006", 6, -40},
-                               {"CAL", "GEO", "003", 3, -39}, {"CAL", "GEO", "004", 4, -39},
-                               {"CAL", "GEO", "005", 5, -39}, {"CAL", "GEO", "006", 6, -39}};
-  for (const auto& o : aRecords) {
-    ClGeometricRecord oRecord = SmallRecord(o.szMagic, o.szType, o.szVersion);
+  const std::tuple<const char*, const char*, const char*, int, long> aRecords[] = {
+      {"KAL", "GEO", "006", 6, -40}, {"CAL", "GEX", "006", 6, -40}, {"Cal", "Fut", "001", 6, -40},
+      {"cal", "GEO", "006", 6, -40}, {"CAL", "GEO", "003", 3, -39}, {"CAL", "GEO", "004", 4, -39},
+      {"CAL", "GEO", "005", 5, -39}, {"CAL", "GEO", "006", 6, -39}};
+  for (const auto& [szMagic, szType, szVersion, nLayout, nNumber] : aRecords) {
+    ClGeometricRecord oRecord = SmallRecord(szMagic, szType, szVersion);
     oRecord.nPlanes = 4;
     ClCalibrateGeometricData oData;
-    EXPECT_EQ(Read(oData, GeometricBlock(oRecord, o.nLayout)), o.nNumber)
-        << o.szMagic << o.szType << o.szVersion;
+    EXPECT_EQ(Read(oData, GeometricBlock(oRecord, nLayout)), nNumber) << szMagic << szType << szVersion;
   }
 }
 
@@ -87,7 +65,7 @@ TEST(GeometricData, EveryCutAndEveryFlippedByteIsFoundExceptWhereItMeansAnotherV
   const Bytes aGood = GeometricBlock(SmallRecord());
   for (size_t n = 0; n < aGood.size(); ++n) {
     ClCalibrateGeometricData oData;
-    EXPECT_EQ(Read(oData, Bytes(aGood.begin(), aGood.begin() + static_cast<long>(n))), -201) << n;
+    EXPECT_EQ(Read(oData, Cut(aGood, n)), -201) << n;
     Bytes aBad = aGood;
     aBad[n] ^= 1;
     const long nNumber = Read(oData, aBad);
@@ -142,8 +120,7 @@ TEST(GeometricData, ComparesHashesAndClearsWhatItHolds) {
   ASSERT_EQ(Read(oRight, GeometricBlock(SmallRecord("CAL", "GEO", "005"), 5)), 0);
   EXPECT_FALSE(oLeft == oRight) << "read from another version";
 
-  unsigned char aLeft[16];
-  unsigned char aRight[16];
+  unsigned char aLeft[16], aRight[16];
   oLeft.GenerateHash(aLeft);
   oRight.GenerateHash(aRight);
   EXPECT_EQ(std::memcmp(aLeft, aRight, 16), 0) << "the version is not hashed";

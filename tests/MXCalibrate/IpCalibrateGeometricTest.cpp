@@ -1,19 +1,15 @@
 // The warp: its maps, its use of them, its stored form.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
 
-#include "CalibrationBlocks.h"
 #include "MXCalibrate/InterpolationBicubicQuantized.h"
 #include "MXCalibrate/TpIpCalibrateGeometric.h"
 #include "MXCalibrate/TpIpCalibrateGeometricSubsample.h"
 #include "MXMath/ThinPlateSplinesBOOST.h"
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/MemStream.h"
-#include "Raised.h"
+#include "StoredData.h"
 
 namespace {
 
@@ -49,8 +45,7 @@ void FillData(ClCalibrateGeometricData& oData, uint32_t nPlanes = 1) {
   oData.m_nPlanes = nPlanes;
   oData.m_nBackground = 99;
   for (int n = 0; n < 16; ++n) {
-    const double dX = 5 + 17 * (n / 4);
-    const double dY = 5 + 14 * (n % 4);
+    const double dX = 5 + 17 * (n / 4), dY = 5 + 14 * (n % 4);
     oData.m_aTarget.Add(ClVector(dX, dY));
     for (uint32_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
       oData.m_aActual[nPlane].Add(ClVector(1.45 * dX + 0.08 * dY - 3 + 0.002 * dX * dY + nPlane,
@@ -94,8 +89,7 @@ class Warp : public testing::Test {
   }
 
   ClCalibrateGeometricData m_oData;
-  ClImage m_oIn;
-  ClImage m_oOut;
+  ClImage m_oIn, m_oOut;
   ClDense m_oDense;
   ClCoarse m_oCoarse;
   const Table m_oTable;
@@ -111,8 +105,7 @@ TEST_F(Warp, EachPixelIsTheFormulasAtItsPlaceBySplineOrBackground) {
   int nWithSource = 0;
   for (int nY = 0; nY < 52; ++nY) {
     for (int nX = 0; nX < 61; ++nX) {
-      double dX;
-      double dY;
+      double dX, dY;
       oSpline.Transform(nX, nY, &dX, &dY);
       const auto& oEntry = m_oDense.Map()[nY * 61 + nX];
       ASSERT_EQ(m_oOut.Row<uint8_t>(nY)[nX], SlowSample(oEntry, m_oIn, m_oTable, 99));
@@ -121,8 +114,7 @@ TEST_F(Warp, EachPixelIsTheFormulasAtItsPlaceBySplineOrBackground) {
         continue;
       }
       ++nWithSource;
-      const int nLeft = static_cast<int>(dX);
-      const int nTop = static_cast<int>(dY);
+      const int nLeft = static_cast<int>(dX), nTop = static_cast<int>(dY);
       ASSERT_EQ(oEntry.m_nOffset, (nTop - 1) * 92 + nLeft - 1);
       ASSERT_EQ(oEntry.m_nPhase,
                 static_cast<unsigned int>(std::floor((dX - nLeft) * 32) + 32 * std::floor((dY - nTop) * 32)));
@@ -165,16 +157,15 @@ TEST_F(Warp, ARegionIsThatPartOfTheWhole) {
   m_oDense.m_nRoiHeight = 30;
   m_oDense.Apply();
   ASSERT_TRUE(m_oOut.HasSize(41, 30));
-  for (int nY = 0; nY < 30; ++nY) {
+  for (int nY = 0; nY < 30; ++nY)
     EXPECT_EQ(std::memcmp(m_oOut.Row<uint8_t>(nY), oWhole.Row<uint8_t>(nY + 7) + 20, 41), 0) << nY;
-  }
 }
 
 TEST_F(Warp, EachPlaneOfActualPointsGivesAPlaneOfItsOwn) {
   ClCalibrateGeometricData oData;
   FillData(oData, 3);
-  for (ClIpCalibrateGeometricBase* pWarp : {static_cast<ClIpCalibrateGeometricBase*>(&m_oDense),
-                                            static_cast<ClIpCalibrateGeometricBase*>(&m_oCoarse)}) {
+  for (ClIpCalibrateGeometricBase* pWarp :
+       std::initializer_list<ClIpCalibrateGeometricBase*>{&m_oDense, &m_oCoarse}) {
     pWarp->m_pData = &oData;
     pWarp->Apply();
     ASSERT_EQ(m_oOut.Planes(), 3);
@@ -291,8 +282,7 @@ class StoredWarp : public testing::Test {
 
 TEST_F(StoredWarp, LoadsIsUsedAndIsStoredByteForByte) {
   ASSERT_EQ(Load(m_aBytes).first, 0);
-  ClImage oIn;
-  ClImage oOut;
+  ClImage oIn, oOut;
   FillRandom(oIn, 10, 9);
   m_oWarp.m_pInImage = &oIn;
   m_oWarp.m_pOutImage = &oOut;
@@ -303,15 +293,12 @@ TEST_F(StoredWarp, LoadsIsUsedAndIsStoredByteForByte) {
     EXPECT_EQ(oOut.Row<uint8_t>(n / 5)[n % 5], SlowSample(m_aMap[static_cast<size_t>(n)], oIn, oTable, 33))
         << n;
   }
-  ClMemStream oStream;
-  m_oWarp.Store(oStream);
-  EXPECT_EQ(Bytes(oStream.GetData(), oStream.GetData() + oStream.Size()), m_aBytes);
+  EXPECT_EQ(Stored(m_oWarp), m_aBytes);
 }
 
 TEST_F(StoredWarp, EveryCutAndEveryWrongFieldIsFoundAndNamed) {
   for (size_t nLength = 0; nLength < m_aBytes.size(); ++nLength)
-    EXPECT_EQ(Load(Bytes(m_aBytes.begin(), m_aBytes.begin() + static_cast<long>(nLength))).first, -201)
-        << nLength;
+    EXPECT_EQ(Load(Cut(m_aBytes, nLength)).first, -201) << nLength;
   const std::tuple<size_t, long, const char*> aFields[] = {
       {4, -40, ""},
       {10, -40, ""},

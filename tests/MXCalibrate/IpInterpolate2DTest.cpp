@@ -1,12 +1,9 @@
 // Surfaces through scattered values.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cmath>
 #include <random>
 
 #include "MXCalibrate/IpInterpolate2D.h"
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "Raised.h"
 
@@ -42,8 +39,7 @@ TEST_F(Interpolate2D, MeetsEachValueAtItsPointForEachImage) {
   m_oProcessor.m_aOutput[1] = &oSecond;
   ASSERT_EQ(m_oProcessor.Apply(), 0);
   for (unsigned int n = 0; n < 4; ++n) {
-    const int nX = static_cast<int>(m_aPoints[n].x);
-    const int nY = static_cast<int>(m_aPoints[n].y);
+    const int nX = static_cast<int>(m_aPoints[n].x), nY = static_cast<int>(m_aPoints[n].y);
     EXPECT_NEAR(m_oOut.Row<double>(nY)[nX], m_aValues[n], 1e-9);
     EXPECT_NEAR(oSecond.Row<double>(nY)[nX], m_aValues[4 + n], 1e-9);
   }

@@ -1,16 +1,13 @@
 // Grids of dots without a picture: neighbours, order, straightness, stored data.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <random>
 #include <set>
 #include <vector>
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsVT40Donut.h"
-#include "MXTools/Exception.h"
 #include "Raised.h"
 #include "portable/Math.h"
 
@@ -84,8 +81,7 @@ TEST(Dots, LinkToTheEightAroundThemAndNotToTwins) {
     EXPECT_EQ(std::set<const ClDot*>(o.aNeighbours.Data(), o.aNeighbours.Data() + o.aNeighbours.Entries()),
               aExpected);
     for (const ClDot* pOther : aExpected) {
-      const long nColumn = pOther->nIndex / 8 - n / 8;
-      const long nRow = pOther->nIndex % 8 - n % 8;
+      const long nColumn = pOther->nIndex / 8 - n / 8, nRow = pOther->nIndex % 8 - n % 8;
       const long aDirections[3][3] = {{5, 6, 7}, {4, -1, 0}, {3, 2, 1}};
       EXPECT_EQ(o.GetNeighbourInDirection(aDirections[nRow + 1][nColumn + 1], 0.3), pOther);
     }

@@ -1,7 +1,6 @@
 // The dot search on targets that lie on the simulated scanner, whose optics and ground truth it shares
 // nothing with.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>

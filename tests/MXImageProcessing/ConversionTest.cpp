@@ -24,17 +24,6 @@ TEST(ConvertDataType, FloatsGoTowardZeroAndStopAtTheLimits) {
   EXPECT_EQ(Made<uint8_t>(oConvert.ApplyParam(oIn, ClImage::eUint8), oIn), (Bytes{44}));
 }
 
-TEST(Scale, ProductsAreLimitedToBlackAndWhite) {
-  ClImage oImage;
-  SetImage<int16_t>(oImage, 2, 1, {-5, 7, 30000, -30000}, 2);
-  oImage.SetBlackWhite(-20000, 21000);
-  ClIpScale oScale;
-  ASSERT_EQ(oScale.ApplyParam(oImage, -1.5), 0);
-  EXPECT_EQ(Samples<int16_t>(oImage), (std::vector<int16_t>{7, -10, -20000, 21000}));
-  EXPECT_EQ(oImage.White(), 21000);
-  EXPECT_EQ(Summary(oScale), "ScaleFactor = -2");
-}
-
 /// A processor of one image: its call and each sample that it makes.
 template <typename T>
 struct TpRule {
@@ -54,9 +43,9 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
   ClIpMoveImage oMove;
   const auto At = [](const ClImage& o, int x, int y, int k) { return o.Row<T>(y)[x * o.Planes() + k]; };
   std::vector<TpRule<T>> aRules = {
-      {"Scale", [&](ClImage& i, ClImage& o) { return oScale.ApplyParam(i, o, 1.75); },
+      {"Scale", [&](ClImage& i, ClImage& o) { return oScale.ApplyParam(i, o, -1.75); },
        [&](const ClImage& o, int x, int y, int k) {
-         const double dScaled = static_cast<double>(At(o, x, y, k)) * 1.75;
+         const double dScaled = static_cast<double>(At(o, x, y, k)) * -1.75;
          return ElementFromDouble<T>(std::clamp(dScaled, o.Black(), o.White()));
        }},
       {"Invert", [&](ClImage& i, ClImage& o) { return oInvert.ApplyParam(i, o); },
@@ -90,9 +79,12 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
       SCOPED_TRACE(oRule.m_szName);
       ClImage oIn, oOut;
       SetRandom<T>(oIn, 37, 5, oRandom, nPlanes, nPlanes == 1);
-      // The image has black and white of its own, unless its type always has the same.
-      if (sizeof(T) > 1) oIn.SetBlackWhite(3.0, 90.0);
+      // Ranges of its own, but those that the type always has.
+      if (sizeof(T) > 1) oIn.SetBlackWhite(std::is_signed_v<T> ? -60.0 : 3.0, 90.0);
       ASSERT_EQ(oRule.m_fnRun(oIn, oOut), 0);
+      if (oRule.m_szName == "Scale") {
+        EXPECT_EQ(Summary(oScale), oIn.IsFloating() ? "ScaleFactor = -1.7500" : "ScaleFactor = -2");
+      }
       ASSERT_EQ(oOut.DataType(), oIn.DataType());
       ExpectSamples<T>(oOut, [&](int x, int y, int k) { return oRule.m_fnExpected(oIn, x, y, k); });
       ASSERT_EQ(oRule.m_fnRun(oIn, oIn), 0);
@@ -110,6 +102,16 @@ TEST(SaturateLimits, SaturateToTheTypeAndMustBeInOrder) {
   EXPECT_EQ(Made<uint8_t>(oSaturate.ApplyParam(oIn, oOut, -300.0, 500.0), oOut), (Bytes{0, 100, 255}));
   EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(oIn, oOut, 2.0, 1.0); }), -44);
   EXPECT_EQ(NumberOf([&] { oSaturate.ApplyParam(o.m_oUnknown, oOut, 1.0, 2.0); }), -33);
+}
+
+TYPED_TEST(EveryType, APlaneOfAnImageIsAGreyOneOfItsType) {
+  std::mt19937 oRandom(45);
+  ClImage oImage, oPlane;
+  SetRandom<TypeParam>(oImage, 5, 3, oRandom, 3);
+  oImage.GetPlane(1, oPlane);
+  EXPECT_EQ(oPlane.DataType(), oImage.DataType());
+  EXPECT_EQ(oPlane.Content(), ClImage::eGrayscale);
+  ExpectSamples<TypeParam>(oPlane, [&](int x, int y, int) { return oImage.Row<TypeParam>(y)[3 * x + 1]; });
 }
 
 TEST(Planes, MissingPlanesTakeTheFillColourAndMissingOutputsAreSkipped) {

@@ -37,14 +37,13 @@ T SlowTurn(const ClImage& oIn, const ClVector& oCentre, double dAngle, const ClV
                         24);
 }
 
-template <typename T>
-void CompareTurn() {
+TYPED_TEST(EveryByteType, TurnsByEveryAngleAsATestForEachPixelDoes) {
   std::mt19937 oRandom(34);
   for (int nCase = 0; nCase < 400; ++nCase) {
     SCOPED_TRACE(nCase);
     ClImage oIn, oOut;
     const int nWidth = 1 + static_cast<int>(oRandom() % 23), nHeight = 1 + static_cast<int>(oRandom() % 17);
-    SetRandom<T>(oIn, nWidth, nHeight, oRandom);
+    SetRandom<TypeParam>(oIn, nWidth, nHeight, oRandom);
     // Every fifth one turns by quarters, where an axis has no step.
     const double dAngle = nCase % 5 == 0 ? (nCase / 5 % 7 - 3) * std::acos(-1.0) / 2 : (nCase - 200) * 0.037;
     if (dAngle == 0) continue;
@@ -64,16 +63,12 @@ void CompareTurn() {
     ASSERT_TRUE(oOut.HasSize(bResize ? static_cast<int>(aX[3] + 1 - aX[0]) : nWidth,
                              bResize ? static_cast<int>(aY[3] + 1 - aY[0]) : nHeight));
     const ClVector oShift = bResize ? ClVector(std::trunc(-aX[0]), std::trunc(-aY[0])) : ClVector();
-    ExpectSamples<T>(oOut, [&](int x, int y, int) {
-      return SlowTurn<T>(oIn, oCentre, dAngle, oShift, x, y, bInterpolate, static_cast<T>(200));
+    ExpectSamples<TypeParam>(oOut, [&](int x, int y, int) {
+      return SlowTurn<TypeParam>(oIn, oCentre, dAngle, oShift, x, y, bInterpolate,
+                                 static_cast<TypeParam>(200));
     });
     EXPECT_EQ(oOut.PelsX(), 19685);
   }
-}
-
-TEST(Rotate, EveryAngleGivesWhatATestForEachPixelGives) {
-  CompareTurn<uint8_t>();
-  CompareTurn<int8_t>();
 }
 
 TEST(Rotate, TransformLeadsToWhereThePixelsWent) {

@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "MXTools/ParameterContainer.h"
 #include "TestImages.h"
 
 namespace {
@@ -76,30 +75,6 @@ void ExpectRescaled(const ClImage& oIn, const ClImage& oOut, bool bNearest) {
 }
 
 template <typename T>
-void Compare() {
-  std::mt19937 oRandom(41);
-  ClIpRescale oRescale;
-  for (int nCase = 0; nCase < 1200; ++nCase) {
-    SCOPED_TRACE(nCase);
-    const auto Number = [&](unsigned nMost) { return 1 + static_cast<int>(oRandom() % nMost); };
-    ClImage oIn, oOut;
-    SetRandom<T>(oIn, Number(40), Number(40), oRandom, nCase % 4 == 3 ? 3 : 1);
-    const auto eMode = nCase % 2 == 0 ? eBiLinear : eNearest;
-    if (nCase % 3 == 2) oIn.SetPels(0, 0);
-    // Resolutions of down to a third and up to the threefold, else sizes.
-    ASSERT_EQ(nCase % 3 == 0
-                  ? oRescale.ApplyParamPels(oIn, oOut, 6600 + Number(50000), 3300 + Number(25000), eMode)
-                  : oRescale.ApplyParamSize(oIn, oOut, Number(40), Number(40), eMode),
-              0);
-    if (oOut.HasSize(oIn.Width(), oIn.Height())) continue;
-    ExpectRescaled<T>(oIn, oOut, eMode == eNearest);
-    const auto aExpected = Samples<T>(oOut);
-    ASSERT_EQ(oRescale.ApplyParam(oIn, oIn, eMode), 0);
-    ASSERT_EQ(Samples<T>(oIn), aExpected) << "in place";
-  }
-}
-
-template <typename T>
 std::vector<T> Rescaled(const std::vector<T>& aRow, int nWidth, ClIpRescale::eProcessingMode eMode) {
   ClImage oIn, oOut;
   SetImage<T>(oIn, static_cast<int>(aRow.size()), 1, aRow);
@@ -111,9 +86,27 @@ std::vector<T> Rescaled(const std::vector<T>& aRow, int nWidth, ClIpRescale::ePr
 
 }  // namespace
 
-TEST(Rescale, AreaMeansBlendsAndPicksEqualThePlainVersion) {
-  Compare<uint8_t>();
-  Compare<int8_t>();
+TYPED_TEST(EveryByteType, AreaMeansBlendsAndPicksEqualThePlainVersion) {
+  std::mt19937 oRandom(41);
+  ClIpRescale oRescale;
+  for (int nCase = 0; nCase < 1200; ++nCase) {
+    SCOPED_TRACE(nCase);
+    const auto Number = [&](unsigned nMost) { return 1 + static_cast<int>(oRandom() % nMost); };
+    ClImage oIn, oOut;
+    SetRandom<TypeParam>(oIn, Number(40), Number(40), oRandom, nCase % 4 == 3 ? 3 : 1);
+    const auto eMode = nCase % 2 == 0 ? eBiLinear : eNearest;
+    if (nCase % 3 == 2) oIn.SetPels(0, 0);
+    // Resolutions of down to a third and up to the threefold, else sizes.
+    ASSERT_EQ(nCase % 3 == 0
+                  ? oRescale.ApplyParamPels(oIn, oOut, 6600 + Number(50000), 3300 + Number(25000), eMode)
+                  : oRescale.ApplyParamSize(oIn, oOut, Number(40), Number(40), eMode),
+              0);
+    if (oOut.HasSize(oIn.Width(), oIn.Height())) continue;
+    ExpectRescaled<TypeParam>(oIn, oOut, eMode == eNearest);
+    const auto aExpected = Samples<TypeParam>(oOut);
+    ASSERT_EQ(oRescale.ApplyParam(oIn, oIn, eMode), 0);
+    ASSERT_EQ(Samples<TypeParam>(oIn), aExpected) << "in place";
+  }
 }
 
 TEST(Rescale, HandMadeRows) {
@@ -177,17 +170,15 @@ TEST(Rescale, CubicWeightsAreThoseOfTheDistanceInThePlaneOrOnTheAxes) {
   EXPECT_EQ(SetParameter(oRescale, "dConvParameter1", "0"), "-0.75") << "the fast form negates its parameter";
 }
 
-TEST(Rescale, FlatImagesStayFlatInEveryModeButTheExactCubicOne) {
-  for (const auto eMode : {eNearest, eBiLinear, eFantMar, eCubic}) {
+TEST(Rescale, FlatImagesStayFlatInTheModesThatNoPlainVersionHolds) {
+  for (const auto eMode : {eFantMar, eCubic}) {
     for (const auto& [nW, nH] : {std::pair(3, 40), {40, 3}, {2, 2}, {29, 31}, {1, 1}}) {
       ClIpRescale oRescale;
       SetParameter(oRescale, "dConvParameter1", "0.5");
       ClImage oIn(11, 13, 1, 0, 0), oOut;
       oIn = static_cast<unsigned char>(255);
       ASSERT_EQ(oRescale.ApplyParamSize(oIn, oOut, nW, nH, eMode), 0);
-      const auto aSamples = Samples<uint8_t>(oOut);
-      // The four weights of a blend lose up to 3 / 4096 of the grey by truncation.
-      EXPECT_GE(*std::min_element(aSamples.begin(), aSamples.end()), eMode == eBiLinear ? 254 : 255) << eMode;
+      EXPECT_EQ(Samples<uint8_t>(oOut), Bytes(static_cast<size_t>(nW * nH), 255)) << eMode;
     }
   }
 }

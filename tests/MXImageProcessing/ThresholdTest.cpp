@@ -254,7 +254,7 @@ TEST(Labeling, EqualsAPlainFillOnNoiseOfEveryDensity) {
   std::mt19937 oRandom(21);
   ClIpLabeling oLabeling;
   for (int n = 0; n < 60; ++n) {
-    const int nWidth = 1 + static_cast<int>(oRandom() % 40), nHeight = 1 + static_cast<int>(oRandom() % 30);
+    const int nWidth = 1 + static_cast<int>(oRandom() % 140), nHeight = 1 + static_cast<int>(oRandom() % 30);
     const auto nDensity = oRandom() % 101;
     Bytes aSamples(static_cast<size_t>(nWidth * nHeight));
     for (uint8_t& nSample : aSamples)

@@ -2,12 +2,12 @@
 // do without.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "KelvarinFakeFingerDetectionVT40/FDVT40.h"
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "Raised.h"
@@ -82,28 +82,10 @@ std::string LibraryWithout(const std::string& szFunction) {
   return szFile;
 }
 
-// Written by hand, so that a mistake in the binding's table shows.
-#define KLV_TYPE(Name, ...) static_assert(std::is_same_v<decltype(Liveness::FD_VT40##Name), __VA_ARGS__>)
-KLV_TYPE(Initialize, long (*)(void*));
-KLV_TYPE(Uninitialize, long (*)());
-KLV_TYPE(CreateFakeDetectionVT40Handle, long (*)(void**));
-KLV_TYPE(DestroyHandle, long (*)(void**));
-KLV_TYPE(GetFakeFingerDetectionScore, long (*)(void*, unsigned, unsigned, const void*, const void*, double*));
-KLV_TYPE(SetPropertyA, long (*)(void*, const char*, const char*));
-KLV_TYPE(SetPropertyW, long (*)(void*, const wchar_t*, const wchar_t*));
-KLV_TYPE(SetPropertyLongA, long (*)(void*, const char*, long));
-KLV_TYPE(SetPropertyLongW, long (*)(void*, const wchar_t*, long));
-KLV_TYPE(SetPropertyDoubleA, long (*)(void*, const char*, double));
-KLV_TYPE(SetPropertyDoubleW, long (*)(void*, const wchar_t*, double));
-KLV_TYPE(GetPropertyA, long (*)(void*, const char*, char*, unsigned*));
-KLV_TYPE(GetPropertyW, long (*)(void*, const wchar_t*, wchar_t*, unsigned*));
-KLV_TYPE(GetPropertyLongA, long (*)(void*, const char*, long*));
-KLV_TYPE(GetPropertyLongW, long (*)(void*, const wchar_t*, long*));
-KLV_TYPE(GetPropertyDoubleA, long (*)(void*, const char*, double*));
-KLV_TYPE(GetPropertyDoubleW, long (*)(void*, const wchar_t*, double*));
-KLV_TYPE(GetErrorDescriptionA, const char* (*)(long));
-KLV_TYPE(GetErrorDescriptionW, const wchar_t* (*)(long));
-#undef KLV_TYPE
+// The simulator declares its functions without the binding's table, so that a mistake in the table shows.
+#define KLV_SAME_TYPE(Name, ...) static_assert(std::is_same_v<decltype(Liveness::Name), decltype(&::Name)>);
+KLV_FAKEFINGERDETECTIONVT40_FUNCTIONS(KLV_SAME_TYPE)
+#undef KLV_SAME_TYPE
 
 TEST(KelvarinFakeFingerDetectionVT40Wrapper, EveryPointerIsBoundToTheFunctionOfItsName) {
   EXPECT_STREQ(Liveness::m_ssLibName, "libkelvarinfakefingerdetectionvt40.gcc.Release.32.so");

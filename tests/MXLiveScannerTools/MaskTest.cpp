@@ -1,4 +1,6 @@
 // Tests of the finger mask, of its texture classes and of its regions.
+#include <tuple>
+
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
@@ -45,11 +47,8 @@ void SetRegion(ClImage& oMask, uint8_t nRegion, int nRows, int nColumns, int nMo
 }  // namespace
 
 TEST(Mask, EqualsThePlainTwinOnTheInputsOwnAndOnHalfTheResolutionAlsoInPlace) {
-  const struct {
-    int m_nWidth, m_nHeight;
-    double m_dPeriod, m_dRadius;
-    int m_nPels;
-  } aFrames[] = {{150, 210, 5.0, 0.36, 9842}, {131, 177, 5.0, 0.7, 9842}, {280, 420, 9.0, 0.36, 19685}};
+  const std::tuple<int, int, double, double, int> aFrames[] = {
+      {150, 210, 5.0, 0.36, 9842}, {131, 177, 5.0, 0.7, 9842}, {280, 420, 9.0, 0.36, 19685}};
   ClIpVT40R4Mask oMask;
   for (const auto& [nWidth, nHeight, dPeriod, dRadius, nPels] : aFrames) {
     ClImage oIn, oOut;

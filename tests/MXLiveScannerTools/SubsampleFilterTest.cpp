@@ -58,13 +58,6 @@ TEST(SubsampleFilter, EachWayOfResizingEqualsItsDefinition) {
   ExpectResized(20, 40, 50, 30);
 }
 
-TEST(SubsampleFilter, AFlatImageStaysFlat) {
-  ClImage oIn(90, 80, 1, 0, 0), oOut;
-  oIn = static_cast<unsigned char>(173);
-  ClFilter().ApplyParam(oIn, oOut, 40, 37);
-  EXPECT_EQ(Samples<uint8_t>(oOut), Bytes(40 * 37, 173));
-}
-
 TEST(SubsampleFilter, AFilterIsUsedForImagesOfSeveralSizesInPlace) {
   ClFilter oFilter;
   ClImage oImage, oExpected;

@@ -4,25 +4,16 @@
 #include <cstdint>
 #include <initializer_list>
 #include <utility>
-#include <vector>
 
 #include "MXTools/Bitmap.h"
-#include "MXTools/MemStream.h"
 #include "Raised.h"
-
-using Bytes = std::vector<unsigned char>;
+#include "StreamContent.h"
 
 /// Appends numbers, lowest byte first, each with its size.
 inline void Append(Bytes& rBytes, std::initializer_list<std::pair<uint32_t, unsigned int>> aNumbers) {
   for (const auto& [nValue, nSize] : aNumbers) {
     for (unsigned int n = 0; n < nSize; ++n) rBytes.push_back(static_cast<unsigned char>(nValue >> (8 * n)));
   }
-}
-
-inline Bytes Stored(const ClBitmap& oBitmap) {
-  ClMemStream oStream;
-  oBitmap.Store(oStream);
-  return Bytes(oStream.GetData(), oStream.GetData() + oStream.Size());
 }
 
 /// The number with which a file is refused, 0 for none. The stream is left as it was.

@@ -1,19 +1,15 @@
 // Pixels of bitmaps by colour in every depth, channels, images, flat blocks, and cut files.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 
 #include "BitmapFiles.h"
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 
 namespace {
 
 struct ClDepth {
-  long m_nBits;
-  long m_nCompression;
+  long m_nBits, m_nCompression;
   /// Largest distance of a channel from what was asked for.
   int m_nPrecision;
 };

@@ -1,6 +1,5 @@
 // Bitmaps in memory, sharing with images, and the file format.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -9,7 +8,6 @@
 #include <tuple>
 
 #include "BitmapFiles.h"
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 
 namespace {

@@ -2,14 +2,11 @@
 #include "MXTools/FileStream.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
-#include "MXTools/Exception.h"
 #include "MXTools/File.h"
 #include "Raised.h"
 #include "TemporaryDirectory.h"
@@ -83,14 +80,9 @@ TEST_F(FileStream, WhatCannotBeOpenedRaisesWithItsName) {
 }
 
 TEST_F(FileStream, WideNamesAreUtf8OnDisk) {
-  const std::string szNarrow = m_oDirectory.Path(
-      "pr\xC3\xBC"
-      "fung");
+  const std::string szNarrow = m_oDirectory.Path(u8"pr\u00FCfung");
   const std::wstring wszWide(m_szFile.begin(), m_szFile.end() - 4);
-  {
-    ClFileStream oStream((wszWide + L"pr\u00FCfung").c_str(), L"wb");
-    oStream.Write("x", 1);
-  }
+  ClFileStream((wszWide + L"pr\u00FCfung").c_str(), L"wb").Write("x", 1);
   EXPECT_EQ(Slurp(szNarrow), "x");
   ClFile oFile((wszWide + L"pr\u00FCfung").c_str(), L"rb");
   EXPECT_EQ(oFile.Size(), 1);

@@ -1,5 +1,4 @@
 // File names and the search along path lists.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -7,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <vector>
 
 #include "MXTools/Exception.h"
 #include "MXTools/FileSystem.h"

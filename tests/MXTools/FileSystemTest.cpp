@@ -2,7 +2,6 @@
 #include "MXTools/FileSystem.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -11,8 +10,8 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <tuple>
 
-#include "MXTools/Exception.h"
 #include "MXTools/FindFile.h"
 #include "Raised.h"
 #include "TemporaryDirectory.h"
@@ -75,48 +74,43 @@ TEST(FileNames, RelativeAndAbsoluteOnesGoIntoEachOther) {
 TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingAfterItsEnd) {
   setenv("HOME", "/home/me", 1);
   using namespace FileSystem;
-  const struct {
-    std::string szBefore;
-    std::string szAfter;
-    std::function<void(char*, unsigned int)> oCall;
-  } aCases[] = {{"", "a/b\\", [](char* sz, unsigned int n) { GetPath("a/b\\c.d", sz, n); }},
-                {"", "", [](char* sz, unsigned int n) { GetPath("c.d", sz, n); }},
-                {"", "c.d", [](char* sz, unsigned int n) { GetFileName("a/b\\c.d", sz, n); }},
-                {"", "b.tar", [](char* sz, unsigned int n) { GetFileNameWithoutExt("a.x/b.tar.gz", sz, n); }},
-                {"", "a/", [](char* sz, unsigned int n) { GetPathAndName("a/c", sz, n, nullptr, 0); }},
-                {"", "/home/me/", [](char* sz, unsigned int n) { GetTempFileDir(sz, n); }},
-                {"", "/a/c/d", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "../c/d", sz, n); }},
-                {"", "/x/y", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "/x/y", sz, n); }},
-                {"", "../../x", [](char* sz, unsigned int n) { MakeRelativePath("/a/b/", "/x", sz, n); }},
-                {"ab", "ab/c/", [](char* sz, unsigned int n) { AddPath(sz, n, "c"); }},
-                {"ab.c", "ab.html", [](char* sz, unsigned int n) { ChangeExtension("html", sz, n); }},
-                {"", "/s/d", [](char* sz, unsigned int n) {
-                   if (NormalizeFilename("\\\\s\\d", sz, n) != 0) KLV_RAISE_NUMBER(-21);
-                 }}};
-  for (const auto& oCase : aCases) {
-    for (size_t nSize = oCase.szBefore.size() + 1; nSize < oCase.szAfter.size() + 3; ++nSize) {
+  const std::tuple<std::string, std::string, std::function<void(char*, unsigned int)>> aCases[] = {
+      {"", "a/b\\", [](char* sz, unsigned int n) { GetPath("a/b\\c.d", sz, n); }},
+      {"", "", [](char* sz, unsigned int n) { GetPath("c.d", sz, n); }},
+      {"", "c.d", [](char* sz, unsigned int n) { GetFileName("a/b\\c.d", sz, n); }},
+      {"", "b.tar", [](char* sz, unsigned int n) { GetFileNameWithoutExt("a.x/b.tar.gz", sz, n); }},
+      {"", "a/", [](char* sz, unsigned int n) { GetPathAndName("a/c", sz, n, nullptr, 0); }},
+      {"", "/home/me/", [](char* sz, unsigned int n) { GetTempFileDir(sz, n); }},
+      {"", "/a/c/d", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "../c/d", sz, n); }},
+      {"", "/x/y", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "/x/y", sz, n); }},
+      {"", "../../x", [](char* sz, unsigned int n) { MakeRelativePath("/a/b/", "/x", sz, n); }},
+      {"ab", "ab/c/", [](char* sz, unsigned int n) { AddPath(sz, n, "c"); }},
+      {"ab.c", "ab.html", [](char* sz, unsigned int n) { ChangeExtension("html", sz, n); }},
+      {"", "/s/d", [](char* sz, unsigned int n) {
+         if (NormalizeFilename("\\\\s\\d", sz, n) != 0) KLV_RAISE_NUMBER(-21);
+       }}};
+  for (const auto& [szBefore, szAfter, oCall] : aCases) {
+    for (size_t nSize = szBefore.size() + 1; nSize < szAfter.size() + 3; ++nSize) {
       std::string szBuffer(64, '\xA5');
-      szBuffer.replace(0, oCase.szBefore.size() + 1, oCase.szBefore.c_str(), oCase.szBefore.size() + 1);
-      const long nNumber = NumberOf([&] { oCase.oCall(&szBuffer[0], static_cast<unsigned int>(nSize)); });
-      EXPECT_EQ(szBuffer.substr(nSize), std::string(64 - nSize, '\xA5')) << oCase.szAfter << ", " << nSize;
-      const bool bNormalized = oCase.szAfter == "/s/d";  // given the size of the input
-      const bool bFits = nSize > oCase.szAfter.size() + (bNormalized ? 1 : 0);
-      EXPECT_EQ(nNumber, bFits ? 0 : -21) << oCase.szAfter << ", " << nSize;
-      EXPECT_TRUE(!bFits || szBuffer.c_str() == oCase.szAfter) << szBuffer;
+      szBuffer.replace(0, szBefore.size() + 1, szBefore.c_str(), szBefore.size() + 1);
+      const long nNumber =
+          NumberOf([&, &oFill = oCall] { oFill(&szBuffer[0], static_cast<unsigned int>(nSize)); });
+      EXPECT_EQ(szBuffer.substr(nSize), std::string(64 - nSize, '\xA5')) << szAfter << ", " << nSize;
+      const bool bNormalized = szAfter == "/s/d";  // told the size of what goes in
+      const bool bFits = nSize > szAfter.size() + (bNormalized ? 1 : 0);
+      EXPECT_EQ(nNumber, bFits ? 0 : -21) << szAfter << ", " << nSize;
+      EXPECT_TRUE(!bFits || szBuffer.c_str() == szAfter) << szBuffer;
     }
   }
 }
 
 TEST(WildCard, AStarIsAnyRunAndAQuestionMarkOneCharacterButNoDot) {
-  const struct {
-    const char *szPattern, *szName;
-    bool bMatch;
-  } aCases[] = {{"a?c", "abc", true},       {"a?c", "a.c", false}, {"a?", "a", false},
-                {"*.bmp", "x.y.bmp", true}, {"*ab", "aab", true},  {"a*b**c", "a1b2c3c", true},
-                {"a*b*c", "a1b2c3", false}, {"*", "", true},       {"", "a", false}};
-  for (const auto& o : aCases)
-    EXPECT_EQ(FileSystem::ClWildCard(o.szPattern).Match(o.szName), o.bMatch)
-        << o.szPattern << " " << o.szName;
+  const std::tuple<const char*, const char*, bool> aCases[] = {
+      {"a?c", "abc", true},       {"a?c", "a.c", false}, {"a?", "a", false},
+      {"*.bmp", "x.y.bmp", true}, {"*ab", "aab", true},  {"a*b**c", "a1b2c3c", true},
+      {"a*b*c", "a1b2c3", false}, {"*", "", true},       {"", "a", false}};
+  for (const auto& [szPattern, szName, bMatch] : aCases)
+    EXPECT_EQ(FileSystem::ClWildCard(szPattern).Match(szName), bMatch) << szPattern << " " << szName;
   const char szText[] = "abc.x";
   EXPECT_TRUE(FileSystem::ClWildCard("ab?").Match(szText, szText + 3));
 }

@@ -1,16 +1,15 @@
-// Errors, arrays, the plane's vector, checksums and timers.
-#include <gmock/gmock.h>
+// Errors and failures, arrays, the plane's vector and checksums.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <stdexcept>
 #include <string>
-#include <utility>
 
 #include "MXTools/CRC32.h"
 #include "MXTools/ErrorTable.h"
-#include "MXTools/Exception.h"
+#include "MXTools/Failure.h"
 #include "MXTools/FileStream.h"
 #include "MXTools/MD5.h"
 #include "MXTools/TpArrayDynamic.h"
@@ -84,6 +83,43 @@ TEST(Exception, AFailureWithoutRoomForItsTextIsAFailureForWantOfMemory) {
   EXPECT_EQ(nNumber, -102);
 }
 
+template <typename TRaise>
+std::pair<long, std::string> Handled(TRaise&& fnRaise) {
+  try {
+    fnRaise();
+  } catch (...) {
+    return {Klv::FailureNumber(), Klv::FailureText()};
+  }
+  return {0, ""};
+}
+
+TEST(Failure, HasTheNumberAndTheTextOfWhatIsBeingHandled) {
+  using Failure = std::pair<long, std::string>;
+  EXPECT_EQ(Handled([] { throw ClException(-44, false, "", 0); }).first, -44);
+  EXPECT_EQ(Handled([] { throw std::bad_alloc(); }).first, -102);
+  EXPECT_EQ(Handled([] { throw std::runtime_error("a reason"); }), Failure(-721, "a reason"));
+  EXPECT_EQ(Handled([] { throw 1; }).first, -722);
+  EXPECT_NE(Handled([] { throw 1; }).second, "");
+}
+
+TEST(Undo, HappensOnlyOnTheWayOutWithAFailureAndNeverReplacesIt) {
+  int nUndone = 0;
+  const auto Leave = [&](long nNumber) {
+    return NumberOf([&] {
+      TpUndo oUndo([&] {
+        ++nUndone;
+        KLV_RAISE_NUMBER(-1);
+      });
+      KLV_CHECK(nNumber);
+      oUndo.Dismiss();
+    });
+  };
+  EXPECT_EQ(Leave(0), 0);
+  EXPECT_EQ(nUndone, 0);
+  EXPECT_EQ(Leave(-60), -60);
+  EXPECT_EQ(nUndone, 1);
+}
+
 TEST(ArrayDynamic, ElevenEntriesOfAStepOfTenTakeTwentyPlaces) {
   TpArrayDynamic<int, 10> aArray;
   for (int n = 0; n < 10; ++n) aArray.Add(n);
@@ -128,10 +164,7 @@ TEST(MD5, AFileInBlocksGivesTheDigestOfItsBytes) {
   const ClTemporaryDirectory oDirectory;
   const std::string szData = oDirectory.Path("data"), szDigest = oDirectory.Path("digest");
   const std::string szContent(2500, 'k');
-  {
-    ClFileStream oStream(szData.c_str(), "wb");
-    oStream.Write(szContent.data(), 2500);
-  }
+  ClFileStream(szData.c_str(), "wb").Write(szContent.data(), 2500);
   ClMD5::Make(szData.c_str(), szDigest.c_str());
   unsigned char aDigest[17];
   ClFileStream oStream(szDigest.c_str(), "rb");

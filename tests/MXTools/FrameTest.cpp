@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -175,8 +174,7 @@ TEST_F(Handle, NumbersAndChoicesGoThroughTheirOwnCalls) {
 TEST_F(Handle, PropertiesDescribeThemselves) {
   ClTestHandle::enumType_t eType;
   ClTestHandle::enumAccess_t eAccess;
-  long nLow = -1;
-  long nHigh = -1;
+  long nLow = -1, nHigh = -1;
   Object().GetPropertyType("dNumber", &eType);
   EXPECT_EQ(eType, ClTestHandle::eTypeDouble);
   Object().GetPropertyType("Version", &eType);

@@ -1,16 +1,11 @@
 // The image container: its bytes, its versions, and everything that can be wrong with a file.
 #include <gtest/gtest.h>
 
-#include <vector>
-
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/MemStream.h"
 #include "Raised.h"
+#include "StreamContent.h"
 
 namespace {
-
-using Bytes = std::vector<unsigned char>;
 
 /// A 3 x 2 image of 16 bits with every field set.
 void MakeImage(ClImage& oImage) {
@@ -22,12 +17,6 @@ void MakeImage(ClImage& oImage) {
   }
 }
 
-Bytes BytesOf(const ClImage& oImage) {
-  ClMemStream oStream;
-  oImage.Store(oStream);
-  return {oStream.GetData(), oStream.GetData() + oStream.Size()};
-}
-
 long LoadNumber(const Bytes& aBytes, bool bFailureFlag, ClImage& oImage) {
   ClMemStream oStream(aBytes.data(), static_cast<unsigned int>(aBytes.size()));
   oStream.m_bFailureFlag = bFailureFlag;
@@ -37,7 +26,7 @@ long LoadNumber(const Bytes& aBytes, bool bFailureFlag, ClImage& oImage) {
 TEST(ImageKif, TheBytesAreTheContainersAndComeBack) {
   ClImage oImage;
   MakeImage(oImage);
-  const Bytes aBytes = BytesOf(oImage);
+  const Bytes aBytes = Stored(oImage);
   ASSERT_EQ(aBytes.size(), 54u + 16 + 4);
   const Bytes aHead = {0x4B, 0x49, 0x46, 0, 0, 0, 0, 2, 0x02, 0, 0, 0, 3, 0, 0, 0, 2};
   EXPECT_TRUE(std::equal(aHead.begin(), aHead.end(), aBytes.begin()));
@@ -50,18 +39,18 @@ TEST(ImageKif, TheBytesAreTheContainersAndComeBack) {
   EXPECT_EQ(oLoaded.Black(), 10.0);
   EXPECT_EQ(oLoaded.Tag(), 0x01020304u);
   EXPECT_EQ(oLoaded.PelsY(), 9842);
-  EXPECT_EQ(BytesOf(oLoaded), aBytes) << "padding too";
+  EXPECT_EQ(Stored(oLoaded), aBytes) << "padding too";
 }
 
 TEST(ImageKif, OlderVersionsLackFieldsAndAreStoredAsTheNewest) {
   ClImage oImage;
   MakeImage(oImage);
-  Bytes aBytes = BytesOf(oImage);
+  Bytes aBytes = Stored(oImage);
   aBytes[7] = 1;
   aBytes.erase(aBytes.begin() + 29);
   ClImage oLoaded;
   ASSERT_EQ(LoadNumber(aBytes, true, oLoaded), 0);
-  EXPECT_EQ(BytesOf(oLoaded), BytesOf(oImage));
+  EXPECT_EQ(Stored(oLoaded), Stored(oImage));
   aBytes[7] = 0;
   aBytes.erase(aBytes.begin() + 49, aBytes.begin() + 53);
   ASSERT_EQ(LoadNumber(aBytes, true, oLoaded), 0);
@@ -72,7 +61,7 @@ TEST(ImageKif, OlderVersionsLackFieldsAndAreStoredAsTheNewest) {
 TEST(ImageKif, AFileCutAtAnyByteIsRefused) {
   ClImage oImage, oLoaded;
   MakeImage(oImage);
-  for (Bytes aBytes = BytesOf(oImage); aBytes.size() > 1;) {
+  for (Bytes aBytes = Stored(oImage); aBytes.size() > 1;) {
     aBytes.pop_back();
     EXPECT_EQ(LoadNumber(aBytes, true, oLoaded), -201) << aBytes.size();
     EXPECT_EQ(LoadNumber(aBytes, false, oLoaded), -101) << aBytes.size();
@@ -82,7 +71,7 @@ TEST(ImageKif, AFileCutAtAnyByteIsRefused) {
 TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
   ClImage oImage;
   MakeImage(oImage);
-  const Bytes aGood = BytesOf(oImage);
+  const Bytes aGood = Stored(oImage);
   const auto With = [&](size_t nOffset, Bytes aField) {
     Bytes aBytes = aGood;
     for (size_t n = 0; n < aField.size(); ++n) aBytes.at(nOffset + n) = aField[n];
@@ -111,7 +100,7 @@ TEST(ImageKif, HostileFieldsEndInTheirNumbersWithoutAllocatingWhatTheyClaim) {
 TEST(ImageKif, ElementsOfASizeThatNoStreamReadsDoNotLoadAsPixelsThatWereNeverRead) {
   ClImage oImage, oLoaded;
   oImage.NewWithType(ClImage::eUint8, 1, 1, 1, 0, 0, false);
-  Bytes aBytes = BytesOf(oImage);
+  Bytes aBytes = Stored(oImage);
   aBytes[8] = 3;
   // The end mark is where reading continues.
   aBytes.erase(aBytes.begin() + 54);

@@ -1,18 +1,14 @@
 // Images: shapes, sharing, copying, filling and the rules of validity.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <climits>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <new>
 #include <tuple>
 #include <vector>
 
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/ImageTypeDispatch.h"
 #include "Raised.h"
 
 namespace {
@@ -120,31 +116,8 @@ TEST(Image, FillingTakesOnlyValuesOfItsType) {
   EXPECT_EQ(NumberOf([&] { oInts = static_cast<unsigned char>(1); }), -101);
 }
 
-TEST(Image, EveryTypeGivesItsPlanes) {
-  for (const unsigned char nType :
-       {ClImage::eUint8, ClImage::eInt8, ClImage::eUint16, ClImage::eInt16, ClImage::eUint32, ClImage::eInt32,
-        ClImage::eFloat32, ClImage::eDouble64}) {
-    ClImage oImage, oPlane;
-    oImage.NewWithType(nType, 5, 3, 3, 11, 12, true);
-    DispatchElementType(nType, 0, [&](auto oElement) {
-      using T = typename decltype(oElement)::Type;
-      for (int n = 0; n < 15; ++n) oImage.Row<T>(2)[n] = static_cast<T>(n);
-      oImage.GetPlane(1, oPlane);
-      EXPECT_EQ(oPlane.DataType(), nType);
-      EXPECT_EQ(oPlane.Row<T>(2)[4], static_cast<T>(13));
-      EXPECT_EQ(oPlane.Content(), ClImage::eGrayscale);
-      return 0L;
-    });
-  }
-}
-
 TEST(Image, ValidityNamesTheFirstBrokenRule) {
-  const struct {
-    unsigned char nType;
-    int nPlanes, nPels;
-    double dBlack, dWhite;
-    const char* szRule;
-  } aCases[] = {
+  const std::tuple<unsigned char, int, int, double, double, const char*> aCases[] = {
       {ClImage::eUint8, 1, 1, 0, 255, ""},
       {ClImage::eUint8, 1, -1, 2, 1, "\nClImage::IsValid. Wrong width, height or dpi"},
       {ClImage::eUint8, 1, 1, 2, 1, "\nClImage::IsValid. value of Black should be < than value of White"},
@@ -152,12 +125,12 @@ TEST(Image, ValidityNamesTheFirstBrokenRule) {
       {ClImage::eUint8, 1, 1, 0, 254, "\nClImage::IsValid. Char require data range 0...255"},
       {ClImage::eInt8, 1, 1, -127, 127, "\nClImage::IsValid. Signed Char require data range -128...127"},
       {ClImage::eUint8, 5, 1, 0, 255, "\nClImage::IsValid. Wrong Image Size or wrong number of planes"}};
-  for (const auto& oCase : aCases) {
+  for (const auto& [nType, nPlanes, nPels, dBlack, dWhite, szRule] : aCases) {
     ClImage oImage;
-    oImage.NewWithType(oCase.nType, 4, 4, oCase.nPlanes, oCase.nPels, 1, true);
-    oImage.SetBlackWhite(oCase.dBlack, oCase.dWhite);
-    EXPECT_THAT(Raised([&] { oImage.CheckValid(); }).second, testing::EndsWith(oCase.szRule));
-    EXPECT_EQ(oImage.IsValid(), *oCase.szRule == 0);
+    oImage.NewWithType(nType, 4, 4, nPlanes, nPels, 1, true);
+    oImage.SetBlackWhite(dBlack, dWhite);
+    EXPECT_THAT(Raised([&] { oImage.CheckValid(); }).second, testing::EndsWith(szRule));
+    EXPECT_EQ(oImage.IsValid(), *szRule == 0);
   }
 }
 

@@ -1,6 +1,5 @@
 // Loading of libraries, the search for them, and the shared table of functions.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <boost/thread/barrier.hpp>
 #include <boost/thread/thread.hpp>

@@ -1,6 +1,5 @@
 // Log lines as they leave a process, for each setting of the environment that it was started with.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <string>

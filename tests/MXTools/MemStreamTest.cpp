@@ -1,26 +1,16 @@
 // Streams in memory: byte order, arrays, strings, growth and bounds.
-#include "MXTools/MemStream.h"
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdint>
-#include <vector>
 
-#include "MXTools/Exception.h"
 #include "Raised.h"
+#include "StreamContent.h"
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
 using testing::ElementsAre;
 
-Bytes Content(const ClMemStream& oStream) {
-  const unsigned char* pData = oStream.GetData();
-  return pData == nullptr ? Bytes() : Bytes(pData, pData + oStream.Size());
-}
-
-TEST(Stream, NumbersOfEveryWidthAreBigEndianUntilADirectionIsSetOtherwise) {
+TEST(Stream, NumbersOfEveryWidthAreBigEndianUntilADirectionIsToldOtherwise) {
   ClMemStream oStream;
   EXPECT_TRUE(oStream.GetBigEndian());
   EXPECT_EQ(oStream.WriteAutoSwap<uint8_t>(0xAB), 1u);

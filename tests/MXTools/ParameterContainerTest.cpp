@@ -1,7 +1,6 @@
 // Trees of parameters: names, paths, walks and copies.
 #include <gtest/gtest.h>
 
-#include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
 #include "Raised.h"
 
@@ -64,9 +63,8 @@ TEST_F(ParameterTree, WalksItsLeavesInOrderAcrossEmptyContainers) {
   int nTail = 0;
   ClParameter* pTail = m_oRoot.AddNumeric("tail", &nTail);
   std::vector<ClParameter*> aSeen;
-  for (ClParameter* p = m_oRoot.GetFirstParameter(); p != nullptr; p = m_oRoot.GetNextParameter(p)) {
+  for (ClParameter* p = m_oRoot.GetFirstParameter(); p != nullptr; p = m_oRoot.GetNextParameter(p))
     aSeen.push_back(p);
-  }
   EXPECT_EQ(aSeen, (std::vector<ClParameter*>{m_pLeaf, m_pLast, pTail}));
   EXPECT_EQ(m_oRoot.GetNextParameter(static_cast<ClParameter*>(nullptr)), m_pLeaf);
   EXPECT_EQ(m_oRoot.GetNextParameter(4u), nullptr);

@@ -1,24 +1,20 @@
 // The older list of parameters: values of every type, enumerations, texts and stored records.
 #include "MXTools/ParameterInterface.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <string>
-#include <vector>
 
-#include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/MemStream.h"
 #include "ParameterMembers.h"
 #include "Raised.h"
+#include "StreamContent.h"
 
 namespace {
 
 using List = ClParameterInterface;
 using ClMembers = ClParameterMembers;
-using Bytes = std::vector<unsigned char>;
 
 TEST(ParameterInterface, AnEntryReadsAndWritesItsMemberAndNothingAfterIt) {
   ClMembers oMembers;
@@ -112,7 +108,7 @@ TEST(ParameterInterface, ARecordHasTheWidthsOfTheFormat) {
   oList.WriteToStream(oStream);
   // The name with its length, direction, fixed range; minimum, maximum and default; two flags, type and
   // value.
-  const Bytes aBytes(oStream.GetData(), oStream.GetData() + oStream.Size());
+  const Bytes aBytes = Content(oStream);
   ASSERT_EQ(aBytes.size(), 6u + 2 + 24 + 3 + 4);
   EXPECT_EQ(Bytes(aBytes.begin(), aBytes.begin() + 8), (Bytes{0, 0, 0, 2, 'n', 0, 1, 0}));
   EXPECT_EQ(Bytes(aBytes.begin() + 32, aBytes.end()), (Bytes{0, 0, 3, 0xFF, 0xFF, 0xFF, 0xFE}));

@@ -1,13 +1,11 @@
 // Values of parameters: numbers, choices, pointers and texts.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
 
-#include "MXTools/Exception.h"
 #include "MXTools/ParameterContainer.h"
 #include "Raised.h"
 
@@ -83,9 +81,8 @@ TEST(NumericParameter, NumbersBeyondTheTypeAreRefusedAtItsExactLimits) {
   TpBound<unsigned char> oByte(3);
   oByte.SetNumber(255.0);
   EXPECT_EQ(oByte.tValue, 255);
-  for (double dValue : {255.5, 256.0, -0.5, std::nan("")}) {
+  for (double dValue : {255.5, 256.0, -0.5, std::nan("")})
     EXPECT_EQ(NumberOf([&] { oByte.SetNumber(dValue); }), -35) << dValue;
-  }
   EXPECT_EQ(NumberOf([&] { oByte.SetNumberLong(-1); }), -35);
   oByte.SetNumberLong(17);
   EXPECT_EQ(oByte.tValue, 17);
@@ -265,8 +262,7 @@ TEST(PointerParameter, IsLeftAloneByCopiesOfValuesUnlessForced) {
   struct ClPicture* pOurs = nullptr;
   auto* const pSomething = reinterpret_cast<ClPicture*>(0x1234);
   ClPicture* pTheirs = pSomething;
-  ClParameterContainer oOurs;
-  ClParameterContainer oTheirs;
+  ClParameterContainer oOurs, oTheirs;
   auto* pParameter = oOurs.AddPointer("pImage", &pOurs);
   oTheirs.AddPointer("pImage", &pTheirs);
   EXPECT_EQ(pParameter->ClParameter::GetValue(), "NULL");

@@ -2,7 +2,6 @@
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
@@ -50,12 +49,8 @@ unsigned char aBytes[] = {3, 4};
 unsigned int nWord = 6;
 unsigned long long nMask = 0x123456789ULL;
 
-struct ClForward {
-  std::function<bool(Scanner&)> oCall;
-  const char* szRecord;
-};
-
-const ClForward caForwards[] = {
+/// Calls, and what the library records of them.
+const std::pair<std::function<bool(Scanner&)>, const char*> caForwards[] = {
     {[](Scanner& o) { return o.GetVersion(szText, &nSize); }, "VTScanAPIGetVersion(5,room,*16)"},
     {[](Scanner& o) { return o.GetDeviceIndex(&nSize) == 0; }, "VTScanAPIGetDeviceIndex(5,*16)"},
     {[](Scanner& o) { return o.SetLED(9); }, "VTScanAPISetLEDEx(5,9)"},
@@ -86,12 +81,12 @@ const ClForward caForwards[] = {
 
 TEST(MXVTScanAPIWrapper, EachOperationPassesTheDeviceAndItsArgumentsAndReportsTheOutcome) {
   ClRecordedScanner oScanner(KLV_LIBRARY_COMPLETE);
-  for (const ClForward& oForward : caForwards) {
+  for (const auto& [oCall, szRecord] : caForwards) {
     oScanner.Answer(0);
-    EXPECT_TRUE(oForward.oCall(*oScanner)) << oForward.szRecord;
-    EXPECT_EQ(oScanner.Record(), oForward.szRecord);
+    EXPECT_TRUE(oCall(*oScanner)) << szRecord;
+    EXPECT_EQ(oScanner.Record(), szRecord);
     oScanner.Answer(-60);
-    EXPECT_FALSE(oForward.oCall(*oScanner)) << oForward.szRecord;
+    EXPECT_FALSE(oCall(*oScanner)) << szRecord;
   }
 }
 
@@ -170,11 +165,11 @@ TEST(MXVTScanAPIWrapper, AFunctionThatTheLibraryLacksIsNeverCalled) {
 
 TEST(MXVTScanAPIWrapper, WithoutABindingEveryCallIsRefused) {
   Scanner oScanner(nullptr, nullptr);
-  for (const ClForward& oForward : caForwards) {
+  for (const auto& [oCall, szRecord] : caForwards) {
     bool bDone = false;
-    const long nFailure = NumberOf([&] { bDone = oForward.oCall(oScanner); });
+    const long nFailure = NumberOf([&, &oForward = oCall] { bDone = oForward(oScanner); });
     EXPECT_FALSE(bDone);
-    EXPECT_TRUE(nFailure == 0 || nFailure == -2) << oForward.szRecord;
+    EXPECT_TRUE(nFailure == 0 || nFailure == -2) << szRecord;
   }
   oScanner.Beep(1, 1);
 }

@@ -9,6 +9,7 @@
 #include <future>
 #include <new>
 #include <thread>
+#include <tuple>
 
 #include "SimulatorFixture.h"
 
@@ -46,8 +47,7 @@ class CaptureTest : public SimulatorTest {
   static std::future<long> Waiter(void* hDevice) {
     EXPECT_EQ(VTSimHoldSequences(nullptr, 1), 0);
     auto oFuture = std::async(std::launch::async, [hDevice] { return Take(hDevice); });
-    const auto oStart = Clock::now();
-    while (State().bWaiting == 0 && Seconds(oStart) < 10.0) std::this_thread::yield();
+    EXPECT_TRUE(WaitFor([] { return State().bWaiting != 0; }));
     return oFuture;
   }
 };
@@ -104,11 +104,7 @@ TEST_F(CaptureTest, AHeldSequenceEndsTheWaitWithinTwoSeconds) {
 }
 
 TEST_F(CaptureTest, WhoWaitsIsWokenByWhateverEndsTheCapture) {
-  const struct {
-    const char* szName;
-    long nExpected;
-    void (*fnAct)(void*);
-  } aCases[] = {
+  const std::tuple<const char*, long, void (*)(void*)> aCases[] = {
       {"EnableCapture(0)", -50, [](void* h) { VTScanAPIEnableCapture(h, 0); }},
       {"DestroyHandle", -60, [](void* h) { VTScanAPIDestroyHandle(&h); }},
       {"Uninitialize", -60, [](void*) { VTScanAPIUninitialize(); }},
@@ -121,13 +117,13 @@ TEST_F(CaptureTest, WhoWaitsIsWokenByWhateverEndsTheCapture) {
        }},
       {"pass", 0, [](void*) { VTSimPassSequences(nullptr, 1); }},
   };
-  for (const auto& oCase : aCases) {
+  for (const auto& [szName, nExpected, pfnAct] : aCases) {
     void* hDevice = StartCapture("empty");
     auto oWaiter = Waiter(hDevice);
     const auto oStart = Clock::now();
-    oCase.fnAct(hDevice);
-    EXPECT_EQ(oWaiter.get(), oCase.nExpected) << oCase.szName;
-    EXPECT_LT(Seconds(oStart), 1.5) << oCase.szName;
+    pfnAct(hDevice);
+    EXPECT_EQ(oWaiter.get(), nExpected) << szName;
+    EXPECT_LT(Seconds(oStart), 1.5) << szName;
     TearDown();
     SetUp();
   }
@@ -168,10 +164,8 @@ TEST_F(CaptureTest, EachSequenceIsRecordedWithWhatItShowed) {
   for (int i = 0; i < 5; ++i) ASSERT_EQ(Take(hDevice), 0);
   SetMode(hDevice, 34, {0, 1});
   ASSERT_EQ(Take(hDevice), 0);
-  VTSimFrame aFrames[8] = {};
-  unsigned nCount = 8;
-  ASSERT_EQ(VTSimGetFrames(nullptr, 0, aFrames, &nCount), 0);
-  ASSERT_EQ(nCount, 6u);
+  const std::vector<VTSimFrame> aFrames = Frames();
+  ASSERT_EQ(aFrames.size(), 6u);
   const unsigned anFingers[] = {0, 0, 1, 1, 1, 1}, anMoving[] = {0, 0, 1, 0, 0, 0},
                  anSteady[] = {0, 0, 2, 3, 3, 3};
   for (unsigned n = 0; n < 6; ++n) {

@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 
-#include "KelvarinVTScanAPI/VTScanAPI.h"
 #include "SimulatorFixture.h"
 
 namespace {

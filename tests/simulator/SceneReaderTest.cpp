@@ -148,35 +148,28 @@ TEST(SceneReader, WhatIsWrongIsRefusedWithItsPlaceAndRange) {
 }
 
 TEST(SceneReader, WhatMakesNoSenseIsRefused) {
-  std::vector<std::string> aScanners = {R"("serial": "")",
-                                        R"("serial": "0123456789ABCDEF")",
-                                        "}, {",
-                                        R"("ambient": [{"at": 2}, {"at": 1}])",
-                                        R"("eprom": {"GEOCAL": {"flip": [-1]}})",
-                                        R"("target": {"missing": [64]})"};
+  std::vector<std::string> aScenes, aScanners;
+  for (const char* szScene :
+       {"", "[]", "{", R"({"scanners": {}})", R"({"scanners": [1]})", R"({"seed": "1"})",
+        R"({"faults": [{"call": "a", "plug": "b"}]})", R"({"faults": [{}]})"})
+    aScenes.emplace_back(szScene);
+  for (const char* szScanner :
+       {R"("serial": "")", R"("serial": "0123456789ABCDEF")", "}, {", R"("ambient": [{"at": 2}, {"at": 1}])",
+        R"("eprom": {"GEOCAL": {"flip": [-1]}})", R"("target": {"missing": [64]})"})
+    aScanners.emplace_back(szScanner);
   for (const char* szFinger : {R"("touch": 2, "lift": 1)", R"("touch": 1, "lift": 3, "repeat": 2)",
                                R"("repeat": 2)", R"("slide": {"start": 2, "until": 1})",
                                R"("roll": {"path": [{"at": 2}, {"at": 1}]})", R"("roll": {"width": 0})"})
     aScanners.push_back(std::string(R"("fingers": [{)") + szFinger + "}]");
   for (const char* szPoints : {"", "[1, 2, 3, 4]", R"([1, "2"])", "[1, 131]", "[1, 2, -1]"})
     aScanners.push_back(std::string(R"("pen": {"strokes": [{"points": [)") + szPoints + "]}]}");
-  std::vector<std::string> aScenes = {"",
-                                      "[]",
-                                      "{",
-                                      R"({"scanners": {}})",
-                                      R"({"scanners": [1]})",
-                                      R"({"seed": "1"})",
-                                      R"({"faults": [{"call": "a", "plug": "b"}]})",
-                                      R"({"faults": [{}]})"};
   for (const std::string& s : aScanners) aScenes.push_back(R"({"scanners": [{)" + s + "}]}");
   for (const std::string& s : aScenes) EXPECT_EQ(Refusal(s).first, -44) << s;
 }
 
 TEST(SceneReader, ASceneIsFoundByNamePathOrText) {
-  EXPECT_EQ(FindScene("slap-right").aScanners[0].aFingers.size(), 4u);
-  EXPECT_EQ(FindScene("thumbs").aScanners[0].aFingers.size(), 2u);
-  EXPECT_EQ(FindScene("finger").aScanners[0].aFingers.size(), 1u);
-  EXPECT_EQ(FindScene("empty").aScanners[0].aFingers.size(), 0u);
+  for (const auto& [szName, nFingers] : {std::pair("slap-right", 4u), {"thumbs", 2u}, {"empty", 0u}})
+    EXPECT_EQ(FindScene(szName).aScanners[0].aFingers.size(), nFingers) << szName;
   EXPECT_EQ(FindScene("settling-slap:17").nSeed, 17u);
   EXPECT_NE(FindScene("settling-slap:17").aScanners[0].aFingers[0].dTouch,
             FindScene("settling-slap:18").aScanners[0].aFingers[0].dTouch);

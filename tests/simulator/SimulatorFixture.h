@@ -2,13 +2,8 @@
 // things.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 #include "KelvarinVTScanAPI/VTScanAPI.h"
-#include "KelvarinVTScanAPI/VTSim.h"
+#include "SimulatedScanner.h"
 
 class SimulatorTest : public testing::Test {
  protected:
@@ -23,7 +18,7 @@ class SimulatorTest : public testing::Test {
   }
 
   static void Start(const std::string& sScene) {
-    ASSERT_EQ(VTSimLoadScene(sScene.c_str()), 0) << VTSimLastError();
+    LoadScene(sScene);
     ASSERT_EQ(VTScanAPIInitialize(nullptr), 0);
   }
 
@@ -45,13 +40,6 @@ class SimulatorTest : public testing::Test {
                                       static_cast<unsigned>(aMasks.size())),
               0)
         << VTSimLastError();
-  }
-
-  static VTSimState State() {
-    VTSimState o;
-    o.nStructSize = sizeof o;
-    EXPECT_EQ(VTSimGetState(nullptr, &o), 0);
-    return o;
   }
 
   static std::string FaultLog() {

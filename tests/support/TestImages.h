@@ -46,8 +46,14 @@ struct ClElementTypeNames {
 /// The suite of what holds for every element type.
 template <typename T>
 class EveryType : public testing::Test {};
+using ByteTypes = testing::Types<uint8_t, int8_t>;
 using AllElementTypes = testing::Types<uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, double>;
 TYPED_TEST_SUITE(EveryType, AllElementTypes, ClElementTypeNames);
+
+/// The suite of what holds for bytes, unsigned and signed.
+template <typename T>
+class EveryByteType : public testing::Test {};
+TYPED_TEST_SUITE(EveryByteType, ByteTypes, ClElementTypeNames);
 
 using Bytes = std::vector<uint8_t>;
 
