@@ -46,6 +46,17 @@ TEST_F(AutoScanner, KeepsACaptureForFiveFramesAndBeepsOnceWhenAsked) {
   EXPECT_EQ(Beeps(), Beeps_t({{300, 100}}));
 }
 
+TEST_F(AutoScanner, ACaptureIsNotOfferedInTheNextMode) {
+  StartHeld(cszFinger, KLV_VT40_CAPTURE_MODE_AUTO);
+  ASSERT_NO_FATAL_FAILURE(PassUntilShot());
+  ASSERT_NO_FATAL_FAILURE(Pass());
+  std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
+  EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
+  oRelease.join();
+  EXPECT_EQ(Image().bDone, 1);
+  EXPECT_EQ(Shots().size(), 2u);
+}
+
 TEST_F(AutoScanner, MakesAnOldCaptureAnewAndMissesOneOfFourFingers) {
   Start(R"({"scanners": [{"serial": "VT40-AB0001", "fingers": [
       {"print": {"seed": 3}, "x": 12, "slide": {"start": 60, "speed": 8, "radius": 3}},
