@@ -53,6 +53,7 @@ TEST_F(AutoScanner, ACaptureIsNotOfferedInTheNextMode) {
   std::thread oRelease([] { VTSimHoldSequences(nullptr, 0); });
   EXPECT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
   oRelease.join();
+  EXPECT_EQ(Preview().bDone, 0);
   EXPECT_EQ(Image().bDone, 1);
   EXPECT_EQ(Shots().size(), 2u);
 }
