@@ -7,7 +7,7 @@
 #include "TpIp2to1RuleImpl.h"
 
 struct ClRuleMultiply {
-  static constexpr ByteRule cpBytes = nullptr;
+  static constexpr std::nullptr_t cpBytes = nullptr;
 
   /// Holds for two bytes, or a byte and a word, but not for two unsigned words.
   static bool ResultFitsIn32Bits(int nSize1, int nSize2) { return nSize1 + nSize2 < 4; }

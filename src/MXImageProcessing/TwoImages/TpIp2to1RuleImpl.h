@@ -40,6 +40,10 @@ void ApplyToStrip(W* __restrict pFirst, const W* __restrict pSecond, size_t nCou
   }
 }
 
+/// By its type: for the sanitizers' builds the address of a kernel is no constant.
+template <typename TRule>
+constexpr bool cbHasKernel = !std::is_null_pointer_v<decltype(TRule::cpBytes)>;
+
 template <typename TRule>
 typename TpIp2to1Rule<TRule>::ClLimits TpIp2to1Rule<TRule>::LimitsOf(const ClImage& oOut) {
   return {std::min(oOut.Black(), oOut.White()), std::max(oOut.Black(), oOut.White())};
@@ -68,7 +72,7 @@ long TpIp2to1Rule<TRule>::DoProcess(ClImage& oIn1, ClImage& oIn2, ClImage& oOut,
              CutToElementType(oLimits.m_dUpper, oOut.DataType())};
   const ClImage& oSecond = oOverlap.OneForThree() ? SpreadOverlap(oIn2, oOverlap) : oIn2;
   if (!oOverlap.SamplesPair()) return 0;
-  if (TRule::cpBytes != nullptr && IsForKernel(oIn1, oSecond, oOut, oLimits)) {
+  if (cbHasKernel<TRule> && IsForKernel(oIn1, oSecond, oOut, oLimits)) {
     return RunKernel(oIn1, oSecond, oOut, oOverlap);
   }
   if (oIn1.IsFloating() || oIn2.IsFloating() || oOut.IsFloating()) {
@@ -90,7 +94,7 @@ bool TpIp2to1Rule<TRule>::IsForKernel(const ClImage& oIn1, const ClImage& oIn2, 
 template <typename TRule>
 long TpIp2to1Rule<TRule>::RunKernel(const ClImage& oIn1, const ClImage& oIn2, ClImage& oOut,
                                     const ClOverlap& oOverlap) {
-  if constexpr (TRule::cpBytes != nullptr) {
+  if constexpr (cbHasKernel<TRule>) {
     for (long y = 0; y < oOverlap.m_nHeight; ++y) {
       (*TRule::cpBytes)(oIn1.Data() + oOverlap.m_nOffset1 + y * oOverlap.m_nRowStep1,
                         oIn2.Data() + oOverlap.m_nOffset2 + y * oOverlap.m_nRowStep2,
