@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "MXCalibrate/RefPointsLog.h"
-#include "MXCalibrate/RefPointsOwnedGrid.h"
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpInvert.h"
 #include "MXImageProcessing/IpSplitPlanes.h"
@@ -52,9 +51,9 @@ long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
   }
   if (m_pOutDebugImage != nullptr) m_pOutDebugImage->New(*m_pInImage);
   for (int n = 0; n < nPlanes; ++n) {
-    ClOwnedGrid oGrid;
-    LocatePoints(nPlanes > 1 ? aPlanes[n] : *m_pInImage, oGrid.m_aDots);
-    AssociatePoints(oGrid.m_aDots, m_pOutData->m_aActual[n]);
+    Grid aGrid;
+    LocatePoints(nPlanes > 1 ? aPlanes[n] : *m_pInImage, aGrid);
+    AssociatePoints(aGrid, m_pOutData->m_aActual[n]);
   }
   BuildTarget(m_pOutData->m_aTarget, m_dTargetDpiX, m_dTargetDpiY, 0, 0);
   CenterTarget(m_pOutData->m_aTarget, m_pOutData->m_aActual, static_cast<unsigned int>(nPlanes));

@@ -2,13 +2,12 @@
 #pragma once
 
 #include "MXCalibrate/CalibrateGeometricData.h"
-#include "MXImageProcessing/IpConnectedComponent2.h"
+#include "MXCalibrate/RefPointsGrid.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 #include "MXTools/TpArrayDynamic.h"
 #include "MXTools/TpArrayStatic.h"
 #include "MXTools/Vector.h"
-#include "portable/Math.h"
 
 template <typename T>
 struct Default;
@@ -21,7 +20,7 @@ class TpThinPlateSplines;
 ///
 /// Domain     one plane of 8-bit samples, or up to three that are searched one by one.
 /// Units      lengths of the pattern in millimetres, resolutions in dots per inch, positions in pixels.
-/// Ownership  owns no image and no data set. A grid owns its dots: whoever made it frees them (DeleteDots).
+/// Ownership  owns no image and no data set.
 /// Threads    thread-bound.
 /// Errors     ClException -37 no input or output; -39 "Target and Source arrays must have same size!",
 ///            "Target data is corrupt", "Source data is corrupt"; -600 for reasons that the pattern and the
@@ -32,22 +31,10 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   static constexpr double cdMillimetresPerInch = 25.4;
   static constexpr double cdInchesPerMetre = 39.37;
 
-  class ClDot;
-  using Grid = TpArrayDynamic<ClDot*, 10u>;
+  using ClDot = ClRefPointsDot;
+  using Grid = ClRefPointsGrid;
   using Points = TpArrayDynamic<ClVector, 10u>;
   using Spline = TpThinPlateSplines<float, Default<float>>;
-
-  /// Why a dot is no longer part of the grid.
-  enum EStatus : long {
-    eGood = 0,
-    eTooRound = 1,
-    eTooLong = 2,
-    eTooSmall = 3,
-    eTooLarge = 4,
-    eFewNeighbours = 5,
-    eUnmatched = 6,
-    eOffPattern = 7  ///< it stays valid
-  };
 
   bool CanApply() override;
   void DeclareParameters(ClParameterRows& oRows) override;
@@ -71,16 +58,14 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   virtual void GetGridColumnLengths(TpArrayStatic<int>& aLengths) = 0;
   virtual void MoveTarget(Points& aTarget, Points& aOther) = 0;
 
-  /// Frees the dots and empties the grid.
-  static void DeleteDots(Grid& aGrid);
   void BuildGrid(Grid& aGrid, ClIpConnectedComponent2::ComponentsArray_t& aComponents);
   /// Column by column, each from top to bottom.
   void SortXY(Grid& aGrid);
   void SortX(Grid& aGrid);
   /// Dots [nFirst, nEnd).
   void SortY(Grid& aGrid, unsigned int nFirst, unsigned int nEnd);
-  /// The dot is no longer valid and nobody's neighbour; it stays in the array.
-  void RemoveGridPoint(Grid& aGrid, unsigned int nIndex);
+  /// The dot of that place is no longer valid and nobody's neighbour; it stays in the grid.
+  void RemoveGridPoint(Grid& aGrid, unsigned int nPlace);
   void RemoveLessNeighbours(Grid& aGrid);
   void ReduceToFittingNeighbours(Grid& aGrid);
   void RemoveWrongAngleNeighbours(Grid& aGrid);
@@ -93,9 +78,9 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   ClVector GetCentreOfVectorArray(const Points& aArray) const;
   void MoveArray(Points& aArray, const ClVector& vShift) const;
   /// The dot at that position in the pattern, or null.
-  ClDot* RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const;
+  const ClDot* RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const;
   /// The valid dot nearest to the origin, or null.
-  ClDot* GetBottumLeftDot(const Grid& aGrid) const;
+  const ClDot* GetBottumLeftDot(const Grid& aGrid) const;
 
   /// Raises -39 unless the stored points are a regular grid on both sides.
   void ValidateCalibrationData(ClCalibrateGeometricData& oData);
@@ -154,44 +139,7 @@ class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
   static ClVector Divided(const ClVector& v, double dBy) { return ClVector(v.x / dBy, v.y / dBy); }
 
  private:
-  void LinkNeighbours(const Grid& aGrid);
-  void JudgeDots(const Grid& aGrid) const;
+  void LinkNeighbours(Grid& aGrid) const;
+  void JudgeDots(Grid& aGrid) const;
   void FillData(unsigned int nPlanes);
-};
-
-/// One dot that was found, or a stored one.
-class ClIpCalibrateGeometricBuildRefPointsBase::ClDot {
- public:
-  /// From one direction number to the next, in radians.
-  static constexpr double cdEighthTurn = Portable::cdPi / 4;
-
-  explicit ClDot(const ClVector& vCentre) { Initialize(vCentre); }
-  explicit ClDot(const ClIpConnectedComponent2::ClComponent& oComponent);
-  ClDot(const ClDot& o) { *this = o; }
-  ClDot& operator=(const ClDot& o);
-
-  /// Resets everything but the position.
-  void Initialize(const ClVector& vCentre);
-  /// Makes the dot a neighbour, unless it is one; with bMutual this dot becomes its neighbour too.
-  void AddDot(ClDot* pDot, bool bMutual);
-  /// Forgets the dot; the dot does not forget this one.
-  void Remove(const ClDot* pDot);
-  /// 0 for +x, 2 for +y and so on in eighths of a turn; on a boundary the lower number.
-  long GetNeighbourDirection(long nNeighbour) const;
-  /// The neighbour nearest to the direction and less than dMaxAngle off it, or null.
-  ClDot* GetNeighbourInDirection(long nDirection, double dMaxAngle) const;
-  /// The angle of the way from vFrom to vTo, of [0, 2 pi).
-  static double AngleOf(const ClVector& vFrom, const ClVector& vTo);
-
-  ClVector vPosition;        ///< centre in sensor pixels
-  ClVector vGrid{-1, -1};    ///< column and row
-  ClVector vTarget{-1, -1};  ///< the target point that was matched to it
-  ClVector vBoxCentre;       ///< centre of the bounding box
-  long nStatus = eGood;
-  bool bValid = true;  ///< still part of the grid
-  double dEccentricity = -1;
-  double dArea = -1;
-  double dGrey = -1;
-  long nIndex = -1;  ///< of the component it came from
-  TpArrayDynamic<ClDot*, 10u> aNeighbours;
 };

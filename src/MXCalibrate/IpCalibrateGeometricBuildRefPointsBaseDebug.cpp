@@ -92,13 +92,13 @@ void ClBase::GridToDebugImage(const Grid& aGrid, ClImage& oImage) const {
   oImage = static_cast<unsigned char>(0);
   if (oImage.ElementSize() != 1) return;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    const ClDot& o = *aGrid[n];
+    const ClDot& o = aGrid[n];
     for (unsigned int i = 0; i < o.aNeighbours.Entries(); ++i)
-      DrawLine(oImage, o.vPosition, o.aNeighbours[i]->vPosition, cnLinkGrey);
+      DrawLine(oImage, o.vPosition, aGrid.OfIndex(o.aNeighbours[i]).vPosition, cnLinkGrey);
   }
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    const ClVector& v = aGrid[n]->vPosition;
-    const unsigned char nGrey = aGrid[n]->bValid ? cnGoodGrey : cnRemovedGrey;
+    const ClVector& v = aGrid[n].vPosition;
+    const unsigned char nGrey = aGrid[n].bValid ? cnGoodGrey : cnRemovedGrey;
     DrawLine(oImage, {v.x - cnCrossArm, v.y}, {v.x + cnCrossArm, v.y}, nGrey);
     DrawLine(oImage, {v.x, v.y - cnCrossArm}, {v.x, v.y + cnCrossArm}, nGrey);
   }

@@ -1,7 +1,6 @@
 // The grid of found dots: built, sorted, cleaned of what is no dot of the pattern.
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <vector>
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
@@ -17,24 +16,16 @@ constexpr unsigned int cnFewestNeighbours = 2;
 /// Beyond any frame: a dot farther off is no match.
 constexpr double cdFarthestMatch = 10000.0;
 
-bool CmpDotX(const ClDot* pA, const ClDot* pB) {
-  return pA->vPosition.x < pB->vPosition.x;
-}
-
-bool CmpDotY(const ClDot* pA, const ClDot* pB) {
-  return pA->vPosition.y < pB->vPosition.y;
-}
-
 /// Gives each target point to the valid dot nearest to it; a dot that gets several points keeps the last one.
-void Match(const ClBase::Points& aTarget, const ClBase::Grid& aGrid) {
+void Match(const ClBase::Points& aTarget, ClBase::Grid& aGrid) {
   for (unsigned int nPoint = 0; nPoint < aTarget.Entries(); ++nPoint) {
     ClDot* pNearest = nullptr;
     double dNearest = cdFarthestMatch;
     for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-      const double dDistance = (aGrid[n]->vPosition - aTarget[nPoint]).Length();
-      if (!aGrid[n]->bValid || !(dDistance < dNearest)) continue;
+      const double dDistance = (aGrid[n].vPosition - aTarget[nPoint]).Length();
+      if (!aGrid[n].bValid || !(dDistance < dNearest)) continue;
       dNearest = dDistance;
-      pNearest = aGrid[n];
+      pNearest = &aGrid[n];
     }
     if (pNearest != nullptr) pNearest->vTarget = aTarget[nPoint];
   }
@@ -47,63 +38,53 @@ double OffLattice(double dDistance, double dTolerance, double dPitch) {
 
 }  // namespace
 
-void ClBase::DeleteDots(Grid& aGrid) {
-  for (unsigned int n = 0; n < aGrid.Entries(); ++n) delete aGrid[n];
-  aGrid.Clear();
-}
-
 void ClBase::BuildGrid(Grid& aGrid, ClIpConnectedComponent2::ComponentsArray_t& aComponents) {
   const ClRefPointsLog oLog("BuildGrid");
-  DeleteDots(aGrid);
   aGrid.New(aComponents.Entries());
-  for (unsigned int n = 0; n < aComponents.Entries(); ++n) {
-    aGrid[n] = new (std::nothrow) ClDot(aComponents[n]);
-    if (aGrid[n] == nullptr) KlvRaiseBadAlloc();
-    aGrid[n]->nIndex = static_cast<long>(n);
-  }
+  for (unsigned int n = 0; n < aComponents.Entries(); ++n) aGrid[n].TakeFrom(aComponents[n]);
   SortXY(aGrid);
   JudgeDots(aGrid);
   LinkNeighbours(aGrid);
 }
 
-void ClBase::JudgeDots(const Grid& aGrid) const {
+void ClBase::JudgeDots(Grid& aGrid) const {
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    ClDot& o = *aGrid[n];
-    if (o.dEccentricity < m_dMinEccentricity) o.nStatus = eTooRound;
-    if (o.dEccentricity > m_dMaxEccentricity) o.nStatus = eTooLong;
-    if (o.dArea < m_dMinArea) o.nStatus = eTooSmall;
-    if (o.dArea > m_dMaxArea) o.nStatus = eTooLarge;
-    if (o.nStatus != eGood) o.bValid = false;
+    ClDot& o = aGrid[n];
+    if (o.dEccentricity < m_dMinEccentricity) o.nStatus = ClDot::eTooRound;
+    if (o.dEccentricity > m_dMaxEccentricity) o.nStatus = ClDot::eTooLong;
+    if (o.dArea < m_dMinArea) o.nStatus = ClDot::eTooSmall;
+    if (o.dArea > m_dMaxArea) o.nStatus = ClDot::eTooLarge;
+    if (o.nStatus != ClDot::eGood) o.bValid = false;
   }
 }
 
-void ClBase::LinkNeighbours(const Grid& aGrid) {
+void ClBase::LinkNeighbours(Grid& aGrid) const {
   const double dToleranceX = PitchX() * m_dNeighbourTolerance;
   const double dToleranceY = PitchY() * m_dNeighbourTolerance;
-  std::vector<ClDot*> aValid;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (aGrid[n]->bValid) aValid.push_back(aGrid[n]);
-  }
-  for (ClDot* pDot : aValid) {
-    for (ClDot* pOther : aValid) {
-      if (pOther == pDot) continue;
-      const double dX = std::fabs(pDot->vPosition.x - pOther->vPosition.x);
-      const double dY = std::fabs(pDot->vPosition.y - pOther->vPosition.y);
+    ClDot& oDot = aGrid[n];
+    for (unsigned int nOther = 0; oDot.bValid && nOther < aGrid.Entries(); ++nOther) {
+      ClDot& oOther = aGrid[nOther];
+      if (nOther == n || !oOther.bValid) continue;
+      const double dX = std::fabs(oDot.vPosition.x - oOther.vPosition.x);
+      const double dY = std::fabs(oDot.vPosition.y - oOther.vPosition.y);
       const bool bOnLattice = OffLattice(dX, dToleranceX, PitchX()) < dToleranceX &&
                               OffLattice(dY, dToleranceY, PitchY()) < dToleranceY;
-      if (bOnLattice && !(dX < dToleranceX && dY < dToleranceY)) pDot->AddDot(pOther, true);
+      if (!bOnLattice || (dX < dToleranceX && dY < dToleranceY)) continue;
+      oDot.AddDot(oOther.nIndex);
+      oOther.AddDot(oDot.nIndex);
     }
   }
 }
 
 void ClBase::SortX(Grid& aGrid) {
   const ClRefPointsLog oLog("SortX");
-  std::sort(aGrid.Data(), aGrid.Data() + aGrid.Entries(), CmpDotX);
+  aGrid.SortByX(0, aGrid.Entries());
 }
 
 void ClBase::SortY(Grid& aGrid, unsigned int nFirst, unsigned int nEnd) {
   const ClRefPointsLog oLog("SortY");
-  std::sort(aGrid.Data() + nFirst, aGrid.Data() + nEnd, CmpDotY);
+  aGrid.SortByY(nFirst, nEnd);
 }
 
 void ClBase::SortXY(Grid& aGrid) {
@@ -114,13 +95,13 @@ void ClBase::SortXY(Grid& aGrid) {
   unsigned int nFirst = 0;
   while (nFirst < aGrid.Entries()) {
     // The column's position is the mean of its good dots.
-    double dColumn = aGrid[nFirst]->vPosition.x;
+    double dColumn = aGrid[nFirst].vPosition.x;
     double dSum = 0;
     unsigned int nCount = 0;
     for (unsigned int n = nFirst; n < aGrid.Entries(); ++n) {
-      const ClDot& o = *aGrid[n];
+      const ClDot& o = aGrid[n];
       if (!(std::fabs(o.vPosition.x - dColumn) < dHalf)) break;
-      if (o.nStatus != eGood) continue;
+      if (o.nStatus != ClDot::eGood) continue;
       if (nCount == 0) dColumn = o.vPosition.x;
       dSum += o.vPosition.x;
       ++nCount;
@@ -128,16 +109,16 @@ void ClBase::SortXY(Grid& aGrid) {
     if (nCount > 0) dColumn = dSum / nCount;
     // A column has at least the dot that it began with.
     unsigned int nEnd = nFirst + 1;
-    while (nEnd < aGrid.Entries() && aGrid[nEnd]->vPosition.x - dColumn < dHalf) ++nEnd;
+    while (nEnd < aGrid.Entries() && aGrid[nEnd].vPosition.x - dColumn < dHalf) ++nEnd;
     SortY(aGrid, nFirst, nEnd);
     nFirst = nEnd;
   }
 }
 
-void ClBase::RemoveGridPoint(Grid& aGrid, unsigned int nIndex) {
+void ClBase::RemoveGridPoint(Grid& aGrid, unsigned int nPlace) {
   const ClRefPointsLog oLog("RemoveGridPoint");
-  for (unsigned int n = 0; n < aGrid.Entries(); ++n) aGrid[n]->Remove(aGrid[nIndex]);
-  aGrid[nIndex]->bValid = false;
+  for (unsigned int n = 0; n < aGrid.Entries(); ++n) aGrid[n].Remove(aGrid[nPlace].nIndex);
+  aGrid[nPlace].bValid = false;
 }
 
 void ClBase::RemoveLessNeighbours(Grid& aGrid) {
@@ -146,9 +127,9 @@ void ClBase::RemoveLessNeighbours(Grid& aGrid) {
   while (bChanged) {
     bChanged = false;
     for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-      if (!aGrid[n]->bValid || aGrid[n]->aNeighbours.Entries() >= cnFewestNeighbours) continue;
+      if (!aGrid[n].bValid || aGrid[n].aNeighbours.Entries() >= cnFewestNeighbours) continue;
       RemoveGridPoint(aGrid, n);
-      aGrid[n]->nStatus = eFewNeighbours;
+      aGrid[n].nStatus = ClDot::eFewNeighbours;
       bChanged = true;
     }
   }
@@ -161,22 +142,24 @@ void ClBase::ReduceToFittingNeighbours(Grid& aGrid) {
   const ClVector aExpected[8] = {{dX, 0},  {dX, dY},   {0, dY},  {-dX, dY},
                                  {-dX, 0}, {-dX, -dY}, {0, -dY}, {dX, -dY}};
   for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
-    ClDot& oDot = *aGrid[nDot];
-    // The loop goes over a copy, since a removal shifts the list.
-    const ClDot oBefore(oDot);
-    ClDot* aHolders[8] = {};
+    ClDot& oDot = aGrid[nDot];
+    const ClDot* apHolders[8] = {};
     double aDistances[8] = {};
-    for (unsigned int n = 0; n < oBefore.aNeighbours.Entries(); ++n) {
-      ClDot* const pNeighbour = oBefore.aNeighbours[n];
-      const long nDirection = oBefore.GetNeighbourDirection(static_cast<long>(n));
-      const ClVector vWay = pNeighbour->vPosition - oDot.vPosition;
+    // The loop goes over a copy, since a removal shifts the list.
+    TpArrayDynamic<unsigned int, 10u> aBefore;
+    aBefore.CopyFrom(oDot.aNeighbours);
+    for (unsigned int n = 0; n < aBefore.Entries(); ++n) {
+      const ClDot& oNeighbour = aGrid.OfIndex(aBefore[n]);
+      const long nDirection = oDot.DirectionOf(oNeighbour);
+      const ClVector vWay = oNeighbour.vPosition - oDot.vPosition;
       const double dDistance = (vWay - aExpected[nDirection]).Length();
-      if (aHolders[nDirection] != nullptr && !(dDistance < aDistances[nDirection])) {
-        oDot.Remove(pNeighbour);
+      const ClDot*& rpHolder = apHolders[nDirection];
+      if (rpHolder != nullptr && !(dDistance < aDistances[nDirection])) {
+        oDot.Remove(oNeighbour.nIndex);
         continue;
       }
-      if (aHolders[nDirection] != nullptr) oDot.Remove(aHolders[nDirection]);
-      aHolders[nDirection] = pNeighbour;
+      if (rpHolder != nullptr) oDot.Remove(rpHolder->nIndex);
+      rpHolder = &oNeighbour;
       aDistances[nDirection] = dDistance;
     }
   }
@@ -185,13 +168,13 @@ void ClBase::ReduceToFittingNeighbours(Grid& aGrid) {
 void ClBase::RemoveWrongAngleNeighbours(Grid& aGrid) {
   const ClRefPointsLog oLog("RemoveWrongAngleNeighbours");
   for (unsigned int nDot = 0; nDot < aGrid.Entries(); ++nDot) {
-    ClDot& oDot = *aGrid[nDot];
-    Grid aNeighbours;
+    ClDot& oDot = aGrid[nDot];
+    TpArrayDynamic<unsigned int, 10u> aNeighbours;
     aNeighbours.CopyFrom(oDot.aNeighbours);
     std::vector<double> aAngles;
     std::vector<double> aTurns;
     for (unsigned int n = 0; n < aNeighbours.Entries(); ++n) {
-      aAngles.push_back(ClDot::AngleOf(aNeighbours[n]->vPosition, oDot.vPosition));
+      aAngles.push_back(ClDot::AngleOf(aGrid.OfIndex(aNeighbours[n]).vPosition, oDot.vPosition));
       const double dTurn = std::fmod(aAngles.back(), ClDot::cdEighthTurn);
       aTurns.push_back(dTurn > ClDot::cdEighthTurn / 2 ? dTurn - ClDot::cdEighthTurn : dTurn);
     }
@@ -212,19 +195,19 @@ void ClBase::GridRemoveBadPoints(Grid& aGrid) {
   MoveArray(aTarget, GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aTarget));
   Match(aTarget, aGrid);
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (aGrid[n]->bValid && aGrid[n]->vTarget.x < 0) aGrid[n]->nStatus = eUnmatched;
+    if (aGrid[n].bValid && aGrid[n].vTarget.x < 0) aGrid[n].nStatus = ClDot::eUnmatched;
   }
   // The match is repeated without the strays, which had moved the centre.
   MoveArray(aTarget, GetCentreOfGrid(aGrid) - GetCentreOfVectorArray(aTarget));
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (aGrid[n]->nStatus == eUnmatched) aGrid[n]->nStatus = eGood;
-    aGrid[n]->vTarget = ClVector(-1, -1);
+    if (aGrid[n].nStatus == ClDot::eUnmatched) aGrid[n].nStatus = ClDot::eGood;
+    aGrid[n].vTarget = ClVector(-1, -1);
   }
   Match(aTarget, aGrid);
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (!aGrid[n]->bValid || !(aGrid[n]->vTarget.x < 0)) continue;
+    if (!aGrid[n].bValid || !(aGrid[n].vTarget.x < 0)) continue;
     RemoveGridPoint(aGrid, n);
-    aGrid[n]->nStatus = eUnmatched;
+    aGrid[n].nStatus = ClDot::eUnmatched;
   }
 }
 
@@ -233,21 +216,21 @@ ClVector ClBase::GetCentreOfGrid(const Grid& aGrid) const {
   ClVector vSum;
   unsigned int nCount = 0;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (!aGrid[n]->bValid || aGrid[n]->nStatus != eGood) continue;
-    vSum = vSum + aGrid[n]->vPosition;
+    if (!aGrid[n].bValid || aGrid[n].nStatus != ClDot::eGood) continue;
+    vSum = vSum + aGrid[n].vPosition;
     ++nCount;
   }
   return nCount == 0 ? vSum : Divided(vSum, nCount);
 }
 
-ClDot* ClBase::GetBottumLeftDot(const Grid& aGrid) const {
+const ClDot* ClBase::GetBottumLeftDot(const Grid& aGrid) const {
   const ClRefPointsLog oLog("GetBottumLeftDot");
-  ClDot* pNearest = nullptr;
+  const ClDot* pNearest = nullptr;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (!aGrid[n]->bValid) continue;
-    if (pNearest == nullptr || aGrid[n]->vPosition.SquaredLength() < pNearest->vPosition.SquaredLength()) {
-      pNearest = aGrid[n];
-    }
+    const ClDot& o = aGrid[n];
+    if (!o.bValid) continue;
+    if (pNearest == nullptr || o.vPosition.SquaredLength() < pNearest->vPosition.SquaredLength())
+      pNearest = &o;
   }
   return pNearest;
 }

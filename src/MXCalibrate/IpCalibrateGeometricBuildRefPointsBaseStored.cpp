@@ -5,7 +5,6 @@
 
 #include "MXCalibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "MXCalibrate/RefPointsLog.h"
-#include "MXCalibrate/RefPointsOwnedGrid.h"
 #include "MXTools/Exception.h"
 
 namespace {
@@ -49,24 +48,22 @@ void ClBase::ArrayToGrid(Points& aActual, Points& aTarget, Grid& aGrid) {
   if (aActual.Entries() != aTarget.Entries() || aActual.Entries() != nPoints) {
     KLV_RAISE(ClException, "Target and Source arrays must have same size!", -39);
   }
-  DeleteDots(aGrid);
   aGrid.New(nPoints);
   unsigned int nPoint = 0;
   for (unsigned int nColumn = 0; nColumn < aLengths.Entries(); ++nColumn) {
     for (int nRow = 0; nRow < aLengths[nColumn]; ++nRow, ++nPoint) {
-      ClDot* pDot = new (std::nothrow) ClDot(aActual[nPoint]);
-      if (pDot == nullptr) KlvRaiseBadAlloc();
-      aGrid[nPoint] = pDot;
-      pDot->vTarget = aTarget[nPoint];
-      pDot->vGrid = ClVector(nColumn, nRow);
+      ClDot& oDot = aGrid[nPoint];
+      oDot.vPosition = aActual[nPoint];
+      oDot.vTarget = aTarget[nPoint];
+      oDot.vGrid = ClVector(nColumn, nRow);
     }
   }
 }
 
-ClDot* ClBase::RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const {
+const ClDot* ClBase::RetrieveDot(const Grid& aGrid, int nColumn, int nRow) const {
   const ClRefPointsLog oLog("RetrieveDot");
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    if (aGrid[n]->vGrid.x == nColumn && aGrid[n]->vGrid.y == nRow) return aGrid[n];
+    if (aGrid[n].vGrid.x == nColumn && aGrid[n].vGrid.y == nRow) return &aGrid[n];
   }
   return nullptr;
 }
@@ -87,18 +84,17 @@ void ClBase::ValidateTargetPoints(ClCalibrateGeometricData& oData) {
 void ClBase::ValidateCalibrationData(ClCalibrateGeometricData& oData) {
   const ClRefPointsLog oLog("ValidateCalibrationData");
   ValidateTargetPoints(oData);
-  ClOwnedGrid oGrid;
-  const Grid& aGrid = oGrid.m_aDots;
-  ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, oGrid.m_aDots);
+  Grid aGrid;
+  ArrayToGrid(oData.m_aActual[0], oData.m_aTarget, aGrid);
   std::vector<double> aDown;
   std::vector<double> aRight;
   for (unsigned int n = 0; n < aGrid.Entries(); ++n) {
-    const int nColumn = static_cast<int>(aGrid[n]->vGrid.x);
-    const int nRow = static_cast<int>(aGrid[n]->vGrid.y);
+    const int nColumn = static_cast<int>(aGrid[n].vGrid.x);
+    const int nRow = static_cast<int>(aGrid[n].vGrid.y);
     const ClDot* pBelow = RetrieveDot(aGrid, nColumn, nRow + 1);
-    if (pBelow != nullptr) aDown.push_back(pBelow->vPosition.y - aGrid[n]->vPosition.y);
+    if (pBelow != nullptr) aDown.push_back(pBelow->vPosition.y - aGrid[n].vPosition.y);
     const ClDot* pRight = RetrieveDot(aGrid, nColumn + 1, nRow);
-    if (pRight != nullptr) aRight.push_back(pRight->vPosition.x - aGrid[n]->vPosition.x);
+    if (pRight != nullptr) aRight.push_back(pRight->vPosition.x - aGrid[n].vPosition.x);
   }
   if (!AreEven(aDown) || !AreEven(aRight)) RaiseSource();
 }

@@ -103,15 +103,15 @@ unsigned int ClDonut::PickDots(Grid& aGrid, Points& aActual) {
   unsigned int nFound = 0;
   // When all points of the pattern are found, no point is left to compare a dot with.
   for (unsigned int n = 0; n < aGrid.Entries() && nFound < aIdeal.Entries(); ++n) {
-    ClDot& oDot = *aGrid[n];
+    ClDot& oDot = aGrid[n];
     if (!oDot.bValid) continue;
     const ClVector vOff = vShift + aIdeal[nFound] - oDot.vPosition;
     if (!(std::fabs(vOff.x) < dToleranceX) || !(std::fabs(vOff.y) < dToleranceY)) {
-      oDot.nStatus = eOffPattern;
+      oDot.nStatus = ClDot::eOffPattern;
       continue;
     }
     aActual[nFound] = oDot.vPosition;
-    m_aDotIndex[nFound] = static_cast<unsigned int>(oDot.nIndex);
+    m_aDotIndex[nFound] = oDot.nIndex;
     ++nFound;
   }
   return nFound;

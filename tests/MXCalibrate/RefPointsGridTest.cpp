@@ -20,10 +20,9 @@ using ClDot = ClDonut::ClDot;
 const double cdPitchX = 10 * 1052 / 25.4;
 const double cdPitchY = 10 * 768 / 25.4;
 
-/// A grid and what was found for it, with the dots' life.
-class ClFound {
- public:
-  explicit ClFound(ClDonut& oDonut, const std::vector<ClVector>& aPlaces) {
+/// The grid that is found of dots at given positions.
+struct ClFound {
+  ClFound(ClDonut& oDonut, const std::vector<ClVector>& aPlaces) {
     ClIpConnectedComponent2::ComponentsArray_t aComponents;
     aComponents.New(static_cast<unsigned int>(aPlaces.size()));
     for (unsigned int n = 0; n < aComponents.Entries(); ++n) {
@@ -33,14 +32,8 @@ class ClFound {
     }
     oDonut.BuildGrid(m_aDots, aComponents);
   }
-  ~ClFound() { ClDonut::DeleteDots(m_aDots); }
-
   /// The dot of component nIndex.
-  ClDot& Of(long nIndex) {
-    unsigned int n = 0;
-    while (m_aDots[n]->nIndex != nIndex) ++n;
-    return *m_aDots[n];
-  }
+  ClDot& Of(unsigned int nIndex) { return m_aDots.OfIndex(nIndex); }
 
   ClDonut::Grid m_aDots;
 };
@@ -71,39 +64,50 @@ std::string Text(const std::vector<ClVector>& aPlaces, double dMaxAngleX = 15, d
 TEST(Dots, LinkToTheEightAroundThemAndNotToTwins) {
   ClDonut oDonut;
   ClFound oFound(oDonut, Ideal());
-  for (long n = 0; n < 64; ++n) {
-    std::set<const ClDot*> aExpected;
-    for (long i = 0; i < 64; ++i) {
+  for (int n = 0; n < 64; ++n) {
+    std::set<unsigned int> aExpected;
+    for (int i = 0; i < 64; ++i) {
       if (i != n && std::abs(i / 8 - n / 8) <= 1 && std::abs(i % 8 - n % 8) <= 1)
-        aExpected.insert(&oFound.Of(i));
+        aExpected.insert(static_cast<unsigned int>(i));
     }
-    const ClDot& o = oFound.Of(n);
-    EXPECT_EQ(std::set<const ClDot*>(o.aNeighbours.Data(), o.aNeighbours.Data() + o.aNeighbours.Entries()),
+    const ClDot& o = oFound.Of(static_cast<unsigned int>(n));
+    EXPECT_EQ(std::set<unsigned int>(o.aNeighbours.Data(), o.aNeighbours.Data() + o.aNeighbours.Entries()),
               aExpected);
-    for (const ClDot* pOther : aExpected) {
-      const long nColumn = pOther->nIndex / 8 - n / 8, nRow = pOther->nIndex % 8 - n % 8;
+    for (const unsigned int nOther : aExpected) {
+      const int nColumn = static_cast<int>(nOther) / 8 - n / 8, nRow = static_cast<int>(nOther) % 8 - n % 8;
       const long aDirections[3][3] = {{5, 6, 7}, {4, -1, 0}, {3, 2, 1}};
-      EXPECT_EQ(o.GetNeighbourInDirection(aDirections[nRow + 1][nColumn + 1], 0.3), pOther);
+      EXPECT_EQ(oFound.m_aDots.GetNeighbourInDirection(o, aDirections[nRow + 1][nColumn + 1], 0.3),
+                &oFound.Of(nOther));
     }
   }
   ClFound oTwins(oDonut, {{500, 500}, {700, 600}, {500 + cdPitchX, 500 + cdPitchY}});
   EXPECT_EQ(oTwins.Of(0).aNeighbours.Entries(), 1u) << "within the tolerance of both axes";
-  EXPECT_EQ(oTwins.Of(0).aNeighbours[0], &oTwins.Of(2));
+  EXPECT_EQ(oTwins.Of(0).aNeighbours[0], 2u);
+}
+
+/// Dots around one at the origin, which has them as its neighbours 1, 2 and so on, in directions given in
+/// radians.
+void FillStar(const std::vector<double>& aAngles, ClDonut::Grid& aGrid) {
+  aGrid.New(static_cast<unsigned int>(aAngles.size()) + 1);
+  for (unsigned int n = 1; n < aGrid.Entries(); ++n) {
+    const double dAngle = aAngles[n - 1];
+    aGrid[n].vPosition = ClVector(100 * std::cos(dAngle), 100 * std::sin(dAngle));
+    aGrid[0].AddDot(n);
+    aGrid[0].AddDot(n);
+  }
 }
 
 TEST(Dots, ADirectionsBoundaryBelongsToTheLowerNumber) {
-  ClDot oDot(ClVector(0, 0));
-  std::vector<ClDot> aOthers;
-  for (int n = 0; n < 16; ++n) {
-    const double dAngle = n * Portable::cdPi / 8;
-    aOthers.emplace_back(ClVector(100 * std::cos(dAngle), 100 * std::sin(dAngle)));
-  }
-  for (ClDot& o : aOthers) oDot.AddDot(&o, false);
+  std::vector<double> aAngles;
+  for (int n = 0; n < 16; ++n) aAngles.push_back(n * Portable::cdPi / 8);
+  ClDonut::Grid aGrid;
+  FillStar(aAngles, aGrid);
+  ASSERT_EQ(aGrid[0].aNeighbours.Entries(), 16u);
   const long aExpected[16] = {0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 0};
-  for (long n = 0; n < 16; ++n) EXPECT_EQ(oDot.GetNeighbourDirection(n), aExpected[n]) << n;
-  EXPECT_EQ(oDot.GetNeighbourInDirection(2, 0.01), &aOthers[4]);
-  oDot.Remove(&aOthers[4]);
-  EXPECT_EQ(oDot.GetNeighbourInDirection(2, 0.3), nullptr);
+  for (unsigned int n = 0; n < 16; ++n) EXPECT_EQ(aGrid[0].DirectionOf(aGrid[n + 1]), aExpected[n]) << n;
+  EXPECT_EQ(aGrid.GetNeighbourInDirection(aGrid[0], 2, 0.01), &aGrid[5]);
+  aGrid[0].Remove(5);
+  EXPECT_EQ(aGrid.GetNeighbourInDirection(aGrid[0], 2, 0.3), nullptr);
 }
 
 TEST(Dots, TheLastReasonOfARefusalStands) {
@@ -119,7 +123,7 @@ TEST(Dots, TheLastReasonOfARefusalStands) {
   }
   ClFound oFound(oDonut, {});
   oDonut.BuildGrid(oFound.m_aDots, aComponents);
-  for (long n = 0; n < 6; ++n) {
+  for (unsigned int n = 0; n < 6; ++n) {
     EXPECT_EQ(oFound.Of(n).nStatus, aCases[n][2]) << n;
     EXPECT_EQ(oFound.Of(n).bValid, aCases[n][2] == 0) << n;
   }
@@ -210,7 +214,7 @@ TEST(Dots, StraysThatMoveTheCentreGoBeforeTheDotsAreMatched) {
   aPlaces.emplace_back(500 + 7.6 * cdPitchX, 300 + 7 * cdPitchY);
   ClFound oFound(oDonut, aPlaces);
   oDonut.GridRemoveBadPoints(oFound.m_aDots);
-  for (long n = 0; n < 69; ++n) EXPECT_EQ(oFound.Of(n).bValid, n < 64) << n;
+  for (unsigned int n = 0; n < 69; ++n) EXPECT_EQ(oFound.Of(n).bValid, n < 64) << n;
 }
 
 TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
@@ -222,27 +226,25 @@ TEST(Dots, WithFewerThanTwoNeighboursGoAndTakeTheirLinksAlong) {
   ClFound oFound(oDonut, aPlaces);
   ASSERT_EQ(oFound.Of(65).aNeighbours.Entries(), 2u);
   oDonut.RemoveLessNeighbours(oFound.m_aDots);
-  for (long n = 0; n < 67; ++n) {
+  for (unsigned int n = 0; n < 67; ++n) {
     EXPECT_EQ(oFound.Of(n).bValid, n < 64) << n;
     EXPECT_EQ(oFound.Of(n).nStatus, n < 64 ? 0 : 5) << n;
   }
-  for (const long n : {0, 63}) EXPECT_EQ(oFound.Of(n).aNeighbours.Entries(), 3u) << n;
+  for (const unsigned int n : {0u, 63u}) EXPECT_EQ(oFound.Of(n).aNeighbours.Entries(), 3u) << n;
 }
 
 TEST(Dots, NeighboursInWrongDirectionsAreForgotten) {
   ClDonut oDonut;
   // Right, below, left and above, all turned by 0.1. The fifth is at a right angle to none of them; the sixth
   // nearly is, but truncation puts it into the eighth before.
-  ClDot oDot(ClVector(0, 0));
-  std::vector<ClDot> aOthers;
-  for (const double dAngle : {0.1, 0.1 + 1.5708, 0.1 + 3.1416, 0.1 + 4.7124, 1.25, 0.05 + 1.5708})
-    aOthers.emplace_back(ClVector(-100 * std::cos(dAngle), -100 * std::sin(dAngle)));
-  for (ClDot& o : aOthers) oDot.AddDot(&o, false);
   ClDonut::Grid aGrid;
-  aGrid.Add(&oDot);
+  FillStar({Portable::cdPi + 0.1, Portable::cdPi + 0.1 + 1.5708, Portable::cdPi + 0.1 + 3.1416,
+            Portable::cdPi + 0.1 + 4.7124, Portable::cdPi + 1.25, Portable::cdPi + 0.05 + 1.5708},
+           aGrid);
   oDonut.RemoveWrongAngleNeighbours(aGrid);
-  ASSERT_EQ(oDot.aNeighbours.Entries(), 4u);
-  for (unsigned int n = 0; n < 4; ++n) EXPECT_EQ(oDot.aNeighbours[n], &aOthers[n]);
+  const auto& aNeighbours = aGrid[0].aNeighbours;
+  EXPECT_EQ(std::vector<unsigned int>(aNeighbours.Data(), aNeighbours.Data() + aNeighbours.Entries()),
+            (std::vector<unsigned int>{1, 2, 3, 4}));
   double aValues[] = {5, 1, 4, 2};
   EXPECT_EQ(ClDonut::GetMedian(aValues, 4), 4);
 }
