@@ -42,8 +42,8 @@ class TpThinPlateSplines : private boost::noncopyable {
   TpThinPlateSplines() = default;
   virtual ~TpThinPlateSplines() = default;
 
-  /// With a smoothing above 0 the mapping may miss its points; the library uses 0 only.
-  void SetSmoothing(T tSmoothing) { m_tSmoothing = tSmoothing; }
+  /// Above 0 the mapping may miss its points, and Setup does not check that it meets them.
+  T m_tSmoothing{};
 
   /// Replaces points and coefficients. After an error only another Setup helps.
   void Setup(long nPoints, const ClVector* pvOrigin, const ClVector* pvTarget) {
@@ -178,7 +178,6 @@ class TpThinPlateSplines : private boost::noncopyable {
     }
   }
 
-  T m_tSmoothing{};
   TpArrayStatic<ClVector> m_aOrigin;
   std::unique_ptr<Coefficients> m_pCoeffX;
   std::unique_ptr<Coefficients> m_pCoeffY;

@@ -104,7 +104,7 @@ TEST(ThinPlateSplines, PointsThatAllowNoMappingFailWithMinus600) {
   }
   TpThinPlateSplines<double> oSpline;
   EXPECT_EQ(Raised([&] { Fit(oSpline, Grid(4), aLost); }).first, -600) << "a destination that is no number";
-  oSpline.SetSmoothing(1e6);
+  oSpline.m_tSmoothing = 1e6;
   Fit(oSpline, Grid(4), Shaken(Grid(4), 20));  // misses its points, as a smoothed one may
 }
 

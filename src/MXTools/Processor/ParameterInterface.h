@@ -77,8 +77,6 @@ class ClParameterInterface : private boost::noncopyable {
     void SetRange(double dMinimum, double dMaximum);
     bool RangeDefined() const { return m_dMinimum != m_dMaximum; }
     bool IsFloat() const { return m_eType == eDouble || m_eType == eFloat; }
-    /// A locked entry ignores SetValue and SetEnum.
-    void SetLocked(bool bLocked) { m_bLocked = bLocked; }
 
     double GetValue() const;
     void SetValue(double dValue);
@@ -112,7 +110,7 @@ class ClParameterInterface : private boost::noncopyable {
     std::string m_szEnumList;
     std::vector<int> m_aEnumValues;
     bool m_bMarked = false;
-    bool m_bLocked = false;
+    bool m_bLocked = false;  ///< set by a stored record alone: the value stays as it is
     std::string m_szName;
     std::string m_szDescription;
     std::unique_ptr<ClParameter> m_pNext;

@@ -1,32 +1,14 @@
-// The frame of an SDK: singleton, safe handles and properties, on a small SDK of the test's own.
+// Handles of the small SDK, open and closed, and their properties.
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <stdexcept>
 #include <string>
 
-#include "MXTools/SDKBase.h"
 #include "MXTools/SDKHandleBase.h"
 #include "Raised.h"
+#include "TestSDK.h"
 
 namespace {
-
-class ClTestSDK : public TpSDKBase<ClTestSDK, ClLoggingChain> {
- public:
-  static const char m_szVersion[];
-  static const char* m_szLongVersion;
-  static inline int s_nInitialized = 0, s_nUninitialized = 0, s_nFailure = 0;
-
-  void OnInitialize() override {
-    ++s_nInitialized;
-    if (s_nFailure == 1) KLV_RAISE_NUMBER(-60);
-    if (s_nFailure == 2) throw std::runtime_error("no exception of the SDK");
-  }
-  void OnUninitialize() override { ++s_nUninitialized; }
-};
-
-const char ClTestSDK::m_szVersion[] = "7.8";
-const char* ClTestSDK::m_szLongVersion = "SDK: Test Version: 7.8 free text";
 
 class ClTestHandle
     : public TSDKHandleBase<ClTestHandle, ClTestSDK, TSDKHandleBaseBase<ClTestHandle, ClTestSDK>> {
@@ -47,46 +29,6 @@ class ClTestHandle
   double m_dNumber = 0.25;
   long m_nChoice = 1;
 };
-
-TEST(Singleton, InitialisesOnceAndUninitialisesWithTheLastReference) {
-  ClTestSDK::s_nInitialized = ClTestSDK::s_nUninitialized = 0;
-  EXPECT_EQ(ClTestSDK::Initialize(nullptr) + ClTestSDK::Initialize(nullptr), 0);
-  EXPECT_EQ(ClTestSDK::Uninitialize(), 0);
-  EXPECT_EQ(ClTestSDK::s_nUninitialized, 0);
-  EXPECT_EQ(ClTestSDK::Uninitialize(), 0);
-  EXPECT_EQ(std::make_pair(ClTestSDK::s_nInitialized, ClTestSDK::s_nUninitialized), std::make_pair(1, 1));
-  EXPECT_EQ(ClTestSDK::Uninitialize(), -2);
-}
-
-TEST(Singleton, AFailedInitialisationOfAnyKindIsUndone) {
-  ClTestSDK::s_nFailure = 1;
-  EXPECT_EQ(ClTestSDK::Initialize(nullptr), -60);
-  EXPECT_EQ(ClTestSDK::ReferenceCount(), 0u);
-  ClTestSDK::s_nFailure = 2;
-  EXPECT_THROW(ClTestSDK::Initialize(nullptr), std::runtime_error);
-  EXPECT_EQ(ClTestSDK::ReferenceCount(), 0u);
-  ClTestSDK::s_nFailure = 0;
-  EXPECT_EQ(ClTestSDK::Initialize(nullptr), 0);
-  EXPECT_EQ(ClTestSDK::Uninitialize(), 0);
-}
-
-TEST(SDKBase, TheVersionStandsBetweenItsMarkerAndTheNextBlank) {
-  char szVersion[8] = "xxxxxxx";
-  unsigned int nSize = 0;
-  EXPECT_EQ(NumberOf([&] { ClTestSDK::GetVersion(szVersion, &nSize); }), -21);
-  EXPECT_EQ(nSize, 4u);
-  ClTestSDK::GetVersion(szVersion, &nSize);
-  EXPECT_STREQ(szVersion, "7.8");
-  EXPECT_EQ(NumberOf([&] { ClTestSDK::GetVersion(szVersion, nullptr); }), -24);
-  const char* szGood = ClTestSDK::m_szLongVersion;
-  ClTestSDK::m_szLongVersion = "SDK: Test Version: 7.8";
-  EXPECT_EQ(NumberOf([&] { ClTestSDK::GetVersion(szVersion, &nSize); }), -101)
-      << "no blank behind the number";
-  EXPECT_EQ(ClTestSDK::Initialize(nullptr), -101);
-  EXPECT_EQ(ClTestSDK::ReferenceCount(), 1u) << "the reference stays counted";
-  ClTestSDK::m_szLongVersion = szGood;
-  EXPECT_EQ(ClTestSDK::Uninitialize(), 0);
-}
 
 class Handle : public testing::Test {
  protected:
