@@ -22,11 +22,11 @@ if(KLV_SANITIZE)
 endif()
 target_compile_definitions(klv_flags INTERFACE BOOST_ALL_NO_LIB)
 
-# For tests that load the simulated scan library as an application does. The address sanitizer opens libraries in the
-# library's place, so that the run path of the library does not count.
+# For tests that load the simulated libraries by their names. The address sanitizer opens libraries in the library's place,
+# so that the run path of the library does not count.
 set(KLV_RUN_ENVIRONMENT "")
 if(KLV_SANITIZE)
-  set(KLV_RUN_ENVIRONMENT "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+  set(KLV_RUN_ENVIRONMENT "LD_LIBRARY_PATH=${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/kelvarin-vt40/simulator")
 endif()
 
 # What precedes a program that a test starts: nothing, or an emulator.

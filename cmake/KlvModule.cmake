@@ -18,6 +18,10 @@
 # target plain_tests builds what has neither label, with what tests that are no GoogleTest programs add to it. LABELS words
 # marks programs whose outcome may depend on the word size: sizes, stored formats, rounding; words_tests builds these alone.
 #
+#   klv_run_path(NAME PATHS)
+#
+# says where the run-time linker looks for the libraries of an installed target.
+#
 #   klv_fuzz(NAME SOURCES ... DEPS ...)
 #
 # makes a fuzz target: a program that feeds made-up bytes to what it links. The target fuzz_targets builds all of them.
@@ -105,6 +109,18 @@ function(klv_test NAME)
     set_tests_properties(${NAME} PROPERTIES ${properties})
   else()
     gtest_discover_tests(${NAME} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
+  endif()
+endfunction()
+
+# Gives the target NAME the same run path in the build tree and after installation. A run path that is changed when a
+# target is installed ends in an empty element in the build tree, which stands for the working directory.
+function(klv_run_path NAME PATHS)
+  set_target_properties(${NAME} PROPERTIES INSTALL_RPATH "${PATHS}")
+  if(CMAKE_BUILD_RPATH)
+    # Libraries of another word size are found by their own paths, which are not installed.
+    set_target_properties(${NAME} PROPERTIES BUILD_RPATH "${PATHS};${CMAKE_BUILD_RPATH}" BUILD_RPATH_USE_ORIGIN ON)
+  else()
+    set_target_properties(${NAME} PROPERTIES BUILD_WITH_INSTALL_RPATH ON)
   endif()
 endfunction()
 

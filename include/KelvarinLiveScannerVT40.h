@@ -44,6 +44,8 @@ extern "C" {
 #define KLV_ERROR_NO_FINGER (-15L)        /* in *pnResult: no finished image yet */
 #define KLV_ERROR_BUFFER_TOO_SMALL (-21L) /* the needed size is stored */
 #define KLV_ERROR_OUT_OF_RANGE (-35L)
+#define KLV_ERROR_CORRUPT_DATA (-39L)         /* at opening: the scanner's calibration data is damaged */
+#define KLV_ERROR_UNEXPECTED_SIGNATURE (-40L) /* likewise */
 #define KLV_ERROR_NO_HANDLE (-42L)
 #define KLV_ERROR_INVALID_HANDLE (-43L)
 #define KLV_ERROR_INVALID_PARAMETER (-44L)
@@ -51,13 +53,22 @@ extern "C" {
 #define KLV_ERROR_INVALID_STATE (-50L)    /* not possible in the current capture mode */
 #define KLV_ERROR_DISCONNECTED (-60L)     /* the scanner is gone: close the handle */
 #define KLV_ERROR_DEVICE_OPEN_FAIL (-61L) /* the scanner is in use */
+#define KLV_ERROR_INTERNAL (-101L)
 #define KLV_ERROR_OUT_OF_MEMORY (-102L)
 #define KLV_ERROR_UNSUPPORTED (-103L)
 #define KLV_ERROR_NOT_IMPLEMENTED (-106L)
 #define KLV_ERROR_FILE_OPEN_FAIL (-200L) /* the scan library was not found */
+#define KLV_ERROR_UNEXPECTED_END (-201L) /* at opening: the scanner's calibration data is damaged */
 #define KLV_ERROR_UNKNOWN_PARAMETER (-206L)
 #define KLV_ERROR_BAD_POINTER (-701L)
 #define KLV_ERROR_SIZE_TOO_SMALL (-702L) /* the needed size is stored */
+
+/* Verdicts on a finished roll, in *pnResult; KLV_SUCCESS is a clean one. */
+#define KLV_VERDICT_SLIPPED (-801L)     /* the skin slid on the platen */
+#define KLV_VERDICT_TOO_FAST (-802L)    /* a part of the finger was passed over */
+#define KLV_VERDICT_TURNED_BACK (-803L) /* rolled back on the way */
+#define KLV_VERDICT_TWISTED (-804L)     /* turned about its middle */
+#define KLV_VERDICT_TOO_SMALL (-805L)   /* too little of the finger was rolled */
 
 /* Bytes of a serial number with its terminating zero. */
 #define KLV_VT40_SERIAL_SIZE 16

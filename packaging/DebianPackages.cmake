@@ -39,9 +39,8 @@ klv_package(tools kelvarin-vt40-tools graphics
 klv_package(simulator kelvarin-vt40-simulator libs
   "${base}, libpng16-16"
   "VT40 ten-finger live-scanner, simulated scanner"
-  "Stands in for the scan library and the liveness library where no scanner is connected.")
-set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS kelvarin-vt40-simulator)
-foreach(component LIBRARY SIMULATOR)
-  set(CPACK_DEBIAN_${component}_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)
-endforeach()
+  "Stands in for the scan library and the liveness library when it is asked for.")
+# Who installs the tool has a scanner, or asks for the simulated one.
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS kelvarin-vt40-simulator)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)
 include(CPack)

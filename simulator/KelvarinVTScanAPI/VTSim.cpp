@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "KelvarinVTScanAPI/Guard.h"
 #include "scene/Platen.h"
+#include "scene/ScanFunctions.h"
 
 using namespace Simulator;
 
@@ -17,6 +19,12 @@ long On(const char* szSerial, F&& fnOperation) noexcept {
     const ClBus::ScannerPointer pScanner = ClBus::Get().BySerial(szSerial);
     fnOperation(*pScanner);
   });
+}
+
+void NeedFunction(const char* szFunction) {
+  NeedPointer(szFunction);
+  if (!IsScanFunction(szFunction))
+    throw ClSimError(eUnknownName, std::string(szFunction) + " is no function of the scan library");
 }
 
 void NeedTime(double dSeconds) {
@@ -234,7 +242,7 @@ long VTSimDelaySequence(const char* szSerial, unsigned int nMilliseconds) {
 
 long VTSimFailCall(const char* szFunction, unsigned int nFirst, unsigned int nRepeat, long nResult) {
   return Guarded([&] {
-    NeedPointer(szFunction);
+    NeedFunction(szFunction);
     if (nFirst == 0) throw ClSimError(eBadValue, "calls are counted from 1");
     ClBus::Get().Prepare();
     ClBus::Get().Faults().FailCall(szFunction, nFirst, nRepeat, nResult);
@@ -245,6 +253,7 @@ long VTSimFailRandomly(const char* szFunction, unsigned long long nSeed, double 
   return Guarded([&] {
     if (!(dProbability >= 0.0 && dProbability <= 1.0))
       throw ClSimError(eBadValue, "a probability lies between 0 and 1");
+    if (szFunction != nullptr && std::strcmp(szFunction, "*") != 0) NeedFunction(szFunction);
     ClBus::Get().Prepare();
     ClBus::Get().Faults().FailRandomly(szFunction ? szFunction : "*", nSeed, dProbability, nResult);
   });

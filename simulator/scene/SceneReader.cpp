@@ -1,6 +1,7 @@
 // Reads scenes from JSON.
 #include "scene/SceneReader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include "scene/BuiltInScenes.h"
 #include "scene/PenReader.h"
 #include "scene/RegularFile.h"
+#include "scene/ScanFunctions.h"
 #include "scene/SceneObject.h"
 #include "scene/SimError.h"
 #include "scene/TargetContent.h"
@@ -305,6 +307,10 @@ ClFaultDescription ReadFault(const Json& oJson, const std::string& sPlace) {
   if (oFault.eKind == ClFaultDescription::eUnplug || oFault.eKind == ClFaultDescription::ePlug) {
     oFault.dAt = o.Number("at", 0.0, 0.0, cdLongest);
   } else {
+    const bool bCall = oFault.eKind == ClFaultDescription::eCall;
+    if (!IsScanFunction(oFault.sName) && (bCall || oFault.sName != "*"))
+      o.Fail("is \"" + oFault.sName + "\", which is no function of the scan library",
+             bCall ? "call" : "random");
     oFault.nResult = static_cast<long>(o.Whole("result", oFault.nResult, -2147483647, 2147483647));
     if (oFault.eKind == ClFaultDescription::eCall) {
       oFault.nFirst = static_cast<unsigned>(o.Whole("first", 1, 1, 1000000000));
@@ -347,6 +353,13 @@ ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolde
   });
   o.Each("faults", 256, [&](const Json& oFault, const std::string& sWhere) {
     oScene.aFaults.push_back(ReadFault(oFault, sWhere));
+    const ClFaultDescription& oLast = oScene.aFaults.back();
+    if (oLast.eKind != ClFaultDescription::eUnplug && oLast.eKind != ClFaultDescription::ePlug) return;
+    const auto& aScanners = oScene.aScanners;
+    if (std::none_of(aScanners.begin(), aScanners.end(),
+                     [&](const auto& oScanner) { return oScanner.sSerial == oLast.sName; }))
+      throw ClSimError(eBadValue,
+                       "scene: \"" + sWhere + "\" is about \"" + oLast.sName + "\", which no scanner has");
   });
   oScene.nFaultSeed = static_cast<uint64_t>(o.Whole("faultSeed", 1, 0, cnMostSeed));
   o.Done();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
+#include "MXLibraryLoaders/SimulatedLibrary.h"
 #include "MXTools/Exception.h"
 
 #define KLV_VERSION "1.5.1421.5"
@@ -16,7 +17,7 @@ const char ClLiveScannerVT40::m_szLongVersion[] =
 void ClLiveScannerVT40::OnInitialize() {
   const auto pLibrary = std::make_shared<ClKelvarinVTScanAPIWrapper>();
   try {
-    pLibrary->OpenLibrary(m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
+    OpenRealOrSimulated(*pLibrary, m_szSearchPath, ClKelvarinVTScanAPIWrapper::m_ssLibName);
   } catch (const ClExBadAlloc&) {
     throw;
   } catch (const ClException&) {

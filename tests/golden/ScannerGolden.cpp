@@ -169,6 +169,7 @@ void Signature(const char* szScene, int nPreviews) {
 }  // namespace
 
 int main() {
+  setenv("KELVARIN_SDK_SIMULATE", "1", 1);
   ClRun::Open();
   for (const char* szScene :
        {"slap-right:2", "dirty-slap", "roll-left", "fake-finger", "target", "signature:2"})

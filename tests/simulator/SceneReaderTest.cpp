@@ -27,7 +27,7 @@ TEST(SceneReader, AFullSceneArrivesWithAllItSays) {
        "fingers": [{"print": {"pattern": "arch", "width": 14}}, {"print": {"file": "slap.png"}}]},
       {"serial": "VT40-AC0002", "product": 16}],
     "faults": [{"call": "VTScanAPIGetVersion", "first": 2, "repeat": 0, "result": -101},
-               {"unplug": "VT40-AC0001", "at": 3.5}]})",
+               {"unplug": "VT40-AC0002", "at": 3.5}]})",
                                          "/prints");
   ASSERT_TRUE(o.aScanners.size() == 2 && o.aFaults.size() == 2);
   const ClScannerDescription& oFirst = o.aScanners[0];
@@ -142,7 +142,10 @@ TEST(SceneReader, WhatIsWrongIsRefusedWithItsPlaceAndRange) {
       {R"({"scanners": [{"fingers": [{"pressure": 1.5}]}]})",
        "fingers[0].pressure\" is 1.5 and must lie between 0 and 1"},
       {R"({"scanners": [{"pen": {"strokes": [{"points": [)" + sDeep + "]}]}}]}",
-       "points[0]\" must be [x, y]"}};
+       "points[0]\" must be [x, y]"},
+      {R"({"faults": [{"call": "VTScanAPIOpen"}]})", "VTScanAPIOpen\", which is no function"},
+      {R"({"faults": [{"random": "FD_VT40Initialize"}]})", "faults[0].random"},
+      {R"({"scanners": [{"serial": "A"}], "faults": [{"unplug": "B"}]})", "\"B\", which no scanner has"}};
   for (const auto& [sText, szWords] : aScenes)
     EXPECT_THAT(Refusal(sText), testing::Pair(-44, HasSubstr(szWords))) << szWords;
 }
@@ -151,7 +154,7 @@ TEST(SceneReader, WhatMakesNoSenseIsRefused) {
   std::vector<std::string> aScenes, aScanners;
   for (const char* szScene :
        {"", "[]", "{", R"({"scanners": {}})", R"({"scanners": [1]})", R"({"seed": "1"})",
-        R"({"faults": [{"call": "a", "plug": "b"}]})", R"({"faults": [{}]})"})
+        R"({"faults": [{"call": "VTScanAPIBeep", "plug": "b"}]})", R"({"faults": [{}]})"})
     aScenes.emplace_back(szScene);
   for (const char* szScanner :
        {R"("serial": "")", R"("serial": "0123456789ABCDEF")", "}, {", R"("ambient": [{"at": 2}, {"at": 1}])",

@@ -64,25 +64,27 @@ class ClObserver {
   int m_nPreviousPixels = 0;
 };
 
+/// What matters most comes first: a narrow terminal shows the beginning.
 std::string ProgressLine(const StObservation& oSeen, unsigned int nFrame, unsigned int nCondition) {
-  return std::string(oSeen.szState) + ", frame " + std::to_string(nFrame) + ", finger pixels " +
-         std::to_string(oSeen.nFingerPixels) + ", dirt " + std::to_string(nCondition);
+  return std::string(oSeen.szState) + (oSeen.szReason[0] != '\0' ? ": " : "") + oSeen.szReason + " (frame " +
+         std::to_string(nFrame) + ", finger pixels " + std::to_string(oSeen.nFingerPixels) + ", dirt " +
+         std::to_string(nCondition) + ")";
 }
 
 /// One run: what was seen and captured so far.
 class ClAutoRun {
  public:
   ClAutoRun(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult)
-      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult) {
-    m_oResult.Facts()["captures"] = nlohmann::json::array();
-    m_oResult.Facts()["frames"] = nlohmann::json::array();
+      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult), m_oReport(oResult.Report()) {
+    m_oReport.Facts()["captures"] = nlohmann::ordered_json::array();
+    m_oReport.Facts()["frames"] = nlohmann::ordered_json::array();
   }
 
   /// True while captures are wanted and fetched in time.
   bool Next() {
     if (m_nCaptures == m_oOptions.nCount || !m_bFetched) return false;
     if (Clock::now() < m_tEnd) return true;
-    m_oResult.SetVerdict(eExitTimeout, "no capture within " + std::to_string(m_oOptions.nTimeout) +
+    m_oReport.SetVerdict(eExitTimeout, "no capture within " + std::to_string(m_oOptions.nTimeout) +
                                            " seconds (" + std::to_string(m_nCaptures) + " of " +
                                            std::to_string(m_oOptions.nCount) + " taken); see --timeout");
     return false;
@@ -94,11 +96,12 @@ class ClAutoRun {
     const unsigned int nCondition = m_oScanner.Condition();
     ++m_nFrame;
     m_oProgress.Show(ProgressLine(oSeen, m_nFrame, nCondition));
-    m_oResult.Facts()["frames"].push_back({{"frame", m_nFrame},
-                                           {"state", oSeen.szState},
-                                           {"fingerPixels", oSeen.nFingerPixels},
-                                           {"motion", oSeen.nMotion},
-                                           {"reason", oSeen.szReason}});
+    m_oReport.Event("frames", "frame",
+                    {{"frame", m_nFrame},
+                     {"state", oSeen.szState},
+                     {"fingerPixels", oSeen.nFingerPixels},
+                     {"motion", oSeen.nMotion},
+                     {"reason", oSeen.szReason}});
     // The scanner goes on reporting "done" until the fingers are lifted.
     if (oSeenAs.bDone && !m_bTaken) Fetch(nCondition);
     m_bTaken = oSeenAs.bDone;
@@ -115,12 +118,12 @@ class ClAutoRun {
     m_oResult.SetDelivery(oDelivery);
     m_oResult.Add(m_oPreview, Name("preview"));
     m_oResult.Add(m_oPicture, Name("full"));
-    m_oResult.Facts()["captures"].push_back({{"frame", m_nFrame},
+    m_oReport.Facts()["captures"].push_back({{"frame", m_nFrame},
                                              {"done", oDelivery.bDone},
                                              {"score", oDelivery.dScore},
                                              {"condition", nCondition}});
     if (!m_bFetched)
-      m_oResult.SetVerdict(eExitNegative, "the fingers were gone before the picture was fetched");
+      m_oReport.SetVerdict(eExitNegative, "the fingers were gone before the picture was fetched");
     m_tEnd = Deadline();
   }
 
@@ -134,6 +137,7 @@ class ClAutoRun {
   ClScanner& m_oScanner;
   const StCaptureOptions& m_oOptions;
   ClCaptureResult& m_oResult;
+  ClReport& m_oReport;
   ClProgress m_oProgress;
   ClObserver m_oObserver;
   ClPicture m_oPreview;
@@ -160,7 +164,8 @@ void CaptureAutomatically(ClScanner& oScanner, const StCaptureOptions& oOptions,
   oScanner.SetMode(bLive ? KLV_VT40_CAPTURE_MODE_AUTO_LIVE : KLV_VT40_CAPTURE_MODE_AUTO);
   while (oRun.Next()) oRun.Step();
   if (bLive && oRun.LowestScore() < oOptions.dMinScore) {
-    oResult.SetVerdict(eExitNegative, "liveness score " + ScoreText(oRun.LowestScore()) + " is below " +
-                                          ScoreText(oOptions.dMinScore) + "; see --min-score");
+    oResult.Report().SetVerdict(eExitNegative, "liveness score " + ScoreText(oRun.LowestScore()) +
+                                                   " is below " + ScoreText(oOptions.dMinScore) +
+                                                   "; see --min-score");
   }
 }

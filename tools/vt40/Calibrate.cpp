@@ -1,4 +1,5 @@
 // The calibrate command.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -9,8 +10,8 @@
 #include "Calibration.h"
 #include "Commands.h"
 #include "HeatMap.h"
-#include "Json.h"
 #include "Picture.h"
+#include "Report.h"
 #include "Scanner.h"
 #include "Scene.h"
 #include "ServiceScanner.h"
@@ -56,7 +57,8 @@ StCalibrationBlocks ReadFolder(const std::filesystem::path& oFolder) {
   return oBlocks;
 }
 
-int PrintVerdicts(const std::vector<StBlockVerdict>& aVerdicts, const std::string& sSource, bool bJson) {
+void ReportVerdicts(const std::vector<StBlockVerdict>& aVerdicts, const std::string& sSource,
+                    ClReport& oReport) {
   bool bGood = true;
   nlohmann::ordered_json oBlocks = nlohmann::ordered_json::array();
   for (const StBlockVerdict& o : aVerdicts) {
@@ -65,62 +67,75 @@ int PrintVerdicts(const std::vector<StBlockVerdict>& aVerdicts, const std::strin
                        {"good", o.sReason.empty()},
                        {"reason", o.sReason},
                        {"repairedPoints", o.nRepaired}});
-    if (bJson) continue;
-    std::printf("%-20s  %s\n", o.szFile, o.sReason.empty() ? "good" : o.sReason.c_str());
-    if (o.nRepaired != 0) std::printf("%-20s  %u points take their neighbours' word\n", "", o.nRepaired);
+    std::string sFile = o.szFile;
+    sFile.resize(std::max<size_t>(sFile.size(), 20), ' ');
+    oReport.Line(sFile + "  " + (o.sReason.empty() ? "good" : o.sReason));
+    if (o.nRepaired != 0) {
+      oReport.Line(std::string(sFile.size(), ' ') + "  " + std::to_string(o.nRepaired) +
+                   " points take their neighbours' word");
+    }
   }
-  if (bJson) PrintJson({{"source", sSource}, {"good", bGood}, {"data", oBlocks}});
-  return bGood ? eExitOk : eExitNegative;
+  oReport.Facts()["source"] = sSource;
+  oReport.Facts()["good"] = bGood;
+  oReport.Facts()["data"] = oBlocks;
+  if (!bGood) oReport.SetVerdict(eExitNegative, sSource + " has calibration data that the library refuses");
 }
 
-int RunCheck(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions) {
+void Check(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, ClReport& oReport) {
   if (!oOptions.sCheckFolder.empty()) {
     const std::string sSerial = oCommon.sSerial.empty() ? cszAnySerial : oCommon.sSerial;
-    return PrintVerdicts(JudgeBlocks(ReadFolder(oOptions.sCheckFolder), sSerial), oOptions.sCheckFolder,
-                         oCommon.bJson);
+    return ReportVerdicts(JudgeBlocks(ReadFolder(oOptions.sCheckFolder), sSerial), oOptions.sCheckFolder,
+                          oReport);
   }
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   const std::string sSerial = oLibrary.ChooseSerial(oCommon.sSerial);
-  return PrintVerdicts(JudgeBlocks(ClServiceScanner(sSerial).Blocks(), sSerial), sSerial, oCommon.bJson);
+  oReport.Use(oLibrary, ScanLibraryVersion());
+  oReport.Facts()["serial"] = sSerial;
+  ReportVerdicts(JudgeBlocks(ClServiceScanner(sSerial).Blocks(), sSerial), sSerial, oReport);
+}
+
+std::string OneDecimal(double d) {
+  char szText[32];
+  std::snprintf(szText, sizeof(szText), "%.1f", d);
+  return szText;
 }
 
 }  // namespace
 
-int RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions) {
-  if (oOptions.bCheck) return RunCheck(oCommon, oOptions);
+void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, ClReport& oReport) {
+  if (oOptions.bCheck) return Check(oCommon, oOptions, oReport);
   std::string sSerial = oCommon.sSerial.empty() ? cszAnySerial : oCommon.sSerial;
+  StPictureFacts oFacts{"", "calibrate", false};
   ClPicture oRaw;
-  nlohmann::ordered_json oJson;
+  PrepareFolder(oOptions.sFolder);
   if (!oOptions.sFromFile.empty()) {
     oRaw = ReadPng(oOptions.sFromFile);
   } else {
-    ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+    ChooseScene(oCommon);
     const ClLibrary oLibrary;
     sSerial = oLibrary.ChooseSerial(oCommon.sSerial);
+    oReport.Use(oLibrary, ScanLibraryVersion());
+    oReport.Facts()["serial"] = sSerial;
     oRaw = ClServiceScanner(sSerial).RawPicture();
-    oJson["serial"] = sSerial;
-    oJson["raw"] = WritePicture(oRaw, oOptions.sFolder, "raw", "png");
+    oFacts = {sSerial, "calibrate", oReport.IsSimulated()};
+    oReport.Facts()["raw"] = WritePicture(oRaw, oOptions.sFolder, "raw", "png", oFacts);
   }
   const StCalibration oResult = CalibrateFrom(oRaw, sSerial);
   const std::string sMap =
-      WritePicture(DrawHeatMap(oResult.oBefore, oResult.oAfter), oOptions.sFolder, "residual", "png");
+      WritePicture(DrawHeatMap(oResult.oBefore, oResult.oAfter), oOptions.sFolder, "residual", "png", oFacts);
   const std::string sRecord = (std::filesystem::path(oOptions.sFolder) / "geometric.calibrate").string();
   WriteFile(oResult.aRecord, sRecord);
-  if (oCommon.bJson) {
-    oJson["record"] = sRecord;
-    oJson["heatMap"] = sMap;
-    oJson["dots"] = oResult.oBefore.aX.size();
-    oJson["residualMicrometres"] = {{"before", FormOf(oResult.oBefore)}, {"after", FormOf(oResult.oAfter)}};
-    PrintJson(oJson);
-    return eExitOk;
-  }
-  std::printf("%s  %zu dots\n", sRecord.c_str(), oResult.oBefore.aX.size());
+  oReport.Facts()["record"] = sRecord;
+  oReport.Facts()["heatMap"] = sMap;
+  oReport.Facts()["dots"] = oResult.oBefore.aX.size();
+  oReport.Facts()["residualMicrometres"] = {{"before", FormOf(oResult.oBefore)},
+                                            {"after", FormOf(oResult.oAfter)}};
+  oReport.Line(sRecord + "  " + std::to_string(oResult.oBefore.aX.size()) + " dots");
   for (const auto& [szWhen, pResidual] :
        {std::pair{"before", &oResult.oBefore}, {"after ", &oResult.oAfter}}) {
-    std::printf("off the grid %s the warp  %.1f micrometres rms, %.1f at most\n", szWhen, pResidual->Rms(),
-                pResidual->Most());
+    oReport.Line(std::string("off the grid ") + szWhen + " the warp  " + OneDecimal(pResidual->Rms()) +
+                 " micrometres rms, " + OneDecimal(pResidual->Most()) + " at most");
   }
-  std::printf("%s  before on the left, after on the right, white is the most of each\n", sMap.c_str());
-  return eExitOk;
+  oReport.Line(sMap + "  before on the left, after on the right, white is the most of each");
 }

@@ -1,4 +1,6 @@
 // The capture command.
+#include <utility>
+
 #include "AutoCapture.h"
 #include "CaptureResult.h"
 #include "Commands.h"
@@ -18,11 +20,18 @@ void CaptureOff(ClScanner& oScanner, ClCaptureResult& oResult) {
 void CaptureFull(ClScanner& oScanner, const StCaptureOptions& oOptions, ClProgress& oProgress,
                  ClCaptureResult& oResult) {
   oScanner.SetMode(KLV_VT40_CAPTURE_MODE_FULL);
+  ClPicture oSeen;
   ClPicture oPicture;
   StDelivery oDelivery;
-  for (unsigned int n = 1; n <= oOptions.nFrames; ++n) {
-    oProgress.Show("frame " + std::to_string(n) + " of " + std::to_string(oOptions.nFrames));
-    oDelivery = oScanner.GetImage(oPicture);
+  try {
+    for (unsigned int n = 1; n <= oOptions.nFrames; ++n) {
+      oProgress.Show("frame " + std::to_string(n) + " of " + std::to_string(oOptions.nFrames));
+      oDelivery = oScanner.GetImage(oSeen);
+      std::swap(oSeen, oPicture);
+    }
+  } catch (const ClToolError&) {
+    if (!oPicture.aPixels.empty()) oResult.Add(oPicture, "full");
+    throw;
   }
   oResult.SetDelivery(oDelivery);
   oResult.Add(oPicture, "full");
@@ -31,18 +40,26 @@ void CaptureFull(ClScanner& oScanner, const StCaptureOptions& oOptions, ClProgre
 void CapturePreview(ClScanner& oScanner, const StCaptureOptions& oOptions, ClProgress& oProgress,
                     ClCaptureResult& oResult) {
   oScanner.SetMode(KLV_VT40_CAPTURE_MODE_PREVIEW);
+  ClPicture oSeen;
   ClPicture oPreview;
-  for (unsigned int n = 1; n <= oOptions.nFrames; ++n) {
-    oProgress.Show("preview " + std::to_string(n) + " of " + std::to_string(oOptions.nFrames));
-    oScanner.GetPreview(oPreview);
-  }
-  oProgress.Show("capture");
   ClPicture oPicture;
-  const StDelivery oDelivery = oScanner.GetImage(oPicture);
+  StDelivery oDelivery;
+  try {
+    for (unsigned int n = 1; n <= oOptions.nFrames; ++n) {
+      oProgress.Show("preview " + std::to_string(n) + " of " + std::to_string(oOptions.nFrames));
+      oScanner.GetPreview(oSeen);
+      std::swap(oSeen, oPreview);
+    }
+    oProgress.Show("capture");
+    oDelivery = oScanner.GetImage(oPicture);
+  } catch (const ClToolError&) {
+    if (!oPreview.aPixels.empty()) oResult.Add(oPreview, "preview");
+    throw;
+  }
   oResult.SetDelivery(oDelivery);
   oResult.Add(oPreview, "preview");
   oResult.Add(oPicture, "full");
-  if (!oDelivery.bDone) oResult.SetVerdict(eExitNegative, "no finger lies on the platen");
+  if (!oDelivery.bDone) oResult.Report().SetVerdict(eExitNegative, "no finger lies on the platen");
 }
 
 void Capture(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult) {
@@ -57,11 +74,11 @@ void Capture(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureRes
 
 }  // namespace
 
-int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+void RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions, ClReport& oReport) {
+  ClCaptureResult oResult(oOptions, oReport);
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
-  ClCaptureResult oResult(oOptions, oScanner.Serial());
+  oReport.Use(oLibrary, oScanner);
   Capture(oScanner, oOptions, oResult);
-  return oResult.Print(oCommon.bJson);
 }

@@ -1,46 +1,37 @@
-// How the facts of a capture are kept and printed.
+// How pictures get their names and their facts.
 #include "CaptureResult.h"
 
-#include <cstdio>
+#include <utility>
 
-#include "Json.h"
+ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, ClReport& oReport)
+    : m_oOptions(oOptions), m_oReport(oReport) {
+  PrepareFolder(oOptions.sFolder);
+  m_oReport.Facts()["mode"] = oOptions.sMode;
+  m_oReport.Facts()["pictures"] = nlohmann::ordered_json::array();
+}
 
-ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, const std::string& sSerial)
-    : m_oOptions(oOptions) {
-  m_oJson = {{"serial", sSerial}, {"mode", oOptions.sMode}, {"pictures", nlohmann::json::array()}};
+StPictureFacts ClCaptureResult::FactsOf() const {
+  return {m_oReport.Facts().value("serial", ""), m_oOptions.sMode, m_oReport.IsSimulated()};
 }
 
 void ClCaptureResult::Add(const ClPicture& oPicture, const std::string& sName) {
-  const std::string sFile = WritePicture(oPicture, m_oOptions.sFolder, sName, m_oOptions.sFormat);
-  m_oJson["pictures"].push_back({{"name", sName},
-                                 {"file", sFile},
-                                 {"width", oPicture.nWidth},
-                                 {"height", oPicture.nHeight},
-                                 {"pelsPerMetre", oPicture.nPelsX}});
+  const std::string sFile = WritePicture(oPicture, m_oOptions.sFolder, sName, m_oOptions.sFormat, FactsOf());
+  m_oReport.Line(sFile + "  " + std::to_string(oPicture.nWidth) + " x " + std::to_string(oPicture.nHeight) +
+                 ", " + std::to_string(oPicture.nPelsX) + " pels per metre" +
+                 (m_oReport.IsSimulated() ? ", simulated" : ""));
+  m_oReport.Facts()["pictures"].push_back({{"name", sName},
+                                           {"file", sFile},
+                                           {"width", oPicture.nWidth},
+                                           {"height", oPicture.nHeight},
+                                           {"pelsPerMetre", oPicture.nPelsX}});
+}
+
+void ClCaptureResult::Keep(const ClPicture& oPicture, const std::string& sFolder, const std::string& sName) {
+  WritePicture(oPicture, sFolder, sName, m_oOptions.sFormat, FactsOf());
 }
 
 void ClCaptureResult::SetDelivery(const StDelivery& oDelivery) {
-  m_oJson["done"] = oDelivery.bDone;
-  m_oJson["result"] = oDelivery.nResult;
-  m_oJson["score"] = oDelivery.dScore;
-}
-
-void ClCaptureResult::SetVerdict(EExitCode eExit, const std::string& sReason) {
-  m_eExit = eExit;
-  m_sReason = sReason;
-}
-
-EExitCode ClCaptureResult::Print(bool bJson) const {
-  if (bJson) {
-    PrintJson(m_oJson);
-  } else {
-    for (const auto& oPicture : m_oJson["pictures"]) {
-      std::printf("%s  %u x %u, %u pels per metre\n", oPicture["file"].get<std::string>().c_str(),
-                  oPicture["width"].get<unsigned int>(), oPicture["height"].get<unsigned int>(),
-                  oPicture["pelsPerMetre"].get<unsigned int>());
-    }
-    if (!m_sSummary.empty()) std::puts(m_sSummary.c_str());
-  }
-  if (!m_sReason.empty()) std::fprintf(stderr, "vt40: %s\n", m_sReason.c_str());
-  return m_eExit;
+  m_oReport.Facts()["done"] = oDelivery.bDone;
+  m_oReport.Facts()["result"] = oDelivery.nResult;
+  m_oReport.Facts()["score"] = oDelivery.dScore;
 }

@@ -2,10 +2,9 @@
 #include "Commands.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <nlohmann/json.hpp>
 
-#include "Json.h"
+#include "Report.h"
 #include "Scanner.h"
 #include "Scene.h"
 #include "ToolError.h"
@@ -38,93 +37,94 @@ nlohmann::ordered_json FormOf(const ClPicture& oPicture) {
   return {{"width", oPicture.nWidth}, {"height", oPicture.nHeight}, {"pelsPerMetre", oPicture.nPelsX}};
 }
 
-}  // namespace
-
-int RunList(const StCommonOptions& oCommon) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
-  const ClLibrary oLibrary;
-  const std::vector<std::string> aSerials = oLibrary.Serials();
-  if (oCommon.bJson) {
-    PrintJson({{"scanners", aSerials}});
-  } else {
-    for (const std::string& sSerial : aSerials) std::puts(sSerial.c_str());
-  }
-  if (aSerials.empty()) throw ClToolError(eExitNoScanner, "no scanner is connected");
-  return eExitOk;
+std::string LineOf(const ClPicture& oPicture) {
+  return std::to_string(oPicture.nWidth) + " x " + std::to_string(oPicture.nHeight) + ", " +
+         std::to_string(oPicture.nPelsX) + " pels per metre";
 }
 
-int RunInfo(const StCommonOptions& oCommon) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+}  // namespace
+
+void RunList(const StCommonOptions& oCommon, ClReport& oReport) {
+  ChooseScene(oCommon);
+  const ClLibrary oLibrary;
+  const std::vector<std::string> aSerials = oLibrary.Serials();
+  oReport.Use(oLibrary, ScanLibraryVersion());
+  oReport.Facts()["scanners"] = aSerials;
+  for (const std::string& sSerial : aSerials) oReport.Line(sSerial);
+  if (aSerials.empty()) oReport.SetVerdict(eExitNoScanner, "no scanner is connected");
+}
+
+void RunInfo(const StCommonOptions& oCommon, ClReport& oReport) {
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   const ClScanner oScanner(oLibrary, oCommon.sSerial);
   const ClPicture oImage = oScanner.ImageForm();
   const ClPicture oPreview = oScanner.PreviewForm();
-  if (oCommon.bJson) {
-    PrintJson({{"library", ClLibrary::Version()},
-               {"serial", oScanner.Serial()},
-               {"versions", oScanner.Versions()},
-               {"condition", oScanner.Condition()},
-               {"image", FormOf(oImage)},
-               {"preview", FormOf(oPreview)}});
-    return eExitOk;
-  }
-  std::printf("library    %s\n", ClLibrary::Version().c_str());
-  std::printf("serial     %s\n", oScanner.Serial().c_str());
-  std::printf("versions   %s\n", oScanner.Versions().c_str());
-  std::printf("condition  %u (0 clean to 100)\n", oScanner.Condition());
-  std::printf("image      %u x %u, %u pels per metre\n", oImage.nWidth, oImage.nHeight, oImage.nPelsX);
-  std::printf("preview    %u x %u, %u pels per metre\n", oPreview.nWidth, oPreview.nHeight, oPreview.nPelsX);
-  return eExitOk;
+  oReport.Use(oLibrary, oScanner);
+  nlohmann::ordered_json& oFacts = oReport.Facts();
+  oFacts["library"] = ClLibrary::Version();
+  oFacts["versions"] = oScanner.Versions();
+  oFacts["condition"] = oScanner.Condition();
+  oFacts["image"] = FormOf(oImage);
+  oFacts["preview"] = FormOf(oPreview);
+  oReport.Line("library    " + ClLibrary::Version());
+  oReport.Line("scan lib   " + oLibrary.ScanLibrary().sPath +
+               (oLibrary.ScanLibrary().bSimulated ? " (simulated)" : ""));
+  oReport.Line("serial     " + oScanner.Serial());
+  oReport.Line("versions   " + oScanner.Versions());
+  oReport.Line("condition  " + std::to_string(oScanner.Condition()) + " (0 clean to 100)");
+  oReport.Line("image      " + LineOf(oImage));
+  oReport.Line("preview    " + LineOf(oPreview));
 }
 
-int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+void RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName, ClReport& oReport) {
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   const ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oReport.Use(oLibrary, oScanner);
   const std::string sValue = oScanner.GetProperty(sName);
-  if (oCommon.bJson) {
-    PrintJson({{"name", sName}, {"value", sValue}});
-  } else {
-    std::puts(sValue.c_str());
-  }
-  return eExitOk;
+  oReport.Facts()["name"] = sName;
+  oReport.Facts()["value"] = sValue;
+  oReport.Line(sValue);
 }
 
-int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+void RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue,
+                    ClReport& oReport) {
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oReport.Use(oLibrary, oScanner);
   oScanner.SetProperty(sName, sValue);
-  return eExitOk;
+  oReport.Facts()["name"] = sName;
+  oReport.Facts()["value"] = sValue;
 }
 
-int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+void RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState, ClReport& oReport) {
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oReport.Use(oLibrary, oScanner);
   oScanner.SetLed(nIndex, nState);
-  if (oCommon.bJson) PrintJson({{"serial", oScanner.Serial()}, {"led", nIndex}, {"state", nState}});
-  return eExitOk;
+  oReport.Facts()["led"] = nIndex;
+  oReport.Facts()["state"] = nState;
 }
 
-int RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2) {
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+void RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2, ClReport& oReport) {
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oReport.Use(oLibrary, oScanner);
   oScanner.Beep(nArg1, nArg2);
-  if (oCommon.bJson) PrintJson({{"serial", oScanner.Serial()}, {"values", {nArg1, nArg2}}});
-  return eExitOk;
+  oReport.Facts()["values"] = {nArg1, nArg2};
 }
 
-int RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts) {
+void RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts, ClReport& oReport) {
   const std::string sText = DisplayText(aTexts);
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
+  oReport.Use(oLibrary, oScanner);
   oScanner.Display(sText);
-  if (oCommon.bJson) {
-    const size_t nFirst = std::min(sText.size(), cnDisplayLine);
-    PrintJson({{"serial", oScanner.Serial()}, {"lines", {sText.substr(0, nFirst), sText.substr(nFirst)}}});
-  }
-  return eExitOk;
+  const size_t nFirst = std::min(sText.size(), cnDisplayLine);
+  oReport.Facts()["lines"] = {sText.substr(0, nFirst), sText.substr(nFirst)};
 }

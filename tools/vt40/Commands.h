@@ -1,15 +1,19 @@
-// The tool's commands. Each prints what it has found out and returns the exit code.
+// The tool's commands. Each reports what it has found out and how it ends. Errors: ClToolError.
 #pragma once
 
 #include <string>
 #include <vector>
 
+class ClReport;
+
 /// What several commands share.
 struct StCommonOptions {
   std::string sSerial;     ///< empty: the only scanner
-  std::string sScene;      ///< for the simulated scanner
-  std::string sPrintFile;  ///< likewise
+  bool bSimulate = false;  ///< ask for the simulated scanner
+  std::string sScene;      ///< likewise, with this scene
+  std::string sPrintFile;  ///< likewise, with this print
   bool bJson = false;
+  bool bJsonLines = false;
 };
 
 struct StCaptureOptions {
@@ -25,7 +29,7 @@ struct StCaptureOptions {
 struct StRollOptions {
   StCaptureOptions oCapture;  ///< folder, format and time-out
   std::string sFramesFolder;  ///< for each picture of the growing print; empty: none are kept
-  bool bPostProcess = true;   ///< the finished print is centred and turned upright
+  bool bAsItLay = false;      ///< the finished print is neither centred nor turned upright
 
   StRollOptions() { oCapture.sMode = "roll"; }
 };
@@ -39,22 +43,23 @@ struct StCalibrateOptions {
 
 struct StSignOptions {
   StCaptureOptions oCapture;  ///< folder, format and time-out
-  double dTime = 2.0;         ///< the pause that ends a signature; 0: the time-out does
+  double dTime = 2.0;         ///< seconds of the pause that ends a signature; 0: the time-out does
   double dSigma = 2.0;        ///< softness of the ink
   bool bHalf = false;         ///< the upper half of the platen only
 
   StSignOptions() { oCapture.sMode = "signature"; }
 };
 
-int RunList(const StCommonOptions& oCommon);
-int RunInfo(const StCommonOptions& oCommon);
-int RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions);
-int RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions);
-int RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions);
-int RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions);
-int RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName);
-int RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue);
-int RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState);
-int RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2);
+void RunList(const StCommonOptions& oCommon, ClReport& oReport);
+void RunInfo(const StCommonOptions& oCommon, ClReport& oReport);
+void RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions, ClReport& oReport);
+void RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions, ClReport& oReport);
+void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, ClReport& oReport);
+void RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions, ClReport& oReport);
+void RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName, ClReport& oReport);
+void RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue,
+                    ClReport& oReport);
+void RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nState, ClReport& oReport);
+void RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2, ClReport& oReport);
 /// One text is divided into lines of sixteen characters; two texts are a line each.
-int RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts);
+void RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts, ClReport& oReport);

@@ -1,7 +1,11 @@
 // PNG files of 8-bit grey with the chunk that holds the resolution.
 #include <png.h>
 
+#include <ctime>
+#include <utility>
+
 #include "Picture.h"
+#include "Scanner.h"
 #include "ToolError.h"
 
 namespace {
@@ -34,15 +38,44 @@ struct ClPngWriter {
   png_infop pInfo = nullptr;
 };
 
+std::string CreationTime() {
+  const std::time_t nNow = std::time(nullptr);
+  std::tm oTime{};
+  gmtime_r(&nNow, &oTime);
+  char szTime[32];
+  std::strftime(szTime, sizeof(szTime), "%Y-%m-%dT%H:%M:%SZ", &oTime);
+  return szTime;
+}
+
+/// Says where the picture comes from. A picture of the simulated scanner says so wherever it goes.
+void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
+  std::vector<std::pair<std::string, std::string>> aTexts = {
+      {"Software", "KelvarinLiveScannerVT40 " + ClLibrary::Version()}, {"Creation Time", CreationTime()}};
+  if (!oFacts.sSerial.empty()) aTexts.emplace_back("Serial Number", oFacts.sSerial);
+  if (!oFacts.sMode.empty()) aTexts.emplace_back("Capture Mode", oFacts.sMode);
+  if (oFacts.bSimulated) aTexts.emplace_back("Simulated", "yes");
+  std::vector<png_text> aChunks;
+  for (auto& [sKey, sText] : aTexts) {
+    png_text oChunk{};
+    oChunk.compression = PNG_TEXT_COMPRESSION_NONE;
+    oChunk.key = sKey.data();
+    oChunk.text = sText.data();
+    oChunk.text_length = sText.size();
+    aChunks.push_back(oChunk);
+  }
+  png_set_text(oWriter.pPng, oWriter.pInfo, aChunks.data(), static_cast<int>(aChunks.size()));
+}
+
 }  // namespace
 
-void WritePng(const ClPicture& oPicture, const std::string& sFile) {
+void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictureFacts& oFacts) {
   std::vector<unsigned char> aBytes;
   ClPngWriter oWriter;
   png_set_write_fn(oWriter.pPng, &aBytes, Collect, nullptr);
   png_set_IHDR(oWriter.pPng, oWriter.pInfo, oPicture.nWidth, oPicture.nHeight, 8, PNG_COLOR_TYPE_GRAY,
                PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_pHYs(oWriter.pPng, oWriter.pInfo, oPicture.nPelsX, oPicture.nPelsY, PNG_RESOLUTION_METER);
+  SetTexts(oWriter, oFacts);
   png_write_info(oWriter.pPng, oWriter.pInfo);
   for (unsigned int y = 0; y < oPicture.nHeight; ++y) png_write_row(oWriter.pPng, oPicture.Row(y));
   png_write_end(oWriter.pPng, oWriter.pInfo);

@@ -3,9 +3,11 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 #include "CaptureResult.h"
 #include "Commands.h"
+#include "ErrorNames.h"
 #include "KelvarinLiveScannerVT40.h"
 #include "Progress.h"
 #include "Scene.h"
@@ -51,37 +53,49 @@ std::string OneDecimal(double d) {
 class ClRollRun {
  public:
   ClRollRun(ClScanner& oScanner, const StRollOptions& oOptions, ClCaptureResult& oResult)
-      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult) {
-    m_oResult.Facts()["frames"] = nlohmann::json::array();
+      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult), m_oReport(oResult.Report()) {
+    m_oReport.Facts()["frames"] = nlohmann::ordered_json::array();
   }
 
   void Run() {
     const auto tEnd = Clock::now() + std::chrono::seconds(m_oOptions.oCapture.nTimeout);
     StDelivery oDelivery;
-    while (!oDelivery.bDone && Clock::now() < tEnd) {
-      oDelivery = m_oScanner.GetRoll(m_oPicture);
-      ++m_nFrame;
-      Observe();
+    try {
+      while (!oDelivery.bDone && Clock::now() < tEnd) {
+        oDelivery = m_oScanner.GetRoll(m_oSeen);
+        std::swap(m_oSeen, m_oPicture);
+        ++m_nFrame;
+        Observe();
+      }
+    } catch (const ClToolError&) {
+      WriteUnfinished();
+      throw;
     }
     m_oResult.SetDelivery(oDelivery);
     if (oDelivery.bDone) return Finish(oDelivery.nResult);
-    m_oResult.SetVerdict(
+    WriteUnfinished();
+    m_oReport.SetVerdict(
         eExitTimeout, std::string(m_bFinger ? "the finger was not lifted" : "no finger rolled") + " within " +
                           std::to_string(m_oOptions.oCapture.nTimeout) + " seconds; see --timeout");
   }
 
  private:
+  /// What was rolled before the roll came to no end.
+  void WriteUnfinished() {
+    if (m_bFinger) m_oResult.Add(m_oPicture, "roll-unfinished");
+  }
+
   void Observe() {
     const StStrip oStrip = StripOf(m_oPicture);
     const double dWidth = Millimetres(oStrip, m_oPicture);
     m_bFinger = m_bFinger || oStrip.nEnd != 0;
     m_oProgress.Show(Bar(oStrip) + " " + OneDecimal(dWidth) + " mm, frame " + std::to_string(m_nFrame));
-    m_oResult.Facts()["frames"].push_back(
-        {{"frame", m_nFrame}, {"left", oStrip.nFirst}, {"width", oStrip.nEnd - oStrip.nFirst}});
+    m_oReport.Event("frames", "frame",
+                    {{"frame", m_nFrame}, {"left", oStrip.nFirst}, {"width", oStrip.nEnd - oStrip.nFirst}});
     if (m_oOptions.sFramesFolder.empty()) return;
     char szName[32];
     std::snprintf(szName, sizeof(szName), "frame-%04u", m_nFrame);
-    WritePicture(m_oPicture, m_oOptions.sFramesFolder, szName, m_oOptions.oCapture.sFormat);
+    m_oResult.Keep(m_oPicture, m_oOptions.sFramesFolder, szName);
   }
 
   /// The picture's columns as forty cells.
@@ -100,33 +114,38 @@ class ClRollRun {
     const double dWidth = Millimetres(StripOf(m_oPicture), m_oPicture);
     const std::string sVerdict =
         nVerdict == KLV_SUCCESS ? "The roll is clean." : LS_VT40GetErrorDescriptionA(nVerdict);
-    m_oResult.Facts()["millimetres"] = std::round(10.0 * dWidth) / 10.0;
-    m_oResult.Facts()["verdict"] = sVerdict;
-    m_oResult.SetSummary(sVerdict + " " + OneDecimal(dWidth) + " mm wide.");
+    m_oReport.Facts()["millimetres"] = std::round(10.0 * dWidth) / 10.0;
+    const char* szName = NameOfNumber(nVerdict);
+    m_oReport.Facts()["verdict"] = {
+        {"number", nVerdict}, {"name", szName != nullptr ? szName : "KLV_ERROR"}, {"text", sVerdict}};
+    m_oReport.Line(sVerdict + " " + OneDecimal(dWidth) + " mm wide.");
     if (nVerdict != KLV_SUCCESS) {
-      m_oResult.SetVerdict(eExitNegative, sVerdict + " (" + std::to_string(nVerdict) + ")");
+      m_oReport.SetVerdict(eExitNegative, sVerdict + " (" + std::to_string(nVerdict) + ")", nVerdict);
     }
   }
 
   ClScanner& m_oScanner;
   const StRollOptions& m_oOptions;
   ClCaptureResult& m_oResult;
+  ClReport& m_oReport;
   ClProgress m_oProgress;
-  ClPicture m_oPicture;
+  ClPicture m_oSeen;     ///< scratch
+  ClPicture m_oPicture;  ///< the last that came
   bool m_bFinger = false;
   unsigned int m_nFrame = 0;
 };
 
 }  // namespace
 
-int RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions) {
+void RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions, ClReport& oReport) {
+  ClCaptureResult oResult(oOptions.oCapture, oReport);
+  if (!oOptions.sFramesFolder.empty()) PrepareFolder(oOptions.sFramesFolder);
   PaceScenes();
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile, true);
+  ChooseScene(oCommon, true);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
-  ClCaptureResult oResult(oOptions.oCapture, oScanner.Serial());
-  oScanner.SetProperty("nRolledPostProcess", oOptions.bPostProcess ? "1" : "0");
+  oReport.Use(oLibrary, oScanner);
+  oScanner.SetProperty("nRolledPostProcess", oOptions.bAsItLay ? "0" : "1");
   oScanner.SetMode(KLV_VT40_CAPTURE_MODE_ROLL);
   ClRollRun(oScanner, oOptions, oResult).Run();
-  return oResult.Print(oCommon.bJson);
 }

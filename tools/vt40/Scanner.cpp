@@ -3,23 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "ExitCodes.h"
+#include "Interruption.h"
 #include "KelvarinLiveScannerVT40.h"
-#include "Scene.h"
 #include "ToolError.h"
-
-EExitCode ExitCodeOf(long nError) {
-  switch (nError) {
-    case KLV_ERROR_FILE_OPEN_FAIL:
-      return eExitNoScanner;
-    case KLV_ERROR_DEVICE_OPEN_FAIL:
-      return eExitBusy;
-    case KLV_ERROR_DISCONNECTED:
-      return eExitLost;
-    default:
-      return eExitUsage;
-  }
-}
 
 namespace {
 
@@ -27,8 +16,13 @@ std::string Describe(const std::string& sWhat, long nError) {
   return sWhat + ": " + LS_VT40GetErrorDescriptionA(nError) + " (" + std::to_string(nError) + ")";
 }
 
+[[noreturn]] void Fail(EExitCode eCode, const std::string& sWhat, long nError,
+                       const std::string& sMore = "") {
+  throw ClToolError(eCode, Describe(sWhat, nError) + sMore, nError);
+}
+
 void Check(long nError, const std::string& sWhat) {
-  if (nError != KLV_SUCCESS) throw ClToolError(ExitCodeOf(nError), Describe(sWhat, nError));
+  if (nError != KLV_SUCCESS) Fail(ExitCodeOf(nError), sWhat, nError);
 }
 
 std::vector<std::string> ListSerials() {
@@ -49,18 +43,6 @@ std::vector<std::string> ListSerials() {
   return aSerials;
 }
 
-/// Handles an image that did not come. The library reports a silent scanner and a lost one by the same
-/// number; the list of scanners shows which it is.
-void CheckImage(long nError, const std::string& sWhat, const std::string& sSerial) {
-  if (nError != KLV_ERROR_DISCONNECTED) return Check(nError, sWhat);
-  const std::vector<std::string> aSerials = ListSerials();
-  if (std::find(aSerials.begin(), aSerials.end(), sSerial) == aSerials.end()) {
-    throw ClToolError(eExitLost, Describe(sWhat, nError) + "; scanner " + sSerial + " was unplugged");
-  }
-  throw ClToolError(eExitTimeout,
-                    Describe(sWhat, nError) + "; no image came in time from scanner " + sSerial);
-}
-
 using SizeFunction = long (*)(void*, unsigned int*, unsigned int*);
 
 /// The library truncates dots per inch: 499 stands for 500 dpi, or 19685 pels per metre.
@@ -79,39 +61,24 @@ ClPicture FormOf(void* h, SizeFunction pfnSize, SizeFunction pfnDpi) {
   return oPicture;
 }
 
-using ImageFunction = long (*)(void*, void*, double*, unsigned char*, long*);
-
-StDelivery Deliver(void* h, ImageFunction pfnImage, ClPicture& oPicture, const std::string& sWhat,
-                   const std::string& sSerial) {
-  oPicture.aPixels.resize(static_cast<size_t>(oPicture.nWidth) * oPicture.nHeight);
-  StDelivery oDelivery;
-  unsigned char bDone = 0;
-  CheckImage(pfnImage(h, oPicture.aPixels.data(), &oDelivery.dScore, &bDone, &oDelivery.nResult), sWhat,
-             sSerial);
-  oDelivery.bDone = bDone != 0;
-  return oDelivery;
-}
-
 }  // namespace
 
+bool IsConnected(const std::string& sSerial) {
+  const std::vector<std::string> aSerials = ListSerials();
+  return std::find(aSerials.begin(), aSerials.end(), sSerial) != aSerials.end();
+}
+
 ClLibrary::ClLibrary() {
+  CheckScanLibraryIsTrusted();
   const long nError = LS_VT40Initialize(nullptr);
-  const std::string sScene = nError == KLV_SUCCESS ? "" : WithdrawScene();
-  if (!sScene.empty() && LS_VT40Initialize(nullptr) == KLV_SUCCESS) {
-    // It starts without the scene, so that the scene is at fault.
-    LS_VT40Uninitialize();
-    throw ClToolError(
-        eExitFile, "the scene \"" + sScene +
-                       "\" is no built-in scene, cannot be read, or holds a mistake; see docs/simulator.md");
-  }
+  const std::string sReason = nError == KLV_SUCCESS ? "" : m_oSimulator.LastError();
+  if (!sReason.empty()) throw ClToolError(eExitFile, sReason + "; see docs/simulator.md", nError);
   if (nError == KLV_ERROR_FILE_OPEN_FAIL) {
-    throw ClToolError(
-        eExitNoScanner,
-        Describe("the scan library libkelvarinvtscanapi.gcc.Release.32.so cannot be loaded", nError) +
-            "; install it beside this library or where the dynamic linker finds it");
+    Fail(eExitScanLibrary, "the scan library libkelvarinvtscanapi.gcc.Release.32.so cannot be loaded", nError,
+         "; install it where the dynamic linker finds it, or use the simulated scanner with --simulate");
   }
-  if (nError != KLV_SUCCESS)
-    throw ClToolError(eExitNoScanner, Describe("the scan library does not start", nError));
+  if (nError != KLV_SUCCESS) Fail(eExitScanLibrary, "the scan library does not start", nError);
+  m_oScanLibrary = LoadedScanLibrary();
 }
 
 ClLibrary::~ClLibrary() {
@@ -144,15 +111,19 @@ std::string ClLibrary::ChooseSerial(const std::string& sSerial) const {
 
 ClScanner::ClScanner(const ClLibrary& oLibrary, const std::string& sSerial)
     : m_sSerial(oLibrary.ChooseSerial(sSerial)) {
-  const long nError = LS_VT40OpenScanner(m_sSerial.c_str(), &m_hScanner);
-  if (nError == KLV_ERROR_DISCONNECTED) {
-    throw ClToolError(eExitNoScanner, "no scanner " + m_sSerial + " is connected; see vt40 list");
+  if (!IsConnected(m_sSerial)) {
+    throw ClToolError(eExitNoScanner, "no scanner " + m_sSerial + " is connected; see vt40 list",
+                      KLV_ERROR_DISCONNECTED);
   }
-  Check(nError, "scanner " + m_sSerial + " cannot be opened");
+  const long nError = LS_VT40OpenScanner(m_sSerial.c_str(), &m_hScanner);
+  if (nError != KLV_SUCCESS)
+    Fail(ExitCodeOfOpening(nError), "scanner " + m_sSerial + " cannot be opened", nError);
+  m_pWaiting = std::make_unique<ClWaitingCall>(m_sSerial);
 }
 
 ClScanner::~ClScanner() {
-  LS_VT40CloseScanner(&m_hScanner);
+  // A handle must not be closed under a call that uses it; when the library ends, so does the call.
+  if (!m_pWaiting->IsStuck()) LS_VT40CloseScanner(&m_hScanner);
 }
 
 std::string ClScanner::Versions() const {
@@ -172,7 +143,11 @@ unsigned int ClScanner::Condition() const {
 }
 
 void ClScanner::SetMode(int nMode) {
-  Check(LS_VT40SetCaptureMode(m_hScanner, nMode), "capture mode");
+  const long nError = LS_VT40SetCaptureMode(m_hScanner, nMode);
+  if (nError == KLV_ERROR_UNSUPPORTED && nMode == KLV_VT40_CAPTURE_MODE_AUTO_LIVE)
+    Fail(eExitLiveness, "automatic capture with a liveness score", nError,
+         "; the liveness library is missing");
+  Check(nError, "capture mode");
 }
 
 ClPicture ClScanner::ImageForm() const {
@@ -183,29 +158,55 @@ ClPicture ClScanner::PreviewForm() const {
   return FormOf(m_hScanner, LS_VT40GetPreviewImageSize, LS_VT40GetPreviewImageDPI);
 }
 
+StDelivery ClScanner::Deliver(ImageFunction pfnImage, ClPicture oForm, ClPicture& oPicture,
+                              const std::string& sWhat) {
+  struct StCall {
+    ClPicture oPicture;
+    StDelivery oDelivery;
+    unsigned char bDone = 0;
+  };
+  const auto pCall = std::make_shared<StCall>();
+  pCall->oPicture = std::move(oForm);
+  // The block that the caller has is used again.
+  pCall->oPicture.aPixels = std::move(oPicture.aPixels);
+  pCall->oPicture.aPixels.resize(static_cast<size_t>(pCall->oPicture.nWidth) * pCall->oPicture.nHeight);
+  const long nError = m_pWaiting->Make([pCall, pfnImage, h = m_hScanner] {
+    return pfnImage(h, pCall->oPicture.aPixels.data(), &pCall->oDelivery.dScore, &pCall->bDone,
+                    &pCall->oDelivery.nResult);
+  });
+  oPicture = std::move(pCall->oPicture);
+  if (nError == KLV_ERROR_DISCONNECTED) {
+    // The library reports a silent scanner and a lost one by the same number; the list shows which it is.
+    if (!IsConnected(m_sSerial)) Fail(eExitLost, sWhat, nError, "; scanner " + m_sSerial + " was unplugged");
+    Fail(eExitTimeout, sWhat, nError, "; no image came in time from scanner " + m_sSerial);
+  }
+  Check(nError, sWhat);
+  pCall->oDelivery.bDone = pCall->bDone != 0;
+  return pCall->oDelivery;
+}
+
 StDelivery ClScanner::GetImage(ClPicture& oPicture) {
-  oPicture = ImageForm();
-  return Deliver(m_hScanner, LS_VT40GetImage, oPicture, "capture", m_sSerial);
+  return Deliver(LS_VT40GetImage, ImageForm(), oPicture, "capture");
 }
 
 StDelivery ClScanner::GetPreview(ClPicture& oPicture) {
-  oPicture = PreviewForm();
-  return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview", m_sSerial);
+  return Deliver(LS_VT40GetPreviewImage, PreviewForm(), oPicture, "preview");
 }
 
 StDelivery ClScanner::GetRoll(ClPicture& oPicture) {
-  oPicture = FormOf(m_hScanner, LS_VT40GetRollImageSize, LS_VT40GetRollImageDPI);
-  return Deliver(m_hScanner, LS_VT40GetRollImage, oPicture, "roll", m_sSerial);
+  return Deliver(LS_VT40GetRollImage, FormOf(m_hScanner, LS_VT40GetRollImageSize, LS_VT40GetRollImageDPI),
+                 oPicture, "roll");
 }
 
 StDelivery ClScanner::GetSignature(ClPicture& oPicture) {
-  oPicture = FormOf(m_hScanner, LS_VT40GetSignatureImageSize, LS_VT40GetImageDPI);
-  return Deliver(m_hScanner, LS_VT40GetImage, oPicture, "signature", m_sSerial);
+  return Deliver(LS_VT40GetImage, FormOf(m_hScanner, LS_VT40GetSignatureImageSize, LS_VT40GetImageDPI),
+                 oPicture, "signature");
 }
 
 StDelivery ClScanner::GetSignaturePreview(ClPicture& oPicture) {
-  oPicture = FormOf(m_hScanner, LS_VT40GetSignaturePreviewImageSize, LS_VT40GetPreviewImageDPI);
-  return Deliver(m_hScanner, LS_VT40GetPreviewImage, oPicture, "preview of the signature", m_sSerial);
+  return Deliver(LS_VT40GetPreviewImage,
+                 FormOf(m_hScanner, LS_VT40GetSignaturePreviewImageSize, LS_VT40GetPreviewImageDPI), oPicture,
+                 "preview of the signature");
 }
 
 void ClScanner::SetLed(unsigned int nIndex, unsigned int nState) {

@@ -1,18 +1,22 @@
 // The library as the tool uses it: initialisation and an open scanner for a scope each.
 #pragma once
 
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 
 #include "Picture.h"
-#include "ToolError.h"
+#include "ScanLibrary.h"
+#include "WaitingCall.h"
 
-/// The exit code that suits a number of the library or the scan library.
-EExitCode ExitCodeOf(long nError);
+/// Whether the scanner of that serial number is in the list of the connected ones.
+bool IsConnected(const std::string& sSerial);
 
 /// Keeps the library initialised.
 ///
-/// Errors  ClToolError eExitNoScanner when the scan library is missing or does not start.
+/// Errors  ClToolError eExitScanLibrary when the scan library is missing, not to be trusted or does not start;
+///         eExitFile for a scene that the simulated one cannot read, with its reason.
 class ClLibrary {
  public:
   ClLibrary();
@@ -24,7 +28,12 @@ class ClLibrary {
   std::vector<std::string> Serials() const;
   /// The serial number that is given, or that of the only scanner. Errors: eExitNoScanner, eExitUsage.
   std::string ChooseSerial(const std::string& sSerial) const;
+  const StScanLibrary& ScanLibrary() const { return m_oScanLibrary; }
   static std::string Version();
+
+ private:
+  const ClSimulator m_oSimulator;
+  StScanLibrary m_oScanLibrary;
 };
 
 /// The outcome of an image call.
@@ -36,7 +45,8 @@ struct StDelivery {
 
 /// An open scanner.
 ///
-/// Errors  ClToolError with the exit code that suits the library's number, and its text.
+/// Errors  ClToolError with the exit code that suits the library's number, and its text. Image calls end with
+///         a signal, and with eExitLost when the scanner was unplugged; see ClWaitingCall.
 class ClScanner {
  public:
   /// An empty serial number takes the only scanner there is.
@@ -67,6 +77,10 @@ class ClScanner {
   ClPicture PreviewForm() const;
 
  private:
+  using ImageFunction = long (*)(void*, void*, double*, unsigned char*, long*);
+  StDelivery Deliver(ImageFunction pfnImage, ClPicture oForm, ClPicture& oPicture, const std::string& sWhat);
+
   std::string m_sSerial;
   void* m_hScanner = nullptr;
+  std::unique_ptr<ClWaitingCall> m_pWaiting;
 };

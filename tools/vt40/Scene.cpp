@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include "Commands.h"
 #include "Picture.h"
 #include "ToolError.h"
 
@@ -22,21 +23,16 @@ std::string SceneOfPrint(const std::string& sFile, bool bRolls) {
 
 }  // namespace
 
-void ChooseScene(const std::string& sScene, const std::string& sPrintFile, bool bRolls) {
-  if (!sScene.empty() && !sPrintFile.empty()) {
+void ChooseScene(const StCommonOptions& oCommon, bool bRolls) {
+  if (!oCommon.sScene.empty() && !oCommon.sPrintFile.empty()) {
     throw ClToolError(eExitUsage, "--scene and --print exclude each other");
   }
-  if (!sPrintFile.empty()) setenv(cszVariable, SceneOfPrint(sPrintFile, bRolls).c_str(), 1);
-  if (!sScene.empty()) setenv(cszVariable, sScene.c_str(), 1);
+  if (!oCommon.bSimulate && oCommon.sScene.empty() && oCommon.sPrintFile.empty()) return;
+  setenv("KELVARIN_SDK_SIMULATE", "1", 1);
+  if (!oCommon.sPrintFile.empty()) setenv(cszVariable, SceneOfPrint(oCommon.sPrintFile, bRolls).c_str(), 1);
+  if (!oCommon.sScene.empty()) setenv(cszVariable, oCommon.sScene.c_str(), 1);
 }
 
 void PaceScenes() {
   setenv("KELVARIN_VTSIM_PACING", "real", 0);
-}
-
-std::string WithdrawScene() {
-  const char* szScene = std::getenv(cszVariable);
-  std::string sScene = szScene != nullptr ? szScene : "";
-  unsetenv(cszVariable);
-  return sScene;
 }

@@ -1,18 +1,15 @@
-// What the simulated scanner is to show.
+// Whether the scanner is a simulated one, and what it is to show.
 #pragma once
 
-#include <string>
+struct StCommonOptions;
 
-/// Chooses the scene for the simulated scan library, before the library is initialised: a built-in scene or a
-/// scene file, or a print from a picture file on an otherwise empty platen. Both empty: whatever the
-/// environment says. A real scan library ignores all this. A finger that rolls does so once, from side to
+/// Asks for the simulated scanner when an option does, before the library is initialised: for what the
+/// environment says, for a built-in scene or a scene file, or for a print from a picture file on an otherwise
+/// empty platen. Without such an option nothing is changed. A finger that rolls does so once, from side to
 /// side.
 ///
-/// Errors  ClToolError eExitUsage for both at once, eExitFile when the picture cannot be read.
-void ChooseScene(const std::string& sScene, const std::string& sPrintFile, bool bRolls = false);
+/// Errors  ClToolError eExitUsage for a scene and a print at once, eExitFile when the picture cannot be read.
+void ChooseScene(const StCommonOptions& oCommon, bool bRolls = false);
 
 /// Lets scenes that don't say otherwise run with the clock, since a finger rolls at its own speed.
 void PaceScenes();
-
-/// Takes back the scene that was chosen, by whomever, and returns it; empty when there was none.
-std::string WithdrawScene();

@@ -4,13 +4,13 @@
 #include <cstring>
 #include <memory>
 
+#include "ExitCodes.h"
 #include "MXKernels/PointRows.h"
 #include "MXLibraryLoaders/KelvarinVTScanAPIWrapper.h"
 #include "MXLiveScannerAPI/RawSequenceLock.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Exception.h"
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
-#include "Scanner.h"
 #include "ToolError.h"
 
 namespace {
@@ -34,8 +34,10 @@ void WithScanner(const std::string& sSerial, F&& fnDo) {
   try {
     fnDo();
   } catch (const ClException& oFailure) {
-    throw ClToolError(ExitCodeOf(oFailure.Number()), "scanner " + sSerial + ": " + oFailure.What() + " (" +
-                                                         std::to_string(oFailure.Number()) + ")");
+    throw ClToolError(
+        ExitCodeOf(oFailure.Number()),
+        "scanner " + sSerial + ": " + oFailure.What() + " (" + std::to_string(oFailure.Number()) + ")",
+        oFailure.Number());
   }
 }
 

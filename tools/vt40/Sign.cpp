@@ -1,6 +1,7 @@
 // The sign command.
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "CaptureResult.h"
 #include "Commands.h"
@@ -35,29 +36,64 @@ StInk InkOf(const ClPicture& oPicture) {
   return oInk.nPixels != 0 ? oInk : StInk();
 }
 
+/// Finds the end of a signature: the pen rests. The library's own measure is the processor time of the process,
+/// which may stand still; this is the clock's.
+class ClPenRest {
+ public:
+  /// Looks at the ink of one more preview; true when the pen has rested for so many seconds, and over enough
+  /// previews that a stall of this program is none.
+  bool HasCome(const StInk& oInk, double dSeconds) {
+    const auto tNow = Clock::now();
+    if (oInk.nPixels == 0 || oInk.nPixels != m_nPixels) {
+      m_nPixels = oInk.nPixels;
+      m_nUnchanged = 0;
+      m_tChange = tNow;
+      return false;
+    }
+    ++m_nUnchanged;
+    return m_nUnchanged >= cnFewestPreviews && tNow - m_tChange >= std::chrono::duration<double>(dSeconds);
+  }
+
+ private:
+  static constexpr int cnFewestPreviews = 8;
+  unsigned int m_nPixels = 0;
+  int m_nUnchanged = 0;
+  Clock::time_point m_tChange;
+};
+
 /// One signature: shows the strokes as they are written, and takes the picture when the pen rests.
 class ClSignRun {
  public:
   ClSignRun(ClScanner& oScanner, const StSignOptions& oOptions, ClCaptureResult& oResult)
-      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult) {}
+      : m_oScanner(oScanner), m_oOptions(oOptions), m_oResult(oResult), m_oReport(oResult.Report()) {}
 
   void Run() {
     const auto tEnd = Clock::now() + std::chrono::seconds(m_oOptions.oCapture.nTimeout);
-    StDelivery oDelivery;
-    while (!oDelivery.bDone && Clock::now() < tEnd) {
-      oDelivery = m_oScanner.GetSignaturePreview(m_oPreview);
-      ++m_nPreview;
-      m_oInk = InkOf(m_oPreview);
-      m_oProgress.Show(Line() + " preview " + std::to_string(m_nPreview));
+    const bool bEndsByItself = m_oOptions.dTime > 0.0;
+    bool bRested = false;
+    try {
+      while (!bRested && Clock::now() < tEnd) {
+        m_oScanner.GetSignaturePreview(m_oSeen);
+        std::swap(m_oSeen, m_oPreview);
+        m_oInk = InkOf(m_oPreview);
+        bRested = m_oRest.HasCome(m_oInk, m_oOptions.dTime) && bEndsByItself;
+        ++m_nPreview;
+        m_oProgress.Show(Line() + " preview " + std::to_string(m_nPreview));
+      }
+    } catch (const ClToolError&) {
+      // The full picture would be one call more, which is no longer to be had.
+      if (m_oInk.nPixels != 0) m_oResult.Add(m_oPreview, "preview");
+      throw;
     }
-    m_oResult.Facts()["previews"] = m_nPreview;
-    // Without a detect time the time-out is the end of the signature.
-    if (oDelivery.bDone || (m_oOptions.dTime == 0.0 && m_oInk.nPixels != 0)) return Finish();
-    m_oResult.SetDelivery(oDelivery);
-    m_oResult.SetVerdict(
+    m_oReport.Facts()["previews"] = m_nPreview;
+    if (m_oInk.nPixels != 0) Finish();
+    m_oReport.Facts()["done"] = bRested || (!bEndsByItself && m_oInk.nPixels != 0);
+    if (bRested || (!bEndsByItself && m_oInk.nPixels != 0)) return;
+    m_oReport.SetVerdict(
         eExitTimeout,
-        std::string(m_oInk.nPixels != 0 ? "the signature was not finished" : "nothing was signed") +
-            " within " + std::to_string(m_oOptions.oCapture.nTimeout) + " seconds; see --timeout");
+        (m_oInk.nPixels != 0 ? "the signature was not finished within " : "nothing was signed within ") +
+            std::to_string(m_oOptions.oCapture.nTimeout) + " seconds; see --timeout" +
+            (m_oInk.nPixels != 0 ? "; what was signed so far is written" : ""));
   }
 
  private:
@@ -86,7 +122,7 @@ class ClSignRun {
     m_oResult.Add(m_oPreview, "preview");
     m_oResult.Add(oPicture, "signature");
     const StInk oInk = InkOf(oPicture);
-    m_oResult.Facts()["ink"] = {{"pixels", oInk.nPixels},
+    m_oReport.Facts()["ink"] = {{"pixels", oInk.nPixels},
                                 {"left", oInk.nLeft},
                                 {"top", oInk.nTop},
                                 {"width", oInk.nRight - oInk.nLeft},
@@ -96,24 +132,28 @@ class ClSignRun {
   ClScanner& m_oScanner;
   const StSignOptions& m_oOptions;
   ClCaptureResult& m_oResult;
+  ClReport& m_oReport;
   ClProgress m_oProgress;
-  ClPicture m_oPreview;
+  ClPenRest m_oRest;
+  ClPicture m_oSeen;     ///< scratch
+  ClPicture m_oPreview;  ///< the last that came
   StInk m_oInk;
   unsigned int m_nPreview = 0;
 };
 
 }  // namespace
 
-int RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions) {
+void RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions, ClReport& oReport) {
+  ClCaptureResult oResult(oOptions.oCapture, oReport);
   PaceScenes();
-  ChooseScene(oCommon.sScene, oCommon.sPrintFile);
+  ChooseScene(oCommon);
   const ClLibrary oLibrary;
   ClScanner oScanner(oLibrary, oCommon.sSerial);
-  ClCaptureResult oResult(oOptions.oCapture, oScanner.Serial());
+  oReport.Use(oLibrary, oScanner);
   oScanner.SetProperty("nSignatureSensorMode", oOptions.bHalf ? "1" : "0");
-  oScanner.SetProperty("dSignatureDetectTime", std::to_string(oOptions.dTime));
+  // The pause is measured here.
+  oScanner.SetProperty("dSignatureDetectTime", "0");
   oScanner.SetProperty("dSignatureFilterSigma", std::to_string(oOptions.dSigma));
   oScanner.SetMode(KLV_VT40_CAPTURE_MODE_SIGNATURE);
   ClSignRun(oScanner, oOptions, oResult).Run();
-  return oResult.Print(oCommon.bJson);
 }

@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "MXLibraryLoaders/KelvarinFakeFingerDetectionVT40Wrapper.h"
+#include "MXLibraryLoaders/SimulatedLibrary.h"
 #include "MXTools/Failure.h"
 
 namespace {
@@ -30,7 +31,7 @@ unsigned int TimeOfDayMs() {
 ClLivenessDetector::ClLivenessDetector() {
   try {
     m_pLibrary = std::make_unique<ClKelvarinFakeFingerDetectionVT40Wrapper>();
-    m_pLibrary->OpenLibrary(m_pLibrary->m_ssSearchPath, m_pLibrary->m_ssLibName);
+    OpenRealOrSimulated(*m_pLibrary, m_pLibrary->m_ssSearchPath, m_pLibrary->m_ssLibName);
     KLV_CHECK(m_pLibrary->FD_VT40Initialize(nullptr));
     const long nAnswer = m_pLibrary->FD_VT40CreateFakeDetectionVT40Handle(&m_hContext);
     if (nAnswer != 0) {
