@@ -43,6 +43,11 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   Expect("info" + SceneFile(
                       R"({"scanners": [{}], "faults": [{"call": "VTScanAPICreateHandle", "result": -777}]})"),
          11, "(-777)");
+  for (const char* szCommand : {"led 3 4", "beep"})
+    Expect(szCommand + SceneFile(R"({"scanners": [{}], "faults": [
+               {"call": "VTScanAPIBeep", "result": -777},
+               {"call": "VTScanAPISetStatusLED", "first": 2, "result": -777}]})"),
+           11, "of scanner VT40-AB0001");
   Expect("list" + SceneFile(R"({"scanners": [], "colour": 1})"), 7, "\"colour\" is not a known key");
   Expect("list --scene slap-rihgt", 7, "slap-rihgt");
   Expect("capture --print " + m_oFolder.Path("none.png") + Out(), 7, "No such file");
@@ -76,7 +81,8 @@ TEST_F(Tool, AScannerThatGoesDuringTheCaptureIsLost) {
 
 TEST_F(Tool, AnUnpluggedScannerIsNoticedBesideACallThatWaits) {
   // No sequence comes, so that the library waits for ten seconds and more.
-  const std::string sScene = SceneFile(R"({"pacing": "real", "scanners": [{"serial": "VT40-AB0001"}], "faults": [
+  const std::string sScene =
+      SceneFile(R"({"pacing": "real", "scanners": [{"serial": "VT40-AB0001"}], "faults": [
       {"unplug": "VT40-AB0001", "at": 1}]})");
   const auto tBegin = std::chrono::steady_clock::now();
   Expect(Run("capture --mode auto" + Out() + sScene), 6, "VT40-AB0001 was unplugged");

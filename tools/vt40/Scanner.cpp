@@ -8,6 +8,7 @@
 #include "ExitCodes.h"
 #include "Interruption.h"
 #include "KelvarinLiveScannerVT40.h"
+#include "ScanResult.h"
 #include "ToolError.h"
 
 namespace {
@@ -210,12 +211,16 @@ StDelivery ClScanner::GetSignaturePreview(ClPicture& oPicture) {
 }
 
 void ClScanner::SetLed(unsigned int nIndex, unsigned int nState) {
+  const ClScanResult oResult;
   Check(LS_VT40SetLED(m_hScanner, static_cast<unsigned char>(nIndex), static_cast<unsigned char>(nState)),
         "LED");
+  Check(ClScanResult::Last(), "LED of scanner " + m_sSerial);
 }
 
 void ClScanner::Beep(unsigned int nArg1, unsigned int nArg2) {
+  const ClScanResult oResult;
   Check(LS_VT40Beep(m_hScanner, nArg1, nArg2), "beep");
+  Check(ClScanResult::Last(), "buzzer of scanner " + m_sSerial);
 }
 
 void ClScanner::Display(std::string sText) {
