@@ -15,6 +15,13 @@ endif()
 if(KLV_WERROR)
   target_compile_options(klv_flags INTERFACE -Werror)
 endif()
+# What is shipped resists attacks: buffers are checked where their sizes are known, stacks are guarded, and the linker's tables
+# cannot be written to.
+if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT KLV_SANITIZE)
+  target_compile_options(klv_flags INTERFACE -fstack-protector-strong -fstack-clash-protection)
+  target_compile_definitions(klv_flags INTERFACE _FORTIFY_SOURCE=2)
+  target_link_options(klv_flags INTERFACE "LINKER:-z,relro,-z,now")
+endif()
 if(KLV_SANITIZE)
   target_compile_options(klv_flags INTERFACE
     -fsanitize=${KLV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -42,5 +42,12 @@ klv_package(simulator kelvarin-vt40-simulator libs
   "Stands in for the scan library and the liveness library when it is asked for.")
 # Who installs the tool has a scanner, or asks for the simulated one.
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS kelvarin-vt40-simulator)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)
+# Packages that are built against the library find out by these which version they need.
+file(STRINGS ${CMAKE_SOURCE_DIR}/src/KelvarinLiveScannerVT40/ExportedFunctions.inc rows REGEX "^KLV_EXPORTED")
+list(TRANSFORM rows REPLACE "^KLV_EXPORTED\\(([A-Za-z0-9_]+).*$" " \\1@KELVARIN_LIVE_SCANNER_VT40_1 1.5")
+list(SORT rows)
+list(JOIN rows "\n" KLV_SYMBOLS)
+configure_file(symbols.in symbols @ONLY)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers ${CMAKE_CURRENT_SOURCE_DIR}/shlibs
+  ${CMAKE_CURRENT_BINARY_DIR}/symbols)
 include(CPack)

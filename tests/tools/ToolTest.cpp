@@ -73,6 +73,9 @@ TEST_F(Tool, ASimulatedScannerIsUsedOnlyWhenAskedForAndAlwaysSaysSo) {
   Expect(RunCommand("KELVARIN_VTSIM_SCENE=finger " KLV_RUN KLV_TOOL " list"), 9, "--simulate");
   Expect(RunCommand("KELVARIN_SDK_SIMULATE=1 " KLV_RUN KLV_TOOL " list"), 0, "the scanner is simulated");
   EXPECT_EQ(FactsOf("list --simulate")["simulated"], true);
+  const StRun oLogged =
+      RunCommand("KELVARIN_SDK_LOG=1 " KLV_RUN KLV_TOOL " info --simulate --json 2>/dev/null");
+  EXPECT_EQ(nlohmann::json::parse(oLogged.sOutput)["simulated"], true) << "the library's lines go elsewhere";
   Expect(Run("capture --mode off --scene finger" + Out()), 0, "pels per metre, simulated");
   const std::vector<unsigned char> aPng = FileOf("full.png");
   for (const std::string& sText :

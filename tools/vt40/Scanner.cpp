@@ -73,7 +73,7 @@ ClLibrary::ClLibrary() {
   CheckScanLibraryIsTrusted();
   const long nError = LS_VT40Initialize(nullptr);
   const std::string sReason = nError == KLV_SUCCESS ? "" : m_oSimulator.LastError();
-  if (!sReason.empty()) throw ClToolError(eExitFile, sReason + "; see docs/simulator.md", nError);
+  if (!sReason.empty()) throw ClToolError(eExitFile, sReason + "; see vt40-scene(5)", nError);
   if (nError == KLV_ERROR_FILE_OPEN_FAIL) {
     Fail(eExitScanLibrary, "the scan library libkelvarinvtscanapi.gcc.Release.32.so cannot be loaded", nError,
          "; install it where the dynamic linker finds it, or use the simulated scanner with --simulate");
