@@ -211,7 +211,7 @@ TEST_F(Frames, ADamagedBrightnessBlockStillLeavesFinishedMaps) {
       << "no reference";
 }
 
-TEST_F(Frames, AGridThatAllowsNoMapIsMissedByTheFirstFrame) {
+TEST_F(Frames, AGridThatAllowsNoMapIsMissedByEachFrame) {
   ClGeometricRecord oRecord;
   for (size_t n = 0; n < 64; ++n) oRecord.aTarget[n] = ClVector(10.0 * static_cast<double>(n), 5);
   // Later revisions refuse such a grid at once.
@@ -219,9 +219,11 @@ TEST_F(Frames, AGridThatAllowsNoMapIsMissedByTheFirstFrame) {
   testing::internal::CaptureStdout();
   SetUpScanner(oSetup, GeometricBlock(oRecord), LegacyBrightnessBlock());
   EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("singularity detected"));
-  DrawDots(m_oFrame, 960, 1360, 0.25, 0.5);
-  EXPECT_THAT(Raised([&] { oSetup.CalibratePreview(m_oFrame, m_oOut); }),
-              testing::Pair(-2, EndsWith("Calibrate is not initialized")));
+  for (const int nWidth : {960, 1920, 1920}) {
+    DrawDots(m_oFrame, nWidth, 1360, nWidth / 3840.0, 0.5);
+    EXPECT_THAT(Raised([&] { oSetup.CalibratePreview(m_oFrame, m_oOut); }),
+                testing::Pair(-2, EndsWith("Calibrate is not initialized")));
+  }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Set-up of a ten-finger scanner: tables by revision, brightness and gains, and the threads that make the
+// Set-up of a ten-finger scanner: tables by revision, brightness and gains, and the thread that makes the
 // maps.
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 
@@ -20,16 +20,6 @@ namespace {
 constexpr unsigned int cnNewestRevision = 7;
 /// The illumination keys.
 constexpr unsigned char caKeys[] = {16, 1, 8, 2, 4};
-
-/// Without an input a warp makes its map and nothing else. A map that fails must not prevent the others.
-void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
-  try {
-    oWarp.m_pInImage = nullptr;
-    oWarp.Apply();
-  } catch (...) {
-    std::puts(Klv::FailureText());
-  }
-}
 
 template <typename TData>
 void Serialise(TData& oData, TpArrayStatic<char>& aOut) {
@@ -129,15 +119,17 @@ void ClVT40SetupCalibrationData::Setup(const void* pGeo, unsigned int nGeo, cons
 }
 
 void ClVT40SetupCalibrationData::PrecomputeGeometricData() {
-  ClHelperThread oHighres([this] { CalibrateHighresThread(); });
-  if (m_GeoPreview.m_nPlanes != 0) MakeMap(m_oPreviewWarp);
-  if (m_GeoPreviewSmall.m_nPlanes != 0) MakeMap(m_oPreviewWarpSmall);
-  oHighres.Join();
+  // Frames of all columns, which the engine does not take, get their maps when the first of them comes.
+  MakeMap(m_oPreviewWarpSmall);
+  MakeMap(m_oFullWarpSmall);
 }
 
-void ClVT40SetupCalibrationData::CalibrateHighresThread() {
-  MakeMap(m_oFullWarp);
-  MakeMap(m_oFullWarpSmall);
+void ClVT40SetupCalibrationData::MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept {
+  try {
+    oWarp.Initiate();
+  } catch (...) {
+    std::puts(Klv::FailureText());
+  }
 }
 
 void ClVT40SetupCalibrationData::UpdateGainData(const void* pData, unsigned int nSize) {
@@ -187,10 +179,8 @@ void ClVT40SetupCalibrationData::UpdateBrightnessData(const void* pData, unsigne
                 m_oRefMiniRAW);
   DrawReference(pValues, m_GeoQuarterSmall.m_aActual[0], m_GeoQuarterSmall.m_nSourceWidth,
                 m_GeoQuarterSmall.m_nSourceHeight, m_oRefMiniRAWSmall);
-  Points aSignature;
-  for (unsigned int n = 0; n < nPoints; ++n) aSignature.Add(m_GeoFull.m_aActual[0][n] * 0.25);
-  DrawReference(pValues, aSignature, m_GeoFull.m_nSourceWidth >> 2, m_GeoFull.m_nSourceHeight >> 2,
-                m_oRefSignature);
+  // Signature frames have the size and the points of a quarter.
+  m_oRefSignature = m_oRefMiniRAW;
   KLV_CHECK(ClIpCut().ApplyParam(m_oRefSignature, 0, 0, m_oRefSignature.Width(), m_oRefSignature.Height() / 2,
                                  m_oRefSignatureHalf));
 }

@@ -17,10 +17,9 @@
 /// Turns the three calibration blocks of a scanner into maps, brightness references and gains, and its frames
 /// into rectified, evenly lit pictures.
 ///
-/// Setup runs on the calling thread and two of its own: maps of preview frames, maps of full frames, and
-/// brightness references are made side by side. They share nothing that is written: references are computed
-/// from the geometric data sets, and each map belongs to one thread. All are joined before Setup returns or
-/// raises.
+/// Setup runs on the calling thread and one of its own: maps and brightness references are made side by side.
+/// They share nothing that is written, since both are computed from the geometric data sets. The thread is
+/// joined before Setup returns or raises.
 ///
 /// Domain     frames are eUint8, one plane, aligned rows; each call knows its kinds of frame by their size.
 /// Units      target pictures have 500 dpi, previews 250 dpi.
@@ -36,7 +35,9 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   ClVT40SetupCalibrationData(const char* szSerial, bool bUsbPowered);
 
   void UpdateGeometricData(const void* pData, unsigned int nSize) override;
-  /// Makes the four maps, on two threads. When a map cannot be made, the first call that needs it fails.
+  /// Makes the maps of frames with merged columns. Those of frames with all columns, which cost eight times
+  /// as much, are made by the first call that needs them. When a map cannot be made, each call that needs it
+  /// fails.
   void PrecomputeGeometricData() override;
   void StoreData(const char* szDirectory) override;
   unsigned int GetExposure() override;
@@ -73,12 +74,14 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   static constexpr int cnWorkWidth = 2560;
   static constexpr int cnWorkHeight = 2720;
 
+  /// Makes a map unless it is made, or was tried and failed. The reason of a failure is printed: a map that
+  /// can't be made must not prevent the others.
+  static void MakeMap(ClIpCalibrateGeometricBase& oWarp) noexcept;
   static void Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut);
   void FillTables();
   void CheckPoints(const ClCalibrateGeometricData& oData) const;
   static void RepairPoints(Points& aPoints);
   void DeriveDataSets();
-  void CalibrateHighresThread();
   void DrawReference(const double* pValues, const Points& aPoints, uint32_t nWidth, uint32_t nHeight,
                      ClImage& oOut);
   void WarpRoll(ClIpCalibrateGeometricBase& oWarp, const ClImage& oStrip,

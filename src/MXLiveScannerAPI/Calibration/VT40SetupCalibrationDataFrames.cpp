@@ -51,6 +51,7 @@ class ClRollRegion {
 }  // namespace
 
 void ClVT40SetupCalibrationData::Warp(ClIpCalibrateGeometricBase& oWarp, const ClImage& oIn, ClImage& oOut) {
+  MakeMap(oWarp);
   oWarp.m_pInImage = &oIn;
   oWarp.m_pOutImage = &oOut;
   KLV_CHECK(oWarp.Apply());
