@@ -71,11 +71,11 @@ void OneShot(benchmark::State& oState) {
   Poll(oState, KLV_VT40_CAPTURE_MODE_OFF, LS_VT40GetImage);
 }
 
-BENCHMARK(OpenScanner)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(PreviewPoll)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(FullPoll)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(CaptureOnRequest)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(OneShot)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(OpenScanner)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK(PreviewPoll)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK(FullPoll)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK(CaptureOnRequest)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
+BENCHMARK(OneShot)->Unit(benchmark::kMillisecond)->UseRealTime()->MeasureProcessCPUTime();
 
 }  // namespace
 

@@ -95,6 +95,14 @@ void AdjustBrightness800(benchmark::State& oState) {
   }
 }
 
+/// What scripts/bench keeps with the times, taken before a benchmark changes the level.
+[[maybe_unused]] const bool g_bSurroundings = [] {
+  benchmark::AddCustomContext("level", LevelName(Level()));
+  benchmark::AddCustomContext("compiler", KLV_COMPILER);
+  benchmark::AddCustomContext("flags", KLV_FLAGS);
+  return true;
+}();
+
 const std::vector<int64_t> g_aLevels = {eLevelScalar, eLevelSse4, eLevelAvx2, eLevelAvx3};
 
 BENCHMARK(Warp1600)->ArgsProduct({g_aLevels})->Unit(benchmark::kMillisecond);
