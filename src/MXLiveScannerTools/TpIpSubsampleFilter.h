@@ -24,6 +24,7 @@ class ClIpSubsampleFilterBase : public NewIpBase::ClIp1to1Base {
   long ApplyParam(ClImage& oIn, ClImage& oOut, int nWidth, int nHeight);
 
   const char* Name() const override { return "ClIpSubsampleFilter"; }
+  void SetParametersToDefault() override { nNewWidth = nNewHeight = 0; }
   void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:

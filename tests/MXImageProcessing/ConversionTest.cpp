@@ -43,11 +43,6 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
   ClIpMoveImage oMove;
   const auto At = [](const ClImage& o, int x, int y, int k) { return o.Row<T>(y)[x * o.Planes() + k]; };
   std::vector<TpRule<T>> aRules = {
-      {"Scale", [&](ClImage& i, ClImage& o) { return oScale.ApplyParam(i, o, -1.75); },
-       [&](const ClImage& o, int x, int y, int k) {
-         const double dScaled = static_cast<double>(At(o, x, y, k)) * -1.75;
-         return ElementFromDouble<T>(std::clamp(dScaled, o.Black(), o.White()));
-       }},
       {"Invert", [&](ClImage& i, ClImage& o) { return oInvert.ApplyParam(i, o); },
        [&](const ClImage& o, int x, int y, int k) {
          return ElementFromDouble<T>(o.White() - static_cast<double>(At(o, x, y, k)) + o.Black());
@@ -56,6 +51,14 @@ TYPED_TEST(EveryType, OneImageProcessorsEqualTheirFormulasInRowsThatAreNotAligne
        [&](const ClImage& o, int x, int y, int k) { return std::clamp<T>(At(o, x, y, k), 3, 20); }},
       {"Cut", [&](ClImage& i, ClImage& o) { return oCut.ApplyParam(i, 2, 1, 33, 4, o); },
        [&](const ClImage& o, int x, int y, int k) { return At(o, x + 2, y + 1, k); }}};
+  for (const double dFactor : {-1.75, 1.75}) {
+    aRules.push_back({dFactor < 0 ? "Scale" : "Scale up",
+                      [&, dFactor](ClImage& i, ClImage& o) { return oScale.ApplyParam(i, o, dFactor); },
+                      [&, dFactor](const ClImage& o, int x, int y, int k) {
+                        const double dScaled = static_cast<double>(At(o, x, y, k)) * dFactor;
+                        return ElementFromDouble<T>(std::clamp(dScaled, o.Black(), o.White()));
+                      }});
+  }
   for (const auto& [bX, bY] : {std::pair(true, false), {false, true}, {true, true}}) {
     aRules.push_back(
         {"Flip", [&, bX = bX, bY = bY](ClImage& i, ClImage& o) { return oFlip.ApplyParam(i, o, bX, bY); },

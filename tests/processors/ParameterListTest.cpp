@@ -145,8 +145,8 @@ TEST(ParameterLists, AreThoseOfThePage) {
 }
 
 TEST(ParameterLists, BindEachParameterToAMemberOfItsOwnAndCopyItUnlessItIsAnImage) {
-  // Images, and the sizes that only the caller knows, stay when defaults are restored.
-  const std::string szKept = " nNewWidth nNewHeight nInTargetWidth nInTargetHeight";
+  // Images, and the sizes of pictures that are drawn from nothing, stay when defaults are restored.
+  const std::string szKept = " nInTargetWidth nInTargetHeight";
   for (const auto& pProcessor : AllProcessors()) {
     const std::vector<std::string> aDefaults = ValuesOf(*pProcessor);
     for (unsigned int n = 0; n < aDefaults.size(); ++n) {

@@ -1,6 +1,7 @@
 // The scan library's functions: devices, handles, files, registers, and what they answer to misuse.
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstdlib>
 
 #include "SimulatorFixture.h"
@@ -194,6 +195,23 @@ TEST_F(SimulatorTest, ReportsWhereTheTargetsDotsAreWhereOneLies) {
   EXPECT_EQ(VTSimGetTargetDots(nullptr, aDots.data(), &nCount), 0);
   ASSERT_EQ(nCount, 64u);
   EXPECT_GT(aDots[56].dY, aDots[0].dY + 70.0);
+}
+
+TEST_F(SimulatorTest, SaysWhereAPointOfThePictureFallsOnTheSensor) {
+  Start(R"({"scanners": [{"target": {}}]})");
+  VTSimPoint aDots[64], o;
+  unsigned nCount = 64;
+  ASSERT_EQ(VTSimGetTargetDots(nullptr, aDots, &nCount), 0);
+  // The dots lie 10 mm apart round the middle of 81.28 mm; 0 is the centre of the first pixel. The first
+  // column is the left one of the sensor, which sees the platen mirrored.
+  const auto Pixel = [](unsigned n) { return (40.64 + 10.0 * (n - 3.5)) / 25.4 * 500 - 0.5; };
+  for (unsigned n = 0; n < 64; ++n) {
+    ASSERT_EQ(VTSimPictureToSensor(nullptr, Pixel(7 - n / 8), Pixel(n % 8), &o.dX, &o.dY), 0);
+    ASSERT_NEAR(o.dX, aDots[n].dX, 0.01) << n;
+    ASSERT_NEAR(o.dY, aDots[n].dY, 0.01) << n;
+  }
+  EXPECT_EQ(VTSimPictureToSensor(nullptr, NAN, 0, &o.dX, &o.dY), -44);
+  EXPECT_EQ(VTSimPictureToSensor(nullptr, 0, 0, &o.dX, nullptr), -701);
 }
 
 TEST_F(SimulatorTest, TheEnvironmentsSceneHoldsFromTheFirstCallOnWithWhatIsSetBefore) {
