@@ -45,7 +45,7 @@ void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size
                 size_t nCount) noexcept;
 decltype(MXKernels::WeightLine)::Row WeightLine;
 
-decltype(MXKernels::ZeroBitsRow)::Row ZeroBitsRow;
+decltype(MXKernels::BelowBitsRow)::Row BelowBitsRow;
 
 OneRow<uint8_t> ReverseRow, ScaleUpRow;
 decltype(MXKernels::SplitPairsRow)::Row SplitPairsRow;

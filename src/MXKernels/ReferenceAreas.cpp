@@ -114,9 +114,9 @@ void WeightLine(const int32_t* pLine, const int32_t* pTaps, size_t nTaps, int32_
   }
 }
 
-void ZeroBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount) noexcept {
+void BelowBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount, uint8_t nLimit) noexcept {
   std::fill_n(pBits, (nCount + 63) / 64, uint64_t{0});
-  for (size_t i = 0; i < nCount; ++i) pBits[i / 64] |= static_cast<uint64_t>(pIn[i] == 0) << (i % 64);
+  for (size_t i = 0; i < nCount; ++i) pBits[i / 64] |= static_cast<uint64_t>(pIn[i] < nLimit) << (i % 64);
 }
 
 void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {

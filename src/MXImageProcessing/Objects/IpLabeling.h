@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "MXImageProcessing/RunSets.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/ProcessorBase.h"
 #include "MXTools/TpArrayDynamic.h"
@@ -34,30 +35,8 @@ class ClIpLabeling : public ClProcessorBase {
   long Process() override;
 
  private:
-  /// A run [m_nBegin, m_nEnd) of object pixels in one row.
-  struct ClLinePart {
-    int32_t m_nBegin;
-    int32_t m_nEnd;
-  };
-  /// Two runs of neighbouring rows that touch.
-  struct ClPair {
-    uint32_t m_nUpper;
-    uint32_t m_nLower;
-  };
-  using ClLineParts = TpArrayDynamic<ClLinePart, 100>;
-
-  void FindRuns(const uint8_t* pRow, int nWidth);
-  void JoinRows(unsigned int nAbove, unsigned int nBelow);
-  uint32_t LeaderOf(uint32_t nRun);
-  void Join(uint32_t nRunA, uint32_t nRunB);
-  void NumberSets();
   void WriteLabels();
 
-  /// The runs of all rows; for each row the number of those up to its end.
-  ClLineParts m_aRuns;
-  TpArrayDynamic<uint32_t, 1> m_aRowEnds;
-  /// Runs that touch belong to one set: each run leads to an earlier one of its set, the first to itself.
-  TpArrayDynamic<uint32_t, 1> m_aLeaders;
   TpArrayDynamic<uint64_t, 1> m_aBits;
-  TpArrayDynamic<ClPair, 1> m_aPairs;
+  ClRunSets m_oSets;
 };
