@@ -46,6 +46,7 @@ void WeightRows(const T* pIn, const size_t* pOffsets, const int32_t* pTaps, size
 decltype(MXKernels::WeightLine)::Row WeightLine;
 
 decltype(MXKernels::BelowBitsRow)::Row BelowBitsRow;
+decltype(MXKernels::BytesOfBitsRow)::Row BytesOfBitsRow;
 
 OneRow<uint8_t> ReverseRow, ScaleUpRow;
 decltype(MXKernels::SplitPairsRow)::Row SplitPairsRow;
@@ -59,7 +60,8 @@ decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
 decltype(MXKernels::AddSquaredDistanceRow)::Row AddSquaredDistanceRow;
 decltype(MXKernels::FingerRow)::Row FingerRow;
 
-TwoRows<uint8_t> WeightedBlendRow, BelowRow;
+TwoRows<uint8_t> WeightedBlendRow;
+decltype(MXKernels::SquaredDifferenceWhere)::Row SquaredDifferenceWhere;
 
 decltype(MXKernels::AddSplineBasisRow)::Row AddSplineBasisRow;
 decltype(MXKernels::AddSplineBasisPairRow)::Row AddSplineBasisPairRow;

@@ -119,6 +119,10 @@ void BelowBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount, uint8_t nL
   for (size_t i = 0; i < nCount; ++i) pBits[i / 64] |= static_cast<uint64_t>(pIn[i] < nLimit) << (i % 64);
 }
 
+void BytesOfBitsRow(const uint64_t* pBits, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pOut[i] = (pBits[i / 64] >> (i % 64) & 1) != 0 ? 255 : 0;
+}
+
 void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
   std::reverse_copy(pIn, pIn + nCount, pOut);
 }

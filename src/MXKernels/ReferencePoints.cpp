@@ -137,8 +137,14 @@ void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOu
   }
 }
 
-void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] < pLimit[i] ? 255 : 0;
+uint64_t SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint64_t* pBitsA,
+                                const uint64_t* pBitsB, size_t nCount) noexcept {
+  uint64_t nSum = 0;
+  for (size_t i = 0; i < nCount; ++i) {
+    const int nDifference = ((pBitsA[i / 64] & pBitsB[i / 64]) >> (i % 64) & 1) != 0 ? pA[i] - pB[i] : 0;
+    nSum += static_cast<uint64_t>(nDifference * nDifference);
+  }
+  return nSum;
 }
 
 namespace {

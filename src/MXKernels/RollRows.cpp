@@ -1,7 +1,5 @@
-// Vector variants of the kernels that put rolled prints together, and those that have no other form.
+// Vector variants of the kernels that put rolled prints together.
 #include "MXKernels/RollRows.h"
-
-#include <algorithm>
 
 #include "KernelTargets.h"
 #include "MXKernels/Reference.h"
@@ -29,13 +27,41 @@ void WeightedBlendRow(const uint8_t* pIn, const uint8_t* pWeight, uint8_t* pInOu
   }
 }
 
-void BelowRow(const uint8_t* pIn, const uint8_t* pLimit, uint8_t* pOut, size_t nCount) noexcept {
-  ForEachPair(pIn, pLimit, pOut, nCount, Reference::BelowRow, [](auto vIn, auto vLimit) HWY_ATTR {
-    const Bytes d;
-    // x86 has no unsigned comparison of bytes, but an unsigned maximum.
-    const auto bAtLeast = hn::Max(vIn, vLimit) == vIn;
-    return hn::IfThenElse(bAtLeast, hn::Zero(d), hn::Set(d, 255));
-  });
+uint64_t SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint64_t* pBitsA,
+                                const uint64_t* pBitsB, size_t nCount) noexcept {
+  const Bytes d8;
+  const hn::RepartitionToWide<Bytes> d16;
+  const hn::RebindToSigned<decltype(d16)> dSigned16;
+  const hn::RepartitionToWide<decltype(dSigned16)> d32;
+  // A 32-bit lane gets 16 squares of a word at most: it holds those of 4096 words.
+  constexpr size_t cnBlock = size_t{64} * 4096;
+  const size_t nWhole = nCount - nCount % 64;
+  uint64_t nSum = 0;
+  for (size_t nFrom = 0; nFrom < nWhole; nFrom += cnBlock) {
+    auto vLow = hn::Zero(d32), vHigh = hn::Zero(d32);
+    for (size_t i = nFrom; i < HWY_MIN(nWhole, nFrom + cnBlock); i += 64) {
+      const uint64_t nBits = pBitsA[i / 64] & pBitsB[i / 64];
+      if (nBits == 0) continue;
+      uint8_t aBits[8];
+      __builtin_memcpy(aBits, &nBits, 8);
+      for (size_t k = 0; k < 64; k += hn::Lanes(d8)) {
+        const auto vA = hn::LoadU(d8, pA + i + k), vB = hn::LoadU(d8, pB + i + k);
+        const auto vDistance =
+            hn::IfThenElseZero(hn::LoadMaskBits(d8, aBits + k / 8), hn::Max(vA, vB) - hn::Min(vA, vB));
+        const auto vEven = hn::BitCast(dSigned16, hn::BitCast(d16, vDistance) & hn::Set(d16, 255));
+        const auto vOdd = hn::BitCast(dSigned16, hn::ShiftRight<8>(hn::BitCast(d16, vDistance)));
+        vLow = hn::ReorderWidenMulAccumulate(d32, vEven, vEven, vLow, vHigh);
+        vLow = hn::ReorderWidenMulAccumulate(d32, vOdd, vOdd, vLow, vHigh);
+      }
+    }
+    HWY_ALIGN int32_t aLanes[HWY_MAX_BYTES / sizeof(int32_t)];
+    for (const auto vSums : {vLow, vHigh}) {
+      hn::Store(vSums, d32, aLanes);
+      for (size_t i = 0; i < hn::Lanes(d32); ++i) nSum += static_cast<uint32_t>(aLanes[i]);
+    }
+  }
+  return nSum + Reference::SquaredDifferenceWhere(pA + nWhole, pB + nWhole, pBitsA + nWhole / 64,
+                                                  pBitsB + nWhole / 64, nCount - nWhole);
 }
 
 }  // namespace MXKernels::HWY_NAMESPACE
@@ -46,32 +72,7 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_KERNEL(WeightedBlendRow);
-MXKERNELS_KERNEL(BelowRow);
-
-size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
-  size_t nBelow = 0;
-  for (size_t i = 0; i < nCount; ++i) nBelow += (pA[i] < 255) & (pB[i] < 255);
-  return nBelow;
-}
-
-void SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint8_t* pFirstMask,
-                            const uint8_t* pSecondMask, size_t nCount, MaskedDifference& rTotal) noexcept {
-  // Compilers turn these 32-bit sums into vectors; they hold 65536 terms of at most 65025.
-  constexpr size_t cnBlock = 65536;
-  for (size_t nBegin = 0; nBegin < nCount; nBegin += cnBlock) {
-    const size_t nEnd = std::min(nCount, nBegin + cnBlock);
-    uint32_t nSum = 0;
-    uint32_t nTaken = 0;
-    for (size_t i = nBegin; i < nEnd; ++i) {
-      const uint32_t nTakes = (pFirstMask[i] & pSecondMask[i]) == 255;
-      const int nDifference = pA[i] - pB[i];
-      nSum += nTakes * static_cast<uint32_t>(nDifference * nDifference);
-      nTaken += nTakes;
-    }
-    rTotal.m_nSum += nSum;
-    rTotal.m_nCount += nTaken;
-  }
-}
+MXKERNELS_KERNEL(SquaredDifferenceWhere);
 
 }  // namespace MXKernels
 #endif

@@ -10,20 +10,9 @@ namespace MXKernels {
 /// pOut[i] = (pA[i] * pB[i] + pOut[i] * (255 - pB[i])) / 255, the division truncated: pB weighs pA.
 extern const TpKernel<TwoRows<uint8_t>> WeightedBlendRow;
 
-/// pOut[i] = pA[i] < pB[i] ? 255 : 0. pOut may equal any input.
-extern const TpKernel<TwoRows<uint8_t>> BelowRow;
-
-/// Number of i for which both pA[i] and pB[i] are below 255.
-size_t CountBothBelowWhite(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept;
-
-/// What SquaredDifferenceWhere has added up.
-struct MaskedDifference {
-  uint64_t m_nSum = 0;    ///< of (pA[i] - pB[i])^2
-  uint64_t m_nCount = 0;  ///< of the i that took part
-};
-
-/// Adds the i for which both pFirstMask[i] and pSecondMask[i] are 255.
-void SquaredDifferenceWhere(const uint8_t* pA, const uint8_t* pB, const uint8_t* pFirstMask,
-                            const uint8_t* pSecondMask, size_t nCount, MaskedDifference& rTotal) noexcept;
+/// Sum of (pA[i] - pB[i])^2 over the i of [0, nCount) whose bits i % 64 of the words i / 64 are both set.
+extern const TpKernel<uint64_t(const uint8_t* pA, const uint8_t* pB, const uint64_t* pBitsA,
+                               const uint64_t* pBitsB, size_t nCount) noexcept>
+    SquaredDifferenceWhere;
 
 }  // namespace MXKernels

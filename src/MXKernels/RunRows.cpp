@@ -1,4 +1,4 @@
-// Vector variants of the kernels that look for runs.
+// Vector variants of the kernels that turn samples to bits and back.
 #include "MXKernels/RunRows.h"
 
 #include "KernelTargets.h"
@@ -34,6 +34,19 @@ void BelowBitsRow(const uint8_t* pIn, uint64_t* pBits, size_t nCount, uint8_t nL
   if (nCount % 64 != 0) pBits[nWords] = BitsBelow(pIn + nCount - 64, nLimit) >> (64 - nCount % 64);
 }
 
+void BytesOfBitsRow(const uint64_t* pBits, uint8_t* pOut, size_t nCount) noexcept {
+  const Bytes d;
+  const size_t nWhole = nCount - nCount % 64;
+  for (size_t i = 0; i < nWhole; i += 64) {
+    uint8_t aBits[8];
+    __builtin_memcpy(aBits, pBits + i / 64, 8);
+    for (size_t k = 0; k < 64; k += hn::Lanes(d)) {
+      hn::StoreU(hn::VecFromMask(d, hn::LoadMaskBits(d, aBits + k / 8)), d, pOut + i + k);
+    }
+  }
+  Reference::BytesOfBitsRow(pBits + nWhole / 64, pOut + nWhole, nCount - nWhole);
+}
+
 }  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
@@ -42,6 +55,7 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_KERNEL(BelowBitsRow);
+MXKERNELS_KERNEL(BytesOfBitsRow);
 
 }  // namespace MXKernels
 #endif

@@ -42,12 +42,25 @@ TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
             (std::vector<int32_t>{2, 4, 2, 1}));
 }
 
-TEST(RollRows, CountAndDifferenceTakeOnlyWhatBothShow) {
-  const Bytes aA{0, 254, 255, 10}, aB{0, 255, 254, 250};
-  EXPECT_EQ(CountBothBelowWhite(aA.data(), aB.data(), 4), 2u);
-  const Bytes aFirstMask{255, 254, 255, 255}, aSecondMask{255, 255, 0, 255};
-  MaskedDifference oTotal;
-  SquaredDifferenceWhere(aA.data(), aB.data(), aFirstMask.data(), aSecondMask.data(), 4, oTotal);
-  EXPECT_EQ(oTotal.m_nSum, 240u * 240u);
-  EXPECT_EQ(oTotal.m_nCount, 2u);
+TEST(RollRows, DifferencesAreTakenWhereBothBitsAre) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const Bytes aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);
+    std::vector<uint64_t> aBits[2], aActual(1);
+    uint64_t nExpected = 0;
+    const Bytes aTaken = oSamples.Row<uint8_t>(nCount, 3);
+    for (const unsigned n : {1U, 2U}) {
+      Bytes aRow(nCount);
+      for (size_t i = 0; i < nCount; ++i) aRow[i] = (aTaken[i] & n) != 0 ? 0 : 255;
+      aBits[n - 1].resize((nCount + 63) / 64);
+      BelowBitsRow(aRow.data(), aBits[n - 1].data(), nCount, 7);
+      Bytes aBack(nCount);
+      BytesOfBitsRow(aBits[n - 1].data(), aBack.data(), nCount);
+      for (uint8_t& nSample : aBack) nSample = static_cast<uint8_t>(~nSample);
+      EXPECT_EQ(aBack, aRow);
+    }
+    for (size_t i = 0; i < nCount; ++i)
+      nExpected += aTaken[i] == 3 ? static_cast<uint64_t>((aA[i] - aB[i]) * (aA[i] - aB[i])) : 0;
+    EXPECT_EQ(SquaredDifferenceWhere(aA.data(), aB.data(), aBits[0].data(), aBits[1].data(), nCount),
+              nExpected);
+  });
 }

@@ -3,11 +3,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <functional>
+#include <random>
 #include <vector>
 
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 #include "MXTools/Exception.h"
+#include "PlainRoll.h"
 #include "Raised.h"
 #include "portable/Math.h"
 
@@ -214,6 +217,55 @@ TEST_F(Roll, AResetBeginsAfreshAndFreesTheSize) {
   ClImage oOther;
   oOther.NewWithType(ClImage::eInt16, 300, 200, 1, 0, 0, true);
   EXPECT_EQ(Number(oOther), -33);
+  m_oRoll.ResetProcessor();
+  oOther.NewWithType(ClImage::eUint8, 300, 200, 3, 0, 0, true);
+  EXPECT_EQ(Number(oOther), -101);
+  m_oRoll.ResetProcessor();
+  Empty(300, 1);
+  EXPECT_EQ(Number(m_oFrame), -101);
+}
+
+/// Frames of a finger that rolls over the borders of the image: grey ridges, and specks up to its edges.
+void DrawAny(std::mt19937& oRandom, int nWidth, int nHeight, int nShift, ClImage& oFrame) {
+  oFrame.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 19685, 19685, true);
+  oFrame = static_cast<unsigned char>(255);
+  const auto Below = [&](int n) { return static_cast<int>(oRandom() % static_cast<unsigned>(n)); };
+  const int nPeriod = 3 + Below(3);
+  for (int y = 0; y < nHeight; ++y) {
+    for (int x = 0; x < nWidth; ++x) {
+      const double dX = 2.5 * (x - nShift) / nWidth, dY = 2.0 * y / nHeight - 1.0;
+      if (dX * dX + dY * dY > 1.1) continue;
+      oFrame.Row<unsigned char>(y)[x] =
+          static_cast<unsigned char>((x + y) % nPeriod < 2 ? 20 + Below(100) : 140 + Below(116));
+    }
+  }
+  for (int n = Below(9); n > 0; --n) {
+    const int x = Below(3) == 0 ? Below(2) * (nWidth - 1) : Below(nWidth);
+    const int y = Below(3) == 0 ? Below(2) * (nHeight - 1) : Below(nHeight);
+    oFrame.Row<unsigned char>(y)[x] = static_cast<unsigned char>(Below(256));
+  }
+}
+
+TEST(RollOfAnySize, EqualsThePlainRoadFrameByFrame) {
+  const std::pair<int, int> aSizes[] = {{200, 150}, {129, 130}, {64, 300}, {191, 67}, {13, 900},
+                                        {1900, 10}, {20, 500},  {14, 700}, {600, 14}, {5000, 4}};
+  std::mt19937 oRandom(11);
+  for (const auto& [nWidth, nHeight] : aSizes) {
+    ClPlainRoll oPlain;
+    ClIpAutoRoll oRoll;
+    ClImage oFrame, oExpected, oActual;
+    for (int n = 0; n < 33; ++n) {
+      SCOPED_TRACE(testing::Message() << nWidth << " by " << nHeight << ", frame " << n);
+      const int nStep = n / 11 == 2 ? 1 : nWidth / 12;
+      DrawAny(oRandom, nWidth, nHeight, n % 11 == 10 ? -nWidth : n % 11 * nStep, oFrame);
+      const long nVerdict = oPlain.Show(oFrame, oExpected);
+      EXPECT_EQ(oRoll.ApplyParam(oFrame, oActual), nVerdict);
+      for (int y = 0; y < nHeight; ++y)
+        ASSERT_EQ(std::memcmp(oActual.Row<char>(y), oExpected.Row<char>(y), static_cast<size_t>(nWidth)), 0)
+            << y;
+    }
+    EXPECT_EQ(oRoll.GetProcessorState(), ClIpAutoRoll::eStateFinished);
+  }
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "MXImageProcessing/Histogram.h"
 #include "MXImageProcessing/MakeProcessor.h"
+#include "MXKernels/RunRows.h"
 #include "MXTools/Exception.h"
 #include "portable/Math.h"
 
@@ -18,6 +18,9 @@ constexpr int cnMaxTwisted = 2;
 constexpr int cnMaxSlipped = 2;
 /// By how many columns the centre must move over three frames to show a direction.
 constexpr double cdMinShift = 20.0;
+/// The side of the windows over which a print becomes one piece.
+constexpr int cnBlobSide = 15;
+constexpr double cdWhite = 255.0;
 /// Share of the merged print that a single frame may show at most.
 constexpr double cdMaxFlatShare = 0.7;
 /// Up to this number of dark pixels in the middle of a frame there is no finger.
@@ -30,17 +33,6 @@ constexpr int64_t SumBelow(int64_t n) {
 }
 constexpr int64_t SumOfSquaresBelow(int64_t n) {
   return n * (n - 1) * (2 * n - 1) / 6;
-}
-
-/// Calls fnRun(label, begin, end) for each longest stretch [begin, end) of one label above 0.
-template <typename TRun>
-void ForEachRun(const int32_t* pLabels, int nWidth, const TRun& fnRun) {
-  for (int x = 0; x < nWidth;) {
-    const int nBegin = x;
-    const int32_t nLabel = pLabels[x++];
-    while (x < nWidth && pLabels[x] == nLabel) ++x;
-    if (nLabel != 0) fnRun(nLabel, int64_t{nBegin}, int64_t{x});
-  }
 }
 
 }  // namespace
@@ -64,9 +56,7 @@ void ClIpAutoRoll::SetParametersToDefault() {
 
 void ClIpAutoRoll::ResetProcessor() {
   m_nProcessorState = eStateIdle;
-  m_oCurrent.Delete();
   m_oMerged.Delete();
-  m_bFingerPresent = false;
   m_nReturnCode = 0;
   m_nImageCount = 0;
   m_aMoments.clear();
@@ -86,48 +76,56 @@ void ClIpAutoRoll::CheckInOutImageTypes() {
 
 long ClIpAutoRoll::Process() {
   if (m_oMerged.Width() == 0) {
-    for (ClImage* pImage : {&m_oMerged, &m_oCurrent}) {
-      pImage->New(*m_pInImage);
-      *pImage = static_cast<unsigned char>(255);
-    }
+    m_oMerged.New(*m_pInImage);
+    m_oMerged = static_cast<unsigned char>(255);
   }
-  EnhanceCurrentImage();
+  const bool bFinger = ShowsFinger();
   if (m_nProcessorState == eStateRolling) {
-    m_bFingerPresent ? ContinueRoll() : FinishRoll();
-  } else if (m_bFingerPresent) {
+    bFinger ? ContinueRoll() : FinishRoll();
+  } else if (bFinger) {
     BeginRoll();
   }
   *m_pOutImage = m_oMerged;
   return m_nReturnCode;
 }
 
-void ClIpAutoRoll::EnhanceCurrentImage() {
-  m_oCurrent = *m_pInImage;
-  const int nWidth = m_oCurrent.Width();
-  const int nHeight = m_oCurrent.Height();
-  ClHistogram oMiddle;
-  oMiddle.Create(m_oCurrent, nWidth / 10, nHeight / 10, 9 * nWidth / 10, 9 * nHeight / 10);
-  int nDark = 0;
-  for (unsigned char n = 0; n <= cnDarkGrey; ++n) nDark += oMiddle.Count(n);
-  m_bFingerPresent = nDark > cnEmptyPixels;
+bool ClIpAutoRoll::ShowsFinger() {
+  const ClImage& oFrame = *m_pInImage;
+  const int nLeft = oFrame.Width() / 10, nRight = 9 * oFrame.Width() / 10;
+  const int nTop = oFrame.Height() / 10, nBottom = 9 * oFrame.Height() / 10;
+  if (oFrame.Planes() > 1) KLV_RAISE(ClException, "Frames of a roll have one plane.", -101);
+  if (nLeft >= nRight || nTop >= nBottom) KLV_RAISE(ClException, "The frame has no middle.", -101);
+  const auto nCount = static_cast<size_t>(nRight - nLeft);
+  m_aBits.resize((nCount + 63) / 64);
+  int64_t nDark = 0;
+  for (int y = nTop; y < nBottom; ++y) {
+    MXKernels::BelowBitsRow(oFrame.Row<uint8_t>(y) + nLeft, m_aBits.data(), nCount, cnDarkGrey + 1);
+    for (const uint64_t nBits : m_aBits) nDark += nBits == 0 ? 0 : __builtin_popcountll(nBits);
+  }
+  return nDark > cnEmptyPixels;
 }
 
 void ClIpAutoRoll::BeginRoll() {
-  m_aMoments.push_back(ComputeCenterOfMassAndCentroidAngle());
-  DetermineRollDirectionAndAngle();
+  MeasureFrame();
   m_nProcessorState = eStateRolling;
   m_nReturnCode = 0;
   m_oMerged = static_cast<unsigned char>(255);
   // The first frame is measured but paints nothing: a finger comes down blurred.
-  m_oCurrent = static_cast<unsigned char>(255);
-  m_bBlurred = false;
-  AddCurrentImage();
+  m_pFrame->Clear(m_oMerged.Width(), m_oMerged.Height());
+  m_nImageCount = 1;
+  std::swap(m_pFrame, m_pLastFrame);
 }
 
 void ClIpAutoRoll::ContinueRoll() {
+  MeasureFrame();
+  AddFrame();
+}
+
+/// Where the finger lies, and which way it rolls.
+void ClIpAutoRoll::MeasureFrame() {
+  m_pFrame->Take(*m_pInImage);
   m_aMoments.push_back(ComputeCenterOfMassAndCentroidAngle());
   DetermineRollDirectionAndAngle();
-  AddCurrentImage();
 }
 
 void ClIpAutoRoll::FinishRoll() {
@@ -147,31 +145,28 @@ void ClIpAutoRoll::FinishRoll() {
   m_nImageCount = 0;
 }
 
-ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(ClImage& oImage) {
-  m_oMean.ApplyParam(oImage, m_oBlurred, cnBlobWidth);
-  m_oBinarize.ApplyParam(m_oBlurred, m_oSoft, cdWhite);
-  m_oLabeling.ApplyParam(m_oSoft, m_oLabels);
-  m_aLabelSizes.assign(static_cast<size_t>(m_oLabeling.m_nLabels) + 1, 0);
-  for (int y = 0; y < m_oLabels.Height(); ++y) {
-    ForEachRun(m_oLabels.Row<int32_t>(y), m_oLabels.Width(),
-               [&](int32_t nLabel, int64_t nBegin, int64_t nEnd) {
-                 m_aLabelSizes[static_cast<size_t>(nLabel)] += nEnd - nBegin;
-               });
+ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(const ClBitPlane& oCovered) {
+  m_oBlobs.Dilate(oCovered, ClRollMeans::HalfOf(cnBlobSide, oCovered.Width(), oCovered.Height()));
+  m_oSets.Begin(m_oBlobs.Width(), m_oBlobs.Height());
+  for (int y = 0; y < m_oBlobs.Height(); ++y) m_oSets.AddRow(m_oBlobs.Row(y));
+  m_aSetSizes.assign(static_cast<size_t>(m_oSets.NumberSets()) + 1, 0);
+  for (int y = 0; y < m_oBlobs.Height(); ++y) {
+    m_oSets.ForEachRun(y, [&](int32_t nSet, int64_t nBegin, int64_t nEnd) {
+      m_aSetSizes[static_cast<size_t>(nSet)] += nEnd - nBegin;
+    });
   }
   StRegion oRegion;
-  if (m_oLabeling.m_nLabels == 0) return oRegion;
-  const auto itLargest = std::max_element(m_aLabelSizes.begin() + 1, m_aLabelSizes.end());
-  const auto nLargest = static_cast<int32_t>(itLargest - m_aLabelSizes.begin());
+  const auto itLargest = std::max_element(m_aSetSizes.begin(), m_aSetSizes.end());
+  const auto nLargest = static_cast<int32_t>(itLargest - m_aSetSizes.begin());
   oRegion.nCount = *itLargest;
-  for (int y = 0; y < m_oLabels.Height(); ++y) {
+  for (int y = 0; y < m_oBlobs.Height(); ++y) {
     int64_t nCount = 0, nX = 0, nXX = 0;
-    ForEachRun(m_oLabels.Row<int32_t>(y), m_oLabels.Width(),
-               [&](int32_t nLabel, int64_t nBegin, int64_t nEnd) {
-                 if (nLabel != nLargest) return;
-                 nCount += nEnd - nBegin;
-                 nX += SumBelow(nEnd) - SumBelow(nBegin);
-                 nXX += SumOfSquaresBelow(nEnd) - SumOfSquaresBelow(nBegin);
-               });
+    m_oSets.ForEachRun(y, [&](int32_t nSet, int64_t nBegin, int64_t nEnd) {
+      if (nSet != nLargest) return;
+      nCount += nEnd - nBegin;
+      nX += SumBelow(nEnd) - SumBelow(nBegin);
+      nXX += SumOfSquaresBelow(nEnd) - SumOfSquaresBelow(nBegin);
+    });
     const auto dY = static_cast<double>(y);
     oRegion.dX += static_cast<double>(nX);
     oRegion.dXX += static_cast<double>(nXX);
@@ -183,8 +178,7 @@ ClIpAutoRoll::StRegion ClIpAutoRoll::LargestRegion(ClImage& oImage) {
 }
 
 ClIpAutoRoll::stMomentMeasures ClIpAutoRoll::ComputeCenterOfMassAndCentroidAngle() {
-  const StRegion oRegion = LargestRegion(m_oCurrent);
-  m_bBlurred = true;
+  const StRegion oRegion = LargestRegion(m_pFrame->Covered());
   stMomentMeasures oMeasures;
   if (oRegion.nCount == 0) return oMeasures;
   const auto dCount = static_cast<double>(oRegion.nCount);
@@ -217,7 +211,8 @@ void ClIpAutoRoll::DetermineRollDirectionAndAngle() {
 }
 
 void ClIpAutoRoll::CheckRollAreaSize() {
-  const StRegion oRegion = LargestRegion(m_oMerged);
+  m_oStrip.TakeBelow(m_oMerged, 255);
+  const StRegion oRegion = LargestRegion(m_oStrip);
   if (oRegion.nCount == 0) {
     m_oCenter = ClVector(m_oMerged.Width() / 2, m_oMerged.Height() / 2);
     m_nReturnCode = -805;

@@ -4,14 +4,13 @@
 #include <cstdint>
 #include <vector>
 
-#include "MXImageProcessing/IpAnd.h"
-#include "MXImageProcessing/IpBinarizeGlobal.h"
-#include "MXImageProcessing/IpDelta.h"
-#include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpLabeling.h"
+#include "MXImageProcessing/BitPlane.h"
 #include "MXImageProcessing/IpMoveImage.h"
 #include "MXImageProcessing/IpRotate.h"
 #include "MXImageProcessing/NewIp1to1Base.h"
+#include "MXImageProcessing/RunSets.h"
+#include "MXLiveScannerAPI/RollFrame.h"
+#include "MXLiveScannerAPI/RollMeans.h"
 #include "MXTools/Vector.h"
 
 /// It finds out by itself when a roll begins or ends: a finger in the frame begins one, an empty frame ends
@@ -26,8 +25,9 @@
 /// Threads    thread-bound.
 /// Errors     the verdict on the roll is returned and is no failure: -801 the ridges slipped, -802 too fast,
 ///            -803 turned back, -804 twisted, -805 too small. Raised: -14 a size of 0, -701 no output, -44
-///            another size in mid-stream.
-/// Cost       some ten mean filters and one labelling a frame; nothing is allocated from the second roll on.
+///            another size in mid-stream, -101 several planes or an extent of 1.
+/// Cost       thresholds, windows and regions as bits; two mean filters over what the finger covers and two
+///            over the strip. Nothing is allocated from the second roll on.
 class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
  public:
   enum EProcessorState : int { eStateIdle = 0, eStateRolling = 1, eStateFinished = 2 };
@@ -70,24 +70,18 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   /// Towards higher x, towards lower x, not yet known.
   enum EDirection : int { eDirectionForward = 0, eDirectionBack = 1, eDirectionUnknown = 2 };
 
-  /// The side of the mean's windows: over them a print becomes one piece, and ridges are darker than the
-  /// mean.
-  static constexpr long cnBlobWidth = 15;
-  static constexpr double cdWhite = 255.0;
-
-  void EnhanceCurrentImage();
+  bool ShowsFinger();
   void BeginRoll();
   void ContinueRoll();
+  void MeasureFrame();
   void FinishRoll();
   stMomentMeasures ComputeCenterOfMassAndCentroidAngle();
-  StRegion LargestRegion(ClImage& oImage);
+  StRegion LargestRegion(const ClBitPlane& oCovered);
   void DetermineRollDirectionAndAngle();
-  void AddCurrentImage();
-  void MakeWeights();
-  void CheckForSkippedImage(const ClImage& oFirst, const ClImage& oSecond);
-  void MeasureRidges();
-  void CheckSlippageBetweenImages();
-  void BinarizeImage(ClImage& oIn, ClImage& oOut);
+  void AddFrame();
+  void CheckSlippage();
+  void FindStrip();
+  void Blend();
   void CheckRollAreaSize();
   void CheckForRotation();
   void AutoRotateAndCropMergedImage();
@@ -97,8 +91,6 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   int m_nDirection = eDirectionUnknown;
   unsigned int m_nImageCount = 0;
   int m_nProcessorState = eStateIdle;
-  ClImage m_oCurrent;
-  bool m_bFingerPresent = false;
   ClImage m_oMerged;
   ClImage m_oRotated;
   std::vector<stMomentMeasures> m_aMoments;
@@ -109,33 +101,24 @@ class ClIpAutoRoll : public NewIpBase::ClIp1to1Base {
   int m_nSlipRun = 0;
   ClVector m_oCenter;
 
-  // The finger's area and its softened ridges, of this frame and of the one before.
-  ClImage m_oArea;
-  ClImage m_oRidges;
-  ClImage m_oLastArea;
-  ClImage m_oLastRidges;
+  ClRollFrame m_aFrames[2];
+  ClRollFrame* m_pFrame = &m_aFrames[0];
+  ClRollFrame* m_pLastFrame = &m_aFrames[1];
 
   // Scratch, named by what it holds.
-  ClImage m_oMergedFinger;
-  ClImage m_oFrameFinger;
-  ClImage m_oShared;
-  ClImage m_oSoftFrame;
-  ClImage m_oSoftShared;
-  ClImage m_oDifference;
-  ClImage m_oStrip;
-  ClImage m_oFrameArea;
+  std::vector<uint64_t> m_aBits;
+  ClBitPlane m_oBlobs;
+  ClRunSets m_oSets;
+  std::vector<int64_t> m_aSetSizes;
+  ClBitPlane m_oMergedDark;
+  ClBitPlane m_oLost;
+  ClBitPlane m_oUnchanged;
+  ClBitPlane m_oStrip;
+  ClImage m_oWeights;
   ClImage m_oSoft;
-  ClImage m_oBlurred;       // means of cnBlobWidth
-  bool m_bBlurred = false;  // they are those of m_oCurrent
-  ClImage m_oLabels;
   ClImage m_oCentred;
-  std::vector<int64_t> m_aLabelSizes;
 
-  ClIpFilterMid m_oMean;
-  ClIpBinarizeGlobal m_oBinarize;
-  ClIpAnd m_oAnd;
-  ClIpDelta m_oDelta;
-  ClIpLabeling m_oLabeling;
+  ClRollMeans m_oMeans;
   ClIpMoveImage m_oMove;
   ClIpRotate m_oRotate;
 };

@@ -1,110 +1,75 @@
 // How a frame is blended into the merged print, and how it is compared with what is there.
+//
+// A mean over at most 121 pixels of 0 and 255, and then a threshold of 2 or 253, is a window of bits: one
+// pixel changes the truncated mean by 2 at least. tests/MXLiveScannerAPI/PlainRoll.h has the means themselves.
 #include <cmath>
 
-#include "MXKernels/PointRows.h"
 #include "MXKernels/RollRows.h"
+#include "MXKernels/RunRows.h"
 #include "MXLiveScannerAPI/IpAutoRoll.h"
 
 namespace {
 
-constexpr double cdMiddleGrey = 128.0;
+constexpr uint8_t cnMiddleGrey = 128;
 /// The number of pixels that a frame must share with the merged print.
-constexpr size_t cnMinShared = 500;
-
-/// Takes two images of one size and type.
-void ApplyAnd(ClIpAnd& oAnd, ClImage& oFirst, ClImage& oSecond, ClImage& oOut) {
-  oAnd.ApplyParam(oFirst, oSecond, oOut, ClImage::cnTypeDefault);
-}
-
-size_t SamplesOf(const ClImage& oImage) {
-  return static_cast<size_t>(oImage.Width());
-}
-
-/// Inverts an image of 0 and 255.
-void InvertBinary(ClImage& oImage) {
-  for (int y = 0; y < oImage.Height(); ++y) {
-    uint8_t* pRow = oImage.Row<uint8_t>(y);
-    MXKernels::ThresholdRow(pRow, pRow, SamplesOf(oImage), 128, 255, 0);
-  }
-}
+constexpr uint64_t cnMinShared = 500;
+/// The sides of the windows that widen the strip, and of those that soften its edges, so that they leave no
+/// seams.
+constexpr int cnStripSide = 11;
+constexpr int cnFirstSoftSide = 5;
+constexpr int cnSecondSoftSide = 7;
+/// The windows reach 5 pixels beyond the strip.
+constexpr int cnMargin = 16;
 
 }  // namespace
 
-void ClIpAutoRoll::AddCurrentImage() {
+void ClIpAutoRoll::AddFrame() {
   ++m_nImageCount;
-  m_oBinarize.ApplyParam(m_oMerged, m_oMergedFinger, cdMiddleGrey);
-  m_oBinarize.ApplyParam(m_oCurrent, m_oFrameFinger, cdMiddleGrey);
-  MeasureRidges();
+  m_oMergedDark.TakeBelow(m_oMerged, cnMiddleGrey);
+  m_pFrame->MeasureRidges(*m_pInImage, m_oMeans, m_oSoft);
   if (m_nImageCount > 2) {
-    CheckForSkippedImage(m_oMergedFinger, m_oFrameFinger);
-    CheckSlippageBetweenImages();
+    if (m_oMergedDark.CountShared(m_pFrame->Dark()) < cnMinShared) m_nReturnCode = -802;
+    CheckSlippage();
   }
-  m_oArea.Swap(m_oLastArea);
-  m_oRidges.Swap(m_oLastRidges);
+  FindStrip();
+  Blend();
+  std::swap(m_pFrame, m_pLastFrame);
+}
 
-  MakeWeights();
-  for (int y = 0; y < m_oMerged.Height(); ++y) {
-    MXKernels::WeightedBlendRow(m_oCurrent.Row<uint8_t>(y), m_oStrip.Row<uint8_t>(y),
-                                m_oMerged.Row<uint8_t>(y), SamplesOf(m_oMerged));
+/// The strip is the area that the finger covers in the frame, but for the midst of pixels that are dark in
+/// the merged print alone.
+void ClIpAutoRoll::FindStrip() {
+  const int nHalf = ClRollMeans::HalfOf(cnStripSide, m_oMerged.Width(), m_oMerged.Height());
+  m_oStrip.TakeWithout(m_oMergedDark, m_pFrame->Dark());
+  m_oLost.Dilate(m_oStrip, nHalf);
+  m_oLost.Invert();
+  m_oUnchanged.Dilate(m_oLost, nHalf);
+  m_oStrip.Dilate(m_pFrame->Dark(), nHalf);
+  m_oStrip.Keep(m_oUnchanged);
+}
+
+void ClIpAutoRoll::Blend() {
+  const int nWidth = m_oMerged.Width(), nHeight = m_oMerged.Height();
+  const ClBitPlane::StBox oBox = m_oStrip.BoxAround(cnMargin);
+  const auto nCount = static_cast<size_t>(oBox.Width());
+  for (ClImage* pImage : {&m_oWeights, &m_oSoft}) pImage->New(m_oMerged);
+  for (int y = oBox.m_nTop; y < oBox.m_nBottom; ++y) {
+    MXKernels::BytesOfBitsRow(m_oStrip.Row(y) + oBox.m_nLeft / 64, m_oWeights.Row<uint8_t>(y) + oBox.m_nLeft,
+                              nCount);
   }
-}
-
-void ClIpAutoRoll::MakeWeights() {
-  ApplyAnd(m_oAnd, m_oMergedFinger, m_oFrameFinger, m_oShared);
-  m_oMean.ApplyParam(m_oFrameFinger, m_oSoftFrame, 11);
-  m_oMean.ApplyParam(m_oShared, m_oSoftShared, 11);
-  // The strip is where the frame differs from what it shares with the merged print, and a margin around it.
-  m_oDelta.ApplyParam(m_oSoftShared, m_oSoftFrame, m_oDifference, ClImage::cnTypeDefault);
-  m_oBinarize.ApplyParam(m_oDifference, m_oShared, 2.0);
-  InvertBinary(m_oShared);
-  m_oMean.ApplyParam(m_oShared, m_oStrip, 11);
-  m_oBinarize.ApplyParam(m_oStrip, m_oShared, 2.0);
-  // The strip is limited to the area that the finger covers in the frame.
-  m_oBinarize.ApplyParam(m_oSoftFrame, m_oFrameArea, 253.0);
-  InvertBinary(m_oFrameArea);
-  ApplyAnd(m_oAnd, m_oFrameArea, m_oShared, m_oStrip);
-  // The edges are softened, so that they leave no seams.
-  m_oMean.ApplyParam(m_oStrip, m_oShared, 5);
-  m_oMean.ApplyParam(m_oShared, m_oStrip, 7);
-}
-
-void ClIpAutoRoll::CheckForSkippedImage(const ClImage& oFirst, const ClImage& oSecond) {
-  size_t nShared = 0;
-  for (int y = 0; y < oFirst.Height(); ++y) {
-    nShared +=
-        MXKernels::CountBothBelowWhite(oFirst.Row<uint8_t>(y), oSecond.Row<uint8_t>(y), SamplesOf(oFirst));
-  }
-  if (nShared < cnMinShared) m_nReturnCode = -802;
-}
-
-void ClIpAutoRoll::MeasureRidges() {
-  m_oMean.ApplyParam(m_oCurrent, m_oSoft, 21);
-  m_oBinarize.ApplyParam(m_oSoft, m_oArea, cdWhite);
-  InvertBinary(m_oArea);
-  BinarizeImage(m_oCurrent, m_oSoftFrame);
-  m_bBlurred = false;
-  m_oMean.ApplyParam(m_oSoftFrame, m_oRidges, 5);
-}
-
-void ClIpAutoRoll::BinarizeImage(ClImage& oIn, ClImage& oOut) {
-  oOut.NewWithType(ClImage::eUint8, oIn.Width(), oIn.Height(), 1, 19685, 19685, true);
-  if (!m_bBlurred) m_oMean.ApplyParam(oIn, m_oBlurred, cnBlobWidth);
-  for (int y = 0; y < oIn.Height(); ++y) {
-    MXKernels::BelowRow(oIn.Row<uint8_t>(y), m_oBlurred.Row<uint8_t>(y), oOut.Row<uint8_t>(y),
-                        SamplesOf(oIn));
+  m_oMeans.Mean(m_oWeights, oBox, ClRollMeans::HalfOf(cnFirstSoftSide, nWidth, nHeight), m_oSoft);
+  m_oMeans.Mean(m_oSoft, oBox, ClRollMeans::HalfOf(cnSecondSoftSide, nWidth, nHeight), m_oWeights);
+  for (int y = oBox.m_nTop; y < oBox.m_nBottom; ++y) {
+    MXKernels::WeightedBlendRow(m_pInImage->Row<uint8_t>(y) + oBox.m_nLeft,
+                                m_oWeights.Row<uint8_t>(y) + oBox.m_nLeft,
+                                m_oMerged.Row<uint8_t>(y) + oBox.m_nLeft, nCount);
   }
 }
 
-void ClIpAutoRoll::CheckSlippageBetweenImages() {
-  MXKernels::MaskedDifference oTotal;
-  for (int y = 0; y < m_oArea.Height(); ++y) {
-    MXKernels::SquaredDifferenceWhere(m_oRidges.Row<uint8_t>(y), m_oLastRidges.Row<uint8_t>(y),
-                                      m_oArea.Row<uint8_t>(y), m_oLastArea.Row<uint8_t>(y),
-                                      SamplesOf(m_oArea), oTotal);
-  }
+void ClIpAutoRoll::CheckSlippage() {
+  const ClRollFrame::StDifference oTotal = m_pFrame->DifferenceFrom(*m_pLastFrame);
   // Without a pixel in common the root is NaN, which is above no threshold.
-  const double dDifference =
-      std::sqrt(static_cast<double>(oTotal.m_nSum) / static_cast<double>(oTotal.m_nCount));
+  const double dDifference = std::sqrt(static_cast<double>(oTotal.nSum) / static_cast<double>(oTotal.nCount));
   if (dDifference > m_dSlipThreshold) {
     ++m_nSlipRun;
     m_nMaxSlipRun = std::max(m_nMaxSlipRun, m_nSlipRun);
