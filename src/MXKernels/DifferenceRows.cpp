@@ -58,9 +58,9 @@ void TakeFromSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept {
   if (!ForEachVector(Sums(), Rule, pSums, nCount)) Reference::TakeFromSumsRow(pRow, pSums, nCount);
 }
 
-template <typename T>
-void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
-  using Sums = hn::ScalableTag<uint32_t>;
+template <typename T, typename TSum>
+void MoveSumsRow(const T* pEnter, const T* pLeave, TSum* pSums, size_t nCount) noexcept {
+  using Sums = hn::ScalableTag<TSum>;
   const auto Rule = [=](Sums d, size_t i) HWY_ATTR {
     const hn::Rebind<T, Sums> dRow;
     return hn::LoadU(d, pSums + i) + hn::PromoteTo(d, hn::LoadU(dRow, pEnter + i)) -
@@ -113,7 +113,8 @@ constexpr decltype(AddToSumsRow) AddToSumsRow{MXKERNELS_LEVELS(AddToSumsRow), MX
                                               MXKERNELS_LEVELS(AddToSumsRow)};
 constexpr decltype(TakeFromSumsRow) TakeFromSumsRow{
     MXKERNELS_LEVELS(TakeFromSumsRow), MXKERNELS_LEVELS(TakeFromSumsRow), MXKERNELS_LEVELS(TakeFromSumsRow)};
-constexpr decltype(MoveSumsRow) MoveSumsRow{MXKERNELS_LEVELS(MoveSumsRow), MXKERNELS_LEVELS(MoveSumsRow)};
+constexpr decltype(MoveSumsRow) MoveSumsRow{MXKERNELS_LEVELS(MoveSumsRow), MXKERNELS_LEVELS(MoveSumsRow),
+                                            MXKERNELS_LEVELS(MoveSumsRow)};
 MXKERNELS_KERNEL(DeviationRow);
 MXKERNELS_KERNEL(RemoveBackgroundRow);
 

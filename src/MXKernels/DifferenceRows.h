@@ -16,8 +16,9 @@ extern const TpKernel<uint64_t(const uint8_t* pA, const uint8_t* pB, size_t nCou
 extern const TpKernel<OneRow<uint8_t, uint16_t>, OneRow<uint8_t, uint32_t>, OneRow<uint16_t, uint32_t>>
     AddToSumsRow, TakeFromSumsRow;
 
-/// pOut[i] += pA[i] - pB[i], modulo 2^32: a window of rows, whose sums pOut are, moves on by one row.
-extern const TpKernel<TwoRows<uint8_t, uint32_t>, TwoRows<uint16_t, uint32_t>> MoveSumsRow;
+/// pOut[i] += pA[i] - pB[i], modulo 2^16 or 2^32: a window of rows, whose sums pOut are, moves on by one row.
+extern const TpKernel<TwoRows<uint8_t, uint16_t>, TwoRows<uint8_t, uint32_t>, TwoRows<uint16_t, uint32_t>>
+    MoveSumsRow;
 
 /// (pIn, pMean, pOut, nCount, nLimit): pOut[i] = |pIn[i] - pMean[i]| > nLimit ? 255 : 0. pOut overlaps no
 /// input.

@@ -29,13 +29,15 @@ template <typename T, typename TSum>
 void AddToSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept;
 template <typename T, typename TSum>
 void TakeFromSumsRow(const T* pRow, TSum* pSums, size_t nCount) noexcept;
-template <typename T>
-void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept;
+template <typename T, typename TSum>
+void MoveSumsRow(const T* pEnter, const T* pLeave, TSum* pSums, size_t nCount) noexcept;
 
-template <typename T>
-void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t* pPrefix,
+template <typename TSum, typename T>
+void SlidingMeanRow(const TSum* pSums, size_t nCount, size_t nHalf, uint32_t nRows, TSum* pPrefix,
                     T* pOut) noexcept;
-decltype(MXKernels::AboveMeanRow)::Row AboveMeanRow;
+template <typename TSum>
+void AboveMeanRow(const uint8_t* pIn, const TSum* pSums, size_t nCount, const WindowThreshold& oWindow,
+                  TSum* pPrefix, uint8_t* pOut) noexcept;
 
 TwoRows<uint8_t> MinRows, MaxRows;
 RankWindow MinWindowRow, MaxWindowRow;

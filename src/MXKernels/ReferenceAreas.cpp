@@ -37,16 +37,16 @@ template OneRow<uint8_t, uint16_t> TakeFromSumsRow<uint8_t, uint16_t>;
 template OneRow<uint8_t, uint32_t> TakeFromSumsRow<uint8_t, uint32_t>;
 template OneRow<uint16_t, uint32_t> TakeFromSumsRow<uint16_t, uint32_t>;
 
-template <typename T>
-void MoveSumsRow(const T* pEnter, const T* pLeave, uint32_t* pSums, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pSums[i] += static_cast<uint32_t>(pEnter[i]) - pLeave[i];
+template <typename T, typename TSum>
+void MoveSumsRow(const T* pEnter, const T* pLeave, TSum* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pSums[i] = static_cast<TSum>(pSums[i] + pEnter[i] - pLeave[i]);
 }
-template TwoRows<uint8_t, uint32_t> MoveSumsRow<uint8_t>;
-template TwoRows<uint16_t, uint32_t> MoveSumsRow<uint16_t>;
+template TwoRows<uint8_t, uint16_t> MoveSumsRow<uint8_t, uint16_t>;
+template TwoRows<uint8_t, uint32_t> MoveSumsRow<uint8_t, uint32_t>;
+template TwoRows<uint16_t, uint32_t> MoveSumsRow<uint16_t, uint32_t>;
 
-template <typename T>
-void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t nRows, uint32_t*,
-                    T* pOut) noexcept {
+template <typename TSum, typename T>
+void SlidingMeanRow(const TSum* pSums, size_t nCount, size_t nHalf, uint32_t nRows, TSum*, T* pOut) noexcept {
   uint32_t nSum = 0;
   for (size_t x = 0; x < std::min(nHalf, nCount); ++x) nSum += pSums[x];
   for (size_t x = 0; x < nCount; ++x) {
@@ -57,11 +57,13 @@ void SlidingMeanRow(const uint32_t* pSums, size_t nCount, size_t nHalf, uint32_t
     pOut[x] = static_cast<T>(nSum / nArea);
   }
 }
-template MeanRow<uint8_t> SlidingMeanRow<uint8_t>;
-template MeanRow<uint16_t> SlidingMeanRow<uint16_t>;
+template MeanRow<uint16_t, uint8_t> SlidingMeanRow<uint16_t, uint8_t>;
+template MeanRow<uint32_t, uint8_t> SlidingMeanRow<uint32_t, uint8_t>;
+template MeanRow<uint32_t, uint16_t> SlidingMeanRow<uint32_t, uint16_t>;
 
-void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, const WindowThreshold& oWindow,
-                  uint32_t*, uint8_t* pOut) noexcept {
+template <typename TSum>
+void AboveMeanRow(const uint8_t* pIn, const TSum* pSums, size_t nCount, const WindowThreshold& oWindow, TSum*,
+                  uint8_t* pOut) noexcept {
   int64_t nSum = 0;
   for (size_t x = 0; x < std::min(oWindow.m_nRight, nCount); ++x) nSum += pSums[x];
   for (size_t x = 0; x < nCount; ++x) {
@@ -72,6 +74,8 @@ void AboveMeanRow(const uint8_t* pIn, const uint32_t* pSums, size_t nCount, cons
     pOut[x] = (pIn[x] + oWindow.m_nOffset) * nArea > nSum ? oWindow.m_nAbove : oWindow.m_nBelow;
   }
 }
+template ThresholdByMeanRow<uint16_t> AboveMeanRow<uint16_t>;
+template ThresholdByMeanRow<uint32_t> AboveMeanRow<uint32_t>;
 
 void MinRows(const uint8_t* pA, const uint8_t* pB, uint8_t* pOut, size_t nCount) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = std::min(pA[i], pB[i]);

@@ -10,20 +10,38 @@ namespace {
 using Sums = std::vector<uint32_t>;
 using Doubles = std::vector<double>;
 
-template <typename T>
+template <typename TSum, typename T>
 void ExpectMeansLikeReference(size_t nCount, ClSamples& oSamples) {
-  // Half widths from 0 to beyond the row; areas on both sides of where the arithmetic changes. The sum
-  // of a window of 16-bit samples must fit 32 bits.
+  // Half widths from 0 to beyond the row; areas on both sides of where the arithmetic changes. The sum of a
+  // window must fit 32 bits, and a window of 16-bit sums has 256 pixels at most.
   const unsigned nMax = static_cast<T>(~T{0});
-  const size_t nHalf = oSamples.Number(static_cast<unsigned>(nCount) + 2);
+  const unsigned nMostHalf = sizeof(TSum) == 2 ? 12U : static_cast<unsigned>(nCount) + 2;
+  const size_t nHalf = oSamples.Number(nMostHalf);
+  const auto nWidth = static_cast<unsigned>(2 * nHalf + 1);
   const unsigned nMostRows =
-      std::min<unsigned>(1000U, 65536U * 255U / nMax / static_cast<unsigned>(2 * nHalf + 1));
+      sizeof(TSum) == 2 ? 256U / nWidth - 1 : std::min<unsigned>(1000U, 65536U * 255U / nMax / nWidth);
   const unsigned nRows = 1 + oSamples.Number(nMostRows);
-  const Sums aSums = oSamples.Row<uint32_t>(nCount, nRows * nMax);
-  Sums aPrefix(nCount + 1);
+  const auto aSums = oSamples.Row<TSum>(nCount, nRows * nMax);
+  std::vector<TSum> aPrefix(nCount + 1);
   ExpectLikeReference(
       [&](auto* pOut) { SlidingMeanRow(aSums.data(), nCount, nHalf, nRows, aPrefix.data(), pOut); },
       std::vector<T>(nCount));
+}
+
+template <typename TSum>
+void ExpectThresholdLikeReference(size_t nCount, ClSamples& oSamples) {
+  // Few rows let many samples lie at their mean; very many take the comparison beyond the bits of the sums.
+  const unsigned nMany = sizeof(TSum) == 2 ? 13U : 1U << 24;
+  const unsigned nRows = 1 + oSamples.Number(oSamples.Number(3) == 0 ? nMany - 1 : 3U);
+  const WindowThreshold oWindow = {
+      oSamples.Number(9), oSamples.Number(8), nRows, static_cast<int32_t>(oSamples.Number(6)) - 3, 200, 7};
+  const unsigned nMax = sizeof(TSum) == 2 && nCount % 2 == 0 ? 255 : 5;
+  const auto aIn = oSamples.Row<uint8_t>(nCount, nMax);
+  const auto aSums = oSamples.Row<TSum>(nCount, nRows * nMax);
+  std::vector<TSum> aPrefix(nCount + 1);
+  ExpectLikeReference(
+      [&](auto* pOut) { AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), pOut); },
+      Bytes(nCount));
 }
 
 /// Positions on both sides of the point, and some at it.
@@ -36,8 +54,21 @@ Doubles Places(size_t nCount, ClSamples& oSamples) {
 }  // namespace
 
 TEST(SlidingMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWidth) {
-  ForEveryLevelAndTail(ExpectMeansLikeReference<uint8_t>);
-  ForEveryLevelAndTail(ExpectMeansLikeReference<uint16_t>);
+  ForEveryLevelAndTail(ExpectMeansLikeReference<uint32_t, uint8_t>);
+  ForEveryLevelAndTail(ExpectMeansLikeReference<uint32_t, uint16_t>);
+  ForEveryLevelAndTail(ExpectMeansLikeReference<uint16_t, uint8_t>);
+}
+
+TEST(SlidingMeanRow, DividesEverySumOf16BitsExactly) {
+  ForEveryLevel([] {
+    for (uint32_t nArea = 1; nArea <= 256; ++nArea) {
+      Words aSums(255 * nArea + 1), aPrefix(aSums.size() + 1);
+      for (size_t n = 0; n < aSums.size(); ++n) aSums[n] = static_cast<uint16_t>(n);
+      Bytes aOut(aSums.size());
+      SlidingMeanRow(aSums.data(), aSums.size(), 0, nArea, aPrefix.data(), aOut.data());
+      for (size_t n = 0; n < aSums.size(); ++n) ASSERT_EQ(aOut[n], n / nArea) << n << " by " << nArea;
+    }
+  });
 }
 
 TEST(SlidingMeanRow, ASumJustBelowAMultipleOfTheAreaIsCutAndTheMultipleIsNot) {
@@ -56,18 +87,8 @@ TEST(SlidingMeanRow, ASumJustBelowAMultipleOfTheAreaIsCutAndTheMultipleIsNot) {
 }
 
 TEST(AboveMeanRow, EveryLevelEqualsTheReferenceForEveryTailAndWindow) {
-  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
-    // Few rows let many samples lie at their mean; very many take the comparison beyond 32 bits.
-    const unsigned nRows = 1 + oSamples.Number(oSamples.Number(3) == 0 ? 1U << 24 : 3U);
-    const WindowThreshold oWindow = {
-        oSamples.Number(9), oSamples.Number(9), nRows, static_cast<int32_t>(oSamples.Number(6)) - 3, 200, 7};
-    const auto aIn = oSamples.Row<uint8_t>(nCount, 5);
-    const auto aSums = oSamples.Row<uint32_t>(nCount, nRows * 5);
-    Sums aPrefix(nCount + 1);
-    ExpectLikeReference(
-        [&](auto* pOut) { AboveMeanRow(aIn.data(), aSums.data(), nCount, oWindow, aPrefix.data(), pOut); },
-        Bytes(nCount));
-  });
+  ForEveryLevelAndTail(ExpectThresholdLikeReference<uint32_t>);
+  ForEveryLevelAndTail(ExpectThresholdLikeReference<uint16_t>);
 }
 
 TEST(RankWindows, EveryLevelEqualsTheReferenceForEveryTailAndWidthAlsoInPlace) {

@@ -8,6 +8,13 @@
 #include "MXTools/FpImage.h"
 #include "MXTools/TpArrayDynamic.h"
 
+/// Kept from run to run: the sums of the columns, and room for the kernels to add them up along a row.
+template <typename TSum>
+struct TpColumnSums {
+  TpArrayDynamic<TSum, 1> m_aSums;
+  TpArrayDynamic<TSum, 1> m_aPrefix;
+};
+
 /// Calls fnRow(y, nRows) for each row, with aSums holding the sum of each column over those of the rows
 /// y - nHalf to y + nHalf that exist, of which there are nRows. fnSamples(y) gives the samples of a row.
 ///

@@ -60,21 +60,32 @@ long ClIpBinarizeLocal2::DoProcess(ClImage& oIn, ClImage& oOut) {
     return 0;
   }
   oOut.New(oIn);
-  const ClImage& oGrey = Unsigned(oIn);
-  const auto nCount = static_cast<unsigned int>(oIn.Width());
-  m_aPrefix.SetEntries(nCount + 1);
+  // An offset of +-256 already lifts every sample above every mean, or puts it below: a larger one is the
+  // same.
+  const long nOffset = std::clamp(nGrayOffset, -256L, 256L);
+  const uint64_t nArea = static_cast<uint64_t>(nFilterWidthX) * static_cast<uint64_t>(nFilterWidthY | 1);
+  if (nOffset >= 0 && nArea <= 65535 / static_cast<uint64_t>(255 + nOffset)) {
+    BinarizeBy(m_oNarrowSums, Unsigned(oIn), nOffset, oOut);
+  } else {
+    BinarizeBy(m_oWideSums, Unsigned(oIn), nOffset, oOut);
+  }
+  return 0;
+}
+
+template <typename TSum>
+void ClIpBinarizeLocal2::BinarizeBy(TpColumnSums<TSum>& oSums, const ClImage& oGrey, long nOffset,
+                                    ClImage& oOut) const {
+  const auto nCount = static_cast<unsigned int>(oGrey.Width());
+  oSums.m_aPrefix.SetEntries(nCount + 1);
   MXKernels::WindowThreshold oWindow = {};
   oWindow.m_nRight = static_cast<size_t>(nFilterWidthX / 2);
   oWindow.m_nLeft = static_cast<size_t>(nFilterWidthX) - 1 - oWindow.m_nRight;
-  // An offset of +-256 already lifts every sample above every mean, or puts it below: a larger one is the
-  // same.
-  oWindow.m_nOffset = static_cast<int32_t>(std::clamp(nGrayOffset, -256L, 256L));
+  oWindow.m_nOffset = static_cast<int32_t>(nOffset);
   oWindow.m_nAbove = m_nWhite;
   oWindow.m_nBelow = m_nBlack;
-  ForColumnSums<uint8_t>(oGrey, nFilterWidthY / 2, m_aSums, [&](int y, uint32_t nRows) {
+  ForColumnSums<uint8_t>(oGrey, nFilterWidthY / 2, oSums.m_aSums, [&](int y, uint32_t nRows) {
     oWindow.m_nRows = nRows;
-    MXKernels::AboveMeanRow(oGrey.Row<uint8_t>(y), m_aSums.Data(), nCount, oWindow, m_aPrefix.Data(),
-                            oOut.Row<uint8_t>(y));
+    MXKernels::AboveMeanRow(oGrey.Row<uint8_t>(y), oSums.m_aSums.Data(), nCount, oWindow,
+                            oSums.m_aPrefix.Data(), oOut.Row<uint8_t>(y));
   });
-  return 0;
 }

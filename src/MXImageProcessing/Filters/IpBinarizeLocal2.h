@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "MXImageProcessing/ColumnSums.h"
 #include "MXImageProcessing/Ip1to1Base.h"
-#include "MXTools/TpArrayDynamic.h"
 
 /// A pixel that is above the mean of its window, less nGrayOffset, becomes white, any other black. The window
 /// is clipped to the image. An even nFilterWidthX has one column more on the right; nFilterWidthY counts as
@@ -40,8 +40,10 @@ class ClIpBinarizeLocal2 : public ClIp1to1Base {
 
  private:
   const ClImage& Unsigned(const ClImage& oIn);
+  template <typename TSum>
+  void BinarizeBy(TpColumnSums<TSum>& oSums, const ClImage& oGrey, long nOffset, ClImage& oOut) const;
 
   ClImage m_oShifted;
-  TpArrayDynamic<uint32_t, 1> m_aSums;
-  TpArrayDynamic<uint32_t, 1> m_aPrefix;
+  TpColumnSums<uint16_t> m_oNarrowSums;
+  TpColumnSums<uint32_t> m_oWideSums;
 };

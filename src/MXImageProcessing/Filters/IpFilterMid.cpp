@@ -16,8 +16,7 @@ namespace {
 
 /// Whether the sum of a whole window fits the 32 bits of the kernels.
 template <typename T>
-bool FitsKernels(long nWindowWidth, long nWindowHeight) {
-  const uint64_t nArea = static_cast<uint64_t>(nWindowWidth) * static_cast<uint64_t>(nWindowHeight);
+bool FitsKernels(uint64_t nArea) {
   return nArea <= std::numeric_limits<uint32_t>::max() / std::numeric_limits<T>::max();
 }
 
@@ -181,7 +180,11 @@ void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
   }
   m_pOutImage->New(*m_pInImage);
   if constexpr (std::is_same_v<T, uint8_t> || std::is_same_v<T, uint16_t>) {
-    if (FitsKernels<T>(2 * nHalfX + 1, 2 * nHalfY + 1)) return MeanOfWindowsByKernels<T>(nHalfX, nHalfY);
+    const uint64_t nArea = static_cast<uint64_t>(2 * nHalfX + 1) * static_cast<uint64_t>(2 * nHalfY + 1);
+    if constexpr (std::is_same_v<T, uint8_t>) {
+      if (nArea <= 256) return MeanOfWindowsByKernels<T>(nHalfX, nHalfY, m_oNarrowSums);
+    }
+    if (FitsKernels<T>(nArea)) return MeanOfWindowsByKernels<T>(nHalfX, nHalfY, m_oWideSums);
   }
   ForWindows<T, S>(nHalfX, nHalfY, [this](int y) {
     T* pOut = m_pOutImage->Row<T>(y);
@@ -189,13 +192,13 @@ void ClIpFilterMid::MeanOfWindows(long nHalfX, long nHalfY) {
   });
 }
 
-template <typename T>
-void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY) {
+template <typename T, typename TSum>
+void ClIpFilterMid::MeanOfWindowsByKernels(long nHalfX, long nHalfY, TpColumnSums<TSum>& oSums) {
   const auto nCount = static_cast<unsigned int>(m_pInImage->Width());
-  m_aPrefix.SetEntries(nCount + 1);
-  ForColumnSums<T>(*m_pInImage, nHalfY, m_aSums, [&](int y, uint32_t nRows) {
-    MXKernels::SlidingMeanRow(m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), nRows, m_aPrefix.Data(),
-                              m_pOutImage->Row<T>(y));
+  oSums.m_aPrefix.SetEntries(nCount + 1);
+  ForColumnSums<T>(*m_pInImage, nHalfY, oSums.m_aSums, [&](int y, uint32_t nRows) {
+    MXKernels::SlidingMeanRow(oSums.m_aSums.Data(), nCount, static_cast<size_t>(nHalfX), nRows,
+                              oSums.m_aPrefix.Data(), m_pOutImage->Row<T>(y));
   });
 }
 
@@ -253,8 +256,8 @@ long ClIpFilterMid::Process3x3() {
   m_pOutImage->New(oIn);
   const int nLastRow = oIn.Height() - 1;
   const long nLast = oIn.Width() - 1;
-  m_aSums.SetEntries(static_cast<unsigned int>(oIn.Width()));
-  uint32_t* pSums = m_aSums.Data();
+  m_oWideSums.m_aSums.SetEntries(static_cast<unsigned int>(oIn.Width()));
+  uint32_t* pSums = m_oWideSums.m_aSums.Data();
   for (int y = 0; y <= nLastRow; ++y) {
     const bool bBorderRow = y == 0 || y == nLastRow;
     const uint8_t* pHere = oIn.Row<uint8_t>(y);

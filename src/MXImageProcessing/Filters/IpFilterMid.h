@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "MXImageProcessing/ColumnSums.h"
 #include "MXImageProcessing/IpFilterBase.h"
 #include "MXTools/TpArrayDynamic.h"
 
@@ -60,14 +61,14 @@ class ClIpFilterMid : public ClIpFilterBase {
   void MeanOfWindows(long nHalfX, long nHalfY);
   template <typename T, typename S, typename TRow>
   void ForWindows(long nHalfX, long nHalfY, const TRow& fnRow);
-  template <typename T>
-  void MeanOfWindowsByKernels(long nHalfX, long nHalfY);
+  template <typename T, typename TSum>
+  void MeanOfWindowsByKernels(long nHalfX, long nHalfY, TpColumnSums<TSum>& oSums);
   long WidthOnAxis(long nExtent) const;
   template <typename S>
   TpArrayDynamic<S, 1>& Sums();
 
-  TpArrayDynamic<uint32_t, 1> m_aSums;
-  TpArrayDynamic<uint32_t, 1> m_aPrefix;
+  TpColumnSums<uint16_t> m_oNarrowSums;
+  TpColumnSums<uint32_t> m_oWideSums;
   TpArrayDynamic<int64_t, 1> m_aLongSums;
   TpArrayDynamic<double, 1> m_aRealSums;
 };

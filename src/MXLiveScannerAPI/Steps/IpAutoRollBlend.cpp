@@ -1,7 +1,7 @@
 // How a frame is blended into the merged print, and how it is compared with what is there.
 //
 // A mean over at most 121 pixels of 0 and 255, and then a threshold of 2 or 253, is a window of bits: one
-// pixel changes the truncated mean by 2 at least. tests/MXLiveScannerAPI/PlainRoll.h has the means themselves.
+// pixel changes the truncated mean by 2 at least. tests/MXLiveScannerAPI/PlainRoll.h has the means.
 #include <cmath>
 
 #include "MXKernels/RollRows.h"

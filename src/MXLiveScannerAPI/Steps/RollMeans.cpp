@@ -1,7 +1,6 @@
 // Column sums that move down the box.
 #include "MXLiveScannerAPI/RollMeans.h"
 
-#include "MXImageProcessing/ColumnSums.h"
 #include "MXKernels/BoxRows.h"
 
 namespace {
@@ -22,16 +21,16 @@ void ForSumsInBox(const ClImage& oIn, const ClBitPlane::StBox& oBox, int nHalf, 
 
 /// A later box may be wider.
 void ClRollMeans::Reserve(int nWidth) {
-  m_aSums.SetEntries(static_cast<unsigned int>(nWidth));
-  m_aPrefix.SetEntries(static_cast<unsigned int>(nWidth) + 1);
+  m_oSums.m_aSums.SetEntries(static_cast<unsigned int>(nWidth));
+  m_oSums.m_aPrefix.SetEntries(static_cast<unsigned int>(nWidth) + 1);
 }
 
 void ClRollMeans::Mean(const ClImage& oIn, const ClBitPlane::StBox& oBox, int nHalf, ClImage& oOut) {
   const auto nCount = static_cast<unsigned int>(oBox.Width());
   Reserve(oIn.Width());
-  ForSumsInBox(oIn, oBox, nHalf, m_aSums, [&](int y, uint32_t nRows) {
-    MXKernels::SlidingMeanRow(m_aSums.Data(), nCount, static_cast<size_t>(nHalf), nRows, m_aPrefix.Data(),
-                              oOut.Row<uint8_t>(y) + oBox.m_nLeft);
+  ForSumsInBox(oIn, oBox, nHalf, m_oSums.m_aSums, [&](int y, uint32_t nRows) {
+    MXKernels::SlidingMeanRow(m_oSums.m_aSums.Data(), nCount, static_cast<size_t>(nHalf), nRows,
+                              m_oSums.m_aPrefix.Data(), oOut.Row<uint8_t>(y) + oBox.m_nLeft);
   });
 }
 
@@ -44,9 +43,9 @@ void ClRollMeans::BelowMean(const ClImage& oIn, const ClBitPlane::StBox& oBox, i
   oWindow.m_nOffset = 1;
   oWindow.m_nAbove = 0;
   oWindow.m_nBelow = 255;
-  ForSumsInBox(oIn, oBox, nHalf, m_aSums, [&](int y, uint32_t nRows) {
+  ForSumsInBox(oIn, oBox, nHalf, m_oSums.m_aSums, [&](int y, uint32_t nRows) {
     oWindow.m_nRows = nRows;
-    MXKernels::AboveMeanRow(oIn.Row<uint8_t>(y) + oBox.m_nLeft, m_aSums.Data(), nCount, oWindow,
-                            m_aPrefix.Data(), oOut.Row<uint8_t>(y) + oBox.m_nLeft);
+    MXKernels::AboveMeanRow(oIn.Row<uint8_t>(y) + oBox.m_nLeft, m_oSums.m_aSums.Data(), nCount, oWindow,
+                            m_oSums.m_aPrefix.Data(), oOut.Row<uint8_t>(y) + oBox.m_nLeft);
   });
 }

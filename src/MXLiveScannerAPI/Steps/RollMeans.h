@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "MXImageProcessing/BitPlane.h"
+#include "MXImageProcessing/ColumnSums.h"
 #include "MXTools/FpImage.h"
-#include "MXTools/TpArrayDynamic.h"
 
 /// Square windows round each pixel of a box, clipped to the box. Where the box ends inside of the image, the
 /// results of its outermost nHalf pixels are of no use.
@@ -28,6 +28,5 @@ class ClRollMeans {
  private:
   void Reserve(int nWidth);
 
-  TpArrayDynamic<uint32_t, 1> m_aSums;
-  TpArrayDynamic<uint32_t, 1> m_aPrefix;
+  TpColumnSums<uint16_t> m_oSums;
 };
