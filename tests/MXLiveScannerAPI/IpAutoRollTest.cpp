@@ -253,13 +253,22 @@ TEST(RollOfAnySize, EqualsThePlainRoadFrameByFrame) {
   for (const auto& [nWidth, nHeight] : aSizes) {
     ClPlainRoll oPlain;
     ClIpAutoRoll oRoll;
-    ClImage oFrame, oExpected, oActual;
+    ClRollFrame aFrames[2];
+    ClRollMeans oMeans;
+    ClImage oFrame, oExpected, oActual, oScratch;
     for (int n = 0; n < 33; ++n) {
       SCOPED_TRACE(testing::Message() << nWidth << " by " << nHeight << ", frame " << n);
       const int nStep = n / 11 == 2 ? 1 : nWidth / 12;
       DrawAny(oRandom, nWidth, nHeight, n % 11 == 10 ? -nWidth : n % 11 * nStep, oFrame);
       const long nVerdict = oPlain.Show(oFrame, oExpected);
       EXPECT_EQ(oRoll.ApplyParam(oFrame, oActual), nVerdict);
+      aFrames[n % 2].Take(oFrame);
+      aFrames[n % 2].MeasureRidges(oFrame, oMeans, oScratch);
+      if (oPlain.HasCompared()) {
+        const auto oDifference = aFrames[n % 2].DifferenceFrom(aFrames[1 - n % 2]);
+        EXPECT_EQ(oDifference.nSum, static_cast<uint64_t>(oPlain.Sum()));
+        EXPECT_EQ(oDifference.nCount, static_cast<uint64_t>(oPlain.Count()));
+      }
       for (int y = 0; y < nHeight; ++y)
         ASSERT_EQ(std::memcmp(oActual.Row<char>(y), oExpected.Row<char>(y), static_cast<size_t>(nWidth)), 0)
             << y;

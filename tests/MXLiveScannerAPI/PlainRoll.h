@@ -45,6 +45,12 @@ class ClPlainRoll {
     return m_nVerdict;
   }
 
+  /// Whether the last frame was compared with the one before it; the sum of the squared differences of their
+  /// ridges, and over how many pixels.
+  bool HasCompared() const { return m_nFrames > 2; }
+  int64_t Sum() const { return m_nSum; }
+  int64_t Count() const { return m_nCount; }
+
  private:
   /// Of the pixels of the largest object: the centre, the axis and their number.
   struct StMoments {
@@ -126,16 +132,16 @@ class ClPlainRoll {
 
   void Compare(ClImage& oFrame) {
     int nShared = 0;
-    int64_t nSum = 0, nCount = 0;
+    m_nSum = m_nCount = 0;
     ForEach(oFrame, [&](int x, int y) {
       nShared += (At(m_oMergedFinger, x, y) | At(m_oFrameFinger, x, y)) == 0;
       if ((At(m_oArea, x, y) | At(m_oLastArea, x, y)) != 0) return;
       const int nDifference = At(m_oRidges, x, y) - At(m_oLastRidges, x, y);
-      nSum += nDifference * nDifference;
-      ++nCount;
+      m_nSum += nDifference * nDifference;
+      ++m_nCount;
     });
     if (nShared < 500) m_nVerdict = -802;
-    const bool bSlips = std::sqrt(static_cast<double>(nSum) / static_cast<double>(nCount)) > 85.0;
+    const bool bSlips = std::sqrt(static_cast<double>(m_nSum) / static_cast<double>(m_nCount)) > 85.0;
     m_nSlipRun = bSlips ? m_nSlipRun + 1 : 0;
     m_nMaxSlipRun = std::max(m_nMaxSlipRun, m_nSlipRun);
   }
@@ -184,7 +190,7 @@ class ClPlainRoll {
 
   long m_nVerdict = 0;
   int m_nFrames = 0, m_nDirection = 0, m_nSlipRun = 0, m_nMaxSlipRun = 0;
-  int64_t m_nMaxArea = 0;
+  int64_t m_nMaxArea = 0, m_nSum = 0, m_nCount = 0;
   std::vector<StMoments> m_aMoments;
   ClImage m_oMerged, m_oWhite, m_oMergedFinger, m_oFrameFinger, m_oShared, m_oSoft, m_oSoftFrame, m_oStrip;
   ClImage m_oArea, m_oLastArea, m_oRidges, m_oLastRidges;
