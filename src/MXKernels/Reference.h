@@ -4,6 +4,7 @@
 #include "MXKernels/BalanceRows.h"
 #include "MXKernels/BoxRows.h"
 #include "MXKernels/DifferenceRows.h"
+#include "MXKernels/FirstMaskRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
@@ -12,6 +13,7 @@
 #include "MXKernels/RunRows.h"
 #include "MXKernels/SplineRows.h"
 #include "MXKernels/TapRows.h"
+#include "MXKernels/TextureRows.h"
 #include "MXKernels/WarpRow.h"
 
 /// The contracts and the types are those of the kernels of the same names in MXKernels.
@@ -56,8 +58,15 @@ decltype(MXKernels::BalanceCellsRow)::Row BalanceCellsRow;
 decltype(MXKernels::WarpRow)::Row WarpRow;
 
 decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
-decltype(MXKernels::AddSquaredDistanceRow)::Row AddSquaredDistanceRow;
-decltype(MXKernels::FingerRow)::Row FingerRow;
+
+decltype(MXKernels::MoveClassCountsRow)::Row MoveClassCountsRow;
+decltype(MXKernels::TextureDistanceRow)::Row TextureDistanceRow;
+decltype(MXKernels::BelowLimitRow)::Row BelowLimitRow;
+decltype(MXKernels::MoveBrightnessRow)::Row MoveBrightnessRow;
+decltype(MXKernels::PrefixSumsRow)::Row PrefixSumsRow;
+decltype(MXKernels::FogRow)::Row FogRow;
+decltype(MXKernels::MoveZerosRow)::Row MoveZerosRow;
+decltype(MXKernels::FewZerosRow)::Row FewZerosRow;
 
 TwoRows<uint8_t> WeightedBlendRow, BelowRow;
 

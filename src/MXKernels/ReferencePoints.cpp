@@ -25,17 +25,6 @@ void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
   for (int n = 0; n < 256; ++n) pBins[n] += aOdd[n];
 }
 
-void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
-                           const BrightnessDecision& oDecision) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    // The root is looked up in any case: the choice then needs no branches, which would be mispredicted at
-    // ridges.
-    const uint16_t nRoot = oDecision.m_pRoot[pDistance[i]];
-    const uint16_t nInner = pSignal[i] > oDecision.m_nFront ? uint16_t{0} : nRoot;
-    pDistance[i] = pSignal[i] < oDecision.m_nBack ? oDecision.m_nLimit : nInner;
-  }
-}
-
 namespace Reference {
 
 void SubtractSaturated(const uint8_t* pLit, const uint8_t* pDark, uint8_t* pOut, size_t nCount) noexcept {
@@ -89,21 +78,6 @@ void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept {
       uint8_t* pOut = k < 2 ? oCells.m_pOutUpper : oCells.m_pOutLower;
       pOut[nAt] = static_cast<uint8_t>(std::min(std::max(nResult, 0), 255));
     }
-  }
-}
-
-void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    const int nDifference = pShare[i] - nReference;
-    pDistance[i] = static_cast<uint16_t>(pDistance[i] + nDifference * nDifference / 6);
-  }
-}
-
-void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
-               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    pMask[i] = pDistance[i] < nDistanceLimit && pNear[i] * 100 > pFar[i] * nFog ? 255 : 0;
   }
 }
 

@@ -1,8 +1,6 @@
 // Parameters and the order of the steps of the finger mask.
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 
-#include <cmath>
-
 #include "MXImageProcessing/MakeProcessor.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
@@ -11,9 +9,6 @@
 
 ClIpVT40R4Mask::ClIpVT40R4Mask() {
   ClIpVT40R4Mask::SetParametersToDefault();
-  for (int i = 0; i < 65536; ++i) {
-    m_anSquareRoot[i] = static_cast<uint16_t>(std::sqrt(static_cast<double>(i)) * 256);
-  }
 }
 
 ClProcessorBase* ClIpVT40R4Mask::Create() const {
@@ -93,10 +88,6 @@ long ClIpVT40R4Mask::Process() {
     EstimateEnvelope(m_oSignal);
   }
   FadeBorders();
-  MeasureTexture();
-  DecideByBrightness();
-  m_oFilterMid.ApplyParam(m_oDistance, m_oSmoothed, 15);
-  TestFog();
   MakeFirstMask();
   m_oRegions.RemoveIslands(m_oMask);
   m_oRegions.FillHoles(m_oMask);

@@ -3,16 +3,14 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpFilterMax.h"
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/IpFilterMin.h"
 #include "MXImageProcessing/IpSaturate.h"
-#include "MXImageProcessing/IpScale.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
-#include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
+#include "MXLiveScannerTools/MaskFirst.h"
 #include "MXLiveScannerTools/MaskRegions.h"
 
 /// Turns a rectified frame into its ridges, inverted and with even contrast, on a pure white background.
@@ -44,15 +42,10 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   long Process() override;
 
  private:
-  static const unsigned char m_anBinRef[ClIpComputeLBPImage_4Neighborhood::cnClasses];
-
   bool TakesHalfResolution(const ClImage& oIn) const;
   void EstimateBackground(ClImage& oDark);
   void EstimateEnvelope(ClImage& oBright);
   void FadeBorders();
-  void MeasureTexture();
-  void DecideByBrightness();
-  void TestFog();
   void MakeFirstMask();
   void ComposeInputResolution();
   void ComposeFullResolution();
@@ -68,18 +61,14 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   int m_nInRightFade;
   int m_nInTopFade;
   int m_nInBottomFade;
-  /// sqrt(i) * 256, truncated.
-  uint16_t m_anSquareRoot[65536];
 
   ClIpFilterMin m_oFilterMin;
   ClIpFilterMax m_oFilterMax;
   ClIpFilterMid m_oFilterMid;
   ClIpSubtract m_oSubtract;
   ClIpSaturate m_oSaturate;
-  ClIpScale m_oScale;
-  ClIpComputeLBPImage_4Neighborhood m_oTexture;
-  ClIpBinarizeGlobal m_oBinarize;
   ClIpAdjustBrightness m_oAdjust;
+  ClFirstMask m_oFirstMask;
   ClMaskRegions m_oRegions;
 
   // These have the resolution that is segmented.
@@ -88,13 +77,6 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   ClImage m_oLower;
   ClImage m_oBackground;
   ClImage m_oEnvelope;
-  ClImage m_oClasses;
-  ClImage m_oShare;
-  ClImage m_oDistance;
-  ClImage m_oSmoothed;
-  ClImage m_oBrightness;
-  ClImage m_oNear;
-  ClImage m_oFar;
   ClImage m_oMask;
   ClImage m_oExtreme1;
   ClImage m_oExtreme2;

@@ -21,14 +21,6 @@ TEST(SquaredDifference, TheLongestRowsDoNotWrapALane) {
   });
 }
 
-TEST(DecideByBrightnessRow, TheLimitsThemselvesAreLeftToTheTexture) {
-  Words aRoot(65536, 4711);
-  const Bytes aSignal = {13, 14, 64, 65};
-  Words aDistance = {1, 2, 65535, 4};
-  DecideByBrightnessRow(aSignal.data(), aDistance.data(), 4, {14, 64, 8847, aRoot.data()});
-  EXPECT_EQ(aDistance, (Words{8847, 4711, 4711, 0}));
-}
-
 TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
   uint8_t aTable[256];
   for (int n = 0; n < 256; ++n) aTable[n] = static_cast<uint8_t>(255 - n);

@@ -1,6 +1,7 @@
 // Tests of the finger mask, of its texture classes and of its regions.
 #include <tuple>
 
+#include "MXKernels/Level.h"
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
@@ -66,6 +67,28 @@ TEST(Mask, EqualsThePlainTwinOnTheInputsOwnAndOnHalfTheResolutionAlsoInPlace) {
     ASSERT_EQ(oMask.ApplyParam(oIn, oIn), 0);
     ExpectGrid(oIn, oExpected);
   }
+}
+
+TEST(Mask, EqualsThePlainTwinAtEveryLevelAlsoOnImagesThatAWindowDoesNotFit) {
+  std::vector<std::pair<int, int>> aSizes = {{300, 5}, {9, 260}, {101, 130}, {130, 100}, {66, 150}};
+  for (int n = 1; n <= 40; ++n) aSizes.insert(aSizes.end(), {{n, 1 + n * 7 % 41}, {1 + n * 17 % 41, n}});
+  const MXKernels::ELevel eBefore = MXKernels::Level();
+  ClIpVT40R4Mask oMask;
+  for (int nLevel = 0; nLevel < MXKernels::eLevelCount; ++nLevel) {
+    if (!MXKernels::SetLevel(static_cast<MXKernels::ELevel>(nLevel))) continue;
+    for (const auto& [nWidth, nHeight] : aSizes) {
+      SCOPED_TRACE(testing::Message() << "level " << nLevel << ", " << nWidth << " by " << nHeight);
+      for (const int nScale : {1, 2}) {
+        ClImage oIn, oOut;
+        const auto nSeed = static_cast<unsigned>(nWidth * 41 + nHeight);
+        const Grid oFrame = FingerFrame(nScale * nWidth, nScale * nHeight, 5.0 * nScale, nSeed, 0.8);
+        SetGrid(oIn, oFrame, 9842 * nScale);
+        ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+        ExpectGrid(oOut, PlainMask(oFrame, nScale == 2));
+      }
+    }
+  }
+  MXKernels::SetLevel(eBefore);
 }
 
 TEST(Mask, WidthOrResolutionChooseThePath) {

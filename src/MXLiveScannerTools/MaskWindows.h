@@ -1,0 +1,75 @@
+// Windows of rows and columns that move over an image, clipped at its borders.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+#include "MXTools/TpArrayDynamic.h"
+
+namespace MaskWindows {
+
+/// Half the width of a window, or 0 on an image that is smaller than the window: a mean leaves it as it is.
+inline int FittingHalf(int nHalf, int nWidth, int nHeight) {
+  return std::min(nWidth, nHeight) > 2 * nHalf ? nHalf : 0;
+}
+
+/// How many of the positions n - nHalf to n + nHalf are in [0, nExtent).
+inline uint32_t Covered(int n, int nHalf, int nExtent) {
+  return static_cast<uint32_t>(std::min(n + nHalf, nExtent - 1) - std::max(n - nHalf, 0) + 1);
+}
+
+/// Moves a window of 2 * nHalf + 1 rows from row y - 1 to row y, or to the first row from above the image:
+/// calls fnMove(row that enters, row that leaves). fnEnter(n) and fnLeave(n) give a row of the image, pNone
+/// stands for one outside it.
+template <typename T, typename TEnter, typename TLeave, typename TMove>
+void MoveRows(int y, int nHalf, int nHeight, const T* pNone, const TEnter& fnEnter, const TLeave& fnLeave,
+              const TMove& fnMove) {
+  for (int n = y == 0 ? -nHalf : y; n <= y; ++n) {
+    const T* pEnter = n + nHalf < nHeight ? fnEnter(n + nHalf) : pNone;
+    fnMove(pEnter, n - nHalf - 1 >= 0 ? fnLeave(n - nHalf - 1) : pNone);
+  }
+}
+
+/// The last rows of an image, or one row with room on both sides.
+template <typename T>
+class TpRows {
+ public:
+  /// Room for the last nRows rows of nStride samples, all of them nValue.
+  void Start(int nRows, size_t nStride, T nValue) {
+    m_nRows = nRows;
+    m_nStride = nStride;
+    m_aSamples.SetEntries(static_cast<unsigned int>(static_cast<size_t>(nRows) * nStride));
+    std::fill_n(m_aSamples.Data(), m_aSamples.Entries(), nValue);
+  }
+  T* Row(int y) { return m_aSamples.Data() + static_cast<size_t>(y % m_nRows) * m_nStride; }
+
+ private:
+  int m_nRows = 0;
+  size_t m_nStride = 0;
+  TpArrayDynamic<T, 1> m_aSamples;
+};
+
+/// A number for each window of a row that follows from how many pixels the window holds. It is worked out
+/// anew only where another number of rows is covered.
+template <typename T>
+class TpOfArea {
+ public:
+  template <typename TNumber>
+  const T* Row(int y, int nHalf, int nWidth, int nHeight, const TNumber& fnNumber) {
+    const uint32_t nRows = Covered(y, nHalf, nHeight);
+    if (y == 0 || nRows != m_nRows) {
+      m_nRows = nRows;
+      m_aNumbers.SetEntries(static_cast<unsigned int>(nWidth));
+      T* pNumbers = m_aNumbers.Data();
+      for (int x = 0; x < nWidth; ++x) pNumbers[x] = fnNumber(nRows * Covered(x, nHalf, nWidth));
+    }
+    return m_aNumbers.Data();
+  }
+
+ private:
+  uint32_t m_nRows = 0;
+  TpArrayDynamic<T, 1> m_aNumbers;
+};
+
+}  // namespace MaskWindows
