@@ -3,17 +3,16 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpInvert.h"
-#include "MXImageProcessing/IpLabeling.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/TpArrayDynamic.h"
 
 /// Judges the connected regions of a mask by their number of pixels.
 ///
 /// Domain     masks are eUint8 images of one plane that hold 0 and 255; regions are connected four ways.
-/// Ownership  the mask is changed in place; scratch is kept from call to call.
+/// Ownership  the mask is changed in place; its runs are kept from call to call.
 /// Threads    thread-bound.
 /// Errors     ClExBadAlloc -102.
+/// Cost       the mask is read once a call, and written where regions go.
 class ClMaskRegions {
  public:
   /// The largest regions that are taken out, whatever the resolution of the mask.
@@ -27,12 +26,22 @@ class ClMaskRegions {
   void FillHoles(ClImage& oMask);
 
  private:
-  void CountLabels();
-  void Replace(ClImage& oMask, int nLargest, unsigned char nValue) const;
+  /// Pixels [nBegin, nEnd) of a row. Runs of one region lead to the first of them, which has the count.
+  struct StRun {
+    int nBegin;
+    int nEnd;
+    unsigned int nParent;
+    int nPixels;
+  };
 
-  ClIpInvert m_oInvert;
-  ClIpLabeling m_oLabeling;
-  ClImage m_oInverted;
-  ClImage m_oLabels;
-  TpArrayDynamic<int32_t, 1> m_aCounts;
+  void FindRegions(const ClImage& oMask, unsigned char nOf);
+  void AddRuns(const uint8_t* pRow, int nWidth, unsigned char nOf);
+  void JoinRows(unsigned int nAbove, unsigned int nFirst);
+  unsigned int RootOf(unsigned int nRun);
+  void Replace(ClImage& oMask, int nLargest, unsigned char nValue);
+
+  TpArrayDynamic<uint64_t, 1> m_aBits;
+  TpArrayDynamic<StRun, 1> m_aRuns;
+  /// The number of runs up to the end of each row.
+  TpArrayDynamic<unsigned int, 1> m_aRowEnds;
 };

@@ -163,6 +163,28 @@ TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
   }
 }
 
+TEST(MaskRegions, RandomMasksEqualThePlainTwin) {
+  ClMaskRegions oRegions;
+  ClImage oMask;
+  std::mt19937 oRandom(56);
+  for (const auto& [nWidth, nHeight, nSet] :
+       {std::tuple(1, 1, 1U), {64, 3, 2U}, {150, 140, 2U}, {201, 190, 3U}, {260, 130, 5U}, {190, 160, 8U}}) {
+    for (int nTrial = 0; nTrial < 8; ++nTrial) {
+      // About as many blobs as leave regions on both sides of the limits; the last masks are noise.
+      Grid oGrid = MakeGrid(nWidth, nHeight, [&, nOf = nSet](int, int) { return oRandom() % nOf ? 255 : 0; });
+      if (nTrial < 6) oGrid = PlainMean(oGrid, 3 + 2 * nTrial);
+      for (int& n : oGrid.m_aNumbers) n = n >= 255 - 255 / static_cast<int>(nSet) ? 255 : 0;
+      SetGrid(oMask, oGrid, 0);
+      oRegions.RemoveIslands(oMask);
+      PlainReplace(oGrid, 255, 2999, false);
+      ExpectGrid(oMask, oGrid);
+      oRegions.FillHoles(oMask);
+      PlainReplace(oGrid, 0, 3999, true);
+      ExpectGrid(oMask, oGrid);
+    }
+  }
+}
+
 TEST(MaskRegions, OnlyTheUpperCornersAreOpenBackground) {
   ClMaskRegions oRegions;
   ClImage oMask;
