@@ -39,19 +39,6 @@ bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits
   return !hn::AllTrue(BytesOfWords(), vAny == hn::Zero(BytesOfWords()));
 }
 
-void MoveBrightnessRow(const uint8_t* pEnter, const uint8_t* pLeave, uint16_t* pSums,
-                       size_t nCount) noexcept {
-  using Sums = hn::ScalableTag<uint16_t>;
-  const auto Rule = [=](Sums d, size_t i) HWY_ATTR {
-    const hn::Rebind<uint8_t, Sums> d8;
-    const auto vMost = hn::Set(d8, 127);
-    return hn::LoadU(d, pSums + i) + hn::PromoteTo(d, hn::Min(hn::LoadU(d8, pEnter + i), vMost)) -
-           hn::PromoteTo(d, hn::Min(hn::LoadU(d8, pLeave + i), vMost));
-  };
-  if (!ForEachVector(Sums(), Rule, pSums, nCount))
-    Reference::MoveBrightnessRow(pEnter, pLeave, pSums, nCount);
-}
-
 /// Four sums further on, the prefix has grown by these four: no step needs a shuffle.
 void PrefixSumsRow(const uint16_t* pSums, uint32_t* pPrefix, size_t nCount) noexcept {
   const hn::FixedTag<uint32_t, 4> d;
@@ -135,7 +122,6 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_KERNEL(BelowLimitRow);
-MXKERNELS_KERNEL(MoveBrightnessRow);
 MXKERNELS_KERNEL(PrefixSumsRow);
 MXKERNELS_KERNEL(FogRow);
 MXKERNELS_KERNEL(MoveZerosRow);

@@ -17,9 +17,6 @@ extern const TpKernel<bool(const uint32_t* pSums, size_t nWidth, const uint32_t*
                            uint8_t* pOut, size_t nCount) noexcept>
     BelowLimitRow;
 
-/// pSums[i] += min(pEnter[i], 127) - min(pLeave[i], 127).
-extern const TpKernel<TwoRows<uint8_t, uint16_t>> MoveBrightnessRow;
-
 /// pPrefix[i] = the sum of pSums[0, i), for i in [0, nCount]. Any four sums in a row make less than 2^16.
 extern const TpKernel<OneRow<uint16_t, uint32_t>> PrefixSumsRow;
 

@@ -11,6 +11,7 @@
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
 #include "MXKernels/RunRows.h"
+#include "MXKernels/SmoothRows.h"
 #include "MXKernels/SplineRows.h"
 #include "MXKernels/TapRows.h"
 #include "MXKernels/TextureRows.h"
@@ -62,11 +63,14 @@ decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
 decltype(MXKernels::MoveClassCountsRow)::Row MoveClassCountsRow;
 decltype(MXKernels::TextureDistanceRow)::Row TextureDistanceRow;
 decltype(MXKernels::BelowLimitRow)::Row BelowLimitRow;
-decltype(MXKernels::MoveBrightnessRow)::Row MoveBrightnessRow;
 decltype(MXKernels::PrefixSumsRow)::Row PrefixSumsRow;
 decltype(MXKernels::FogRow)::Row FogRow;
 decltype(MXKernels::MoveZerosRow)::Row MoveZerosRow;
 decltype(MXKernels::FewZerosRow)::Row FewZerosRow;
+
+RankOf7Rows MinOf7RowsRow, MaxOf7RowsRow;
+decltype(MXKernels::MoveLimitedSumsRow)::Row MoveLimitedSumsRow;
+decltype(MXKernels::MeanOf7Row)::Row MeanOf7Row;
 
 TwoRows<uint8_t> WeightedBlendRow, BelowRow;
 

@@ -63,14 +63,6 @@ bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits
   return bAny;
 }
 
-void MoveBrightnessRow(const uint8_t* pEnter, const uint8_t* pLeave, uint16_t* pSums,
-                       size_t nCount) noexcept {
-  const auto Limited = [](uint8_t n) { return std::min<int>(n, 127); };
-  for (size_t i = 0; i < nCount; ++i) {
-    pSums[i] = static_cast<uint16_t>(pSums[i] + Limited(pEnter[i]) - Limited(pLeave[i]));
-  }
-}
-
 void PrefixSumsRow(const uint16_t* pSums, uint32_t* pPrefix, size_t nCount) noexcept {
   pPrefix[0] = 0;
   for (size_t i = 0; i < nCount; ++i) pPrefix[i + 1] = pPrefix[i] + pSums[i];
@@ -105,6 +97,49 @@ void FewZerosRow(const uint8_t* pCounts, size_t nWidth, const uint8_t* pLimits, 
     nSum += pCounts[i + nWidth - 1];
     pOut[i] = nSum <= pLimits[i] ? 255 : 0;
     nSum -= pCounts[i];
+  }
+}
+
+namespace {
+
+template <typename TPick>
+void RankOf7(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount,
+             const TPick& fnPick) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pWork[i] = ppRows[0][i];
+    for (size_t k = 1; k < 7; ++k) pWork[i] = fnPick(pWork[i], ppRows[k][i]);
+  }
+  for (size_t i = 0; i < nCount; ++i) {
+    pOut[i] = pWork[i];
+    for (size_t n = i - std::min<size_t>(i, 3); n < std::min(i + 4, nCount); ++n) {
+      pOut[i] = fnPick(pOut[i], pWork[n]);
+    }
+  }
+}
+
+}  // namespace
+
+void MinOf7RowsRow(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount) noexcept {
+  RankOf7(ppRows, pWork, pOut, nCount, [](uint8_t nA, uint8_t nB) { return std::min(nA, nB); });
+}
+
+void MaxOf7RowsRow(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount) noexcept {
+  RankOf7(ppRows, pWork, pOut, nCount, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
+}
+
+void MoveLimitedSumsRow(const uint8_t* pEnter, const uint8_t* pLeave, uint16_t* pSums, size_t nCount,
+                        uint8_t nMost) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pSums[i] = static_cast<uint16_t>(pSums[i] + std::min(pEnter[i], nMost) - std::min(pLeave[i], nMost));
+  }
+}
+
+void MeanOf7Row(const uint16_t* pSums, const uint16_t* pFactors, uint8_t* pOut, size_t nCount) noexcept {
+  uint32_t nSum = std::accumulate(pSums, pSums + 6, 0U);
+  for (size_t i = 0; i < nCount; ++i) {
+    nSum += pSums[i + 6];
+    pOut[i] = static_cast<uint8_t>(nSum * pFactors[i] >> 19);
+    nSum -= pSums[i];
   }
 }
 

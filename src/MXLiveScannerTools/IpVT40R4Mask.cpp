@@ -77,15 +77,9 @@ long ClIpVT40R4Mask::Process() {
     if (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0) {
       KLV_RAISE(ClException, "image must have even width and height", -44);
     }
-    ScaleDown(*m_pInImage, m_oSignal, m_oUpper, m_oLower);
-    EstimateBackground(m_oLower);
-    m_oSubtract.ApplyParam(m_oSignal, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
-    m_oSubtract.ApplyParam(m_oUpper, m_oBackground, m_oUpper, ClImage::cnTypeDefault);
-    EstimateEnvelope(m_oUpper);
+    EstimateAtHalfResolution();
   } else {
-    EstimateBackground(*m_pInImage);
-    m_oSubtract.ApplyParam(*m_pInImage, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
-    EstimateEnvelope(m_oSignal);
+    EstimateAtInputResolution();
   }
   FadeBorders();
   MakeFirstMask();

@@ -3,15 +3,13 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpFilterMax.h"
 #include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpFilterMin.h"
-#include "MXImageProcessing/IpSaturate.h"
 #include "MXImageProcessing/IpSubtract.h"
 #include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 #include "MXLiveScannerTools/MaskFirst.h"
 #include "MXLiveScannerTools/MaskRegions.h"
+#include "MXLiveScannerTools/MaskSmooth.h"
 
 /// Turns a rectified frame into its ridges, inverted and with even contrast, on a pure white background.
 ///
@@ -43,8 +41,9 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
 
  private:
   bool TakesHalfResolution(const ClImage& oIn) const;
-  void EstimateBackground(ClImage& oDark);
-  void EstimateEnvelope(ClImage& oBright);
+  void StartSmoothing(int nWidth, int nHeight);
+  void EstimateAtInputResolution();
+  void EstimateAtHalfResolution();
   void FadeBorders();
   void MakeFirstMask();
   void ComposeInputResolution();
@@ -62,24 +61,21 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   int m_nInTopFade;
   int m_nInBottomFade;
 
-  ClIpFilterMin m_oFilterMin;
-  ClIpFilterMax m_oFilterMax;
   ClIpFilterMid m_oFilterMid;
   ClIpSubtract m_oSubtract;
-  ClIpSaturate m_oSaturate;
   ClIpAdjustBrightness m_oAdjust;
+  ClMaskSmooth m_oDarkest;
+  ClMaskSmooth m_oBrightest;
+  MaskWindows::TpRows<uint8_t> m_oRows;
+  MaskWindows::TpRows<uint8_t> m_oLowerRows;
   ClFirstMask m_oFirstMask;
   ClMaskRegions m_oRegions;
 
   // These have the resolution that is segmented.
   ClImage m_oSignal;
-  ClImage m_oUpper;
-  ClImage m_oLower;
   ClImage m_oBackground;
   ClImage m_oEnvelope;
   ClImage m_oMask;
-  ClImage m_oExtreme1;
-  ClImage m_oExtreme2;
   // These have the input's resolution; only inputs that are segmented at half resolution use them.
   ClImage m_oFullSignal;
   ClImage m_oFullEnvelope;

@@ -1,14 +1,12 @@
 // The single steps of the finger mask: background, envelope, fades and the first mask.
 #include <algorithm>
 
+#include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXTools/ImageTypeDispatch.h"
 
 namespace {
-
-// Width of the filters, in pixels of the resolution that is segmented.
-constexpr long cnExtremeWidth = 7;
 
 /// The row times nNumerator / nDenominator, which is below 1.
 void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
@@ -23,17 +21,53 @@ void FadeSample(uint8_t& rnSample, int nNumerator, int nDenominator) {
 
 }  // namespace
 
-void ClIpVT40R4Mask::EstimateBackground(ClImage& oDark) {
-  m_oFilterMin.ApplyParam(oDark, m_oExtreme1, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMax.ApplyParam(m_oExtreme1, m_oExtreme2, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oSaturate.ApplyParam(m_oExtreme2, m_oExtreme2, 0.0, 64.0);
-  m_oFilterMid.ApplyParam(m_oExtreme2, m_oBackground, cnExtremeWidth);
+void ClIpVT40R4Mask::StartSmoothing(int nWidth, int nHeight) {
+  m_oDarkest.Start(nWidth, nHeight, MXKernels::MinOf7RowsRow, MXKernels::MaxOf7RowsRow, 64);
+  m_oBrightest.Start(nWidth, nHeight, MXKernels::MaxOf7RowsRow, MXKernels::MinOf7RowsRow, 255);
+  for (ClImage* pImage : {&m_oSignal, &m_oEnvelope}) {
+    pImage->NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  }
 }
 
-void ClIpVT40R4Mask::EstimateEnvelope(ClImage& oBright) {
-  m_oFilterMax.ApplyParam(oBright, m_oExtreme1, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMin.ApplyParam(m_oExtreme1, m_oExtreme2, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMid.ApplyParam(m_oExtreme2, m_oEnvelope, cnExtremeWidth);
+/// The envelope is that of the signal, whose rows are made when it asks for them.
+void ClIpVT40R4Mask::EstimateAtInputResolution() {
+  const int nWidth = m_pInImage->Width(), nHeight = m_pInImage->Height();
+  StartSmoothing(nWidth, nHeight);
+  m_oRows.Start(1, static_cast<size_t>(nWidth), 0);
+  const auto In = [this](int n) { return m_pInImage->Row<uint8_t>(n); };
+  const auto MakeSignal = [&](int n) {
+    uint8_t *pBackground = m_oRows.Row(0), *pSignal = m_oSignal.Row<uint8_t>(n);
+    m_oDarkest.MakeRow(n, In, pBackground);
+    MXKernels::SubtractSaturated(In(n), pBackground, pSignal, static_cast<size_t>(nWidth));
+    return pSignal;
+  };
+  for (int y = 0; y < nHeight; ++y) m_oBrightest.MakeRow(y, MakeSignal, m_oEnvelope.Row<uint8_t>(y));
+}
+
+/// The background is that of the cells' darkest pixels, the envelope that of their brightest ones.
+void ClIpVT40R4Mask::EstimateAtHalfResolution() {
+  const int nWidth = m_pInImage->Width() / 2, nHeight = m_pInImage->Height() / 2;
+  const auto nCount = static_cast<size_t>(nWidth);
+  StartSmoothing(nWidth, nHeight);
+  m_oBackground.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  // Cells are read 9 rows ahead of the background, and the envelope keeps the last 7 rows.
+  m_oRows.Start(16, nCount, 0);
+  m_oLowerRows.Start(8, nCount, 0);
+  const auto ReadCells = [&](int n) {
+    uint8_t* pLower = m_oLowerRows.Row(n);
+    MXKernels::ScaleDownRow(m_pInImage->Row<uint8_t>(2 * n), m_pInImage->Row<uint8_t>(2 * n + 1), nCount,
+                            m_oSignal.Row<uint8_t>(n), m_oRows.Row(n), pLower);
+    return pLower;
+  };
+  const auto MakeUpper = [&](int n) {
+    uint8_t *pBackground = m_oBackground.Row<uint8_t>(n), *pUpper = m_oRows.Row(n);
+    m_oDarkest.MakeRow(n, ReadCells, pBackground);
+    uint8_t* pSignal = m_oSignal.Row<uint8_t>(n);
+    MXKernels::SubtractSaturated(pSignal, pBackground, pSignal, nCount);
+    MXKernels::SubtractSaturated(pUpper, pBackground, pUpper, nCount);
+    return pUpper;
+  };
+  for (int y = 0; y < nHeight; ++y) m_oBrightest.MakeRow(y, MakeUpper, m_oEnvelope.Row<uint8_t>(y));
 }
 
 void ClIpVT40R4Mask::FadeBorders() {

@@ -3,6 +3,7 @@
 
 #include "MXKernels/DifferenceRows.h"
 #include "MXKernels/FirstMaskRows.h"
+#include "MXKernels/SmoothRows.h"
 
 using namespace MaskWindows;
 
@@ -99,7 +100,7 @@ void ClFirstMask::TestFog(int y, bool bAny, uint8_t* pFinger) {
   const auto Move = [&](uint16_t* pSums, int nHalf) {
     MoveRows<uint8_t>(y, nHalf, m_nHeight, m_oDark.Row(0), Row, Row,
                       [=](const uint8_t* pEnter, const uint8_t* pLeave) {
-                        MXKernels::MoveBrightnessRow(pEnter, pLeave, pSums + nHalf, nCount);
+                        MXKernels::MoveLimitedSumsRow(pEnter, pLeave, pSums + nHalf, nCount, 127);
                       });
   };
   Move(m_oNear.Row(0), m_nNearHalf);

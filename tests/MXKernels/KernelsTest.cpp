@@ -67,7 +67,7 @@ TEST(Kernels, EveryLevelEqualsTheReferenceForEveryTail) {
                           BelowRow);
   ExpectEachLikeReference(1, InvertedBlendRow, WeightedBlendRow, AdjustBrightnessRow, MinRows, MaxRows);
   ExpectEachLikeReference(1, AddToSumsRow, TakeFromSumsRow, MoveSumsRow, DeviationRow, RemoveBackgroundRow);
-  ExpectEachLikeReference(1, MoveBrightnessRow, MoveZerosRow, ZeroBitsRow, ReverseRow, ScaleUpRow);
+  ExpectEachLikeReference(1, MoveLimitedSumsRow, MoveZerosRow, ZeroBitsRow, ReverseRow, ScaleUpRow);
   ExpectEachLikeReference(2, SplitPairsRow, ScaleDownRow);
 }
 

@@ -149,3 +149,33 @@ TEST(FirstMaskRows, FogIsTestedWithTruncatedMeansOfEveryArea) {
     }
   });
 }
+
+TEST(SmoothRows, MeansAreExactForEveryWindowAndSum) {
+  for (uint32_t nRows = 4; nRows <= 7; ++nRows) {
+    for (uint32_t nColumns = 4; nColumns <= 7; ++nColumns) {
+      const uint32_t nArea = nRows * nColumns;
+      for (uint32_t n = 0; n <= 255 * nArea; ++n) {
+        ASSERT_EQ(n * MeanFactor(nArea) >> 19, n / nArea) << n << " in " << nArea;
+      }
+    }
+  }
+}
+
+TEST(SmoothRows, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    // Every second row is black or nearly black: samples outside it must not show.
+    const auto aIn = oSamples.Row<uint8_t>(7 * nCount, nCount % 2 == 0 ? 255 : 1);
+    const uint8_t* apRows[7];
+    for (size_t k = 0; k < 7; ++k) apRows[k] = aIn.data() + k * nCount;
+    const auto aSums = oSamples.Row<uint16_t>(nCount + 6, 7 * 255);
+    const Words aFactors(nCount, MeanFactor(49));
+    Bytes aWork(nCount + 6);
+    ExpectLikeReference(
+        [&](auto* pLeast, auto* pMost, auto* pMean) {
+          MinOf7RowsRow(apRows, aWork.data(), pLeast, nCount);
+          MaxOf7RowsRow(apRows, aWork.data(), pMost, nCount);
+          MeanOf7Row(aSums.data(), aFactors.data(), pMean, nCount);
+        },
+        Bytes(nCount), Bytes(nCount), Bytes(nCount));
+  });
+}
