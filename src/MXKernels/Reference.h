@@ -3,6 +3,7 @@
 
 #include "MXKernels/BalanceRows.h"
 #include "MXKernels/BoxRows.h"
+#include "MXKernels/ComposeRows.h"
 #include "MXKernels/DifferenceRows.h"
 #include "MXKernels/FirstMaskRows.h"
 #include "MXKernels/LayoutRows.h"
@@ -71,6 +72,10 @@ decltype(MXKernels::FewZerosRow)::Row FewZerosRow;
 RankOf7Rows MinOf7RowsRow, MaxOf7RowsRow;
 decltype(MXKernels::MoveLimitedSumsRow)::Row MoveLimitedSumsRow;
 decltype(MXKernels::MeanOf7Row)::Row MeanOf7Row;
+
+decltype(MXKernels::SoftRow)::Row SoftRow, DoubledSoftRow;
+TwoRows<uint8_t> DoubleZerosRow;
+decltype(MXKernels::FlattenRow)::Row FlattenRow;
 
 TwoRows<uint8_t> WeightedBlendRow, BelowRow;
 

@@ -143,4 +143,37 @@ void MeanOf7Row(const uint16_t* pSums, const uint16_t* pFactors, uint8_t* pOut, 
   }
 }
 
+void SoftRow(const SoftWindows& oWindows, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const uint8_t* pZeros = oWindows.m_pZeros + i + 1;
+    const uint32_t nSet = oWindows.m_pAreas[i] - std::accumulate(pZeros, pZeros + 7, 0U);
+    pOut[i] = static_cast<uint8_t>(nSet * 16 * oWindows.m_pFactors[i] >> 16);
+  }
+}
+
+void DoubledSoftRow(const SoftWindows& oWindows, uint8_t* pOut, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const uint8_t* pZeros = oWindows.m_pZeros + i;
+    const uint32_t nTwice = 2 * std::accumulate(pZeros + 1, pZeros + 8, 0U);
+    for (size_t k = 0; k < 2; ++k) {
+      const uint32_t nSet = oWindows.m_pAreas[2 * i + k] - nTwice - pZeros[8 * k];
+      pOut[2 * i + k] = static_cast<uint8_t>(nSet * 4 * oWindows.m_pFactors[2 * i + k] >> 16);
+    }
+  }
+}
+
+void DoubleZerosRow(const uint8_t* pCounts, const uint8_t* pOther, uint8_t* pSums, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    pSums[i] = static_cast<uint8_t>(2 * pCounts[i] + (pOther[i] == 0 ? 1 : 0));
+  }
+}
+
+void FlattenRow(const uint8_t* pSignal, const uint8_t* pEnvelope, const uint8_t* pSoft, uint8_t* pOut,
+                size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const int nFlat = std::min(pSignal[i] * 255 / std::max<int>(pEnvelope[i], 1), 255);
+    pOut[i] = static_cast<uint8_t>(255 - nFlat * pSoft[i] / 255);
+  }
+}
+
 }  // namespace MXKernels::Reference

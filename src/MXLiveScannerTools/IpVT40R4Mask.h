@@ -3,13 +3,11 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpSubtract.h"
-#include "MXLiveScannerTools/IpAdjustBrightness.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
 #include "MXLiveScannerTools/MaskFirst.h"
 #include "MXLiveScannerTools/MaskRegions.h"
 #include "MXLiveScannerTools/MaskSmooth.h"
+#include "MXLiveScannerTools/MaskSoft.h"
 
 /// Turns a rectified frame into its ridges, inverted and with even contrast, on a pure white background.
 ///
@@ -48,7 +46,6 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   void MakeFirstMask();
   void ComposeInputResolution();
   void ComposeFullResolution();
-  void BlendWith(const ClImage& oSoftMask);
 
   int m_nInWidth500dpi;
   unsigned char m_nInSignalBack;
@@ -61,25 +58,19 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   int m_nInTopFade;
   int m_nInBottomFade;
 
-  ClIpFilterMid m_oFilterMid;
-  ClIpSubtract m_oSubtract;
-  ClIpAdjustBrightness m_oAdjust;
   ClMaskSmooth m_oDarkest;
   ClMaskSmooth m_oBrightest;
   MaskWindows::TpRows<uint8_t> m_oRows;
   MaskWindows::TpRows<uint8_t> m_oLowerRows;
   ClFirstMask m_oFirstMask;
   ClMaskRegions m_oRegions;
+  ClSoftMask m_oSoftMask;
 
   // These have the resolution that is segmented.
   ClImage m_oSignal;
   ClImage m_oBackground;
   ClImage m_oEnvelope;
   ClImage m_oMask;
-  // These have the input's resolution; only inputs that are segmented at half resolution use them.
-  ClImage m_oFullSignal;
-  ClImage m_oFullEnvelope;
-  ClImage m_oFullBackground;
-  ClImage m_oFullMask;
-  ClImage m_oSoftMask;
+  /// The output where it is also the input, at full resolution.
+  ClImage m_oScratch;
 };

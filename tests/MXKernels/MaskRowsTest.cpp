@@ -179,3 +179,33 @@ TEST(SmoothRows, EveryLevelEqualsTheReferenceForEveryTail) {
         Bytes(nCount), Bytes(nCount), Bytes(nCount));
   });
 }
+
+TEST(ComposeRows, SharesOfTheSmallWindowAreExactForEveryWindowAndCount) {
+  for (uint32_t nRows = 4; nRows <= 7; ++nRows) {
+    for (uint32_t nColumns = 4; nColumns <= 7; ++nColumns) {
+      const uint32_t nArea = nRows * nColumns;
+      for (uint32_t n = 0; n <= nArea; ++n) {
+        ASSERT_EQ(n * 16 * SoftFactor(nArea) >> 16, 255 * n / nArea) << n << " of " << nArea;
+      }
+    }
+  }
+}
+
+TEST(ComposeRows, EveryLevelEqualsTheReferenceForEveryTail) {
+  ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
+    const auto aZeros = oSamples.Row<uint8_t>(nCount + 8, 7), aMask = oSamples.Row<uint8_t>(nCount, 1);
+    const Bytes aAreas(2 * nCount, 49), aDoubledAreas(2 * nCount, 225);
+    const Words aFactors(2 * nCount, SoftFactor(49)), aDoubledFactors(2 * nCount, TextureFactor(225));
+    const SoftWindows oSmall{aZeros.data(), aAreas.data(), aFactors.data()};
+    const SoftWindows oDoubled{aZeros.data(), aDoubledAreas.data(), aDoubledFactors.data()};
+    const auto aSignal = oSamples.Row<uint8_t>(nCount), aEnvelope = oSamples.Row<uint8_t>(nCount);
+    ExpectLikeReference(
+        [&](auto* pSoft, auto* pDoubled, auto* pSums, auto* pFlat) {
+          SoftRow(oSmall, pSoft, nCount);
+          DoubledSoftRow(oDoubled, pDoubled, nCount);
+          DoubleZerosRow(aZeros.data(), aMask.data(), pSums, nCount);
+          FlattenRow(aSignal.data(), aEnvelope.data(), pFlat, pFlat, nCount);
+        },
+        Bytes(nCount), Bytes(2 * nCount), Bytes(nCount), oSamples.Row<uint8_t>(nCount));
+  });
+}
