@@ -72,6 +72,7 @@ decltype(MXKernels::FewZerosRow)::Row FewZerosRow;
 RankOf7Rows MinOf7RowsRow, MaxOf7RowsRow;
 decltype(MXKernels::MoveLimitedSumsRow)::Row MoveLimitedSumsRow;
 decltype(MXKernels::MeanOf7Row)::Row MeanOf7Row;
+decltype(MXKernels::FadeRow)::Row FadeRow;
 
 decltype(MXKernels::SoftRow)::Row SoftRow, DoubledSoftRow;
 TwoRows<uint8_t> DoubleZerosRow;

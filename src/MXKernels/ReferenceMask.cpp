@@ -105,15 +105,12 @@ namespace {
 template <typename TPick>
 void RankOf7(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount,
              const TPick& fnPick) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    pWork[i] = ppRows[0][i];
-    for (size_t k = 1; k < 7; ++k) pWork[i] = fnPick(pWork[i], ppRows[k][i]);
-  }
-  for (size_t i = 0; i < nCount; ++i) {
-    pOut[i] = pWork[i];
-    for (size_t n = i - std::min<size_t>(i, 3); n < std::min(i + 4, nCount); ++n) {
-      pOut[i] = fnPick(pOut[i], pWork[n]);
-    }
+  std::copy(ppRows[0], ppRows[0] + nCount, pWork);
+  for (size_t k = 1; k < 7; ++k) std::transform(pWork, pWork + nCount, ppRows[k], pWork, fnPick);
+  std::copy(pWork, pWork + nCount, pOut);
+  for (size_t k = 1; k <= std::min<size_t>(3, nCount); ++k) {
+    std::transform(pOut, pOut + nCount - k, pWork + k, pOut, fnPick);
+    std::transform(pOut + k, pOut + nCount, pWork, pOut + k, fnPick);
   }
 }
 
@@ -125,6 +122,10 @@ void MinOf7RowsRow(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, 
 
 void MaxOf7RowsRow(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount) noexcept {
   RankOf7(ppRows, pWork, pOut, nCount, [](uint8_t nA, uint8_t nB) { return std::max(nA, nB); });
+}
+
+void FadeRow(uint8_t* pInOut, uint32_t nFactor, size_t nCount) noexcept {
+  for (size_t i = 0; i < nCount; ++i) pInOut[i] = static_cast<uint8_t>(pInOut[i] * nFactor >> 16);
 }
 
 void MoveLimitedSumsRow(const uint8_t* pEnter, const uint8_t* pLeave, uint16_t* pSums, size_t nCount,

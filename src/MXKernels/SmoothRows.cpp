@@ -1,4 +1,4 @@
-// Vector variants of the kernels of the finger mask's background and envelope.
+// Vector variants of the kernels of the finger mask's signal.
 #include "MXKernels/SmoothRows.h"
 
 #include <cstring>
@@ -76,6 +76,15 @@ void MeanOf7Row(const uint16_t* pSums, const uint16_t* pFactors, uint8_t* pOut, 
   if (!ForEachVector(Out(), Rule, pOut, nCount)) Reference::MeanOf7Row(pSums, pFactors, pOut, nCount);
 }
 
+void FadeRow(uint8_t* pInOut, uint32_t nFactor, size_t nCount) noexcept {
+  const auto Half = [=](HalfBytes d, size_t i) HWY_ATTR {
+    const hn::Rebind<uint16_t, HalfBytes> d16;
+    const auto vFactor = hn::Set(d16, static_cast<uint16_t>(nFactor));
+    return NarrowToBytes(d, hn::MulHigh(hn::PromoteTo(d16, hn::LoadU(d, pInOut + i)), vFactor));
+  };
+  if (!ForEachVector(Bytes(), ByHalves(Half), pInOut, nCount)) Reference::FadeRow(pInOut, nFactor, nCount);
+}
+
 }  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
@@ -87,6 +96,7 @@ MXKERNELS_KERNEL(MinOf7RowsRow);
 MXKERNELS_KERNEL(MaxOf7RowsRow);
 MXKERNELS_KERNEL(MoveLimitedSumsRow);
 MXKERNELS_KERNEL(MeanOf7Row);
+MXKERNELS_KERNEL(FadeRow);
 
 }  // namespace MXKernels
 #endif

@@ -1,4 +1,4 @@
-// Row functions of the finger mask's background and envelope: extremes and means of windows of 7 by 7 pixels.
+// Row functions of the finger mask's signal: extremes and means of windows of 7 by 7 pixels, fades.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -25,5 +25,14 @@ constexpr uint16_t MeanFactor(uint32_t nArea) {
 extern const TpKernel<void(const uint16_t* pSums, const uint16_t* pFactors, uint8_t* pOut,
                            size_t nCount) noexcept>
     MeanOf7Row;
+
+/// sample * factor / 2^16 is sample * nNumerator / nDenominator, truncated, for all bytes;
+/// nNumerator < nDenominator <= 256.
+constexpr uint16_t FadeFactor(uint32_t nNumerator, uint32_t nDenominator) {
+  return static_cast<uint16_t>((nNumerator * 65536 + nDenominator - 1) / nDenominator);
+}
+
+/// pInOut[i] = pInOut[i] * nFactor / 2^16, truncated; factors are below 2^16.
+extern const TpKernel<void(uint8_t* pInOut, uint32_t nFactor, size_t nCount) noexcept> FadeRow;
 
 }  // namespace MXKernels

@@ -8,15 +8,18 @@
 
 namespace {
 
-/// The row times nNumerator / nDenominator, which is below 1.
-void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
-  uint8_t aTable[256];
-  for (int n = 0; n < 256; ++n) aTable[n] = static_cast<uint8_t>(int64_t{n} * nNumerator / nDenominator);
-  MXKernels::LookUpRow(pRow, pRow, static_cast<size_t>(nWidth), aTable);
-}
-
 void FadeSample(uint8_t& rnSample, int nNumerator, int nDenominator) {
   rnSample = static_cast<uint8_t>(int64_t{rnSample} * nNumerator / nDenominator);
+}
+
+/// The row times nNumerator / nDenominator, which is below 1.
+void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
+  if (nDenominator <= 256) {
+    const auto nFactor =
+        MXKernels::FadeFactor(static_cast<uint32_t>(nNumerator), static_cast<uint32_t>(nDenominator));
+    return MXKernels::FadeRow(pRow, nFactor, static_cast<size_t>(nWidth));
+  }
+  for (int x = 0; x < nWidth; ++x) FadeSample(pRow[x], nNumerator, nDenominator);
 }
 
 }  // namespace

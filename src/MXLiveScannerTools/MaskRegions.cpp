@@ -54,15 +54,23 @@ void ClMaskRegions::FindRegions(const ClImage& oMask, unsigned char nOf) {
 }
 
 void ClMaskRegions::AddRuns(const uint8_t* pRow, int nWidth, unsigned char nOf) {
-  MXKernels::ZeroBitsRow(pRow, m_aBits.Data(), static_cast<size_t>(nWidth));
+  uint64_t* pBits = m_aBits.Data();
+  MXKernels::ZeroBitsRow(pRow, pBits, static_cast<size_t>(nWidth / 64 * 64));
+  // The kernel takes 64 pixels at once: the last ones of a row are read with some that it has already seen.
+  const int nRest = nWidth % 64, nSeen = nWidth < 64 ? 0 : 64 - nRest;
+  if (nRest != 0) {
+    MXKernels::ZeroBitsRow(pRow + nWidth - nRest - nSeen, pBits + nWidth / 64,
+                           static_cast<size_t>(nRest + nSeen));
+    pBits[nWidth / 64] >>= nSeen;
+  }
   const uint64_t nFlip = nOf == 0 ? 0 : ~uint64_t{0};
-  for (int x = NextBit(m_aBits.Data(), nFlip, 0, nWidth); x < nWidth;) {
-    const int nEnd = NextBit(m_aBits.Data(), ~nFlip, x, nWidth);
+  for (int x = NextBit(pBits, nFlip, 0, nWidth); x < nWidth;) {
+    const int nEnd = NextBit(pBits, ~nFlip, x, nWidth);
     const unsigned int nRun = m_aRuns.Entries();
     if (nRun == m_aRuns.Capacity()) m_aRuns.SetEntries(2 * nRun + 1024);
     m_aRuns.SetEntries(nRun + 1);
     m_aRuns[nRun] = {x, nEnd, nRun, 0};
-    x = NextBit(m_aBits.Data(), nFlip, nEnd, nWidth);
+    x = NextBit(pBits, nFlip, nEnd, nWidth);
   }
 }
 

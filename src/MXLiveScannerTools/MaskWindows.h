@@ -62,7 +62,13 @@ class TpOfArea {
       m_nRows = nRows;
       m_aNumbers.SetEntries(static_cast<unsigned int>(nWidth));
       T* pNumbers = m_aNumbers.Data();
-      for (int x = 0; x < nWidth; ++x) pNumbers[x] = fnNumber(nRows * Covered(x, nHalf, nWidth));
+      // All windows but those at the ends have as many columns as the one in the middle.
+      const int nEdge = std::min(nHalf, nWidth);
+      std::fill_n(pNumbers, nWidth, fnNumber(nRows * Covered(nWidth / 2, nHalf, nWidth)));
+      for (int x = 0; x < nEdge; ++x) {
+        pNumbers[x] = fnNumber(nRows * Covered(x, nHalf, nWidth));
+        pNumbers[nWidth - 1 - x] = fnNumber(nRows * Covered(nWidth - 1 - x, nHalf, nWidth));
+      }
     }
     return m_aNumbers.Data();
   }

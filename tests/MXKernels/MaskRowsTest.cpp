@@ -171,13 +171,25 @@ TEST(SmoothRows, EveryLevelEqualsTheReferenceForEveryTail) {
     const Words aFactors(nCount, MeanFactor(49));
     Bytes aWork(nCount + 6);
     ExpectLikeReference(
-        [&](auto* pLeast, auto* pMost, auto* pMean) {
+        [&](auto* pLeast, auto* pMost, auto* pMean, auto* pFaded) {
+          FadeRow(pFaded, FadeFactor(7, 20), nCount);
           MinOf7RowsRow(apRows, aWork.data(), pLeast, nCount);
           MaxOf7RowsRow(apRows, aWork.data(), pMost, nCount);
           MeanOf7Row(aSums.data(), aFactors.data(), pMean, nCount);
         },
-        Bytes(nCount), Bytes(nCount), Bytes(nCount));
+        Bytes(nCount), Bytes(nCount), Bytes(nCount), oSamples.Row<uint8_t>(nCount));
   });
+}
+
+TEST(SmoothRows, FadesAreExactForEverySample) {
+  for (uint32_t nDenominator = 1; nDenominator <= 256; ++nDenominator) {
+    for (uint32_t n = 0; n < nDenominator; ++n) {
+      const uint32_t nFactor = FadeFactor(n, nDenominator);
+      for (uint32_t nSample = 0; nSample < 256; ++nSample) {
+        ASSERT_EQ(nSample * nFactor >> 16, nSample * n / nDenominator) << n << " of " << nDenominator;
+      }
+    }
+  }
 }
 
 TEST(ComposeRows, SharesOfTheSmallWindowAreExactForEveryWindowAndCount) {

@@ -122,7 +122,13 @@ TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
 TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
   ClIpVT40R4Mask oMask;
   ClImage oIn, oOut;
-  SetGrid(oIn, FingerFrame(60, 70, 5.0, 55), 9842);
+  const Grid oFrame = FingerFrame(60, 70, 5.0, 55);
+  SetGrid(oIn, oFrame, 9842);
+  for (const int nFade : {256, 257, 5000}) {
+    SetParameter(oMask, "nInBottomFade", std::to_string(nFade).c_str());
+    ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+    ExpectGrid(oOut, PlainMask(oFrame, false, nFade));
+  }
   for (const char* szWidth : {"5000", "-7"}) {
     for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
       SetParameter(oMask, szFade, szWidth);
