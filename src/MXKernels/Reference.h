@@ -21,7 +21,7 @@
 /// The contracts and the types are those of the kernels of the same names in MXKernels.
 namespace MXKernels::Reference {
 
-TwoRows<uint8_t> SubtractSaturated, AbsoluteDifferenceRow, AndRow, InvertedBlendRow;
+TwoRows<uint8_t> SubtractSaturated, AbsoluteDifferenceRow, AndRow;
 decltype(MXKernels::ClampRow)::Row ClampRow;
 decltype(MXKernels::ThresholdRow)::Row ThresholdRow;
 decltype(MXKernels::EqualRow)::Row EqualRow;

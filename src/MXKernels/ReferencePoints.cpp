@@ -8,10 +8,6 @@
 
 namespace MXKernels {
 
-void LookUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, const uint8_t* pTable) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pOut[i] = pTable[pIn[i]];
-}
-
 void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
   // There are two sets of bins: in a run of equal samples each count would otherwise wait for the last store.
   int32_t aOdd[256];
@@ -52,10 +48,6 @@ void ThresholdRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nThr
 
 void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] == nValue ? 255 : 0;
-}
-
-void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pOut[i] = static_cast<uint8_t>(255 - pIn[i] * pMask[i] / 255);
 }
 
 void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t* pOut, size_t nCount,
