@@ -1,6 +1,8 @@
 // Vector variants of the kernels of the first finger mask.
 #include "MXKernels/FirstMaskRows.h"
 
+#include <cstring>
+
 #include "KernelTargets.h"
 #include "MXKernels/Reference.h"
 
@@ -13,30 +15,58 @@
 HWY_BEFORE_NAMESPACE();
 namespace MXKernels::HWY_NAMESPACE {
 
-bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits, uint32_t* pWork,
-                   uint8_t* pOut, size_t nCount) noexcept {
-  using Numbers = hn::ScalableTag<int32_t>;
-  const hn::ScalableTag<uint32_t> d;
-  const Numbers dSigned;
-  if (nWidth != 15 || nCount < hn::Lanes(d)) {
-    return Reference::BelowLimitRow(pSums, nWidth, pLimits, pWork, pOut, nCount);
-  }
-  const auto Triple = [=](auto, size_t i) HWY_ATTR {
-    return hn::LoadU(d, pSums + i) + hn::LoadU(d, pSums + i + 1) + hn::LoadU(d, pSums + i + 2);
+using Numbers = hn::ScalableTag<uint32_t>;
+using Integers = hn::ScalableTag<int32_t>;
+constexpr size_t cnBlock = 64;
+
+/// Whether one of nCount sums, of which there are a vector at least, is below the limit.
+HWY_INLINE bool AnyBelow(const uint32_t* pSums, uint32_t nLimit, size_t nCount) {
+  const Integers d;
+  const size_t nLanes = hn::Lanes(d);
+  const auto Sums = [=](size_t i) HWY_ATTR { return hn::BitCast(d, hn::LoadU(Numbers(), pSums + i)); };
+  auto vLeast = Sums(nCount - nLanes);
+  for (size_t i = 0; i + nLanes <= nCount; i += nLanes) vLeast = hn::Min(vLeast, Sums(i));
+  return !hn::AllFalse(d, vLeast < hn::Set(d, static_cast<int32_t>(nLimit)));
+}
+
+/// BelowLimitRow for one block.
+HWY_INLINE bool BelowLimitBlock(const uint32_t* pSums, const uint32_t* pLimits, uint32_t* pWork,
+                                uint8_t* pOut) {
+  const Integers d;
+  const auto Triple = [=](Numbers dTriple, size_t i) HWY_ATTR {
+    return hn::LoadU(dTriple, pSums + i) + hn::LoadU(dTriple, pSums + i + 1) +
+           hn::LoadU(dTriple, pSums + i + 2);
   };
-  ForEachVector(d, Triple, pWork, nCount + 12);
+  ForEachVector(Numbers(), Triple, pWork, cnBlock + 12);
   auto vAny = hn::Zero(BytesOfWords());
   const auto Rule = [=, &vAny](BytesOfWords d8, size_t i) HWY_ATTR {
-    const auto vSum = (hn::LoadU(d, pWork + i) + hn::LoadU(d, pWork + i + 3)) +
-                      (hn::LoadU(d, pWork + i + 6) + hn::LoadU(d, pWork + i + 9)) +
-                      hn::LoadU(d, pWork + i + 12);
-    const auto bBelow = hn::BitCast(dSigned, vSum) < hn::BitCast(dSigned, hn::LoadU(d, pLimits + i));
-    const auto vBelow = hn::DemoteTo(d8, hn::IfThenElseZero(bBelow, hn::Set(dSigned, 255)));
+    const auto Sum = [=](size_t k) HWY_ATTR { return hn::LoadU(Numbers(), pWork + i + k); };
+    const auto vSum = (Sum(0) + Sum(3)) + (Sum(6) + Sum(9)) + Sum(12);
+    const auto bBelow = hn::BitCast(d, vSum) < hn::BitCast(d, hn::LoadU(Numbers(), pLimits + i));
+    const auto vBelow = hn::DemoteTo(d8, hn::IfThenElseZero(bBelow, hn::Set(d, 255)));
     vAny = hn::Or(vAny, vBelow);
     return vBelow;
   };
-  ForEachVector(BytesOfWords(), Rule, pOut, nCount);
+  ForEachVector(BytesOfWords(), Rule, pOut, cnBlock);
   return !hn::AllTrue(BytesOfWords(), vAny == hn::Zero(BytesOfWords()));
+}
+
+bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits, uint32_t nColumnLimit,
+                   uint32_t* pWork, uint8_t* pOut, size_t nCount) noexcept {
+  if (nWidth != 15 || nCount < cnBlock) {
+    return Reference::BelowLimitRow(pSums, nWidth, pLimits, nColumnLimit, pWork, pOut, nCount);
+  }
+  bool bAny = false;
+  for (size_t nNext = 0; nNext < nCount; nNext += cnBlock) {
+    // The last block overlaps the one before it.
+    const size_t i = nNext + cnBlock <= nCount ? nNext : nCount - cnBlock;
+    if (AnyBelow(pSums + i, nColumnLimit, cnBlock + nWidth - 1)) {
+      bAny = BelowLimitBlock(pSums + i, pLimits + i, pWork, pOut + i) || bAny;
+    } else {
+      std::memset(pOut + i, 0, cnBlock);
+    }
+  }
+  return bAny;
 }
 
 /// Four sums further on, the prefix has grown by these four: no step needs a shuffle.
@@ -58,31 +88,40 @@ void PrefixSumsRow(const uint16_t* pSums, uint32_t* pPrefix, size_t nCount) noex
 
 /// Twice the means, truncated. With a quarter added to a sum its quotient stays 0.5 / area away from whole
 /// numbers, and floats are off by less than 2^-15 up to 256: areas up to 2^14 do.
-template <typename D, typename V>
-HWY_INLINE hn::Vec<D> TwiceTheMeans(D d, V vSums, const float* pFactors) {
-  const hn::Rebind<float, D> dFloat;
-  const auto vReal = hn::ConvertTo(dFloat, vSums) + hn::Set(dFloat, 0.25F);
-  return hn::ConvertTo(d, vReal * hn::LoadU(dFloat, pFactors));
+HWY_INLINE hn::Vec<Integers> TwiceTheMeans(hn::Vec<Integers> vSums, const float* pFactors) {
+  const hn::ScalableTag<float> d;
+  const auto vReal = hn::ConvertTo(d, vSums) + hn::Set(d, 0.25F);
+  return hn::ConvertTo(Integers(), vReal * hn::LoadU(d, pFactors));
+}
+
+/// 255 where near * 100 > far * nFog, for as many pixels from i on as vNearSums has.
+template <typename V>
+HWY_INLINE hn::Vec<hn::Rebind<uint16_t, Integers>> ClearOfFog(const FogWindows& oWindows, int32_t nFog,
+                                                              size_t i, V vNearSums) {
+  const Integers d;
+  const auto vFarSums = hn::LoadU(Numbers(), oWindows.m_pFar + i + oWindows.m_nFarWidth) -
+                        hn::LoadU(Numbers(), oWindows.m_pFar + i);
+  const auto vNear = TwiceTheMeans(hn::PromoteTo(d, vNearSums), oWindows.m_pNearFactors + i);
+  const auto vFar = TwiceTheMeans(hn::BitCast(d, vFarSums), oWindows.m_pFarFactors + i);
+  const auto bClear = vFar * hn::Set(d, nFog) < vNear * hn::Set(d, 100);
+  return hn::DemoteTo(hn::Rebind<uint16_t, Integers>(), hn::IfThenElseZero(bClear, hn::Set(d, 255)));
 }
 
 void FogRow(const FogWindows& oWindows, int32_t nFog, uint8_t* pMask, size_t nCount) noexcept {
-  using Words = hn::ScalableTag<int32_t>;
-  const Words d;
-  const auto Rule = [=, &oWindows](BytesOfWords d8, size_t i) HWY_ATTR {
+  using Words = hn::ScalableTag<uint16_t>;
+  using Samples = hn::Rebind<uint8_t, Words>;
+  const auto Rule = [=, &oWindows](Samples d8, size_t i) HWY_ATTR {
+    const Words d;
+    const hn::Half<Words> dHalf;
     const auto vMask = hn::LoadU(d8, pMask + i);
     if (hn::AllTrue(d8, vMask == hn::Zero(d8))) return vMask;
-    const hn::Rebind<uint16_t, Words> d16;
-    auto vNearSum = hn::Zero(d16);
-    for (size_t k = 0; k < oWindows.m_nNearWidth; ++k) vNearSum += hn::LoadU(d16, oWindows.m_pNear + i + k);
-    const hn::Rebind<uint32_t, Words> dUnsigned;
-    const auto vFarSum = hn::LoadU(dUnsigned, oWindows.m_pFar + i + oWindows.m_nFarWidth) -
-                         hn::LoadU(dUnsigned, oWindows.m_pFar + i);
-    const auto vNear = TwiceTheMeans(d, hn::PromoteTo(d, vNearSum), oWindows.m_pNearFactors + i);
-    const auto vFar = TwiceTheMeans(d, hn::BitCast(d, vFarSum), oWindows.m_pFarFactors + i);
-    const auto bClear = vFar * hn::Set(d, nFog) < vNear * hn::Set(d, 100);
-    return hn::And(vMask, hn::DemoteTo(d8, hn::IfThenElseZero(bClear, hn::Set(d, 255))));
+    auto vNear = hn::Zero(d);
+    for (size_t k = 0; k < oWindows.m_nNearWidth; ++k) vNear += hn::LoadU(d, oWindows.m_pNear + i + k);
+    const auto vUpper = ClearOfFog(oWindows, nFog, i + hn::Lanes(dHalf), hn::UpperHalf(dHalf, vNear));
+    const auto vClear = hn::Combine(d, vUpper, ClearOfFog(oWindows, nFog, i, hn::LowerHalf(vNear)));
+    return hn::And(vMask, NarrowToBytes(d8, vClear));
   };
-  if (!ForEachVector(BytesOfWords(), Rule, pMask, nCount)) Reference::FogRow(oWindows, nFog, pMask, nCount);
+  if (!ForEachVector(Samples(), Rule, pMask, nCount)) Reference::FogRow(oWindows, nFog, pMask, nCount);
 }
 
 void MoveZerosRow(const uint8_t* pEnter, const uint8_t* pLeave, uint8_t* pCounts, size_t nCount) noexcept {

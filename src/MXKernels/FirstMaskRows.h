@@ -11,10 +11,11 @@ namespace MXKernels {
 
 /// pOut[i] = the sum of the window < pLimits[i] ? 255 : 0; whether any is 255.
 ///
-/// Domain  the sums of windows and the limits are below 2^31.
-/// pWork has room for nCount + nWidth numbers.
-extern const TpKernel<bool(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits, uint32_t* pWork,
-                           uint8_t* pOut, size_t nCount) noexcept>
+/// Domain  the sums of windows and the limits are below 2^31. No limit is above nWidth * nColumnLimit.
+/// Cost    less where all columns reach nColumnLimit.
+/// pWork has room for 80 numbers.
+extern const TpKernel<bool(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits,
+                           uint32_t nColumnLimit, uint32_t* pWork, uint8_t* pOut, size_t nCount) noexcept>
     BelowLimitRow;
 
 /// pPrefix[i] = the sum of pSums[0, i), for i in [0, nCount]. Any four sums in a row make less than 2^16.

@@ -50,8 +50,8 @@ void TextureDistanceRow(const TextureWindows& oWindows, const uint8_t* pSignal,
   }
 }
 
-bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits, uint32_t*, uint8_t* pOut,
-                   size_t nCount) noexcept {
+bool BelowLimitRow(const uint32_t* pSums, size_t nWidth, const uint32_t* pLimits, uint32_t, uint32_t*,
+                   uint8_t* pOut, size_t nCount) noexcept {
   bool bAny = false;
   uint32_t nSum = std::accumulate(pSums, pSums + nWidth - 1, 0U);
   for (size_t i = 0; i < nCount; ++i) {

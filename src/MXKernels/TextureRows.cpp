@@ -87,7 +87,7 @@ void TextureDistanceRow(const TextureWindows& oWindows, const uint8_t* pSignal,
   const auto Rule = [=, &oWindows](TextureWords d, size_t i) HWY_ATTR {
     const auto vSignal = hn::PromoteTo(d, hn::LoadU(TextureBytes(), pSignal + i));
     const auto vBack = hn::Set(d, oLimits.m_nBack), vFront = hn::Set(d, oLimits.m_nFront);
-    // Two bytes in 16 bits compare by their difference, of which saturation leaves one sign.
+    // x86 has no unsigned comparison of 16 bits; a difference that saturates is 0 just where it holds.
     const auto bDark = hn::SaturatedSub(vBack, vSignal) != hn::Zero(d);
     const auto bBright = hn::SaturatedSub(vSignal, vFront) != hn::Zero(d);
     const auto vLimit = hn::IfThenElseZero(bDark, hn::Set(d, oLimits.m_nLimit));

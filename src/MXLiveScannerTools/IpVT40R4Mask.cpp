@@ -74,10 +74,11 @@ long ClIpVT40R4Mask::Process() {
   if (m_pInImage->Planes() != 1) KLV_RAISE(ClException, "only single plane images supported", -44);
   const int nPelsX = m_pInImage->PelsX(), nPelsY = m_pInImage->PelsY();
   const bool bHalf = TakesHalfResolution(*m_pInImage);
+  if (bHalf && (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0)) {
+    KLV_RAISE(ClException, "image must have even width and height", -44);
+  }
+  if (m_pInImage->Data() == nullptr) KLV_RAISE(ClException, "m_pInImage->Data() is not set", -701);
   if (bHalf) {
-    if (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0) {
-      KLV_RAISE(ClException, "image must have even width and height", -44);
-    }
     EstimateAtHalfResolution();
   } else {
     EstimateAtInputResolution();

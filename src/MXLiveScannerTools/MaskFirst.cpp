@@ -34,19 +34,19 @@ void ClFirstMask::Start(const ClImage& oSignal, const StLimits& oLimits) {
   m_nMaskHalf = FittingHalf(10, m_nWidth, m_nHeight);
   m_oTexture.Start(oSignal, oLimits.oBrightness);
   const auto nCount = static_cast<size_t>(m_nWidth);
-  const auto Wide = [=](int nHalf) { return nCount + WindowWidth(nHalf); };
+  const auto Margin = [](int nHalf) { return static_cast<size_t>(nHalf); };
   m_oDistances.Start(2 * m_nDistanceHalf + 2, nCount, 0);
   m_oNoDistance.Start(1, nCount, 0);
-  m_oDistanceSums.Start(1, Wide(m_nDistanceHalf), 0);
-  m_oDistanceWork.Start(1, Wide(m_nDistanceHalf), 0);
+  m_oDistanceSums.Start(1, nCount, 0, Margin(m_nDistanceHalf));
+  m_oDistanceWork.Start(1, 80, 0);
   m_oDark.Start(1, nCount, 0);
-  m_oNear.Start(1, Wide(m_nNearHalf), 0);
-  m_oFar.Start(1, Wide(m_nFarHalf), 0);
-  m_oFarPrefix.Start(1, Wide(m_nFarHalf), 0);
+  m_oNear.Start(1, nCount, 0, Margin(m_nNearHalf));
+  m_oFar.Start(1, nCount, 0, Margin(m_nFarHalf));
+  m_oFarPrefix.Start(1, nCount + WindowWidth(m_nFarHalf), 0);
   m_oFingers.Start(2 * m_nMaskHalf + 2, nCount, 0);
   m_oAllFinger.Start(1, nCount, 255);
-  m_oZeros.Start(1, Wide(m_nMaskHalf), 0);
-  m_oZerosWork.Start(1, Wide(m_nMaskHalf), 0);
+  m_oZeros.Start(1, nCount, 0, Margin(m_nMaskHalf));
+  m_oZerosWork.Start(1, nCount + WindowWidth(m_nMaskHalf), 0);
 }
 
 void ClFirstMask::Make(const ClImage& oSignal, const ClImage& oEnvelope, const StLimits& oLimits,
@@ -61,9 +61,9 @@ void ClFirstMask::Make(const ClImage& oSignal, const ClImage& oEnvelope, const S
         y, m_nMaskHalf, m_nHeight, m_oAllFinger.Row(0), [this](int n) { return MakeFingerRow(n); },
         [this](int n) { return m_oFingers.Row(n); },
         [&](const uint8_t* pEnter, const uint8_t* pLeave) {
-          MXKernels::MoveZerosRow(pEnter, pLeave, pZeros + m_nMaskHalf, nCount);
+          MXKernels::MoveZerosRow(pEnter, pLeave, pZeros, nCount);
         });
-    MXKernels::FewZerosRow(pZeros, WindowWidth(m_nMaskHalf),
+    MXKernels::FewZerosRow(pZeros - m_nMaskHalf, WindowWidth(m_nMaskHalf),
                            m_oZerosLimits.Row(y, m_nMaskHalf, m_nWidth, m_nHeight, MostZeros),
                            m_oZerosWork.Row(0), oMask.Row<uint8_t>(y), nCount);
   }
@@ -81,13 +81,14 @@ const uint8_t* ClFirstMask::MakeFingerRow(int y) {
       },
       Distance,
       [&](const uint16_t* pEnter, const uint16_t* pLeave) {
-        MXKernels::MoveSumsRow(pEnter, pLeave, pSums + m_nDistanceHalf, nCount);
+        MXKernels::MoveSumsRow(pEnter, pLeave, pSums, nCount);
       });
   const uint32_t nLimit = m_oLimits.nDistance;
   const uint32_t* pLimits = m_oDistanceLimits.Row(y, m_nDistanceHalf, m_nWidth, m_nHeight,
                                                   [nLimit](uint32_t nArea) { return nLimit * nArea; });
   uint8_t* pFinger = m_oFingers.Row(y);
-  const bool bAny = MXKernels::BelowLimitRow(pSums, WindowWidth(m_nDistanceHalf), pLimits,
+  const bool bAny = MXKernels::BelowLimitRow(pSums - m_nDistanceHalf, WindowWidth(m_nDistanceHalf), pLimits,
+                                             nLimit * Covered(y, m_nDistanceHalf, m_nHeight),
                                              m_oDistanceWork.Row(0), pFinger, nCount);
   TestFog(y, bAny, pFinger);
   return pFinger;
@@ -100,7 +101,7 @@ void ClFirstMask::TestFog(int y, bool bAny, uint8_t* pFinger) {
   const auto Move = [&](uint16_t* pSums, int nHalf) {
     MoveRows<uint8_t>(y, nHalf, m_nHeight, m_oDark.Row(0), Row, Row,
                       [=](const uint8_t* pEnter, const uint8_t* pLeave) {
-                        MXKernels::MoveLimitedSumsRow(pEnter, pLeave, pSums + nHalf, nCount, 127);
+                        MXKernels::MoveLimitedSumsRow(pEnter, pLeave, pSums, nCount, 127);
                       });
   };
   Move(m_oNear.Row(0), m_nNearHalf);
@@ -109,7 +110,8 @@ void ClFirstMask::TestFog(int y, bool bAny, uint8_t* pFinger) {
   const float* pFarFactors = m_oFarFactors.Row(y, m_nFarHalf, m_nWidth, m_nHeight, FogFactor);
   if (!bAny) return;
   const size_t nNear = WindowWidth(m_nNearHalf), nFar = WindowWidth(m_nFarHalf);
-  MXKernels::PrefixSumsRow(m_oFar.Row(0), m_oFarPrefix.Row(0), nCount + nFar - 1);
-  MXKernels::FogRow({m_oNear.Row(0), nNear, pNearFactors, m_oFarPrefix.Row(0), nFar, pFarFactors},
-                    m_oLimits.nFog, pFinger, nCount);
+  MXKernels::PrefixSumsRow(m_oFar.Row(0) - m_nFarHalf, m_oFarPrefix.Row(0), nCount + nFar - 1);
+  MXKernels::FogRow(
+      {m_oNear.Row(0) - m_nNearHalf, nNear, pNearFactors, m_oFarPrefix.Row(0), nFar, pFarFactors},
+      m_oLimits.nFog, pFinger, nCount);
 }

@@ -27,12 +27,11 @@ void ClMaskSmooth::Start(int nWidth, int nHeight, const Rank& oFirst, const Rank
   m_aRanks[0].Start(nWidth, nHeight, oFirst);
   m_aRanks[1].Start(nWidth, nHeight, oSecond);
   m_oNone.Start(1, static_cast<size_t>(nWidth), 0);
-  m_oSums.Start(1, static_cast<size_t>(nWidth) + 6, 0);
+  m_oSums.Start(1, static_cast<size_t>(nWidth), 0, static_cast<size_t>(m_nHalf));
 }
 
 void ClMaskSmooth::Move(const uint8_t* pEnter, const uint8_t* pLeave) {
-  MXKernels::MoveLimitedSumsRow(pEnter, pLeave, m_oSums.Row(0) + m_nHalf, static_cast<size_t>(m_nWidth),
-                                m_nMost);
+  MXKernels::MoveLimitedSumsRow(pEnter, pLeave, m_oSums.Row(0), static_cast<size_t>(m_nWidth), m_nMost);
 }
 
 void ClMaskSmooth::Store(int y, uint8_t* pOut) {
@@ -41,6 +40,7 @@ void ClMaskSmooth::Store(int y, uint8_t* pOut) {
     std::transform(pSums, pSums + m_nWidth, pOut, [](uint16_t n) { return static_cast<uint8_t>(n); });
     return;
   }
-  MXKernels::MeanOf7Row(pSums, m_oFactors.Row(y, m_nHalf, m_nWidth, m_nHeight, MXKernels::MeanFactor), pOut,
+  MXKernels::MeanOf7Row(pSums - m_nHalf,
+                        m_oFactors.Row(y, m_nHalf, m_nWidth, m_nHeight, MXKernels::MeanFactor), pOut,
                         static_cast<size_t>(m_nWidth));
 }

@@ -30,13 +30,12 @@ void ClMaskTexture::Start(const ClImage& oSignal, const MXKernels::BrightnessLim
   m_poSignal = &oSignal;
   m_oLimits = oLimits;
   m_nInnerRows = 0;
-  // Rows of whole vectors, and as much before and after them as a window reaches.
+  // The kernel takes whole vectors.
   const size_t nPadded = (static_cast<size_t>(oSignal.Width()) + 63) / 64 * 64;
-  m_nStride = nPadded + 128;
   m_oClasses.Start(2 * cnTextureWindowHalf + 2, nPadded, cnNoClass);
   m_oNone.Start(1, nPadded, cnNoClass);
-  m_oCounts.Start(cnCounted, m_nStride, 0);
-  m_oTriples.Start(cnCounted, m_nStride, 0);
+  m_oCounts.Start(cnCounted, nPadded, 0, 64);
+  m_oTriples.Start(cnCounted, nPadded, 0, 64);
   m_oInner.Start(1, nPadded, 0);
 }
 
@@ -58,12 +57,12 @@ void ClMaskTexture::MakeRow(int y, uint16_t* pDistance) {
   MoveRows<uint8_t>(
       y, cnTextureWindowHalf, nHeight, m_oNone.Row(0), [this](int n) { return MakeClasses(n); }, Leave,
       [this](const uint8_t* pEnter, const uint8_t* pLeave) {
-        MXKernels::MoveClassCountsRow(pEnter, pLeave, m_oCounts.Row(0) + 64, m_oTriples.Row(0), m_nStride,
-                                      m_nStride - 128);
+        MXKernels::MoveClassCountsRow(pEnter, pLeave, m_oCounts.Row(0), m_oTriples.Row(0), m_oCounts.Stride(),
+                                      m_oClasses.Stride());
       });
   CountInner(y);
   const MXKernels::TextureWindows oWindows{
-      m_oTriples.Row(0), m_nStride, m_oInner.Row(0),
+      m_oTriples.Row(0), m_oTriples.Stride(), m_oInner.Row(0),
       m_oFactors.Row(y, cnTextureWindowHalf, nWidth, nHeight, MXKernels::TextureFactor), g_anSkin};
   MXKernels::TextureDistanceRow(oWindows, m_poSignal->Row<uint8_t>(y), m_oLimits, pDistance,
                                 static_cast<size_t>(nWidth));

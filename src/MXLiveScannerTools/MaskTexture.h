@@ -28,7 +28,6 @@ class ClMaskTexture {
 
   const ClImage* m_poSignal = nullptr;
   MXKernels::BrightnessLimits m_oLimits{};
-  size_t m_nStride = 0;
   uint32_t m_nInnerRows = 0;
   MaskWindows::TpRows<uint8_t> m_oClasses;
   MaskWindows::TpRows<uint8_t> m_oNone;

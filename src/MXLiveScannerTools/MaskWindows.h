@@ -31,22 +31,32 @@ void MoveRows(int y, int nHalf, int nHeight, const T* pNone, const TEnter& fnEnt
   }
 }
 
-/// The last rows of an image, or one row with room on both sides.
+/// The last rows of an image, with room on both sides. They begin where cache lines do.
 template <typename T>
 class TpRows {
  public:
-  /// Room for the last nRows rows of nStride samples, all of them nValue.
-  void Start(int nRows, size_t nStride, T nValue) {
-    m_nRows = nRows;
-    m_nStride = nStride;
-    m_aSamples.SetEntries(static_cast<unsigned int>(static_cast<size_t>(nRows) * nStride));
+  /// Room for the last nRows rows of nCount samples, and for nMargin more before and after each. All of them
+  /// are nValue.
+  void Start(int nRows, size_t nCount, T nValue, size_t nMargin = 0) {
+    m_nRows = static_cast<size_t>(nRows);
+    m_nStride = Lines(nMargin) + Lines(nCount + nMargin);
+    m_aSamples.SetEntries(static_cast<unsigned int>(m_nRows * m_nStride + cnLine));
     std::fill_n(m_aSamples.Data(), m_aSamples.Entries(), nValue);
+    const auto nBeyond = reinterpret_cast<uintptr_t>(m_aSamples.Data()) / sizeof(T) % cnLine;
+    m_nFirst = Lines(nMargin) + (cnLine - nBeyond) % cnLine;
   }
-  T* Row(int y) { return m_aSamples.Data() + static_cast<size_t>(y % m_nRows) * m_nStride; }
+  T* Row(int y) { return m_aSamples.Data() + m_nFirst + static_cast<size_t>(y) % m_nRows * m_nStride; }
+  /// Samples from one row to the next.
+  size_t Stride() const { return m_nStride; }
 
  private:
-  int m_nRows = 0;
+  static constexpr size_t cnLine = 64 / sizeof(T);
+
+  static size_t Lines(size_t nSamples) { return (nSamples + cnLine - 1) / cnLine * cnLine; }
+
+  size_t m_nRows = 1;
   size_t m_nStride = 0;
+  size_t m_nFirst = 0;
   TpArrayDynamic<T, 1> m_aSamples;
 };
 

@@ -148,6 +148,8 @@ TEST(Mask, ErrorsHaveTheirNumbers) {
     SetImage<uint8_t>(o.m_oByte, nWidth, 6 / nWidth, {1, 2, 3, 4, 5, 6});
     EXPECT_EQ(Number(o.m_oByte), -44) << "at half the resolution";
   }
+  ClImage oEmpty(0, 4, 1, 9842, 9842);
+  EXPECT_EQ(Number(oEmpty), -701);
   o.m_oByte.SetPels(9842, 9842);
   EXPECT_EQ(oMask.ApplyParam(o.m_oByte, o.m_oOut, 250, 1.0), 0);
 }
