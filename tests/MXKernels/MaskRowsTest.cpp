@@ -97,7 +97,7 @@ TEST(FirstMaskRows, EveryLevelEqualsTheReferenceForEveryTail) {
     auto aSums = oSamples.Row<uint32_t>(nCount + nWidth, 3);
     if (nCount % 2 == 0) std::fill_n(aSums.begin(), nCount / 2, 3U);
     const auto aLimits = oSamples.Row<uint32_t>(nCount, static_cast<unsigned>(3 * nWidth));
-    const auto aCounts = oSamples.Row<uint8_t>(nCount + nMask, 14),
+    const auto aCounts = oSamples.Row<uint8_t>(nCount + nMask, 21),
                aMost = oSamples.Row<uint8_t>(nCount, 200);
     std::vector<uint32_t> aWork(80);
     Bytes aByteWork(nCount + nMask);

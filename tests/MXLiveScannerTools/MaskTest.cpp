@@ -119,10 +119,10 @@ TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
   }
 }
 
-TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
+TEST(Mask, FadesMayBeWiderThanTheImage) {
   ClIpVT40R4Mask oMask;
   ClImage oIn, oOut;
-  const Grid oFrame = FingerFrame(60, 70, 5.0, 55);
+  const Grid oFrame = FingerFrame(150, 210, 5.0, 55);
   SetGrid(oIn, oFrame, 9842);
   for (const int nFade : {256, 257, 5000}) {
     SetParameter(oMask, "nInBottomFade", std::to_string(nFade).c_str());
