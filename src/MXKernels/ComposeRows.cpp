@@ -69,8 +69,8 @@ void DoubleZerosRow(const uint8_t* pCounts, const uint8_t* pOther, uint8_t* pSum
               });
 }
 
-/// Quotients are worked out in floats as for AdjustBrightnessRow: p / b is at least 1 / 255 below the next whole
-/// number, and floats up to 2^16 are off by less.
+/// Quotients are worked out in floats as for AdjustBrightnessRow: p / b is at least 1 / 255 below the next
+/// whole number, and floats up to 2^16 are off by less.
 template <typename V>
 HWY_INLINE V FlatSamples(V vSignal, V vEnvelope) {
   const hn::DFromV<V> d;

@@ -29,8 +29,8 @@ extern const TpKernel<void(const SoftWindows& oWindows, uint8_t* pOut, size_t nC
 /// pSums[i] = 2 * pCounts[i] + (pOther[i] == 0).
 extern const TpKernel<TwoRows<uint8_t>> DoubleZerosRow;
 
-/// pOut[i] = 255 - flat * pSoft[i] / 255 with flat = pSignal[i] * 255 / max(pEnvelope[i], 1), 255 at most; the
-/// divisions truncate. pOut may be one of the inputs.
+/// pOut[i] = 255 - flat * pSoft[i] / 255 with flat = pSignal[i] * 255 / max(pEnvelope[i], 1), 255 at most;
+/// the divisions truncate. pOut may be one of the inputs.
 extern const TpKernel<void(const uint8_t* pSignal, const uint8_t* pEnvelope, const uint8_t* pSoft,
                            uint8_t* pOut, size_t nCount) noexcept>
     FlattenRow;

@@ -7,8 +7,8 @@ namespace MXKernels {
 
 using RankOf7Rows = void(const uint8_t* const* ppRows, uint8_t* pWork, uint8_t* pOut, size_t nCount) noexcept;
 
-/// pOut[i] = the smallest (largest) sample of the columns i - 3 to i + 3 of seven rows, clipped to [0, nCount).
-/// A row outside the image is replaced by the nearest one inside.
+/// pOut[i] = the smallest (largest) sample of the columns i - 3 to i + 3 of seven rows, clipped to
+/// [0, nCount). A row outside the image is replaced by the nearest one inside.
 ///
 /// pWork is scratch of nCount + 6 bytes. pOut is none of the rows.
 extern const TpKernel<RankOf7Rows> MinOf7RowsRow, MaxOf7RowsRow;
@@ -16,7 +16,8 @@ extern const TpKernel<RankOf7Rows> MinOf7RowsRow, MaxOf7RowsRow;
 /// (pEnter, pLeave, pSums, nCount, nMost): pSums[i] += min(pEnter[i], nMost) - min(pLeave[i], nMost).
 extern const TpKernel<TwoRows<uint8_t, uint16_t, uint8_t>> MoveLimitedSumsRow;
 
-/// sum * factor / 2^19 is sum / nArea, truncated, for all sums of samples in windows of 4 to 7 by 4 to 7 pixels.
+/// sum * factor / 2^19 is sum / nArea, truncated, for all sums of samples in windows of 4 to 7 by 4 to 7
+/// pixels.
 constexpr uint16_t MeanFactor(uint32_t nArea) {
   return static_cast<uint16_t>(((1U << 19) + nArea - 1) / nArea);
 }

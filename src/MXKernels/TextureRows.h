@@ -27,7 +27,8 @@ struct TextureWindows {
   const uint8_t* m_pReference;  ///< the shares that skin has, one for each of the six classes
 };
 
-/// count * 4 * factor / 65536 is 255 * count / nArea, truncated, for all windows of 8 to 15 by 8 to 15 pixels.
+/// count * 4 * factor / 65536 is 255 * count / nArea, truncated, for all windows of 8 to 15 by 8 to 15
+/// pixels.
 constexpr uint16_t TextureFactor(uint32_t nArea) {
   return static_cast<uint16_t>((255U * 16384U + nArea - 1) / nArea);
 }
@@ -39,9 +40,9 @@ struct BrightnessLimits {
   uint16_t m_nLimit;  ///< distance of what is background for sure
 };
 
-/// pDistance[i] = limit, 0, or 256 * sqrt(d), truncated, by the brightness of pSignal[i]. d is the sum over the
-/// six classes of (share - reference)^2 / 6, each division truncated, where a share is 255 * count / area of
-/// the window.
+/// pDistance[i] = limit, 0, or 256 * sqrt(d), truncated, by the brightness of pSignal[i]. d is the sum over
+/// the six classes of (share - reference)^2 / 6, each division truncated, where a share is 255 * count / area
+/// of the window.
 extern const TpKernel<void(const TextureWindows& oWindows, const uint8_t* pSignal,
                            const BrightnessLimits& oLimits, uint16_t* pDistance, size_t nCount) noexcept>
     TextureDistanceRow;

@@ -18,8 +18,8 @@
 /// Ownership  the output is allocated on the image handed in; scratch images are kept from run to run, so
 ///            that a frame of the last one's size allocates nothing.
 /// Threads    thread-bound.
-/// Errors     ClException -701 an image is missing or empty; -44 several planes, or odd sizes where half resolution
-///            is used; -33 another element type; ClExBadAlloc -102.
+/// Errors     ClException -701 an image is missing or empty; -44 several planes, or odd sizes where half
+///            resolution is used; -33 another element type; ClExBadAlloc -102.
 class ClIpVT40R4Mask : public ClIpLiveScannerMask {
  public:
   ClIpVT40R4Mask();

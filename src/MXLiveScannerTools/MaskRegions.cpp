@@ -8,7 +8,8 @@
 
 namespace {
 
-/// The first position in [nFrom, nEnd) whose bit is set after nFlip has been applied; nEnd when there is none.
+/// The first position in [nFrom, nEnd) whose bit is set after nFlip has been applied; nEnd when there is
+/// none.
 int NextBit(const uint64_t* pBits, uint64_t nFlip, int nFrom, int nEnd) {
   for (int nWord = nFrom / 64; nWord * 64 < nEnd; ++nWord) {
     uint64_t nBits = pBits[nWord] ^ nFlip;

@@ -6,8 +6,8 @@
 #include "MXKernels/SmoothRows.h"
 #include "MXLiveScannerTools/MaskWindows.h"
 
-/// The smallest sample of windows of 7 by 7 pixels, then the largest of those, or the other way round, and the
-/// mean of these. Windows are clipped at the image's borders.
+/// The smallest sample of windows of 7 by 7 pixels, then the largest of those, or the other way round, and
+/// the mean of these. Windows are clipped at the image's borders.
 ///
 /// Domain     rows of bytes, at least one of them, with at least one sample.
 /// Ownership  keeps some rows, no image.
@@ -17,8 +17,8 @@ class ClMaskSmooth {
  public:
   using Rank = decltype(MXKernels::MinOf7RowsRow);
 
-  /// To be called before the first row of an image. Before the mean samples saturate at nMost. The kernels are
-  /// not copied.
+  /// To be called before the first row of an image. Before the mean samples saturate at nMost. The kernels
+  /// are not copied.
   void Start(int nWidth, int nHeight, const Rank& oFirst, const Rank& oSecond, uint8_t nMost);
 
   /// Makes row y of the output; rows are made in order, from 0 on. fnIn(n) gives row n of the input; it is

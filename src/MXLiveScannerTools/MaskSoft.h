@@ -6,8 +6,8 @@
 #include "MXLiveScannerTools/MaskWindows.h"
 #include "MXTools/FpImage.h"
 
-/// Means of a mask in windows of 7 by 7 pixels, or of the mask with each pixel doubled in windows of 15 by 15;
-/// windows are clipped at the borders, and a mask that is smaller than its window is left as it is.
+/// Means of a mask in windows of 7 by 7 pixels, or of the mask with each pixel doubled in windows of 15 by
+/// 15; windows are clipped at the borders, and a mask that is smaller than its window is left as it is.
 ///
 /// Domain     the mask is an eUint8 image of one plane that holds 0 and 255. It must live as long as rows are
 ///            asked for.
