@@ -1,4 +1,4 @@
-// Vector variants of the finger mask's kernels.
+// Vector variants of the finger mask's texture classes.
 #include "MXKernels/MaskRows.h"
 
 #include "KernelTargets.h"
@@ -34,38 +34,6 @@ void TextureClassRow(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_
   }
 }
 
-void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept {
-  using Words = hn::ScalableTag<uint16_t>;
-  const auto Rule = [=](Words d, size_t i) HWY_ATTR {
-    const hn::Rebind<uint8_t, Words> d8;
-    const auto vDifference = hn::PromoteTo(d, hn::LoadU(d8, pShare + i)) - hn::Set(d, nReference);
-    const auto vSquare = vDifference * vDifference;
-    // 43691 / 2^18 is a sixth, near enough for every 16-bit number.
-    const auto vSixth = hn::ShiftRight<2>(hn::MulHigh(vSquare, hn::Set(d, 43691)));
-    return hn::LoadU(d, pDistance + i) + vSixth;
-  };
-  if (!ForEachVector(Words(), Rule, pDistance, nCount)) {
-    Reference::AddSquaredDistanceRow(pShare, nReference, pDistance, nCount);
-  }
-}
-
-void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
-               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept {
-  const auto Rule = [=](BytesOfWords d, size_t i) HWY_ATTR {
-    const hn::Rebind<int32_t, BytesOfWords> d32;
-    const hn::Rebind<uint16_t, BytesOfWords> d16;
-    const auto vDistance = hn::PromoteTo(d32, hn::LoadU(d16, pDistance + i));
-    const auto vNear = hn::PromoteTo(d32, hn::LoadU(d, pNear + i)) * hn::Set(d32, 100);
-    const auto vFar = hn::PromoteTo(d32, hn::LoadU(d, pFar + i)) * hn::Set(d32, nFog);
-    const auto bFinger = hn::And(vDistance < hn::Set(d32, nDistanceLimit), vFar < vNear);
-    return hn::DemoteTo(d, hn::IfThenElseZero(bFinger, hn::Set(d32, 255)));
-  };
-  if (!ForEachVector(BytesOfWords(), Rule, pMask, nCount)) {
-    Reference::FingerRow(pDistance, pNear, pFar, pMask, nCount, nDistanceLimit, nFog);
-  }
-}
-
 }  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
@@ -74,8 +42,6 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_KERNEL(TextureClassRow);
-MXKERNELS_KERNEL(AddSquaredDistanceRow);
-MXKERNELS_KERNEL(FingerRow);
 
 }  // namespace MXKernels
 #endif

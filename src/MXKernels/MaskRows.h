@@ -1,4 +1,4 @@
-// Row functions of the finger mask: texture classes, distance to the reference texture, decisions.
+// The row function of the finger mask's texture classes.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -11,28 +11,5 @@ namespace MXKernels {
 extern const TpKernel<void(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow,
                            uint8_t* pOut, size_t nCount, const uint8_t* pClasses) noexcept>
     TextureClassRow;
-
-/// pDistance[i] += (pShare[i] - nReference)^2 / 6, the division truncated, modulo 65536.
-extern const TpKernel<void(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept>
-    AddSquaredDistanceRow;
-
-/// The limits that DecideByBrightnessRow decides by.
-struct BrightnessDecision {
-  uint8_t m_nBack;          ///< darker signals get m_nLimit
-  uint8_t m_nFront;         ///< brighter signals get 0
-  uint16_t m_nLimit;        ///< distance of what is background for sure
-  const uint16_t* m_pRoot;  ///< 65536 entries, applied to the distance of all other samples
-};
-
-/// pDistance[i] = limit, 0 or root[pDistance[i]], by the brightness of pSignal[i].
-void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
-                           const BrightnessDecision& oDecision) noexcept;
-
-/// pMask[i] = pDistance[i] < nDistanceLimit and pNear[i] * 100 > pFar[i] * nFog ? 255 : 0.
-/// |nFog| <= 1 << 20.
-extern const TpKernel<void(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar,
-                           uint8_t* pMask, size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept>
-    FingerRow;
 
 }  // namespace MXKernels

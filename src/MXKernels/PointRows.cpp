@@ -57,18 +57,6 @@ void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) 
   if (!ForEachVector(Bytes(), Rule, pOut, nCount)) Reference::EqualRow(pIn, pOut, nCount, nValue);
 }
 
-void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
-  const auto Half = [=](HalfBytes d, size_t i) HWY_ATTR {
-    const hn::Rebind<uint16_t, HalfBytes> d16;
-    const auto vProduct =
-        hn::PromoteTo(d16, hn::LoadU(d, pIn + i)) * hn::PromoteTo(d16, hn::LoadU(d, pMask + i));
-    return NarrowToBytes(d, hn::Set(d16, 255) - DivideBy255(vProduct));
-  };
-  if (!ForEachVector(Bytes(), ByHalves(Half), pOut, nCount)) {
-    Reference::InvertedBlendRow(pIn, pMask, pOut, nCount);
-  }
-}
-
 }  // namespace MXKernels::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 #endif
@@ -82,7 +70,6 @@ MXKERNELS_KERNEL(AndRow);
 MXKERNELS_KERNEL(ClampRow);
 MXKERNELS_KERNEL(ThresholdRow);
 MXKERNELS_KERNEL(EqualRow);
-MXKERNELS_KERNEL(InvertedBlendRow);
 
 }  // namespace MXKernels
 #endif

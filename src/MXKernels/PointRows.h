@@ -1,5 +1,4 @@
-// Row functions that treat each sample by itself: difference, distance, limits, threshold, look-up, blend and
-// such.
+// Row functions that treat each sample by itself: difference, distance, limits, threshold and such.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -26,12 +25,6 @@ extern const TpKernel<OneRow<uint8_t, uint8_t, uint8_t, uint8_t, uint8_t>> Thres
 
 /// (pIn, pOut, nCount, nValue): pOut[i] = pIn[i] == nValue ? 255 : 0.
 extern const TpKernel<OneRow<uint8_t, uint8_t, uint8_t>> EqualRow;
-
-/// pOut[i] = 255 - pA[i] * pB[i] / 255, the division truncated.
-extern const TpKernel<TwoRows<uint8_t>> InvertedBlendRow;
-
-/// pOut[i] = pTable[pIn[i]] for a table of 256 entries.
-void LookUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, const uint8_t* pTable) noexcept;
 
 /// Adds 1 to pBins[pIn[i]] for each i; 256 bins.
 void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept;

@@ -3,21 +3,25 @@
 
 #include "MXKernels/BalanceRows.h"
 #include "MXKernels/BoxRows.h"
+#include "MXKernels/ComposeRows.h"
 #include "MXKernels/DifferenceRows.h"
+#include "MXKernels/FirstMaskRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/MaskRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
 #include "MXKernels/RunRows.h"
+#include "MXKernels/SmoothRows.h"
 #include "MXKernels/SplineRows.h"
 #include "MXKernels/TapRows.h"
+#include "MXKernels/TextureRows.h"
 #include "MXKernels/WarpRow.h"
 
 /// The contracts and the types are those of the kernels of the same names in MXKernels.
 namespace MXKernels::Reference {
 
-TwoRows<uint8_t> SubtractSaturated, AbsoluteDifferenceRow, AndRow, InvertedBlendRow;
+TwoRows<uint8_t> SubtractSaturated, AbsoluteDifferenceRow, AndRow;
 decltype(MXKernels::ClampRow)::Row ClampRow;
 decltype(MXKernels::ThresholdRow)::Row ThresholdRow;
 decltype(MXKernels::EqualRow)::Row EqualRow;
@@ -59,8 +63,23 @@ decltype(MXKernels::BalanceCellsRow)::Row BalanceCellsRow;
 decltype(MXKernels::WarpRow)::Row WarpRow;
 
 decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
-decltype(MXKernels::AddSquaredDistanceRow)::Row AddSquaredDistanceRow;
-decltype(MXKernels::FingerRow)::Row FingerRow;
+
+decltype(MXKernels::MoveClassCountsRow)::Row MoveClassCountsRow;
+decltype(MXKernels::TextureDistanceRow)::Row TextureDistanceRow;
+decltype(MXKernels::BelowLimitRow)::Row BelowLimitRow;
+decltype(MXKernels::PrefixSumsRow)::Row PrefixSumsRow;
+decltype(MXKernels::FogRow)::Row FogRow;
+decltype(MXKernels::MoveZerosRow)::Row MoveZerosRow;
+decltype(MXKernels::FewZerosRow)::Row FewZerosRow;
+
+RankOf7Rows MinOf7RowsRow, MaxOf7RowsRow;
+decltype(MXKernels::MoveLimitedSumsRow)::Row MoveLimitedSumsRow;
+decltype(MXKernels::MeanOf7Row)::Row MeanOf7Row;
+decltype(MXKernels::FadeRow)::Row FadeRow;
+
+decltype(MXKernels::SoftRow)::Row SoftRow, DoubledSoftRow;
+TwoRows<uint8_t> DoubleZerosRow;
+decltype(MXKernels::FlattenRow)::Row FlattenRow;
 
 TwoRows<uint8_t> WeightedBlendRow;
 decltype(MXKernels::SquaredDifferenceWhere)::Row SquaredDifferenceWhere;

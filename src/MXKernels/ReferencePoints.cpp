@@ -8,10 +8,6 @@
 
 namespace MXKernels {
 
-void LookUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, const uint8_t* pTable) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pOut[i] = pTable[pIn[i]];
-}
-
 void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
   // There are two sets of bins: in a run of equal samples each count would otherwise wait for the last store.
   int32_t aOdd[256];
@@ -23,17 +19,6 @@ void HistogramRow(const uint8_t* pIn, size_t nCount, int32_t* pBins) noexcept {
   }
   if (i < nCount) ++pBins[pIn[i]];
   for (int n = 0; n < 256; ++n) pBins[n] += aOdd[n];
-}
-
-void DecideByBrightnessRow(const uint8_t* pSignal, uint16_t* pDistance, size_t nCount,
-                           const BrightnessDecision& oDecision) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    // The root is looked up in any case: the choice then needs no branches, which would be mispredicted at
-    // ridges.
-    const uint16_t nRoot = oDecision.m_pRoot[pDistance[i]];
-    const uint16_t nInner = pSignal[i] > oDecision.m_nFront ? uint16_t{0} : nRoot;
-    pDistance[i] = pSignal[i] < oDecision.m_nBack ? oDecision.m_nLimit : nInner;
-  }
 }
 
 namespace Reference {
@@ -65,10 +50,6 @@ void EqualRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount, uint8_t nValue) 
   for (size_t i = 0; i < nCount; ++i) pOut[i] = pIn[i] == nValue ? 255 : 0;
 }
 
-void InvertedBlendRow(const uint8_t* pIn, const uint8_t* pMask, uint8_t* pOut, size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) pOut[i] = static_cast<uint8_t>(255 - pIn[i] * pMask[i] / 255);
-}
-
 void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t* pOut, size_t nCount,
                          uint8_t nValue, uint8_t nMinimum) noexcept {
   for (size_t i = 0; i < nCount; ++i) {
@@ -89,21 +70,6 @@ void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept {
       uint8_t* pOut = k < 2 ? oCells.m_pOutUpper : oCells.m_pOutLower;
       pOut[nAt] = static_cast<uint8_t>(std::min(std::max(nResult, 0), 255));
     }
-  }
-}
-
-void AddSquaredDistanceRow(const uint8_t* pShare, uint8_t nReference, uint16_t* pDistance,
-                           size_t nCount) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    const int nDifference = pShare[i] - nReference;
-    pDistance[i] = static_cast<uint16_t>(pDistance[i] + nDifference * nDifference / 6);
-  }
-}
-
-void FingerRow(const uint16_t* pDistance, const uint8_t* pNear, const uint8_t* pFar, uint8_t* pMask,
-               size_t nCount, uint16_t nDistanceLimit, int32_t nFog) noexcept {
-  for (size_t i = 0; i < nCount; ++i) {
-    pMask[i] = pDistance[i] < nDistanceLimit && pNear[i] * 100 > pFar[i] * nFog ? 255 : 0;
   }
 }
 

@@ -18,6 +18,9 @@ class ClIpComputeLBPImage_4Neighborhood : public NewIpBase::ClIpProcessorBase {
  public:
   static constexpr unsigned int cnClasses = 6;
 
+  /// The class of each pattern of brighter neighbours, as MXKernels::TextureClassRow takes it.
+  static const unsigned char m_anMapping[16];
+
   ClIpComputeLBPImage_4Neighborhood();
 
   ClProcessorBase* Create() const override;
@@ -35,7 +38,5 @@ class ClIpComputeLBPImage_4Neighborhood : public NewIpBase::ClIpProcessorBase {
   long Process() override;
 
  private:
-  static const unsigned char m_anMapping[16];
-
   static void ClearBorder(ClImage& oImage);
 };

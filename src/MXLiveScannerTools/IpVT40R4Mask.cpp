@@ -1,9 +1,8 @@
 // Parameters and the order of the steps of the finger mask.
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 
-#include <cmath>
-
 #include "MXImageProcessing/MakeProcessor.h"
+#include "MXKernels/ComposeRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXTools/Exception.h"
@@ -11,9 +10,6 @@
 
 ClIpVT40R4Mask::ClIpVT40R4Mask() {
   ClIpVT40R4Mask::SetParametersToDefault();
-  for (int i = 0; i < 65536; ++i) {
-    m_anSquareRoot[i] = static_cast<uint16_t>(std::sqrt(static_cast<double>(i)) * 256);
-  }
 }
 
 ClProcessorBase* ClIpVT40R4Mask::Create() const {
@@ -78,25 +74,16 @@ long ClIpVT40R4Mask::Process() {
   if (m_pInImage->Planes() != 1) KLV_RAISE(ClException, "only single plane images supported", -44);
   const int nPelsX = m_pInImage->PelsX(), nPelsY = m_pInImage->PelsY();
   const bool bHalf = TakesHalfResolution(*m_pInImage);
+  if (bHalf && (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0)) {
+    KLV_RAISE(ClException, "image must have even width and height", -44);
+  }
+  if (m_pInImage->Data() == nullptr) KLV_RAISE(ClException, "m_pInImage->Data() is not set", -701);
   if (bHalf) {
-    if (m_pInImage->Width() % 2 != 0 || m_pInImage->Height() % 2 != 0) {
-      KLV_RAISE(ClException, "image must have even width and height", -44);
-    }
-    ScaleDown(*m_pInImage, m_oSignal, m_oUpper, m_oLower);
-    EstimateBackground(m_oLower);
-    m_oSubtract.ApplyParam(m_oSignal, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
-    m_oSubtract.ApplyParam(m_oUpper, m_oBackground, m_oUpper, ClImage::cnTypeDefault);
-    EstimateEnvelope(m_oUpper);
+    EstimateAtHalfResolution();
   } else {
-    EstimateBackground(*m_pInImage);
-    m_oSubtract.ApplyParam(*m_pInImage, m_oBackground, m_oSignal, ClImage::cnTypeDefault);
-    EstimateEnvelope(m_oSignal);
+    EstimateAtInputResolution();
   }
   FadeBorders();
-  MeasureTexture();
-  DecideByBrightness();
-  m_oFilterMid.ApplyParam(m_oDistance, m_oSmoothed, 15);
-  TestFog();
   MakeFirstMask();
   m_oRegions.RemoveIslands(m_oMask);
   m_oRegions.FillHoles(m_oMask);
@@ -110,25 +97,33 @@ long ClIpVT40R4Mask::Process() {
 }
 
 void ClIpVT40R4Mask::ComposeInputResolution() {
-  m_oAdjust.ApplyParam(m_oSignal, m_oEnvelope, *m_pOutImage, 255.0);
-  m_oFilterMid.ApplyParam(m_oMask, m_oSoftMask, 7);
-  BlendWith(m_oSoftMask);
+  const int nWidth = m_oMask.Width(), nHeight = m_oMask.Height();
+  m_pOutImage->NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  m_oSoftMask.Start(m_oMask, false);
+  for (int y = 0; y < nHeight; ++y) {
+    MXKernels::FlattenRow(m_oSignal.Row<uint8_t>(y), m_oEnvelope.Row<uint8_t>(y), m_oSoftMask.Row(y),
+                          m_pOutImage->Row<uint8_t>(y), static_cast<size_t>(nWidth));
+  }
 }
 
 void ClIpVT40R4Mask::ComposeFullResolution() {
-  ScaleUp(m_oEnvelope, m_oFullEnvelope);
-  ScaleUp(m_oBackground, m_oFullBackground);
-  ScaleUp(m_oMask, m_oFullMask);
-  m_oFilterMid.ApplyParam(m_oFullMask, m_oSoftMask, 15);
-  m_oSubtract.ApplyParam(*m_pInImage, m_oFullBackground, m_oFullSignal, ClImage::cnTypeDefault);
-  m_oAdjust.ApplyParam(m_oFullSignal, m_oFullEnvelope, *m_pOutImage, 255.0);
-  BlendWith(m_oSoftMask);
-}
-
-void ClIpVT40R4Mask::BlendWith(const ClImage& oSoftMask) {
-  for (int y = 0; y < m_pOutImage->Height(); ++y) {
-    uint8_t* pOut = m_pOutImage->Row<uint8_t>(y);
-    MXKernels::InvertedBlendRow(pOut, oSoftMask.Row<uint8_t>(y), pOut,
-                                static_cast<size_t>(m_pOutImage->Width()));
+  const int nWidth = 2 * m_oMask.Width(), nHeight = 2 * m_oMask.Height();
+  const auto nCount = static_cast<size_t>(nWidth);
+  ClImage& oTarget = m_pOutImage == m_pInImage ? m_oScratch : *m_pOutImage;
+  oTarget.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  m_oSoftMask.Start(m_oMask, true);
+  m_oRows.Start(3, nCount, 0);
+  uint8_t *pEnvelope = m_oRows.Row(0), *pBackground = m_oRows.Row(1), *pSignal = m_oRows.Row(2);
+  for (int y = 0; y < nHeight; ++y) {
+    if (y % 2 == 0) {
+      MXKernels::ScaleUpRow(m_oEnvelope.Row<uint8_t>(y / 2), pEnvelope, nCount / 2);
+      MXKernels::ScaleUpRow(m_oBackground.Row<uint8_t>(y / 2), pBackground, nCount / 2);
+    }
+    MXKernels::SubtractSaturated(m_pInImage->Row<uint8_t>(y), pBackground, pSignal, nCount);
+    MXKernels::FlattenRow(pSignal, pEnvelope, m_oSoftMask.Row(y), oTarget.Row<uint8_t>(y), nCount);
   }
+  if (&oTarget == m_pOutImage) return;
+  // The input's block may be shared and must not be written into: the image gets the new one.
+  m_oScratch.SetTag(m_pOutImage->Tag());
+  m_oScratch.HandOver(*m_pOutImage);
 }

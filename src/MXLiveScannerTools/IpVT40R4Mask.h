@@ -3,17 +3,11 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpBinarizeGlobal.h"
-#include "MXImageProcessing/IpFilterMax.h"
-#include "MXImageProcessing/IpFilterMid.h"
-#include "MXImageProcessing/IpFilterMin.h"
-#include "MXImageProcessing/IpSaturate.h"
-#include "MXImageProcessing/IpScale.h"
-#include "MXImageProcessing/IpSubtract.h"
-#include "MXLiveScannerTools/IpAdjustBrightness.h"
-#include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
+#include "MXLiveScannerTools/MaskFirst.h"
 #include "MXLiveScannerTools/MaskRegions.h"
+#include "MXLiveScannerTools/MaskSmooth.h"
+#include "MXLiveScannerTools/MaskSoft.h"
 
 /// Turns a rectified frame into its ridges, inverted and with even contrast, on a pure white background.
 ///
@@ -24,8 +18,8 @@
 /// Ownership  the output is allocated on the image handed in; scratch images are kept from run to run, so
 ///            that a frame of the last one's size allocates nothing.
 /// Threads    thread-bound.
-/// Errors     ClException -701 an image is missing; -44 several planes, or odd sizes where half resolution is
-///            used; -33 another element type; ClExBadAlloc -102.
+/// Errors     ClException -701 an image is missing or empty; -44 several planes, or odd sizes where half
+///            resolution is used; -33 another element type; ClExBadAlloc -102.
 class ClIpVT40R4Mask : public ClIpLiveScannerMask {
  public:
   ClIpVT40R4Mask();
@@ -44,19 +38,14 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   long Process() override;
 
  private:
-  static const unsigned char m_anBinRef[ClIpComputeLBPImage_4Neighborhood::cnClasses];
-
   bool TakesHalfResolution(const ClImage& oIn) const;
-  void EstimateBackground(ClImage& oDark);
-  void EstimateEnvelope(ClImage& oBright);
+  void StartSmoothing(int nWidth, int nHeight);
+  void EstimateAtInputResolution();
+  void EstimateAtHalfResolution();
   void FadeBorders();
-  void MeasureTexture();
-  void DecideByBrightness();
-  void TestFog();
   void MakeFirstMask();
   void ComposeInputResolution();
   void ComposeFullResolution();
-  void BlendWith(const ClImage& oSoftMask);
 
   int m_nInWidth500dpi;
   unsigned char m_nInSignalBack;
@@ -68,40 +57,20 @@ class ClIpVT40R4Mask : public ClIpLiveScannerMask {
   int m_nInRightFade;
   int m_nInTopFade;
   int m_nInBottomFade;
-  /// sqrt(i) * 256, truncated.
-  uint16_t m_anSquareRoot[65536];
 
-  ClIpFilterMin m_oFilterMin;
-  ClIpFilterMax m_oFilterMax;
-  ClIpFilterMid m_oFilterMid;
-  ClIpSubtract m_oSubtract;
-  ClIpSaturate m_oSaturate;
-  ClIpScale m_oScale;
-  ClIpComputeLBPImage_4Neighborhood m_oTexture;
-  ClIpBinarizeGlobal m_oBinarize;
-  ClIpAdjustBrightness m_oAdjust;
+  ClMaskSmooth m_oDarkest;
+  ClMaskSmooth m_oBrightest;
+  MaskWindows::TpRows<uint8_t> m_oRows;
+  MaskWindows::TpRows<uint8_t> m_oLowerRows;
+  ClFirstMask m_oFirstMask;
   ClMaskRegions m_oRegions;
+  ClSoftMask m_oSoftMask;
 
   // These have the resolution that is segmented.
   ClImage m_oSignal;
-  ClImage m_oUpper;
-  ClImage m_oLower;
   ClImage m_oBackground;
   ClImage m_oEnvelope;
-  ClImage m_oClasses;
-  ClImage m_oShare;
-  ClImage m_oDistance;
-  ClImage m_oSmoothed;
-  ClImage m_oBrightness;
-  ClImage m_oNear;
-  ClImage m_oFar;
   ClImage m_oMask;
-  ClImage m_oExtreme1;
-  ClImage m_oExtreme2;
-  // These have the input's resolution; only inputs that are segmented at half resolution use them.
-  ClImage m_oFullSignal;
-  ClImage m_oFullEnvelope;
-  ClImage m_oFullBackground;
-  ClImage m_oFullMask;
-  ClImage m_oSoftMask;
+  /// The output where it is also the input, at full resolution.
+  ClImage m_oScratch;
 };

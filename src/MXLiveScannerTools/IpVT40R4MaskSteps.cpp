@@ -1,48 +1,76 @@
-// The single steps of the finger mask: background, envelope, texture, fog and the first mask.
+// The single steps of the finger mask: background, envelope, fades and the first mask.
 #include <algorithm>
 
-#include "MXKernels/MaskRows.h"
+#include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXTools/ImageTypeDispatch.h"
 
 namespace {
 
-// Widths of the filters, in pixels of the resolution that is segmented.
-constexpr long cnExtremeWidth = 7;
-constexpr long cnTextureWidth = 15;
-constexpr long cnNearWidth = 11;
-constexpr long cnFarWidth = 101;
-constexpr long cnMaskWidth = 21;
-
-/// The row times nNumerator / nDenominator, which is below 1.
-void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
-  uint8_t aTable[256];
-  for (int n = 0; n < 256; ++n) aTable[n] = static_cast<uint8_t>(int64_t{n} * nNumerator / nDenominator);
-  MXKernels::LookUpRow(pRow, pRow, static_cast<size_t>(nWidth), aTable);
-}
-
 void FadeSample(uint8_t& rnSample, int nNumerator, int nDenominator) {
   rnSample = static_cast<uint8_t>(int64_t{rnSample} * nNumerator / nDenominator);
 }
 
-}  // namespace
-
-// The level of each class on the scale where a window full of one class counts 255; their sum is 255.
-const unsigned char ClIpVT40R4Mask::m_anBinRef[ClIpComputeLBPImage_4Neighborhood::cnClasses] = {36, 49, 92,
-                                                                                                44, 23, 11};
-
-void ClIpVT40R4Mask::EstimateBackground(ClImage& oDark) {
-  m_oFilterMin.ApplyParam(oDark, m_oExtreme1, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMax.ApplyParam(m_oExtreme1, m_oExtreme2, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oSaturate.ApplyParam(m_oExtreme2, m_oExtreme2, 0.0, 64.0);
-  m_oFilterMid.ApplyParam(m_oExtreme2, m_oBackground, cnExtremeWidth);
+/// The row times nNumerator / nDenominator, which is below 1.
+void FadeRow(uint8_t* pRow, int nWidth, int nNumerator, int nDenominator) {
+  if (nDenominator <= 256) {
+    const auto nFactor =
+        MXKernels::FadeFactor(static_cast<uint32_t>(nNumerator), static_cast<uint32_t>(nDenominator));
+    return MXKernels::FadeRow(pRow, nFactor, static_cast<size_t>(nWidth));
+  }
+  for (int x = 0; x < nWidth; ++x) FadeSample(pRow[x], nNumerator, nDenominator);
 }
 
-void ClIpVT40R4Mask::EstimateEnvelope(ClImage& oBright) {
-  m_oFilterMax.ApplyParam(oBright, m_oExtreme1, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMin.ApplyParam(m_oExtreme1, m_oExtreme2, cnExtremeWidth, ClIpFilterBase::eModeXY);
-  m_oFilterMid.ApplyParam(m_oExtreme2, m_oEnvelope, cnExtremeWidth);
+}  // namespace
+
+void ClIpVT40R4Mask::StartSmoothing(int nWidth, int nHeight) {
+  m_oDarkest.Start(nWidth, nHeight, MXKernels::MinOf7RowsRow, MXKernels::MaxOf7RowsRow, 64);
+  m_oBrightest.Start(nWidth, nHeight, MXKernels::MaxOf7RowsRow, MXKernels::MinOf7RowsRow, 255);
+  for (ClImage* pImage : {&m_oSignal, &m_oEnvelope}) {
+    pImage->NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  }
+}
+
+/// The envelope is that of the signal, whose rows are made when it asks for them.
+void ClIpVT40R4Mask::EstimateAtInputResolution() {
+  const int nWidth = m_pInImage->Width(), nHeight = m_pInImage->Height();
+  StartSmoothing(nWidth, nHeight);
+  m_oRows.Start(1, static_cast<size_t>(nWidth), 0);
+  const auto In = [this](int n) { return m_pInImage->Row<uint8_t>(n); };
+  const auto MakeSignal = [&](int n) {
+    uint8_t *pBackground = m_oRows.Row(0), *pSignal = m_oSignal.Row<uint8_t>(n);
+    m_oDarkest.MakeRow(n, In, pBackground);
+    MXKernels::SubtractSaturated(In(n), pBackground, pSignal, static_cast<size_t>(nWidth));
+    return pSignal;
+  };
+  for (int y = 0; y < nHeight; ++y) m_oBrightest.MakeRow(y, MakeSignal, m_oEnvelope.Row<uint8_t>(y));
+}
+
+/// The background is that of the cells' darkest pixels, the envelope that of their brightest ones.
+void ClIpVT40R4Mask::EstimateAtHalfResolution() {
+  const int nWidth = m_pInImage->Width() / 2, nHeight = m_pInImage->Height() / 2;
+  const auto nCount = static_cast<size_t>(nWidth);
+  StartSmoothing(nWidth, nHeight);
+  m_oBackground.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
+  // Cells are read 9 rows ahead of the background, and the envelope keeps the last 7 rows.
+  m_oRows.Start(16, nCount, 0);
+  m_oLowerRows.Start(8, nCount, 0);
+  const auto ReadCells = [&](int n) {
+    uint8_t* pLower = m_oLowerRows.Row(n);
+    MXKernels::ScaleDownRow(m_pInImage->Row<uint8_t>(2 * n), m_pInImage->Row<uint8_t>(2 * n + 1), nCount,
+                            m_oSignal.Row<uint8_t>(n), m_oRows.Row(n), pLower);
+    return pLower;
+  };
+  const auto MakeUpper = [&](int n) {
+    uint8_t *pBackground = m_oBackground.Row<uint8_t>(n), *pUpper = m_oRows.Row(n);
+    m_oDarkest.MakeRow(n, ReadCells, pBackground);
+    uint8_t* pSignal = m_oSignal.Row<uint8_t>(n);
+    MXKernels::SubtractSaturated(pSignal, pBackground, pSignal, nCount);
+    MXKernels::SubtractSaturated(pUpper, pBackground, pUpper, nCount);
+    return pUpper;
+  };
+  for (int y = 0; y < nHeight; ++y) m_oBrightest.MakeRow(y, MakeUpper, m_oEnvelope.Row<uint8_t>(y));
 }
 
 void ClIpVT40R4Mask::FadeBorders() {
@@ -63,48 +91,10 @@ void ClIpVT40R4Mask::FadeBorders() {
   }
 }
 
-void ClIpVT40R4Mask::MeasureTexture() {
-  m_oTexture.m_poInImage = &m_oSignal;
-  m_oTexture.m_poOutImage = &m_oClasses;
-  m_oTexture.Apply();
-  m_oDistance.NewWithType(ClImage::eUint16, m_oSignal.Width(), m_oSignal.Height(), 1, 0, 0, true);
-  m_oDistance = 0;
-  const auto nCount = static_cast<size_t>(m_oSignal.Width());
-  for (unsigned int n = 0; n < ClIpComputeLBPImage_4Neighborhood::cnClasses; ++n) {
-    m_oFilterMid.ApplyParam(m_oTexture.m_aoClassImages[n], m_oShare, cnTextureWidth);
-    for (int y = 0; y < m_oSignal.Height(); ++y) {
-      MXKernels::AddSquaredDistanceRow(m_oShare.Row<uint8_t>(y), m_anBinRef[n], m_oDistance.Row<uint16_t>(y),
-                                       nCount);
-    }
-  }
-}
-
-void ClIpVT40R4Mask::DecideByBrightness() {
-  const MXKernels::BrightnessDecision oDecision{m_nInSignalBack, m_nInSignalFront,
-                                                ElementFromDouble<uint16_t>(65535.0 * m_dInLBPThresh),
-                                                m_anSquareRoot};
-  for (int y = 0; y < m_oSignal.Height(); ++y) {
-    MXKernels::DecideByBrightnessRow(m_oSignal.Row<uint8_t>(y), m_oDistance.Row<uint16_t>(y),
-                                     static_cast<size_t>(m_oSignal.Width()), oDecision);
-  }
-}
-
-void ClIpVT40R4Mask::TestFog() {
-  m_oSaturate.ApplyParam(m_oEnvelope, m_oBrightness, 0.0, 127.0);
-  m_oScale.ApplyParam(m_oBrightness, 2.0);
-  m_oFilterMid.ApplyParam(m_oBrightness, m_oNear, cnNearWidth);
-  m_oFilterMid.ApplyParam(m_oBrightness, m_oFar, cnFarWidth);
-}
-
 void ClIpVT40R4Mask::MakeFirstMask() {
-  const int nWidth = m_oSmoothed.Width(), nHeight = m_oSmoothed.Height();
   // Beyond these limits the decision no longer changes: 100 times the brightest sample is 25500.
   const int nFog = std::min(std::max(ElementFromDouble<int>(100.0 * m_dInFogThresh), -1), 25501);
-  m_oMask.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
-  for (int y = 0; y < nHeight; ++y) {
-    MXKernels::FingerRow(m_oSmoothed.Row<uint16_t>(y), m_oNear.Row<uint8_t>(y), m_oFar.Row<uint8_t>(y),
-                         m_oMask.Row<uint8_t>(y), static_cast<size_t>(nWidth), m_nInMaskThresh, nFog);
-  }
-  m_oFilterMid.ApplyParam(m_oMask, m_oExtreme1, cnMaskWidth);
-  m_oBinarize.ApplyParam(m_oExtreme1, m_oMask, 192.0);
+  const auto nLimit = ElementFromDouble<uint16_t>(65535.0 * m_dInLBPThresh);
+  m_oFirstMask.Make(m_oSignal, m_oEnvelope,
+                    {{m_nInSignalBack, m_nInSignalFront, nLimit}, m_nInMaskThresh, nFog}, m_oMask);
 }

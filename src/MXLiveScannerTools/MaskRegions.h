@@ -3,17 +3,17 @@
 
 #include <cstdint>
 
-#include "MXImageProcessing/IpInvert.h"
-#include "MXImageProcessing/IpLabeling.h"
+#include "MXImageProcessing/RunSets.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/TpArrayDynamic.h"
 
 /// Judges the connected regions of a mask by their number of pixels.
 ///
 /// Domain     masks are eUint8 images of one plane that hold 0 and 255; regions are connected four ways.
-/// Ownership  the mask is changed in place; scratch is kept from call to call.
+/// Ownership  the mask is changed in place; its runs are kept from call to call.
 /// Threads    thread-bound.
 /// Errors     ClExBadAlloc -102.
+/// Cost       the mask is read once a call, and written where regions go.
 class ClMaskRegions {
  public:
   /// The largest regions that are taken out, whatever the resolution of the mask.
@@ -27,12 +27,13 @@ class ClMaskRegions {
   void FillHoles(ClImage& oMask);
 
  private:
-  void CountLabels();
-  void Replace(ClImage& oMask, int nLargest, unsigned char nValue) const;
+  void FindRegions(const ClImage& oMask, unsigned char nOf);
+  void InvertBits(int nWidth);
+  void Replace(ClImage& oMask, int nLargest, unsigned char nValue);
+  int32_t& CountOf(int32_t nRegion) { return m_aCounts[static_cast<unsigned int>(nRegion)]; }
 
-  ClIpInvert m_oInvert;
-  ClIpLabeling m_oLabeling;
-  ClImage m_oInverted;
-  ClImage m_oLabels;
+  ClRunSets m_oRuns;
+  TpArrayDynamic<uint64_t, 1> m_aBits;
+  /// Pixels of each region; they are numbered from 1.
   TpArrayDynamic<int32_t, 1> m_aCounts;
 };

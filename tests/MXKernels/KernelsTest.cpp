@@ -64,17 +64,16 @@ void ExpectEachLikeReference(size_t nRead, const TKernel&... oKernels) {
 
 TEST(Kernels, EveryLevelEqualsTheReferenceForEveryTail) {
   ExpectEachLikeReference(1, SubtractSaturated, AbsoluteDifferenceRow, AndRow, ThresholdRow, EqualRow);
-  ExpectEachLikeReference(1, InvertedBlendRow, WeightedBlendRow, AdjustBrightnessRow, MinRows, MaxRows);
+  ExpectEachLikeReference(1, WeightedBlendRow, AdjustBrightnessRow, MinRows, MaxRows);
   ExpectEachLikeReference(1, AddToSumsRow, TakeFromSumsRow, MoveSumsRow, DeviationRow, RemoveBackgroundRow);
-  ExpectEachLikeReference(1, AddSquaredDistanceRow, FingerRow, BelowBitsRow, ReverseRow, ScaleUpRow);
+  ExpectEachLikeReference(1, MoveLimitedSumsRow, MoveZerosRow, BelowBitsRow, ReverseRow, ScaleUpRow);
   ExpectEachLikeReference(2, SplitPairsRow, ScaleDownRow);
 }
 
 TEST(Kernels, EveryLevelEqualsTheReferenceInPlace) {
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Bytes aA = oSamples.Row<uint8_t>(nCount), aB = oSamples.Row<uint8_t>(nCount);
-    for (const auto* pKernel :
-         {&SubtractSaturated, &AbsoluteDifferenceRow, &AndRow, &InvertedBlendRow, &MinRows, &MaxRows}) {
+    for (const auto* pKernel : {&SubtractSaturated, &AbsoluteDifferenceRow, &AndRow, &MinRows, &MaxRows}) {
       ExpectLikeReference(
           [&](auto* pA, auto* pB) {
             (*pKernel)(pA, aB.data(), pA, nCount);
@@ -111,14 +110,14 @@ TEST(Kernels, EveryLevelDividesExactlyForAllPairsOfSamples) {
   ForEveryLevel([&] {
     for (const int n : {0, 1, 30, 127, 200, 254, 255}) {
       const auto nNumber = static_cast<uint8_t>(n), nMinimum = static_cast<uint8_t>(256 - std::max(n, 1));
-      Bytes aInverted(65536), aBlended(65536, nNumber), aAdjusted(65536);
-      InvertedBlendRow(aA.data(), aB.data(), aInverted.data(), 65536);
+      Bytes aBlended(65536, nNumber), aAdjusted(65536), aFlat(65536, nNumber);
       WeightedBlendRow(aA.data(), aB.data(), aBlended.data(), 65536);
       AdjustBrightnessRow(aA.data(), aB.data(), aAdjusted.data(), 65536, nNumber, nMinimum);
+      FlattenRow(aA.data(), aB.data(), aFlat.data(), aFlat.data(), 65536);
       for (size_t i = 0; i < 65536; ++i) {
-        ASSERT_EQ(aInverted[i], 255 - aA[i] * aB[i] / 255);
         ASSERT_EQ(aBlended[i], (aA[i] * aB[i] + n * (255 - aB[i])) / 255);
         ASSERT_EQ(aAdjusted[i], std::min(aA[i] * n / std::max(aB[i], nMinimum), 255));
+        ASSERT_EQ(aFlat[i], 255 - std::min(aA[i] * 255 / std::max<int>(aB[i], 1), 255) * n / 255);
       }
     }
   });

@@ -21,21 +21,8 @@ TEST(SquaredDifference, TheLongestRowsDoNotWrapALane) {
   });
 }
 
-TEST(DecideByBrightnessRow, TheLimitsThemselvesAreLeftToTheTexture) {
-  Words aRoot(65536, 4711);
-  const Bytes aSignal = {13, 14, 64, 65};
-  Words aDistance = {1, 2, 65535, 4};
-  DecideByBrightnessRow(aSignal.data(), aDistance.data(), 4, {14, 64, 8847, aRoot.data()});
-  EXPECT_EQ(aDistance, (Words{8847, 4711, 4711, 0}));
-}
-
-TEST(LookUpAndHistogramRows, CountAndReplaceEachSample) {
-  uint8_t aTable[256];
-  for (int n = 0; n < 256; ++n) aTable[n] = static_cast<uint8_t>(255 - n);
+TEST(HistogramRow, CountsEachSample) {
   const Bytes aIn = {0, 3, 3, 255, 3};
-  Bytes aOut(5);
-  LookUpRow(aIn.data(), aOut.data(), 5, aTable);
-  EXPECT_EQ(aOut, (Bytes{255, 252, 252, 0, 252}));
   std::vector<int32_t> aBins(256, 1);
   HistogramRow(aIn.data(), 5, aBins.data());
   EXPECT_EQ((std::vector<int32_t>{aBins[0], aBins[3], aBins[255], aBins[4]}),

@@ -1,6 +1,7 @@
 // Tests of the finger mask, of its texture classes and of its regions.
 #include <tuple>
 
+#include "MXKernels/Level.h"
 #include "MXLiveScannerTools/IpComputeLBPImage_4Neighborhood.h"
 #include "MXLiveScannerTools/IpVT40R4Mask.h"
 #include "MXLiveScannerTools/MaskRegions.h"
@@ -68,6 +69,28 @@ TEST(Mask, EqualsThePlainTwinOnTheInputsOwnAndOnHalfTheResolutionAlsoInPlace) {
   }
 }
 
+TEST(Mask, EqualsThePlainTwinAtEveryLevelAlsoOnImagesThatAWindowDoesNotFit) {
+  std::vector<std::pair<int, int>> aSizes = {{300, 5}, {9, 260}, {101, 130}, {130, 100}, {66, 150}};
+  for (int n = 1; n <= 40; ++n) aSizes.insert(aSizes.end(), {{n, 1 + n * 7 % 41}, {1 + n * 17 % 41, n}});
+  const MXKernels::ELevel eBefore = MXKernels::Level();
+  ClIpVT40R4Mask oMask;
+  for (int nLevel = 0; nLevel < MXKernels::eLevelCount; ++nLevel) {
+    if (!MXKernels::SetLevel(static_cast<MXKernels::ELevel>(nLevel))) continue;
+    for (const auto& [nWidth, nHeight] : aSizes) {
+      SCOPED_TRACE(testing::Message() << "level " << nLevel << ", " << nWidth << " by " << nHeight);
+      for (const int nScale : {1, 2}) {
+        ClImage oIn, oOut;
+        const auto nSeed = static_cast<unsigned>(nWidth * 41 + nHeight);
+        const Grid oFrame = FingerFrame(nScale * nWidth, nScale * nHeight, 5.0 * nScale, nSeed, 0.8);
+        SetGrid(oIn, oFrame, 9842 * nScale);
+        ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+        ExpectGrid(oOut, PlainMask(oFrame, nScale == 2));
+      }
+    }
+  }
+  MXKernels::SetLevel(eBefore);
+}
+
 TEST(Mask, WidthOrResolutionChooseThePath) {
   const Grid oFrame = FingerFrame(160, 220, 6.0, 53);
   const Grid oOwn = PlainMask(oFrame, false), oHalf = PlainMask(oFrame, true);
@@ -96,10 +119,16 @@ TEST(Mask, ADarkFrameIsWhiteEverywhereAtEverySize) {
   }
 }
 
-TEST(Mask, FadesWiderThanTheImageAreCutToIt) {
+TEST(Mask, FadesMayBeWiderThanTheImage) {
   ClIpVT40R4Mask oMask;
   ClImage oIn, oOut;
-  SetGrid(oIn, FingerFrame(60, 70, 5.0, 55), 9842);
+  const Grid oFrame = FingerFrame(150, 210, 5.0, 55);
+  SetGrid(oIn, oFrame, 9842);
+  for (const int nFade : {256, 257, 5000}) {
+    SetParameter(oMask, "nInBottomFade", std::to_string(nFade).c_str());
+    ASSERT_EQ(oMask.ApplyParam(oIn, oOut), 0);
+    ExpectGrid(oOut, PlainMask(oFrame, false, nFade));
+  }
   for (const char* szWidth : {"5000", "-7"}) {
     for (const char* szFade : {"nInLeftFade", "nInRightFade", "nInTopFade", "nInBottomFade"}) {
       SetParameter(oMask, szFade, szWidth);
@@ -119,6 +148,8 @@ TEST(Mask, ErrorsHaveTheirNumbers) {
     SetImage<uint8_t>(o.m_oByte, nWidth, 6 / nWidth, {1, 2, 3, 4, 5, 6});
     EXPECT_EQ(Number(o.m_oByte), -44) << "at half the resolution";
   }
+  ClImage oEmpty(0, 4, 1, 9842, 9842);
+  EXPECT_EQ(Number(oEmpty), -701);
   o.m_oByte.SetPels(9842, 9842);
   EXPECT_EQ(oMask.ApplyParam(o.m_oByte, o.m_oOut, 250, 1.0), 0);
 }
@@ -137,6 +168,28 @@ TEST(MaskRegions, AHoleOf3999PixelsAndAnIslandOf2999GoAndLargerOnesStay) {
     SetRegion(oMask, nRegion, 50, nColumns, 0);
     const auto aBefore = Samples<uint8_t>(oMask);
     EXPECT_EQ(Remove(), aBefore);
+  }
+}
+
+TEST(MaskRegions, RandomMasksEqualThePlainTwin) {
+  ClMaskRegions oRegions;
+  ClImage oMask;
+  std::mt19937 oRandom(56);
+  for (const auto& [nWidth, nHeight, nSet] :
+       {std::tuple(1, 1, 1U), {64, 3, 2U}, {150, 140, 2U}, {201, 190, 3U}, {260, 130, 5U}, {190, 160, 8U}}) {
+    for (int nTrial = 0; nTrial < 8; ++nTrial) {
+      // About as many blobs as leave regions on both sides of the limits; the last masks are noise.
+      Grid oGrid = MakeGrid(nWidth, nHeight, [&, nOf = nSet](int, int) { return oRandom() % nOf ? 255 : 0; });
+      if (nTrial < 6) oGrid = PlainMean(oGrid, 3 + 2 * nTrial);
+      for (int& n : oGrid.m_aNumbers) n = n >= 255 - 255 / static_cast<int>(nSet) ? 255 : 0;
+      SetGrid(oMask, oGrid, 0);
+      oRegions.RemoveIslands(oMask);
+      PlainReplace(oGrid, 255, 2999, false);
+      ExpectGrid(oMask, oGrid);
+      oRegions.FillHoles(oMask);
+      PlainReplace(oGrid, 0, 3999, true);
+      ExpectGrid(oMask, oGrid);
+    }
   }
 }
 

@@ -73,14 +73,14 @@ inline Grid PlainTwice(const Grid& oIn) {
   return MakeGrid(2 * oIn.m_nWidth, 2 * oIn.m_nHeight, [&](int x, int y) { return oIn.At(x / 2, y / 2); });
 }
 
-inline void PlainFade(Grid& oSignal) {
+inline void PlainFade(Grid& oSignal, int nBottom) {
   const int nWidth = oSignal.m_nWidth, nHeight = oSignal.m_nHeight;
   const auto Fade = [&](bool bApplies, int x, int y, int nNumerator, int nDenominator) {
     if (bApplies) oSignal.At(x, y) = oSignal.At(x, y) * nNumerator / nDenominator;
   };
   for (int y = 0; y < nHeight; ++y) {
     for (int x = 0; x < nWidth; ++x) {
-      Fade(y < 100, x, y, y, 100);
+      Fade(y < nBottom, x, y, y, nBottom);
       Fade(y >= nHeight - 20, x, y, nHeight - 1 - y, 20);
       Fade(x < 10, x, y, x, 10);
       Fade(x >= nWidth - 10, x, y, nWidth - 1 - x, 10);
@@ -127,8 +127,8 @@ inline void PlainReplace(Grid& oMask, int nOf, int nLargest, bool bKeepCorners) 
   }
 }
 
-/// What the mask processor makes of a frame, by its default parameters.
-inline Grid PlainMask(const Grid& oIn, bool bHalf) {
+/// What the mask processor makes of a frame, by its default parameters but for the fade at the bottom.
+inline Grid PlainMask(const Grid& oIn, bool bHalf, int nBottomFade = 100) {
   const int nWidth = bHalf ? oIn.m_nWidth / 2 : oIn.m_nWidth;
   const int nHeight = bHalf ? oIn.m_nHeight / 2 : oIn.m_nHeight;
   using Cell = std::initializer_list<int>;
@@ -148,7 +148,7 @@ inline Grid PlainMask(const Grid& oIn, bool bHalf) {
   Grid oSignal = PlainDifference(oMean, oBackground);
   const Grid oUpper = PlainDifference(oMax, oBackground);
   const Grid oEnvelope = PlainMean(PlainExtreme(PlainExtreme(oUpper, 1), -1), 7);
-  PlainFade(oSignal);
+  PlainFade(oSignal, nBottomFade);
 
   const Grid oTexture = PlainTexture(oSignal);
   const Grid oDistance = MakeGrid(nWidth, nHeight, [&](int x, int y) {
