@@ -6,6 +6,7 @@
 #include "MXKernels/DifferenceRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/MaskRows.h"
+#include "MXKernels/MosaicRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
@@ -48,11 +49,11 @@ decltype(MXKernels::WeightLine)::Row WeightLine;
 decltype(MXKernels::ZeroBitsRow)::Row ZeroBitsRow;
 
 OneRow<uint8_t> ReverseRow, ScaleUpRow;
-decltype(MXKernels::SplitPairsRow)::Row SplitPairsRow;
 decltype(MXKernels::ScaleDownRow)::Row ScaleDownRow;
 
 decltype(MXKernels::AdjustBrightnessRow)::Row AdjustBrightnessRow;
-decltype(MXKernels::BalanceCellsRow)::Row BalanceCellsRow;
+decltype(MXKernels::PhaseSumsRow)::Row PhaseSumsRow;
+decltype(MXKernels::BalancePairRow)::Row BalancePairRow;
 decltype(MXKernels::WarpRow)::Row WarpRow;
 
 decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
