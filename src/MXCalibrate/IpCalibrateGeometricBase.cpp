@@ -1,8 +1,6 @@
 // Preparing a warp and applying its map.
 #include "MXCalibrate/IpCalibrateGeometricBase.h"
 
-#include <new>
-
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MXLogging.h"
@@ -50,12 +48,9 @@ bool ClIpCalibrateGeometricBase::IsSourceInReach() const {
   return m_nSourceWidth <= INT32_MAX - 3 && uint64_t{m_nSourceHeight} * SourceRowBytes() <= INT32_MAX;
 }
 
-std::unique_ptr<ClIpCalibrateGeometricBase::Entry[]> ClIpCalibrateGeometricBase::NewMap() const {
-  const uint64_t nEntries = MapEntries();
-  if (nEntries > PTRDIFF_MAX / sizeof(Entry)) KlvRaiseBadAlloc();
-  std::unique_ptr<Entry[]> pMap(new (std::nothrow) Entry[static_cast<size_t>(nEntries)]);
-  if (pMap == nullptr) KlvRaiseBadAlloc();
-  return pMap;
+std::unique_ptr<ClIpCalibrateGeometricBaseMap> ClIpCalibrateGeometricBase::NewMap() const {
+  return std::make_unique<ClIpCalibrateGeometricBaseMap>(m_nTargetHeight, size_t{m_nTargetWidth} * m_nPlanes,
+                                                         m_nSourceHeight, SourceRowBytes());
 }
 
 ClIpCalibrateGeometricBase::Entry ClIpCalibrateGeometricBase::EntryOf(double dX, double dY) const {
@@ -112,11 +107,10 @@ void ClIpCalibrateGeometricBase::Calibrate() {
 }
 
 void ClIpCalibrateGeometricBase::WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const {
-  const size_t nMapRow = static_cast<size_t>(m_nTargetWidth) * m_nPlanes;
-  const Entry* pMap = m_pMap.get() + m_nRoiY * nMapRow + static_cast<size_t>(m_nRoiX) * m_nPlanes;
+  const size_t nFirst = static_cast<size_t>(m_nRoiX) * m_nPlanes;
   const size_t nCount = static_cast<size_t>(oOut.SamplesPerRow());
-  for (int nY = 0; nY < oOut.Height(); ++nY, pMap += nMapRow) {
-    MXKernels::WarpRow(pMap, nCount, oIn.Data(), oIn.RowBytes(), pWeights, m_nBackground,
-                       oOut.Row<uint8_t>(nY));
+  for (int nY = 0; nY < oOut.Height(); ++nY) {
+    m_pMap->WarpRow(m_nRoiY + static_cast<uint32_t>(nY), nFirst, nCount, oIn, pWeights, m_nBackground,
+                    oOut.Row<uint8_t>(nY));
   }
 }

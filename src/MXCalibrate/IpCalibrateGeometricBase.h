@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "MXCalibrate/CalibrateGeometricData.h"
 #include "MXCalibrate/IpCalibrateBase.h"
-#include "MXKernels/WarpRow.h"
+#include "MXCalibrate/IpCalibrateGeometricBaseMap.h"
 
 class ClStream;
 
@@ -23,7 +24,7 @@ class ClStream;
 /// Threads    thread-bound; objects of their own may run side by side.
 /// Errors     -37 no data; -600 from the spline, after which only Reset helps; -2 without a map; -35 when
 ///            input and output are one image; -44 for a wrong region or an input that does not fit the map.
-/// Cost       a map entry takes 8 bytes; an Apply with a map is one pass and allocates nothing when the
+/// Cost       a map entry takes 4 bytes; an Apply with a map is one pass and allocates nothing when the
 ///            output has its size already.
 class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
  public:
@@ -45,8 +46,8 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
 
  protected:
   using Points = ClCalibrateGeometricData::Points;
-  using Entry = MXKernels::WarpMapEntry;
-  using Weights = const int16_t (*)[4][4];
+  using Entry = ClIpCalibrateGeometricBaseMap::Entry;
+  using Weights = ClIpCalibrateGeometricBaseMap::Weights;
 
   /// Builds the map for the sizes that Initiate has set.
   virtual void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) = 0;
@@ -58,8 +59,8 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void CheckParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) const;
   /// Returns the map entry of a source position.
   Entry EntryOf(double dX, double dY) const;
-  /// Entries of a whole map, not yet set. Errors: ClExBadAlloc -102.
-  std::unique_ptr<Entry[]> NewMap() const;
+  /// A map of these sizes, not yet set. Errors: ClExBadAlloc -102.
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> NewMap() const;
 
   uint32_t m_nSourceWidth = 0;
   uint32_t m_nSourceHeight = 0;
@@ -70,7 +71,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   uint32_t m_nPlanes = 0;
   uint8_t m_nBackground = 0;
   /// Rows of m_nTargetWidth * m_nPlanes entries, the planes of a pixel side by side.
-  std::unique_ptr<Entry[]> m_pMap;
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> m_pMap;
   static constexpr uint32_t m_nMapEntrySize = 8;
   static_assert(sizeof(Entry) == m_nMapEntrySize, "the stored form has entries of this size");
 
@@ -79,7 +80,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void CheckInput() const;
   void LoadHeader(ClStream& oStream);
   void LoadMap(ClStream& oStream);
-  void CheckMap(const Entry* pMap) const;
+  bool PointsInside(const std::vector<Entry>& aRow) const;
   uint64_t MapEntries() const { return uint64_t{m_nTargetWidth} * m_nTargetHeight * m_nPlanes; }
   /// Whether offsets into the source, which are signed and 32 bits wide, reach all of it.
   bool IsSourceInReach() const;

@@ -19,10 +19,6 @@ class ClIpCalibrateGeometricCoarse : public ClIpCalibrateGeometricBase {
   void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) override;
 
   unsigned char m_nBlock = 8;
-
- private:
-  template <typename TTransformRow>
-  void FillPlane(Entry* pPlane, TTransformRow&& oTransformRow) const;
 };
 
 /// I is the table of weights.

@@ -55,6 +55,7 @@ decltype(MXKernels::AdjustBrightnessRow)::Row AdjustBrightnessRow;
 decltype(MXKernels::PhaseSumsRow)::Row PhaseSumsRow;
 decltype(MXKernels::BalancePairRow)::Row BalancePairRow;
 decltype(MXKernels::WarpRow)::Row WarpRow;
+decltype(MXKernels::WarpGroupsRow)::Row WarpGroupsRow;
 
 decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
 decltype(MXKernels::AddSquaredDistanceRow)::Row AddSquaredDistanceRow;

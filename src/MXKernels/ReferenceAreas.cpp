@@ -185,6 +185,14 @@ void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, si
   }
 }
 
+void WarpGroupsRow(const WarpGroup* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
+                   const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const WarpMapEntry oEntry = EntryOf(pMap[i / 4], i % 4, nRowBytes);
+    WarpRow(&oEntry, 1, pSource, nRowBytes, pWeights, nBackground, pOut + i);
+  }
+}
+
 void TextureClassRow(const uint8_t* pAbove, const uint8_t* pCentre, const uint8_t* pBelow, uint8_t* pOut,
                      size_t nCount, const uint8_t* pClasses) noexcept {
   for (size_t i = 0; i < nCount; ++i) {
