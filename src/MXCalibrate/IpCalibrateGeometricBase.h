@@ -38,6 +38,14 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void Store(ClStream& oStream) const;
   void Load(ClStream& oStream);
 
+  /// For whoever makes the source while its rows are taken: whether there is a map for that source with one
+  /// plane. WarpRow then makes a row of the whole target, from SourceRows of the first rows of the source.
+  bool HasRowsOf(const ClImage& oIn) const;
+  int SourceRows(int nRow) const { return m_pMap->SourceRows(static_cast<uint32_t>(nRow)); }
+  void WarpRow(const ClImage& oIn, int nRow, uint8_t* pOut) const;
+  /// An eUint8 image of the target's size; its old block is used again if it fits.
+  void NewTarget(ClImage& oOut) const;
+
   /// The part of the target that Apply makes; all 0 for the whole.
   uint32_t m_nRoiX = 0;
   uint32_t m_nRoiY = 0;
@@ -51,10 +59,9 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
 
   /// Builds the map for the sizes that Initiate has set.
   virtual void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) = 0;
-  virtual void CalibrateGeo(const ClImage& oIn, ClImage& oOut) = 0;
+  /// The table of weights.
+  virtual Weights Table() const = 0;
 
-  /// The CalibrateGeo of all tables of weights.
-  void WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const;
   /// Raises unless a map can be made of these points and sizes.
   void CheckParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) const;
   /// Returns the map entry of a source position.
@@ -77,7 +84,7 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
 
  private:
   void CheckRegion() const;
-  void CheckInput() const;
+  bool FitsMap(const ClImage& oIn) const;
   void LoadHeader(ClStream& oStream);
   void LoadMap(ClStream& oStream);
   bool PointsInside(const std::vector<Entry>& aRow) const;

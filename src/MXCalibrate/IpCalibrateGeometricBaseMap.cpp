@@ -33,11 +33,17 @@ ClIpCalibrateGeometricBaseMap::ClIpCalibrateGeometricBaseMap(uint32_t nRows, siz
       m_nSourceBytes(uint64_t{nSourceHeight} * nSourceRowBytes),
       m_nSourceRowBytes(nSourceRowBytes),
       m_pGroups(NewItems<Group>(uint64_t{nRows} * m_nRowGroups)),
-      m_pWholeRows(NewItems<WholeRow>(nRowEntries == 0 ? 0 : nRows)) {}
+      m_pWholeRows(NewItems<WholeRow>(nRowEntries == 0 ? 0 : nRows)),
+      m_pSourceRows(NewItems<int32_t>(nRowEntries == 0 ? 0 : nRows)) {}
 
 void ClIpCalibrateGeometricBaseMap::SetRow(uint32_t nRow, const Entry* pEntries) {
+  if (m_nRowEntries == 0) return;
   Group* pGroups = GroupsOf(nRow);
   m_pWholeRows[nRow].reset();
+  const auto Before = [](const Entry& oA, const Entry& oB) { return oA.m_nOffset < oB.m_nOffset; };
+  const int32_t nLast = std::max_element(pEntries, pEntries + m_nRowEntries, Before)->m_nOffset;
+  m_pSourceRows[nRow] =
+      nLast < 0 ? 0 : static_cast<int32_t>((static_cast<size_t>(nLast) + 3) / m_nSourceRowBytes) + 4;
   for (size_t i = 0; i < m_nRowEntries; i += cnGroup) {
     if (SetGroup(pEntries + i, std::min(cnGroup, m_nRowEntries - i), pGroups[i / cnGroup])) continue;
     m_pWholeRows[nRow] = NewItems<Entry>(m_nRowEntries);

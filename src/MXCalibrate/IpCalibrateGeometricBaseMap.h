@@ -30,6 +30,8 @@ class ClIpCalibrateGeometricBaseMap {
   /// Gives the RowEntries() entries that were set.
   void GetRow(uint32_t nRow, Entry* pEntries) const;
 
+  /// How many rows of the source, from its first, the samples of a row are made of.
+  int SourceRows(uint32_t nRow) const { return m_pSourceRows[nRow]; }
   /// Makes the samples [nFirst, nFirst + nCount) of a row.
   void WarpRow(uint32_t nRow, size_t nFirst, size_t nCount, const ClImage& oSource, Weights pWeights,
                uint8_t nBackground, uint8_t* pOut) const;
@@ -48,4 +50,5 @@ class ClIpCalibrateGeometricBaseMap {
   const size_t m_nSourceRowBytes;
   std::unique_ptr<Group[]> m_pGroups;
   std::unique_ptr<WholeRow[]> m_pWholeRows;
+  std::unique_ptr<int32_t[]> m_pSourceRows;
 };

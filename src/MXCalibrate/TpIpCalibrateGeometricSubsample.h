@@ -29,9 +29,7 @@ class TpIpCalibrateGeometricSubsample : public ClIpCalibrateGeometricCoarse {
   const char* Name() const override { return "TpIpCalibrateGeometricSubsample"; }
 
  protected:
-  void CalibrateGeo(const ClImage& oIn, ClImage& oOut) override {
-    WarpWith(m_oInterpolation.Data(), oIn, oOut);
-  }
+  ClIpCalibrateGeometricBase::Weights Table() const override { return m_oInterpolation.Data(); }
 
  private:
   I m_oInterpolation;

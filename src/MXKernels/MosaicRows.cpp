@@ -60,10 +60,6 @@ void PhaseSumsRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint16_t* pWo
 }
 
 using Words = hn::ScalableTag<int32_t>;
-using Floats = hn::ScalableTag<float>;
-
-/// Added to a float below 2^22, this leaves the nearest integer in the lowest bits of the sum.
-constexpr float cfToInteger = 8388608.0F;
 
 /// Moves the windows of one row on and returns the means, raised by 1.
 HWY_INLINE hn::Vec<Floats> MoveToMeans(const BalancePair& oPair, int nRow, size_t i) {
@@ -98,21 +94,11 @@ HWY_INLINE hn::Vec<Floats> TargetOf(hn::Vec<Floats> vUpper, hn::Vec<Floats> vLow
 /// (sample + 1) * target / mean - 1.
 HWY_INLINE void StoreBalanced(const BalancePair& oPair, int nRow, size_t i, hn::Vec<Floats> vTarget,
                               hn::Vec<Floats> vMean) {
-  const Words d;
-  const Floats dFloat;
-  const hn::Rebind<uint32_t, Words> dBits;
+  const Floats d;
   const BytesOfWords d8;
-  // A quotient p / m is an integer or 1 / m at least away from one. Half of that is added, and the error of a
-  // reciprocal with one step of refinement, 2^-21 of it at most, stays below that up to the largest p, 2^16.
-  // Less one half, the nearest integer is the truncated quotient.
-  const auto vRough = hn::ApproximateReciprocal(vMean);
-  const auto vReciprocal = vRough * hn::NegMulAdd(vMean, vRough, hn::Set(dFloat, 2.0F));
-  const auto vSample = hn::ConvertTo(dFloat, hn::PromoteTo(d, hn::LoadU(d8, oPair.m_apIn[nRow] + i)));
-  const auto vProduct = hn::MulAdd(vSample, vTarget, vTarget + hn::Set(dFloat, 0.5F));
-  const auto vResult = hn::MulAdd(vProduct, vReciprocal, hn::Set(dFloat, cfToInteger - 1.5F));
-  const auto vLimited =
-      hn::Min(hn::Max(vResult, hn::Set(dFloat, cfToInteger)), hn::Set(dFloat, cfToInteger + 255));
-  hn::StoreU(hn::TruncateTo(d8, hn::BitCast(dBits, vLimited)), d8, oPair.m_apOut[nRow] + i);
+  const auto vSample = hn::ConvertTo(d, hn::PromoteTo(Words(), hn::LoadU(d8, oPair.m_apIn[nRow] + i)));
+  const auto vRaised = hn::MulAdd(vSample, vTarget, vTarget + hn::Set(d, 0.5F));
+  hn::StoreU(DivideToBytes(vRaised, vMean, 1), d8, oPair.m_apOut[nRow] + i);
 }
 
 void BalancePairRow(const BalancePair& oPair, size_t nCount) noexcept {

@@ -22,11 +22,13 @@
 ///            at half size and one pass with a division a sample.
 class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
  public:
+  static constexpr int cnFilterWidth = 51;
+
   ClIpLocalWhiteBalance();
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLocalWhiteBalance"; }
-  void SetParametersToDefault() override { m_nInFilterWidth = 51; }
+  void SetParametersToDefault() override { m_nInFilterWidth = cnFilterWidth; }
   void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:

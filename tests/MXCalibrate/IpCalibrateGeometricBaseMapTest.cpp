@@ -64,14 +64,23 @@ TEST(GeometricBaseMap, KeepsAllKindsOfRows) {
     }
     return aRow;
   };
-  Entries aSteps(15), aForeign(15, {-1, 0}), aFar = Row(500, 4, 0, 0);
+  const auto Alternating = [](int32_t nOffset) {
+    Entries aRow(15, {40, 5});
+    for (size_t n = 1; n < 15; n += 2) aRow[n].m_nOffset += nOffset;
+    return aRow;
+  };
+  const auto WithOne = [](Entries aRow, ClIpCalibrateGeometricBaseMap::Entry oEntry) {
+    aRow[9] = oEntry;
+    return aRow;
+  };
+  Entries aSteps(15);
+  const Entries aNone(15, {-1, 0});
   // Columns one and two apart, from row to row in the middle of groups.
   for (int32_t n = 0; n < 15; ++n)
     aSteps[static_cast<size_t>(n)] = {400 + n * 6 / 5 + n / 6 * cnRowBytes, 1023};
-  aForeign[3] = {-5, 0};
-  aForeign[9] = {-1, 7};
-  aFar[5] = {cnLast, 4};
   ExpectKept({aSteps, Row(0, 4, 0, 0), Row(3, 5, 0, 0), Row(cnRowBytes - 3, 4, 0, 0), Row(40, 7, 31, 4),
-              Row(40, 8, 0, 0), Row(40, 0, 32, 0), Row(7, 4, 0, 3), Entries(15, {-1, 0}), aForeign, aFar,
-              Entries(15, {cnLast, 1023}), Row(cnLast - 4, 4, 0, 0), Row(cnLast - 5, 1, 0, 5)});
+              Alternating(8), Alternating(31 * cnRowBytes), Alternating(32 * cnRowBytes), Row(7, 4, 0, 3),
+              aNone, WithOne(aNone, {-5, 0}), WithOne(aNone, {-1, 7}),
+              WithOne(Row(500, 4, 0, 0), {cnLast, 4}), Entries(15, {cnLast, 1023}), Row(cnLast - 4, 4, 0, 0),
+              Row(cnLast - 5, 1, 0, 5)});
 }
