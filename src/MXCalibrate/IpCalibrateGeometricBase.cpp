@@ -109,8 +109,9 @@ void ClIpCalibrateGeometricBase::Calibrate() {
   }
 }
 
-bool ClIpCalibrateGeometricBase::HasRowsOf(const ClImage& oIn) const {
-  return m_pMap != nullptr && m_nPlanes == 1 && m_nTargetWidth != 0 && FitsMap(oIn);
+bool ClIpCalibrateGeometricBase::HasRowsOf(const ClImage& oIn, const ClImage& oLikeTarget) const {
+  return m_pMap != nullptr && m_nPlanes == 1 && m_nTargetWidth != 0 && FitsMap(oIn) &&
+         oLikeTarget.HasSize(static_cast<int>(m_nTargetWidth), static_cast<int>(m_nTargetHeight));
 }
 
 void ClIpCalibrateGeometricBase::WarpRow(const ClImage& oIn, int nRow, uint8_t* pOut) const {

@@ -38,9 +38,10 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void Store(ClStream& oStream) const;
   void Load(ClStream& oStream);
 
-  /// For whoever makes the source while its rows are taken: whether there is a map for that source with one
-  /// plane. WarpRow then makes a row of the whole target, from SourceRows of the first rows of the source.
-  bool HasRowsOf(const ClImage& oIn) const;
+  /// For whoever makes the source while its rows are taken: whether there is a map of one plane from that
+  /// source to a target of that size. WarpRow then makes a row of the whole target, from SourceRows of the
+  /// first rows of the source.
+  bool HasRowsOf(const ClImage& oIn, const ClImage& oLikeTarget) const;
   int SourceRows(int nRow) const { return m_pMap->SourceRows(static_cast<uint32_t>(nRow)); }
   void WarpRow(const ClImage& oIn, int nRow, uint8_t* pOut) const;
   /// An eUint8 image of the target's size; its old block is used again if it fits.

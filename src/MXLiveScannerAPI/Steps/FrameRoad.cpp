@@ -110,14 +110,12 @@ bool ClFrameRoad::RectifyByRows(ClImage& oOut, const TFinish& fnFinish) {
   if (m_eKind == eRoll) return false;
   const ClVT40SetupCalibrationData::StDirect oDirect =
       m_eKind == ePreview ? m_oSetup.DirectPreview(m_oRaw) : m_oSetup.DirectFull(m_oRaw);
-  if (oDirect.pWarp == nullptr || !oDirect.pWarp->HasRowsOf(m_oRaw) ||
+  if (oDirect.pWarp == nullptr || !oDirect.pWarp->HasRowsOf(m_oRaw, *oDirect.pReference) ||
       !ClIpLocalWhiteBalanceRows::Fits(m_oRaw, ClIpLocalWhiteBalance::cnFilterWidth)) {
     return false;
   }
   const ClIpCalibrateGeometricBase& oWarp = *oDirect.pWarp;
-  const ClImage& oReference = *oDirect.pReference;
   oWarp.NewTarget(oOut);
-  if (!oReference.HasSize(oOut.Width(), oOut.Height())) return false;
   m_oBalanced.New(m_oRaw);
   m_aRow.resize(static_cast<size_t>(oOut.Width()));
   m_aFinished.resize(m_aRow.size());
@@ -128,7 +126,7 @@ bool ClFrameRoad::RectifyByRows(ClImage& oOut, const TFinish& fnFinish) {
       m_oBalanceRows.Next(m_oBalanced.Row<uint8_t>(nBalanced), m_oBalanced.Row<uint8_t>(nBalanced + 1));
     }
     oWarp.WarpRow(m_oBalanced, nRow, m_aRow.data());
-    fnFinish(oReference.Row<uint8_t>(nRow), oOut.Row<uint8_t>(nRow));
+    fnFinish(oDirect.pReference->Row<uint8_t>(nRow), oOut.Row<uint8_t>(nRow));
   }
   return true;
 }
