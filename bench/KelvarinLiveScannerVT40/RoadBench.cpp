@@ -131,9 +131,22 @@ struct ClRoad {
   void Flip() { oRoad.Flip(); }
   void Brightness() { oRoad.Brightness(oRectified); }
   void Mask() { oRoad.Mask(oRectified, oMasked); }
-  void Whole() {
+  /// All steps before the mask, as one.
+  void Rectify() {
     Difference();
     oRoad.Rectify(oRectified);
+  }
+  void Whole() {
+    Rectify();
+    Mask();
+  }
+  /// Leaves what each step takes in.
+  void StepByStep() {
+    Difference();
+    Balance();
+    Warp();
+    Flip();
+    Brightness();
     Mask();
   }
 
@@ -145,7 +158,7 @@ struct ClRoad {
 
 void Step(benchmark::State& oState, ClFrameRoad::EKind eKind, void (ClRoad::*pfnStep)()) {
   ClRoad oRoad(eKind);
-  oRoad.Whole();
+  oRoad.StepByStep();
   for (auto _ : oState) (oRoad.*pfnStep)();
 }
 
@@ -208,6 +221,7 @@ BENCHMARK_CAPTURE(Step, PreviewBalance, ClFrameRoad::ePreview, &ClRoad::Balance)
 BENCHMARK_CAPTURE(Step, PreviewWarp, ClFrameRoad::ePreview, &ClRoad::Warp)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, PreviewFlip, ClFrameRoad::ePreview, &ClRoad::Flip)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, PreviewBrightness, ClFrameRoad::ePreview, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, PreviewRectify, ClFrameRoad::ePreview, &ClRoad::Rectify)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, PreviewMask, ClFrameRoad::ePreview, &ClRoad::Mask)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, PreviewFrame, ClFrameRoad::ePreview, &ClRoad::Whole)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullDifference, ClFrameRoad::eFull, &ClRoad::Difference)->Unit(cnUnit);
@@ -215,6 +229,7 @@ BENCHMARK_CAPTURE(Step, FullBalance, ClFrameRoad::eFull, &ClRoad::Balance)->Unit
 BENCHMARK_CAPTURE(Step, FullWarp, ClFrameRoad::eFull, &ClRoad::Warp)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullFlip, ClFrameRoad::eFull, &ClRoad::Flip)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullBrightness, ClFrameRoad::eFull, &ClRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(Step, FullRectify, ClFrameRoad::eFull, &ClRoad::Rectify)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullMask, ClFrameRoad::eFull, &ClRoad::Mask)->Unit(cnUnit);
 BENCHMARK_CAPTURE(Step, FullFrame, ClFrameRoad::eFull, &ClRoad::Whole)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollDifference, &ClRollRoad::Difference)->Unit(cnUnit);
@@ -222,6 +237,7 @@ BENCHMARK_CAPTURE(RollStep, RollBalance, &ClRollRoad::Balance)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollWarp, &ClRollRoad::Warp)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollFlip, &ClRollRoad::Flip)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollBrightness, &ClRollRoad::Brightness)->Unit(cnUnit);
+BENCHMARK_CAPTURE(RollStep, RollRectify, &ClRollRoad::Rectify)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollMask, &ClRollRoad::Mask)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollAutoRoll, &ClRollRoad::Roll)->Unit(cnUnit);
 BENCHMARK_CAPTURE(RollStep, RollOneMean, &ClRollRoad::Mean)->Unit(cnUnit);

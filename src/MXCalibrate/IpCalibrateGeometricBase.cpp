@@ -1,8 +1,6 @@
 // Preparing a warp and applying its map.
 #include "MXCalibrate/IpCalibrateGeometricBase.h"
 
-#include <new>
-
 #include "MXTools/Exception.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/MXLogging.h"
@@ -50,12 +48,9 @@ bool ClIpCalibrateGeometricBase::IsSourceInReach() const {
   return m_nSourceWidth <= INT32_MAX - 3 && uint64_t{m_nSourceHeight} * SourceRowBytes() <= INT32_MAX;
 }
 
-std::unique_ptr<ClIpCalibrateGeometricBase::Entry[]> ClIpCalibrateGeometricBase::NewMap() const {
-  const uint64_t nEntries = MapEntries();
-  if (nEntries > PTRDIFF_MAX / sizeof(Entry)) KlvRaiseBadAlloc();
-  std::unique_ptr<Entry[]> pMap(new (std::nothrow) Entry[static_cast<size_t>(nEntries)]);
-  if (pMap == nullptr) KlvRaiseBadAlloc();
-  return pMap;
+std::unique_ptr<ClIpCalibrateGeometricBaseMap> ClIpCalibrateGeometricBase::NewMap() const {
+  return std::make_unique<ClIpCalibrateGeometricBaseMap>(m_nTargetHeight, size_t{m_nTargetWidth} * m_nPlanes,
+                                                         m_nSourceHeight, SourceRowBytes());
 }
 
 ClIpCalibrateGeometricBase::Entry ClIpCalibrateGeometricBase::EntryOf(double dX, double dY) const {
@@ -83,14 +78,11 @@ void ClIpCalibrateGeometricBase::CheckRegion() const {
   }
 }
 
-void ClIpCalibrateGeometricBase::CheckInput() const {
-  const ClImage& oIn = *m_pInImage;
-  const bool bFits = oIn.DataType() == ClImage::eUint8 && oIn.Planes() == 1 &&
-                     static_cast<uint32_t>(oIn.Width()) == m_nSourceWidth &&
-                     static_cast<uint32_t>(oIn.Height()) == m_nSourceHeight &&
-                     oIn.RowBytes() == SourceRowBytes() && oIn.Data() != nullptr;
-  // The map's offsets are valid for this size only.
-  if (!bFits) KLV_RAISE(ClException, "InImage does not fit the calibration data", -44);
+bool ClIpCalibrateGeometricBase::FitsMap(const ClImage& oIn) const {
+  return oIn.DataType() == ClImage::eUint8 && oIn.Planes() == 1 &&
+         static_cast<uint32_t>(oIn.Width()) == m_nSourceWidth &&
+         static_cast<uint32_t>(oIn.Height()) == m_nSourceHeight && oIn.RowBytes() == SourceRowBytes() &&
+         oIn.Data() != nullptr;
 }
 
 void ClIpCalibrateGeometricBase::Calibrate() {
@@ -101,22 +93,33 @@ void ClIpCalibrateGeometricBase::Calibrate() {
   if (m_pInImage == m_pOutImage) KLV_RAISE(ClException, "InImage can't be the out image", -35);
   if (m_pOutImage == nullptr) KLV_RAISE(ClException, "m_pOutImage is not set", -701);
   CheckRegion();
-  CheckInput();
+  // The map's offsets are valid for this size only.
+  if (!FitsMap(*m_pInImage)) KLV_RAISE(ClException, "InImage does not fit the calibration data", -44);
   const bool bRegion = m_nRoiWidth != 0;
   m_pOutImage->NewWithType(ClImage::eUint8, static_cast<int>(bRegion ? m_nRoiWidth : m_nTargetWidth),
                            static_cast<int>(bRegion ? m_nRoiHeight : m_nTargetHeight),
                            static_cast<int>(m_nPlanes), static_cast<int>(m_nTargetPelsX),
                            static_cast<int>(m_nTargetPelsY), true);
   if (m_pMap == nullptr) KLV_RAISE(ClException, "Calibrate is not initialized", -2);
-  CalibrateGeo(*m_pInImage, *m_pOutImage);
+  const size_t nFirst = static_cast<size_t>(m_nRoiX) * m_nPlanes;
+  const size_t nCount = static_cast<size_t>(m_pOutImage->SamplesPerRow());
+  for (int nY = 0; nY < m_pOutImage->Height(); ++nY) {
+    m_pMap->WarpRow(m_nRoiY + static_cast<uint32_t>(nY), nFirst, nCount, *m_pInImage, Table(), m_nBackground,
+                    m_pOutImage->Row<uint8_t>(nY));
+  }
 }
 
-void ClIpCalibrateGeometricBase::WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const {
-  const size_t nMapRow = static_cast<size_t>(m_nTargetWidth) * m_nPlanes;
-  const Entry* pMap = m_pMap.get() + m_nRoiY * nMapRow + static_cast<size_t>(m_nRoiX) * m_nPlanes;
-  const size_t nCount = static_cast<size_t>(oOut.SamplesPerRow());
-  for (int nY = 0; nY < oOut.Height(); ++nY, pMap += nMapRow) {
-    MXKernels::WarpRow(pMap, nCount, oIn.Data(), oIn.RowBytes(), pWeights, m_nBackground,
-                       oOut.Row<uint8_t>(nY));
-  }
+bool ClIpCalibrateGeometricBase::HasRowsOf(const ClImage& oIn, const ClImage& oLikeTarget) const {
+  return m_pMap != nullptr && m_nPlanes == 1 && m_nTargetWidth != 0 && FitsMap(oIn) &&
+         oLikeTarget.HasSize(static_cast<int>(m_nTargetWidth), static_cast<int>(m_nTargetHeight));
+}
+
+void ClIpCalibrateGeometricBase::WarpRow(const ClImage& oIn, int nRow, uint8_t* pOut) const {
+  m_pMap->WarpRow(static_cast<uint32_t>(nRow), 0, m_nTargetWidth, oIn, Table(), m_nBackground, pOut);
+}
+
+void ClIpCalibrateGeometricBase::NewTarget(ClImage& oOut) const {
+  oOut.NewWithType(ClImage::eUint8, static_cast<int>(m_nTargetWidth), static_cast<int>(m_nTargetHeight),
+                   static_cast<int>(m_nPlanes), static_cast<int>(m_nTargetPelsX),
+                   static_cast<int>(m_nTargetPelsY), true);
 }

@@ -3,10 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "MXCalibrate/CalibrateGeometricData.h"
 #include "MXCalibrate/IpCalibrateBase.h"
-#include "MXKernels/WarpRow.h"
+#include "MXCalibrate/IpCalibrateGeometricBaseMap.h"
 
 class ClStream;
 
@@ -23,7 +24,7 @@ class ClStream;
 /// Threads    thread-bound; objects of their own may run side by side.
 /// Errors     -37 no data; -600 from the spline, after which only Reset helps; -2 without a map; -35 when
 ///            input and output are one image; -44 for a wrong region or an input that does not fit the map.
-/// Cost       a map entry takes 8 bytes; an Apply with a map is one pass and allocates nothing when the
+/// Cost       a map entry takes 4 bytes; an Apply with a map is one pass and allocates nothing when the
 ///            output has its size already.
 class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
  public:
@@ -37,6 +38,15 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   void Store(ClStream& oStream) const;
   void Load(ClStream& oStream);
 
+  /// For whoever makes the source while its rows are taken: whether there is a map of one plane from that
+  /// source to a target of that size. WarpRow then makes a row of the whole target, from SourceRows of the
+  /// first rows of the source.
+  bool HasRowsOf(const ClImage& oIn, const ClImage& oLikeTarget) const;
+  int SourceRows(int nRow) const { return m_pMap->SourceRows(static_cast<uint32_t>(nRow)); }
+  void WarpRow(const ClImage& oIn, int nRow, uint8_t* pOut) const;
+  /// An eUint8 image of the target's size; its old block is used again if it fits.
+  void NewTarget(ClImage& oOut) const;
+
   /// The part of the target that Apply makes; all 0 for the whole.
   uint32_t m_nRoiX = 0;
   uint32_t m_nRoiY = 0;
@@ -45,21 +55,20 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
 
  protected:
   using Points = ClCalibrateGeometricData::Points;
-  using Entry = MXKernels::WarpMapEntry;
-  using Weights = const int16_t (*)[4][4];
+  using Entry = ClIpCalibrateGeometricBaseMap::Entry;
+  using Weights = ClIpCalibrateGeometricBaseMap::Weights;
 
   /// Builds the map for the sizes that Initiate has set.
   virtual void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) = 0;
-  virtual void CalibrateGeo(const ClImage& oIn, ClImage& oOut) = 0;
+  /// The table of weights.
+  virtual Weights Table() const = 0;
 
-  /// The CalibrateGeo of all tables of weights.
-  void WarpWith(Weights pWeights, const ClImage& oIn, ClImage& oOut) const;
   /// Raises unless a map can be made of these points and sizes.
   void CheckParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) const;
   /// Returns the map entry of a source position.
   Entry EntryOf(double dX, double dY) const;
-  /// Entries of a whole map, not yet set. Errors: ClExBadAlloc -102.
-  std::unique_ptr<Entry[]> NewMap() const;
+  /// A map of these sizes, not yet set. Errors: ClExBadAlloc -102.
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> NewMap() const;
 
   uint32_t m_nSourceWidth = 0;
   uint32_t m_nSourceHeight = 0;
@@ -70,16 +79,16 @@ class ClIpCalibrateGeometricBase : public ClIpCalibrateBase {
   uint32_t m_nPlanes = 0;
   uint8_t m_nBackground = 0;
   /// Rows of m_nTargetWidth * m_nPlanes entries, the planes of a pixel side by side.
-  std::unique_ptr<Entry[]> m_pMap;
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> m_pMap;
   static constexpr uint32_t m_nMapEntrySize = 8;
   static_assert(sizeof(Entry) == m_nMapEntrySize, "the stored form has entries of this size");
 
  private:
   void CheckRegion() const;
-  void CheckInput() const;
+  bool FitsMap(const ClImage& oIn) const;
   void LoadHeader(ClStream& oStream);
   void LoadMap(ClStream& oStream);
-  void CheckMap(const Entry* pMap) const;
+  bool PointsInside(const std::vector<Entry>& aRow) const;
   uint64_t MapEntries() const { return uint64_t{m_nTargetWidth} * m_nTargetHeight * m_nPlanes; }
   /// Whether offsets into the source, which are signed and 32 bits wide, reach all of it.
   bool IsSourceInReach() const;

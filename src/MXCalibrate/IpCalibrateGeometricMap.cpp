@@ -1,5 +1,6 @@
 // Building maps, pixel by pixel and from a coarse grid.
 #include <algorithm>
+#include <deque>
 #include <vector>
 
 #include "MXCalibrate/TpIpCalibrateGeometric.h"
@@ -56,6 +57,43 @@ void UpscalePlane(const ClImage& oIn, ClImage& oOut, int nFactor, int nPlane) {
   }
 }
 
+/// The source positions of one plane, a band of target rows at a time: all positions at once would take ten
+/// times the memory of the map.
+class ClCoarseBand {
+ public:
+  ClCoarseBand(const Spline& oSpline, unsigned char nBlock, size_t nColumns)
+      : m_oSpline(oSpline), m_nBlock(nBlock), m_nColumns(nColumns) {
+    for (ClImage& o : m_aCoarse) {
+      o.NewWithType(ClImage::eDouble64, static_cast<int>(nColumns), 2, 1, 0, 0, true);
+    }
+    Transform(0);
+  }
+
+  /// Makes the nBlock rows from nTop on; to be called for one band after the other.
+  void Make(uint32_t nTop) {
+    for (ClImage& o : m_aCoarse) std::copy_n(o.Row<double>(1), m_nColumns, o.Row<double>(0));
+    Transform(static_cast<double>(nTop) + m_nBlock);
+    for (int n = 0; n < 2; ++n) {
+      ClIpCalibrateGeometricCoarse::UpscaleImage(m_aCoarse[n], m_aFine[n], m_nBlock);
+    }
+  }
+  const double* X(uint32_t nRow) const { return m_aFine[0].Row<double>(static_cast<int>(nRow)); }
+  const double* Y(uint32_t nRow) const { return m_aFine[1].Row<double>(static_cast<int>(nRow)); }
+
+ private:
+  /// The coarse row below.
+  void Transform(double dY) {
+    m_oSpline.TransformRow(0, dY, m_nBlock, m_nColumns, m_aCoarse[0].Row<double>(1),
+                           m_aCoarse[1].Row<double>(1));
+  }
+
+  const Spline& m_oSpline;
+  const unsigned char m_nBlock;
+  const size_t m_nColumns;
+  ClImage m_aCoarse[2];  // X and Y, the coarse rows above and below the band
+  ClImage m_aFine[2];
+};
+
 }  // namespace
 
 void ClIpCalibrateGeometricDense::InitiateParams(const Points& aTarget, const Points* pActual,
@@ -63,15 +101,16 @@ void ClIpCalibrateGeometricDense::InitiateParams(const Points& aTarget, const Po
   CheckParams(aTarget, pActual, nPlanes);
   Spline aSplines[ClCalibrateGeometricData::cnMaxPlanes];
   SetupSplines(aSplines, aTarget, pActual, nPlanes);
-  std::unique_ptr<Entry[]> pMap = NewMap();
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> pMap = NewMap();
   std::vector<double> aX(m_nTargetWidth);
   std::vector<double> aY(m_nTargetWidth);
-  Entry* pRow = pMap.get();
-  for (uint32_t nY = 0; nY < m_nTargetHeight; ++nY, pRow += static_cast<size_t>(m_nTargetWidth) * nPlanes) {
+  std::vector<Entry> aRow(pMap->RowEntries());
+  for (uint32_t nY = 0; nY < m_nTargetHeight; ++nY) {
     for (uint32_t nPlane = 0; nPlane < nPlanes; ++nPlane) {
       aSplines[nPlane].TransformRow(0, nY, 1, m_nTargetWidth, aX.data(), aY.data());
-      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) pRow[nX * nPlanes + nPlane] = EntryOf(aX[nX], aY[nX]);
+      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) aRow[nX * nPlanes + nPlane] = EntryOf(aX[nX], aY[nX]);
     }
+    pMap->SetRow(nY, aRow.data());
   }
   m_pMap = std::move(pMap);
 }
@@ -81,36 +120,21 @@ void ClIpCalibrateGeometricCoarse::InitiateParams(const Points& aTarget, const P
   CheckParams(aTarget, pActual, nPlanes);
   Spline aSplines[ClCalibrateGeometricData::cnMaxPlanes];
   SetupSplines(aSplines, aTarget, pActual, nPlanes);
-  std::unique_ptr<Entry[]> pMap = NewMap();
-  for (uint32_t n = 0; n < nPlanes; ++n) {
-    const Spline& oSpline = aSplines[n];
-    FillPlane(pMap.get() + n, [&](double dY, size_t nColumns, double* pX, double* pY) {
-      oSpline.TransformRow(0, dY, m_nBlock, nColumns, pX, pY);
-    });
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> pMap = NewMap();
+  const size_t nColumns = (static_cast<size_t>(m_nTargetWidth) + m_nBlock - 1) / m_nBlock + 1;
+  std::deque<ClCoarseBand> aBands;
+  for (uint32_t n = 0; n < nPlanes; ++n) aBands.emplace_back(aSplines[n], m_nBlock, nColumns);
+  std::vector<Entry> aRow(pMap->RowEntries());
+  for (uint32_t nY = 0; nY < m_nTargetHeight; ++nY) {
+    for (uint32_t n = 0; n < nPlanes; ++n) {
+      if (nY % m_nBlock == 0) aBands[n].Make(nY);
+      const double* pX = aBands[n].X(nY % m_nBlock);
+      const double* pY = aBands[n].Y(nY % m_nBlock);
+      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) aRow[nX * nPlanes + n] = EntryOf(pX[nX], pY[nX]);
+    }
+    pMap->SetRow(nY, aRow.data());
   }
   m_pMap = std::move(pMap);
-}
-
-template <typename TTransformRow>
-void ClIpCalibrateGeometricCoarse::FillPlane(Entry* pPlane, TTransformRow&& oTransformRow) const {
-  // Two coarse rows are taken at a time: all positions at once would take five times the memory of the map.
-  const size_t nColumns = (static_cast<size_t>(m_nTargetWidth) + m_nBlock - 1) / m_nBlock + 1;
-  ClImage aCoarse[2];
-  ClImage aFine[2];
-  for (ClImage& o : aCoarse) o.NewWithType(ClImage::eDouble64, static_cast<int>(nColumns), 2, 1, 0, 0, true);
-  oTransformRow(0, nColumns, aCoarse[0].Row<double>(0), aCoarse[1].Row<double>(0));
-  for (uint32_t nTop = 0; nTop < m_nTargetHeight; nTop += m_nBlock) {
-    oTransformRow(static_cast<double>(nTop) + m_nBlock, nColumns, aCoarse[0].Row<double>(1),
-                  aCoarse[1].Row<double>(1));
-    for (int n = 0; n < 2; ++n) UpscaleImage(aCoarse[n], aFine[n], m_nBlock);
-    for (uint32_t nY = nTop; nY < nTop + m_nBlock && nY < m_nTargetHeight; ++nY) {
-      const double* pX = aFine[0].Row<double>(static_cast<int>(nY - nTop));
-      const double* pY = aFine[1].Row<double>(static_cast<int>(nY - nTop));
-      Entry* pRow = pPlane + static_cast<size_t>(nY) * m_nTargetWidth * m_nPlanes;
-      for (size_t nX = 0; nX < m_nTargetWidth; ++nX) pRow[nX * m_nPlanes] = EntryOf(pX[nX], pY[nX]);
-    }
-    for (ClImage& o : aCoarse) std::copy_n(o.Row<double>(1), nColumns, o.Row<double>(0));
-  }
 }
 
 void ClIpCalibrateGeometricCoarse::UpscaleImage(const ClImage& oIn, ClImage& oOut, unsigned char nFactor) {

@@ -1,4 +1,5 @@
 // The stored form of a finished warp: a header, and the map wrapped as an image container of version 1.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -61,7 +62,11 @@ void ClIpCalibrateGeometricBase::Store(ClStream& oStream) const {
   oStream.WriteAutoSwap(0.0);
   oStream.WriteAutoSwap(255.0);
   oStream.WriteAutoSwap(uint32_t{0});
-  oStream.Write(m_pMap.get(), static_cast<unsigned int>(MapEntries() * m_nMapEntrySize));
+  std::vector<Entry> aRow(m_pMap->RowEntries());
+  for (uint32_t nRow = 0; nRow < m_nTargetHeight && !aRow.empty(); ++nRow) {
+    m_pMap->GetRow(nRow, aRow.data());
+    oStream.Write(aRow.data(), static_cast<unsigned int>(aRow.size() * m_nMapEntrySize));
+  }
   oStream.WriteAutoSwap(cnKifMagic);
 }
 
@@ -113,18 +118,23 @@ void ClIpCalibrateGeometricBase::LoadMap(ClStream& oStream) {
   if (uint64_t{m_nTargetWidth} * m_nTargetHeight > nLeft || MapEntries() * m_nMapEntrySize > nLeft) {
     KLV_RAISE(ClExStreamUnexpectedEnd, "Unexpected end of stream", -201);
   }
-  std::unique_ptr<Entry[]> pMap = NewMap();
-  oStream.Read(pMap.get(), static_cast<unsigned int>(MapEntries() * m_nMapEntrySize));
+  std::unique_ptr<ClIpCalibrateGeometricBaseMap> pMap = NewMap();
+  std::vector<Entry> aRow(pMap->RowEntries());
+  bool bInside = true;
+  for (uint32_t nRow = 0; nRow < m_nTargetHeight && !aRow.empty(); ++nRow) {
+    oStream.Read(aRow.data(), static_cast<unsigned int>(aRow.size() * m_nMapEntrySize));
+    bInside = bInside && PointsInside(aRow);
+    if (bInside) pMap->SetRow(nRow, aRow.data());
+  }
   Expect(ReadWord(oStream) == cnKifMagic, "KIF end Magic is missing", -40);
-  CheckMap(pMap.get());
+  Expect(bInside, "Calibration Data currupt", -39);
   m_pMap = std::move(pMap);
 }
 
-void ClIpCalibrateGeometricBase::CheckMap(const Entry* pMap) const {
+bool ClIpCalibrateGeometricBase::PointsInside(const std::vector<Entry>& aRow) const {
   const int64_t nRowBytes = static_cast<int64_t>(SourceRowBytes());
   const int64_t nLast = (static_cast<int64_t>(m_nSourceHeight) - 4) * nRowBytes + m_nSourceWidth - 4;
-  for (uint64_t n = 0; n < MapEntries(); ++n) {
-    const bool bInside = pMap[n].m_nOffset <= nLast && pMap[n].m_nPhase < cnPhases;
-    Expect(pMap[n].m_nOffset < 0 || bInside, "Calibration Data currupt", -39);
-  }
+  return std::all_of(aRow.begin(), aRow.end(), [nLast](const Entry& oEntry) {
+    return oEntry.m_nOffset < 0 || (oEntry.m_nOffset <= nLast && oEntry.m_nPhase < cnPhases);
+  });
 }

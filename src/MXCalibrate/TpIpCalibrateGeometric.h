@@ -18,9 +18,7 @@ class TpIpCalibrateGeometric : public ClIpCalibrateGeometricDense {
   const char* Name() const override { return "TpIpCalibrateGeometric"; }
 
  protected:
-  void CalibrateGeo(const ClImage& oIn, ClImage& oOut) override {
-    WarpWith(m_oInterpolation.Data(), oIn, oOut);
-  }
+  ClIpCalibrateGeometricBase::Weights Table() const override { return m_oInterpolation.Data(); }
 
  private:
   I m_oInterpolation;

@@ -19,10 +19,6 @@ class ClIpCalibrateGeometricCoarse : public ClIpCalibrateGeometricBase {
   void InitiateParams(const Points& aTarget, const Points* pActual, uint32_t nPlanes) override;
 
   unsigned char m_nBlock = 8;
-
- private:
-  template <typename TTransformRow>
-  void FillPlane(Entry* pPlane, TTransformRow&& oTransformRow) const;
 };
 
 /// I is the table of weights.
@@ -33,9 +29,7 @@ class TpIpCalibrateGeometricSubsample : public ClIpCalibrateGeometricCoarse {
   const char* Name() const override { return "TpIpCalibrateGeometricSubsample"; }
 
  protected:
-  void CalibrateGeo(const ClImage& oIn, ClImage& oOut) override {
-    WarpWith(m_oInterpolation.Data(), oIn, oOut);
-  }
+  ClIpCalibrateGeometricBase::Weights Table() const override { return m_oInterpolation.Data(); }
 
  private:
   I m_oInterpolation;

@@ -49,6 +49,26 @@ HWY_INLINE hn::Vec<D> LimitToBytes(D d, V v) {
   return hn::DemoteTo(d, hn::Min(v, hn::Set(hn::DFromV<V>(), 255)));
 }
 
+using Floats = hn::Rebind<float, BytesOfWords>;
+/// Added to a float below 2^22, this leaves the nearest integer in the lowest bits of the sum.
+constexpr float cfToInteger = 8388608.0F;
+
+/// p / m - nLess, truncated and limited to 0 .. 255, for integers m from 1 to 256 and p up to 2^16. vRaised is
+/// p + 1/2.
+///
+/// A quotient is an integer or at least 1 / m away from one. With half of that it stays on its side whatever
+/// the error of a reciprocal with one step of refinement, which is less than 2^-20 of it. Less one half, the
+/// nearest integer is the truncated quotient.
+HWY_INLINE hn::Vec<BytesOfWords> DivideToBytes(hn::Vec<Floats> vRaised, hn::Vec<Floats> vDivisor, int nLess) {
+  const Floats d;
+  const auto vRough = hn::ApproximateReciprocal(vDivisor);
+  const auto vReciprocal = vRough * hn::NegMulAdd(vDivisor, vRough, hn::Set(d, 2.0F));
+  const auto vResult =
+      hn::MulAdd(vRaised, vReciprocal, hn::Set(d, cfToInteger - 0.5F - static_cast<float>(nLess)));
+  const auto vLimited = hn::Min(hn::Max(vResult, hn::Set(d, cfToInteger)), hn::Set(d, cfToInteger + 255));
+  return hn::TruncateTo(BytesOfWords(), hn::BitCast(hn::Rebind<uint32_t, Floats>(), vLimited));
+}
+
 #if HWY_TARGET != HWY_SCALAR
 using HalfBytes = hn::Half<Bytes>;
 

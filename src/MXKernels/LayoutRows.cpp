@@ -23,19 +23,6 @@ void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
   if (!ForEachVector(Bytes(), Rule, pOut, nCount)) Reference::ReverseRow(pIn, pOut, nCount);
 }
 
-void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
-  const Bytes d;
-  const size_t nLanes = hn::Lanes(d);
-  size_t i = 0;
-  for (; i + nLanes <= nPairs; i += nLanes) {
-    hn::Vec<Bytes> vEven, vOdd;
-    hn::LoadInterleaved2(d, pIn + 2 * i, vEven, vOdd);
-    hn::StoreU(vEven, d, pEven + i);
-    hn::StoreU(vOdd, d, pOdd + i);
-  }
-  Reference::SplitPairsRow(pIn + 2 * i, pEven + i, pOdd + i, nPairs - i);
-}
-
 void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
                   uint8_t* pMin) noexcept {
   const Bytes d;
@@ -82,7 +69,6 @@ HWY_AFTER_NAMESPACE();
 namespace MXKernels {
 
 MXKERNELS_KERNEL(ReverseRow);
-MXKERNELS_KERNEL(SplitPairsRow);
 MXKERNELS_KERNEL(ScaleDownRow);
 MXKERNELS_KERNEL(ScaleUpRow);
 

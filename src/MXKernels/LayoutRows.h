@@ -1,4 +1,4 @@
-// Row functions that move samples: mirror, halve, double, split into phases.
+// Row functions that move samples: mirror, halve, double.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -7,10 +7,6 @@ namespace MXKernels {
 
 /// pOut[i] = pIn[nCount - 1 - i]. The rows must not overlap.
 extern const TpKernel<OneRow<uint8_t>> ReverseRow;
-
-/// pEven[i] = pIn[2 * i], pOdd[i] = pIn[2 * i + 1] for i in [0, nPairs). No overlap.
-extern const TpKernel<void(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept>
-    SplitPairsRow;
 
 /// The 2 by 2 cells of two rows: pMean[i] = (sum of the four) >> 2, pMax[i], pMin[i] the largest
 /// and the smallest of them, for i in [0, nCells). No overlap.

@@ -8,6 +8,7 @@
 #include "MXKernels/FirstMaskRows.h"
 #include "MXKernels/LayoutRows.h"
 #include "MXKernels/MaskRows.h"
+#include "MXKernels/MosaicRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXKernels/RankRows.h"
 #include "MXKernels/RollRows.h"
@@ -55,12 +56,13 @@ decltype(MXKernels::BelowBitsRow)::Row BelowBitsRow;
 decltype(MXKernels::BytesOfBitsRow)::Row BytesOfBitsRow;
 
 OneRow<uint8_t> ReverseRow, ScaleUpRow;
-decltype(MXKernels::SplitPairsRow)::Row SplitPairsRow;
 decltype(MXKernels::ScaleDownRow)::Row ScaleDownRow;
 
 decltype(MXKernels::AdjustBrightnessRow)::Row AdjustBrightnessRow;
-decltype(MXKernels::BalanceCellsRow)::Row BalanceCellsRow;
+decltype(MXKernels::PhaseSumsRow)::Row PhaseSumsRow;
+decltype(MXKernels::BalancePairRow)::Row BalancePairRow;
 decltype(MXKernels::WarpRow)::Row WarpRow;
+decltype(MXKernels::WarpGroupsRow)::Row WarpGroupsRow;
 
 decltype(MXKernels::TextureClassRow)::Row TextureClassRow;
 

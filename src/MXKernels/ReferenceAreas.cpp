@@ -131,13 +131,6 @@ void ReverseRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
   std::reverse_copy(pIn, pIn + nCount, pOut);
 }
 
-void SplitPairsRow(const uint8_t* pIn, uint8_t* pEven, uint8_t* pOdd, size_t nPairs) noexcept {
-  for (size_t i = 0; i < nPairs; ++i) {
-    pEven[i] = pIn[2 * i];
-    pOdd[i] = pIn[2 * i + 1];
-  }
-}
-
 void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, uint8_t* pMean, uint8_t* pMax,
                   uint8_t* pMin) noexcept {
   for (size_t i = 0; i < nCells; ++i) {
@@ -150,6 +143,37 @@ void ScaleDownRow(const uint8_t* pUpper, const uint8_t* pLower, size_t nCells, u
 
 void ScaleUpRow(const uint8_t* pIn, uint8_t* pOut, size_t nCount) noexcept {
   for (size_t i = 0; i < nCount; ++i) pOut[2 * i] = pOut[2 * i + 1] = pIn[i];
+}
+
+void PhaseSumsRow(const uint8_t* pIn, size_t nCount, size_t nHalf, uint16_t*, uint16_t* pSums) noexcept {
+  for (size_t nPhase = 0; nPhase < 2; ++nPhase) {
+    unsigned nSum = 0;
+    for (size_t i = nPhase; i < std::min(2 * nHalf, nCount); i += 2) nSum += pIn[i];
+    for (size_t i = nPhase; i < nCount; i += 2) {
+      if (i + 2 * nHalf < nCount) nSum += pIn[i + 2 * nHalf];
+      if (i > 2 * nHalf + 1) nSum -= pIn[i - 2 * nHalf - 2];
+      pSums[i] = static_cast<uint16_t>(nSum);
+    }
+  }
+}
+
+void BalancePairRow(const BalancePair& oPair, size_t nCount) noexcept {
+  for (size_t nCell = 0; nCell + 2 <= nCount; nCell += 2) {
+    int aMeans[4];
+    for (size_t k = 0; k < 4; ++k) {
+      const size_t i = nCell + k % 2;
+      uint32_t& nSum = oPair.m_apSums[k / 2][i];
+      nSum += static_cast<uint32_t>(oPair.m_apEnter[k / 2][i]) - oPair.m_apLeave[k / 2][i];
+      const uint32_t nArea = static_cast<uint32_t>(1 / oPair.m_pPerArea[i] + 0.5F);
+      aMeans[k] = static_cast<int>(nSum / nArea) + 1;
+    }
+    const int nTarget = (aMeans[0] + aMeans[1] + aMeans[2] + aMeans[3]) / 4;
+    for (size_t k = 0; k < 4; ++k) {
+      const size_t i = nCell + k % 2;
+      const int nResult = (oPair.m_apIn[k / 2][i] + 1) * nTarget / aMeans[k] - 1;
+      oPair.m_apOut[k / 2][i] = static_cast<uint8_t>(std::min(std::max(nResult, 0), 255));
+    }
+  }
 }
 
 void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
@@ -166,6 +190,14 @@ void WarpRow(const WarpMapEntry* pMap, size_t nCount, const uint8_t* pSource, si
       for (size_t k = 0; k < 4; ++k) nSum += aWeights[r][k] * pWindow[r * nRowBytes + k];
     }
     pOut[i] = static_cast<uint8_t>(std::min(std::max(nSum >> 10, 0), 255));
+  }
+}
+
+void WarpGroupsRow(const WarpGroup* pMap, size_t nCount, const uint8_t* pSource, size_t nRowBytes,
+                   const int16_t (*pWeights)[4][4], uint8_t nBackground, uint8_t* pOut) noexcept {
+  for (size_t i = 0; i < nCount; ++i) {
+    const WarpMapEntry oEntry = EntryOf(pMap[i / 4], i % 4, nRowBytes);
+    WarpRow(&oEntry, 1, pSource, nRowBytes, pWeights, nBackground, pOut + i);
   }
 }
 

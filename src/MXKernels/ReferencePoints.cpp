@@ -58,21 +58,6 @@ void AdjustBrightnessRow(const uint8_t* pIn, const uint8_t* pReference, uint8_t*
   }
 }
 
-void BalanceCellsRow(const BalanceCells& oCells, size_t nCells) noexcept {
-  for (size_t i = 0; i < nCells; ++i) {
-    int aMean[4];
-    for (int k = 0; k < 4; ++k) aMean[k] = oCells.m_apMean[k][i] + 1;
-    const int nTarget = (aMean[0] + aMean[1] + aMean[2] + aMean[3]) / 4;
-    for (int k = 0; k < 4; ++k) {
-      const size_t nAt = 2 * i + static_cast<size_t>(k & 1);
-      const uint8_t nSample = k < 2 ? oCells.m_pUpper[nAt] : oCells.m_pLower[nAt];
-      const int nResult = (nSample + 1) * nTarget / aMean[k] - 1;
-      uint8_t* pOut = k < 2 ? oCells.m_pOutUpper : oCells.m_pOutLower;
-      pOut[nAt] = static_cast<uint8_t>(std::min(std::max(nResult, 0), 255));
-    }
-  }
-}
-
 uint64_t SquaredDifference(const uint8_t* pA, const uint8_t* pB, size_t nCount) noexcept {
   uint64_t nSum = 0;
   for (size_t i = 0; i < nCount; ++i) {

@@ -6,8 +6,6 @@
 #include <limits>
 
 #include "MXImageProcessing/MakeProcessor.h"
-#include "MXKernels/BalanceRows.h"
-#include "MXKernels/LayoutRows.h"
 #include "MXTools/Exception.h"
 #include "MXTools/ImageTypeDispatch.h"
 #include "MXTools/ParameterRows.h"
@@ -48,6 +46,9 @@ long ClIpLocalWhiteBalance::Process() {
   constexpr long cnUnknown = 1;
   const long nResult = DispatchElementType(m_pInImage->DataType(), cnUnknown, [&](auto oElement) {
     using T = typename decltype(oElement)::Type;
+    if constexpr (std::is_same_v<T, uint8_t>) {
+      if (BalanceByRows(oTarget)) return 0L;
+    }
     if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
       SplitPhases<T>();
       for (int k = 0; k < 4; ++k) m_oMean.ApplyParam(m_aPhases[k], m_aMeans[k], m_nInFilterWidth);
@@ -62,6 +63,17 @@ long ClIpLocalWhiteBalance::Process() {
   return nResult;
 }
 
+bool ClIpLocalWhiteBalance::BalanceByRows(ClImage& oTarget) {
+  const ClImage& oIn = *m_pInImage;
+  // The mean filter copies pictures that are smaller than its window, and rounds for a width of 3.
+  if ((m_nInFilterWidth | 1) == 3 || !ClIpLocalWhiteBalanceRows::Fits(oIn, m_nInFilterWidth)) return false;
+  m_oByRows.Begin(oIn, m_nInFilterWidth);
+  for (int y = 0; y < oIn.Height(); y += 2) {
+    m_oByRows.Next(oTarget.Row<uint8_t>(y), oTarget.Row<uint8_t>(y + 1));
+  }
+  return true;
+}
+
 template <typename T>
 void ClIpLocalWhiteBalance::SplitPhases() {
   const ClImage& oIn = *m_pInImage;
@@ -73,13 +85,9 @@ void ClIpLocalWhiteBalance::SplitPhases() {
     const T* pIn = oIn.Row<T>(y);
     T* pEven = m_aPhases[2 * (y % 2)].Row<T>(y / 2);
     T* pOdd = m_aPhases[2 * (y % 2) + 1].Row<T>(y / 2);
-    if constexpr (std::is_same_v<T, uint8_t>) {
-      MXKernels::SplitPairsRow(pIn, pEven, pOdd, static_cast<size_t>(nCells));
-    } else {
-      for (int x = 0; x < nCells; ++x) {
-        pEven[x] = pIn[2 * x];
-        pOdd[x] = pIn[2 * x + 1];
-      }
+    for (int x = 0; x < nCells; ++x) {
+      pEven[x] = pIn[2 * x];
+      pOdd[x] = pIn[2 * x + 1];
     }
   }
 }
@@ -90,25 +98,15 @@ void ClIpLocalWhiteBalance::Balance(ClImage& oTarget) {
   constexpr int64_t cnOffset = 1 - int64_t{Limits::lowest()};
   const int nCells = oTarget.Width() / 2;
   for (int y = 0; y < oTarget.Height() / 2; ++y) {
-    if constexpr (std::is_same_v<T, uint8_t>) {
-      const MXKernels::BalanceCells oCells{
-          {m_aMeans[0].Row<T>(y), m_aMeans[1].Row<T>(y), m_aMeans[2].Row<T>(y), m_aMeans[3].Row<T>(y)},
-          m_pInImage->Row<T>(2 * y),
-          m_pInImage->Row<T>(2 * y + 1),
-          oTarget.Row<T>(2 * y),
-          oTarget.Row<T>(2 * y + 1)};
-      MXKernels::BalanceCellsRow(oCells, static_cast<size_t>(nCells));
-    } else {
-      for (int x = 0; x < nCells; ++x) {
-        int64_t aMeans[4];
-        for (int k = 0; k < 4; ++k) aMeans[k] = m_aMeans[k].Row<T>(y)[x] + cnOffset;
-        const int64_t nTarget = (aMeans[0] + aMeans[1] + aMeans[2] + aMeans[3]) / 4;
-        for (int k = 0; k < 4; ++k) {
-          const int64_t nSample = m_aPhases[k].Row<T>(y)[x] + cnOffset;
-          const int64_t nOut = nSample * nTarget / aMeans[k] - cnOffset;
-          oTarget.Row<T>(2 * y + k / 2)[2 * x + k % 2] =
-              static_cast<T>(std::min<int64_t>(std::max<int64_t>(nOut, Limits::lowest()), Limits::max()));
-        }
+    for (int x = 0; x < nCells; ++x) {
+      int64_t aMeans[4];
+      for (int k = 0; k < 4; ++k) aMeans[k] = m_aMeans[k].Row<T>(y)[x] + cnOffset;
+      const int64_t nTarget = (aMeans[0] + aMeans[1] + aMeans[2] + aMeans[3]) / 4;
+      for (int k = 0; k < 4; ++k) {
+        const int64_t nSample = m_aPhases[k].Row<T>(y)[x] + cnOffset;
+        const int64_t nOut = nSample * nTarget / aMeans[k] - cnOffset;
+        oTarget.Row<T>(2 * y + k / 2)[2 * x + k % 2] =
+            static_cast<T>(std::min<int64_t>(std::max<int64_t>(nOut, Limits::lowest()), Limits::max()));
       }
     }
   }

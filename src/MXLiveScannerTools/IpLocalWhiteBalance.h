@@ -3,6 +3,7 @@
 
 #include "MXImageProcessing/IpFilterMid.h"
 #include "MXImageProcessing/NewIp1to1Base.h"
+#include "MXLiveScannerTools/IpLocalWhiteBalanceRows.h"
 
 /// Scales each phase of the 2 by 2 cell so that its local mean becomes that of all four; a uniform grey stays
 /// as it is.
@@ -17,14 +18,17 @@
 /// Threads    thread-bound.
 /// Errors     ClException -701 an image is missing; -44 odd sizes, several planes, a filter width below 1;
 ///            -14 an empty image; -33 other types.
-/// Cost       four mean filters at half size and one pass with a division a sample.
+/// Cost       eUint8 with windows of up to 90 cells takes one pass over the picture; else four mean filters
+///            at half size and one pass with a division a sample.
 class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
  public:
+  static constexpr int cnFilterWidth = 51;
+
   ClIpLocalWhiteBalance();
 
   ClProcessorBase* Create() const override;
   const char* Name() const override { return "ClIpLocalWhiteBalance"; }
-  void SetParametersToDefault() override { m_nInFilterWidth = 51; }
+  void SetParametersToDefault() override { m_nInFilterWidth = cnFilterWidth; }
   void DeclareParameters(ClParameterRows& oRows) override;
 
  protected:
@@ -32,12 +36,14 @@ class ClIpLocalWhiteBalance : public NewIpBase::ClIp1to1Base {
 
  private:
   void CheckImages() const;
+  bool BalanceByRows(ClImage& oTarget);
   template <typename T>
   void SplitPhases();
   template <typename T>
   void Balance(ClImage& oTarget);
 
   int m_nInFilterWidth;
+  ClIpLocalWhiteBalanceRows m_oByRows;
   ClIpFilterMid m_oMean;
   ClImage m_aPhases[4];
   ClImage m_aMeans[4];

@@ -67,7 +67,7 @@ TEST(Kernels, EveryLevelEqualsTheReferenceForEveryTail) {
   ExpectEachLikeReference(1, WeightedBlendRow, AdjustBrightnessRow, MinRows, MaxRows);
   ExpectEachLikeReference(1, AddToSumsRow, TakeFromSumsRow, MoveSumsRow, DeviationRow, RemoveBackgroundRow);
   ExpectEachLikeReference(1, MoveLimitedSumsRow, MoveZerosRow, BelowBitsRow, ReverseRow, ScaleUpRow);
-  ExpectEachLikeReference(2, SplitPairsRow, ScaleDownRow);
+  ExpectEachLikeReference(2, ScaleDownRow);
 }
 
 TEST(Kernels, EveryLevelEqualsTheReferenceInPlace) {
@@ -90,14 +90,6 @@ TEST(Kernels, EveryLevelEqualsTheReferenceInPlace) {
           EqualRow(pEqual, pEqual, nCount, 255);
         },
         aA, aA, aA);
-    Bytes aMeans[4];
-    for (Bytes& aMean : aMeans) aMean = oSamples.Row<uint8_t>(nCount);
-    ExpectLikeReference(
-        [&](auto* pUpper, auto* pLower) {
-          const auto Mean = [&](size_t n) { return aMeans[n].data(); };
-          BalanceCellsRow({{Mean(0), Mean(1), Mean(2), Mean(3)}, pUpper, pLower, pUpper, pLower}, nCount);
-        },
-        oSamples.Row<uint8_t>(2 * nCount), oSamples.Row<uint8_t>(2 * nCount));
   });
 }
 

@@ -144,7 +144,7 @@ TEST(TextureClassRow, EveryLevelEqualsTheReferenceForEveryTail) {
   });
 }
 
-TEST(WarpRow, EveryLevelEqualsTheReferenceForEveryTail) {
+TEST(WarpRows, EveryLevelEqualsTheReferenceForEveryTail) {
   constexpr size_t cnRowBytes = 61, cnRows = 40, cnPhases = 32;
   ForEveryLevelAndTail([](size_t nCount, ClSamples& oSamples) {
     const Bytes aSource = oSamples.Row<uint8_t>(cnRowBytes * cnRows);
@@ -161,10 +161,26 @@ TEST(WarpRow, EveryLevelEqualsTheReferenceForEveryTail) {
       oEntry.m_nOffset = oSamples.Number(9) == 0 ? -1 : static_cast<int32_t>(nY * cnRowBytes + nX);
       oEntry.m_nPhase = oSamples.Number(cnPhases - 1);
     }
+    // Every second group is loose; the others reach to the last byte of the source.
+    std::vector<WarpGroup> aGroups(nCount / 4 + 1);
+    for (WarpGroup& oGroup : aGroups) {
+      const bool bLoose = oSamples.Number(1) == 0;
+      oGroup.m_nBase = bLoose ? cnLooseGroup | oSamples.Number(cnRowBytes * (cnRows - 35))
+                              : oSamples.Number(cnRowBytes * (cnRows - 3) - 8);
+      for (size_t k = 0; k < 4; ++k) {
+        oGroup.m_aWeights[k] = static_cast<uint16_t>(32 * oSamples.Number(cnPhases - 1));
+        oGroup.m_aSteps[k] =
+            static_cast<uint8_t>(32 * oSamples.Number(4) + (bLoose ? oSamples.Number(31) : 0));
+        if (bLoose && oSamples.Number(3) == 0) oGroup.m_aWeights[k] = cnNoWeights;
+      }
+    }
     const auto pWeights = reinterpret_cast<const int16_t(*)[4][4]>(aWeights.data());
     ExpectLikeReference(
-        [&](auto* pOut) { WarpRow(aMap.data(), nCount, aSource.data(), cnRowBytes, pWeights, 17, pOut); },
-        Bytes(nCount));
+        [&](auto* pOut, auto* pGrouped) {
+          WarpRow(aMap.data(), nCount, aSource.data(), cnRowBytes, pWeights, 17, pOut);
+          WarpGroupsRow(aGroups.data(), nCount, aSource.data(), cnRowBytes, pWeights, 17, pGrouped);
+        },
+        Bytes(nCount), Bytes(nCount));
   });
 }
 

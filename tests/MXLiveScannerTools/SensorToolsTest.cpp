@@ -138,6 +138,39 @@ TEST(KeptSensorTools, LetGoOfABlockThatTheirCallerLentForOneRun) {
   ExpectTheCallersBlockIsLetGo({"balance", [&](ClImage& o) { return oBalance.ApplyParam(o); }});
 }
 
+class BalanceOfCells : public testing::TestWithParam<int> {};
+INSTANTIATE_TEST_SUITE_P(Rows, BalanceOfCells, testing::Values(63, 93));
+
+TEST_P(BalanceOfCells, UsesTheMeanFilterOfThePhasesWhateverItsWidth) {
+  // Odd and even widths; one that the mean filter rounds; windows that just fit the picture, are too wide for
+  // the arithmetic by rows, or for the picture.
+  constexpr int cnCellsX = 97;
+  const int nCellsY = GetParam();
+  std::mt19937 oRandom(64);
+  ClImage oIn, oOut, aPhases[4], aMeans[4];
+  SetRandom<uint8_t>(oIn, 2 * cnCellsX, 2 * nCellsY, oRandom);
+  for (int k = 0; k < 4; ++k) {
+    aPhases[k].NewWithType(ClImage::eUint8, cnCellsX, nCellsY, 1, 0, 0, true);
+    for (int n = 0; n < cnCellsX * nCellsY; ++n) {
+      const int x = n % cnCellsX, y = n / cnCellsX;
+      aPhases[k].Row<uint8_t>(y)[x] = oIn.Row<uint8_t>(2 * y + k / 2)[2 * x + k % 2];
+    }
+  }
+  ClIpLocalWhiteBalance oBalance;
+  for (const int nWidth : {1, 2, 3, 7, 50, 51, 63, 64, 89, 91, 93, 94, 200}) {
+    SCOPED_TRACE(nWidth);
+    SetParameter(oBalance, "nInFilterWidth", std::to_string(nWidth).c_str());
+    ASSERT_EQ(oBalance.ApplyParam(oIn, oOut), 0);
+    for (int k = 0; k < 4; ++k) ClIpFilterMid().ApplyParam(aPhases[k], aMeans[k], nWidth);
+    ExpectSamples<uint8_t>(oOut, [&](int x, int y, int) {
+      int nAll = 4;
+      for (const ClImage& oMeans : aMeans) nAll += oMeans.Row<uint8_t>(y / 2)[x / 2];
+      const int nMean = aMeans[2 * (y % 2) + x % 2].Row<uint8_t>(y / 2)[x / 2] + 1;
+      return Limited<uint8_t>((oIn.Row<uint8_t>(y)[x] + 1) * (nAll / 4) / nMean - 1);
+    });
+  }
+}
+
 TEST(LocalWhiteBalance, ErrorsHaveTheirNumbers) {
   ClAnyImages o;
   ClImage oOdd;

@@ -54,6 +54,15 @@ class ClVT40SetupCalibrationData : public ClVTSetupCalibrationDataBase {
   /// A frame of the platen's middle at the scale of a full one, rectified to 800 by 800.
   virtual void CalibrateRoll(ClImage& oIn, ClImage& oOut);
 
+  /// The warp and the brightness reference of a preview or a full frame whose source is warped as it is; null
+  /// where the source is reduced before. As the calls that take whole frames, for the same threads.
+  struct StDirect {
+    const ClIpCalibrateGeometricBase* pWarp;
+    const ClImage* pReference;
+  };
+  StDirect DirectPreview(const ClImage& oIn) const;
+  StDirect DirectFull(const ClImage& oIn) const;
+
   void UpdateBrightnessData(const void* pData, unsigned int nSize);
   void UpdateGainData(const void* pData, unsigned int nSize);
   /// The data in use, in the legacy form of its blocks.

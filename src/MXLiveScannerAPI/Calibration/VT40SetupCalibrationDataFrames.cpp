@@ -78,6 +78,18 @@ void ClVT40SetupCalibrationData::CalibrateFull(ClImage& oIn, ClImage& oOut) {
   }
 }
 
+ClVT40SetupCalibrationData::StDirect ClVT40SetupCalibrationData::DirectPreview(const ClImage& oIn) const {
+  if (HasSourceSize(oIn, m_GeoPreview)) return {&m_oPreviewWarp, &m_oRefPreview};
+  if (HasSourceSize(oIn, m_GeoPreviewSmall)) return {&m_oPreviewWarpSmall, &m_oRefPreview};
+  return {nullptr, nullptr};
+}
+
+ClVT40SetupCalibrationData::StDirect ClVT40SetupCalibrationData::DirectFull(const ClImage& oIn) const {
+  const bool bReduced = HasSourceSize(oIn, m_GeoFull);
+  if (bReduced || !HasSourceSize(oIn, m_GeoFullSmall)) return {nullptr, nullptr};
+  return {&m_oFullWarpSmall, &m_oRefFull};
+}
+
 void ClVT40SetupCalibrationData::CalibrateRoll(ClImage& oIn, ClImage& oOut) {
   if (HasRollSize(oIn, m_GeoFull)) {
     KLV_CHECK(m_oRollFilter.ApplyParam(oIn, m_oRollReduced, cnRollWorkWidth, cnRollWorkHeight));

@@ -1,6 +1,8 @@
 // What a frame passes through on its way to the caller.
 #include "MXLiveScannerAPI/FrameRoad.h"
 
+#include "MXKernels/BalanceRows.h"
+#include "MXKernels/LayoutRows.h"
 #include "MXKernels/PointRows.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXLiveScannerTools/IpLiveScannerMask.h"
@@ -77,6 +79,11 @@ void ClFrameRoad::Mask(ClImage& oIn, ClImage& oOut) {
 }
 
 void ClFrameRoad::Rectify(ClImage& oOut) {
+  const auto Finish = [this](const uint8_t* pReference, uint8_t* pOut) {
+    MXKernels::ReverseRow(m_aRow.data(), m_aFinished.data(), m_aRow.size());
+    MXKernels::AdjustBrightnessRow(m_aFinished.data(), pReference, pOut, m_aRow.size(), cnTargetGrey, 1);
+  };
+  if (RectifyByRows(oOut, Finish)) return;
   Balance();
   Warp();
   Flip();
@@ -84,10 +91,42 @@ void ClFrameRoad::Rectify(ClImage& oOut) {
 }
 
 void ClFrameRoad::RectifyShot(ClImage& oOut) {
-  Balance();
-  Warp();
   // Only here the brightness comes before the flip: the reference is applied to the picture as the sensor
   // sees it, but in a stream to the flipped one. Both orders have always been part of how pictures look.
+  const auto Finish = [this](const uint8_t* pReference, uint8_t* pOut) {
+    MXKernels::AdjustBrightnessRow(m_aRow.data(), pReference, m_aFinished.data(), m_aRow.size(), cnTargetGrey,
+                                   1);
+    MXKernels::ReverseRow(m_aFinished.data(), pOut, m_aRow.size());
+  };
+  if (RectifyByRows(oOut, Finish)) return;
+  Balance();
+  Warp();
   Adjust(m_oWarped, m_oBalanced);
   m_oFlip.ApplyParam(m_oBalanced, oOut, true, false);
+}
+
+template <typename TFinish>
+bool ClFrameRoad::RectifyByRows(ClImage& oOut, const TFinish& fnFinish) {
+  if (m_eKind == eRoll) return false;
+  const ClVT40SetupCalibrationData::StDirect oDirect =
+      m_eKind == ePreview ? m_oSetup.DirectPreview(m_oRaw) : m_oSetup.DirectFull(m_oRaw);
+  if (oDirect.pWarp == nullptr || !oDirect.pWarp->HasRowsOf(m_oRaw, *oDirect.pReference) ||
+      !ClIpLocalWhiteBalanceRows::Fits(m_oRaw, ClIpLocalWhiteBalance::cnFilterWidth)) {
+    return false;
+  }
+  const ClIpCalibrateGeometricBase& oWarp = *oDirect.pWarp;
+  oWarp.NewTarget(oOut);
+  m_oBalanced.New(m_oRaw);
+  m_aRow.resize(static_cast<size_t>(oOut.Width()));
+  m_aFinished.resize(m_aRow.size());
+  m_oBalanceRows.Begin(m_oRaw, ClIpLocalWhiteBalance::cnFilterWidth);
+  int nBalanced = 0;
+  for (int nRow = 0; nRow < oOut.Height(); ++nRow) {
+    for (; nBalanced < oWarp.SourceRows(nRow); nBalanced += 2) {
+      m_oBalanceRows.Next(m_oBalanced.Row<uint8_t>(nBalanced), m_oBalanced.Row<uint8_t>(nBalanced + 1));
+    }
+    oWarp.WarpRow(m_oBalanced, nRow, m_aRow.data());
+    fnFinish(oDirect.pReference->Row<uint8_t>(nRow), oOut.Row<uint8_t>(nRow));
+  }
+  return true;
 }

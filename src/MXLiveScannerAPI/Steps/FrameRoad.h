@@ -1,6 +1,9 @@
 // The way of one kind of frame from the raw planes to the masked picture.
 #pragma once
 
+#include <cstdint>
+#include <vector>
+
 #include "MXImageProcessing/IpFlip.h"
 #include "MXLiveScannerTools/IpLocalWhiteBalance.h"
 #include "MXTools/FpImage.h"
@@ -8,10 +11,11 @@
 class ClVT40SetupCalibrationData;
 
 /// Difference, white balance, warp, flip, brightness, mask. Each step can be taken alone; Rectify takes those
-/// from the balance to the brightness.
+/// from the balance to the brightness, where it can row by row: what a step leaves for the next one stays in
+/// the caches.
 ///
 /// Domain     frames of the sizes that RawSize and TargetSize give, eUint8, one plane.
-/// Ownership  keeps the raw difference and two images of scratch; the calibration state is the caller's and
+/// Ownership  keeps the raw difference and scratch; the calibration state is the caller's and
 ///            outlives it.
 /// Threads    one thread may mask while another rectifies; the kinds share state as the calibration state
 ///            says, and the mask processor, which is known by its index.
@@ -49,6 +53,8 @@ class ClFrameRoad {
   void RectifyShot(ClImage& oOut);
 
  private:
+  template <typename TFinish>
+  bool RectifyByRows(ClImage& oOut, const TFinish& fnFinish);
   void Adjust(ClImage& oIn, ClImage& oOut);
 
   ClVT40SetupCalibrationData& m_oSetup;
@@ -58,5 +64,8 @@ class ClFrameRoad {
   ClImage m_oBalanced;
   ClImage m_oWarped;
   ClIpLocalWhiteBalance m_oBalance;
+  ClIpLocalWhiteBalanceRows m_oBalanceRows;
   ClIpFlip m_oFlip;
+  std::vector<uint8_t> m_aRow;
+  std::vector<uint8_t> m_aFinished;
 };
