@@ -20,8 +20,8 @@ static int write_picture(const char* name, const unsigned char* pixels, unsigned
   return 0;
 }
 
-/* The scanner decides by itself: a preview that is "done" has a picture that waits to be fetched. It stays "done" until
- * the fingers are lifted. */
+/* The scanner decides by itself: a preview that is "done" has a picture that waits to be fetched. It stays
+ * "done" until the fingers are lifted. */
 static int capture(void* scanner, unsigned char* preview, unsigned char* picture) {
   unsigned int width, height;
   double score;

@@ -1,4 +1,5 @@
-/* Rolls a finger, says how the roll was, and writes the print as roll.pgm. Ends with 2 for a roll that is to be repeated. */
+/* Rolls a finger, says how the roll was, and writes the print as roll.pgm. Ends with 2 for a roll that is
+ * to be repeated. */
 #include <KelvarinLiveScannerVT40.h>
 #include <stdio.h>
 #include <stdlib.h>

@@ -34,8 +34,8 @@ class ClRefPointsDot {
   void AddDot(unsigned int nOther);
   /// Forgets the dot; the dot does not forget this one.
   void Remove(unsigned int nOther);
-  /// The direction in which another dot lies: 0 for +x, 2 for +y and so on in eighths of a turn; on a boundary
-  /// the lower number.
+  /// The direction in which another dot lies: 0 for +x, 2 for +y and so on in eighths of a turn; on a
+  /// boundary the lower number.
   long DirectionOf(const ClRefPointsDot& oOther) const;
   /// The angle of the way from vFrom to vTo, of [0, 2 pi).
   static double AngleOf(const ClVector& vFrom, const ClVector& vTo);
@@ -53,8 +53,8 @@ class ClRefPointsDot {
   TpArrayDynamic<unsigned int, 10u> aNeighbours;  ///< the indices of its neighbours
 };
 
-/// All dots of one search or of one stored grid. A dot keeps its index, by which others know it, while sorting
-/// changes the order in which the dots are visited.
+/// All dots of one search or of one stored grid. A dot keeps its index, by which others know it, while
+/// sorting changes the order in which the dots are visited.
 ///
 /// Ownership  owns its dots; neither copied nor assigned.
 /// Threads    thread-bound.

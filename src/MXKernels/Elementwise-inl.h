@@ -53,8 +53,8 @@ using Floats = hn::Rebind<float, BytesOfWords>;
 /// Added to a float below 2^22, this leaves the nearest integer in the lowest bits of the sum.
 constexpr float cfToInteger = 8388608.0F;
 
-/// p / m - nLess, truncated and limited to 0 .. 255, for integers m from 1 to 256 and p up to 2^16. vRaised is
-/// p + 1/2.
+/// p / m - nLess, truncated and limited to 0 .. 255, for integers m from 1 to 256 and p up to 2^16. vRaised
+/// is p + 1/2.
 ///
 /// A quotient is an integer or at least 1 / m away from one. With half of that it stays on its side whatever
 /// the error of a reciprocal with one step of refinement, which is less than 2^-20 of it. Less one half, the

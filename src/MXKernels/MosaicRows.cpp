@@ -16,8 +16,8 @@ namespace MXKernels::HWY_NAMESPACE {
 /// Wider vectors would need more steps to carry sums from block to block than they save.
 using PhaseSums = hn::CappedTag<uint16_t, 16>;
 
-/// Sums of each lane and the lanes of its phase before it. vCarry, every pair of lanes alike, has those of the
-/// vectors before, and moves on.
+/// Sums of each lane and the lanes of its phase before it. vCarry, every pair of lanes alike, has those of
+/// the vectors before, and moves on.
 template <typename V>
 HWY_INLINE V SumsUpToLane(V v, V& vCarry) {
   const PhaseSums d;

@@ -1,4 +1,5 @@
-// Row functions of the local white balance: windows over the phases of a mosaic, which take turns along a row.
+// Row functions of the local white balance: windows over the phases of a mosaic, which take turns along a
+// row.
 #pragma once
 
 #include "MXKernels/Kernel.h"
@@ -8,8 +9,8 @@ namespace MXKernels {
 /// Sums along a row, each over samples of one phase: pSums[i] = sum of pIn[i + 2 * k] for k in
 /// [-nHalf, nHalf], as far as the row goes. No overlap.
 ///
-/// Domain  nCount even; nHalf up to 127, so that a sum fits 16 bits. pWork has room for nCount + 4 * nHalf + 2
-///         numbers.
+/// Domain  nCount even; nHalf up to 127, so that a sum fits 16 bits. pWork has room for nCount + 4 * nHalf +
+///         2 numbers.
 extern const TpKernel<void(const uint8_t* pIn, size_t nCount, size_t nHalf, uint16_t* pWork,
                            uint16_t* pSums) noexcept>
     PhaseSumsRow;

@@ -14,8 +14,8 @@
 
 namespace {
 
-/// A standard output that was closed by whoever started the tool is an open place, in which the next file that
-/// is opened would land.
+/// A standard output that was closed by whoever started the tool is an open place, in which the next file
+/// that is opened would land.
 int TakeStandardOutput() {
   if (fcntl(STDOUT_FILENO, F_GETFD) != -1) return fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
   const int nNothing = open("/dev/null", O_WRONLY);

@@ -6,8 +6,8 @@
 /// The columns of the terminal; 80 where there is none.
 unsigned int TerminalWidth();
 
-/// Rewrites one line on the standard error when that is a terminal which can do so; silent otherwise, and with
-/// TERM=dumb. The line is cut to the terminal's width. NO_COLOR is respected.
+/// Rewrites one line on the standard error when that is a terminal which can do so; silent otherwise, and
+/// with TERM=dumb. The line is cut to the terminal's width. NO_COLOR is respected.
 class ClProgress {
  public:
   ClProgress();

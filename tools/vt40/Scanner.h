@@ -15,8 +15,8 @@ bool IsConnected(const std::string& sSerial);
 
 /// Keeps the library initialised.
 ///
-/// Errors  ClToolError eExitScanLibrary when the scan library is missing, not to be trusted or does not start;
-///         eExitFile for a scene that the simulated one cannot read, with its reason.
+/// Errors  ClToolError eExitScanLibrary when the scan library is missing, not to be trusted or does not
+///         start; eExitFile for a scene that the simulated one cannot read, with its reason.
 class ClLibrary {
  public:
   ClLibrary();

@@ -36,8 +36,8 @@ StInk InkOf(const ClPicture& oPicture) {
   return oInk.nPixels != 0 ? oInk : StInk();
 }
 
-/// Finds the end of a signature: the pen rests. The library's own measure is the processor time of the process,
-/// which may stand still; this is the clock's.
+/// Finds the end of a signature: the pen rests. The library's own measure is the processor time of the
+/// process, which may stand still; this is the clock's.
 class ClPenRest {
  public:
   /// Looks at the ink of one more preview; true when the pen has rested for so many seconds, and over enough
