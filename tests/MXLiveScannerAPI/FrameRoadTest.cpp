@@ -8,6 +8,7 @@
 
 #include "CalibrationBlocks.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
+#include "TestPicture.h"
 
 namespace {
 
@@ -31,6 +32,17 @@ void RectifyPlainly(State& oSetup, const StKind& oKind, bool bShot, ClImage& oRa
   (oSetup.*oKind.pfnAdjust)(oWarped, oAdjusted, 224);
   if (bShot) ClIpFlip().ApplyParam(oAdjusted, oAdjusted, true, false);
   oOut = oAdjusted;
+}
+
+TEST(FrameRoad, TheTwoPlanesOfASequenceMayComeInEitherOrder) {
+  ClTestPicture oDifference(4, 1, 9);
+  const unsigned char aDarkFirst[] = {0x30, 5, 80, 0, 0x41, 9, 70, 255};
+  const unsigned char aLitFirst[] = {0x41, 9, 70, 255, 0x30, 5, 80, 0};
+  for (const unsigned char* pSequence : {aDarkFirst, aLitFirst}) {
+    ClFrameRoad::Difference(pSequence, oDifference);
+    const uint8_t* pRow = oDifference.Row<uint8_t>(0);
+    EXPECT_EQ(std::vector<int>(pRow, pRow + 4), (std::vector<int>{0x11, 4, 0, 255}));
+  }
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
-// Tests of the local threshold and of what is measured of objects.
+// Tests of the thresholds, the labels and what is measured of objects.
 #include <cmath>
 #include <utility>
 
+#include "MXImageProcessing/IpBinarizeGlobal.h"
 #include "MXImageProcessing/IpBinarizeLocal2.h"
 #include "MXImageProcessing/IpConnectedComponent2.h"
+#include "MXImageProcessing/IpLabeling.h"
+#include "PlainLabels.h"
 #include "TestImages.h"
 
 namespace {
@@ -119,4 +122,67 @@ TEST(ConnectedComponent, ErrorsHaveTheirNumbers) {
   EXPECT_FALSE(oComponents.CanApply());
   EXPECT_EQ(NumberOf([&] { oComponents.ApplyParam(o.m_oByte, aFound, nullptr, &o.m_oByte); }), -44);
   EXPECT_TRUE(oComponents.CanApply());
+}
+
+TYPED_TEST(EveryType, SamplesAtTheGlobalThresholdAreWhite) {
+  ClImage oIn, oOut;
+  SetImage<TypeParam>(oIn, 5, 1, {0, 99, 100, 101, 120});
+  oIn.SetBlackWhite(0, 120);
+  ClIpBinarizeGlobal oBinarize;
+  for (const double dThreshold : {100.0, 99.5}) {
+    ASSERT_EQ(oBinarize.ApplyParam(oIn, oOut, dThreshold), 0);
+    EXPECT_EQ(Samples<TypeParam>(oOut), (std::vector<TypeParam>{0, 0, 120, 120, 120}));
+  }
+  ASSERT_EQ(oBinarize.ApplyParam(oIn, oIn, 101.0), 0);
+  EXPECT_EQ(Samples<TypeParam>(oIn), (std::vector<TypeParam>{0, 0, 0, 120, 120}));
+}
+
+TEST(BinarizeGlobalLimits, TheMiddleIsTheThresholdAndValuesOutsideTheirRangeAreRefused) {
+  ClImage oIn, oOut;
+  SetImage<uint8_t>(oIn, 4, 1, {0, 127, 128, 255});
+  ClIpBinarizeGlobal oBinarize;
+  ASSERT_EQ(oBinarize.NewIpBase::ClIp1to1Base::ApplyParam(oIn, oOut), 0);
+  EXPECT_EQ(Samples<uint8_t>(oOut), (Bytes{0, 0, 255, 255}));
+  EXPECT_EQ(Made<uint8_t>(oBinarize.ApplyParam(oIn, oOut, 255), oOut), (Bytes{0, 0, 0, 255}));
+  SetImage<uint8_t>(oIn, 2, 1, {0, 255});
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 255.5), -35);
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, -0.5), -35);
+  SetParameter(oBinarize, "White", "256");
+  EXPECT_EQ(oBinarize.ApplyParam(oIn, oOut, 10), -35);
+  SetParameter(oBinarize, "White", "200");
+  SetParameter(oBinarize, "Black", "3");
+  EXPECT_EQ(Made<uint8_t>(oBinarize.ApplyParam(oIn, oOut, 10), oOut), (Bytes{3, 200}));
+  EXPECT_EQ(Summary(oBinarize), "Thr10 [3;200]");
+  // An image may declare a white that its bytes don't reach.
+  oIn.SetBlackWhite(0, 400);
+  EXPECT_EQ(Made<uint8_t>(oBinarize.ApplyParam(oIn, oOut, 300), oOut), (Bytes{3, 3}));
+}
+
+TEST(Labeling, EqualsAPlainFillOnNoiseOfEveryDensity) {
+  std::mt19937 oRandom(21);
+  ClIpLabeling oLabeling;
+  for (int n = 0; n < 60; ++n) {
+    const int nWidth = 1 + static_cast<int>(oRandom() % 140), nHeight = 1 + static_cast<int>(oRandom() % 30);
+    const auto nDensity = oRandom() % 101;
+    Bytes aSamples(static_cast<size_t>(nWidth * nHeight));
+    for (uint8_t& nSample : aSamples)
+      nSample = oRandom() % 100 < nDensity ? 0 : static_cast<uint8_t>(1 + oRandom() % 255);
+    ClImage oIn, oOut;
+    SetImage(oIn, nWidth, nHeight, aSamples);
+    int nExpected = 0;
+    const auto fnIsObject = [&](int x, int y) { return oIn.Row<uint8_t>(y)[x] == 0; };
+    const std::vector<int32_t> aExpected = PlainLabels(nWidth, nHeight, fnIsObject, nExpected);
+    ASSERT_EQ(oLabeling.ApplyParam(oIn, oOut), 0);
+    EXPECT_EQ(oLabeling.m_nLabels, nExpected);
+    ASSERT_EQ(Samples<int32_t>(oOut), aExpected) << nWidth << " by " << nHeight << ", density " << nDensity;
+  }
+}
+
+TEST(Labeling, ErrorsHaveTheirNumbers) {
+  ClAnyImages o;
+  ClIpLabeling oLabeling;
+  EXPECT_EQ(NumberOf([&] { oLabeling.Apply(); }), -37);
+  oLabeling.m_pInImage = &o.m_oByte;
+  EXPECT_EQ(NumberOf([&] { oLabeling.Apply(); }), -37);
+  EXPECT_EQ(NumberOf([&] { oLabeling.ApplyParam(o.m_oByte, o.m_oByte); }), -44);
 }
