@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 
 #include "KelvarinLiveScannerVT40.h"
 #include "MXLiveScannerAPI/CaptureLimits.h"
+#include "Numbers.h"
 #include "Progress.h"
 
 namespace {
@@ -150,12 +150,6 @@ class ClAutoRun {
   Clock::time_point m_tEnd = Deadline();
 };
 
-std::string ScoreText(double dScore) {
-  char szText[32];
-  std::snprintf(szText, sizeof(szText), "%.1f", dScore);
-  return szText;
-}
-
 }  // namespace
 
 void CaptureAutomatically(ClScanner& oScanner, const StCaptureOptions& oOptions, ClCaptureResult& oResult) {
@@ -164,8 +158,8 @@ void CaptureAutomatically(ClScanner& oScanner, const StCaptureOptions& oOptions,
   oScanner.SetMode(bLive ? KLV_VT40_CAPTURE_MODE_AUTO_LIVE : KLV_VT40_CAPTURE_MODE_AUTO);
   while (oRun.Next()) oRun.Step();
   if (bLive && oRun.LowestScore() < oOptions.dMinScore) {
-    oResult.Report().SetVerdict(eExitNegative, "liveness score " + ScoreText(oRun.LowestScore()) +
-                                                   " is below " + ScoreText(oOptions.dMinScore) +
+    oResult.Report().SetVerdict(eExitNegative, "liveness score " + OneDecimal(oRun.LowestScore()) +
+                                                   " is below " + OneDecimal(oOptions.dMinScore) +
                                                    "; see --min-score");
   }
 }

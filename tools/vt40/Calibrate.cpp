@@ -1,7 +1,6 @@
 // The calibrate command.
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -10,6 +9,7 @@
 #include "Calibration.h"
 #include "Commands.h"
 #include "HeatMap.h"
+#include "Numbers.h"
 #include "Picture.h"
 #include "Report.h"
 #include "Scanner.h"
@@ -93,12 +93,6 @@ void Check(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, C
   oReport.Use(oLibrary, ScanLibraryVersion());
   oReport.Facts()["serial"] = sSerial;
   ReportVerdicts(JudgeBlocks(ClServiceScanner(sSerial).Blocks(), sSerial), sSerial, oReport);
-}
-
-std::string OneDecimal(double d) {
-  char szText[32];
-  std::snprintf(szText, sizeof(szText), "%.1f", d);
-  return szText;
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "Commands.h"
 #include "ErrorNames.h"
 #include "KelvarinLiveScannerVT40.h"
+#include "Numbers.h"
 #include "Progress.h"
 #include "Scene.h"
 
@@ -41,12 +42,6 @@ StStrip StripOf(const ClPicture& oPicture) {
 
 double Millimetres(const StStrip& oStrip, const ClPicture& oPicture) {
   return oPicture.nPelsX == 0 ? 0.0 : 1000.0 * (oStrip.nEnd - oStrip.nFirst) / oPicture.nPelsX;
-}
-
-std::string OneDecimal(double d) {
-  char szText[32];
-  std::snprintf(szText, sizeof(szText), "%.1f", d);
-  return szText;
 }
 
 /// One roll: waits for the finger and shows the strip that grows under it.
