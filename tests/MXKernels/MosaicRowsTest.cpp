@@ -55,7 +55,7 @@ TEST(BalancePairRow, EveryLevelEqualsTheReferenceForEveryTail) {
     StPair oPair(2 * nCount);
     for (size_t i = 0; i < 2 * nCount; ++i)
       oPair.aPerArea[i] = 1.0F / static_cast<float>(1000 + oSamples.Number(1601));
-    for (const size_t n : {0, 1}) {
+    for (const size_t n : {size_t{0}, size_t{1}}) {
       oPair.aEnter[n] = oSamples.Row<uint16_t>(2 * nCount, n == 0 ? 100 : 13005);
       oPair.aSums[n] = oSamples.Row<uint32_t>(2 * nCount, 240000);
       for (uint32_t& nSum : oPair.aSums[n]) nSum += 100;

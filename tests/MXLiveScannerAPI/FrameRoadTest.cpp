@@ -60,7 +60,8 @@ TEST(FrameRoad, MakesWhatItsProcessorsMakeOfEveryKindOfFrame) {
       // Brighter from the left to the right, so that no picture is its own mirror image.
       for (int nY = 0; nY < oRaw.Height(); ++nY) {
         for (int nX = 0; nX < oRaw.Width(); ++nX) {
-          oRaw.Row<uint8_t>(nY)[nX] = static_cast<uint8_t>(nX * 96 / oRaw.Width() + nY % 96 + oRandom() % 64);
+          oRaw.Row<uint8_t>(nY)[nX] =
+              static_cast<uint8_t>(nX * 96 / oRaw.Width() + nY % 96 + static_cast<int>(oRandom() % 64));
         }
       }
       for (const bool bShot : {false, true}) {
