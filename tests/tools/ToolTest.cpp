@@ -1,5 +1,7 @@
 // The command-line tool as a process: exit codes, facts and files.
 #include <png.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -83,6 +85,24 @@ TEST_F(Tool, ASimulatedScannerIsUsedOnlyWhenAskedForAndAlwaysSaysSo) {
         std::string("Capture Mode\0off", 16)})
     EXPECT_NE(std::search(aPng.begin(), aPng.end(), sText.begin(), sText.end()), aPng.end()) << sText;
   Expect(RunCommand(InstallWithout(m_oFolder, "vtscanapi") + "list --simulate"), 9, "is not installed");
+}
+
+TEST_F(Tool, WithRootsRightsAScanLibraryThatOthersCanWriteIsRefused) {
+  namespace fs = std::filesystem;
+  const fs::path oLibrary = fs::path(KLV_TOOL).parent_path().parent_path() /
+                            "lib/kelvarin-vt40/simulator/libkelvarinvtscanapi.gcc.Release.32.so";
+  fs::copy(oLibrary, m_oFolder.Path());
+  // Whoever runs the tests: in a name space of its own a user is root.
+  const std::string sRun = "cd " + m_oFolder.Path() + " && " + (geteuid() == 0 ? "" : "unshare -r ") +
+                           KLV_RUN KLV_TOOL " list --json 2>/dev/null";
+  const auto Run = [&](const char* szName, mode_t nMode) {
+    EXPECT_EQ(chmod(m_oFolder.Path(szName).c_str(), nMode), 0);
+    return nlohmann::json::parse(RunCommand(sRun).sOutput);
+  };
+  EXPECT_EQ(Run("", 0755)["scanLibrary"]["path"], m_oFolder.Path("libkelvarinvtscanapi.gcc.Release.32.so"));
+  EXPECT_EQ(Run("", 0777)["error"]["name"], "SCAN_LIBRARY");
+  EXPECT_EQ(Run("", 0755)["exitCode"], 0);
+  EXPECT_EQ(Run("libkelvarinvtscanapi.gcc.Release.32.so", 0664)["exitCode"], 9);
 }
 
 TEST_F(Tool, CapturesIntoPngFilesWithTheirResolution) {
