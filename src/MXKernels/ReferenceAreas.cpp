@@ -1,6 +1,7 @@
 // The plain twins of the kernels that look at more than one sample: windows, runs, cells, neighbours, the
 // warp.
 #include <algorithm>
+#include <cmath>
 
 #include "MXKernels/Reference.h"
 
@@ -164,7 +165,7 @@ void BalancePairRow(const BalancePair& oPair, size_t nCount) noexcept {
       const size_t i = nCell + k % 2;
       uint32_t& nSum = oPair.m_apSums[k / 2][i];
       nSum += static_cast<uint32_t>(oPair.m_apEnter[k / 2][i]) - oPair.m_apLeave[k / 2][i];
-      const uint32_t nArea = static_cast<uint32_t>(1 / oPair.m_pPerArea[i] + 0.5F);
+      const auto nArea = static_cast<uint32_t>(std::lround(1 / oPair.m_pPerArea[i]));
       aMeans[k] = static_cast<int>(nSum / nArea) + 1;
     }
     const int nTarget = (aMeans[0] + aMeans[1] + aMeans[2] + aMeans[3]) / 4;

@@ -55,7 +55,8 @@ void ClIpLocalWhiteBalanceRows::Next(uint8_t* pUpper, uint8_t* pLower) {
 }
 
 ClIpLocalWhiteBalanceRows::Sums& ClIpLocalWhiteBalanceRows::SumsOf(int nCellRow, int nRow) {
-  return m_aaRing[static_cast<size_t>(2 * (nCellRow % (2 * m_nHalf + 2)) + nRow)];
+  const int nKept = nCellRow % (2 * m_nHalf + 2);
+  return m_aaRing[2 * static_cast<size_t>(nKept) + static_cast<size_t>(nRow)];
 }
 
 void ClIpLocalWhiteBalanceRows::AddRow(int nCellRow) {
