@@ -59,7 +59,7 @@ std::vector<std::string> ChoicesOf(const CLI::Option& oOption) {
   return aChoices;
 }
 
-/// Without these two the shell would take the text for several words.
+/// In quotes, so that the shell takes the text for one word.
 std::string Quoted(const std::string& sText) {
   std::string sOut;
   for (const char c : sText) sOut += c == '\'' ? "'\\''" : std::string(1, c);
@@ -102,6 +102,13 @@ std::string BashScript(const CLI::App& oApp) {
          "complete -F _vt40 vt40";
 }
 
+/// What follows an option: nothing, one of some words, or a file.
+std::string FishValue(const CLI::Option& oOption) {
+  if (oOption.get_type_size() == 0) return "";
+  const std::vector<std::string> aChoices = ChoicesOf(oOption);
+  return aChoices.empty() ? " -r -F" : " -x -a " + Quoted(Join(aChoices));
+}
+
 std::string FishScript(const CLI::App& oApp) {
   std::string sScript = "complete -c vt40 -f";
   for (const StCommand& o : CommandsOf(oApp)) {
@@ -115,12 +122,8 @@ std::string FishScript(const CLI::App& oApp) {
     }
     for (const CLI::Option* pOption : o.pApp->get_options()) {
       for (const std::string& sName : pOption->get_lnames()) {
-        const std::vector<std::string> aChoices = ChoicesOf(*pOption);
-        sScript += "\ncomplete -c vt40" + sWhen + " -l " + sName +
-                   (pOption->get_type_size() == 0 ? ""
-                    : aChoices.empty()            ? " -r -F"
-                                                  : " -x -a " + Quoted(Join(aChoices))) +
-                   " -d " + Quoted(pOption->get_description());
+        sScript.append("\ncomplete -c vt40").append(sWhen).append(" -l ").append(sName);
+        sScript.append(FishValue(*pOption)).append(" -d ").append(Quoted(pOption->get_description()));
       }
     }
   }
