@@ -36,7 +36,7 @@ static int run(void* scanner) {
   unsigned char *preview, *picture;
   int status = 1;
   /* Seconds of processor time without the pen; who measures the pause by the clock sets 0 instead. */
-  long error = LS_VT40SetPropertyDoubleA(scanner, "dSignatureDetectTime", 0.2);
+  long error = LS_VT40SetPropertyDoubleA(scanner, "dSignatureDetectTime", 2.0);
   if (!error) error = LS_VT40SetCaptureMode(scanner, KLV_VT40_CAPTURE_MODE_SIGNATURE);
   if (!error) error = LS_VT40GetSignaturePreviewImageSize(scanner, &width, &height);
   if (error) return fail("mode", error);

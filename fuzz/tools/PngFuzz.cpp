@@ -11,7 +11,7 @@ std::vector<Bytes> Seeds() {
   oPicture.nPelsX = oPicture.nPelsY = 19685;
   for (unsigned int n = 0; n < 24; ++n) oPicture.aPixels.push_back(static_cast<unsigned char>(10 * n));
   const ClMemoryFile oFile;
-  WritePng(oPicture, oFile.Path());
+  WritePng(oPicture, oFile.Path(), {"software", "serial", "mode", true});
   return {oFile.Content()};
 }
 
@@ -25,7 +25,7 @@ void Feed(const Bytes& aInput) {
   // Writing a large one takes much longer than reading it.
   if (oPicture.aPixels.size() > 4096) return;
   const ClMemoryFile oStored;
-  WritePng(oPicture, oStored.Path());
+  WritePng(oPicture, oStored.Path(), {});
   const ClPicture oAgain = ReadPng(oStored.Path());
   Require(oAgain.nWidth == oPicture.nWidth && oAgain.aPixels == oPicture.aPixels,
           "what is written reads again");

@@ -100,7 +100,7 @@ void Check(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, C
 void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, ClReport& oReport) {
   if (oOptions.bCheck) return Check(oCommon, oOptions, oReport);
   std::string sSerial = oCommon.sSerial.empty() ? cszAnySerial : oCommon.sSerial;
-  StPictureFacts oFacts{"", "calibrate", false};
+  StPictureFacts oFacts{ClLibrary::Software(), "", "calibrate", false};
   ClPicture oRaw;
   PrepareFolder(oOptions.sFolder);
   if (!oOptions.sFromFile.empty()) {
@@ -112,7 +112,8 @@ void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOpt
     oReport.Use(oLibrary, ScanLibraryVersion());
     oReport.Facts()["serial"] = sSerial;
     oRaw = ClServiceScanner(sSerial).RawPicture();
-    oFacts = {sSerial, "calibrate", oReport.IsSimulated()};
+    oFacts.sSerial = sSerial;
+    oFacts.bSimulated = oReport.IsSimulated();
     oReport.Facts()["raw"] = WritePicture(oRaw, oOptions.sFolder, "raw", "png", oFacts);
   }
   const StCalibration oResult = CalibrateFrom(oRaw, sSerial);

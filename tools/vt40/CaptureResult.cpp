@@ -11,7 +11,8 @@ ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, ClReport& oRe
 }
 
 StPictureFacts ClCaptureResult::FactsOf() const {
-  return {m_oReport.Facts().value("serial", ""), m_oOptions.sMode, m_oReport.IsSimulated()};
+  return {ClLibrary::Software(), m_oReport.Facts().value("serial", ""), m_oOptions.sMode,
+          m_oReport.IsSimulated()};
 }
 
 void ClCaptureResult::Add(const ClPicture& oPicture, const std::string& sName) {

@@ -19,6 +19,7 @@ struct ClPicture {
 
 /// What a PNG file says of its picture besides the resolution.
 struct StPictureFacts {
+  std::string sSoftware;
   std::string sSerial;
   std::string sMode;
   bool bSimulated = false;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "Picture.h"
-#include "Scanner.h"
 #include "ToolError.h"
 
 namespace {
@@ -49,8 +48,8 @@ std::string CreationTime() {
 
 /// Says where the picture comes from. A picture of the simulated scanner says so wherever it goes.
 void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
-  std::vector<std::pair<std::string, std::string>> aTexts = {
-      {"Software", "KelvarinLiveScannerVT40 " + ClLibrary::Version()}, {"Creation Time", CreationTime()}};
+  std::vector<std::pair<std::string, std::string>> aTexts = {{"Creation Time", CreationTime()}};
+  if (!oFacts.sSoftware.empty()) aTexts.emplace_back("Software", oFacts.sSoftware);
   if (!oFacts.sSerial.empty()) aTexts.emplace_back("Serial Number", oFacts.sSerial);
   if (!oFacts.sMode.empty()) aTexts.emplace_back("Capture Mode", oFacts.sMode);
   if (oFacts.bSimulated) aTexts.emplace_back("Simulated", "yes");

@@ -30,6 +30,8 @@ class ClLibrary {
   std::string ChooseSerial(const std::string& sSerial) const;
   const StScanLibrary& ScanLibrary() const { return m_oScanLibrary; }
   static std::string Version();
+  /// Name and version, as pictures carry them.
+  static std::string Software() { return "KelvarinLiveScannerVT40 " + Version(); }
 
  private:
   const ClSimulator m_oSimulator;
