@@ -54,14 +54,15 @@ void MakeFolder(const std::string& sFolder) {
 
 void WriteFile(const std::vector<unsigned char>& aBytes, const std::string& sFile) {
   std::error_code oError;
-  // Pipes and devices have no other name to be written under.
-  const bool bSpecial =
-      std::filesystem::exists(sFile, oError) && !std::filesystem::is_regular_file(sFile, oError);
-  const std::string sPart = bSpecial ? sFile : sFile + ".part";
+  // Pipes and devices have no other name to be written under, and a link stays one.
+  const bool bInPlace =
+      std::filesystem::is_symlink(sFile, oError) ||
+      (std::filesystem::exists(sFile, oError) && !std::filesystem::is_regular_file(sFile, oError));
+  const std::string sPart = bInPlace ? sFile : sFile + ".part";
   int nError = WriteWhole(sPart, aBytes);
-  if (nError == 0 && !bSpecial && std::rename(sPart.c_str(), sFile.c_str()) != 0) nError = errno;
+  if (nError == 0 && !bInPlace && std::rename(sPart.c_str(), sFile.c_str()) != 0) nError = errno;
   if (nError == 0) return;
-  if (!bSpecial) unlink(sPart.c_str());
+  if (!bInPlace) unlink(sPart.c_str());
   Fail(sFile, nError);
 }
 
