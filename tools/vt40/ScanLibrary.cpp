@@ -45,7 +45,8 @@ int TakeScanLibrary(dl_phdr_info* pInfo, size_t, void* pPath) {
   return 1;
 }
 
-/// Beside the library under the tool.
+/// Beside the library under the tool. The library knows the place as well, but no function of its interface
+/// tells it.
 fs::path SimulatorPath() {
   Dl_info oInfo{};
   dladdr(reinterpret_cast<const void*>(&LS_VT40Initialize), &oInfo);
