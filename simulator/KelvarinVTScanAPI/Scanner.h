@@ -89,6 +89,8 @@ class ClScanner {
   // The control side.
 
   void SetScene(const ClScannerDescription& oDescription, const ClSceneDescription& oScene);
+  /// Replaces what lies on the platen; the time line goes on.
+  void Lay(const ClScannerDescription& oDescription);
   /// These show the moment of the last sequence, or any moment.
   void GroundTruth(uint8_t* pPicture, uint8_t* pCover);
   void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);

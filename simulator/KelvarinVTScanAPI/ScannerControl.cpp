@@ -1,5 +1,6 @@
 // One scanner on the bus: what the control side reads of it and does to it.
 #include <algorithm>
+#include <utility>
 
 #include "KelvarinVTScanAPI/Scanner.h"
 
@@ -46,6 +47,12 @@ void ClScanner::SetScene(const ClScannerDescription& oDescription, const ClScene
   TakeDescription(oDescription, oScene);
   if (!m_bPlugged) Plug(true);
   Restart();
+}
+
+void ClScanner::Lay(const ClScannerDescription& oDescription) {
+  ClPlatenScene oPlaten(oDescription);  // makes prints, for which no frame need wait
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  m_oSensor.Lay(oDescription, std::move(oPlaten));
 }
 
 void ClScanner::GroundTruth(uint8_t* pPicture, uint8_t* pCover) {

@@ -8,6 +8,7 @@
 #include "KelvarinVTScanAPI/Guard.h"
 #include "scene/Platen.h"
 #include "scene/ScanFunctions.h"
+#include "scene/SceneReader.h"
 
 using namespace Simulator;
 
@@ -53,6 +54,13 @@ long VTSimLoadScene(const char* szScene) {
   return Guarded([&] {
     NeedPointer(szScene);
     ClBus::Get().LoadScene(szScene);
+  });
+}
+
+long VTSimLay(const char* szSerial, const char* szPlaten) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(szPlaten);
+    oScanner.Lay(ReadPlaten(szPlaten));
   });
 }
 

@@ -116,6 +116,13 @@ VTSIM_API const char* VTSimLastError(void);
  * something. */
 VTSIM_API long VTSimLoadScene(const char* szScene);
 
+/* Replaces what lies on a platen from the next sequence on: JSON text of an object with those keys of a
+ * scanner in a scene that say what lies there: fingers, pen, dirt, target, ambient, noise. What is left out
+ * is as in a scene that leaves it out. The time line goes on, on which the times of the text are; fingers
+ * without times lie there at once. Faults, calibration and settings stay. Text that can't be read changes
+ * nothing. */
+VTSIM_API long VTSimLay(const char* szSerial, const char* szPlaten);
+
 /* Forgets the loaded scene and all faults, unplugs what is open, and starts afresh from the environment. */
 VTSIM_API long VTSimReset(void);
 

@@ -1,6 +1,7 @@
 // Keeps the prints that a process has made, so that scenes that share them pay once.
 #include "scene/PrintCache.h"
 
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <tuple>
@@ -24,12 +25,14 @@ PrintPointer GetPrint(const ClPrintDescription& oDescription) {
   static std::mutex s_oMutex;
   static std::map<Key, std::weak_ptr<const ClPrint>> s_mapPrints;
   std::lock_guard<std::mutex> oLock(s_oMutex);
-  std::weak_ptr<const ClPrint>& pWeak = s_mapPrints[KeyOf(oDescription)];
-  PrintPointer pPrint = pWeak.lock();
+  PrintPointer pPrint = s_mapPrints[KeyOf(oDescription)].lock();
   if (!pPrint) {
+    // Prints that nobody holds any more, this one among them.
+    for (auto it = s_mapPrints.begin(); it != s_mapPrints.end();)
+      it = it->second.expired() ? s_mapPrints.erase(it) : std::next(it);
     pPrint = std::make_shared<const ClPrint>(oDescription.sFile.empty() ? GeneratePrint(oDescription)
                                                                         : ReadPrintFile(oDescription.sFile));
-    pWeak = pPrint;
+    s_mapPrints[KeyOf(oDescription)] = pPrint;
   }
   return pPrint;
 }

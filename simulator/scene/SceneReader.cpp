@@ -254,6 +254,20 @@ ClEpromChange ReadEpromChange(const Json& oJson, const std::string& sPlace, cons
   return oChange;
 }
 
+/// What lies on the platen, and in what light.
+void ReadPlaten(ClObject& o, const std::string& sFolder, ClScannerDescription& oScanner) {
+  ReadAmbient(o, oScanner);
+  oScanner.dNoise = o.Number("noise", oScanner.dNoise, 0.0, 10.0);
+  o.Each("fingers", cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
+    oScanner.aFingers.push_back(ReadFinger(oFinger, sWhere, sFolder));
+  });
+  if (const Json* p = o.Find("pen")) oScanner.oPen = ReadPen(ClObject(*p, o.Place("pen")));
+  o.Each("dirt", cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
+    oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
+  });
+  if (const Json* p = o.Find("target")) oScanner.oTarget = ReadTarget(ClObject(*p, o.Place("target")));
+}
+
 ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
   ClObject o(oJson, sPlace);
   ClScannerDescription oScanner;
@@ -266,8 +280,6 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
   if (oScanner.sVersion.size() > 255) o.Fail("must not be longer than 255 characters", "version");
   oScanner.eOrder =
       static_cast<EPlaneOrder>(o.Choice("planeOrder", eOrderMixed, {"mixed", "dark-first", "lit-first"}));
-  ReadAmbient(o, oScanner);
-  oScanner.dNoise = o.Number("noise", oScanner.dNoise, 0.0, 10.0);
   if (const Json* p = o.Find("eprom")) {
     ClObject oEprom(*p, o.Place("eprom"));
     oScanner.bLegacyEprom = oEprom.Choice("form", 0, {"current", "legacy"}) == 1;
@@ -276,14 +288,7 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
         oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName), sFolder);
     oEprom.Done();
   }
-  o.Each("fingers", cnMostFingers, [&](const Json& oFinger, const std::string& sWhere) {
-    oScanner.aFingers.push_back(ReadFinger(oFinger, sWhere, sFolder));
-  });
-  if (const Json* p = o.Find("pen")) oScanner.oPen = ReadPen(ClObject(*p, o.Place("pen")));
-  o.Each("dirt", cnMostDirt, [&](const Json& oDirt, const std::string& sWhere) {
-    oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
-  });
-  if (const Json* p = o.Find("target")) oScanner.oTarget = ReadTarget(ClObject(*p, o.Place("target")));
+  ReadPlaten(o, sFolder, oScanner);
   o.Done();
   return oScanner;
 }
@@ -329,15 +334,29 @@ bool RealTimeByDefault() {
   return szPacing != nullptr && std::strcmp(szPacing, "real") == 0;
 }
 
-}  // namespace
-
-ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolder) {
-  Json oJson;
+Json Parse(const std::string& sText) {
   try {
-    oJson = Json::parse(sText);
+    return Json::parse(sText);
   } catch (const Json::exception& oError) {
     throw ClSimError(eBadValue, std::string("scene: not JSON: ") + oError.what());
   }
+}
+
+}  // namespace
+
+ClScannerDescription ReadPlaten(const std::string& sText) {
+  if (sText.size() > cnMostSceneBytes)
+    throw ClSimError(eBadValue, "scene: more than " + std::to_string(cnMostSceneBytes) + " bytes");
+  const Json oJson = Parse(sText);
+  ClObject o(oJson, "");
+  ClScannerDescription oScanner;
+  ReadPlaten(o, "", oScanner);
+  o.Done();
+  return oScanner;
+}
+
+ClSceneDescription ReadScene(const std::string& sText, const std::string& sFolder) {
+  const Json oJson = Parse(sText);
   ClObject o(oJson, "");
   ClSceneDescription oScene;
   oScene.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, cnMostSeed));

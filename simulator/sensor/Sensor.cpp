@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <sstream>
+#include <utility>
 
 #include "scene/Random.h"
 #include "scene/TargetContent.h"
@@ -71,18 +72,23 @@ ClSensor::ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed)
 }
 
 void ClSensor::SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed) {
-  m_oScene = ClPlatenScene(oScanner);
-  m_oTarget = oScanner.oTarget;
+  Lay(oScanner, ClPlatenScene(oScanner));
   m_nNoiseSeed = Mix(m_nDeviceSeed, nSceneSeed);
+  m_eOrder = oScanner.eOrder;
+  SetPower(oScanner);
+}
+
+void ClSensor::Lay(const ClScannerDescription& oScanner, ClPlatenScene oPlaten) {
+  m_oScene = std::move(oPlaten);
+  ++m_nLaid;
+  m_oTarget = oScanner.oTarget;
   m_aAmbient = oScanner.aAmbient;
   if (m_aAmbient.empty()) m_aAmbient.push_back({0.0, oScanner.dAmbient});
   m_dNoise = oScanner.dNoise;
-  m_eOrder = oScanner.eOrder;
-  m_nDrawnState = 0;
-  m_nDrawing = m_nDrawing ? m_nDrawing + 1 : 0;
-  m_oMap.oContact.Free();  // a new scene is always drawn
-  m_oMap.oCover.Free();
-  SetPower(oScanner);
+}
+
+uint64_t ClSensor::StateAt(double dSeconds) const {
+  return Mix(m_nLaid, m_oScene.StateAt(dSeconds));
 }
 
 /// The light suits the settings that a host chooses by the revision and the source of power.
@@ -114,7 +120,7 @@ void ClSensor::Free() {
 /// Draws the scene when it has changed, and the mode's view of it when that is out of date. The views of two
 /// modes are kept, since a capture out of a preview switches to and fro.
 void ClSensor::PrepareSignal(const ClSensorMode& oMode, double dSeconds) {
-  const uint64_t nState = m_oScene.StateAt(dSeconds);
+  const uint64_t nState = StateAt(dSeconds);
   if (m_oMap.oContact.Empty() || nState != m_nDrawnState) {
     m_oMap.Clear();
     m_oScene.Draw(dSeconds, m_oMap);

@@ -44,6 +44,10 @@ class ClSensor {
   /// Changes what lies on the platen and the noise; optics and calibration stay.
   void SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
+  /// Changes what lies on the platen, the room light and the noise's strength. oPlaten is made of the same
+  /// description.
+  void Lay(const ClScannerDescription& oScanner, ClPlatenScene oPlaten);
+
   /// Writes the planes of a sequence, one after the other. They show the platen at dSeconds, each under the
   /// room light of its own moment. In a sequence of one dark and one lit plane the
   /// low four bits of the first byte give the order: 0 when the dark plane comes first.
@@ -58,7 +62,8 @@ class ClSensor {
   /// The same of the skin that rolled over the glass between two times, unrolled.
   void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
 
-  uint64_t StateAt(double dSeconds) const { return m_oScene.StateAt(dSeconds); }
+  /// Moments of the same number show the same picture.
+  uint64_t StateAt(double dSeconds) const;
   ClPlatenFacts Facts(double dSeconds) const;
   /// The way of the pen; null when the scene has none.
   const ClPenPath* Pen() const noexcept { return m_oScene.Pen(); }
@@ -109,6 +114,7 @@ class ClSensor {
   std::array<double, 4> m_adTap;
 
   ClPlatenScene m_oScene;
+  uint64_t m_nLaid = 0;  // counts scenes and layings, which may look alike to m_oScene and differ in prints
   ClTargetDescription m_oTarget;
   bool m_bUsbPowered = false;
   unsigned m_nNominalExposure = 0;

@@ -188,6 +188,43 @@ TEST_F(CaptureTest, EachSequenceIsRecordedWithWhatItShowed) {
   EXPECT_EQ(std::count(aMask.begin(), aMask.end(), 255), 0);
 }
 
+TEST_F(CaptureTest, WhatIsLaidDownWhileItRunsIsShownFromTheNextSequenceOn) {
+  // Two fingers that differ in their prints alone lie at the same position, then one beside it.
+  const char* aszPlaten[] = {R"({"noise": 0, "fingers": [{"print": {"seed": 1}}]})",
+                             R"({"noise": 0, "fingers": [{"print": {"seed": 2}}]})",
+                             R"({"noise": 0, "fingers": [{"print": {"seed": 2}, "x": 30, "touch": 0.1}]})"};
+  void* hDevice = StartCapture(R"({"scanners": [{"noise": 0}]})", 35);
+  std::vector<std::vector<unsigned char>> aTaken;
+  const auto TakeNext = [&] {
+    aTaken.emplace_back(2u * 960 * 1360);
+    ASSERT_EQ(Take(hDevice, &aTaken.back()), 0);
+  };
+  TakeNext();
+  for (const char* szPlaten : aszPlaten) {
+    ASSERT_EQ(VTSimLay(nullptr, szPlaten), 0) << VTSimLastError();
+    TakeNext();
+    EXPECT_NE(aTaken.back(), aTaken[aTaken.size() - 2]);
+  }
+  const std::vector<VTSimFrame> aFrames = Frames();
+  ASSERT_EQ(aFrames.size(), 4u);
+  for (unsigned n = 0; n < 4; ++n) {
+    EXPECT_NEAR(aFrames[n].dTime, n / 15.0, 1e-9) << "the time line goes on";
+    EXPECT_EQ(aFrames[n].nSteadySince, n);
+    EXPECT_EQ(aFrames[n].nFingers, n == 0 ? 0u : 1u);
+  }
+  // A text that can't be read, or that speaks of more than what lies there, leaves the finger where it is.
+  for (const char* szBad :
+       {"", "[]", "{\"fingers\": 1}", "{\"serial\": \"VT40-AB0001\"}", "{\"faults\": []}"})
+    EXPECT_EQ(VTSimLay(nullptr, szBad), -44) << szBad;
+  EXPECT_EQ(VTSimLay(nullptr, nullptr), -701);
+  EXPECT_EQ(VTSimLay("nobody", "{}"), -44);
+  TakeNext();
+  EXPECT_EQ(Frames().back().nFingers, 1u);
+  ASSERT_EQ(VTSimLay(nullptr, "{}"), 0);
+  TakeNext();
+  EXPECT_EQ(Frames().back().nFingers, 0u);
+}
+
 TEST_F(CaptureTest, AScannerCanBeUnpluggedAndReplugedAtAMomentOfItsTimeLine) {
   void* hDevice = StartCapture(R"({"scanners": [{}], "faults": [{"unplug": "VT40-AB0001", "at": 0.1},
                                                                 {"plug": "VT40-AB0001", "at": 5.0}]})");
