@@ -11,8 +11,9 @@
  *
  * Results   Unless stated otherwise a function returns 0 for success and a negative number for a failure,
  *           which LS_VT40GetErrorDescriptionA explains. A failure leaves the out-parameters as they were, but
- *           for sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL and
- *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle; these two are not repeated below.
+ *           for sizes. Every function that takes a handle returns KLV_ERROR_NO_HANDLE for NULL,
+ *           KLV_ERROR_INVALID_HANDLE for anything that is no open handle, and KLV_ERROR_NOT_INITIALIZED for
+ *           one whose device is closed; these three are not repeated below.
  * Images    Rows of 8-bit grey values, top row first, one byte a pixel without padding (all widths are
  *           multiples of 4): 0 is black, 255 white. Ridges are dark on a white background. The caller
  *           supplies the buffer; its size follows from the size functions. Resolutions are constant: 500 dpi
@@ -124,9 +125,10 @@ KLV_API long LS_VT40QueryScanners(char* pSerials, unsigned int* pnCount);
 /* Opens the scanner of that serial number and stores a handle in *phScanner. Takes up to about two seconds.
  * When the scanner was found but could not be opened *phScanner is NULL.
  * Errors: KLV_ERROR_NOT_INITIALIZED; KLV_ERROR_INVALID_PARAMETER pszSerial NULL; -101 scanners cannot be
- * listed; KLV_ERROR_DISCONNECTED no such scanner; KLV_ERROR_BAD_POINTER phScanner NULL;
- * KLV_ERROR_DEVICE_OPEN_FAIL in use; KLV_ERROR_UNSUPPORTED scan library or scanner too old or too new; -39,
- * -40, -201 the scanner's calibration data is damaged; the scan library's own number. */
+ * listed; KLV_ERROR_DISCONNECTED no such scanner; -49 a text of about a thousand characters or more;
+ * KLV_ERROR_BAD_POINTER phScanner NULL; KLV_ERROR_DEVICE_OPEN_FAIL in use; KLV_ERROR_UNSUPPORTED scan
+ * library or scanner too old or too new; -39, -40, -201 the scanner's calibration data is damaged; the scan
+ * library's own number. */
 KLV_API long LS_VT40OpenScanner(const char* pszSerial, void** phScanner);
 
 /* Stops what runs, closes the scanner and sets *phScanner to NULL. When the scan library refuses to close
@@ -236,7 +238,8 @@ KLV_API long LS_VT40GetRollImage(void* h, void* pImage, double* pdScore, unsigne
  * Errors: KLV_ERROR_INVALID_PARAMETER pszName NULL, another kind of property, or no number;
  * KLV_ERROR_UNKNOWN_PARAMETER; KLV_ERROR_READ_ONLY; KLV_ERROR_OUT_OF_RANGE; -24 pnSize NULL;
  * KLV_ERROR_BUFFER_TOO_SMALL; -20 pszValue NULL; -23 pnValue or pdValue NULL; KLV_ERROR_INVALID_STATE not
- * in the current mode. */
+ * in the current mode; -101 a name of more than 255 characters. After a failure of LS_VT40GetPropertyA the
+ * text is empty. */
 KLV_API long LS_VT40GetPropertyA(void* h, const char* pszName, char* pszValue, unsigned int* pnSize);
 KLV_API long LS_VT40SetPropertyA(void* h, const char* pszName, const char* pszValue);
 KLV_API long LS_VT40GetPropertyLongA(void* h, const char* pszName, long* pnValue);
