@@ -7,6 +7,8 @@ target_compile_options(klv_flags INTERFACE
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety -Wthread-safety-beta>
   # The same bytes on every machine: no fused multiply-add that one machine has and another has not.
   -ffp-contract=off
+  # A library with symbols that are unique in a process is never unloaded, whatever its host asks for.
+  $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>
   # Exceptions carry source paths; these name files within the project, wherever it was built.
   -fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
