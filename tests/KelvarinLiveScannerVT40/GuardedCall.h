@@ -11,7 +11,8 @@
 
 namespace Interface {
 
-/// The arguments of one call, each buffer with its end at a protected page. They are good until one is changed.
+/// The arguments of one call, each buffer with its end at a protected page. They are good until one is
+/// changed.
 class ClGuardedCall {
  public:
   /// nSize is the room, or the count of bytes, where the function takes one.

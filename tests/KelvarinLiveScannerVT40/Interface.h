@@ -1,5 +1,5 @@
-// The table of exported functions as a test sees it: arguments with the parts that they play, and calls with any
-// arguments.
+// The table of exported functions as a test sees it: arguments with the parts that they play, and calls with
+// any arguments.
 #pragma once
 
 #include <cstdint>

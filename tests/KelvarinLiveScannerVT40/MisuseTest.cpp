@@ -56,8 +56,8 @@ class Misuse : public Api {
     EXPECT_TRUE(rCall.LeftAlone(nNumber != 0)) << sWhere;
   }
 
-  /// Every case of one function in the present state. bWorks: a scanner is open, and the state is one in which
-  /// the function does its work.
+  /// Every case of one function in the present state. bWorks: a scanner is open, and the state is one in
+  /// which the function does its work.
   void TryAll(const StFunction& oFunction, bool bWorks) {
     static const std::map<ERole, void (Misuse::*)(size_t, const std::string&)> mapTries = {
         {eHandle, &Misuse::TryHandles}, {eClose, &Misuse::TryClosing}, {eRange, &Misuse::TryRange},
