@@ -24,7 +24,7 @@ std::atomic<unsigned> g_nLevel{eLevelCount};
 
 unsigned ChooseLevel() noexcept {
   int nCap = eLevelCount - 1;
-  if (const char* szCap = std::getenv("KELVARIN_SDK_SIMD")) {
+  if (const char* szCap = secure_getenv("KELVARIN_SDK_SIMD")) {
     for (int nLevel = 0; nLevel < eLevelCount; ++nLevel) {
       if (strcasecmp(szCap, g_aLevelNames[nLevel]) == 0) nCap = nLevel;
     }

@@ -16,7 +16,7 @@ std::string SimulatorFolder() {
 }
 
 std::string SimulatedLibrary(const char* szName) {
-  const char* szAsked = std::getenv("KELVARIN_SDK_SIMULATE");
+  const char* szAsked = secure_getenv("KELVARIN_SDK_SIMULATE");
   if (szAsked == nullptr || szAsked[0] == '\0' || std::strcmp(szAsked, "0") == 0) return "";
   return SimulatorFolder() + szName;
 }

@@ -148,7 +148,7 @@ void MakeRelativePath(const char* szRoot, const char* szAbsolute, char* szOut, u
 }
 
 void GetTempFileDir(char* szBuffer, unsigned int nSize) {
-  const char* szHome = std::getenv("HOME");
+  const char* szHome = secure_getenv("HOME");
   if (szHome == nullptr) {
     errno = ENOENT;
     throw ClExSystem("GetTempFileDir", __FILE__, __LINE__);

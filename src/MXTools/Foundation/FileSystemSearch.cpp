@@ -42,7 +42,7 @@ std::string Join(const char* szDirectory, const std::string& szName) {
 
 unsigned int SearchVariable(const char* szVariable, const char* szName, const char* szExt, unsigned int nSize,
                             char* szOut, char** pszNamePart) {
-  const char* szValue = std::getenv(szVariable);
+  const char* szValue = secure_getenv(szVariable);
   if (szValue == nullptr) return 0;
   std::string szPath = szValue;
   std::replace(szPath.begin(), szPath.end(), ':', ';');

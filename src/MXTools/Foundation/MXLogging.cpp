@@ -38,12 +38,12 @@ void WriteLine(KlvVTLogLevels eLevel, const char* szMessage) {
 }
 
 bool ReadEnabled() {
-  const char* szValue = std::getenv("KELVARIN_SDK_LOG");
+  const char* szValue = secure_getenv("KELVARIN_SDK_LOG");
   return szValue != nullptr && std::strcmp(szValue, "1") == 0;
 }
 
 int ReadLevel() {
-  const char* szValue = std::getenv("KELVARIN_SDK_LOG_LEVEL");
+  const char* szValue = secure_getenv("KELVARIN_SDK_LOG_LEVEL");
   if (szValue == nullptr) return 7;
   const int nLevel = std::atoi(szValue);
   return nLevel >= 0 && nLevel <= 7 ? nLevel : 7;
