@@ -44,6 +44,13 @@ def _real(value: float, name: str) -> float:
     return float(value)
 
 
+def _seconds(value: float, name: str) -> float:
+    seconds = _real(value, name)
+    if not seconds >= 0.0:
+        raise errors.OutOfRangeError(f"{name} is {seconds:g}; it must be 0 or more seconds.")
+    return seconds
+
+
 def _target(out: Optional[Pixels], size: Size) -> Pixels:
     """The array that a picture goes to: a new one, or the caller's when it has the right form."""
     shape = (size.height, size.width)
@@ -362,6 +369,9 @@ class Scanner:
             The scanner was closed while the call waited.
         """
         with self._open_gate.turn():
+            if self._mode is not Mode.ROLL:
+                # The library itself would wait its 5 seconds for a frame that no mode makes.
+                raise errors.InvalidStateError(f"There are no roll frames in mode {self._mode.name}.")
             return self._image("LS_VT40GetRollImage", "LS_VT40GetRollImageSize", 500, out)
 
     def auto_capture(
@@ -392,8 +402,9 @@ class Scanner:
         UnsupportedError
             `live` without the liveness library.
         """
-        self.mode = Mode.AUTO_LIVE if live else Mode.AUTO
-        return wait_for_fingers(self, _real(timeout, "timeout"), on_frame)
+        seconds = _seconds(timeout, "timeout")
+        self.mode = Mode.AUTO_LIVE if _truth(live, "live") else Mode.AUTO
+        return wait_for_fingers(self, seconds, on_frame)
 
     def roll(self, timeout: float = 30.0, postprocess: Optional[bool] = None) -> Roll:
         """Begins a roll; iterate over the result for the growing print, or `Roll.wait` for the finished one.
@@ -405,9 +416,9 @@ class Scanner:
         postprocess : bool, optional
             Sets `rolled_post_process` first: whether the finished print is made upright and centred.
         """
+        seconds = _seconds(timeout, "timeout")
         if postprocess is not None:
             self.rolled_post_process = postprocess
-        seconds = _real(timeout, "timeout")
         self._restart(Mode.ROLL)
         return Roll(self, seconds)
 
@@ -427,7 +438,7 @@ class Scanner:
         sigma : float, optional
             Sets `signature_filter_sigma` first, 0.5 to 100: how soft the ink is.
         """
-        seconds, rest = _real(timeout, "timeout"), _real(pause, "pause")
+        seconds, rest = _seconds(timeout, "timeout"), _seconds(pause, "pause")
         self.mode = Mode.OFF
         if half is not None:
             self.signature_half = half

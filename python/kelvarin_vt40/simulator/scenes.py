@@ -8,6 +8,7 @@ whose side is 81.28 mm.
 from __future__ import annotations
 
 import json
+import math
 import os
 from dataclasses import dataclass, fields, is_dataclass
 from typing import Any, Dict, Optional, Sequence, Tuple, Union
@@ -261,12 +262,14 @@ def _key(name: str) -> str:
 
 
 def _value(value: Any) -> Any:
+    if isinstance(value, float) and not math.isfinite(value):
+        raise ValueError(f"a scene cannot hold {value}")
     if is_dataclass(value) and not isinstance(value, type):
         return as_dict(value)
     if isinstance(value, (list, tuple)):
         return [_value(part) for part in value]
     if hasattr(value, "tolist"):  # numpy's numbers and arrays
-        return value.tolist()
+        return _value(value.tolist())
     return os.fspath(value) if isinstance(value, os.PathLike) else value
 
 
@@ -282,8 +285,8 @@ def as_json(part: Any) -> str:
     Raises
     ------
     ValueError
-        A number is infinite or none.
+        A number is infinite or not a number.
     TypeError
         A value has no form in JSON.
     """
-    return json.dumps(as_dict(part), allow_nan=False)
+    return json.dumps(as_dict(part))
