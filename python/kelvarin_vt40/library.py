@@ -128,16 +128,20 @@ def simulator_folder() -> str:
 
 
 def _find_out_whether_simulated() -> bool:
-    """A scan library is a simulated one when it has a function to load scenes."""
+    """The simulated scan library has a function to load scenes; a recorder and a player know what they stand for."""
     if is_simulation_asked_for():
         return True
     # The control side may be loaded without being in use.
     unused = simulator_folder()
-    return any(
-        hasattr(ctypes.CDLL(path, mode=os.RTLD_NOW | os.RTLD_NOLOAD), "VTSimLoadScene")
-        for path in loaded_files(SCAN_LIBRARY_NAME)
-        if os.path.dirname(path) != unused
-    )
+    for path in loaded_files(SCAN_LIBRARY_NAME):
+        if os.path.dirname(path) != unused:
+            loaded = ctypes.CDLL(path, mode=os.RTLD_NOW | os.RTLD_NOLOAD)
+            for name in ("VTRecIsSimulated", "VTPlayIsSimulated"):
+                if hasattr(loaded, name):
+                    return bool(getattr(loaded, name)())
+            if hasattr(loaded, "VTSimLoadScene"):
+                return True
+    return False
 
 
 def is_simulated() -> bool:

@@ -16,6 +16,7 @@ from __future__ import annotations
 
 import builtins
 import datetime
+import math
 import os
 import struct
 import zlib
@@ -259,19 +260,19 @@ class Recording:
                     return
 
     def frames(self) -> Iterator[RawFrame]:
-        """The raw frames that calls delivered; those whose data was dropped are left out."""
+        """The raw frames that calls delivered; those whose data was dropped are left out. Ends at damage as `calls`."""
         for call in self.calls():
             shape = [call.got(argument) for argument in (_PLANES, _HEIGHT, _WIDTH)]
             part = next((f.value for f in call.fields if isinstance(f.value, Data) and not f.was_given), None)
-            if part is None or part.was_dropped or not all(isinstance(n, int) and n > 0 for n in shape):
+            if part is None or part.was_dropped or any(n is None for n in shape):
                 continue
-            content = self.data(part)
-            count = int(np.prod(np.array(shape, object)))
-            if count > len(content):
-                continue
-            planes = np.frombuffer(content, np.uint8, count).reshape([int(n) for n in shape])  # type: ignore[arg-type]
+            try:
+                planes = _planes_of(self._content(self._data_block(part)), shape)
+            except _Damage as failure:
+                self.damage = f"in a call of {call.function} at {call.begin:.3f} s: {failure}"
+                return
             mode = call.got(_SENSOR_MODE)
-            yield RawFrame(planes.copy(), mode if isinstance(mode, int) else 0, call)
+            yield RawFrame(planes, mode if isinstance(mode, int) else 0, call)
 
     def data(self, data: Data) -> bytes:
         """The bytes of a piece of data that an iterated call names.
@@ -281,13 +282,18 @@ class Recording:
         RecordingError
             The data was dropped, or its block is not among what was read.
         """
-        block = self._blocks.get(data.block)
-        if block is None or block.kind != _DATA:
-            raise RecordingError("The data was dropped." if data.was_dropped else f"There is no data block {data.block}.")
+        if data.was_dropped:
+            raise RecordingError("The data was dropped.")
         try:
-            return self._content(block)
+            return self._content(self._data_block(data))
         except _Damage as failure:
             raise RecordingError(f"Block {data.block} cannot be read: {failure}.") from None
+
+    def _data_block(self, data: Data) -> _Block:
+        block = self._blocks.get(data.block)
+        if block is None or block.kind != _DATA:
+            raise _Damage(f"there is no data block {data.block}")
+        return block
 
     def _walk(self) -> Iterator[tuple[_Block, bytes]]:
         """The good blocks up to the damage; the content of data blocks is checked, but left where it is."""
@@ -349,6 +355,13 @@ class Recording:
             self.losses.append(Loss(*struct.unpack_from("<3Q", content)))
         elif block.kind == _END:
             self.is_complete = True
+
+
+def _planes_of(content: bytes, shape: List[Value]) -> npt.NDArray[np.uint8]:
+    sides = [n for n in shape if isinstance(n, int) and n > 0]
+    if len(sides) != len(shape) or math.prod(sides) > len(content):
+        raise _Damage(f"a frame of {' x '.join(map(str, shape))} samples has {len(content)} bytes of data")
+    return np.frombuffer(content, np.uint8, math.prod(sides)).reshape(sides).copy()
 
 
 def _unpack(stored: bytes, size: int) -> bytes:
