@@ -11,7 +11,7 @@ function(klv_install_compressed FILE FOLDER NAME COMPONENT)
 endfunction()
 
 foreach(pair library:libkelvarinlivescannervt40-1 development:libkelvarinlivescannervt40-dev tools:kelvarin-vt40-tools
-             simulator:kelvarin-vt40-simulator)
+             simulator:kelvarin-vt40-simulator python:python3-kelvarin-vt40)
   string(REPLACE ":" ";" pair ${pair})
   list(GET pair 0 component)
   list(GET pair 1 package)
@@ -30,4 +30,5 @@ set(doc_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${docs}/reference.md ${docs}/roll-verdicts.md
   DESTINATION ${doc_dir}/libkelvarinlivescannervt40-dev COMPONENT development)
 install(FILES ${docs}/schema/vt40.schema.json DESTINATION ${doc_dir}/kelvarin-vt40-tools/schema COMPONENT tools)
+install(FILES ${docs}/python.md DESTINATION ${doc_dir}/python3-kelvarin-vt40 COMPONENT python)
 install(FILES ${docs}/simulator.md DESTINATION ${doc_dir}/kelvarin-vt40-simulator COMPONENT simulator)

@@ -12,6 +12,9 @@ endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL library development tools simulator)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+  list(APPEND CPACK_COMPONENTS_ALL python)
+endif()
 set(CPACK_STRIP_FILES ON)
 
 function(klv_package COMPONENT NAME SECTION DEPENDS SUMMARY TEXT)
@@ -40,6 +43,14 @@ klv_package(simulator kelvarin-vt40-simulator libs
   "${base}, libpng16-16"
   "VT40 ten-finger live-scanner, simulated scanner"
   "Stands in for the scan library and the liveness library when it is asked for.")
+klv_package(python python3-kelvarin-vt40 python
+  "libkelvarinlivescannervt40-1 ${own}, python3 (>= 3.11), python3-numpy"
+  "VT40 ten-finger live-scanner, Python package"
+  "Gives fingerprints and signatures as numpy arrays.")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "kelvarin-vt40-simulator, python3-matplotlib, python3-pil, python3-zstandard")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${CMAKE_CURRENT_SOURCE_DIR}/python/postinst ${CMAKE_CURRENT_SOURCE_DIR}/python/prerm)
 # Who installs the tool has a scanner, or asks for the simulated one.
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS kelvarin-vt40-simulator)
 # Packages that are built against the library find out by these which version they need.
