@@ -147,7 +147,7 @@ def test_a_signature_ends_when_the_pen_rests(scanner, half, height):
 def test_a_signature_that_is_not_written_times_out(scanner):
     sim.lay()
     with pytest.raises(vt40.errors.CaptureTimeoutError, match="No signature"):
-        scanner.sign(timeout=0.1).wait()
+        scanner.sign(pause=0, timeout=1).wait()
 
 
 def test_full_frames_come_as_a_stream(scanner):

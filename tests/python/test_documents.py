@@ -23,7 +23,8 @@ def failures_in(text, name):
     return runner.run(test).failed
 
 
-def test_the_blocks_of_the_guide_run(simulated):
+def test_the_blocks_of_the_guide_run(simulated, tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
     blocks = re.findall(r"^```python\n(>>> .*?)^```$", (PROJECT / "docs/python.md").read_text("utf-8"), re.M | re.S)
     assert failures_in("\n".join(blocks), "docs/python.md") == 0
 

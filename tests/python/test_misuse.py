@@ -17,6 +17,9 @@ from conftest import Waiting
 from kelvarin_vt40 import errors
 from kelvarin_vt40 import simulator as sim
 
+READ_ONLY = np.empty((1600, 1600), np.uint8)
+READ_ONLY.flags.writeable = False
+
 # What is wrong, the call, the exception, and a part of its text.
 MISUSE = [
     ("LED beyond the last", lambda s: s.set_led(12, 0), errors.OutOfRangeError, "index is 12"),
@@ -43,7 +46,7 @@ MISUSE = [
     ("array one row short", lambda s: s.capture(out=np.empty((1599, 1600), np.uint8)), ValueError, "1599"),
     ("array of another type", lambda s: s.capture(out=np.empty((1600, 1600), np.int8)), ValueError, "int8"),
     ("array with gaps", lambda s: s.capture(out=np.empty((1600, 3200), np.uint8)[:, ::2]), ValueError, "C order"),
-    ("array that is read-only", lambda s: s.capture(out=np.broadcast_to(np.uint8(0), (1600, 1600))), ValueError, "read"),
+    ("array that is read-only", lambda s: s.capture(out=READ_ONLY), ValueError, "read-only"),
     ("list for an array", lambda s: s.capture(out=[0]), TypeError, "list"),
     ("preview without a stream", lambda s: s.preview_frame(), errors.InvalidStateError, "-50"),
     ("roll frame without a roll", lambda s: s.roll_frame(), errors.InvalidStateError, "-50"),
@@ -120,14 +123,14 @@ def test_closing_ends_a_wait_of_another_thread_when_its_frame_comes(scanner):
     scanner.mode = vt40.Mode.PREVIEW
     scanner.preview_frame()
     sim.hold_sequences()
-    loop = waiting(scanner, lambda: list(scanner.preview()))
+    wait = waiting(scanner, scanner.preview_frame)
     queued = Waiting(scanner.capture)
     closing = Waiting(scanner.close)
     # Who waits for a turn hears of it at once, who waits for a frame with the frame.
     assert isinstance(queued.end(1), errors.ClosedError)
-    assert loop.runs and closing.runs
+    assert wait.runs and closing.runs
     sim.hold_sequences(False)
-    assert isinstance(loop.end(), errors.ClosedError)
+    assert isinstance(wait.end(), errors.ClosedError)
     assert closing.end() is None and sim.state().open == 0
 
 
@@ -151,13 +154,22 @@ def test_threads_that_poll_while_the_scanner_is_closed_end_without_a_crash():
         assert [type(thread.end()) for thread in threads] == [errors.ClosedError] * len(threads)
 
 
-def test_a_thread_that_polls_lets_others_have_their_turn(scanner):
-    poll = Waiting(lambda: [scanner.preview_frame() for _ in scanner.preview()])
-    for _ in range(3):
-        assert Waiting(lambda: setattr(scanner, "mode", vt40.Mode.PREVIEW)).end(5) is None
-        assert Waiting(scanner.capture).end(5) is None
-    scanner.close()
-    poll.end()
+def test_turns_go_in_order_of_arrival_so_that_nobody_who_polls_keeps_others_out(scanner):
+    order = []
+    deadline = time.monotonic() + 10
+
+    def take(name):
+        with scanner._gate.turn():
+            order.append(name)
+
+    with scanner._gate.turn():
+        threads = []
+        for name in range(4):
+            threads.append(Waiting(lambda name=name: take(name)))
+            while len(scanner._gate._turns) < name + 2 and time.monotonic() < deadline:
+                threading.Event().wait(0.001)
+            assert len(scanner._gate._turns) == name + 2 and order == []
+    assert [thread.end() for thread in threads] == [None] * 4 and order == [0, 1, 2, 3]
 
 
 def test_waiting_lets_other_threads_run(scanner):
@@ -194,6 +206,7 @@ def test_a_closing_that_the_scan_library_refuses_is_reported_and_ends_the_handle
     sim.fail_call("VTScanAPIDestroyHandle", -101)
     with pytest.raises(errors.InternalError, match="VT40-AB0001"):
         scanner.close()
+    assert scanner._handle.value is None
     with vt40.Scanner() as again:
         assert again.serial == "VT40-AB0001"
 
