@@ -19,6 +19,7 @@ _lock = threading.RLock()
 _process = 0
 _started = False
 _simulated = False
+_control_side = ""
 _open_scanners: weakref.WeakSet[Scanner] = weakref.WeakSet()
 
 
@@ -131,10 +132,8 @@ def _find_out_whether_simulated() -> bool:
     """The simulated scan library has a function to load scenes; a recorder and a player know what they stand for."""
     if is_simulation_asked_for():
         return True
-    # The control side may be loaded without being in use.
-    unused = simulator_folder()
     for path in loaded_files(SCAN_LIBRARY_NAME):
-        if os.path.dirname(path) != unused:
+        if path != _control_side:
             loaded = ctypes.CDLL(path, mode=os.RTLD_NOW | os.RTLD_NOLOAD)
             for name in ("VTRecIsSimulated", "VTPlayIsSimulated"):
                 if hasattr(loaded, name):
@@ -142,6 +141,12 @@ def _find_out_whether_simulated() -> bool:
             if hasattr(loaded, "VTSimLoadScene"):
                 return True
     return False
+
+
+def note_control_side(path: str) -> None:
+    """Remembers the library that was loaded for its control side, and may not be the one in use."""
+    global _control_side
+    _control_side = path
 
 
 def is_simulated() -> bool:

@@ -246,11 +246,11 @@ def test_shutting_down_closes_all_and_the_next_call_starts_afresh(scanner):
     assert vt40.scanners() == ["VT40-AB0001"]
 
 
-def in_a_fresh_interpreter(program, **environment):
+def in_a_fresh_interpreter(program, folder="/", **environment):
     plain = {k: v for k, v in os.environ.items() if not k.startswith("KELVARIN_SDK") and not k.startswith("KELVARIN_VTSIM")}
     return subprocess.run(
         [sys.executable, "-c", "import kelvarin_vt40 as vt40\n" + program],
-        env=dict(plain, **environment), cwd="/", stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=60,
+        env=dict(plain, **environment), cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=60,
     )  # fmt: skip
 
 
@@ -267,6 +267,26 @@ def in_a_fresh_interpreter(program, **environment):
 def test_what_is_missing_is_named(program, environment, words):
     done = in_a_fresh_interpreter(program, **environment)
     assert done.returncode == 1 and re.search(words, done.stdout), done.stdout
+
+
+def test_a_simulated_scan_library_is_known_as_one_however_it_was_found(simulated):
+    program = (
+        "with vt40.Scanner() as scanner:\n"
+        "    print('simulated', scanner.simulated)\n"
+        "assert not vt40.library.is_simulation_asked_for()\n"
+        "vt40.simulator.use('finger')\n"
+        "with vt40.Scanner() as scanner:\n"
+        "    print('state', vt40.simulator.state().open)\n"
+    )
+    done = in_a_fresh_interpreter(program, folder=vt40.library.simulator_folder())
+    assert "simulated True" in done.stdout and "state 1" in done.stdout, done.stdout
+
+
+def test_the_simulator_does_not_take_the_place_of_an_open_scanner(scanner, monkeypatch):
+    monkeypatch.setattr(vt40.library, "_simulated", False)
+    with pytest.raises(errors.InvalidStateError, match="real scanner is open"):
+        sim.use("finger")
+    assert scanner.capture().size == (1600, 1600)
 
 
 def test_an_interpreter_that_ends_with_an_open_scanner_and_a_waiting_thread_ends_well():

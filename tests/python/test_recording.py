@@ -83,6 +83,13 @@ def test_a_recording_gives_its_calls_and_frames(tmp_path):
     assert (calls[0].result, calls[0].begin, calls[0].end) == (-60, 0.005, 0.006) and calls[0].got(1) == -7
     assert len(frames) == 3 and all(np.array_equal(planes, PLANES) for planes in frames)
     assert calls[4].has_lost_data and calls[4].fields[0].value.was_dropped
+    with recording.open(tmp_path / "a.vtrec") as again:
+        names = [call.fields[0].value for call in again.calls() if call.number == 35]
+        assert again.data(names[1]) == PLANES.tobytes()
+        with pytest.raises(recording.RecordingError, match="dropped"):
+            again.data(names[3])
+        with pytest.raises(recording.RecordingError, match="no data block 0"):
+            again.data(recording.Data(0, 1))
     assert record.losses == [recording.Loss(0, 1, 48)] and record.is_complete and record.damage is None
 
 

@@ -199,6 +199,7 @@ def _functions() -> ctypes.CDLL:
                     f"The simulated scanner cannot be used: {failure}.", hint="Install kelvarin-vt40-simulator."
                 ) from failure
             _control = loaded
+            library.note_control_side(path)
         return _control
 
 
