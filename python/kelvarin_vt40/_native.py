@@ -22,7 +22,6 @@ FUNCTIONS: Dict[str, Sequence[object]] = {
     "LS_VT40Initialize": (c_char_p,),
     "LS_VT40Uninitialize": (),
     "LS_VT40GetVersionA": (c_char_p, POINTER(c_uint)),
-    "LS_VT40CompatibilityCheck": (c_char_p,),
     "LS_VT40QueryScanners": (c_char_p, POINTER(c_uint)),
     "LS_VT40OpenScanner": (c_char_p, POINTER(c_void_p)),
     "LS_VT40CloseScanner": (POINTER(c_void_p),),

@@ -65,17 +65,27 @@ def shutdown() -> None:
     Raises
     ------
     BusyError
-        Calls of other threads have not returned for 20 seconds.
+        Calls of other threads have not returned for 20 seconds; the library runs on.
+    Error
+        The scan library refused to close a device. All is closed and stopped all the same.
     """
     global _started
     with _lock:
         if not _started or _process != os.getpid():
             return
+        refusal = None
         for scanner in list(_open_scanners):
-            scanner.close()
+            try:
+                scanner.close()
+            except errors.BusyError:
+                raise
+            except errors.Error as failure:
+                refusal = refusal or failure
         _open_scanners.clear()
         _started = False
         native().call("LS_VT40Uninitialize")
+        if refusal is not None:
+            raise refusal
 
 
 atexit.register(shutdown)

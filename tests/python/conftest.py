@@ -38,7 +38,7 @@ class Waiting:
         except BaseException as failure:  # whatever ends the thread is what the test looks at
             self.failure = failure
 
-    def end(self, seconds=15):
+    def end(self, seconds=30):
         self._thread.join(seconds)
         assert not self._thread.is_alive(), "the call did not return"
         return self.failure
