@@ -40,7 +40,7 @@ _MOST_SURPLUS = 65536
 _DROPPED = 4294967295
 
 _FACTS, _DATA, _CALL_KIND, _LOSS, _END = range(1, 6)
-_PLAIN, _ZSTD, _DIFFERENCES = range(3)
+_PLAIN, _ZSTD = range(2)
 _WIDTH, _HEIGHT, _PLANES, _SENSOR_MODE = range(240, 244)
 
 
@@ -342,10 +342,9 @@ class Recording:
         stored = self._stored(block)
         if block.coding == _PLAIN:
             return stored
-        if block.coding not in (_ZSTD, _DIFFERENCES):
+        if block.coding != _ZSTD:
             raise _Damage(f"coding {block.coding} is unknown")
-        content = _unpack(stored, block.size)
-        return content if block.coding == _ZSTD else _add_up(content)
+        return _unpack(stored, block.size)
 
     def _note(self, block: _Block, content: bytes) -> None:
         if block.kind == _FACTS:
@@ -373,21 +372,12 @@ def _unpack(stored: bytes, size: int) -> bytes:
         ) from None
     try:
         # The size that the stream claims decides what is allocated.
-        if zstandard.frame_content_size(stored) not in (size, -1):
+        if zstandard.frame_content_size(stored) != size:
             raise _Damage("a block claims another size than its head")
-        content: bytes = zstandard.ZstdDecompressor().decompress(stored, max_output_size=size)
+        content: bytes = zstandard.ZstdDecompressor().decompress(stored)
     except zstandard.ZstdError as failure:
         raise _Damage(str(failure)) from None
-    if len(content) != size:
-        raise _Damage(f"a block has {len(content)} bytes for {size}")
     return content
-
-
-def _add_up(content: bytes) -> bytes:
-    samples = np.frombuffer(content, np.uint8).copy()
-    for first in (0, 1):
-        samples[first::2] = np.cumsum(samples[first::2], dtype=np.uint8)
-    return samples.tobytes()
 
 
 _VALUES: Dict[int, Callable[[bytes], Value]] = {
