@@ -62,7 +62,8 @@ async function capture(scanner) {
   console.log('lay the fingers down and hold still');
   while (!(await fetchImage(getPreviewImage, scanner, preview)));
   if (!(await fetchImage(getImage, scanner, picture))) throw new Error('the fingers were lifted too early');
-  writeFileSync('fingers.pgm', Buffer.concat([Buffer.from(`P5\n${picture.width} ${picture.height}\n255\n`), picture.pixels]));
+  const head = Buffer.from(`P5\n${picture.width} ${picture.height}\n255\n`);
+  writeFileSync('fingers.pgm', Buffer.concat([head, picture.pixels]));
   console.log(`fingers.pgm, ${picture.width} x ${picture.height} pixels`);
 }
 

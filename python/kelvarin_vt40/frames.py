@@ -121,8 +121,8 @@ class Frame:
     simulated: bool
     time: float
 
-    def __array__(self, dtype: Optional[npt.DTypeLike] = None) -> npt.NDArray[Any]:
-        return self.pixels if dtype is None else self.pixels.astype(dtype)
+    def __array__(self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None) -> npt.NDArray[Any]:
+        return self.pixels.astype(self.pixels.dtype if dtype is None else dtype, copy=bool(copy))
 
     @property
     def size(self) -> Size:

@@ -107,8 +107,11 @@ class Scanner:
         self._handle = c_void_p()
         if not (self._serial.isascii() and self._serial.isprintable()):
             raise errors.DisconnectedError(f"There is no scanner {serial!r}: serial numbers are printable ASCII.")
+        # A reference of its own: the library runs until this scanner is closed, whoever shuts it down meanwhile.
+        self._library.call("LS_VT40Initialize", None)
         number = self._library.try_call("LS_VT40OpenScanner", self._serial.encode("ascii"), byref(self._handle))
         if number != 0:
+            self._library.try_call("LS_VT40Uninitialize")
             raise errors.error_for(number, f"{self._serial}: {self._library.describe(number)}")
         self._mode = Mode.OFF
         self._has_taken = False
@@ -130,6 +133,7 @@ class Scanner:
         if number != 0 and self._handle.value:
             # The scan library refused, and the handle is without a device now; a second call ends it.
             self._library.try_call("LS_VT40CloseScanner", byref(self._handle))
+        self._library.try_call("LS_VT40Uninitialize")
         if number != 0:
             raise errors.error_for(number, f"{self._serial}: {self._library.describe(number)}")
 

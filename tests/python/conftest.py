@@ -43,6 +43,10 @@ class Waiting:
         assert not self._thread.is_alive(), "the call did not return"
         return self.failure
 
+    def ends_within(self, seconds):
+        self._thread.join(seconds)
+        return not self.runs
+
     @property
     def runs(self):
         return self._thread.is_alive()

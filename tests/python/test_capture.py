@@ -64,7 +64,7 @@ def test_previews_follow_each_other_and_each_owns_its_pixels(scanner):
     assert first.pixels.shape == (800, 800) and first.pixels.dtype == np.uint8 and first.dpi == 250
     assert first.state is vt40.State.FINGER and first.verdict is None
     assert not np.shares_memory(first.pixels, second.pixels)
-    assert np.asarray(first) is first.pixels
+    assert np.asarray(first) is first.pixels and np.asarray(first, np.float32).dtype == np.float32
     view, copy = first.pixels[200:600, 200:600], first.pixels[200:600, 200:600].copy()
     del first, second
     scanner.close()

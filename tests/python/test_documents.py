@@ -60,7 +60,8 @@ def run_example(name, *arguments, scene, folder):
 
 def test_the_capture_program_writes_what_it_captured(tmp_path):
     done = run_example("capture.py", "--live", scene="settling-slap", folder=tmp_path)
-    assert done.returncode == 0 and re.search(r"fingers\.(png|npy): 1600 x 1600, 500 dpi, liveness \d+, simulated", done.stdout)
+    assert done.returncode == 0
+    assert re.search(r"fingers\.(png|npy): 1600 x 1600, 500 dpi, liveness \d+, simulated", done.stdout)
     assert list(tmp_path.glob("fingers.*"))
 
 

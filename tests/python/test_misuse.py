@@ -16,6 +16,7 @@ import pytest
 from conftest import Waiting
 from kelvarin_vt40 import errors
 from kelvarin_vt40 import simulator as sim
+from kelvarin_vt40._native import native
 
 READ_ONLY = np.empty((1600, 1600), np.uint8)
 READ_ONLY.flags.writeable = False
@@ -109,21 +110,20 @@ def test_every_exception_has_the_number_of_its_class_and_of_the_header():
     assert type(errors.error_for(-12345, "text")) is errors.Error and "-12345" in str(errors.error_for(-12345, "text"))
 
 
-def waiting(scanner, call):
-    """A call that waits for a frame, since the scanner holds them back."""
-    thread = Waiting(call)
-    deadline = time.monotonic() + 10
-    while not scanner._gate._inside and time.monotonic() < deadline:
-        threading.Event().wait(0.001)
-    assert scanner._gate._inside
-    return thread
+def waiting(call):
+    """A call that waits for a frame, since the scanner holds them back; frames that were under way are taken first."""
+    sim.hold_sequences()
+    for _ in range(20):
+        thread = Waiting(call)
+        if not thread.ends_within(0.3):
+            return thread
+        assert thread.failure is None
+    pytest.fail("frames come although they are held back")
 
 
 def test_closing_ends_a_wait_of_another_thread_when_its_frame_comes(scanner):
     scanner.mode = vt40.Mode.PREVIEW
-    scanner.preview_frame()
-    sim.hold_sequences()
-    wait = waiting(scanner, scanner.preview_frame)
+    wait = waiting(scanner.preview_frame)
     queued = Waiting(scanner.capture)
     closing = Waiting(scanner.close)
     # Who waits for a turn hears of it at once, who waits for a frame with the frame.
@@ -136,9 +136,8 @@ def test_closing_ends_a_wait_of_another_thread_when_its_frame_comes(scanner):
 
 def test_closing_ends_a_wait_to_which_no_frame_comes_at_the_stated_time(scanner):
     scanner.mode = vt40.Mode.ROLL
-    sim.hold_sequences()
     begin = time.monotonic()
-    wait = waiting(scanner, scanner.roll_frame)
+    wait = waiting(scanner.roll_frame)
     assert Waiting(scanner.close).end(10) is None
     assert isinstance(wait.end(5), errors.ClosedError) and time.monotonic() - begin < 10
 
@@ -174,9 +173,7 @@ def test_turns_go_in_order_of_arrival_so_that_nobody_who_polls_keeps_others_out(
 
 def test_waiting_lets_other_threads_run(scanner):
     scanner.mode = vt40.Mode.PREVIEW
-    scanner.preview_frame()
-    sim.hold_sequences()
-    wait = waiting(scanner, scanner.preview_frame)
+    wait = waiting(scanner.preview_frame)
     begin = time.monotonic()
     assert scanner.condition == 0 and scanner.preview_size == (800, 800) and time.monotonic() - begin < 5
     assert wait.runs
@@ -241,11 +238,23 @@ def test_a_forgotten_scanner_is_closed_with_a_warning(simulated):
 
 
 def test_shutting_down_closes_all_and_the_next_call_starts_afresh(scanner):
+    with pytest.raises(errors.DeviceOpenFailError):
+        vt40.Scanner()
     sim.fail_call("VTScanAPIDestroyHandle", -101)
     with pytest.raises(errors.InternalError):
         vt40.shutdown()
     assert scanner.closed and sim.state().open == 0
+    assert native().try_call("LS_VT40Uninitialize") == errors.NotInitializedError.number
     assert vt40.scanners() == ["VT40-AB0001"]
+
+
+def test_a_scanner_that_is_opened_while_the_library_is_shut_down_meanwhile_can_be_closed(simulated, monkeypatch):
+    monkeypatch.setattr(vt40.library, "register", lambda _: None)
+    scanner = vt40.Scanner()
+    vt40.shutdown()
+    assert scanner.capture().size == (1600, 1600)
+    scanner.close()
+    assert sim.state().open == 0
 
 
 def in_a_fresh_interpreter(program, folder="/", **environment):

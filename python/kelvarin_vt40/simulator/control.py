@@ -158,7 +158,8 @@ def use(scene: Optional[SceneLike] = None) -> None:
     Parameters
     ----------
     scene : Scene, str or path, optional
-        As for `load_scene`. Without one the environment variable KELVARIN_VTSIM_SCENE says what lies there, or nothing does.
+        As for `load_scene`. Without one the environment variable KELVARIN_VTSIM_SCENE says what lies there; without
+        that, nothing does.
 
     Raises
     ------
