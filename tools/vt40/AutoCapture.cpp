@@ -3,71 +3,21 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdint>
 #include <cstdlib>
 
 #include "KelvarinLiveScannerVT40.h"
-#include "MXLiveScannerAPI/CaptureLimits.h"
 #include "Numbers.h"
+#include "Observers.h"
 #include "Progress.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What one preview shows.
-struct StObservation {
-  const char* szState;
-  const char* szReason;  ///< why there is no capture; empty when there is one
-  int nFingerPixels = 0;
-  uint64_t nMotion = 0;
-};
-
-/// Compares each preview with the one before it.
-class ClObserver {
- public:
-  StObservation Observe(const ClPicture& oPreview, const StDelivery& oDelivery, bool bTaken) {
-    StObservation oSeen{"hold still", "the fingers have just come to rest"};
-    // Outside the fingers the preview is white.
-    oSeen.nFingerPixels = static_cast<int>(std::count_if(oPreview.aPixels.begin(), oPreview.aPixels.end(),
-                                                         [](unsigned char n) { return n < 255; }));
-    for (size_t n = 0; n < m_aPrevious.size(); ++n) {
-      const int nDifference = oPreview.aPixels[n] - m_aPrevious[n];
-      oSeen.nMotion += static_cast<uint64_t>(nDifference * nDifference);
-    }
-    m_aPrevious = oPreview.aPixels;
-    Judge(oSeen, oDelivery.bDone, bTaken);
-    m_nPreviousPixels = oSeen.nFingerPixels;
-    return oSeen;
-  }
-
- private:
-  void Judge(StObservation& oSeen, bool bDone, bool bTaken) const {
-    // The limits are the scanner's own, so that the reported reason is the one why it waits.
-    using namespace CaptureLimits;
-    if (bDone) {
-      oSeen.szState = bTaken ? "lift" : "done";
-      oSeen.szReason = bTaken ? "these fingers are captured; lift them" : "";
-    } else if (oSeen.nFingerPixels <= cnNoFingerPixels) {
-      oSeen.szState = "no finger";
-      oSeen.szReason = "nothing lies on the platen";
-    } else if (oSeen.nMotion > cnStillMotion) {
-      oSeen.szState = "finger";
-      oSeen.szReason = "the fingers move";
-    } else if (!IsSteady(m_nPreviousPixels, oSeen.nFingerPixels)) {
-      oSeen.szState = "finger";
-      oSeen.szReason = "the area of the fingers changes";
-    }
-  }
-
-  std::vector<unsigned char> m_aPrevious;
-  int m_nPreviousPixels = 0;
-};
-
 /// What matters most comes first: a narrow terminal shows the beginning.
-std::string ProgressLine(const StObservation& oSeen, unsigned int nFrame, unsigned int nCondition) {
+std::string ProgressLine(const StFingers& oSeen, unsigned int nFrame, unsigned int nCondition) {
   return std::string(oSeen.szState) + (oSeen.szReason[0] != '\0' ? ": " : "") + oSeen.szReason + " (frame " +
-         std::to_string(nFrame) + ", finger pixels " + std::to_string(oSeen.nFingerPixels) + ", dirt " +
+         std::to_string(nFrame) + ", finger pixels " + std::to_string(oSeen.nPixels) + ", dirt " +
          std::to_string(nCondition) + ")";
 }
 
@@ -92,16 +42,11 @@ class ClAutoRun {
 
   void Step() {
     const StDelivery oSeenAs = m_oScanner.GetPreview(m_oPreview);
-    const StObservation oSeen = m_oObserver.Observe(m_oPreview, oSeenAs, m_bTaken);
+    const StFingers oSeen = m_oObserver.Observe(m_oPreview, oSeenAs.bDone, m_bTaken);
     const unsigned int nCondition = m_oScanner.Condition();
     ++m_nFrame;
     m_oProgress.Show(ProgressLine(oSeen, m_nFrame, nCondition));
-    m_oReport.Event("frames", "frame",
-                    {{"frame", m_nFrame},
-                     {"state", oSeen.szState},
-                     {"fingerPixels", oSeen.nFingerPixels},
-                     {"motion", oSeen.nMotion},
-                     {"reason", oSeen.szReason}});
+    m_oReport.Event("frames", "frame", FactsOf(oSeen, m_nFrame));
     // The scanner goes on reporting "done" until the fingers are lifted.
     if (oSeenAs.bDone && !m_bTaken) Fetch(nCondition);
     m_bTaken = oSeenAs.bDone;
@@ -139,7 +84,7 @@ class ClAutoRun {
   ClCaptureResult& m_oResult;
   ClReport& m_oReport;
   ClProgress m_oProgress;
-  ClObserver m_oObserver;
+  ClFingerObserver m_oObserver;
   ClPicture m_oPreview;
   ClPicture m_oPicture;
   bool m_bTaken = false;

@@ -149,6 +149,26 @@ void AddSign(CLI::App& oApp, StCommandLine& oLine) {
   AddTimeout(*pSign, oSign.oCapture, "Seconds to wait for the end of the signature");
 }
 
+void AddServe(CLI::App& oApp, StCommandLine& oLine) {
+  StServeOptions& oServe = oLine.oServe;
+  CLI::App* pServe =
+      AddCommand(oApp, oLine, "serve", "Open the scanner to a browser and to web applications of this machine",
+                 [&oLine](ClReport& oReport) { RunServe(oLine.oCommon, oLine.oServe, oReport); });
+  pServe->add_option("--port", oServe.nPort, "Port to listen on; 0 takes a free one")
+      ->check(CLI::Range(0, 65535))
+      ->capture_default_str();
+  pServe->add_option("--host", oServe.sHost, "Address to listen on; one that others reach takes a token")
+      ->capture_default_str();
+  pServe->add_option("--token", oServe.sToken, "Secret without which no call is answered");
+  pServe->add_flag("--open", oServe.bOpen, "Start the browser");
+  pServe->add_option("--out", oServe.sFolder, "Folder for captured pictures; without it none are written");
+  pServe
+      ->add_option("--claim-seconds", oServe.dClaimLife,
+                   "Seconds after which the claim of a client that is gone ends")
+      ->check(CLI::Range(0.1, 3600.0))
+      ->capture_default_str();
+}
+
 void AddProperty(CLI::App& oApp, StCommandLine& oLine) {
   CLI::App* pProperty = oApp.add_subcommand("property", "Read or set a property");
   pProperty->require_subcommand(1);
@@ -208,6 +228,7 @@ void DescribeCommands(CLI::App& oApp, StCommandLine& oLine) {
   AddRoll(oApp, oLine);
   AddCalibrate(oApp, oLine);
   AddSign(oApp, oLine);
+  AddServe(oApp, oLine);
   AddProperty(oApp, oLine);
   AddSignals(oApp, oLine);
   AddCompletion(oApp, oLine);

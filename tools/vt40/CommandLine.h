@@ -15,6 +15,7 @@ struct StCommandLine {
   StRollOptions oRoll;
   StCalibrateOptions oCalibrate;
   StSignOptions oSign;
+  StServeOptions oServe;
   std::string sPropertyName;
   std::string sPropertyValue;
   unsigned int nLedIndex = 0;

@@ -50,6 +50,15 @@ struct StSignOptions {
   StSignOptions() { oCapture.sMode = "signature"; }
 };
 
+struct StServeOptions {
+  std::string sHost = "127.0.0.1";
+  unsigned int nPort = 8040;  ///< 0: a free one
+  std::string sToken;         ///< empty: none, or one is made where others reach the address
+  std::string sFolder;        ///< for pictures; empty: none are written
+  bool bOpen = false;         ///< start the browser
+  double dClaimLife = 10.0;   ///< seconds after which the claim of a client that is gone ends
+};
+
 void RunList(const StCommonOptions& oCommon, ClReport& oReport);
 void RunInfo(const StCommonOptions& oCommon, ClReport& oReport);
 void RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions, ClReport& oReport);
@@ -63,3 +72,5 @@ void RunLed(const StCommonOptions& oCommon, unsigned int nIndex, unsigned int nS
 void RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nArg2, ClReport& oReport);
 /// One text is divided into lines of sixteen characters; two texts are a line each.
 void RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts, ClReport& oReport);
+/// Opens the scanner to browsers and programs until a signal comes.
+void RunServe(const StCommonOptions& oCommon, const StServeOptions& oOptions, ClReport& oReport);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 #include "KelvarinLiveScannerVT40.h"
 
@@ -89,4 +90,12 @@ const char* NameOfExit(EExitCode eCode) {
 
 const char* AdviceFor(EExitCode eCode) {
   return ExitOf(eCode).szAdvice;
+}
+
+nlohmann::ordered_json ErrorOf(EExitCode eCode, const std::string& sText, long nNumber) {
+  const char* szName = nNumber != 0 ? NameOfNumber(nNumber) : nullptr;
+  return {{"number", nNumber != 0 ? nlohmann::ordered_json(nNumber) : nlohmann::ordered_json()},
+          {"name", szName != nullptr ? szName : NameOfExit(eCode)},
+          {"text", sText},
+          {"advice", AdviceFor(eCode)}};
 }

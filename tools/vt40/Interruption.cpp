@@ -3,8 +3,6 @@
 
 #include <csignal>
 
-#include "ToolError.h"
-
 namespace {
 
 volatile std::sig_atomic_t s_nSignal = 0;
@@ -24,6 +22,10 @@ void Interruption::Catch() {
 
 bool Interruption::Pending() {
   return s_nSignal != 0;
+}
+
+EExitCode Interruption::ExitCode() {
+  return s_nSignal == SIGTERM ? eExitTerminated : eExitInterrupted;
 }
 
 void Interruption::Check() {

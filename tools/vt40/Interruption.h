@@ -1,6 +1,8 @@
 // Signals that end the tool: SIGINT and SIGTERM.
 #pragma once
 
+#include "ToolError.h"
+
 /// Looks at the signals of this process.
 namespace Interruption {
 
@@ -10,6 +12,9 @@ void Catch();
 
 /// Whether a signal has come.
 bool Pending();
+
+/// The exit code of the signal that has come.
+EExitCode ExitCode();
 
 /// Errors  ClToolError eExitInterrupted or eExitTerminated when a signal has come.
 void Check();

@@ -25,6 +25,8 @@ struct StPictureFacts {
   bool bSimulated = false;
 };
 
+/// The bytes of a PNG file with the resolution and the facts as text chunks. Errors: ClToolError eExitFile.
+std::vector<unsigned char> EncodePng(const ClPicture& oPicture, const StPictureFacts& oFacts);
 /// The Write functions write the picture with its resolution. Errors: ClToolError eExitFile.
 void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictureFacts& oFacts);
 /// The grey values of a PNG file; colours become grey. Errors: ClToolError eExitFile.

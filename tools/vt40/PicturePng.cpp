@@ -67,7 +67,7 @@ void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
 
 }  // namespace
 
-void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictureFacts& oFacts) {
+std::vector<unsigned char> EncodePng(const ClPicture& oPicture, const StPictureFacts& oFacts) {
   std::vector<unsigned char> aBytes;
   ClPngWriter oWriter;
   png_set_write_fn(oWriter.pPng, &aBytes, Collect, nullptr);
@@ -78,7 +78,11 @@ void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictu
   png_write_info(oWriter.pPng, oWriter.pInfo);
   for (unsigned int y = 0; y < oPicture.nHeight; ++y) png_write_row(oWriter.pPng, oPicture.Row(y));
   png_write_end(oWriter.pPng, oWriter.pInfo);
-  WriteFile(aBytes, sFile);
+  return aBytes;
+}
+
+void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictureFacts& oFacts) {
+  WriteFile(EncodePng(oPicture, oFacts), sFile);
 }
 
 ClPicture ReadPng(const std::string& sFile) {

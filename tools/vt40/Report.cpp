@@ -11,15 +11,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-/// The version of the scan library in a scanner's text of versions: the word after its mark.
-std::string VersionIn(const std::string& sVersions) {
-  const std::string sMark = "LIB:";
-  const size_t nMark = sVersions.find(sMark);
-  if (nMark == std::string::npos) return "";
-  const size_t nBegin = nMark + sMark.size();
-  return sVersions.substr(nBegin, sVersions.find(' ', nBegin) - nBegin);
-}
-
 }  // namespace
 
 void ClReport::Use(const ClLibrary& oLibrary, const std::string& sScanLibraryVersion) {
@@ -34,7 +25,7 @@ void ClReport::Use(const ClLibrary& oLibrary, const std::string& sScanLibraryVer
 }
 
 void ClReport::Use(const ClLibrary& oLibrary, const ClScanner& oScanner) {
-  Use(oLibrary, VersionIn(oScanner.Versions()));
+  Use(oLibrary, ScanLibraryVersionIn(oScanner.Versions()));
   m_oFacts["serial"] = oScanner.Serial();
 }
 
@@ -62,11 +53,7 @@ void ClReport::SetVerdict(EExitCode eExit, const std::string& sReason, long nNum
 EExitCode ClReport::Finish() {
   if (m_oOutput.Form() == ClOutput::eJsonLines) m_oFacts["event"] = "result";
   if (m_eExit != eExitOk) {
-    const char* szName = m_nNumber != 0 ? NameOfNumber(m_nNumber) : nullptr;
-    m_oFacts["error"] = {{"number", m_nNumber != 0 ? ordered_json(m_nNumber) : ordered_json()},
-                         {"name", szName != nullptr ? szName : NameOfExit(m_eExit)},
-                         {"text", m_sReason},
-                         {"advice", AdviceFor(m_eExit)}};
+    m_oFacts["error"] = ErrorOf(m_eExit, m_sReason, m_nNumber);
   }
   m_oFacts["exitCode"] = static_cast<int>(m_eExit);
   m_oOutput.Document(m_oFacts);

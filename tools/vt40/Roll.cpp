@@ -1,5 +1,4 @@
 // The roll command.
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -7,42 +6,15 @@
 
 #include "CaptureResult.h"
 #include "Commands.h"
-#include "ErrorNames.h"
 #include "KelvarinLiveScannerVT40.h"
 #include "Numbers.h"
+#include "Observers.h"
 #include "Progress.h"
 #include "Scene.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-/// The part of a picture that has ridges, by columns.
-struct StStrip {
-  unsigned int nFirst = 0;
-  unsigned int nEnd = 0;  ///< after the last; nFirst when there is none
-};
-
-StStrip StripOf(const ClPicture& oPicture) {
-  constexpr unsigned int cnDark = 128;
-  constexpr unsigned int cnMinDarkPixels = 10;
-  std::vector<unsigned int> aDark(oPicture.nWidth);
-  for (unsigned int y = 0; y < oPicture.nHeight; ++y) {
-    const unsigned char* pRow = oPicture.Row(y);
-    for (unsigned int x = 0; x < oPicture.nWidth; ++x) aDark[x] += pRow[x] < cnDark;
-  }
-  StStrip oStrip;
-  for (unsigned int x = 0; x < oPicture.nWidth; ++x) {
-    if (aDark[x] < cnMinDarkPixels) continue;
-    if (oStrip.nEnd == 0) oStrip.nFirst = x;
-    oStrip.nEnd = x + 1;
-  }
-  return oStrip;
-}
-
-double Millimetres(const StStrip& oStrip, const ClPicture& oPicture) {
-  return oPicture.nPelsX == 0 ? 0.0 : 1000.0 * (oStrip.nEnd - oStrip.nFirst) / oPicture.nPelsX;
-}
 
 /// One roll: waits for the finger and shows the strip that grows under it.
 class ClRollRun {
@@ -86,7 +58,7 @@ class ClRollRun {
     m_bFinger = m_bFinger || oStrip.nEnd != 0;
     m_oProgress.Show(Bar(oStrip) + " " + OneDecimal(dWidth) + " mm, frame " + std::to_string(m_nFrame));
     m_oReport.Event("frames", "frame",
-                    {{"frame", m_nFrame}, {"left", oStrip.nFirst}, {"width", oStrip.nEnd - oStrip.nFirst}});
+                    {{"frame", m_nFrame}, {"left", oStrip.nFirst}, {"width", oStrip.Width()}});
     if (m_oOptions.sFramesFolder.empty()) return;
     char szName[32];
     std::snprintf(szName, sizeof(szName), "frame-%04u", m_nFrame);
@@ -107,12 +79,9 @@ class ClRollRun {
   void Finish(long nVerdict) {
     m_oResult.Add(m_oPicture, "roll");
     const double dWidth = Millimetres(StripOf(m_oPicture), m_oPicture);
-    const std::string sVerdict =
-        nVerdict == KLV_SUCCESS ? "The roll is clean." : LS_VT40GetErrorDescriptionA(nVerdict);
     m_oReport.Facts()["millimetres"] = std::round(10.0 * dWidth) / 10.0;
-    const char* szName = NameOfNumber(nVerdict);
-    m_oReport.Facts()["verdict"] = {
-        {"number", nVerdict}, {"name", szName != nullptr ? szName : "KLV_ERROR"}, {"text", sVerdict}};
+    m_oReport.Facts()["verdict"] = VerdictOf(nVerdict);
+    const std::string sVerdict = m_oReport.Facts()["verdict"]["text"];
     m_oReport.Line(sVerdict + " " + OneDecimal(dWidth) + " mm wide.");
     if (nVerdict != KLV_SUCCESS) {
       m_oReport.SetVerdict(eExitNegative, sVerdict + " (" + std::to_string(nVerdict) + ")", nVerdict);

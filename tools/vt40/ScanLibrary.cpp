@@ -108,6 +108,14 @@ std::string ScanLibraryVersion() {
   return szVersion;
 }
 
+std::string ScanLibraryVersionIn(const std::string& sVersions) {
+  const std::string sMark = "LIB:";
+  const size_t nMark = sVersions.find(sMark);
+  if (nMark == std::string::npos) return "";
+  const size_t nBegin = nMark + sMark.size();
+  return sVersions.substr(nBegin, sVersions.find(' ', nBegin) - nBegin);
+}
+
 void CheckScanLibraryIsTrusted() {
   // The simulated one stands with the library itself, which is loaded already.
   if (geteuid() != 0 || IsSimulationAskedFor()) return;

@@ -16,6 +16,9 @@ StScanLibrary LoadedScanLibrary();
 /// it reports it by open scanners alone.
 std::string ScanLibraryVersion();
 
+/// The version of the scan library in a scanner's text of versions: the word after its mark, or nothing.
+std::string ScanLibraryVersionIn(const std::string& sVersions);
+
 /// Refuses to run code of others with the rights of the system's administrator.
 ///
 /// Errors  ClToolError eExitScanLibrary when the process is the administrator's and the scan library that

@@ -159,6 +159,14 @@ ClPicture ClScanner::PreviewForm() const {
   return FormOf(m_hScanner, LS_VT40GetPreviewImageSize, LS_VT40GetPreviewImageDPI);
 }
 
+ClPicture ClScanner::RollForm() const {
+  return FormOf(m_hScanner, LS_VT40GetRollImageSize, LS_VT40GetRollImageDPI);
+}
+
+ClPicture ClScanner::SignatureForm() const {
+  return FormOf(m_hScanner, LS_VT40GetSignatureImageSize, LS_VT40GetImageDPI);
+}
+
 StDelivery ClScanner::Deliver(ImageFunction pfnImage, ClPicture oForm, ClPicture& oPicture,
                               const std::string& sWhat) {
   struct StCall {
@@ -195,13 +203,11 @@ StDelivery ClScanner::GetPreview(ClPicture& oPicture) {
 }
 
 StDelivery ClScanner::GetRoll(ClPicture& oPicture) {
-  return Deliver(LS_VT40GetRollImage, FormOf(m_hScanner, LS_VT40GetRollImageSize, LS_VT40GetRollImageDPI),
-                 oPicture, "roll");
+  return Deliver(LS_VT40GetRollImage, RollForm(), oPicture, "roll");
 }
 
 StDelivery ClScanner::GetSignature(ClPicture& oPicture) {
-  return Deliver(LS_VT40GetImage, FormOf(m_hScanner, LS_VT40GetSignatureImageSize, LS_VT40GetImageDPI),
-                 oPicture, "signature");
+  return Deliver(LS_VT40GetImage, SignatureForm(), oPicture, "signature");
 }
 
 StDelivery ClScanner::GetSignaturePreview(ClPicture& oPicture) {

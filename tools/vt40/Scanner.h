@@ -74,9 +74,15 @@ class ClScanner {
   std::string GetProperty(const std::string& sName) const;
   void SetProperty(const std::string& sName, const std::string& sValue);
 
-  /// Size and resolution of the full image and of the preview, without pixels.
+  /// Size and resolution of the pictures that the image calls give, without pixels.
   ClPicture ImageForm() const;
   ClPicture PreviewForm() const;
+  ClPicture RollForm() const;
+  ClPicture SignatureForm() const;
+
+  /// Whether an image call was given up and has not returned; the scanner is not closed then when the object
+  /// ends.
+  bool IsStuck() const { return m_pWaiting->IsStuck(); }
 
  private:
   using ImageFunction = long (*)(void*, void*, double*, unsigned char*, long*);

@@ -6,60 +6,13 @@
 #include "CaptureResult.h"
 #include "Commands.h"
 #include "KelvarinLiveScannerVT40.h"
+#include "Observers.h"
 #include "Progress.h"
 #include "Scene.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-constexpr unsigned int cnDark = 128;
-
-/// The part of a picture that has ink, half-open.
-struct StInk {
-  unsigned int nLeft = 0, nTop = 0, nRight = 0, nBottom = 0;
-  unsigned int nPixels = 0;
-};
-
-StInk InkOf(const ClPicture& oPicture) {
-  StInk oInk{oPicture.nWidth, oPicture.nHeight, 0, 0, 0};
-  for (unsigned int y = 0; y < oPicture.nHeight; ++y) {
-    for (unsigned int x = 0; x < oPicture.nWidth; ++x) {
-      if (oPicture.Row(y)[x] >= cnDark) continue;
-      ++oInk.nPixels;
-      oInk.nLeft = std::min(oInk.nLeft, x);
-      oInk.nRight = std::max(oInk.nRight, x + 1);
-      oInk.nTop = std::min(oInk.nTop, y);
-      oInk.nBottom = y + 1;
-    }
-  }
-  return oInk.nPixels != 0 ? oInk : StInk();
-}
-
-/// Finds the end of a signature: the pen rests. The library's own measure is the processor time of the
-/// process, which may stand still; this is the clock's.
-class ClPenRest {
- public:
-  /// Looks at the ink of one more preview; true when the pen has rested for so many seconds, and over enough
-  /// previews that a stall of this program is none.
-  bool HasCome(const StInk& oInk, double dSeconds) {
-    const auto tNow = Clock::now();
-    if (oInk.nPixels == 0 || oInk.nPixels != m_nPixels) {
-      m_nPixels = oInk.nPixels;
-      m_nUnchanged = 0;
-      m_tChange = tNow;
-      return false;
-    }
-    ++m_nUnchanged;
-    return m_nUnchanged >= cnFewestPreviews && tNow - m_tChange >= std::chrono::duration<double>(dSeconds);
-  }
-
- private:
-  static constexpr int cnFewestPreviews = 8;
-  unsigned int m_nPixels = 0;
-  int m_nUnchanged = 0;
-  Clock::time_point m_tChange;
-};
 
 /// One signature: shows the strokes as they are written, and takes the picture when the pen rests.
 class ClSignRun {
@@ -108,7 +61,7 @@ class ClSignRun {
         const unsigned char* pRow = m_oPreview.Row(y);
         const bool bInk =
             std::any_of(pRow + n * m_oPreview.nWidth / cnCells, pRow + (n + 1) * m_oPreview.nWidth / cnCells,
-                        [](unsigned int nGrey) { return nGrey < cnDark; });
+                        [](unsigned int nGrey) { return nGrey < cnInkLimit; });
         (y < nMiddle ? bUpper : bLower) |= bInk;
       }
       sLine[n] = bUpper && bLower ? '|' : bUpper ? '\'' : bLower ? '_' : ' ';
@@ -121,12 +74,7 @@ class ClSignRun {
     m_oResult.SetDelivery(m_oScanner.GetSignature(oPicture));
     m_oResult.Add(m_oPreview, "preview");
     m_oResult.Add(oPicture, "signature");
-    const StInk oInk = InkOf(oPicture);
-    m_oReport.Facts()["ink"] = {{"pixels", oInk.nPixels},
-                                {"left", oInk.nLeft},
-                                {"top", oInk.nTop},
-                                {"width", oInk.nRight - oInk.nLeft},
-                                {"height", oInk.nBottom - oInk.nTop}};
+    m_oReport.Facts()["ink"] = JsonOf(InkOf(oPicture));
   }
 
   ClScanner& m_oScanner;
