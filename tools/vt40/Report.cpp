@@ -35,7 +35,7 @@ void ClReport::Line(const std::string& sText) {
 
 void ClReport::Event(const char* szList, const char* szEvent, const ordered_json& oFact) {
   if (m_oOutput.Form() != ClOutput::eJsonLines) {
-    m_oFacts[szList].push_back(oFact);
+    if (szList != nullptr) m_oFacts[szList].push_back(oFact);
     return;
   }
   ordered_json oEvent = {{"event", szEvent}};

@@ -115,6 +115,8 @@ void ClApi::Handle(const StRequest& oRequest, const FnAnswer& fnAnswer) {
   std::string sAllow = pFile != nullptr ? "GET" : "";
   if (pFile != nullptr && oRequest.sMethod == "GET")
     return fnAnswer({200, pFile->szType, std::string(pFile->szBytes, pFile->nBytes), ""});
+  if (oRequest.sPath == ClService::cszEvents)
+    throw ClServiceError(426, "UPGRADE_REQUIRED", "events come by a WebSocket", "Open a WebSocket at this path.");
   const StRoute* pRoute = FindRoute(oRequest, oCall, sAllow);
   if (pRoute == nullptr) {
     if (sAllow.empty()) throw NotFound("\"" + oRequest.sPath + "\"");
@@ -147,11 +149,15 @@ void ClApi::GetStatus(const StCall&, const FnAnswer& fnAnswer) {
 }
 
 void ClApi::GetScanners(const StCall&, const FnAnswer& fnAnswer) {
-  const ClLibrary& oLibrary = m_oService.m_oLibrary;
   const ordered_json oStatus = m_oService.Status();
-  fnAnswer(AnswerOf({{"simulated", oStatus["simulated"]},
-                     {"scanLibrary", oStatus["scanLibrary"]},
-                     {"scanners", oLibrary.Serials()}}));
+  ordered_json oScanners = {{"simulated", oStatus["simulated"]}, {"scanLibrary", oStatus["scanLibrary"]}};
+  // The list may take the scan library its time, which the network does not have.
+  const auto List = [pLibrary = &m_oService.m_oLibrary, oScanners](ClStation&) {
+    ordered_json oAnswer = oScanners;
+    oAnswer["scanners"] = pLibrary->Serials();
+    return oAnswer;
+  };
+  m_oService.m_pStation->Ask(List, fnAnswer);
 }
 
 void ClApi::PutScanner(const StCall& oCall, const FnAnswer& fnAnswer) {

@@ -27,6 +27,8 @@ void OpenBrowser(const std::string& sUrl) {
   posix_spawn_file_actions_init(&oFiles);
   // What a browser prints is no output of the tool.
   posix_spawn_file_actions_addopen(&oFiles, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  // Nor is the port the browser's, once the tool has ended.
+  posix_spawn_file_actions_addclosefrom_np(&oFiles, STDERR_FILENO + 1);
   pid_t nChild = 0;
   const int nFailed = posix_spawnp(&nChild, sProgram.c_str(), &oFiles, nullptr, apArguments, environ);
   posix_spawn_file_actions_destroy(&oFiles);
@@ -73,7 +75,8 @@ void RunServe(const StCommonOptions& oCommon, const StServeOptions& oOptions, Cl
   const std::string sUrl =
       "http://" + Authority(oOptions.sHost, oServer.Port()) + "/" + (sToken.empty() ? "" : "#token=" + sToken);
   oReport.Line(sUrl);
-  oReport.Event("events", "listening", {{"url", sUrl}});
+  oReport.Facts()["url"] = sUrl;
+  oReport.Event(nullptr, "listening", {{"url", sUrl}});
   if (oOptions.bOpen) OpenBrowser(sUrl);
   // A thread that hangs in the scan library must not keep the program.
   if (!oServer.Run(oService)) std::_Exit(Interruption::ExitCode());

@@ -4,6 +4,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <cstdio>
 
 #include "Interruption.h"
 #include "Network.h"
@@ -22,24 +23,24 @@ constexpr std::chrono::milliseconds coFarewell(100);
 
 }  // namespace
 
-struct ClServer::StNetwork : std::enable_shared_from_this<ClServer::StNetwork> {
+struct ClServer::StNetwork {
+  // Counted by sessions, the last of which end with the context.
+  unsigned int nConnections = 0;
   asio::io_context oContext{1};
   tcp::acceptor oAcceptor{oContext};
   asio::steady_timer oTimer{oContext};
   ClService* pService = nullptr;
-  unsigned int nConnections = 0;
-  bool bEnding = false;
+  bool bAcceptLater = false;
 
   void Accept() {
     oAcceptor.async_accept([this](const error_code& oError, tcp::socket oSocket) {
       if (oError == asio::error::operation_aborted) return;
       if (!oError) Greet(std::move(oSocket));
       // Without a file descriptor for the next one it is tried again with the next tick.
-      if (oError != asio::error::no_descriptors) Accept();
-      else bAcceptLater = true;
+      bAcceptLater = oError == asio::error::no_descriptors;
+      if (!bAcceptLater) Accept();
     });
   }
-  bool bAcceptLater = false;
 
   void Greet(tcp::socket oSocket) {
     if (nConnections >= cnMostConnections) return;
@@ -70,7 +71,7 @@ struct ClServer::StNetwork : std::enable_shared_from_this<ClServer::StNetwork> {
   }
 };
 
-ClServer::ClServer(const std::string& sHost, unsigned short nPort) : m_pNetwork(std::make_shared<StNetwork>()) {
+ClServer::ClServer(const std::string& sHost, unsigned short nPort) : m_pNetwork(std::make_unique<StNetwork>()) {
   error_code oError;
   const auto oAddress = asio::ip::make_address(sHost == "localhost" ? "127.0.0.1" : sHost, oError);
   if (oError) throw ClToolError(eExitUsage, "--host " + sHost + " is no address of this machine");
@@ -97,7 +98,15 @@ bool ClServer::Run(ClService& oService) {
   m_pNetwork->pService = &oService;
   m_pNetwork->Accept();
   m_pNetwork->Tick();
-  m_pNetwork->oContext.run();
+  for (bool bEnded = false; !bEnded;) {
+    try {
+      m_pNetwork->oContext.run();
+      bEnded = true;
+    } catch (const std::exception& oFailure) {
+      // What one connection lacked, memory most likely, is no reason to leave the others.
+      std::fprintf(stderr, "vt40: %s\n", oFailure.what());
+    }
+  }
   return oService.End();
 }
 

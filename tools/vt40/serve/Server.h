@@ -1,7 +1,6 @@
 // The network side of the service: connections, and the loop that serves them.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 
@@ -29,7 +28,7 @@ class ClServer {
 
  private:
   struct StNetwork;
-  std::shared_ptr<StNetwork> m_pNetwork;
+  std::unique_ptr<StNetwork> m_pNetwork;
 };
 
 }  // namespace Serve

@@ -91,6 +91,9 @@ void ClService::Handle(const StRequest& oRequest, const FnAnswer& fnAnswer) {
 
 void ClService::CheckSocket(const StRequest& oRequest) const {
   m_oGate.CheckHost(oRequest);
+  if (oRequest.sPath != cszEvents)
+    throw ClServiceError(404, "NOT_FOUND", "there is no WebSocket at \"" + oRequest.sPath + "\"",
+                         "Open it at /api/events.");
   m_oGate.CheckSocketToken(oRequest);
   if (m_aClients.size() >= cnMostClients)
     throw ClServiceError(503, "TOO_MANY_CLIENTS",

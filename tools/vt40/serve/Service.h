@@ -40,6 +40,8 @@ class ClService {
  public:
   /// The most WebSockets at once.
   static constexpr size_t cnMostClients = 16;
+  /// The path of the WebSocket.
+  static constexpr const char* cszEvents = "/api/events";
 
   /// fnWake makes the network's thread call Drain; it is called on any thread.
   ClService(const ClLibrary& oLibrary, StServiceOptions oOptions, ClGate oGate, std::function<void()> fnWake);

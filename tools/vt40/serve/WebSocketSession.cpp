@@ -18,9 +18,6 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
  public:
   ClWebSocketSession(beast::tcp_stream oStream, ClService& oService, Seat pSeat)
       : m_oSocket(std::move(oStream)), m_oService(oService), m_pSeat(std::move(pSeat)) {}
-  ~ClWebSocketSession() override {
-    if (m_nClient != 0) m_oService.Leave(m_nClient);
-  }
 
   void Accept(const HttpRequest& oRequest, bool bProtocol) {
     // The stream's own clock counts for a WebSocket from here on.
@@ -82,7 +79,7 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
   void HasRead() {
     const std::string sMessage = beast::buffers_to_string(m_oBuffer.data());
     m_oBuffer.consume(m_oBuffer.size());
-    m_oService.Message(m_nClient, sMessage);
+    if (m_nClient != 0) m_oService.Message(m_nClient, sMessage);
   }
 
   void HasWritten(const error_code& oError) {
