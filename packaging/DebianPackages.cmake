@@ -36,9 +36,9 @@ klv_package(development libkelvarinlivescannervt40-dev libdevel
   "VT40 ten-finger live-scanner, development files"
   "Header, pkg-config file and CMake package.")
 klv_package(tools kelvarin-vt40-tools graphics
-  "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16"
+  "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16, libturbojpeg0"
   "VT40 ten-finger live-scanner, command-line tool"
-  "vt40 lists scanners, captures, rolls, signs and calibrates.")
+  "vt40 lists scanners, captures, rolls, signs and calibrates, and opens a scanner to the browser.")
 klv_package(simulator kelvarin-vt40-simulator libs
   "${base}, libpng16-16"
   "VT40 ten-finger live-scanner, simulated scanner"

@@ -24,8 +24,6 @@ constexpr struct {
                {"signature", KLV_VT40_CAPTURE_MODE_SIGNATURE}};
 /// Seconds without the pen that end a signature.
 constexpr double cdPenRest = 2.0;
-/// Previews after which a capture is judged by what lies on the platen.
-constexpr unsigned int cnFirstPreviews = 3;
 
 const auto* FindMode(const std::string& sMode) {
   return std::find_if(std::begin(caModes), std::end(caModes), [&](const auto& o) { return sMode == o.szName; });
@@ -73,7 +71,6 @@ void ClModeRun::Step() {
       break;
   }
   ++m_nFrame;
-  ++m_nSteps;
   m_oSink.Frame(pFrame);
 }
 
@@ -167,8 +164,6 @@ StTaken ClModeRun::Capture() {
     throw ClServiceError(409, "INVALID_MODE", "in mode \"" + m_sMode + "\" the scanner captures by itself",
                          "Lay fingers down and wait for the event \"result\", or set mode preview.");
   if (m_sMode == "signature") return TakeSignature(false);
-  // What lies there is known from previews.
-  while (m_sMode == "preview" && m_nSteps < cnFirstPreviews) Step();
   if (m_sMode != "roll") return TakeFull(nullptr);
   ClPicture oPicture;
   const StDelivery oDelivery = m_oScanner.GetRoll(oPicture);

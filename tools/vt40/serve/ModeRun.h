@@ -61,7 +61,6 @@ class ClModeRun {
   ClStationSink& m_oSink;
   ClFramePool& m_oPool;
   uint32_t& m_nFrame;
-  unsigned int m_nSteps = 0;
   ClFingerObserver m_oFingers;
   bool m_bTaken = false;          ///< the capture that the scanner reports was fetched
   unsigned int m_nFinished = 0;   ///< width of the roll that is finished; 0 while one goes on
