@@ -19,7 +19,8 @@ std::shared_ptr<ClFrame> FrameOf(uint32_t nNumber) {
   pFrame->eKind = eFrameRoll;
   pFrame->dTime = 1.5;
   pFrame->oPicture = {6, 4, 9842, 9842, {}};
-  for (unsigned char n = 0; n < 24; ++n) pFrame->oPicture.aPixels.push_back(static_cast<unsigned char>(10 * n));
+  for (unsigned char n = 0; n < 24; ++n)
+    pFrame->oPicture.aPixels.push_back(static_cast<unsigned char>(10 * n));
   return pFrame;
 }
 
@@ -59,7 +60,8 @@ TEST(Flow, LosesFactsOfFramesButNoOtherTexts) {
   oFlow.Offer(pEvent);
   EXPECT_TRUE(oFlow.IsOverrun());
   int nFacts = 0, nEvents = 0;
-  for (StOutgoing o = oFlow.Next(); o.pText != nullptr; o = oFlow.Next()) ++(o.pText == pFacts ? nFacts : nEvents);
+  for (StOutgoing o = oFlow.Next(); o.pText != nullptr; o = oFlow.Next())
+    ++(o.pText == pFacts ? nFacts : nEvents);
   EXPECT_EQ(nFacts, 8);
   EXPECT_EQ(nEvents, 249);
 }
@@ -67,8 +69,9 @@ TEST(Flow, LosesFactsOfFramesButNoOtherTexts) {
 TEST(Frame, HasAHeaderOfThirtyTwoBytesInEachForm) {
   const auto pFrame = FrameOf(0x01020304);
   const StPayload& oGrey = pFrame->Payload(eFormatGrey, 1);
-  const std::vector<unsigned char> aHeader = {'V', 'T', 'F', '1', 0, 2, 32, 0, 6, 0, 0, 0, 4, 0, 0, 0,
-                                              0x72, 0x26, 0, 0, 4, 3, 2, 1, 0, 0, 0, 0, 0, 0, 0xF8, 0x3F};
+  const std::vector<unsigned char> aHeader = {'V', 'T', 'F', '1', 0, 2,    32,   0, 6,    0,   0,
+                                              0,   4,   0,   0,   0, 0x72, 0x26, 0, 0,    4,   3,
+                                              2,   1,   0,   0,   0, 0,    0,    0, 0xF8, 0x3F};
   EXPECT_EQ(std::vector<unsigned char>(oGrey.aHeader.begin(), oGrey.aHeader.end()), aHeader);
   EXPECT_EQ(oGrey.pPixels, pFrame->oPicture.aPixels.data());
   EXPECT_EQ(oGrey.nBytes, 24u);

@@ -48,13 +48,15 @@ TEST(Gate, TakesAnyAddressButNoNameWhereItListensOnAll) {
 TEST(Gate, ComparesWholeTokens) {
   EXPECT_TRUE(IsSame("", ""));
   EXPECT_TRUE(IsSame("abc", "abc"));
-  for (const char* szOther : {"", "ab", "abcd", "bbc", "acc", "abd"}) EXPECT_FALSE(IsSame("abc", szOther)) << szOther;
+  for (const char* szOther : {"", "ab", "abcd", "bbc", "acc", "abd"})
+    EXPECT_FALSE(IsSame("abc", szOther)) << szOther;
   EXPECT_EQ(RandomText(16).size(), 32u);
   EXPECT_NE(RandomText(16), RandomText(16));
 }
 
 TEST(Gate, KnowsWhichAddressesOthersReach) {
-  for (const char* szHost : {"localhost", "127.0.0.1", "127.1.2.3", "::1"}) EXPECT_TRUE(IsLoopback(szHost)) << szHost;
+  for (const char* szHost : {"localhost", "127.0.0.1", "127.1.2.3", "::1"})
+    EXPECT_TRUE(IsLoopback(szHost)) << szHost;
   for (const char* szHost : {"0.0.0.0", "::", "192.0.2.1", "128.0.0.1", "station", ""})
     EXPECT_FALSE(IsLoopback(szHost)) << szHost;
 }

@@ -181,7 +181,9 @@ class Service:
         begin = time.monotonic()
         self.process.send_signal(number)
         printed, _ = self.process.communicate(timeout=SECONDS)
-        return self.process.returncode, json.loads(printed.splitlines()[-1]), time.monotonic() - begin
+        document = json.loads(printed.splitlines()[-1])
+        validate(document, "serve")
+        return self.process.returncode, document, time.monotonic() - begin
 
     def call(self, method, path, body=None, claim=True, fields=(), connection=None):
         """Makes a call, holds its answer against the description, and returns it."""

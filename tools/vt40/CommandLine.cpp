@@ -151,9 +151,9 @@ void AddSign(CLI::App& oApp, StCommandLine& oLine) {
 
 void AddServe(CLI::App& oApp, StCommandLine& oLine) {
   StServeOptions& oServe = oLine.oServe;
-  CLI::App* pServe =
-      AddCommand(oApp, oLine, "serve", "Open the scanner to a browser and to web applications of this machine",
-                 [&oLine](ClReport& oReport) { RunServe(oLine.oCommon, oLine.oServe, oReport); });
+  CLI::App* pServe = AddCommand(
+      oApp, oLine, "serve", "Open the scanner to a browser and to web applications of this machine",
+      [&oLine](ClReport& oReport) { RunServe(oLine.oCommon, oLine.oServe, oReport); });
   pServe->add_option("--port", oServe.nPort, "Port to listen on; 0 takes a free one")
       ->check(CLI::Range(0, 65535))
       ->capture_default_str();

@@ -79,10 +79,9 @@ double Millimetres(const StStrip& oStrip, const ClPicture& oPicture) {
 
 nlohmann::ordered_json VerdictOf(long nVerdict) {
   const char* szName = NameOfNumber(nVerdict);
-  return {
-      {"number", nVerdict},
-      {"name", szName != nullptr ? szName : "KLV_ERROR"},
-      {"text", nVerdict == KLV_SUCCESS ? "The roll is clean." : LS_VT40GetErrorDescriptionA(nVerdict)}};
+  return {{"number", nVerdict},
+          {"name", szName != nullptr ? szName : "KLV_ERROR"},
+          {"text", nVerdict == KLV_SUCCESS ? "The roll is clean." : LS_VT40GetErrorDescriptionA(nVerdict)}};
 }
 
 StInk InkOf(const ClPicture& oPicture) {

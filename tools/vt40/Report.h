@@ -29,7 +29,8 @@ class ClReport {
   nlohmann::ordered_json& Facts() { return m_oFacts; }
   /// A line for people, at once.
   void Line(const std::string& sText);
-  /// One fact of a stream: an entry of the list of that name, if any, or an object of its own with JSON lines.
+  /// One fact of a stream: an entry of the list of that name, if it has one, or an object of its own with
+  /// JSON lines.
   void Event(const char* szList, const char* szEvent, const nlohmann::ordered_json& oFact);
 
   /// How the run ends where that isn't well, and the sentence that says why. The first word counts.

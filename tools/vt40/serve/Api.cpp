@@ -116,16 +116,18 @@ void ClApi::Handle(const StRequest& oRequest, const FnAnswer& fnAnswer) {
   if (pFile != nullptr && oRequest.sMethod == "GET")
     return fnAnswer({200, pFile->szType, std::string(pFile->szBytes, pFile->nBytes), ""});
   if (oRequest.sPath == ClService::cszEvents)
-    throw ClServiceError(426, "UPGRADE_REQUIRED", "events come by a WebSocket", "Open a WebSocket at this path.");
+    throw ClServiceError(426, "UPGRADE_REQUIRED", "events come by a WebSocket",
+                         "Open a WebSocket at this path.");
   const StRoute* pRoute = FindRoute(oRequest, oCall, sAllow);
   if (pRoute == nullptr) {
     if (sAllow.empty()) throw NotFound("\"" + oRequest.sPath + "\"");
-    StAnswer oAnswer = AnswerOf({{"error",
-                                  {{"number", nullptr},
-                                   {"name", "METHOD_NOT_ALLOWED"},
-                                   {"text", oRequest.sMethod + " is not possible with \"" + oRequest.sPath + "\""},
-                                   {"advice", "Use " + sAllow + "."}}}},
-                                405);
+    StAnswer oAnswer =
+        AnswerOf({{"error",
+                   {{"number", nullptr},
+                    {"name", "METHOD_NOT_ALLOWED"},
+                    {"text", oRequest.sMethod + " is not possible with \"" + oRequest.sPath + "\""},
+                    {"advice", "Use " + sAllow + "."}}}},
+                 405);
     oAnswer.sAllow = sAllow;
     return fnAnswer(oAnswer);
   }
@@ -231,7 +233,8 @@ void ClApi::GetSetting(const StCall& oCall, const FnAnswer& fnAnswer) {
 
 void ClApi::PutSetting(const StCall& oCall, const FnAnswer& fnAnswer) {
   NeedKeys(oCall.oBody, "value");
-  const auto Set = [sName = oCall.aParts[0], sValue = TextIn(oCall.oBody, "value", cnMostValue)](ClStation& oStation) {
+  const auto Set = [sName = oCall.aParts[0],
+                    sValue = TextIn(oCall.oBody, "value", cnMostValue)](ClStation& oStation) {
     oStation.SetProperty(sName, sValue);
     return ordered_json{{"name", sName}, {"value", sValue}};
   };
@@ -308,7 +311,9 @@ void ClApi::PutDisplay(const StCall& oCall, const FnAnswer& fnAnswer) {
   for (const ordered_json& oLine : aLines) {
     std::string sLine = TextIn({{"lines", oLine}}, "lines", cnDisplayLine);
     for (const char c : sLine)
-      if (c > '~' || c < ' ') throw BadRequest("\"" + sLine + "\" has characters that the display does not know; it shows ASCII only");
+      if (c > '~' || c < ' ')
+        throw BadRequest("\"" + sLine +
+                         "\" has characters that the display does not know; it shows ASCII only");
     sLine.resize(cnDisplayLine, ' ');
     sText += sLine;
   }

@@ -36,7 +36,8 @@ void ClApi::InWorker(std::function<StAnswer()> fnWork, const FnAnswer& fnAnswer)
 
 void ClApi::GetSimulator(const StCall&, const FnAnswer& fnAnswer) {
   const std::string sSerial = m_oService.m_oState.sSerial;
-  const ordered_json oScene = m_oService.m_sScene.empty() ? ordered_json() : ordered_json(m_oService.m_sScene);
+  const ordered_json oScene =
+      m_oService.m_sScene.empty() ? ordered_json() : ordered_json(m_oService.m_sScene);
   InWorker(
       [pSimulator = &m_oService.m_oSimulator, sSerial, oScene, oPlaten = m_oService.m_oPlaten] {
         const StDevice oDevice = pSimulator->Look(sSerial);
@@ -121,20 +122,35 @@ void ClApi::PostFaults(const StCall& oCall, const FnAnswer& fnAnswer) {
   if (oBody.contains("clear")) {
     NeedKeys(oBody, "clear");
     if (!TruthIn(oBody, "clear")) throw BadRequest("\"clear\" is false, which does nothing");
-    return InWorker([=] { pSimulator->ClearFaults(); return Answer(); }, fnAnswer);
+    return InWorker(
+        [=] {
+          pSimulator->ClearFaults();
+          return Answer();
+        },
+        fnAnswer);
   }
   if (oBody.contains("delay")) {
     NeedKeys(oBody, "delay");
     const auto nDelay = static_cast<unsigned int>(NumberIn(oBody, "delay", 0, cnMostDelayMs));
     const std::string sSerial = m_oService.m_oState.sSerial;
-    return InWorker([=] { pSimulator->Delay(sSerial, nDelay); return Answer(); }, fnAnswer);
+    return InWorker(
+        [=] {
+          pSimulator->Delay(sSerial, nDelay);
+          return Answer();
+        },
+        fnAnswer);
   }
   NeedKeys(oBody, "function first repeat result");
   const std::string sFunction = TextIn(oBody, "function", cnMostFunction);
   const auto nFirst = static_cast<unsigned int>(NumberIn(oBody, "first", 1, cnMostCalls));
   const auto nRepeat = static_cast<unsigned int>(NumberIn(oBody, "repeat", 0, cnMostCalls));
   const long nResult = NumberIn(oBody, "result", -99999, 99999);
-  InWorker([=] { pSimulator->FailCall(sFunction, nFirst, nRepeat, nResult); return Answer(); }, fnAnswer);
+  InWorker(
+      [=] {
+        pSimulator->FailCall(sFunction, nFirst, nRepeat, nResult);
+        return Answer();
+      },
+      fnAnswer);
 }
 
 void ClApi::GetTruth(const StCall&, const FnAnswer& fnAnswer) {

@@ -14,12 +14,12 @@ using Text = std::shared_ptr<const std::string>;
 /// What is sent next: a text, a frame, or nothing.
 struct StOutgoing {
   Text pText;
-  std::shared_ptr<ClFrame> pFrame;        ///< keeps the payload
-  const StPayload* pPayload = nullptr;    ///< of the frame, in the client's format
+  std::shared_ptr<ClFrame> pFrame;      ///< keeps the payload
+  const StPayload* pPayload = nullptr;  ///< of the frame, in the client's format
 };
 
-/// Decides what a client gets. Only the newest frame waits, and it waits until the client has seen all but two
-/// of those that were sent; facts of frames are lost by a client that does not keep up, other texts are not.
+/// Decides what a client gets. Only the newest frame waits, until the client has seen all but two of those
+/// that were sent; facts of frames are lost by a client that does not keep up, other texts are not.
 ///
 /// Threads  thread-bound.
 class ClFlow {

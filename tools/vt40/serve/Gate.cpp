@@ -79,7 +79,8 @@ ClGate::ClGate(const std::string& sHost, unsigned short nPort, std::string sToke
     : m_sPort(":" + std::to_string(nPort)),
       m_bAnyAddress(sHost == "0.0.0.0" || sHost == "::"),
       m_sToken(std::move(sToken)) {
-  for (const std::string& sName : {sHost, std::string("127.0.0.1"), std::string("localhost"), std::string("::1")})
+  for (const std::string& sName :
+       {sHost, std::string("127.0.0.1"), std::string("localhost"), std::string("::1")})
     m_aAuthorities.push_back(Lower(Authority(sName, nPort)));
 }
 
@@ -100,7 +101,8 @@ void ClGate::CheckHost(const StRequest& oRequest) const {
   if (oRequest.sOrigin.empty()) return;
   if (oRequest.sOrigin.compare(0, sScheme.size(), sScheme) != 0 ||
       Lower(oRequest.sOrigin.substr(sScheme.size())) != Lower(oRequest.sHost))
-    throw ClServiceError(403, "FOREIGN_ORIGIN", "pages of \"" + oRequest.sOrigin + "\" may not call this service",
+    throw ClServiceError(403, "FOREIGN_ORIGIN",
+                         "pages of \"" + oRequest.sOrigin + "\" may not call this service",
                          "Call it from its own page, or from a program that sends no Origin.");
 }
 

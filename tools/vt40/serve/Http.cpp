@@ -38,6 +38,30 @@ unsigned int StatusOf(const ClToolError& oError) {
   }
 }
 
+/// What to do where the command line's advice does not suit a service that goes on.
+ordered_json ErrorOfService(const ClToolError& oError) {
+  ordered_json oJson = ErrorOf(oError.Code(), oError.what(), oError.Number());
+  switch (oError.Code()) {
+    case eExitUsage:
+      oJson["advice"] = cszCorrect;
+      break;
+    case eExitNoScanner:
+    case eExitLost:
+      oJson["advice"] = "Connect the scanner; it is opened by itself.";
+      break;
+    case eExitTimeout:
+      oJson["advice"] = "Try again; the scanner is opened anew.";
+      break;
+    case eExitFailure:
+      oJson["advice"] =
+          "Try again; KELVARIN_SDK_LOG=1 in the service's environment shows what the library does.";
+      break;
+    default:
+      break;
+  }
+  return oJson;
+}
+
 std::string Printed(const ordered_json& oValue) {
   constexpr size_t cnMost = 80;
   const std::string sText = oValue.dump(-1, ' ', true, ordered_json::error_handler_t::replace);
@@ -67,11 +91,12 @@ ordered_json CurrentError() {
   try {
     throw;
   } catch (const ClServiceError& oError) {
-    return {{"number", nullptr}, {"name", oError.Name()}, {"text", oError.what()}, {"advice", oError.Advice()}};
+    return {
+        {"number", nullptr}, {"name", oError.Name()}, {"text", oError.what()}, {"advice", oError.Advice()}};
   } catch (const ClToolError& oError) {
-    return ErrorOf(oError.Code(), oError.what(), oError.Number());
+    return ErrorOfService(oError);
   } catch (const std::exception& oError) {
-    return ErrorOf(eExitFailure, oError.what(), 0);
+    return ErrorOfService(ClToolError(eExitFailure, oError.what()));
   }
 }
 
@@ -108,16 +133,15 @@ ordered_json ReadObject(const std::string& sText) {
 
 std::string TextIn(const ordered_json& oObject, const char* szKey, size_t nMost) {
   const ordered_json& oValue = Value(oObject, szKey);
-  if (!oValue.is_string())
-    throw BadRequest("\"" + std::string(szKey) + "\" is no text: " + Printed(oValue));
+  if (!oValue.is_string()) throw BadRequest("\"" + std::string(szKey) + "\" is no text: " + Printed(oValue));
   const std::string sText = oValue;
   for (const char c : sText) {
     if (static_cast<unsigned char>(c) < ' ')
       throw BadRequest("\"" + std::string(szKey) + "\" has control characters: " + Printed(oValue));
   }
   if (sText.size() > nMost)
-    throw BadRequest("\"" + std::string(szKey) + "\" has " + std::to_string(sText.size()) + " bytes, of at most " +
-                     std::to_string(nMost));
+    throw BadRequest("\"" + std::string(szKey) + "\" has " + std::to_string(sText.size()) +
+                     " bytes, of at most " + std::to_string(nMost));
   return sText;
 }
 

@@ -17,7 +17,8 @@ namespace http = beast::http;
 using beast::error_code;
 
 constexpr char cszPolicy[] =
-    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; connect-src 'self'; "
+    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' blob: data:; connect-src "
+    "'self'; "
     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 /// What is read and dropped of a client that goes on sending after it was refused.
 constexpr size_t cnMostDropped = 1024 * 1024;
@@ -29,8 +30,8 @@ std::string StringOf(boost::beast::string_view sText) {
 
 ClServiceError MalformedRequest(const error_code& oError) {
   if (oError == http::error::header_limit)
-    return {431, "HEADER_TOO_LARGE", "the header has more than " + std::to_string(cnMostHeaderBytes) + " bytes",
-            "Send fewer fields."};
+    return {431, "HEADER_TOO_LARGE",
+            "the header has more than " + std::to_string(cnMostHeaderBytes) + " bytes", "Send fewer fields."};
   if (oError == http::error::body_limit)
     return {413, "BODY_TOO_LARGE", "the body has more than " + std::to_string(cnMostBodyBytes) + " bytes",
             "Send less."};
@@ -106,7 +107,8 @@ class ClHttpSession : public std::enable_shared_from_this<ClHttpSession> {
       p->Linger();
     };
     m_pSerializer.emplace(m_oResponse);
-    if (m_oRequest.method() == http::verb::head) return http::async_write_header(m_oStream, *m_pSerializer, Done);
+    if (m_oRequest.method() == http::verb::head)
+      return http::async_write_header(m_oStream, *m_pSerializer, Done);
     http::async_write(m_oStream, *m_pSerializer, Done);
   }
 

@@ -26,16 +26,20 @@ constexpr struct {
 constexpr double cdPenRest = 2.0;
 
 const auto* FindMode(const std::string& sMode) {
-  return std::find_if(std::begin(caModes), std::end(caModes), [&](const auto& o) { return sMode == o.szName; });
+  return std::find_if(std::begin(caModes), std::end(caModes),
+                      [&](const auto& o) { return sMode == o.szName; });
 }
 
 EFrameKind KindOf(const std::string& sMode) {
-  return sMode == "full" ? eFrameFull
-                         : sMode == "roll" ? eFrameRoll : sMode == "signature" ? eFrameSignature : eFramePreview;
+  return sMode == "full"        ? eFrameFull
+         : sMode == "roll"      ? eFrameRoll
+         : sMode == "signature" ? eFrameSignature
+                                : eFramePreview;
 }
 
 double MillisecondsNow() {
-  return std::chrono::duration<double, std::milli>(std::chrono::system_clock::now().time_since_epoch()).count();
+  return std::chrono::duration<double, std::milli>(std::chrono::system_clock::now().time_since_epoch())
+      .count();
 }
 
 }  // namespace

@@ -37,7 +37,8 @@ bool IsMode(const std::string& sMode);
 class ClModeRun {
  public:
   /// Sets the mode. nFrame counts frames over all modes.
-  ClModeRun(ClScanner& oScanner, std::string sMode, ClStationSink& oSink, ClFramePool& oPool, uint32_t& nFrame);
+  ClModeRun(ClScanner& oScanner, std::string sMode, ClStationSink& oSink, ClFramePool& oPool,
+            uint32_t& nFrame);
 
   /// Whether frames come by themselves.
   bool Streams() const { return m_sMode != "off"; }
@@ -62,8 +63,8 @@ class ClModeRun {
   ClFramePool& m_oPool;
   uint32_t& m_nFrame;
   ClFingerObserver m_oFingers;
-  bool m_bTaken = false;          ///< the capture that the scanner reports was fetched
-  unsigned int m_nFinished = 0;   ///< width of the roll that is finished; 0 while one goes on
+  bool m_bTaken = false;         ///< the capture that the scanner reports was fetched
+  unsigned int m_nFinished = 0;  ///< width of the roll that is finished; 0 while one goes on
   ClPenRest m_oRest;
 };
 

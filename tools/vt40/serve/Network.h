@@ -30,7 +30,7 @@ using Seat = std::shared_ptr<void>;
 StRequest RequestOf(const HttpRequest& oRequest);
 /// The fields that all answers have; HEAD leaves the body out.
 boost::beast::http::response<boost::beast::http::string_body> ResponseOf(const StAnswer& oAnswer,
-                                                                          const HttpRequest& oRequest);
+                                                                         const HttpRequest& oRequest);
 
 /// Serves the requests of a connection, one after the other, until it ends or becomes a WebSocket.
 void StartHttpSession(boost::asio::ip::tcp::socket oSocket, ClService& oService, Seat pSeat);

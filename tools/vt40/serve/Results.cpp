@@ -21,7 +21,8 @@ void ClResults::Add(StResult oResult) {
 
 void ClResults::Remove(unsigned int nId) {
   Find(nId);
-  m_aResults.erase(std::find_if(m_aResults.begin(), m_aResults.end(), [=](const StResult& o) { return o.nId == nId; }));
+  m_aResults.erase(
+      std::find_if(m_aResults.begin(), m_aResults.end(), [=](const StResult& o) { return o.nId == nId; }));
 }
 
 const StResult& ClResults::Find(unsigned int nId) const {

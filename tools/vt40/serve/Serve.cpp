@@ -32,8 +32,9 @@ void OpenBrowser(const std::string& sUrl) {
   pid_t nChild = 0;
   const int nFailed = posix_spawnp(&nChild, sProgram.c_str(), &oFiles, nullptr, apArguments, environ);
   posix_spawn_file_actions_destroy(&oFiles);
-  if (nFailed != 0) std::fprintf(stderr, "vt40: no browser was started: %s is missing; open %s\n",
-                                 sProgram.c_str(), sUrl.c_str());
+  if (nFailed != 0)
+    std::fprintf(stderr, "vt40: no browser was started: %s is missing; open %s\n", sProgram.c_str(),
+                 sUrl.c_str());
 }
 
 /// The token that was given, or a made one where others can reach the service.
@@ -46,10 +47,11 @@ std::string ChooseToken(const StServeOptions& oOptions) {
 
 void CheckToken(const std::string& sToken) {
   for (const char c : sToken) {
-    const bool bPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '-' ||
-                        c == '_' || c == '.';
+    const bool bPlain = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                        c == '-' || c == '_' || c == '.';
     if (!bPlain)
-      throw ClToolError(eExitUsage, "--token takes letters, digits and -_. only, as it stands in URLs and header fields");
+      throw ClToolError(eExitUsage,
+                        "--token takes letters, digits and -_. only, as it stands in URLs and header fields");
   }
 }
 
@@ -72,8 +74,8 @@ void RunServe(const StCommonOptions& oCommon, const StServeOptions& oOptions, Cl
   oServiceOptions.tClaimLife = std::chrono::milliseconds(static_cast<long>(1000 * oOptions.dClaimLife));
   ClService oService(oLibrary, oServiceOptions, ClGate(oOptions.sHost, oServer.Port(), sToken),
                      [&oServer] { oServer.Wake(); });
-  const std::string sUrl =
-      "http://" + Authority(oOptions.sHost, oServer.Port()) + "/" + (sToken.empty() ? "" : "#token=" + sToken);
+  const std::string sUrl = "http://" + Authority(oOptions.sHost, oServer.Port()) + "/" +
+                           (sToken.empty() ? "" : "#token=" + sToken);
   oReport.Line(sUrl);
   oReport.Facts()["url"] = sUrl;
   oReport.Event(nullptr, "listening", {{"url", sUrl}});

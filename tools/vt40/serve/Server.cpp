@@ -71,7 +71,8 @@ struct ClServer::StNetwork {
   }
 };
 
-ClServer::ClServer(const std::string& sHost, unsigned short nPort) : m_pNetwork(std::make_unique<StNetwork>()) {
+ClServer::ClServer(const std::string& sHost, unsigned short nPort)
+    : m_pNetwork(std::make_unique<StNetwork>()) {
   error_code oError;
   const auto oAddress = asio::ip::make_address(sHost == "localhost" ? "127.0.0.1" : sHost, oError);
   if (oError) throw ClToolError(eExitUsage, "--host " + sHost + " is no address of this machine");
@@ -83,8 +84,8 @@ ClServer::ClServer(const std::string& sHost, unsigned short nPort) : m_pNetwork(
     oAcceptor.bind(oEndpoint);
     oAcceptor.listen();
   } catch (const boost::system::system_error& oFailure) {
-    throw ClToolError(eExitFailure,
-                      Authority(sHost, nPort) + " cannot be listened on: " + oFailure.code().message() + "; see --port");
+    throw ClToolError(eExitFailure, Authority(sHost, nPort) + " cannot be listened on: " +
+                                        oFailure.code().message() + "; see --port");
   }
 }
 

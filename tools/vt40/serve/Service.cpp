@@ -15,7 +15,7 @@ using nlohmann::ordered_json;
 using Clock = ClClaim::Clock;
 
 constexpr size_t cnMostName = 64;
-/// Liveness score from which a finger counts as living, as vt40 capture has it when nothing else is asked for.
+/// Liveness score from which a finger counts as living: the default of vt40 capture.
 constexpr double cdMinScore = 50.0;
 /// Change of the finger's area up to which it is at rest.
 constexpr double cdSteadyShare = 0.1;
@@ -27,7 +27,8 @@ std::string Dump(const ordered_json& oJson) {
 /// UTC with milliseconds.
 std::string TimeText(std::chrono::system_clock::time_point tNow, const char* szFormat) {
   const std::time_t nSeconds = std::chrono::system_clock::to_time_t(tNow);
-  const auto nMs = std::chrono::duration_cast<std::chrono::milliseconds>(tNow.time_since_epoch()).count() % 1000;
+  const auto nMs =
+      std::chrono::duration_cast<std::chrono::milliseconds>(tNow.time_since_epoch()).count() % 1000;
   std::tm oTime{};
   gmtime_r(&nSeconds, &oTime);
   char szTime[40], szAll[64];
@@ -59,7 +60,9 @@ class ClService::ClListener : public ClStationListener {
   void Failed(const ordered_json& oError) override {
     Answer([this, oError] { m_oService.Tell({{"event", "error"}, {"error", oError}}); });
   }
-  void Answer(std::function<void()> fnAnswer) override { m_oService.m_oOutbox.PutAction(std::move(fnAnswer)); }
+  void Answer(std::function<void()> fnAnswer) override {
+    m_oService.m_oOutbox.PutAction(std::move(fnAnswer));
+  }
 
  private:
   ClService& m_oService;
@@ -190,7 +193,8 @@ ordered_json ClService::Status() const {
       {"serial", m_oState.sSerial.empty() ? ordered_json() : ordered_json(m_oState.sSerial)},
       {"simulated", oScanLibrary.bSimulated},
       {"scanLibrary",
-       {{"path", oScanLibrary.sPath}, {"version", sVersion.empty() ? ordered_json() : ordered_json(sVersion)}}},
+       {{"path", oScanLibrary.sPath},
+        {"version", sVersion.empty() ? ordered_json() : ordered_json(sVersion)}}},
       {"version", ClLibrary::Version()},
       {"connected", m_oState.bConnected},
       {"mode", m_oState.sMode},
@@ -288,8 +292,12 @@ void ClService::Keep(StTaken oTaken, std::string sSerial, FnAnswer fnAnswer) {
   const auto tNow = std::chrono::system_clock::now();
   const bool bSimulated = m_oLibrary.ScanLibrary().bSimulated;
   ordered_json& oFacts = pResult->oFacts;
-  oFacts = {{"id", pResult->nId},      {"kind", oTaken.oFacts["kind"]}, {"mode", oTaken.oFacts["mode"]},
-            {"time", TimeText(tNow, "%Y-%m-%dT%H:%M:%S")}, {"serial", sSerial}, {"simulated", bSimulated}};
+  oFacts = {{"id", pResult->nId},
+            {"kind", oTaken.oFacts["kind"]},
+            {"mode", oTaken.oFacts["mode"]},
+            {"time", TimeText(tNow, "%Y-%m-%dT%H:%M:%S")},
+            {"serial", sSerial},
+            {"simulated", bSimulated}};
   oFacts.update(oTaken.oFacts);
   oFacts["pictures"] = ordered_json::array();
   const StPictureFacts oPictureFacts{ClLibrary::Software(), sSerial, oFacts["mode"], bSimulated};

@@ -86,7 +86,8 @@ void ClStation::RunOnce() {
 
 bool ClStation::TakeTask(StTask& oTask, milliseconds tWait) {
   std::unique_lock<std::mutex> oLock(m_oMutex);
-  if (!m_oChanged.wait_for(oLock, tWait, [this] { return m_bEnd || !m_aTasks.empty(); }) || m_bEnd) return false;
+  if (!m_oChanged.wait_for(oLock, tWait, [this] { return m_bEnd || !m_aTasks.empty(); }) || m_bEnd)
+    return false;
   oTask = std::move(m_aTasks.front());
   m_aTasks.pop_front();
   return true;
@@ -99,7 +100,8 @@ void ClStation::RunTask(const StTask& oTask) {
     oAnswer = AnswerOf(oTask.fnWork(*this));
   } catch (const ClToolError& oError) {
     oAnswer = CurrentErrorAnswer();
-    bLost = oError.Code() == eExitLost || IsSignal(oError) || (m_pScanner != nullptr && m_pScanner->IsStuck());
+    bLost =
+        oError.Code() == eExitLost || IsSignal(oError) || (m_pScanner != nullptr && m_pScanner->IsStuck());
     if (bLost) Lose();
   } catch (const std::exception&) {
     oAnswer = CurrentErrorAnswer();
@@ -108,8 +110,9 @@ void ClStation::RunTask(const StTask& oTask) {
 }
 
 void ClStation::LookForScanner() {
-  m_aStuck.erase(std::remove_if(m_aStuck.begin(), m_aStuck.end(), [](const auto& p) { return !p->IsStuck(); }),
-                 m_aStuck.end());
+  m_aStuck.erase(
+      std::remove_if(m_aStuck.begin(), m_aStuck.end(), [](const auto& p) { return !p->IsStuck(); }),
+      m_aStuck.end());
   if (m_pScanner == nullptr) return Open();
   if (!IsConnected(m_oState.sSerial))
     throw ClToolError(eExitLost, "scanner " + m_oState.sSerial + " was unplugged", KLV_ERROR_DISCONNECTED);

@@ -88,9 +88,9 @@ class ClStation {
   const ClLibrary& m_oLibrary;
   ClStationListener& m_oListener;
   StStationState m_oState;
-  std::string m_sWanted = "off";                    ///< the mode, also while there is no scanner
-  std::map<std::string, std::string> m_oSettings;   ///< that clients have made
-  std::array<unsigned int, 12> m_anLed{};           ///< states that clients have set
+  std::string m_sWanted = "off";                   ///< the mode, also while there is no scanner
+  std::map<std::string, std::string> m_oSettings;  ///< that clients have made
+  std::array<unsigned int, 12> m_anLed{};          ///< states that clients have set
   ClFramePool m_oPool;
   uint32_t m_nFrame = 0;
   std::unique_ptr<ClScanner> m_pScanner;

@@ -109,7 +109,8 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
 
 }  // namespace
 
-void StartWebSocketSession(beast::tcp_stream oStream, const HttpRequest& oRequest, ClService& oService, Seat pSeat) {
+void StartWebSocketSession(beast::tcp_stream oStream, const HttpRequest& oRequest, ClService& oService,
+                           Seat pSeat) {
   std::make_shared<ClWebSocketSession>(std::move(oStream), oService, std::move(pSeat))
       ->Accept(oRequest, HasProtocol(RequestOf(oRequest).sProtocols));
 }
