@@ -8,34 +8,34 @@
 namespace {
 
 /// The exit code of a script, which gets the tool as its last argument.
-int Run(const std::string& sScript) {
+int CodeOf(const std::string& sScript) {
   const int nStatus =
       std::system((std::string(KLV_CHECKS) + "/" + sScript + " " KLV_RUN " " KLV_TOOL).c_str());
   return WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
 }
 
 TEST(Service, AnswersMisuseAndGoesOn) {
-  EXPECT_EQ(Run("check-misuse"), 0);
+  EXPECT_EQ(CodeOf("check-misuse"), 0);
 }
 
 TEST(Service, IsHeldByOneClientAtATime) {
-  EXPECT_EQ(Run("check-service claim"), 0);
+  EXPECT_EQ(CodeOf("check-service claim"), 0);
 }
 
 TEST(Service, CapturesInEachMode) {
-  EXPECT_EQ(Run("check-service captures"), 0);
+  EXPECT_EQ(CodeOf("check-service captures"), 0);
 }
 
 TEST(Service, LaysFingersWhereTheyAreDragged) {
-  EXPECT_EQ(Run("check-service platen"), 0);
+  EXPECT_EQ(CodeOf("check-service platen"), 0);
 }
 
 TEST(Service, OpensAScannerAgainThatWasUnplugged) {
-  EXPECT_EQ(Run("check-service unplugging"), 0);
+  EXPECT_EQ(CodeOf("check-service unplugging"), 0);
 }
 
 TEST(Service, KeepsTheRateOfAClientBesideSlowOnes) {
-  EXPECT_EQ(Run("check-service slow-client"), 0);
+  EXPECT_EQ(CodeOf("check-service slow-client"), 0);
 }
 
 }  // namespace
