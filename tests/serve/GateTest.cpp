@@ -57,7 +57,7 @@ TEST(Gate, ComparesWholeTokens) {
 TEST(Gate, KnowsWhichAddressesOthersReach) {
   for (const char* szHost : {"localhost", "127.0.0.1", "127.1.2.3", "::1"})
     EXPECT_TRUE(IsLoopback(szHost)) << szHost;
-  for (const char* szHost : {"0.0.0.0", "::", "192.0.2.1", "128.0.0.1", "station", ""})
+  for (const char* szHost : {"0.0.0.0", "::", "192.0.2.1", "126.0.0.1", "128.0.0.1", "station", ""})
     EXPECT_FALSE(IsLoopback(szHost)) << szHost;
 }
 

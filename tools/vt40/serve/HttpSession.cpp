@@ -47,6 +47,7 @@ class ClHttpSession : public std::enable_shared_from_this<ClHttpSession> {
   /// Waits for the first bytes of a request as long as an idle connection may stay, then for the rest.
   void Wait() {
     m_oParser.emplace();
+    m_oRequest = HttpRequest();
     m_oParser->header_limit(cnMostHeaderBytes);
     m_oParser->body_limit(cnMostBodyBytes);
     if (m_oBuffer.size() != 0) return Read();

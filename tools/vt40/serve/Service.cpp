@@ -86,6 +86,7 @@ ClService::~ClService() = default;
 void ClService::Handle(const StRequest& oRequest, const FnAnswer& fnAnswer) {
   try {
     m_oGate.CheckHost(oRequest);
+    ExpireClaim();
     ClApi(*this).Handle(oRequest, fnAnswer);
   } catch (const std::exception&) {
     fnAnswer(CurrentErrorAnswer());
@@ -125,6 +126,7 @@ void ClService::Leave(unsigned int nClient) {
 
 void ClService::Message(unsigned int nClient, const std::string& sText) {
   try {
+    ExpireClaim();
     Obey(nClient, ReadObject(sText));
   } catch (const std::exception&) {
     TellOne(nClient, {{"event", "error"}, {"error", CurrentError()}});
@@ -217,6 +219,10 @@ ordered_json ClService::ClaimEvent(unsigned int nClient) const {
           {"yours", m_oClaim.IsOf(nClient)}};
 }
 
+void ClService::ExpireClaim() {
+  if (m_oClaim.Expire(Clock::now())) TellClaim();
+}
+
 void ClService::TellClaim() {
   for (const auto& [nClient, oClient] : m_aClients) TellOne(nClient, ClaimEvent(nClient));
   TellStatus();
@@ -260,7 +266,7 @@ void ClService::Drain() {
 }
 
 void ClService::Tick() {
-  if (m_oClaim.Expire(Clock::now())) TellClaim();
+  ExpireClaim();
   if (m_oLibrary.ScanLibrary().bSimulated && !m_bLooking && !m_aClients.empty()) LookAtDevice();
 }
 

@@ -82,6 +82,7 @@ class ClService {
   void TellOne(unsigned int nClient, const nlohmann::ordered_json& oEvent);
   void TellStatus();
   void TellClaim();
+  void ExpireClaim();
   void Forward(const Text& pText, bool bMayBeLost);
   void Obey(unsigned int nClient, const nlohmann::ordered_json& oMessage);
   void SetFormat(unsigned int nClient, const nlohmann::ordered_json& oMessage);

@@ -33,17 +33,20 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
     m_oSocket.read_message_max(cnMostBodyBytes);
     // A frame is one message in one piece.
     m_oSocket.auto_fragment(false);
+    // It counts from now on; what it is told waits until the answer has been sent.
+    m_nClient = m_oService.Join(*this);
     m_oSocket.async_accept(oRequest, [p = shared_from_this()](const error_code& oError) {
-      if (oError) return;
-      p->m_nClient = p->m_oService.Join(*p);
+      if (oError) return p->Gone();
+      p->m_bOpen = true;
       p->Read();
+      p->Pump();
     });
   }
 
   ClFlow& Flow() override { return m_oFlow; }
 
   void Pump() override {
-    if (m_bWriting || m_bClosing || m_nClient == 0) return;
+    if (m_bWriting || m_bClosing || !m_bOpen) return;
     if (m_oFlow.IsOverrun()) return Close();
     m_oSending = m_oFlow.Next();
     const auto Done = [p = shared_from_this()](const error_code& oError, size_t) { p->HasWritten(oError); };
@@ -62,7 +65,7 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
   }
 
   void Close() override {
-    if (std::exchange(m_bClosing, true)) return;
+    if (std::exchange(m_bClosing, true) || !m_bOpen) return;
     m_oSocket.async_close(websocket::close_code::going_away, [p = shared_from_this()](const error_code&) {});
   }
 
@@ -100,6 +103,7 @@ class ClWebSocketSession : public ClSocket, public std::enable_shared_from_this<
   ClService& m_oService;
   Seat m_pSeat;
   unsigned int m_nClient = 0;  ///< 0: not yet, or no longer
+  bool m_bOpen = false;
   ClFlow m_oFlow;
   StOutgoing m_oSending;
   beast::flat_buffer m_oBuffer;
