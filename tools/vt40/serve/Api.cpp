@@ -59,7 +59,7 @@ void NeedJson(const std::string& sContentType) {
 }
 
 std::string NameIn(const ordered_json& oBody, const char* szKey) {
-  const std::string sName = TextIn(oBody, szKey, cnMostName);
+  std::string sName = TextIn(oBody, szKey, cnMostName);
   if (sName.empty()) throw BadRequest("\"" + std::string(szKey) + "\" is empty");
   return sName;
 }

@@ -48,7 +48,7 @@ void ClClaim::Unbind(unsigned int nClient, Clock::time_point tNow) {
 
 std::string ClClaim::HandOver(const std::string& sName, unsigned int nClient, Clock::time_point tNow) {
   Release();
-  const std::string sClaim = Take(sName, tNow);
+  std::string sClaim = Take(sName, tNow);
   m_nClient = nClient;
   return sClaim;
 }

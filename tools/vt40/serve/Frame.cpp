@@ -10,6 +10,8 @@
 namespace Serve {
 namespace {
 
+/// "VTF1", as the lowest byte goes first.
+constexpr uint32_t cnMagic = 0x31465456;
 constexpr int cnJpegQuality = 85;
 /// Frames that wait in the pool: more only come about while a client is slow.
 constexpr size_t cnMostFree = 8;
@@ -74,9 +76,8 @@ void ClFrame::Make(StVariant& oVariant, EFrameFormat eFormat, unsigned int nScal
     oPayload.pPixels = oSource.aPixels.data();
     oPayload.nBytes = oSource.aPixels.size();
   }
-  unsigned char* p = oPayload.aHeader.data();
-  std::memcpy(p, "VTF1", 4);
-  p = Store(p + 4, eFormat, 1);
+  unsigned char* p = Store(oPayload.aHeader.data(), cnMagic, 4);
+  p = Store(p, eFormat, 1);
   p = Store(p, eKind, 1);
   p = Store(p, StPayload::cnHeader, 2);
   p = Store(p, oSource.nWidth, 4);

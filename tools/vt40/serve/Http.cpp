@@ -134,7 +134,7 @@ ordered_json ReadObject(const std::string& sText) {
 std::string TextIn(const ordered_json& oObject, const char* szKey, size_t nMost) {
   const ordered_json& oValue = Value(oObject, szKey);
   if (!oValue.is_string()) throw BadRequest("\"" + std::string(szKey) + "\" is no text: " + Printed(oValue));
-  const std::string sText = oValue;
+  std::string sText = oValue;
   for (const char c : sText) {
     if (static_cast<unsigned char>(c) < ' ')
       throw BadRequest("\"" + std::string(szKey) + "\" has control characters: " + Printed(oValue));

@@ -292,7 +292,7 @@ void ClService::LookAtDevice() {
   });
 }
 
-void ClService::Keep(StTaken oTaken, std::string sSerial, FnAnswer fnAnswer) {
+void ClService::Keep(StTaken oTaken, const std::string& sSerial, const FnAnswer& fnAnswer) {
   const auto pResult = std::make_shared<StResult>();
   pResult->nId = ++m_nLastResult;
   const auto tNow = std::chrono::system_clock::now();

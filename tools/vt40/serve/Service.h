@@ -90,7 +90,7 @@ class ClService {
   void Drag(unsigned int nClient, const nlohmann::ordered_json& oPlaten);
   void LayNext();
   /// Makes files of a capture's pictures and keeps them; fnAnswer, if any, gets the result.
-  void Keep(StTaken oTaken, std::string sSerial, FnAnswer fnAnswer);
+  void Keep(StTaken oTaken, const std::string& sSerial, const FnAnswer& fnAnswer);
   void Store(const std::shared_ptr<StResult>& pResult, const FnAnswer& fnAnswer);
   void LookAtDevice();
 
