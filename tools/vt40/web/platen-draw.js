@@ -24,6 +24,7 @@ export function drawPlaten(canvas, scene) {
   context.scale(scale, scale);
   context.translate(margin, margin);
   drawGlass(context, scene);
+  context.clip();
   if (scene.rolls) drawRollFrame(context);
   for (const speck of scene.dirt) drawDirt(context, speck);
   scene.fingers.forEach((finger, n) => drawFinger(context, finger, n === scene.chosen));
@@ -31,9 +32,11 @@ export function drawPlaten(canvas, scene) {
   context.restore();
 }
 
+/** Leaves the outline of the case as the path, within which all else is drawn. */
 function drawGlass(context, { lit, ambient }) {
+  const outline = () => roundRect(context, -margin, -margin, side + 2 * margin, side + 2 * margin, 4);
   context.fillStyle = colour("case");
-  roundRect(context, -margin, -margin, side + 2 * margin, side + 2 * margin, 4);
+  outline();
   context.fill();
   const glass = context.createLinearGradient(0, 0, side, side);
   glass.addColorStop(0, colour(lit ? "glass-lit" : "glass"));
@@ -55,6 +58,7 @@ function drawGlass(context, { lit, ambient }) {
     context.lineTo(side, at);
   }
   context.stroke();
+  outline();
 }
 
 function drawRollFrame(context) {
@@ -123,16 +127,17 @@ function drawFinger(context, finger, chosen) {
   if (chosen && !rolling) drawHandle(context, finger);
 }
 
+/** Down to the joint that is nearest to the hand, which lies beyond the case for most. */
 function fingerShape(context, width, height) {
   const half = width / 2;
-  const end = 1.75 * height;
+  const end = 3.4 * height;
   context.beginPath();
-  context.moveTo(-half * 0.98, end);
-  context.bezierCurveTo(-half * 1.02, height * 0.9, -half, height * 0.3, -half, 0);
+  context.moveTo(-half * 1.06, end);
+  context.bezierCurveTo(-half * 1.12, height * 1.6, -half * 0.94, height * 0.6, -half, 0);
   context.bezierCurveTo(-half, -height * 0.42, -half * 0.62, -height * 0.54, 0, -height * 0.54);
   context.bezierCurveTo(half * 0.62, -height * 0.54, half, -height * 0.42, half, 0);
-  context.bezierCurveTo(half, height * 0.3, half * 1.02, height * 0.9, half * 0.98, end);
-  context.quadraticCurveTo(0, end + 3, -half * 0.98, end);
+  context.bezierCurveTo(half * 0.94, height * 0.6, half * 1.12, height * 1.6, half * 1.06, end);
+  context.arc(0, end, half * 1.06, 0, Math.PI);
   context.closePath();
 }
 
@@ -156,7 +161,7 @@ function drawNail(context, shift, width, height, pressure, tone) {
 function drawCreases(context, width, height, tone) {
   context.strokeStyle = colour(`${tone}-edge`);
   context.lineWidth = 0.4;
-  for (const at of [0.62, 0.7, 0.78]) {
+  for (const at of [0.62, 0.7, 0.78, 1.78, 1.88, 1.98]) {
     context.beginPath();
     context.moveTo(-width * 0.27, height * at);
     context.quadraticCurveTo(0, height * (at + 0.05), width * 0.27, height * at);

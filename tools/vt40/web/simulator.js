@@ -115,7 +115,7 @@ export class Simulator {
   }
 
   #showScene(scene) {
-    this.scene = scene ?? "";
+    this.scene = scene && scene !== "empty" ? scene : "";
     $("scene-note").textContent = this.scene ? t("platen.scene", { scene: this.scene }) : "";
     $("scene-note").hidden = !this.scene;
   }
