@@ -17,10 +17,11 @@ const { chromium } = createRequire(new URL(`file://${process.cwd()}/${modules}/`
 /**
  * Starts a service with a simulated scanner on a free port.
  * @param {...string} options
- * @returns {Promise<{url: string, stop: () => Promise<void>}>}
+ * @returns {Promise<{url: string, pid: number, stop: () => Promise<void>}>}
  */
 export async function serve(...options) {
-  const child = spawn(tool, ["serve", "--simulate", "--port", "0", ...options], { stdio: ["ignore", "pipe", "inherit"] });
+  const port = options.includes("--port") ? [] : ["--port", "0"];
+  const child = spawn(tool, ["serve", "--simulate", ...port, ...options], { stdio: ["ignore", "pipe", "inherit"] });
   const ended = new Promise((resolve) => child.once("exit", (code) => resolve(code)));
   const first = createInterface({ input: child.stdout })[Symbol.asyncIterator]().next();
   const line = await Promise.race([first, ended.then((code) => ({ value: `ended with ${code}` }))]);
@@ -28,6 +29,7 @@ export async function serve(...options) {
   if (!url) throw new Error(`vt40 serve said: ${line.value}`);
   return {
     url,
+    pid: child.pid,
     async stop() {
       child.kill("SIGINT");
       await ended;

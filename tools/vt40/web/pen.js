@@ -1,14 +1,14 @@
 // Turns the way of the mouse into strokes that the simulated pen writes a moment later; knows no document.
 
 /** Seconds of writing that go into one stroke of the scene; the pen is as late as that. */
-export const chunkSeconds = 0.15;
+export const chunkSeconds = 0.12;
 /** Seconds by which a stroke lies in the future when it is sent, for the way to the simulator. */
-const lead = 0.05;
+export const lead = 0.12;
 /** Strokes that lie back further than this are over for the simulator. */
 const keepSeconds = 5;
 const most = 150;
 
-/** Collects points and cuts them into strokes that follow on each other without a gap. */
+/** Collects points and cuts them into strokes that follow on each other where the last one has ended. */
 export class PenWriter {
   constructor() {
     this.strokes = [];
@@ -25,7 +25,6 @@ export class PenWriter {
   down(x, y, now) {
     this.points = [[x, y]];
     this.begun = now;
-    this.end = Math.max(this.end, now + chunkSeconds + lead);
   }
 
   /** The tip moves; points closer than a tenth of a millimetre are none. */
@@ -49,6 +48,8 @@ export class PenWriter {
     if (way > 0) {
       // A scanner that looks for what is new does not see a pen that is slower.
       const speed = Math.max(27, way / seconds);
+      // The pen of a slow hand has written the last stroke before this one comes, and waits.
+      this.end = Math.max(this.end, now + lead);
       this.strokes.push({ at: round(this.end), line: "straight", speed: round(speed), points: thin(this.points) });
       this.end += way / speed;
     }

@@ -84,6 +84,8 @@ export class Simulator {
     $("platen-hint").textContent = this.platen.enabled ? t(`platen.hint.${kind}`) : t("platen.claim");
     $("lay").textContent = t({ roll: "platen.rollit", pen: "platen.signit" }[kind] ?? "platen.lay");
     $("lay").hidden = kind === "dirt";
+    $("together-line").hidden = kind !== "hand";
+    this.#showFinger();
     this.setPlugged(this.plugged);
     this.#showScene(this.scene);
     this.platen.redraw();
@@ -129,7 +131,7 @@ export class Simulator {
   #showFinger() {
     const finger = this.platen?.finger;
     $("finger").hidden = !finger;
-    $("finger-none").hidden = Boolean(finger);
+    $("finger-none").hidden = Boolean(finger) || !["slap-right", "slap-left", "thumbs", "finger"].includes($("what").value);
     if (!finger) return;
     for (const key of ["pressure", "angle", "dryness", "seed", "pattern", "material"]) {
       const input = $(`finger-${key}`);

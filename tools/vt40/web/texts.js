@@ -204,7 +204,7 @@ export const table = {
   "device.on": ["on", "an"],
   "device.off": ["off", "aus"],
   "device.choose": ["Scanner", "Scanner"],
-  "device.beeps": ["{count} beeps", "{count} Piepser"],
+  "device.beeps": ["Beeps: {count}", "Piepser: {count}"],
 
   "token": ["Access token", "Zugangswort"],
   "token.more": ["This service asks for a token. It stands in the address that vt40 serve printed, after “#token=”.",
