@@ -232,7 +232,7 @@ onPage("an error is shown in words, with what to do", async (page) => {
 onPage("lights, buzzer and display of the scanner are drawn as they are set", async (page) => {
   await page.locator("#line1").fill("Hello");
   await page.locator("#display-form button").first().click();
-  await page.locator('#display[aria-label^="Hello"]').waitFor();
+  await page.locator('#display[aria-label^="Display: Hello"]').waitFor();
   await page.locator("#leds button").nth(3).click();
   await page.locator('#leds button:nth-child(4)[data-state="1"]').waitFor();
   const beeps = Number((await page.locator("#beeps").textContent()).replace(/\D/g, ""));

@@ -45,7 +45,7 @@ export class Device {
     });
     $("display").replaceChildren(...state.display.map((line) =>
       make("span", { class: "line" }, ...[...displayLine(line)].map((letter) => make("i", { textContent: letter })))));
-    $("display").setAttribute("aria-label", state.display.map((line) => line.trim()).join(", "));
+    $("display").setAttribute("aria-label", t("device.display") + ": " + state.display.map((line) => line.trim()).join(", "));
     $("light").textContent = t(state.light ? "device.on" : "device.off");
     $("light").dataset.on = state.light;
     $("beeps").textContent = t("device.beeps", { count: state.beeps });

@@ -30,7 +30,6 @@ export const table = {
   "claim.keep": ["Keep", "Behalten"],
   "claim.denied": ["Take the scanner first, or ask the tab that holds it.",
     "Übernehmen Sie zuerst den Scanner, oder fragen Sie den Tab, der ihn hält."],
-  "claim.tab": ["Tab {number}", "Tab {number}"],
 
   "mode": ["Capture mode", "Aufnahmemodus"],
   "mode.off": ["Off", "Aus"],
@@ -203,7 +202,6 @@ export const table = {
   "device.light": ["Platen light", "Plattenlicht"],
   "device.on": ["on", "an"],
   "device.off": ["off", "aus"],
-  "device.choose": ["Scanner", "Scanner"],
   "device.beeps": ["Beeps: {count}", "Piepser: {count}"],
 
   "token": ["Access token", "Zugangswort"],
