@@ -269,6 +269,7 @@ for (const locale of ["en-GB", "de-DE"])
       await mode(page, name);
       assert.deepEqual(await overflowing(page), [0], name);
     }
+    await page.waitForFunction(() => document.getElementById("state").dataset.tone === "good");
     await page.evaluate(() => scrollTo(0, 0));
     await shot(page, `phone-${locale}`, { fullPage: true });
     await page.keyboard.press("?");

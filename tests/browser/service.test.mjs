@@ -50,6 +50,7 @@ test("the page connects again to a service that was started anew, without being 
     await station.stop();
     await state(page, "No connection");
     await shot(page, "no-connection");
+    assert.ok(!(await page.locator("#claim").isVisible()) && (await page.locator("#lay").isDisabled()));
     station = await serve("--port", port);
     await page.locator('#claim[data-whose="mine"]').waitFor();
     await state(page, "Lay fingers down");

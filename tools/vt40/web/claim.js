@@ -39,24 +39,35 @@ export class Claim {
     return Boolean(this.connection.claim) && this.holder === this.name;
   }
 
-  /** Says who this page is after it has connected, and takes a scanner that nobody holds. */
+  /**
+   * Says who this page is after it has connected, and takes a scanner that nobody holds.
+   * @returns {Promise<boolean>} whether it was taken
+   */
   async introduce() {
     this.connection.send({ name: this.name });
     const { holder } = await this.connection.call("GET", "/api/status");
+    if (holder === null) {
+      await this.take();
+      return true;
+    }
     if (this.connection.claim && holder === this.name) this.connection.send({ claim: this.connection.claim });
-    else if (holder === null) return this.take();
     else this.#keep("");
     this.#show(holder);
     return false;
   }
 
-  /** Takes the scanner. @returns {Promise<boolean>} */
+  /** Shows nobody's claim while there is no service. */
+  disconnected() {
+    $("claim").hidden = true;
+    this.changed(false);
+  }
+
+  /** Takes the scanner. */
   async take() {
     const { claim } = await this.connection.call("POST", "/api/claim", { name: this.name });
     this.#keep(claim);
     this.connection.send({ claim });
     this.#show(this.name);
-    return true;
   }
 
   /** What the button does: takes a free scanner, releases one's own, asks another holder. */
@@ -104,11 +115,12 @@ export class Claim {
     const whose = this.mine ? "mine" : holder === null ? "free" : "other";
     if (whose !== "other") this.asked = false;
     if (whose !== "mine") this.#ask(null);
+    $("claim").hidden = !this.connection.isOpen;
     $("claim").dataset.whose = whose;
     $("claim-text").textContent = t(`claim.${whose}`, { name: holder ?? "" });
     $("claim-do").textContent = t({ mine: "claim.release", free: "claim.take", other: this.asked ? "claim.asked" : "claim.ask" }[whose]);
     $("claim-do").disabled = this.asked;
-    this.changed(this.mine);
+    this.changed(this.mine && this.connection.isOpen);
   }
 
   /** Shows that another page asks, or that none does any more. @param {string|null} name */

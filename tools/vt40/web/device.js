@@ -29,7 +29,17 @@ export class Device {
       this.attempt(connection.call("PUT", "/api/display", { lines })
         .then(() => this.simulated || this.show({ ...this.state, display: lines })));
     });
+    $("scanners").addEventListener("change", () =>
+      this.attempt(connection.call("PUT", "/api/scanner", { serial: $("scanners").value })));
     this.show(this.state);
+  }
+
+  /** Offers the scanners, when there are several. */
+  async load() {
+    const { scanners } = await this.connection.call("GET", "/api/scanners");
+    $("scanners").replaceChildren(...scanners.map((serial) => make("option", { value: serial, textContent: serial })));
+    $("scanners").value = $("serial").textContent;
+    $("scanners").hidden = scanners.length < 2;
   }
 
   /**
@@ -60,7 +70,7 @@ export class Device {
 
   /** @param {boolean} mine whether this page holds the scanner */
   setClaim(mine) {
-    for (const element of $("device").querySelectorAll("button, input")) element.disabled = !mine;
+    for (const element of $("device").querySelectorAll("button, input, select")) element.disabled = !mine;
   }
 
   #next(index) {

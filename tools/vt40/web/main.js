@@ -15,6 +15,7 @@ const modes = ["off", "preview", "full", "auto", "auto-live", "roll", "signature
 const seen = { link: "connecting", status: null, facts: null, result: null };
 let seconds = 0;
 let outcomeTimer = 0;
+let begins = false;
 
 const connection = new Connection(new URLSearchParams(location.hash.slice(1)).get("token") ?? "");
 const shell = new Shell(showTexts);
@@ -76,12 +77,13 @@ function showStatus(status) {
   $("clients").textContent = status.clients > 1 ? t("link.clients", { clients: status.clients }) : "";
   $("version").textContent = [`vt40 ${status.version}`, status.scanLibrary?.version].filter(Boolean).join(" · ");
   device.simulated = status.simulated;
-  attempt(simulator.show(status.simulated));
-  if (status.simulated && before && before.connected !== status.connected) attempt(simulator.refresh());
+  simulator.show(status.simulated);
+  if (status.simulated && before && before.connected !== status.connected) simulator.refresh();
   plots.configure(status.mode, status.limits);
   if (!status.connected || status.mode === "off") view.clear(status.connected ? "view.off" : "state.unplugged");
   showCapture();
   showState();
+  begin();
 }
 
 function showFacts(facts) {
@@ -95,6 +97,8 @@ function showFacts(facts) {
 }
 
 function gotResult(result) {
+  // The answer to a call and the event say the same.
+  if (seen.result?.id === result.id) return;
   const { kind, verdict } = result;
   results.add(result);
   seen.result = result;
@@ -120,9 +124,16 @@ async function opened() {
   const local = ["localhost", "127.0.0.1", "[::1]"].includes(location.hostname);
   connection.send({ format: local ? "grey" : "jpeg", scale: 1 });
   const taken = await claim.introduce();
-  await results.load();
-  // Whoever opens the page wants to see something.
-  if (taken && seen.status?.connected && seen.status.mode === "off") setMode("auto");
+  await Promise.all([results.load(), device.load(), simulator.load()]);
+  begins = taken;
+  begin();
+}
+
+/** Whoever opens the page wants to see something, as soon as there is a scanner. */
+function begin() {
+  if (!begins || !seen.status?.connected) return;
+  begins = false;
+  if (seen.status.mode === "off") setMode("auto");
 }
 
 connection.addEventListener("state", (event) => {
@@ -132,7 +143,11 @@ connection.addEventListener("state", (event) => {
   if (state === "refused") return shell.fail({ text: t("error.host"), advice: t("error.host.more") });
   // While the page tries again it still has no connection.
   if (!(state === "connecting" && seen.link === "closed")) seen.link = state;
-  if (state === "closed") view.clear("state.lost");
+  if (state === "closed") {
+    seen.status = null;
+    view.clear("state.lost");
+    claim.disconnected();
+  }
   if (state === "open") attempt(opened());
   showLink();
   showState();

@@ -90,12 +90,14 @@ export class Platen {
     this.redraw();
   }
 
-  /** Takes over what another page has laid, when this one drags nothing. @param {Object|null} scene of the service */
+  /** Takes over what lies there according to the service. @param {Object} scene as the service takes it */
   adopt(scene) {
-    if (this.drag || !scene?.fingers) return;
-    this.fingers = scene.fingers.filter((finger) => !finger.roll).map((finger) => ({ ...layHand("finger")[0], ...finger, ...finger.print }));
-    Object.assign(this, { dirt: scene.dirt ?? [], ambient: scene.ambient ?? 6, noise: scene.noise ?? 1, chosen: -1 });
-    this.redraw();
+    const [usual] = layHand("finger");
+    // A finger that rolls by itself has no position that could be shown.
+    const still = (scene.fingers ?? []).filter((finger) => !finger.roll);
+    this.fingers = still.map(({ print, ...finger }) => ({ ...usual, ...print, ...finger }));
+    Object.assign(this, { dirt: scene.dirt ?? [], ambient: scene.ambient ?? 6, noise: scene.noise ?? 1 });
+    this.#choose(-1);
   }
 
   /** Changes a value of the chosen finger, or of the hand that moves with it. @param {string} key @param {number|string} value */

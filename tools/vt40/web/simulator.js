@@ -29,21 +29,23 @@ export class Simulator {
   }
 
   /** Shows the panel of a simulated scanner, and hides it for a real one. @param {boolean} simulated */
-  async show(simulated) {
-    if (this.simulated === simulated) return;
-    this.simulated = simulated;
+  show(simulated) {
     $("simulator").hidden = !simulated;
-    document.body.classList.toggle("has-platen", simulated);
-    if (!simulated) return;
+  }
+
+  /** Takes over what lies on the platen of a service to which the page has just connected. */
+  async load() {
     const facts = await this.refresh();
     if (!facts) return;
+    const chosen = $("scene").value;
     $("scene").replaceChildren(...facts.scenes.map((name) => make("option", { value: name, textContent: name })));
-    this.platen.adopt(facts.platen);
+    if (chosen) $("scene").value = chosen;
+    this.platen.adopt(facts.platen ?? {});
     this.#showScene(facts.platen ? "" : facts.scene);
     this.#showRoom();
   }
 
-  /** Asks how the simulator stands. @returns {Promise<Object|null>} */
+  /** Asks how the simulator stands. @returns {Promise<Object|null>} null when there is none */
   async refresh() {
     try {
       const facts = await this.connection.call("GET", "/api/simulator");
