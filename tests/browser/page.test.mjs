@@ -46,6 +46,11 @@ async function leave(page) {
   await page.context().close();
 }
 
+/** Waits until the first such picture is there. */
+function loaded(page, selector) {
+  return page.waitForFunction((name) => document.querySelector(name)?.naturalWidth > 0, selector);
+}
+
 /** Drags over the platen, through so many points. */
 async function drag(page, from, to, steps = 12, pauseMs = 30) {
   const [fromX, fromY] = await spot(page, ...from);
@@ -97,10 +102,10 @@ onPage("a hand that settles is captured by itself and lies in the strip", async 
   await state(page, "Hold still");
   await shot(page, "hold-still");
   await page.locator(`#strip li:nth-child(${before + 1})`).waitFor();
-  await page.locator("#strip img").first().evaluate((image) => image.decode());
+  await loaded(page, "#strip img");
   await shot(page, "settled", { fullPage: true });
   await page.locator("#strip .card").first().click();
-  await page.locator("#picture-image").evaluate((image) => image.decode());
+  await loaded(page, "#picture-image");
   assert.match(await page.locator("#picture-facts").textContent(), /1600 × 1600, 500 dpi/);
   const [download] = await Promise.all([page.waitForEvent("download"), page.locator("#picture-downloads a").first().click()]);
   assert.match(download.suggestedFilename(), /^VT40-AB0001-\d+-full\.png$/);

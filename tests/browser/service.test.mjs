@@ -3,7 +3,7 @@ import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { after, before, test } from "node:test";
 
-import { browse, drawnFrames, mode, open, patience, serve, shot, state } from "./station.mjs";
+import { browse, drawnFrames, live, mode, open, patience, serve, shot, state } from "./station.mjs";
 
 let browser;
 
@@ -15,12 +15,19 @@ after(async () => {
   await browser?.close();
 });
 
-test("a service with a token lets in who has it, and asks the others", async () => {
-  const station = await serve("--token", "open-sesame");
+test("a service with a token lets in who has it, with small pictures for other machines, and asks the others", async () => {
+  // To the page, all but the usual names of this machine is another machine.
+  const station = await serve("--host", "127.0.0.2", "--token", "open-sesame");
   try {
     const invited = await open(browser, station.url);
     await invited.locator('#claim[data-whose="mine"]').waitFor();
+    await mode(invited, "preview");
+    const jpeg = invited.socket.waitForEvent("framereceived", ({ payload }) => payload instanceof Buffer && payload[4] === 1);
+    await invited.locator("#lay").click();
+    await state(invited, "Still");
+    assert.ok((await jpeg).payload.length < 800 * 800 / 2);
     await drawnFrames(invited, 5);
+    assert.ok((await live(invited)).count > 5000, "the picture of a hand is drawn");
     assert.deepEqual(invited.faults, []);
     await invited.context().close();
     const other = await open(browser, station.url.replace(/#.*/, ""));

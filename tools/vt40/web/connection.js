@@ -121,13 +121,15 @@ export class Connection extends EventTarget {
     throw new ServiceError(answer.status, body.error ?? unknown);
   }
 
+  /** A message that cannot be read is reported like an error of the service; the next one may be good. */
   #receive(data) {
-    if (data instanceof ArrayBuffer) {
-      this.dispatchEvent(new CustomEvent("frame", { detail: parseFrame(data) }));
-      return;
+    try {
+      const frame = data instanceof ArrayBuffer ? parseFrame(data) : null;
+      const message = frame ? { event: "frame" } : JSON.parse(data);
+      this.dispatchEvent(new CustomEvent(message.event, { detail: frame ?? message }));
+    } catch (error) {
+      this.dispatchEvent(new CustomEvent("error", { detail: { error: { name: "MESSAGE", text: error.message, advice: "" } } }));
     }
-    const message = JSON.parse(data);
-    this.dispatchEvent(new CustomEvent(message.event, { detail: message }));
   }
 
   #again() {
