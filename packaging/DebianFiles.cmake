@@ -31,5 +31,6 @@ install(FILES ${CMAKE_SOURCE_DIR}/README.md ${docs}/reference.md ${docs}/roll-ve
   DESTINATION ${doc_dir}/libkelvarinlivescannervt40-dev COMPONENT development)
 install(FILES ${docs}/schema/vt40.schema.json DESTINATION ${doc_dir}/kelvarin-vt40-tools/schema COMPONENT tools)
 install(FILES ${docs}/python.md DESTINATION ${doc_dir}/python3-kelvarin-vt40 COMPONENT python)
-install(FILES ${docs}/openapi.yaml ${docs}/service.md DESTINATION ${doc_dir}/kelvarin-vt40-tools COMPONENT tools)
+install(FILES ${docs}/openapi.yaml ${docs}/service.md ${docs}/live.md ${docs}/live.png
+  DESTINATION ${doc_dir}/kelvarin-vt40-tools COMPONENT tools)
 install(FILES ${docs}/simulator.md DESTINATION ${doc_dir}/kelvarin-vt40-simulator COMPONENT simulator)

@@ -1,4 +1,5 @@
-// The page and its service: the token, a service that goes and comes back, and how long the way to the screen is.
+// The page and its service: the token, a service that goes and comes back, and how long the way to the screen
+// is.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { after, before, test } from "node:test";
@@ -75,14 +76,19 @@ function processorSeconds(pid) {
   return (Number(fields[11]) + Number(fields[12])) / 100;
 }
 
-/** Milliseconds from the slider that turns the finger in the middle of the platen until the live picture shows it turned. */
+/**
+ * Milliseconds from the slider that turns the finger in the middle of the platen until the live picture shows
+ * it turned.
+ */
 function latency(page, degrees) {
   return page.evaluate(([angle, most]) => new Promise((resolve, reject) => {
     const canvas = document.getElementById("live");
     const scale = Math.min(canvas.width, canvas.height) / 81.28;
-    // Ten millimetres beside the middle there is skin when the finger lies across, and none when it is upright.
+    // Ten millimetres beside the middle there is skin when the finger lies across, and none when it is
+    // upright.
     const [x, y] = [canvas.width / 2 + 9 * scale, canvas.height / 2 - 3 * scale];
-    const isDark = () => canvas.getContext("2d").getImageData(x, y, scale, 6 * scale).data.some((value, n) => n % 4 === 0 && value < 100);
+    const context = canvas.getContext("2d");
+    const isDark = () => context.getImageData(x, y, scale, 6 * scale).data.some((value, n) => n % 4 === 0 && value < 100);
     const slider = document.getElementById("finger-angle");
     const [before, begun] = [isDark(), performance.now()];
     const look = () => {

@@ -1,4 +1,5 @@
-// What the browser tests share: a service of their own, a browser, and the ways in which they look at the page.
+// What the browser tests share: a service of their own, a browser, and the ways in which they look at the
+// page.
 import { spawn } from "node:child_process";
 import { mkdirSync } from "node:fs";
 import { createRequire } from "node:module";
@@ -41,18 +42,20 @@ export async function serve(...options) {
 export function browse() {
   mkdirSync(shots, { recursive: true });
   // The sandbox needs rights that a build machine's root does not give.
-  return chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium", args: ["--no-sandbox", "--disable-gpu"] });
+  const executablePath = process.env.CHROMIUM ?? "/usr/bin/chromium";
+  return chromium.launch({ executablePath, args: ["--no-sandbox", "--disable-gpu"] });
 }
 
 /**
- * Opens the page in a context of its own, in English and light unless asked otherwise. What goes wrong in the page, and all
- * that its policy refuses, is kept in page.faults.
+ * Opens the page in a context of its own, in English and light unless asked otherwise. What goes wrong in the
+ * page, and all that its policy refuses, is kept in page.faults.
  * @param {import("playwright-core").Browser} browser
  * @param {string} url
  * @param {Object} [options] of the context
  */
 export async function open(browser, url, options = {}) {
-  const context = await browser.newContext({ viewport: { width: 1440, height: 960 }, locale: "en-GB", colorScheme: "light", ...options });
+  const usual = { viewport: { width: 1440, height: 960 }, locale: "en-GB", colorScheme: "light" };
+  const context = await browser.newContext({ ...usual, ...options });
   return newTab(context, url);
 }
 
@@ -123,8 +126,8 @@ export function drawnFrames(page, count) {
 }
 
 /**
- * How many pixels of the live picture are dark, and where their middle is, in shares of its side. The whole picture must be
- * in sight.
+ * How many pixels of the live picture are dark, and where their middle is, in shares of its side. The whole
+ * picture must be in sight.
  */
 export function live(page) {
   return page.evaluate(() => {

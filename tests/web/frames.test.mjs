@@ -24,7 +24,8 @@ function message({ magic = "VTF1", format = 0, kind = 2, header = 32, width = 3,
 
 test("a frame is taken apart", () => {
   const { payload, ...facts } = parseFrame(message());
-  assert.deepEqual(facts, { format: "grey", kind: "roll", width: 3, height: 2, pelsPerMetre: 19685, number: 0x80000001, time: 1700000000123.5 });
+  assert.deepEqual(facts, { format: "grey", kind: "roll", width: 3, height: 2, pelsPerMetre: 19685, number: 0x80000001,
+    time: 1700000000123.5 });
   assert.deepEqual([...payload], [0, 10, 20, 30, 40, 50]);
 });
 

@@ -13,7 +13,8 @@ import { has, setLanguage, t, table } from "../../tools/vt40/web/texts.js";
 
 const folder = new URL("../../tools/vt40/web/", import.meta.url);
 const html = readFileSync(new URL("index.html", folder), "utf8");
-const scripts = readdirSync(folder).filter((name) => name.endsWith(".js")).map((name) => [name, readFileSync(new URL(name, folder), "utf8")]);
+const scripts = readdirSync(folder).filter((name) => name.endsWith(".js"))
+  .map((name) => [name, readFileSync(new URL(name, folder), "utf8")]);
 const found = (text, pattern) => [...text.matchAll(pattern)].map((match) => match[1]);
 
 test("each text is there in both languages, with the same values in it", () => {
@@ -48,7 +49,8 @@ test("elements and modules that are asked for exist, and nothing stands inline",
   assert.equal(new Set(ids).size, ids.length, "an identifier stands twice");
   for (const [name, text] of scripts) {
     for (const id of found(text, /\$\("([^"]+)"\)/g)) assert.ok(ids.includes(id), `${name}: ${id}`);
-    for (const module of found(text, /from "\.\/([^"]+)"/g)) assert.ok(scripts.some(([other]) => other === module), `${name}: ${module}`);
+    for (const module of found(text, /from "\.\/([^"]+)"/g))
+      assert.ok(scripts.some(([other]) => other === module), `${name}: ${module}`);
     assert.match(text, /^\/\/ [A-Z]/, `${name} says what it is for`);
     assert.doesNotMatch(text, /innerHTML|insertAdjacentHTML|document\.write|eval\(/, name);
   }
@@ -63,7 +65,8 @@ function said(seen) {
   return `${word} ${tone}`;
 }
 
-const running = (mode, facts, result = null) => said({ status: { connected: true, mode, limits: { minScore: 50 } }, facts, result });
+const running = (mode, facts, result = null) =>
+  said({ status: { connected: true, mode, limits: { minScore: 50 } }, facts, result });
 
 test("the state in large words follows what the scanner reports", () => {
   assert.equal(said({ link: "closed", status: { connected: true, mode: "auto" } }), "state.lost bad");
@@ -103,7 +106,10 @@ test("the language is what was chosen, or what the browser asks for first", () =
 });
 
 test("tabs count on, and a tab that is loaded again keeps its name", () => {
-  const storage = () => ({ kept: {}, getItem(key) { return this.kept[key] ?? null; }, setItem(key, value) { this.kept[key] = value; } });
+  const storage = () => {
+    const kept = new Map();
+    return { getItem: (key) => kept.get(key) ?? null, setItem: (key, value) => kept.set(key, value) };
+  };
   const [shared, first] = [storage(), storage()];
   assert.deepEqual([tabName(first, shared), tabName(first, shared), tabName(storage(), shared)], ["Tab 1", "Tab 1", "Tab 2"]);
 });

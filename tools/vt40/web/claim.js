@@ -118,7 +118,8 @@ export class Claim {
     $("claim").hidden = !this.connection.isOpen;
     $("claim").dataset.whose = whose;
     $("claim-text").textContent = t(`claim.${whose}`, { name: holder ?? "" });
-    $("claim-do").textContent = t({ mine: "claim.release", free: "claim.take", other: this.asked ? "claim.asked" : "claim.ask" }[whose]);
+    const ask = this.asked ? "claim.asked" : "claim.ask";
+    $("claim-do").textContent = t({ mine: "claim.release", free: "claim.take", other: ask }[whose]);
     $("claim-do").disabled = this.asked;
     this.changed(this.mine && this.connection.isOpen);
   }

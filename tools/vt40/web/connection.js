@@ -11,7 +11,10 @@ export function backOff(failures) {
   return Math.min(longestWait, 500 * 2 ** Math.min(failures, 10));
 }
 
-/** A refusal of the service, or none of an answer: number, name, text and advice, with the HTTP status (0: no answer). */
+/**
+ * A refusal of the service, or none of an answer: number, name, text and advice, with the HTTP status (0: no
+ * answer).
+ */
 export class ServiceError extends Error {
   constructor(status, error) {
     super(error.text);
@@ -20,8 +23,8 @@ export class ServiceError extends Error {
 }
 
 /**
- * Events: "state" with detail {state: "connecting"|"open"|"closed"|"token"|"refused", seconds}, "frame" with a Frame, and
- * one for each event of the service, under its name and with its data.
+ * Events: "state" with detail {state: "connecting"|"open"|"closed"|"token"|"refused", seconds}, "frame" with
+ * a Frame, and one for each event of the service, under its name and with its data.
  */
 export class Connection extends EventTarget {
   /** @param {string} token "" for a service without one */
@@ -68,7 +71,8 @@ export class Connection extends EventTarget {
   }
 
   /**
-   * Sends a message; without a connection it is dropped, since the page says everything anew when there is one.
+   * Sends a message; without a connection it is dropped, since the page says everything anew when there is
+   * one.
    * @param {Object} message
    */
   send(message) {

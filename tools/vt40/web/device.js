@@ -20,7 +20,8 @@ export class Device {
     Object.assign(this, { connection, attempt });
     this.beeps = null;
     this.state = { leds: new Array(ledCount).fill(0), display: ["", ""], beeps: 0, light: false };
-    this.leds = this.state.leds.map((_, index) => make("button", { class: "led", type: "button", onclick: () => this.#next(index) }));
+    this.leds = this.state.leds.map((_, index) =>
+      make("button", { class: "led", type: "button", onclick: () => this.#next(index) }));
     $("leds").append(...this.leds);
     $("beep").addEventListener("click", () => this.attempt(connection.call("POST", "/api/beep", { values: [300, 100] })));
     $("display-form").addEventListener("submit", (event) => {
@@ -43,7 +44,8 @@ export class Device {
   }
 
   /**
-   * Shows what the simulated scanner reports. A real one reports nothing: there the page shows what it has set.
+   * Shows what the simulated scanner reports. A real one reports nothing: there the page shows what it has
+   * set.
    * @param {{leds: number[], display: string[], beeps: number, light: boolean}} state
    */
   show(state) {

@@ -14,8 +14,8 @@ export function $(id) {
 /**
  * Makes an element.
  * @param {string} name
- * @param {Object<string, *>} [properties] set as they are; "class", "data-…" and "aria-…" become attributes, "on…"
- *     listeners
+ * @param {Object<string, *>} [properties] set as they are; "class", "data-…" and "aria-…" become attributes,
+ *     "on…" listeners
  * @param {...(Node|string|null)} children
  * @returns {HTMLElement}
  */
@@ -57,7 +57,8 @@ export function themeChanged() {
 /**
  * Gives a canvas as many pixels as the screen has for it.
  * @param {HTMLCanvasElement} canvas
- * @returns {{context: CanvasRenderingContext2D, width: number, height: number, ratio: number}} sizes in CSS pixels
+ * @returns {{context: CanvasRenderingContext2D, width: number, height: number, ratio: number}} sizes in CSS
+ *     pixels
  */
 export function fitCanvas(canvas) {
   const ratio = window.devicePixelRatio || 1;

@@ -36,7 +36,8 @@ export function parseFrame(buffer) {
   if (kind >= kinds.length) throw new Error(`a frame has the unknown kind ${kind}`);
   // A later service may have a longer header, of which this page knows the beginning.
   if (size < headerSize || size > buffer.byteLength) throw new Error(`a frame's header has ${size} bytes`);
-  if (!width || !height || width > largestSide || height > largestSide) throw new Error(`a frame has ${width} × ${height} pixels`);
+  if (!width || !height || width > largestSide || height > largestSide)
+    throw new Error(`a frame has ${width} × ${height} pixels`);
   const payload = new Uint8Array(buffer, size);
   if (format === 0 && payload.length !== width * height)
     throw new Error(`a frame of ${width} × ${height} pixels has ${payload.length} bytes`);
@@ -74,7 +75,10 @@ export class FrameMeter {
     this.#forget(now);
   }
 
-  /** @returns {{rate: number, latency: number|null}} frames of the last second, and the median delay in milliseconds */
+  /**
+   * @returns {{rate: number, latency: number|null}} frames of the last second, and the median delay in
+   *     milliseconds
+   */
   read(now) {
     this.#forget(now);
     const late = this.#drawn.map((one) => one.late).sort((a, b) => a - b);

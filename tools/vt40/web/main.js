@@ -1,4 +1,5 @@
-// Puts the page together: what the service reports goes to the parts that show it, and keys and buttons to those that act.
+// Puts the page together: what the service reports goes to the parts that show it, and keys and buttons to
+// those that act.
 import { Claim } from "./claim.js";
 import { Connection } from "./connection.js";
 import { Device } from "./device.js";
@@ -28,7 +29,8 @@ const simulator = new Simulator(connection, attempt);
 const claim = new Claim(connection, attempt, showClaim);
 
 for (const mode of modes)
-  $("modes").append(make("button", { "type": "button", "data-mode": mode, "data-text": `mode.${mode}`, onclick: () => setMode(mode) }));
+  $("modes").append(make("button",
+    { "type": "button", "data-mode": mode, "data-text": `mode.${mode}`, onclick: () => setMode(mode) }));
 
 function setMode(mode) {
   seen.result = null;
@@ -198,7 +200,8 @@ document.addEventListener("keydown", (event) => {
   else if (Object.hasOwn(zooms, event.key)) view.zoom(zooms[event.key]);
   else if (Object.hasOwn(keys, event.key.toLowerCase())) keys[event.key.toLowerCase()]();
 });
-for (const button of document.querySelectorAll("[data-zoom]")) button.addEventListener("click", () => view.zoom(zooms[button.dataset.zoom]));
+for (const button of document.querySelectorAll("[data-zoom]"))
+  button.addEventListener("click", () => view.zoom(zooms[button.dataset.zoom]));
 $("capture").addEventListener("click", capture);
 $("link-now").addEventListener("click", () => connection.connect());
 window.addEventListener("online", () => connection.connect());

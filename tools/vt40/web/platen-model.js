@@ -7,6 +7,9 @@ export const rollFrame = { x: 40.64, y: 20.32, half: 20.32 };
 /** A rolling finger: its unrolled print and the strip that is down. */
 export const rollPrint = { width: 28, height: 23, strip: 14 };
 
+/** Milliseconds between two messages while something is dragged. */
+export const sendPeriod = 34;
+
 const hands = {
   "slap-right": [[21, "right-loop", 15.4, 22, 14.5, 42.5, -2], [22, "whorl", 16.2, 23.5, 33.2, 27.5, 2],
     [23, "whorl", 15.6, 22.5, 51, 31, 7], [24, "right-loop", 13.2, 19.5, 68.5, 48.5, 13]],
@@ -28,7 +31,8 @@ const hands = {
  * @property {number} width of the print, mm
  * @property {number} height
  * @property {string} material
- * @property {number|null} strip of a rolling finger: middle of what is down, mm to the right of the print's middle
+ * @property {number|null} strip of a rolling finger: middle of what is down, mm to the right of the print's
+ *     middle
  */
 
 export const clamp = (value, least, most) => Math.min(most, Math.max(least, value));
@@ -92,8 +96,8 @@ export function handleOf(finger) {
 }
 
 /**
- * The finger under a point, the one that was laid last when there are several; -1 for none. Its body counts as well, which
- * is above the platen.
+ * The finger under a point, the one that was laid last when there are several; -1 for none. Its body counts
+ * as well, which is above the platen.
  * @param {Finger[]} fingers
  */
 export function fingerAt(fingers, x, y) {

@@ -6,8 +6,8 @@ import { number, t } from "./texts.js";
 export const length = 150;
 
 /**
- * Where values fall in a plot: 0 is its bottom and 1 its top. Values span decades on a logarithmic scale, which begins
- * with 1.
+ * Where values fall in a plot: 0 is its bottom and 1 its top. Values span decades on a logarithmic scale,
+ * which begins with 1.
  * @param {number} value
  * @param {number} top the value at the top
  * @param {boolean} logarithmic
@@ -43,8 +43,8 @@ export function short(value) {
 }
 
 /**
- * What can be plotted: the fact's name; the limit's name in the service's status; whether the scanner fires above or below
- * it; and the scale. At most 100 is a score or a condition.
+ * What can be plotted: the fact's name; the limit's name in the service's status; whether the scanner fires
+ * above or below it; and the scale. At most 100 is a score or a condition.
  */
 export const kinds = {
   fingerPixels: { limit: "noFingerPixels", fires: "above", least: 2000, logarithmic: true },
@@ -111,7 +111,8 @@ class Plot {
     this.title.textContent = name;
     this.reading.textContent = last === null ? "–" : short(last);
     this.note.textContent = this.limit === null ? "" : t(`plot.${this.kind.fires}`, { limit: short(this.limit) });
-    this.canvas.setAttribute("aria-label", t("plot.reading", { name, value: this.reading.textContent }) + " " + this.note.textContent);
+    const reading = t("plot.reading", { name, value: this.reading.textContent });
+    this.canvas.setAttribute("aria-label", `${reading} ${this.note.textContent}`);
   }
 
   /** The side of the limit on which the scanner fires is tinted. */

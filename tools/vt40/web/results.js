@@ -16,11 +16,12 @@ export function fileName(result, picture) {
 export function factsOf(result) {
   const [picture] = result.pictures;
   const facts = [];
-  if (result.verdict) facts.push(has(`verdict.${result.verdict.name}`) ? t(`verdict.${result.verdict.name}`) : result.verdict.text);
+  const verdict = `verdict.${result.verdict?.name}`;
+  if (result.verdict) facts.push(has(verdict) ? t(verdict) : result.verdict.text);
   else if (result.done === false && result.mode !== "preview" && result.kind !== "full") facts.push(t("results.partial"));
   if (result.mode === "auto-live") facts.push(t("results.score", { score: number(result.score) }));
   if (typeof result.millimetres === "number") facts.push(`${number(result.millimetres, 1)} mm`);
-  if (picture) facts.push(t("results.size", { width: picture.width, height: picture.height, dpi: dotsPerInch(picture.pelsPerMetre) }));
+  if (picture) facts.push(t("results.size", { ...picture, dpi: dotsPerInch(picture.pelsPerMetre) }));
   if (result.condition) facts.push(t("results.dirt", { condition: result.condition }));
   return facts;
 }
@@ -76,8 +77,9 @@ export class Results {
     this.#url(small).then((url) => { image.src = url; }, () => {});
     const [first, ...more] = factsOf(result);
     const tone = result.verdict ? (result.verdict.number === 0 ? "good" : "bad") : "plain";
-    const card = make("button", { class: "card", type: "button", "aria-label": t("results.open", { id: result.id }) + ": " + first,
-      onclick: () => this.attempt(this.open(result.id)) },
+    const label = `${t("results.open", { id: result.id })}: ${first}`;
+    const card = make("button",
+      { class: "card", type: "button", "aria-label": label, onclick: () => this.attempt(this.open(result.id)) },
       make("span", { class: "card-image" }, image),
       make("span", { class: "card-title" }, make("b", { textContent: t(`kind.${result.kind}`) }),
         make("time", { textContent: new Date(result.time).toLocaleTimeString(), dateTime: result.time })),

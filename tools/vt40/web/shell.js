@@ -6,8 +6,8 @@ const errorStays = 12000;
 
 /** Keys and what they do, for the help; main.js and the canvases obey them. */
 export const keyTable = [
-  ["keys.page", [["1 – 7", "keys.mode"], ["C", "keys.capture"], ["+  −  0  =", "keys.zoom"], ["L", "keys.lay"], ["X", "keys.lift"],
-    ["T", "keys.theme"], ["G", "keys.language"], ["?", "keys.help"]]],
+  ["keys.page", [["1 – 7", "keys.mode"], ["C", "keys.capture"], ["+  −  0  =", "keys.zoom"], ["L", "keys.lay"],
+    ["X", "keys.lift"], ["T", "keys.theme"], ["G", "keys.language"], ["?", "keys.help"]]],
   ["keys.onview", [["keys.arrows", "keys.view"]]],
   ["keys.onplaten", [["keys.space", "keys.next"], ["keys.arrows", "keys.move"], ["[  ]", "keys.turn"], [",  .", "keys.press"],
     ["keys.del", "keys.delete"]]],
@@ -25,7 +25,10 @@ export function firstLanguage(chosen, wanted) {
 }
 
 export class Shell {
-  /** @param {() => void} changed says anew what the page has said in another language, and draws it in another theme */
+  /**
+   * @param {() => void} changed says anew what the page has said in another language, and draws it in another
+   *     theme
+   */
   constructor(changed) {
     this.changed = changed;
     this.dark = matchMedia("(prefers-color-scheme: dark)");
@@ -84,12 +87,17 @@ export class Shell {
     same?.remove();
     const box = make("div", { "class": "error", "data-text": text },
       make("div", {}, make("b", { textContent: text }), make("span", { textContent: advice })),
-      make("button", { "type": "button", "class": "quiet", "aria-label": t("error.dismiss"), textContent: "×", onclick: () => box.remove() }));
+      make("button", { "type": "button", "class": "quiet", "aria-label": t("error.dismiss"), textContent: "×",
+        onclick: () => box.remove() }));
     $("errors").append(box);
     setTimeout(() => box.remove(), errorStays);
   }
 
-  /** Asks for the token. @param {boolean} wrong whether one was refused @param {(token: string) => void} given */
+  /**
+   * Asks for the token.
+   * @param {boolean} wrong whether one was refused
+   * @param {(token: string) => void} given
+   */
   askToken(wrong, given) {
     const dialog = $("token");
     $("token-wrong").hidden = !wrong;

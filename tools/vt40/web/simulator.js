@@ -1,4 +1,5 @@
-// What stands beside the simulated platen: what to lay down, the chosen finger's values, scenes, room, plug and faults.
+// What stands beside the simulated platen: what to lay down, the chosen finger's values, scenes, room, plug
+// and faults.
 import { $, make } from "./dom.js";
 import { sampleSignature } from "./pen.js";
 import { layRolling, rollOver } from "./platen-model.js";

@@ -36,7 +36,8 @@ function fingers(mode, facts, limits) {
   const reason = reasonKey(facts?.reason);
   switch (facts?.state) {
     case "finger": return state("state.still", "wait", reason);
-    case "hold still": return mode === "preview" ? state("state.ready", "good", "state.ready.more") : state("state.still", "wait", reason);
+    case "hold still":
+      return mode === "preview" ? state("state.ready", "good", "state.ready.more") : state("state.still", "wait", reason);
     case "done":
     case "lift":
       if (mode === "auto-live" && limits && facts.score < limits.minScore)
@@ -71,8 +72,8 @@ function signature(facts, result) {
  * @returns {State}
  */
 export function stateOf({ link, status, facts, result }) {
-  if (link !== "open") return link === "closed" ? state("state.lost", "bad", "state.lost.more") : state("state.connecting", "idle");
-  if (!status) return state("state.connecting", "idle");
+  if (link === "closed") return state("state.lost", "bad", "state.lost.more");
+  if (link !== "open" || !status) return state("state.connecting", "idle");
   if (!status.connected) return state("state.unplugged", "bad", "state.unplugged.more");
   switch (status.mode) {
     case "off": return result ? state("state.done", "good") : state("state.off", "idle", "state.off.more");

@@ -1,4 +1,5 @@
-// All words of the page, in English and German, and the functions that look them up and put them into the page.
+// All words of the page, in English and German, and the functions that look them up and put them into the
+// page.
 
 /** Key → [English, German]. A "{name}" is replaced by a value; both languages use the same ones. */
 export const table = {
@@ -258,7 +259,8 @@ export function language() {
 }
 
 /**
- * The text of a key in the chosen language; an unknown key is its own text, so that a fault is seen and breaks nothing.
+ * The text of a key in the chosen language; an unknown key is its own text, so that a fault is seen and
+ * breaks nothing.
  * @param {string} key
  * @param {Object<string, string|number>} [values] what stands for "{name}"
  * @returns {string}
@@ -283,8 +285,8 @@ export function number(value, digits = 0) {
 }
 
 /**
- * Puts the texts into all elements that name a key: data-text for the content, data-label for screen readers and
- * data-hint for the tool tip.
+ * Puts the texts into all elements that name a key: data-text for the content, data-label for screen readers
+ * and data-hint for the tool tip.
  * @param {ParentNode} root
  */
 export function translate(root) {

@@ -34,7 +34,10 @@ export class LiveView {
     this.redraw();
   }
 
-  /** Marks the columns that a roll has covered; null for none. @param {{left: number, width: number}|null} strip */
+  /**
+   * Marks the columns that a roll has covered; null for none.
+   * @param {{left: number, width: number}|null} strip
+   */
   setStrip(strip) {
     this.strip = strip;
   }
