@@ -72,8 +72,8 @@ onPage("shows the picture at the scanner's rate", async (page) => {
   await shot(page, "empty");
   await page.locator("#lay").click();
   await state(page, "Lift");
-  await shot(page, "live");
   const previews = await bestRate(page, 45);
+  await shot(page, "live");
   assert.ok(previews >= 14.9, `${previews} previews a second, of which the scanner gives 15`);
   await mode(page, "signature");
   const strokes = await bestRate(page, 60);
