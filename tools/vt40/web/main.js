@@ -33,6 +33,8 @@ for (const mode of modes)
     { "type": "button", "data-mode": mode, "data-text": `mode.${mode}`, onclick: () => setMode(mode) }));
 
 function setMode(mode) {
+  // Who has chosen a mode has no need of the one that the page begins with.
+  begins = false;
   seen.result = null;
   attempt(connection.call("PUT", "/api/mode", { mode }).then(showStatus));
 }
@@ -122,20 +124,19 @@ function showLink() {
 }
 
 async function opened() {
-  // A copy for the neighbours of the wire: what is not on this machine gets small pictures.
+  // A network carries JPEG more easily than rows of grey values.
   const local = ["localhost", "127.0.0.1", "[::1]"].includes(location.hostname);
   connection.send({ format: local ? "grey" : "jpeg", scale: 1 });
-  const taken = await claim.introduce();
+  begins = await claim.introduce();
   await Promise.all([results.load(), device.load(), simulator.load()]);
-  begins = taken;
   begin();
 }
 
 /** Whoever opens the page wants to see something, as soon as there is a scanner. */
 function begin() {
   if (!begins || !seen.status?.connected) return;
-  begins = false;
   if (seen.status.mode === "off") setMode("auto");
+  begins = false;
 }
 
 connection.addEventListener("state", (event) => {
