@@ -192,6 +192,10 @@ onPage("two tabs share the scanner: one asks, the other hands over", async (page
   await page.locator('#claim[data-whose="other"]').waitFor();
   await mode(other, "preview");
   await page.locator('#modes [data-mode="preview"][aria-pressed="true"]').waitFor();
+  await other.locator("#lay").click();
+  await state(other, "Still");
+  await other.locator("#lift").click();
+  await state(other, "Lay fingers down");
   assert.deepEqual(other.faults, []);
   await other.locator("#claim-do").click();
   await page.locator("#claim-do", { hasText: "Take" }).click();
