@@ -38,7 +38,7 @@ klv_package(development libkelvarinlivescannervt40-dev libdevel
 klv_package(tools kelvarin-vt40-tools graphics
   "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16, libturbojpeg0"
   "VT40 ten-finger live-scanner, command-line tool"
-  "vt40 lists scanners, captures, rolls, signs and calibrates, and opens a scanner to the browser.")
+  "vt40 captures, rolls, signs, calibrates, and opens a scanner to browsers.")
 klv_package(simulator kelvarin-vt40-simulator libs
   "${base}, libpng16-16"
   "VT40 ten-finger live-scanner, simulated scanner"
