@@ -105,6 +105,7 @@ function gotResult(result) {
   if (seen.result?.id === result.id) return;
   const { kind, verdict } = result;
   results.add(result);
+  if (kind === "signature") simulator.platen.wipe();
   seen.result = result;
   const words = verdict ? t(`verdict.${verdict.name}`) : "";
   $("said").textContent = t("results.new", { kind: t(`kind.${kind}`), verdict: words });

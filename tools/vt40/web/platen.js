@@ -55,10 +55,16 @@ export class Platen {
     this.update();
   }
 
-  lift() {
-    this.fingers = [];
+  /** Takes away what the pen has written. */
+  wipe() {
     this.pen.clear();
     this.ink = [];
+    this.redraw();
+  }
+
+  lift() {
+    this.fingers = [];
+    this.wipe();
     this.select(-1);
     this.update();
   }
@@ -79,10 +85,8 @@ export class Platen {
   replaced() {
     this.fingers = [];
     this.dirt = [];
-    this.pen.clear();
-    this.ink = [];
+    this.wipe();
     this.select(-1);
-    this.redraw();
   }
 
   /** Takes over what lies there according to the service. @param {Object} scene as the service takes it */
