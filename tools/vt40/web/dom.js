@@ -1,4 +1,4 @@
-// Small helpers over the document: finding and making elements, and the page's colours for canvases.
+// Small functions over the document: finding and making elements, and the page's colours for canvases.
 
 /**
  * The element of an identifier; a missing one is a fault of the page.
