@@ -47,7 +47,7 @@ class ClGotArguments {
   void SetGood(bool bGood) { m_bGood = bGood; }
 
  private:
-  void NoteRoom(size_t n, const unsigned int* pn) {
+  void NoteRoom(size_t n, unsigned int* pn) {
     if (m_szRoles[n] == eRoleSize && pn != nullptr) m_nRoom = *pn;
   }
   template <typename T>
