@@ -4,6 +4,8 @@
 namespace Recording {
 namespace {
 
+std::atomic<bool> s_bUsed{false};
+
 void NeedPointer(const void* p) {
   if (p == nullptr) throw ClPlayError(ePlayBadPointer, "a pointer is NULL");
 }
@@ -165,7 +167,12 @@ struct TpPlay<eVTScanAPISetLEDEx> : TpPlayFreely<eVTScanAPISetLEDEx> {};
 template <>
 struct TpPlay<eVTScanAPIApplyInternalCommand> : TpPlayFreely<eVTScanAPIApplyInternalCommand> {};
 template <>
-struct TpPlay<eVTScanAPIInitialize> : TpPlayFreely<eVTScanAPIInitialize> {};
+struct TpPlay<eVTScanAPIInitialize> {
+  static long Answer(ClPlayer& oPlayer, void*, void* pReserved) {
+    s_bUsed = true;
+    return TpPlayFreely<eVTScanAPIInitialize>::Answer(oPlayer, nullptr, pReserved);
+  }
+};
 template <>
 struct TpPlay<eVTScanAPIUninitialize> : TpPlayFreely<eVTScanAPIUninitialize> {};
 
@@ -176,6 +183,20 @@ KLV_RECORDED_SCAN_FUNCTIONS(KLV_EXPORT_PLAYED)
 /// Why this thread's last call was refused; "" when none was.
 extern "C" __attribute__((visibility("default"))) const char* VTPlayLastError() {
   return Recording::LastRefusal();
+}
+
+/// Reads the recording; why that does not go, "" when it does.
+extern "C" __attribute__((visibility("default"))) const char* VTPlayOpen() {
+  const long nResult = Recording::Played([] {
+    Recording::ThePlayer();
+    return 0L;
+  });
+  return nResult == 0 ? "" : Recording::LastRefusal();
+}
+
+/// 1 when an application has started the scan library by this player.
+extern "C" __attribute__((visibility("default"))) int VTPlayIsUsed() {
+  return Recording::s_bUsed ? 1 : 0;
 }
 
 /// 1 when the recording is one of a simulated scanner.

@@ -205,6 +205,31 @@ void AddSignals(CLI::App& oApp, StCommandLine& oLine) {
       ->expected(1, 2);
 }
 
+void AddRecording(CLI::App& oApp, StCommandLine& oLine) {
+  StRecordingOptions& oRecording = oLine.oRecording;
+  CLI::Option* pRecord =
+      oApp.add_option("--record", oRecording.sRecordFile,
+                      "Before the command: file that records what passes between library and scanner, "
+                      "fingerprints included")
+          ->type_name("FILE");
+  oApp.add_flag("--blur", oRecording.bBlur, "With --record: frames without ridges")->needs(pRecord);
+  CLI::Option* pReplay =
+      oApp.add_option("--replay", oRecording.sReplayFile, "Before the command: recording that answers in a scanner's place")
+          ->type_name("FILE")
+          ->excludes(pRecord);
+  oApp.add_option("--speed", oRecording.sSpeed, "With --replay: times the recorded speed, or max")
+      ->needs(pReplay)
+      ->check(CLI::Range(0.01, 1000.0) | CLI::IsMember({"max"}))
+      ->capture_default_str();
+  CLI::App* pCommand = oApp.add_subcommand("recording", "Describe a recording");
+  pCommand->add_option("file", oLine.sRecording, "The recording")->required();
+  CLI::Option* pJson = pCommand->add_flag("--json", oLine.oCommon.bJson, "Print facts as one JSON object");
+  pCommand->add_flag("--json-lines", oLine.oCommon.bJsonLines, "The same as one line")->excludes(pJson);
+  pCommand->callback([&oLine] {
+    oLine.fnCommand = [&oLine](ClReport& oReport) { RunRecording(oLine.sRecording, oReport); };
+  });
+}
+
 void AddCompletion(CLI::App& oApp, StCommandLine& oLine) {
   // For packages, which install what it prints: no command of those who capture fingers.
   CLI::App* pCompletion =
@@ -231,5 +256,6 @@ void DescribeCommands(CLI::App& oApp, StCommandLine& oLine) {
   AddServe(oApp, oLine);
   AddProperty(oApp, oLine);
   AddSignals(oApp, oLine);
+  AddRecording(oApp, oLine);
   AddCompletion(oApp, oLine);
 }

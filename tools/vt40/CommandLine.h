@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Commands.h"
+#include "StandIn.h"
 
 /// Where the parser puts what it reads.
 struct StCommandLine {
@@ -16,6 +17,8 @@ struct StCommandLine {
   StCalibrateOptions oCalibrate;
   StSignOptions oSign;
   StServeOptions oServe;
+  StRecordingOptions oRecording;
+  std::string sRecording;
   std::string sPropertyName;
   std::string sPropertyValue;
   unsigned int nLedIndex = 0;

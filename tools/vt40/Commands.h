@@ -74,3 +74,5 @@ void RunBeep(const StCommonOptions& oCommon, unsigned int nArg1, unsigned int nA
 void RunDisplay(const StCommonOptions& oCommon, const std::vector<std::string>& aTexts, ClReport& oReport);
 /// Opens the scanner to browsers and programs until a signal comes.
 void RunServe(const StCommonOptions& oCommon, const StServeOptions& oOptions, ClReport& oReport);
+/// Says what a recording holds.
+void RunRecording(const std::string& sFile, ClReport& oReport);

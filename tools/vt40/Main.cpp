@@ -47,6 +47,7 @@ bool RunLine(int nArguments, char** ppArguments, ClOutput& oOutput, ClReport& oR
     oOutput.Text(oHelp.str());
     return false;
   }
+  StandIn::Choose(oLine.oRecording);
   oLine.fnCommand(oReport);
   return true;
 }

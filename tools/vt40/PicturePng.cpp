@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Picture.h"
+#include "StandIn.h"
 #include "ToolError.h"
 
 namespace {
@@ -46,13 +47,15 @@ std::string CreationTime() {
   return szTime;
 }
 
-/// Says where the picture comes from. A picture of the simulated scanner says so wherever it goes.
+/// Says where the picture comes from. A picture of the simulated scanner says so wherever it goes,
+/// and so does that of a replay.
 void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
   std::vector<std::pair<std::string, std::string>> aTexts = {{"Creation Time", CreationTime()}};
   if (!oFacts.sSoftware.empty()) aTexts.emplace_back("Software", oFacts.sSoftware);
   if (!oFacts.sSerial.empty()) aTexts.emplace_back("Serial Number", oFacts.sSerial);
   if (!oFacts.sMode.empty()) aTexts.emplace_back("Capture Mode", oFacts.sMode);
   if (oFacts.bSimulated) aTexts.emplace_back("Simulated", "yes");
+  if (!StandIn::ReplayFile().empty()) aTexts.emplace_back("Replay", "yes");
   std::vector<png_text> aChunks;
   for (auto& [sKey, sText] : aTexts) {
     png_text oChunk{};

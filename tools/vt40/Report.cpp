@@ -6,6 +6,7 @@
 #include "ErrorNames.h"
 #include "Output.h"
 #include "Scanner.h"
+#include "StandIn.h"
 
 namespace {
 
@@ -20,7 +21,12 @@ void ClReport::Use(const ClLibrary& oLibrary, const std::string& sScanLibraryVer
   ordered_json& oFacts = m_oFacts["scanLibrary"];
   oFacts["path"] = oScanLibrary.sPath;
   oFacts["version"] = sScanLibraryVersion.empty() ? ordered_json() : ordered_json(sScanLibraryVersion);
-  if (m_bSimulated && !m_oOutput.IsJson())
+  if (!StandIn::ReplayFile().empty()) oFacts["replay"] = StandIn::ReplayFile();
+  if (!StandIn::RecordFile().empty()) oFacts["recording"] = StandIn::RecordFile();
+  if (m_oOutput.IsJson()) return;
+  if (!StandIn::ReplayFile().empty())
+    std::fprintf(stderr, "vt40: this is a replay of %s, not a scanner\n", StandIn::ReplayFile().c_str());
+  if (m_bSimulated)
     std::fprintf(stderr, "vt40: the scanner is simulated, by %s\n", oScanLibrary.sPath.c_str());
 }
 

@@ -7,13 +7,13 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <sstream>
 #include <vector>
 
 #include "KelvarinLiveScannerVT40.h"
+#include "StandIn.h"
 #include "ToolError.h"
 
 namespace {
@@ -54,11 +54,6 @@ fs::path SimulatorPath() {
          "kelvarin-vt40/simulator" / cszName;
 }
 
-bool IsSimulationAskedFor() {
-  const char* szAsked = std::getenv("KELVARIN_SDK_SIMULATE");
-  return szAsked != nullptr && szAsked[0] != '\0' && std::strcmp(szAsked, "0") != 0;
-}
-
 /// Folders in the order in which the library looks through them before the system's own.
 std::vector<fs::path> SearchedFolders() {
   std::vector<fs::path> aFolders = {"../KelvarinVTScanAPI", "../../KelvarinVTScanAPI", "."};
@@ -81,7 +76,8 @@ StScanLibrary LoadedScanLibrary() {
   StScanLibrary oLibrary;
   dl_iterate_phdr(TakeScanLibrary, &oLibrary.sPath);
   const Loaded pLibrary = OpenLoaded(oLibrary.sPath);
-  oLibrary.bSimulated = FunctionOf<int(const char*)>(pLibrary.get(), "VTSimLoadScene") != nullptr;
+  oLibrary.bSimulated =
+      FunctionOf<int(const char*)>(pLibrary.get(), "VTSimLoadScene") != nullptr || StandIn::IsSimulated();
   std::error_code oError;
   const fs::path oWhole = fs::canonical(oLibrary.sPath, oError);
   if (!oError) oLibrary.sPath = oWhole.string();
@@ -117,8 +113,8 @@ std::string ScanLibraryVersionIn(const std::string& sVersions) {
 }
 
 void CheckScanLibraryIsTrusted() {
-  // The simulated one stands with the library itself, which is loaded already.
-  if (geteuid() != 0 || IsSimulationAskedFor()) return;
+  // The simulated one and the player stand with the library itself, which is loaded already.
+  if (geteuid() != 0 || StandIn::IsSimulationAskedFor() || !StandIn::ReplayFile().empty()) return;
   const fs::path oFound = [] {
     for (const fs::path& oFolder : SearchedFolders()) {
       std::error_code oError;
@@ -141,7 +137,8 @@ void CheckScanLibraryIsTrusted() {
 }
 
 ClSimulator::ClSimulator() {
-  if (!IsSimulationAskedFor()) return;
+  StandIn::Load();
+  if (!StandIn::IsSimulationAskedFor()) return;
   const std::string sPath = SimulatorPath().string();
   m_pLibrary = dlopen(sPath.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (m_pLibrary == nullptr) {

@@ -28,8 +28,8 @@ void CheckScanLibraryIsTrusted();
 /// Keeps the simulated scan library loaded, so that it is asked why it does not like a scene.
 class ClSimulator {
  public:
-  /// Loads it when the environment asks for the simulated scanner.
-  /// Errors: ClToolError eExitScanLibrary when it is not installed.
+  /// Loads it when the simulated scanner is asked for, after what stands in the scan library's place.
+  /// Errors: ClToolError eExitScanLibrary when it is not installed; those of StandIn::Load.
   ClSimulator();
   ClSimulator(const ClSimulator&) = delete;
   ClSimulator& operator=(const ClSimulator&) = delete;

@@ -9,6 +9,7 @@
 #include "Interruption.h"
 #include "KelvarinLiveScannerVT40.h"
 #include "ScanResult.h"
+#include "StandIn.h"
 #include "ToolError.h"
 
 namespace {
@@ -79,6 +80,12 @@ ClLibrary::ClLibrary() {
          "; install it where the dynamic linker finds it, or use the simulated scanner with --simulate");
   }
   if (nError != KLV_SUCCESS) Fail(eExitScanLibrary, "the scan library does not start", nError);
+  try {
+    StandIn::CheckUsed();
+  } catch (...) {
+    LS_VT40Uninitialize();
+    throw;
+  }
   m_oScanLibrary = LoadedScanLibrary();
 }
 
