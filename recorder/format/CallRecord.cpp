@@ -18,7 +18,7 @@ uint8_t* StoreUtf8(uint8_t* p, uint32_t nCharacter) {
     return p;
   }
   const int nMore = nCharacter < 0x800 ? 1 : nCharacter < 0x10000 ? 2 : 3;
-  *p++ = static_cast<uint8_t>((0xF00 >> nMore & 0xFF) | nCharacter >> (6 * nMore));
+  *p++ = static_cast<uint8_t>((0xFF00 >> (nMore + 1) & 0xFF) | nCharacter >> (6 * nMore));
   for (int i = nMore - 1; i >= 0; --i) *p++ = static_cast<uint8_t>(0x80 | (nCharacter >> (6 * i) & 0x3F));
   return p;
 }

@@ -63,9 +63,10 @@ void LoadRecorder() {
   if (s_oOptions.bBlur) setenv("KELVARIN_VT40_RECORD_BLUR", "1", 1);
   if (s_bSimulated) {
     setenv("KELVARIN_VT40_RECORD_FROM", Folder("simulator").c_str(), 1);
-    // A simulated scanner without a clock waits for its reader, who in turn may wait for the file.
-    const char* szPacing = std::getenv("KELVARIN_VTSIM_PACING");
-    if (szPacing == nullptr || std::strcmp(szPacing, "real") != 0) setenv("KELVARIN_VT40_RECORD_WAIT", "1", 0);
+    // Without a clock frames come faster than any scanner's, and faster than they can be written: what a recording of that is about
+    // would be lost in it. Scenes that want it so are held up by the recorder.
+    setenv("KELVARIN_VTSIM_PACING", "real", 0);
+    if (std::strcmp(std::getenv("KELVARIN_VTSIM_PACING"), "real") != 0) setenv("KELVARIN_VT40_RECORD_WAIT", "1", 0);
   }
   s_pLibrary = LoadFrom(Folder("recorder"), cszScan);
   LoadFrom(Folder("recorder"), cszLiveness);
