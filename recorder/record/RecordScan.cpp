@@ -189,6 +189,11 @@ extern "C" __attribute__((visibility("default"))) int VTRecIsUsed() {
   return Library().bUsed ? 1 : 0;
 }
 
+/// Ends the recording, for processes that end without their destructors.
+extern "C" __attribute__((visibility("default"))) void VTRecFinish() {
+  if (Library().pRecorder != nullptr) Library().pRecorder->Finish();
+}
+
 /// The recorder of this process, for the recorder of the liveness library of the same version; NULL for another one.
 extern "C" __attribute__((visibility("default"))) void* VTRecRecorder(const char* szVersion) {
   return std::string(szVersion) == RECORDER_VERSION ? Library().pRecorder : nullptr;

@@ -78,6 +78,9 @@ int main(int nArguments, char** ppArguments) {
   const EExitCode eExit = RunTool(nArguments, ppArguments);
   std::fflush(nullptr);
   // A call that was given up still runs in its thread, which needs what the end of a program takes away.
-  if (ClWaitingCall::IsAnyLeft()) std::_Exit(eExit);
+  if (ClWaitingCall::IsAnyLeft()) {
+    StandIn::Finish();
+    std::_Exit(eExit);
+  }
   return eExit;
 }

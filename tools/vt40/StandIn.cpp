@@ -108,6 +108,11 @@ void StandIn::CheckUsed() {
                         "; start vt40 in another directory");
 }
 
+void StandIn::Finish() {
+  const auto pfn = reinterpret_cast<void (*)()>(s_pLibrary != nullptr ? dlsym(s_pLibrary, "VTRecFinish") : nullptr);
+  if (pfn != nullptr) pfn();
+}
+
 bool StandIn::IsSimulated() {
   return Ask<int>(s_oOptions.sReplayFile.empty() ? "VTRecIsSimulated" : "VTPlayIsSimulated", 0) != 0;
 }

@@ -21,6 +21,8 @@ void Choose(const StRecordingOptions& oOptions);
 void Load();
 /// The library has been initialised. Errors: ClToolError eExitScanLibrary when it has found another scan library first.
 void CheckUsed();
+/// Ends a recording, for a process that ends in a hurry.
+void Finish();
 /// Whether the scanner that is recorded, or was, is a simulated one; false without a stand-in.
 bool IsSimulated();
 /// The file of a replay; empty without one.
