@@ -11,7 +11,7 @@ function(klv_install_compressed FILE FOLDER NAME COMPONENT)
 endfunction()
 
 foreach(pair library:libkelvarinlivescannervt40-1 development:libkelvarinlivescannervt40-dev tools:kelvarin-vt40-tools
-             simulator:kelvarin-vt40-simulator python:python3-kelvarin-vt40)
+             simulator:kelvarin-vt40-simulator recorder:kelvarin-vt40-recorder python:python3-kelvarin-vt40)
   string(REPLACE ":" ";" pair ${pair})
   list(GET pair 0 component)
   list(GET pair 1 package)
@@ -33,4 +33,5 @@ install(FILES ${docs}/schema/vt40.schema.json DESTINATION ${doc_dir}/kelvarin-vt
 install(FILES ${docs}/python.md DESTINATION ${doc_dir}/python3-kelvarin-vt40 COMPONENT python)
 install(FILES ${docs}/openapi.yaml ${docs}/service.md ${docs}/live.md ${docs}/live.png
   DESTINATION ${doc_dir}/kelvarin-vt40-tools COMPONENT tools)
+install(FILES ${docs}/recordings.md DESTINATION ${doc_dir}/kelvarin-vt40-recorder COMPONENT recorder)
 install(FILES ${docs}/simulator.md DESTINATION ${doc_dir}/kelvarin-vt40-simulator COMPONENT simulator)

@@ -11,7 +11,7 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
 endif()
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
-set(CPACK_COMPONENTS_ALL library development tools simulator)
+set(CPACK_COMPONENTS_ALL library development tools simulator recorder)
 if(CMAKE_SIZEOF_VOID_P EQUAL 8)
   list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
@@ -36,13 +36,17 @@ klv_package(development libkelvarinlivescannervt40-dev libdevel
   "VT40 ten-finger live-scanner, development files"
   "Header, pkg-config file and CMake package.")
 klv_package(tools kelvarin-vt40-tools graphics
-  "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16, libturbojpeg0"
+  "${base}, libkelvarinlivescannervt40-1 ${own}, libpng16-16, libturbojpeg0, libzstd1, zlib1g"
   "VT40 ten-finger live-scanner, command-line tool"
   "vt40 captures, rolls, signs, calibrates, and opens a scanner to browsers.")
 klv_package(simulator kelvarin-vt40-simulator libs
   "${base}, libpng16-16"
   "VT40 ten-finger live-scanner, simulated scanner"
   "Stands in for the scan library and the liveness library when it is asked for.")
+klv_package(recorder kelvarin-vt40-recorder libs
+  "${base}, libzstd1, zlib1g"
+  "VT40 ten-finger live-scanner, recorder and player"
+  "Writes down what passes between applications and a scanner, and answers in its place.")
 klv_package(python python3-kelvarin-vt40 python
   "libkelvarinlivescannervt40-1 ${own}, python3 (>= 3.11), python3-numpy"
   "VT40 ten-finger live-scanner, Python package"
@@ -52,7 +56,7 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "kelvarin-vt40-simulator, python3-matpl
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${CMAKE_CURRENT_SOURCE_DIR}/python/postinst ${CMAKE_CURRENT_SOURCE_DIR}/python/prerm)
 # Who installs the tool has a scanner, or asks for the simulated one.
-set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS kelvarin-vt40-simulator)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "kelvarin-vt40-simulator, kelvarin-vt40-recorder")
 # Packages that are built against the library find out by these which version they need.
 file(STRINGS ${CMAKE_SOURCE_DIR}/src/KelvarinLiveScannerVT40/ExportedFunctions.inc rows REGEX "^KLV_EXPORTED")
 list(TRANSFORM rows REPLACE "^KLV_EXPORTED\\(([A-Za-z0-9_]+).*$" " \\1@KELVARIN_LIVE_SCANNER_VT40_1 1.5")
