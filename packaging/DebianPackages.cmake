@@ -46,7 +46,7 @@ klv_package(simulator kelvarin-vt40-simulator libs
 klv_package(recorder kelvarin-vt40-recorder libs
   "${base}, libzstd1, zlib1g"
   "VT40 ten-finger live-scanner, recorder and player"
-  "Writes down what passes between applications and a scanner, and answers in its place.")
+  "Writes down what a scanner is asked and answers, and answers in its place.")
 klv_package(python python3-kelvarin-vt40 python
   "libkelvarinlivescannervt40-1 ${own}, python3 (>= 3.11), python3-numpy"
   "VT40 ten-finger live-scanner, Python package"

@@ -1,4 +1,5 @@
-// Feeds recordings, with their checksums put right: what is read is within its file, and a player answers from it or refuses.
+// Feeds recordings, with their checksums put right: what is read is within its file, and a player answers
+// from it or refuses.
 #include <fcntl.h>
 
 #include "MemoryFile.h"
@@ -16,7 +17,7 @@ void WriteCall(ClBlockWriter& oWriter, ClCallRecord& oCall, uint32_t nDevice) {
   std::vector<uint8_t> aCall(oCall.Bytes(), oCall.Bytes() + oCall.Size());
   for (size_t i = 0; i < oCall.AttachmentCount(); ++i) {
     const StAttachment& o = oCall.Attachments()[i];
-    Store(&aCall[o.nField], oWriter.WriteCompressed(eBlockData, o.pData, o.nBytes, i == 0), 4);
+    Store(&aCall[o.nField], oWriter.WriteCompressed(eBlockData, o.pData, static_cast<size_t>(o.nBytes)), 4);
   }
   oWriter.Write(eBlockCall, aCall.data(), aCall.size());
 }
@@ -62,7 +63,8 @@ void Play(const std::string& sFile) {
   for (const StCall& oCall : oPlayer.Recording().Calls()) {
     void* hDevice = nullptr;
     RefusedWith<ClPlayError>([&] {
-      if (oCall.nFunction == eVTScanAPICreateHandle && oPlayer.Open(oCall, &hDevice) == 0) oPlayer.Close(hDevice);
+      if (oCall.nFunction == eVTScanAPICreateHandle && oPlayer.Open(oCall, &hDevice) == 0)
+        oPlayer.Close(hDevice);
     });
     RefusedWith<ClPlayError>([&] {
       const StCall& oAnswer = oPlayer.Answer(nullptr, oCall, true);

@@ -9,8 +9,8 @@
 
 namespace Recording {
 
-/// Writes at the end of one file. When nothing more can be written the file ends with its last whole block, and all
-/// later writes do nothing.
+/// Writes at the end of one file. When nothing more can be written the file ends with its last whole block,
+/// and all later writes do nothing.
 ///
 /// Ownership  the descriptor is closed at the end.
 /// Threads    thread-bound.
@@ -25,8 +25,8 @@ class ClBlockWriter {
 
   /// Stores the content as it is, and returns the block's number; cnDroppedData when it was not written.
   uint32_t Write(EBlock eKind, const void* pContent, size_t nBytes);
-  /// Stores it by zstd, by differences where these are asked for.
-  uint32_t WriteCompressed(EBlock eKind, const void* pContent, size_t nBytes, bool bDifferences);
+  /// Stores it by zstd, where that is shorter.
+  uint32_t WriteCompressed(EBlock eKind, const void* pContent, size_t nBytes);
 
   /// The system's error number that ended the writing; 0 while there is none.
   int Failure() const { return m_nFailure; }
@@ -42,7 +42,6 @@ class ClBlockWriter {
   uint32_t m_nBlocks = 0;
   int64_t m_nWhole = 0;  // bytes up to the end of the last whole block
   std::unique_ptr<StCompressor> m_pCompressor;
-  std::vector<uint8_t> m_aDifferences;
   std::vector<uint8_t> m_aStored;
 };
 

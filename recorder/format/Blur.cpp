@@ -7,8 +7,8 @@
 namespace Recording {
 namespace {
 
-// A finger's ridges are half a millimetre apart and the platen is 81 mm wide: a 45th are more than two of them, also in the modes
-// that show a part of the sensor, where they are twice as far apart.
+// A finger's ridges are half a millimetre apart and the platen is 81 mm wide: a 45th are more than two of
+// them, also in the modes that show a part of the sensor, where they are twice as far apart.
 constexpr uint32_t cnParts = 45;
 
 /// The mean of each sample's surroundings along one line, whose samples are nStep apart.
@@ -42,14 +42,16 @@ void ClBlur::BlurPhase(uint8_t* pPlane, uint32_t nWidth, uint32_t nHeight, uint3
   m_aPhase.resize(nColumns * nRows);
   m_aOther.resize(nColumns * nRows);
   for (size_t y = 0; y < nRows; ++y)
-    for (size_t x = 0; x < nColumns; ++x) m_aPhase[y * nColumns + x] = pPlane[(2 * y + nY) * nWidth + 2 * x + nX];
+    for (size_t x = 0; x < nColumns; ++x)
+      m_aPhase[y * nColumns + x] = pPlane[(2 * y + nY) * nWidth + 2 * x + nX];
   for (int nPass = 0; nPass < 2; ++nPass) {
     for (size_t y = 0; y < nRows; ++y)
       BlurLine(&m_aPhase[y * nColumns], &m_aOther[y * nColumns], nColumns, 1, nReach);
     for (size_t x = 0; x < nColumns; ++x) BlurLine(&m_aOther[x], &m_aPhase[x], nRows, nColumns, nReach);
   }
   for (size_t y = 0; y < nRows; ++y)
-    for (size_t x = 0; x < nColumns; ++x) pPlane[(2 * y + nY) * nWidth + 2 * x + nX] = m_aPhase[y * nColumns + x];
+    for (size_t x = 0; x < nColumns; ++x)
+      pPlane[(2 * y + nY) * nWidth + 2 * x + nX] = m_aPhase[y * nColumns + x];
 }
 
 }  // namespace Recording

@@ -6,7 +6,8 @@
 namespace Recording {
 namespace {
 
-/// What is longer becomes an attachment: all arguments of a function fit into the record, whatever an application gives.
+/// What is longer becomes an attachment: all arguments of a function fit into the record, whatever an
+/// application gives.
 constexpr size_t cnLongestInline = 1024;
 
 }  // namespace
@@ -87,7 +88,8 @@ void ClCallRecord::Attach(size_t nArgument, EDirection eDirection, const StAttac
   m_aAttachments[m_nAttachments++].nField = m_nSize - 16;
 }
 
-void ClCallRecord::SetHead(uint32_t nThread, uint32_t nDevice, int64_t nBegin, int64_t nEnd, int64_t nResult) {
+void ClCallRecord::SetHead(uint32_t nThread, uint32_t nDevice, int64_t nBegin, int64_t nEnd,
+                           int64_t nResult) {
   m_nThread = nThread;
   m_nDevice = nDevice;
   m_nBegin = nBegin;

@@ -19,7 +19,8 @@ struct StAttachment {
   uint32_t nHeight = 0;
 };
 
-/// Fields are added in the order of the arguments. What is too long becomes an attachment, which points to the caller's bytes.
+/// Fields are added in the order of the arguments. What is too long becomes an attachment, which points to
+/// the caller's bytes.
 ///
 /// Threads  thread-bound.
 class ClCallRecord {

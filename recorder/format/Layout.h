@@ -20,7 +20,7 @@ constexpr uint32_t cnDroppedData = 4294967295U;
 
 enum EFileFlag : uint16_t { eFileSimulated = 1, eFileBlurred = 2 };
 enum EBlock : uint8_t { eBlockFacts = 1, eBlockData = 2, eBlockCall = 3, eBlockLoss = 4, eBlockEnd = 5 };
-enum ECoding : uint8_t { eCodingPlain = 0, eCodingZstd = 1, eCodingDifferences = 2 };
+enum ECoding : uint8_t { eCodingPlain = 0, eCodingZstd = 1 };
 enum ECallFlag : uint16_t { eCallDataDropped = 1 };
 enum EDirection : uint8_t { eGiven = 0, eGot = 1 };
 enum EFieldType : uint8_t {

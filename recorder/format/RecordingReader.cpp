@@ -19,17 +19,13 @@ namespace {
 constexpr uint32_t cnLargestCall = 65536;
 constexpr uint32_t cnLargestFacts = 1048576;
 
-void Integrate(std::vector<uint8_t>& aBytes) {
-  for (size_t i = 2; i < aBytes.size(); ++i) aBytes[i] = static_cast<uint8_t>(aBytes[i] + aBytes[i - 2]);
-}
-
 StField ParseField(const uint8_t* p, size_t nBytes) {
   StField oField;
   oField.nArgument = p[0];
   oField.eDirection = static_cast<EDirection>(p[1]);
   oField.eType = static_cast<EFieldType>(p[2]);
   p += cnFieldHeader;
-  const size_t nWanted = oField.eType == eFieldNull                                  ? 0
+  const size_t nWanted = oField.eType == eFieldNull                                   ? 0
                          : oField.eType == eFieldNumber || oField.eType == eFieldReal ? 8
                          : oField.eType == eFieldData                                 ? 16
                                                                                       : nBytes;
@@ -118,7 +114,8 @@ void ClRecording::ReadHeader() {
   uint8_t aHeader[cnFileHeader];
   if (m_nFileBytes < sizeof aHeader) throw ClRecordingError("\"" + m_sFile + "\" is no recording: too short");
   Read(0, aHeader, sizeof aHeader);
-  if (std::memcmp(aHeader, cszFileMark, 8) != 0) throw ClRecordingError("\"" + m_sFile + "\" is no recording");
+  if (std::memcmp(aHeader, cszFileMark, 8) != 0)
+    throw ClRecordingError("\"" + m_sFile + "\" is no recording");
   if (Load(aHeader + 28, 4) != Checksum(aHeader, 28))
     throw ClRecordingError("\"" + m_sFile + "\": the header of the recording is damaged");
   if (Load(aHeader + 8, 2) != cnVersion)
@@ -150,7 +147,8 @@ bool ClRecording::ReadBlockHeader(uint64_t nOffset, StBlock& oBlock) {
   uint8_t aHeader[cnBlockHeader];
   if (m_nFileBytes - nOffset < sizeof aHeader) throw ClRecordingError("the file ends within a block");
   Read(nOffset, aHeader, sizeof aHeader);
-  if (std::memcmp(aHeader, cszBlockMark, 4) != 0 || Load(aHeader + 24, 4) != Checksum(aHeader, 24)) return false;
+  if (std::memcmp(aHeader, cszBlockMark, 4) != 0 || Load(aHeader + 24, 4) != Checksum(aHeader, 24))
+    return false;
   oBlock.nOffset = nOffset + cnBlockHeader;
   oBlock.eKind = static_cast<EBlock>(aHeader[4]);
   oBlock.nCoding = aHeader[5];
@@ -159,7 +157,7 @@ bool ClRecording::ReadBlockHeader(uint64_t nOffset, StBlock& oBlock) {
   oBlock.nChecksum = static_cast<uint32_t>(Load(aHeader + 20, 4));
   if (oBlock.nStored > m_nFileBytes - oBlock.nOffset) throw ClRecordingError("the file ends within a block");
   const bool bPlain = oBlock.nCoding == eCodingPlain;
-  return Load(aHeader + 16, 4) == m_aBlocks.size() && oBlock.nCoding <= eCodingDifferences &&
+  return Load(aHeader + 16, 4) == m_aBlocks.size() && oBlock.nCoding <= eCodingZstd &&
          oBlock.nContent <= cnLargestContent && (!bPlain || oBlock.nStored == oBlock.nContent) &&
          oBlock.nStored <= uint64_t{oBlock.nContent} + cnLargestOverhead;
 }
@@ -240,7 +238,6 @@ std::vector<uint8_t> ClRecording::Content(const StBlock& oBlock) const {
   const size_t nBytes = ZSTD_decompress(aContent.data(), aContent.size(), aStored.data(), aStored.size());
   if (ZSTD_isError(nBytes) || nBytes != aContent.size())
     throw ClRecordingError("the block cannot be decompressed");
-  if (oBlock.nCoding == eCodingDifferences) Integrate(aContent);
   return aContent;
 }
 

@@ -50,7 +50,8 @@ struct StLoss {
   uint64_t nBytes = 0;
 };
 
-/// Reads all calls at once. What follows a damaged block is not there; a damaged piece of data shows when it is read.
+/// Reads all calls at once. What follows a damaged block is not there; a damaged piece of data shows when it
+/// is read.
 ///
 /// Ownership  the file stays open, and must not be changed.
 /// Threads    Data is thread-safe, all else is constant.

@@ -25,8 +25,9 @@ class ClAnswers {
   void Add(const StRecorded& oRecorded);
   /// The call that answers, NULL when nothing of the kind was recorded.
   ///
-  /// What changes something is answered in the order of the recording, and with the last answer when that is used up. What asks for
-  /// something is answered by what was so when nPosition had been reached, the order of the sequence that was given last.
+  /// What changes something is answered in the order of the recording, and with the last answer when that is
+  /// used up. What asks for something is answered by what was so when nPosition had been reached, the order
+  /// of the sequence that was given last.
   const StCall* Find(const StCall& oAsked, size_t nPosition);
   /// Counts the answer as given.
   void Take(const StCall& oAsked);
@@ -37,7 +38,7 @@ class ClAnswers {
   struct StQueue {
     std::vector<StRecorded> aCalls;
     const StCall* pTooSmall = nullptr;
-    size_t nGiven = 0;    // of all, the first that was not given yet
+    size_t nGiven = 0;  // of all, the first that was not given yet
     size_t nChosen = 0;
   };
 

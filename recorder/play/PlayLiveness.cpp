@@ -1,4 +1,5 @@
-// The functions of the liveness library, as the player exports them: scores come in the order of the recording.
+// The functions of the liveness library, as the player exports them: scores come in the order of the
+// recording.
 #include "play/PlayedCall.h"
 
 namespace Recording {
@@ -7,8 +8,7 @@ template <>
 struct TpPlay<eFD_VT40Initialize> {
   static long Answer(ClPlayer& oPlayer, void*, void* pReserved) {
     // A recording without the library is played as if it were missing, which applications notice here.
-    return static_cast<long>(
-        oPlayer.Answer(nullptr, AskedCall(eFD_VT40Initialize, pReserved), true).nResult);
+    return static_cast<long>(oPlayer.Answer(nullptr, AskedCall(eFD_VT40Initialize, pReserved), true).nResult);
   }
 };
 

@@ -113,7 +113,8 @@ struct TpPlay<eVTScanAPIReleaseRawSequence> {
 
 template <>
 struct TpPlay<eVTScanAPIGetImageSequence> {
-  static long Answer(ClPlayer& oPlayer, void* hDevice, void*, void* pBuffer, unsigned int nBytes, unsigned int) {
+  static long Answer(ClPlayer& oPlayer, void* hDevice, void*, void* pBuffer, unsigned int nBytes,
+                     unsigned int) {
     NeedPointer(pBuffer);
     void* pSequence = nullptr;
     size_t nSequence = 0;
@@ -129,8 +130,8 @@ struct TpPlay<eVTScanAPIGetImageSequence> {
 
 template <>
 struct TpPlay<eVTScanAPIGetImage> {
-  static long Answer(ClPlayer& oPlayer, void* hDevice, void*, const tagBITMAPINFOHEADER* pHeader, unsigned char n,
-                     char c) {
+  static long Answer(ClPlayer& oPlayer, void* hDevice, void*, const tagBITMAPINFOHEADER* pHeader,
+                     unsigned char n, char c) {
     return TpPlayImage<eVTScanAPIGetImage>::Answer(oPlayer, hDevice, pHeader, n, c);
   }
 };

@@ -45,7 +45,8 @@ ClPlayer& ThePlayer() {
 void NoteRefusal(const ClPlayError& oError) noexcept {
   std::snprintf(s_szRefusal, sizeof s_szRefusal, "%s", oError.what());
   // Closed devices and ended captures are the daily end of a worker's wait.
-  if (oError.Number() == ePlayBadHandle || oError.Number() == ePlayBadState || oError.Number() == ePlayTooSmall)
+  if (oError.Number() == ePlayBadHandle || oError.Number() == ePlayBadState ||
+      oError.Number() == ePlayTooSmall)
     return;
   try {
     static std::mutex s_oMutex;

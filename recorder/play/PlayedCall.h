@@ -17,8 +17,8 @@ ClPlayer& ThePlayer();
 const char* RecordedText(uint16_t nFunction, long nError);
 const wchar_t* RecordedTextWide(uint16_t nFunction, long nError);
 
-/// Keeps the reason of this thread's last refusal, and says it once for each text on the standard error when it is about what the
-/// recording has not.
+/// Keeps the reason of this thread's last refusal, and says it once for each text on the standard error when
+/// it is about what the recording has not.
 void NoteRefusal(const ClPlayError& oError) noexcept;
 const char* LastRefusal() noexcept;
 
@@ -46,7 +46,10 @@ std::wstring Widen(const std::vector<uint8_t>& aText);
 class ClAnswerArguments {
  public:
   ClAnswerArguments(const ClPlayer& oPlayer, const StCall& oAnswer, long nTooSmall)
-      : m_oPlayer(oPlayer), m_oAnswer(oAnswer), m_szRoles(FunctionRoles(oAnswer.nFunction)), m_nTooSmall(nTooSmall) {}
+      : m_oPlayer(oPlayer),
+        m_oAnswer(oAnswer),
+        m_szRoles(FunctionRoles(oAnswer.nFunction)),
+        m_nTooSmall(nTooSmall) {}
 
   /// The number that the application gets.
   template <typename... TArguments>
@@ -91,8 +94,10 @@ class ClAnswerArguments {
       return;
     }
     const StField* pField = m_oAnswer.Find(nOutput, eGot);
-    if (pField == nullptr && nNeed != 0) throw ClPlayError(ePlayNotRecorded, "the recording lacks an answer's content");
-    const std::vector<uint8_t> aContent = pField != nullptr ? m_oPlayer.Content(*pField) : std::vector<uint8_t>();
+    if (pField == nullptr && nNeed != 0)
+      throw ClPlayError(ePlayNotRecorded, "the recording lacks an answer's content");
+    const std::vector<uint8_t> aContent =
+        pField != nullptr ? m_oPlayer.Content(*pField) : std::vector<uint8_t>();
     if (m_eOutput == eText) {
       const std::string sText(aContent.begin(), aContent.end());
       Fit(sText.c_str(), sText.size() + 1);
@@ -153,7 +158,8 @@ StCall AskedCall(uint16_t nFunction, TArguments... aArguments) {
   return ParseCall({pBytes, pBytes + oRecord.Size()});
 }
 
-/// How function nFunction is answered: as it was when it was recorded, but for the functions that specialise this.
+/// How function nFunction is answered: as it was when it was recorded, but for the functions that specialise
+/// this.
 template <uint16_t nFunction>
 struct TpPlay {
   template <typename... TArguments>
@@ -168,7 +174,8 @@ struct TpPlay {
   }
 };
 
-/// A call that changes something of which the recording does not depend: without a recorded answer it succeeds.
+/// A call that changes something of which the recording does not depend: without a recorded answer it
+/// succeeds.
 template <uint16_t nFunction>
 struct TpPlayFreely {
   template <typename... TArguments>
@@ -189,9 +196,8 @@ struct TpPlayed {
   template <typename... TArguments>
   TResult operator()(TArguments... aArguments) const {
     if constexpr (std::is_same_v<TResult, long>) {
-      return Played([&] {
-        return TpPlay<nFunction>::Answer(ThePlayer(), Device(aArguments...), aArguments...);
-      });
+      return Played(
+          [&] { return TpPlay<nFunction>::Answer(ThePlayer(), Device(aArguments...), aArguments...); });
     } else if constexpr (std::is_same_v<std::remove_cv_t<std::remove_pointer_t<TResult>>, char>) {
       return const_cast<TResult>(RecordedText(nFunction, aArguments...));
     } else {

@@ -19,13 +19,14 @@ constexpr std::chrono::milliseconds coLongestWait(1900);
 /// An application whose own threads never rest is not waited for.
 constexpr std::chrono::milliseconds coLongestRest(1000);
 
-/// Bytes that applications read of a plane in the scanner's modes. A recording with fewer would be read past its end.
+/// Bytes that applications read of a plane in the scanner's modes. A recording with fewer would be read past
+/// its end.
 uint64_t LeastPlane(int64_t nMode) {
   static const struct {
     int64_t nMode;
     uint64_t nBytes;
-  } caModes[] = {{1, 1920 * 1360},  {2, 3840 * 2720}, {3, 320 * 240},    {4, 640 * 480},   {5, 1280 * 1024},
-                 {6, 960 * 680},    {7, 3840 * 2720}, {8, 1920 * 1362},  {9, 960 * 176},   {32, 1920 * 1360},
+  } caModes[] = {{1, 1920 * 1360},  {2, 3840 * 2720}, {3, 320 * 240},   {4, 640 * 480}, {5, 1280 * 1024},
+                 {6, 960 * 680},    {7, 3840 * 2720}, {8, 1920 * 1362}, {9, 960 * 176}, {32, 1920 * 1360},
                  {34, 1920 * 2720}, {35, 960 * 1360}, {36, 960 * 1362}, {38, 960 * 340}};
   for (const auto& oMode : caModes)
     if (oMode.nMode == nMode) return oMode.nBytes;
@@ -55,7 +56,8 @@ StPlayerSettings StPlayerSettings::OfEnvironment() {
   return oSettings;
 }
 
-ClPlayer::ClPlayer(const StPlayerSettings& oSettings) : m_oSettings(oSettings), m_oRecording(oSettings.sFile) {
+ClPlayer::ClPlayer(const StPlayerSettings& oSettings)
+    : m_oSettings(oSettings), m_oRecording(oSettings.sFile) {
   size_t nAfter = 0;
   size_t nOrder = 0;
   for (const StCall& oCall : m_oRecording.Calls()) {
@@ -183,10 +185,12 @@ StStream* ClPlayer::WaitForTurn(StSession& oSession, Lock& oLock, Clock::time_po
   if (bAny) {
     const auto dRecorded = static_cast<double>(pFound->second.Next().nGap);
     const double dGap = m_oSettings.dSpeed == 0.0 ? 0.0 : dRecorded / m_oSettings.dSpeed;
-    oDue = std::min(oDeadline, oSession.oLast + std::chrono::nanoseconds(static_cast<int64_t>(std::min(dGap, 1.9e9))));
+    oDue = std::min(oDeadline,
+                    oSession.oLast + std::chrono::nanoseconds(static_cast<int64_t>(std::min(dGap, 1.9e9))));
   }
   const uint64_t nChanges = oSession.nChanges;
-  if (oSession.oChanged.wait_until(oLock, oDue, [&] { return oSession.nChanges != nChanges; })) return nullptr;
+  if (oSession.oChanged.wait_until(oLock, oDue, [&] { return oSession.nChanges != nChanges; }))
+    return nullptr;
   if (!bAny)
     throw ClPlayError(ePlayNoFrames, "the recording has no sequence of sensor mode " +
                                          std::to_string(oSession.oSetting.nMode) + " under these lights");

@@ -30,7 +30,8 @@ enum EPlayError : long {
 struct StPlayerSettings {
   std::string sFile;    ///< KELVARIN_VT40_REPLAY_FILE
   double dSpeed = 1.0;  ///< KELVARIN_VT40_REPLAY_SPEED: times the recorded speed; 0 ("max"): no pace
-  bool bSteady = true;  ///< KELVARIN_VT40_REPLAY_STEADY: a sequence waits until the process has dealt with the one before
+  bool bSteady =
+      true;  ///< KELVARIN_VT40_REPLAY_STEADY: a sequence waits until the process has dealt with the one before
 
   static StPlayerSettings OfEnvironment();
 };
@@ -59,7 +60,8 @@ class ClPlayer {
   /// True when an application has asked for more sequences than there are.
   bool IsAtEnd() const { return m_bEnd; }
 
-  /// The recorded answer to a call, on a device or on none. bTake: it counts as given, unless its output did not fit.
+  /// The recorded answer to a call, on a device or on none. bTake: it counts as given, unless its output did
+  /// not fit.
   const StCall& Answer(void* hDevice, const StCall& oAsked, bool bTake);
   void Take(void* hDevice, const StCall& oAsked);
   long TooSmall(void* hDevice, const StCall& oAsked);

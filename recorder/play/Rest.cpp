@@ -21,7 +21,8 @@ struct ClCloseFolder {
 
 /// True for a thread that runs, can run, or waits for a disk; false when it sleeps, or is gone.
 bool IsBusy(const char* szThread) {
-  const int nFile = open((std::string("/proc/self/task/") + szThread + "/stat").c_str(), O_RDONLY | O_CLOEXEC);
+  const int nFile =
+      open((std::string("/proc/self/task/") + szThread + "/stat").c_str(), O_RDONLY | O_CLOEXEC);
   if (nFile < 0) return false;
   char szStat[256];
   const ssize_t nRead = read(nFile, szStat, sizeof szStat - 1);
@@ -48,7 +49,8 @@ bool IsAnyBusy() {
 
 void WaitForRest(std::chrono::milliseconds oLongest) {
   const auto oEnd = std::chrono::steady_clock::now() + oLongest;
-  // One look goes from thread to thread: a second one finds those that were woken meanwhile by one that it had seen busy later.
+  // One look goes from thread to thread: a second one finds those that were woken meanwhile by one that it
+  // had seen busy later.
   for (int nQuiet = 0; nQuiet < 2;) {
     if (std::chrono::steady_clock::now() >= oEnd) return;
     nQuiet = IsAnyBusy() ? 0 : nQuiet + 1;

@@ -67,7 +67,8 @@ std::unique_ptr<StSession> MakeSession(const std::vector<StRecorded>& aCalls) {
       pSession->oAnswers.Add(oRecorded);
       continue;
     }
-    // What failed because the capture was being ended says nothing of the device; what was dropped is a lost frame.
+    // What failed because the capture was being ended says nothing of the device; what was dropped is a lost
+    // frame.
     if (oCall.nResult != 0 ? !bCapture : !HasFrames(oCall)) continue;
     const int64_t nGap = bAny ? oCall.nEnd - nLast : oCall.nEnd - oCall.nBegin;
     pSession->mapStreams[oSetting.Name()].aEvents.push_back(

@@ -8,7 +8,8 @@
 namespace Recording {
 namespace {
 
-/// Memory whose pages are there already: a page that has to be fetched first costs a frame's copy twice its time.
+/// Memory whose pages are there already: a page that has to be fetched first costs a frame's copy twice its
+/// time.
 uint8_t* TakeRing(size_t nBytes) {
   void* p = mmap(nullptr, nBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_POPULATE, -1, 0);
   if (p == MAP_FAILED) throw std::bad_alloc();
@@ -17,13 +18,15 @@ uint8_t* TakeRing(size_t nBytes) {
 
 }  // namespace
 
-ClCallQueue::ClCallQueue(size_t nBytes) : m_nRing((nBytes + 4095) / 4096 * 4096), m_pRing(TakeRing(m_nRing)) {}
+ClCallQueue::ClCallQueue(size_t nBytes)
+    : m_nRing((nBytes + 4095) / 4096 * 4096), m_pRing(TakeRing(m_nRing)) {}
 
 ClCallQueue::~ClCallQueue() {
   munmap(m_pRing, m_nRing);
 }
 
-/// Makes the rest of the ring an entry of its own when nRoom does not fit before its end. False when there is no room.
+/// Makes the rest of the ring an entry of its own when nRoom does not fit before its end. False when there is
+/// no room.
 bool ClCallQueue::Skip(size_t nRoom) {
   const size_t nRest = m_nRing - static_cast<size_t>(m_nHead % m_nRing);
   const size_t nNeed = nRoom > nRest ? nRest + nRoom : nRoom;

@@ -8,10 +8,12 @@
 
 namespace Recording {
 
-/// Threads enter what they have in the order in which they ask for room, and fill it side by side. One thread takes it out.
+/// Threads enter what they have in the order in which they ask for room, and fill it side by side. One thread
+/// takes it out.
 ///
 /// Ownership  the ring is taken from the system at once, so that later nothing is allocated.
-/// Threads    Reserve and Commit thread-safe; Front and Pop for one thread. The lock is held for a few instructions.
+/// Threads    Reserve and Commit thread-safe; Front and Pop for one thread. The lock is held for a few
+///            instructions.
 /// Errors     std::bad_alloc from the constructor; Reserve gives NULL.
 class ClCallQueue {
  public:

@@ -1,4 +1,5 @@
-// The search goes through folders and opens by path: by its name the dynamic linker would give the recorder itself.
+// The search goes through folders and opens by path: by its name the dynamic linker would give the recorder
+// itself.
 #include "record/RealLibrary.h"
 
 #include <dlfcn.h>
@@ -11,15 +12,16 @@
 namespace Recording {
 namespace {
 
-/// In the order in which the SDK searches: its own search path, the dynamic linker's, the folder of the SDK's library, of
-/// which the recorder's is a part, and the system's.
+/// In the order in which the SDK searches: its own search path, the dynamic linker's, the folder of the SDK's
+/// library, of which the recorder's is a part, and the system's.
 std::vector<std::string> SearchedFolders(const std::string& sName) {
   const bool bLiveness = sName == cszLivenessLibrary;
   const std::string sPlace = bLiveness ? "KelvarinFakeFingerDetectionVT40" : "KelvarinVTScanAPI";
   std::vector<std::string> aFolders = {"../" + sPlace, "../../" + sPlace, "."};
   const char* szPath = std::getenv("LD_LIBRARY_PATH");
   std::istringstream oPath(szPath != nullptr ? szPath : "");
-  for (std::string sFolder; std::getline(oPath, sFolder, ':');) aFolders.push_back(sFolder.empty() ? "." : sFolder);
+  for (std::string sFolder; std::getline(oPath, sFolder, ':');)
+    aFolders.push_back(sFolder.empty() ? "." : sFolder);
   aFolders.push_back(OwnFolder() + "../..");
 #if defined(__x86_64__)
   aFolders.insert(aFolders.end(), {"/usr/local/lib/x86_64-linux-gnu", "/usr/lib/x86_64-linux-gnu"});

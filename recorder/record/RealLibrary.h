@@ -7,8 +7,9 @@
 
 namespace Recording {
 
-/// Opens the library of that file name that applications would get without the recorder: the one in the folder that
-/// KELVARIN_VT40_RECORD_FROM names, or else the first one in the folders that applications search. Never a recorder.
+/// Opens the library of that file name that applications would get without the recorder: the one in the
+/// folder that KELVARIN_VT40_RECORD_FROM names, or else the first one in the folders that applications
+/// search. Never a recorder.
 ///
 /// Errors  NULL, with the reason in sReason.
 void* OpenRealLibrary(const char* szName, std::string& sReason);

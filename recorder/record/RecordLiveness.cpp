@@ -1,4 +1,5 @@
-// The functions of the liveness library, as the recorder exports them. They enter the recording of the scan library's recorder.
+// The functions of the liveness library, as the recorder exports them. They enter the recording of the scan
+// library's recorder.
 #include <dlfcn.h>
 
 #include <cstdio>

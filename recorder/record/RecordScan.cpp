@@ -71,7 +71,8 @@ void NoteMode(ClCallRecord& oCall, long nResult, void* hDevice, uint32_t nMode) 
   StScan& oScan = Library();
   unsigned int nWidth = 0;
   unsigned int nHeight = 0;
-  // The library knows the sizes of its modes; a table of them would be read past the end of other scanners' frames.
+  // The library knows the sizes of its modes; a table of them would be read past the end of other scanners'
+  // frames.
   if (nResult != 0 || oScan.oReal.VTScanAPIGetResolution == nullptr ||
       oScan.oReal.VTScanAPIGetResolution(hDevice, &nWidth, &nHeight) != 0)
     nWidth = nHeight = 0;
@@ -98,9 +99,8 @@ void AddImage(ClCallRecord& oCall, long nResult, void* hDevice, const tagBITMAPI
     return;
   const size_t nPalette = pHeader->biClrUsed != 0 ? pHeader->biClrUsed : 256;
   const auto nHeight = static_cast<uint32_t>(pHeader->biHeight < 0 ? -pHeader->biHeight : pHeader->biHeight);
-  AddFrames(
-      oCall, 1, reinterpret_cast<const uint8_t*>(pHeader) + pHeader->biSize + 4 * nPalette,
-      {static_cast<uint32_t>(pHeader->biWidth), nHeight, 1, Library().oDevices.ShapeOf(hDevice).nMode});
+  AddFrames(oCall, 1, reinterpret_cast<const uint8_t*>(pHeader) + pHeader->biSize + 4 * nPalette,
+            {static_cast<uint32_t>(pHeader->biWidth), nHeight, 1, Library().oDevices.ShapeOf(hDevice).nMode});
 }
 
 }  // namespace
@@ -194,7 +194,8 @@ extern "C" __attribute__((visibility("default"))) void VTRecFinish() {
   if (Library().pRecorder != nullptr) Library().pRecorder->Finish();
 }
 
-/// The recorder of this process, for the recorder of the liveness library of the same version; NULL for another one.
+/// The recorder of this process, for the recorder of the liveness library of the same version; NULL for
+/// another one.
 extern "C" __attribute__((visibility("default"))) void* VTRecRecorder(const char* szVersion) {
   return std::string(szVersion) == RECORDER_VERSION ? Library().pRecorder : nullptr;
 }

@@ -1,4 +1,5 @@
-// One call of an application: passed on to the real library, and entered into the recording with what it answered.
+// One call of an application: passed on to the real library, and entered into the recording with what it
+// answered.
 #pragma once
 
 #include <cstring>
@@ -21,7 +22,8 @@ struct StRecordedLibrary {
   ClOpenDevices oDevices;
 };
 
-/// What is added to the record of function nFunction after the call: nothing, but for the functions that specialise this.
+/// What is added to the record of function nFunction after the call: nothing, but for the functions that
+/// specialise this.
 template <uint16_t nFunction>
 struct TpMore {
   template <typename... TArguments>
@@ -99,7 +101,8 @@ class ClGotArguments {
   const void* m_pBytes = nullptr;
 };
 
-/// The device of a call, from the argument that says so: before the call for those that close it, after it for those that open it.
+/// The device of a call, from the argument that says so: before the call for those that close it, after it
+/// for those that open it.
 template <typename... TArguments>
 const void* DeviceOf(const char* szRoles, TArguments... aArguments) {
   const void* hDevice = nullptr;
@@ -178,15 +181,17 @@ class TpRecordedCall {
 };
 
 template <uint16_t nFunction, typename TResult, typename... TParameters>
-TpRecordedCall<nFunction, TResult, TParameters...> MakeRecorded(StRecordedLibrary& oLibrary, const char* szRoles,
+TpRecordedCall<nFunction, TResult, TParameters...> MakeRecorded(StRecordedLibrary& oLibrary,
+                                                                const char* szRoles,
                                                                 TResult (*pfn)(TParameters...)) {
   return {oLibrary, szRoles, pfn};
 }
 
 }  // namespace Recording
 
-/// The exported function of a row of the tables, over Library(), which gives the library and its functions oReal.
-#define KLV_EXPORT_RECORDED(Number, Name, Result, Parameters, Arguments, Roles)            \
-  extern "C" __attribute__((visibility("default"))) Result Name Parameters {               \
+/// The exported function of a row of the tables, over Library(), which gives the library and its functions
+/// oReal.
+#define KLV_EXPORT_RECORDED(Number, Name, Result, Parameters, Arguments, Roles)               \
+  extern "C" __attribute__((visibility("default"))) Result Name Parameters {                  \
     return Recording::MakeRecorded<Number>(Library(), Roles, Library().oReal.Name) Arguments; \
   }

@@ -19,12 +19,14 @@ namespace Recording {
 namespace {
 
 int64_t SteadyNow() {
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::steady_clock::now().time_since_epoch())
       .count();
 }
 
 int64_t WallNow() {
-  return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::system_clock::now().time_since_epoch())
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(
+             std::chrono::system_clock::now().time_since_epoch())
       .count();
 }
 
@@ -33,11 +35,13 @@ bool IsSet(const char* szVariable) {
   return szValue != nullptr && szValue[0] != '\0' && std::strcmp(szValue, "0") != 0;
 }
 
-/// Opens a file for fingerprints: nobody but its owner reads it. One that another process records into is left alone.
+/// Opens a file for fingerprints: nobody but its owner reads it. One that another process records into is
+/// left alone.
 int OpenFile(const std::string& sFile) {
   const int nFile = open(sFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
   if (nFile < 0) {
-    std::fprintf(stderr, "vt40 recorder: \"%s\" cannot be written: %s\n", sFile.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "vt40 recorder: \"%s\" cannot be written: %s\n", sFile.c_str(),
+                 std::strerror(errno));
     return -1;
   }
   if (flock(nFile, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
@@ -47,14 +51,16 @@ int OpenFile(const std::string& sFile) {
   }
   // What is no regular file has no length to take away.
   if (ftruncate(nFile, 0) != 0 && errno != EINVAL) {
-    std::fprintf(stderr, "vt40 recorder: \"%s\" cannot be emptied: %s\n", sFile.c_str(), std::strerror(errno));
+    std::fprintf(stderr, "vt40 recorder: \"%s\" cannot be emptied: %s\n", sFile.c_str(),
+                 std::strerror(errno));
     close(nFile);
     return -1;
   }
   return nFile;
 }
 
-/// Signals are the application's: its handlers do not run in the writing thread, and a file that may not grow is an error.
+/// Signals are the application's: its handlers do not run in the writing thread, and a file that may not grow
+/// is an error.
 class ClSignalsBlocked {
  public:
   ClSignalsBlocked() {
@@ -101,9 +107,7 @@ struct ClRecorder::StCalibration {
 };
 
 ClRecorder::ClRecorder(const StRecorderSettings& oSettings, bool bSimulated)
-    : m_oSettings(oSettings),
-      m_nSteadyStart(SteadyNow()),
-      m_pCalibration(std::make_unique<StCalibration>()) {
+    : m_oSettings(oSettings), m_nSteadyStart(SteadyNow()), m_pCalibration(std::make_unique<StCalibration>()) {
   try {
     Open(oSettings, bSimulated);
   } catch (const std::exception& oError) {
@@ -234,9 +238,9 @@ uint32_t ClRecorder::WriteAttachment(const StAttachment& oAttachment, uint8_t* p
   const auto nBytes = static_cast<size_t>(oAttachment.nBytes);
   if (oAttachment.eKind == StAttachment::eCalibration) return WriteCalibration(pData, nBytes);
   ++m_nData;
-  if (oAttachment.eKind == StAttachment::ePlain) return m_pWriter->WriteCompressed(eBlockData, pData, nBytes, false);
-  if (m_oSettings.bBlur) m_oBlur.BlurFrames(pData, nBytes, oAttachment.nWidth, oAttachment.nHeight);
-  return m_pWriter->WriteCompressed(eBlockData, pData, nBytes, true);
+  if (oAttachment.eKind == StAttachment::eFrames && m_oSettings.bBlur)
+    m_oBlur.BlurFrames(pData, nBytes, oAttachment.nWidth, oAttachment.nHeight);
+  return m_pWriter->WriteCompressed(eBlockData, pData, nBytes);
 }
 
 uint32_t ClRecorder::WriteCalibration(const uint8_t* pData, size_t nBytes) {
@@ -244,7 +248,7 @@ uint32_t ClRecorder::WriteCalibration(const uint8_t* pData, size_t nBytes) {
   for (const StCalibration::StKnown& oKnown : m_pCalibration->aKnown)
     if (oKnown.aBytes == aBytes) return oKnown.nBlock;
   ++m_nData;
-  const uint32_t nBlock = m_pWriter->WriteCompressed(eBlockData, pData, nBytes, false);
+  const uint32_t nBlock = m_pWriter->WriteCompressed(eBlockData, pData, nBytes);
   // A scanner has a handful of blocks; what reads others on and on is stored again rather than kept.
   if (m_pCalibration->aKnown.size() < 64) m_pCalibration->aKnown.push_back({nBlock, std::move(aBytes)});
   return nBlock;

@@ -7,8 +7,8 @@
 #include <string>
 #include <thread>
 
-#include "format/Blur.h"
 #include "format/BlockWriter.h"
+#include "format/Blur.h"
 #include "format/CallRecord.h"
 #include "record/CallQueue.h"
 
@@ -16,19 +16,20 @@ namespace Recording {
 
 /// What the environment asks for.
 struct StRecorderSettings {
-  std::string sFile;  ///< KELVARIN_VT40_RECORD_FILE; empty: nothing is recorded
-  bool bBlur = false;         ///< KELVARIN_VT40_RECORD_BLUR
-  bool bWait = false;         ///< KELVARIN_VT40_RECORD_WAIT: a full queue holds the application up
+  std::string sFile;               ///< KELVARIN_VT40_RECORD_FILE; empty: nothing is recorded
+  bool bBlur = false;              ///< KELVARIN_VT40_RECORD_BLUR
+  bool bWait = false;              ///< KELVARIN_VT40_RECORD_WAIT: a full queue holds the application up
   size_t nQueueBytes = 64U << 20;  ///< KELVARIN_VT40_RECORD_QUEUE, in MB
 
   static StRecorderSettings OfEnvironment();
 };
 
-/// Takes calls from the application's threads and writes them in a thread of its own. The libraries of a process share one: what
-/// both call is virtual, so that the code and the counters are those of the library that made it.
+/// Takes calls from the application's threads and writes them in a thread of its own. The libraries of a
+/// process share one: what both call is virtual, so that the code and the counters are those of the library
+/// that made it.
 ///
-/// Threads  thread-safe but for construction and Finish. Record allocates nothing, and waits for a lock that others hold for a
-///          few instructions.
+/// Threads  thread-safe but for construction and Finish. Record allocates nothing, and waits for a lock that
+///          others hold for a few instructions.
 /// Errors   none: what goes wrong is said on the standard error, and the scanner goes on.
 class ClRecorder {
  public:

@@ -1,4 +1,5 @@
-// Recorder and player as applications load them: the same answers with a recorder as without, and from its recording.
+// Recorder and player as applications load them: the same answers with a recorder as without, and from its
+// recording.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
@@ -12,12 +13,14 @@ using namespace Recording;
 
 namespace {
 
-constexpr char cszScene[] = R"({"seed": 4, "scanners": [{"fingers": [{"print": {"seed": 2}, "x": 40, "y": 40}]}],
+constexpr char cszScene[] =
+    R"({"seed": 4, "scanners": [{"fingers": [{"print": {"seed": 2}, "x": 40, "y": 40}]}],
   "faults": [{"call": "VTScanAPISetVSYNC", "first": 2, "repeat": 1, "result": -101}]})";
 
 uint64_t DigestOf(const void* p, size_t nBytes) {
   uint64_t nDigest = 14695981039346656037U;
-  for (size_t i = 0; i < nBytes; ++i) nDigest = (nDigest ^ static_cast<const uint8_t*>(p)[i]) * 1099511628211U;
+  for (size_t i = 0; i < nBytes; ++i)
+    nDigest = (nDigest ^ static_cast<const uint8_t*>(p)[i]) * 1099511628211U;
   return nDigest;
 }
 

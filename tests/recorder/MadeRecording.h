@@ -30,7 +30,8 @@ class ClMadeRecording {
     if (fnFill) fnFill(oCall);
     Enter(oCall, nResult, nDevice);
   }
-  /// A sequence of sensor mode 6, whose frame holds one value; a value below 0: the call failed with that number.
+  /// A sequence of sensor mode 6, whose frame holds one value; a value below 0: the call failed with that
+  /// number.
   void Sequence(int nValue, uint32_t nBytes = 960 * 680) {
     Recording::ClCallRecord oCall(Recording::eVTScanAPILockRawSequence);
     const std::vector<uint8_t> aFrame(nBytes, static_cast<uint8_t>(nValue));
@@ -53,10 +54,12 @@ class ClMadeRecording {
   }
   void Open(uint32_t nDevice = 1) {
     Call(
-        Recording::eVTScanAPICreateHandle, [](auto& oCall) { oCall.AddNumber(0, Recording::eGiven, 7); }, 0, nDevice);
+        Recording::eVTScanAPICreateHandle, [](auto& oCall) { oCall.AddNumber(0, Recording::eGiven, 7); }, 0,
+        nDevice);
   }
   void Capture(bool bOn) {
-    Call(Recording::eVTScanAPIEnableCapture, [&](auto& oCall) { oCall.AddNumber(1, Recording::eGiven, bOn ? 1 : 0); });
+    Call(Recording::eVTScanAPIEnableCapture,
+         [&](auto& oCall) { oCall.AddNumber(1, Recording::eGiven, bOn ? 1 : 0); });
   }
   /// The list of scanners: one of that identifier, or none.
   void List(unsigned int nId) {
@@ -76,8 +79,8 @@ class ClMadeRecording {
     return {std::istreambuf_iterator<char>(oFile), {}};
   }
   void Replace(const std::vector<uint8_t>& aBytes) const {
-    std::ofstream(Path(), std::ios::binary).write(reinterpret_cast<const char*>(aBytes.data()),
-                                                  static_cast<std::streamsize>(aBytes.size()));
+    std::ofstream(Path(), std::ios::binary)
+        .write(reinterpret_cast<const char*>(aBytes.data()), static_cast<std::streamsize>(aBytes.size()));
   }
 
  private:
@@ -87,8 +90,8 @@ class ClMadeRecording {
     std::vector<uint8_t> aCall(oCall.Bytes(), oCall.Bytes() + oCall.Size());
     for (size_t i = 0; i < oCall.AttachmentCount(); ++i) {
       const Recording::StAttachment& o = oCall.Attachments()[i];
-      const uint32_t nBlock = m_pWriter->WriteCompressed(Recording::eBlockData, o.pData, o.nBytes,
-                                                         o.eKind == Recording::StAttachment::eFrames);
+      const uint32_t nBlock =
+          m_pWriter->WriteCompressed(Recording::eBlockData, o.pData, static_cast<size_t>(o.nBytes));
       Recording::Store(&aCall[o.nField], nBlock, 4);
     }
     m_pWriter->Write(Recording::eBlockCall, aCall.data(), aCall.size());

@@ -1,4 +1,5 @@
-// The player: sequences in order for each setting, answers as they were at the time, and refusals with a reason.
+// The player: sequences in order for each setting, answers as they were at the time, and refusals with a
+// reason.
 #include <gmock/gmock.h>
 
 #include "MadeRecording.h"
@@ -46,7 +47,8 @@ class ClOpenPlayer {
   /// How many scanners the list holds.
   long Listed() {
     unsigned int nCount = 8;
-    const StCall oAsked = AskedCall(eVTScanAPIQueryDevices, static_cast<unsigned int*>(nullptr), &nCount, 17U);
+    const StCall oAsked =
+        AskedCall(eVTScanAPIQueryDevices, static_cast<unsigned int*>(nullptr), &nCount, 17U);
     const long nListed = m_oPlayer.Answer(nullptr, oAsked, false).Number(1, eGot, -1);
     m_oPlayer.Take(nullptr, oAsked);
     return nListed;
@@ -206,7 +208,8 @@ TEST(Player, OpeningsComeInOrderAndTheLastOneAgain) {
   for (const uint32_t nDevice : {1U, 2U}) {
     oMade.Open(nDevice);
     oMade.Call(
-        eVTScanAPISetVSYNC, [](ClCallRecord& o) { o.AddNumber(1, eGiven, 9); }, nDevice == 1 ? -1 : -2, nDevice);
+        eVTScanAPISetVSYNC, [](ClCallRecord& o) { o.AddNumber(1, eGiven, 9); }, nDevice == 1 ? -1 : -2,
+        nDevice);
   }
   ClOpenPlayer oPlayer(oMade);
   for (const long nResult : {-1L, -2L, -2L}) {

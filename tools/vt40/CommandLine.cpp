@@ -213,10 +213,10 @@ void AddRecording(CLI::App& oApp, StCommandLine& oLine) {
                       "fingerprints included")
           ->type_name("FILE");
   oApp.add_flag("--blur", oRecording.bBlur, "With --record: frames without ridges")->needs(pRecord);
-  CLI::Option* pReplay =
-      oApp.add_option("--replay", oRecording.sReplayFile, "Before the command: recording that answers in a scanner's place")
-          ->type_name("FILE")
-          ->excludes(pRecord);
+  CLI::Option* pReplay = oApp.add_option("--replay", oRecording.sReplayFile,
+                                         "Before the command: recording that answers in a scanner's place")
+                             ->type_name("FILE")
+                             ->excludes(pRecord);
   oApp.add_option("--speed", oRecording.sSpeed, "With --replay: times the recorded speed, or max")
       ->needs(pReplay)
       ->check(CLI::Range(0.01, 1000.0) | CLI::IsMember({"max"}))

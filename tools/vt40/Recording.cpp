@@ -43,7 +43,9 @@ ordered_json SequencesOf(const Recording::ClRecording& oRecording) {
   using Kind = std::array<int64_t, 4>;
   std::map<Kind, uint64_t> mapCounts;
   for (const StCall& oCall : oRecording.Calls()) {
-    const auto Added = [&](Recording::EAddedField eField) { return oCall.Number(eField, Recording::eGot, 0); };
+    const auto Added = [&](Recording::EAddedField eField) {
+      return oCall.Number(eField, Recording::eGot, 0);
+    };
     if (Added(Recording::eAddedPlanes) <= 0) continue;
     ++mapCounts[{Added(Recording::eAddedMode), Added(Recording::eAddedWidth), Added(Recording::eAddedHeight),
                  Added(Recording::eAddedPlanes)}];
@@ -61,8 +63,8 @@ ordered_json SequencesOf(const Recording::ClRecording& oRecording) {
 
 std::string Lines(const ordered_json& oFacts) {
   const auto Number = [](const ordered_json& o) { return o.dump(); };
-  std::string sText = "begun      " + oFacts["begun"].get<std::string>() + ", " + Number(oFacts["seconds"]) + " s\n" +
-                      "scanner    " + (oFacts["simulated"] ? "simulated" : "real") +
+  std::string sText = "begun      " + oFacts["begun"].get<std::string>() + ", " + Number(oFacts["seconds"]) +
+                      " s\n" + "scanner    " + (oFacts["simulated"] ? "simulated" : "real") +
                       (oFacts["blurred"] ? ", frames without ridges" : ", frames are fingerprints") + "\n";
   for (const auto& oSequence : oFacts["sequences"]) {
     sText += "sequences  " + Number(oSequence["count"]) + " of " + Number(oSequence["planes"]) + " x " +
@@ -101,9 +103,11 @@ void RunRecording(const std::string& sFile, ClReport& oReport) {
     oFacts["lost"] = {{"calls", oLoss.nCalls}, {"data", oLoss.nData}, {"bytes", oLoss.nBytes}};
     oReport.Line(Lines(oFacts));
     if (!oRecording.Damage().empty()) {
-      oReport.SetVerdict(eExitNegative, "the recording is damaged, and plays up to there: " + oRecording.Damage());
+      oReport.SetVerdict(eExitNegative,
+                         "the recording is damaged, and plays up to there: " + oRecording.Damage());
     } else if (!oRecording.IsWhole()) {
-      oReport.SetVerdict(eExitNegative, "the recording was not brought to its end; it plays as far as it goes");
+      oReport.SetVerdict(eExitNegative,
+                         "the recording was not brought to its end; it plays as far as it goes");
     }
   } catch (const Recording::ClRecordingError& oError) {
     throw ClToolError(eExitFile, oError.what());

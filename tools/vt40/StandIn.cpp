@@ -46,11 +46,13 @@ void* LoadFrom(const std::string& sFolder, const char* szName) {
 
 template <typename TResult>
 TResult Ask(const char* szFunction, TResult oOtherwise) {
-  const auto pfn = reinterpret_cast<TResult (*)()>(s_pLibrary != nullptr ? dlsym(s_pLibrary, szFunction) : nullptr);
+  const auto pfn =
+      reinterpret_cast<TResult (*)()>(s_pLibrary != nullptr ? dlsym(s_pLibrary, szFunction) : nullptr);
   return pfn != nullptr ? pfn() : oOtherwise;
 }
 
-/// The recorder goes on without its file; who asks for a recording wants to hear of it before a finger is captured.
+/// The recorder goes on without its file; who asks for a recording wants to hear of it before a finger is
+/// captured.
 void NeedWritable(const std::string& sFile) {
   const int nFile = open(sFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
   if (nFile < 0) throw ClToolError(eExitFile, "\"" + sFile + "\" cannot be written: " + std::strerror(errno));
@@ -63,10 +65,11 @@ void LoadRecorder() {
   if (s_oOptions.bBlur) setenv("KELVARIN_VT40_RECORD_BLUR", "1", 1);
   if (s_bSimulated) {
     setenv("KELVARIN_VT40_RECORD_FROM", Folder("simulator").c_str(), 1);
-    // Without a clock frames come faster than any scanner's, and faster than they can be written: what a recording of that is about
-    // would be lost in it. Scenes that want it so are held up by the recorder.
+    // Without a clock frames come faster than any scanner's, and faster than they can be written: what a
+    // recording of that is about would be lost in it. Scenes that want it so are held up by the recorder.
     setenv("KELVARIN_VTSIM_PACING", "real", 0);
-    if (std::strcmp(std::getenv("KELVARIN_VTSIM_PACING"), "real") != 0) setenv("KELVARIN_VT40_RECORD_WAIT", "1", 0);
+    if (std::strcmp(std::getenv("KELVARIN_VTSIM_PACING"), "real") != 0)
+      setenv("KELVARIN_VT40_RECORD_WAIT", "1", 0);
   }
   s_pLibrary = LoadFrom(Folder("recorder"), cszScan);
   LoadFrom(Folder("recorder"), cszLiveness);
@@ -91,7 +94,8 @@ void StandIn::Load() {
   if (s_pLibrary != nullptr || (s_oOptions.sRecordFile.empty() && s_oOptions.sReplayFile.empty())) return;
   s_bSimulated = IsSet(cszSimulate);
   if (s_bSimulated && !s_oOptions.sReplayFile.empty())
-    throw ClToolError(eExitUsage, "a replay takes no simulated scanner: leave --simulate, --scene and --print out");
+    throw ClToolError(eExitUsage,
+                      "a replay takes no simulated scanner: leave --simulate, --scene and --print out");
   // The library would open the simulated one by its path.
   setenv(cszSimulate, "0", 1);
   if (!s_oOptions.sRecordFile.empty()) LoadRecorder();
@@ -102,14 +106,16 @@ void StandIn::CheckUsed() {
   if (s_pLibrary == nullptr) return;
   const char* szFunction = s_oOptions.sReplayFile.empty() ? "VTRecIsUsed" : "VTPlayIsUsed";
   if (Ask<int>(szFunction, 0) != 0) return;
-  throw ClToolError(eExitScanLibrary,
-                    std::string("a scan library in the working directory or in ../KelvarinVTScanAPI comes before ") +
-                        (s_oOptions.sReplayFile.empty() ? "the recorder" : "the player") +
-                        "; start vt40 in another directory");
+  throw ClToolError(
+      eExitScanLibrary,
+      std::string("a scan library in the working directory or in ../KelvarinVTScanAPI comes before ") +
+          (s_oOptions.sReplayFile.empty() ? "the recorder" : "the player") +
+          "; start vt40 in another directory");
 }
 
 void StandIn::Finish() {
-  const auto pfn = reinterpret_cast<void (*)()>(s_pLibrary != nullptr ? dlsym(s_pLibrary, "VTRecFinish") : nullptr);
+  const auto pfn =
+      reinterpret_cast<void (*)()>(s_pLibrary != nullptr ? dlsym(s_pLibrary, "VTRecFinish") : nullptr);
   if (pfn != nullptr) pfn();
 }
 
