@@ -10,6 +10,8 @@ void NeedPointer(const void* p) {
   if (p == nullptr) throw ClPlayError(ePlayBadPointer, "a pointer is NULL");
 }
 
+}  // namespace
+
 /// A call that sets the sensor up: what was not recorded is refused, since there are no frames of it.
 template <uint16_t nFunction>
 struct TpPlaySetting {
@@ -50,8 +52,6 @@ struct TpPlayImage {
     return 0;
   }
 };
-
-}  // namespace
 
 template <>
 struct TpPlay<eVTScanAPICreateHandle> {

@@ -3,6 +3,7 @@
 
 #include <random>
 
+#include "Allocations.h"
 #include "MadeRecording.h"
 #include "format/Blur.h"
 #include "format/RecordingReader.h"
@@ -168,7 +169,9 @@ TEST(Format, SizesThatAreMadeUpTakeNoMemory) {
   oMade.Replace(aFile);
   const ClRecording oRecording(oMade.Path());
   ASSERT_EQ(oRecording.BlockCount(), 1U);
+  Allocations::ForgetLargest();
   EXPECT_THROW(oRecording.Data(0), ClRecordingError);
+  EXPECT_LT(Allocations::Largest(), 10000U);
   Store(&aFile[cnFileHeader + 12], cnLargestContent + 1, 4);
   Store(&aFile[cnFileHeader + 24], Checksum(&aFile[cnFileHeader], 24), 4);
   oMade.Replace(aFile);
@@ -180,7 +183,7 @@ TEST(Format, ACallThatNamesNoDataEndsTheReading) {
   oMade.Call(eVTScanAPIInitialize);
   std::vector<uint8_t> aCall = [] {
     ClCallRecord oCall(eVTScanAPILockRawSequence);
-    oCall.AddFrames(1, eGot, "x", 1, 1, 1);
+    oCall.AddFrames(1, eGot, "", cnCallHeader, 8, 5);  // as long as the block that it is said to be
     oCall.SetHead(1, 1, 0, 0, 0);
     return std::vector<uint8_t>(oCall.Bytes(), oCall.Bytes() + oCall.Size());
   }();
@@ -189,6 +192,21 @@ TEST(Format, ACallThatNamesNoDataEndsTheReading) {
   const ClRecording oRecording(oMade.Path());
   EXPECT_EQ(oRecording.Calls().size(), 1U);
   EXPECT_THAT(oRecording.Damage(), HasSubstr("names data that is not there"));
+}
+
+TEST(Format, AFieldThatGoesBeyondItsCallIsRefused) {
+  ClCallRecord oCall(eVTScanAPIListEPROMFile);
+  oCall.AddText(1, eGot, "text");
+  oCall.SetHead(1, 1, 0, 0, 0);
+  std::vector<uint8_t> aCall(oCall.Bytes(), oCall.Bytes() + oCall.Size());
+  EXPECT_EQ(ParseCall(aCall).aFields.size(), 1U);
+  for (const uint64_t nBytes : {uint64_t{5}, uint64_t{0xFFFFFFFF}}) {
+    Store(&aCall[cnCallHeader + 4], nBytes, 4);
+    EXPECT_THROW(ParseCall(aCall), ClRecordingError);
+  }
+  Store(&aCall[cnCallHeader + 4], 4, 4);
+  aCall[12] = 2;
+  EXPECT_THROW(ParseCall(aCall), ClRecordingError);
 }
 
 TEST(Blur, RidgesGoAndLightAndAreaStay) {

@@ -4,9 +4,11 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <future>
 #include <random>
 #include <thread>
 
+#include "Allocations.h"
 #include "TemporaryDirectory.h"
 #include "format/Functions.h"
 #include "format/RecordingReader.h"
@@ -15,8 +17,6 @@
 #include "record/Recorder.h"
 
 using namespace Recording;
-
-namespace {
 
 class Recorder : public testing::Test {
  protected:
@@ -35,8 +35,6 @@ class Recorder : public testing::Test {
 
   const ClTemporaryDirectory m_oFolder;
 };
-
-}  // namespace
 
 TEST_F(Recorder, CallsOfAllThreadsAreInTheFile) {
   {
@@ -61,6 +59,22 @@ TEST_F(Recorder, CallsOfAllThreadsAreInTheFile) {
     ASSERT_EQ(aData, std::vector<uint8_t>(60000, aData[0]));
   }
   EXPECT_EQ(mapThreads.size(), 4U);
+}
+
+TEST_F(Recorder, ACallAllocatesNothing) {
+  const std::vector<uint8_t> aFrame(30000);
+  StRecorderSettings oSettings = Settings();
+  // The writing thread has nothing to compress where there is no file any more, and allocates nothing then.
+  oSettings.sFile = "/dev/full";
+  testing::internal::CaptureStderr();
+  ClRecorder oRecorder(oSettings, false);
+  Enter(oRecorder, aFrame, StAttachment::eFrames);
+  oRecorder.Drain();
+  const long nBefore = Allocations::Count();
+  for (int n = 0; n < 20; ++n) Enter(oRecorder, aFrame, StAttachment::eFrames);
+  oRecorder.Drain();
+  EXPECT_EQ(Allocations::Count(), nBefore);
+  testing::internal::GetCapturedStderr();
 }
 
 TEST_F(Recorder, AFileOfFingerprintsIsItsOwnersAlone) {
@@ -170,6 +184,16 @@ TEST(CallQueue, EntriesComeOutInTheOrderOfTheirRoom) {
   }
   oQueue.End();
   EXPECT_EQ(oQueue.Front(), nullptr);
+}
+
+TEST(CallQueue, AnEntryThatIsBeingFilledHoldsUpThoseAfterIt) {
+  ClCallQueue oQueue(4096);
+  ClCallQueue::StEntry* pFirst = oQueue.Reserve(10, false);
+  oQueue.Commit(oQueue.Reserve(10, false));
+  auto oFront = std::async(std::launch::async, [&] { return oQueue.Front(); });
+  EXPECT_EQ(oFront.wait_for(std::chrono::milliseconds(30)), std::future_status::timeout);
+  oQueue.Commit(pFirst);
+  EXPECT_EQ(oFront.get(), pFirst);
 }
 
 TEST(CallQueue, AFullQueueGivesNoRoomUntilSomethingIsTaken) {
