@@ -44,7 +44,7 @@ void ClBlur::BlurPhase(uint8_t* pPlane, uint32_t nWidth, uint32_t nHeight, uint3
   for (size_t y = 0; y < nRows; ++y)
     for (size_t x = 0; x < nColumns; ++x)
       m_aPhase[y * nColumns + x] = pPlane[(2 * y + nY) * nWidth + 2 * x + nX];
-  for (int nPass = 0; nPass < 2; ++nPass) {
+  for (int nPass = 0; nPass < 3; ++nPass) {
     for (size_t y = 0; y < nRows; ++y)
       BlurLine(&m_aPhase[y * nColumns], &m_aOther[y * nColumns], nColumns, 1, nReach);
     for (size_t x = 0; x < nColumns; ++x) BlurLine(&m_aOther[x], &m_aPhase[x], nRows, nColumns, nReach);

@@ -94,7 +94,7 @@ class ClPlayer {
   std::map<uint32_t, std::vector<StRecorded>> m_mapDevices;  // calls by the recorded number of their device
   std::map<std::string, std::vector<StRecorded>> m_mapOpenings;
   std::atomic<bool> m_bEnd{false};
-  std::mutex m_oMutex;  // guards all that follows; never taken while a session's is wanted
+  std::mutex m_oMutex;  // guards all that follows; taken after a session's
   std::map<std::string, size_t> m_mapOpened;
   std::map<void*, SessionPointer> m_mapSessions;
   ClAnswers m_oAnswers;  // to calls without a device

@@ -5,6 +5,7 @@
 #include <pthread.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -48,6 +49,12 @@ int OpenFile(const std::string& sFile) {
     std::fprintf(stderr, "vt40 recorder: another process records into \"%s\"\n", sFile.c_str());
     close(nFile);
     return -1;
+  }
+  // A file that was there may have been readable to others.
+  struct stat oStat {};
+  if (fstat(nFile, &oStat) == 0 && S_ISREG(oStat.st_mode) && fchmod(nFile, 0600) != 0) {
+    std::fprintf(stderr, "vt40 recorder: \"%s\" stays readable to others: %s\n", sFile.c_str(),
+                 std::strerror(errno));
   }
   // What is no regular file has no length to take away.
   if (ftruncate(nFile, 0) != 0 && errno != EINVAL) {

@@ -101,7 +101,7 @@ TEST(Format, ACutFileIsGoodUpToItsLastWholeBlock) {
   ClMadeRecording oMade;
   Fill(oMade);
   const std::vector<uint8_t> aWhole = oMade.Bytes();
-  size_t nBefore = 0;
+  uint64_t nBefore = 0;
   for (size_t nBytes = 0; nBytes < aWhole.size(); ++nBytes) {
     oMade.Replace({aWhole.begin(), aWhole.begin() + static_cast<std::ptrdiff_t>(nBytes)});
     if (nBytes < cnFileHeader) {

@@ -45,11 +45,11 @@ class ClOpenPlayer {
     return nValue;
   }
   /// How many scanners the list holds.
-  long Listed() {
+  int64_t Listed() {
     unsigned int nCount = 8;
     const StCall oAsked =
         AskedCall(eVTScanAPIQueryDevices, static_cast<unsigned int*>(nullptr), &nCount, 17U);
-    const long nListed = m_oPlayer.Answer(nullptr, oAsked, false).Number(1, eGot, -1);
+    const int64_t nListed = m_oPlayer.Answer(nullptr, oAsked, false).Number(1, eGot, -1);
     m_oPlayer.Take(nullptr, oAsked);
     return nListed;
   }

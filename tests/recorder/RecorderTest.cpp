@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <fstream>
 #include <future>
 #include <random>
 #include <thread>
@@ -78,6 +79,8 @@ TEST_F(Recorder, ACallAllocatesNothing) {
 }
 
 TEST_F(Recorder, AFileOfFingerprintsIsItsOwnersAlone) {
+  std::ofstream(m_oFolder.Path("a.vtrec")) << "from before";
+  ASSERT_EQ(chmod(m_oFolder.Path("a.vtrec").c_str(), 0644), 0);
   ClRecorder oRecorder(Settings(), false);
   struct stat oStat {};
   ASSERT_EQ(stat(m_oFolder.Path("a.vtrec").c_str(), &oStat), 0);
