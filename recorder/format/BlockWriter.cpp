@@ -28,7 +28,7 @@ uint32_t Checksum(const void* pData, size_t nBytes) {
 ClBlockWriter::ClBlockWriter(int nFile, uint16_t nFlags, int64_t nStart)
     : m_nFile(nFile), m_pCompressor(std::make_unique<StCompressor>()) {
   uint8_t aHeader[cnFileHeader] = {};
-  std::memcpy(aHeader, cszFileMark, 8);
+  std::memcpy(aHeader, cacFileMark, sizeof cacFileMark);
   Store(aHeader + 8, cnVersion, 2);
   Store(aHeader + 10, nFlags, 2);
   Store(aHeader + 16, static_cast<uint64_t>(nStart), 8);
@@ -57,7 +57,7 @@ uint32_t ClBlockWriter::WriteBlock(EBlock eKind, ECoding eCoding, const void* pS
                                    size_t nContent) {
   if (m_nFailure != 0 || nContent > cnLargestContent) return cnDroppedData;
   uint8_t aHeader[cnBlockHeader] = {};
-  std::memcpy(aHeader, cszBlockMark, 4);
+  std::memcpy(aHeader, cacBlockMark, sizeof cacBlockMark);
   aHeader[4] = eKind;
   aHeader[5] = eCoding;
   Store(aHeader + 8, nStored, 4);

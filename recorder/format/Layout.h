@@ -7,8 +7,8 @@
 
 namespace Recording {
 
-constexpr char cszFileMark[] = "KLVVTREC";
-constexpr char cszBlockMark[] = "VTRB";
+constexpr char cacFileMark[8] = {'K', 'L', 'V', 'V', 'T', 'R', 'E', 'C'};
+constexpr char cacBlockMark[4] = {'V', 'T', 'R', 'B'};
 constexpr uint16_t cnVersion = 1;
 constexpr size_t cnFileHeader = 32;
 constexpr size_t cnBlockHeader = 28;

@@ -114,7 +114,7 @@ void ClRecording::ReadHeader() {
   uint8_t aHeader[cnFileHeader];
   if (m_nFileBytes < sizeof aHeader) throw ClRecordingError("\"" + m_sFile + "\" is no recording: too short");
   Read(0, aHeader, sizeof aHeader);
-  if (std::memcmp(aHeader, cszFileMark, 8) != 0)
+  if (std::memcmp(aHeader, cacFileMark, sizeof cacFileMark) != 0)
     throw ClRecordingError("\"" + m_sFile + "\" is no recording");
   if (Load(aHeader + 28, 4) != Checksum(aHeader, 28))
     throw ClRecordingError("\"" + m_sFile + "\": the header of the recording is damaged");
@@ -147,7 +147,8 @@ bool ClRecording::ReadBlockHeader(uint64_t nOffset, StBlock& oBlock) {
   uint8_t aHeader[cnBlockHeader];
   if (m_nFileBytes - nOffset < sizeof aHeader) throw ClRecordingError("the file ends within a block");
   Read(nOffset, aHeader, sizeof aHeader);
-  if (std::memcmp(aHeader, cszBlockMark, 4) != 0 || Load(aHeader + 24, 4) != Checksum(aHeader, 24))
+  if (std::memcmp(aHeader, cacBlockMark, sizeof cacBlockMark) != 0 ||
+      Load(aHeader + 24, 4) != Checksum(aHeader, 24))
     return false;
   oBlock.nOffset = nOffset + cnBlockHeader;
   oBlock.eKind = static_cast<EBlock>(aHeader[4]);

@@ -68,7 +68,8 @@ void LoadRecorder() {
     // Without a clock frames come faster than any scanner's, and faster than they can be written: what a
     // recording of that is about would be lost in it. Scenes that want it so are held up by the recorder.
     setenv("KELVARIN_VTSIM_PACING", "real", 0);
-    if (std::strcmp(std::getenv("KELVARIN_VTSIM_PACING"), "real") != 0)
+    const char* szPacing = std::getenv("KELVARIN_VTSIM_PACING");
+    if (szPacing != nullptr && std::strcmp(szPacing, "real") != 0)
       setenv("KELVARIN_VT40_RECORD_WAIT", "1", 0);
   }
   s_pLibrary = LoadFrom(Folder("recorder"), cszScan);
