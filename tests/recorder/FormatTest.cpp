@@ -146,6 +146,18 @@ TEST(Format, NoByteChangesUnnoticed) {
   }
 }
 
+TEST(Format, BlocksThatAreOutOfOrderEndTheReading) {
+  ClMadeRecording oMade;
+  for (const char* szFact : {"a=1\n", "b=2\n"}) oMade.Writer().Write(eBlockFacts, szFact, 4);
+  std::vector<uint8_t> aFile = oMade.Bytes();
+  const auto pFirst = aFile.begin() + cnFileHeader;
+  std::swap_ranges(pFirst, pFirst + cnBlockHeader + 4, pFirst + cnBlockHeader + 4);
+  oMade.Replace(aFile);
+  const ClRecording oRecording(oMade.Path());
+  EXPECT_EQ(oRecording.BlockCount(), 0U);
+  EXPECT_THAT(oRecording.Damage(), HasSubstr("block 0 at byte 32"));
+}
+
 TEST(Format, RefusesWhatIsNoRecordingWithItsReason) {
   ClMadeRecording oMade;
   std::vector<uint8_t> aHeader = oMade.Bytes();
