@@ -1,13 +1,16 @@
-"""Recordings, written here by the page of their format: calls, frames, and files that are cut or damaged."""
+"""Recordings, written here by the page of their format and once by the recorder: calls, frames, cut and damaged files."""
 
+import os
 import re
 import struct
+import subprocess
+import sys
 import zlib
 
 import numpy as np
 import pytest
 import zstandard
-from kelvarin_vt40 import recording
+from kelvarin_vt40 import library, recording
 
 PLANES = np.arange(2 * 4 * 6, dtype=np.uint8).reshape(2, 4, 6)
 
@@ -156,3 +159,25 @@ def test_what_is_no_recording_is_refused(tmp_path, file, words):
         recording.open(tmp_path / "a.vtrec")
     with pytest.raises(OSError):
         recording.open(tmp_path / "missing.vtrec")
+
+
+def test_what_the_recorder_has_written_is_read(tmp_path):
+    folder = library.simulator_folder()
+    program = "import kelvarin_vt40\nwith kelvarin_vt40.Scanner() as s: print(s.simulated, s.capture().dark_pixels > 0)"
+    environment = {name: value for name, value in os.environ.items() if name != "KELVARIN_SDK_SIMULATE"}
+    environment.update(
+        LD_LIBRARY_PATH=os.path.join(os.path.dirname(folder), "recorder"), KELVARIN_VTSIM_SCENE="finger",
+        KELVARIN_VT40_RECORD_FROM=folder, KELVARIN_VT40_RECORD_FILE=str(tmp_path / "a.vtrec"),
+    )  # fmt: skip
+    done = subprocess.run(
+        [sys.executable, "-c", program], env=environment, cwd=tmp_path, stdout=subprocess.PIPE, text=True, timeout=60
+    )
+    assert done.stdout == "True True\n"
+    with recording.open(tmp_path / "a.vtrec") as record:
+        calls = [call.function for call in record.calls()]
+        frames = list(record.frames())
+        assert record.simulated and record.is_complete and record.damage is None and record.losses == []
+    assert calls[0] == "VTScanAPIInitialize" and calls.count("VTScanAPIReadEPROMFile") == 3
+    assert [(frame.sensor_mode, frame.planes.shape) for frame in frames] == [(34, (2, 2720, 1920))]
+    dark, lit = sorted(plane.mean() for plane in frames[0].planes)
+    assert lit > dark + 1
