@@ -198,7 +198,9 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  *   pnResult  0 when finished, else KLV_ERROR_NO_FINGER; for a finished roll its verdict, 0 or -801 to -805
  *
  * LS_VT40GetImage, the full-resolution image: one shot in mode OFF (never "finished"), the next image of
- * the stream in mode FULL (likewise; waits up to 10 seconds), a capture on request in mode PREVIEW.
+ * the stream in mode FULL (likewise; waits up to 10 seconds), a capture on request in mode PREVIEW. That one
+ * is compared with the handle's last automatic capture, if there was one: it is finished only when it shows
+ * most of what lay there then.
  * LS_VT40GetPreviewImage, the next preview that was not delivered yet; waits up to 15 seconds.
  * LS_VT40GetRollImage, the roll as assembled so far; waits up to 5 seconds.
  *

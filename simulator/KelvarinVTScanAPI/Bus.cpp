@@ -10,8 +10,15 @@
 namespace Simulator {
 
 ClBus& ClBus::Get() {
-  static ClBus s_oBus;
-  return s_oBus;
+  struct ClOwner {
+    ~ClOwner() {
+      // The threads of a host that ends without a word are still in there.
+      if (pBus->m_nInitialized == 0) delete pBus;
+    }
+    ClBus* pBus = new ClBus;
+  };
+  static ClOwner s_oOwner;
+  return *s_oOwner.pBus;
 }
 
 void ClBus::CheckInitialized() const {

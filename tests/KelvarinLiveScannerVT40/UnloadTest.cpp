@@ -1,10 +1,13 @@
 // A host that loads and unloads the library, as one with plug-ins does.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -40,6 +43,37 @@ TEST(Unload, LeavesNothingOfTheLibraryOrOfTheScanLibraryMapped) {
     ASSERT_EQ(dlclose(pLibrary), 0);
     ASSERT_EQ(Mappings("libKelvarinLiveScannerVT40"), 0) << "round " << n;
     ASSERT_EQ(Mappings("kelvarinvtscanapi"), 0) << "round " << n;
+  }
+}
+
+/// Takes a preview and ends the process with the scanner open.
+[[noreturn]] void EndInTheMiddle() {
+  setenv("KELVARIN_SDK_SIMULATE", "1", 1);
+  setenv("KELVARIN_VTSIM_SCENE", "finger", 1);
+  void* pLibrary = dlopen(KLV_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  if (pLibrary == nullptr || Find<long(const char*)>(pLibrary, "LS_VT40Initialize")(nullptr) != 0) exit(1);
+  void* h = nullptr;
+  if (Find<long(const char*, void**)>(pLibrary, "LS_VT40OpenScanner")("VT40-AB0001", &h) != 0) exit(2);
+  if (Find<long(void*, int)>(pLibrary, "LS_VT40SetCaptureMode")(h, 5) != 0) exit(3);
+  std::vector<unsigned char> aImage(800 * 800);
+  double dScore = 0.0;
+  unsigned char bDone = 0;
+  long nResult = 0;
+  exit(Find<long(void*, void*, double*, unsigned char*, long*)>(pLibrary, "LS_VT40GetPreviewImage")(
+           h, aImage.data(), &dScore, &bDone, &nResult) == 0
+           ? 0
+           : 4);
+}
+
+TEST(Unload, AProcessMayEndWithTheScannerOpen) {
+  for (int n = 0; n < 20; ++n) {
+    const pid_t nChild = fork();
+    ASSERT_GE(nChild, 0);
+    if (nChild == 0) EndInTheMiddle();
+    int nStatus = 0;
+    ASSERT_EQ(waitpid(nChild, &nStatus, 0), nChild);
+    ASSERT_TRUE(WIFEXITED(nStatus)) << "signal " << WTERMSIG(nStatus) << ", run " << n;
+    ASSERT_EQ(WEXITSTATUS(nStatus), 0) << "run " << n;
   }
 }
 
