@@ -67,6 +67,14 @@ TEST_F(Tool, EndsWithTheCodeOfWhatWentWrong) {
   }
   Expect("calibrate --check " + m_oFolder.Path(), 7, "no regular file");
   Expect("calibrate --from /dev/null" + Out(), 7, "/dev/null");
+  // A chunk that claims 1.6 GB, for which the PNG library would take memory at once.
+  const std::string sPng = m_oFolder.Path("claims.png");
+  std::ofstream(sPng, std::ios::binary) << std::string(
+                                               "\x89PNG\r\n\x1a\n\x64\0\0\x12"
+                                               "eXIf",
+                                               16)
+                                        << std::string(8, '\0');
+  Expect("calibrate --from " + sPng + Out(), 7, "a chunk of 1677721618 bytes at 8 is longer than the file");
   Expect("capture --scene finger --out /dev/null/x", 7, "/dev/null/x");
 }
 

@@ -1,7 +1,10 @@
 // PNG files of 8-bit grey with the chunk that holds the resolution.
 #include <png.h>
 
+#include <cstdint>
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 #include "Picture.h"
@@ -68,6 +71,27 @@ void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
   png_set_text(oWriter.pPng, oWriter.pInfo, aChunks.data(), static_cast<int>(aChunks.size()));
 }
 
+/// The PNG library takes memory for some chunks by the size that they claim, before it looks for their bytes.
+/// Errors: eExitFile for a chunk that is longer than the rest of the file. What is no PNG at all is left to
+/// the library.
+void CheckChunks(const std::string& sFile) {
+  constexpr uint64_t cnSignature = 8, cnAround = 12;  // a chunk's length, name and checksum
+  std::error_code oFailure;
+  const uint64_t nFile = std::filesystem::file_size(sFile, oFailure);
+  std::ifstream oFile(sFile, std::ios::binary);
+  for (uint64_t nAt = cnSignature; !oFailure && nAt + cnAround <= nFile;) {
+    unsigned char aLength[4] = {};
+    oFile.seekg(static_cast<std::streamoff>(nAt));
+    if (!oFile.read(reinterpret_cast<char*>(aLength), sizeof(aLength))) return;
+    uint64_t nLength = 0;
+    for (const unsigned char n : aLength) nLength = nLength << 8 | n;
+    if (nLength > nFile - nAt - cnAround)
+      throw ClToolError(eExitFile, sFile + ": a chunk of " + std::to_string(nLength) + " bytes at " +
+                                       std::to_string(nAt) + " is longer than the file");
+    nAt += cnAround + nLength;
+  }
+}
+
 }  // namespace
 
 std::vector<unsigned char> EncodePng(const ClPicture& oPicture, const StPictureFacts& oFacts) {
@@ -90,6 +114,7 @@ void WritePng(const ClPicture& oPicture, const std::string& sFile, const StPictu
 
 ClPicture ReadPng(const std::string& sFile) {
   NeedFile(sFile);
+  CheckChunks(sFile);
   png_image oImage = {};
   oImage.version = PNG_IMAGE_VERSION;
   const auto Check = [&](int nGood) {
