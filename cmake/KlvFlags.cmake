@@ -29,6 +29,11 @@ if(KLV_SANITIZE)
     -fsanitize=${KLV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(klv_flags INTERFACE -fsanitize=${KLV_SANITIZE})
 endif()
+# Linked after klv_flags by what is slow to build with the checks for undefined behaviour, and is no code of the product.
+add_library(klv_lean INTERFACE)
+if(KLV_LEAN AND KLV_SANITIZE MATCHES undefined)
+  target_compile_options(klv_lean INTERFACE -fno-sanitize=undefined)
+endif()
 target_compile_definitions(klv_flags INTERFACE BOOST_ALL_NO_LIB)
 
 # For tests that load the simulated libraries by their names. The address sanitizer opens libraries in the library's place,
