@@ -2,6 +2,7 @@
 #pragma once
 
 #include <boost/thread/mutex.hpp>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -41,7 +42,10 @@ class TpSafeHandle {
     if (h == nullptr) KLV_RAISE_NUMBER(-42);
     *ppObject = nullptr;
     const TpSafeHandle* pRecord = static_cast<const TpSafeHandle*>(h);
-    const bool bValid = std::memcmp(pRecord->m_szSignature1, aSignature1, sizeof(aSignature1)) == 0 &&
+    // No record begins where a pointer may not lie.
+    const bool bAligned = reinterpret_cast<uintptr_t>(h) % alignof(TpSafeHandle) == 0;
+    const bool bValid = bAligned &&
+                        std::memcmp(pRecord->m_szSignature1, aSignature1, sizeof(aSignature1)) == 0 &&
                         std::memcmp(pRecord->m_szSignature2, aSignature2, sizeof(aSignature2)) == 0 &&
                         pRecord->m_pObject != nullptr;
     if (!bValid) KLV_RAISE_NUMBER(-43);
