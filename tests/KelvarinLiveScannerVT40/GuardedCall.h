@@ -93,6 +93,12 @@ class ClGuardedCall {
     return nSize;
   }
 
+  void* HandleAt(size_t n) const {
+    void* h = nullptr;
+    std::memcpy(&h, m_aRooms[n]->Data(), sizeof(h));
+    return h;
+  }
+
   long Make() { return m_oFunction.fnCall(m_aValues); }
 
   /// Nothing was written before a buffer, and after a failure nothing into one.

@@ -47,6 +47,10 @@ class Misuse : public Api {
     const long nNumber = rCall.Make();
     if (nNumber == 0 && oFunction.sName == "LS_VT40Initialize") LS_VT40Uninitialize();
     if (nNumber == 0 && oFunction.sName == "LS_VT40Uninitialize") LS_VT40Initialize(nullptr);
+    if (nNumber == 0 && oFunction.sName == "LS_VT40OpenScanner") {
+      void* hOpened = rCall.HandleAt(1);
+      EXPECT_EQ(LS_VT40CloseScanner(&hOpened), 0);
+    }
     const std::string sWhere = oFunction.sName + ", " + m_sState + ", " + sCase;
     if (nExpected != cnDocumented) {
       EXPECT_EQ(nNumber, nExpected) << sWhere;

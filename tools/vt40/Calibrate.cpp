@@ -15,6 +15,7 @@
 #include "Scanner.h"
 #include "Scene.h"
 #include "ServiceScanner.h"
+#include "StandIn.h"
 #include "ToolError.h"
 
 namespace {
@@ -114,6 +115,7 @@ void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOpt
     oRaw = ClServiceScanner(sSerial).RawPicture();
     oFacts.sSerial = sSerial;
     oFacts.bSimulated = oReport.IsSimulated();
+    oFacts.bReplay = !StandIn::ReplayFile().empty();
     oReport.Facts()["raw"] = WritePicture(oRaw, oOptions.sFolder, "raw", "png", oFacts);
   }
   const StCalibration oResult = CalibrateFrom(oRaw, sSerial);

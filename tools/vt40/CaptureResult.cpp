@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "StandIn.h"
+
 ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, ClReport& oReport)
     : m_oOptions(oOptions), m_oReport(oReport) {
   PrepareFolder(oOptions.sFolder);
@@ -12,7 +14,7 @@ ClCaptureResult::ClCaptureResult(const StCaptureOptions& oOptions, ClReport& oRe
 
 StPictureFacts ClCaptureResult::FactsOf() const {
   return {ClLibrary::Software(), m_oReport.Facts().value("serial", ""), m_oOptions.sMode,
-          m_oReport.IsSimulated()};
+          m_oReport.IsSimulated(), !StandIn::ReplayFile().empty()};
 }
 
 void ClCaptureResult::Add(const ClPicture& oPicture, const std::string& sName) {

@@ -23,6 +23,7 @@ struct StPictureFacts {
   std::string sSerial;
   std::string sMode;
   bool bSimulated = false;
+  bool bReplay = false;  ///< of a recording
 };
 
 /// The bytes of a PNG file with the resolution and the facts as text chunks. Errors: ClToolError eExitFile.

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "Picture.h"
-#include "StandIn.h"
 #include "ToolError.h"
 
 namespace {
@@ -58,7 +57,7 @@ void SetTexts(ClPngWriter& oWriter, const StPictureFacts& oFacts) {
   if (!oFacts.sSerial.empty()) aTexts.emplace_back("Serial Number", oFacts.sSerial);
   if (!oFacts.sMode.empty()) aTexts.emplace_back("Capture Mode", oFacts.sMode);
   if (oFacts.bSimulated) aTexts.emplace_back("Simulated", "yes");
-  if (!StandIn::ReplayFile().empty()) aTexts.emplace_back("Replay", "yes");
+  if (oFacts.bReplay) aTexts.emplace_back("Replay", "yes");
   std::vector<png_text> aChunks;
   for (auto& [sKey, sText] : aTexts) {
     png_text oChunk{};

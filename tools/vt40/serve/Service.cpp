@@ -7,6 +7,7 @@
 
 #include "Api.h"
 #include "MXLiveScannerAPI/CaptureLimits.h"
+#include "StandIn.h"
 
 namespace Serve {
 namespace {
@@ -306,7 +307,8 @@ void ClService::Keep(StTaken oTaken, const std::string& sSerial, const FnAnswer&
             {"simulated", bSimulated}};
   oFacts.update(oTaken.oFacts);
   oFacts["pictures"] = ordered_json::array();
-  const StPictureFacts oPictureFacts{ClLibrary::Software(), sSerial, oFacts["mode"], bSimulated};
+  const StPictureFacts oPictureFacts{ClLibrary::Software(), sSerial, oFacts["mode"], bSimulated,
+                                     !StandIn::ReplayFile().empty()};
   const std::string sStem = TimeText(tNow, "%Y%m%dT%H%M%S") + "-" + std::to_string(pResult->nId) + "-";
   const auto pTaken = std::make_shared<StTaken>(std::move(oTaken));
   m_oWorker.Post([this, pResult, pTaken, oPictureFacts, sStem, fnAnswer] {
