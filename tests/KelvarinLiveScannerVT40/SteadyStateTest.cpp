@@ -66,13 +66,13 @@ TEST_F(SteadyState, AnOpenScannerInFullModeStaysBelow400MegabytesOfAddresses) {
   EXPECT_LT(nBytes, 400000000u);
 }
 #elif !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-TEST_F(SteadyState, AnOpenScannerInPreviewStaysBelow75Megabytes) {
+TEST_F(SteadyState, AnOpenScannerInPreviewStaysBelow68Megabytes) {
   Poll(cszFingers, KLV_VT40_CAPTURE_MODE_PREVIEW, LS_VT40GetPreviewImage, 20);
   // What was freed, here or by earlier tests, is the allocator's and not the scanner's.
   malloc_trim(0);
   long nTotal = 0, nResident = 0;
   ASSERT_TRUE(std::ifstream("/proc/self/statm") >> nTotal >> nResident);
-  EXPECT_LT(nResident * sysconf(_SC_PAGESIZE), 75000000);
+  EXPECT_LT(nResident * sysconf(_SC_PAGESIZE), 68000000);
 }
 #endif
 
