@@ -60,17 +60,17 @@ TEST_F(Handle, OnlyOpenHandlesOfThisKindAreTaken) {
   EXPECT_EQ(NumberOf([] { ClTestHandle::DestroyHandle(nullptr); }), -44);
 }
 
-TEST_F(Handle, ARecordServesAgainOnlyAfterManyOthersWereClosed) {
+TEST_F(Handle, AClosedOneIsRefusedWhileThousandsOfOthersCome) {
   void* hFirst = m_h;
   ClTestHandle::DestroyHandle(&m_h);
-  for (int n = 0; n < 200; ++n) {
-    void* h = nullptr;
+  int nRefused = 0;
+  for (void* h = nullptr; nRefused < 10000; ++nRefused) {
     ClTestHandle::CreateHandle(&h);
-    if (n < 60) {
-      EXPECT_NE(h, hFirst) << n;
-    }
+    const bool bRefused = h != hFirst && NumberOf([&] { ClTestHandle::GetClassBase(hFirst); }) == -43;
     ClTestHandle::DestroyHandle(&h);
+    if (!bRefused) break;
   }
+  EXPECT_EQ(nRefused, 64 * 42 - 1);
 }
 
 TEST_F(Handle, NeedsAnInitialisedSDKAndAPlaceToGo) {

@@ -11,9 +11,9 @@
 
 /// The memory that an application's void* points to.
 ///
-/// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and kept
-///            for a while, so that a handle that was closed is recognised instead of being read from freed
-///            memory.
+/// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and stay
+///            readable, so that a handle that was closed is recognised instead of being read from freed memory.
+///            The same pointer is a handle again only after cnRetired * cnGenerations others were deleted.
 /// Threads    thread-safe as long as no handle is used while it is deleted.
 /// Errors     -42 NULL, -43 no handle of this kind.
 template <typename T, const char (&aSignature1)[8], const char (&aSignature2)[8]>
@@ -74,15 +74,22 @@ class TpSafeHandle {
   }
 
  private:
-  /// This many closed handles stay recognisable; then the record of the one closed first is used again.
+  /// Closed handles of as many slots stay recognisable; then the slot whose handle was closed first is used again,
+  /// with its next record.
   static constexpr size_t cnRetired = 64;
+  static constexpr size_t cnGenerations = 42;
+  static constexpr size_t cnSlotSize = 1024;
+
+  /// Room for the handles of one scanner after the other: only the record in use is not wiped. A record finds its
+  /// slot by its address.
+  struct StSlot;
 
   /// A ring, all of it guarded by the mutex.
   struct StRetired {
     boost::mutex oMutex;
-    TpSafeHandle* apRecords[cnRetired] = {};
+    StSlot* apSlots[cnRetired] = {};
     size_t nOldest = 0;
-    size_t nRecords = 0;
+    size_t nSlots = 0;
   };
 
   static StRetired& Retired() {
@@ -92,23 +99,29 @@ class TpSafeHandle {
   }
 
   static TpSafeHandle* NewRecord() {
+    static_assert(sizeof(StSlot) == cnSlotSize, "a slot is found by the upper bits of an address");
     StRetired& oRetired = Retired();
     boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
-    return oRetired.nRecords < cnRetired ? new TpSafeHandle : TakeOldest(oRetired);
+    StSlot* pSlot = oRetired.nSlots < cnRetired ? new StSlot : TakeOldest(oRetired);
+    return &pSlot->aRecords[pSlot->nUsed++ % cnGenerations];
+  }
+
+  static StSlot* SlotOf(TpSafeHandle* pRecord) {
+    return reinterpret_cast<StSlot*>(reinterpret_cast<uintptr_t>(pRecord) & ~uintptr_t{cnSlotSize - 1});
   }
 
   static void RetireRecord(TpSafeHandle* pRecord) {
     StRetired& oRetired = Retired();
     boost::unique_lock<boost::mutex> oLock(oRetired.oMutex);
-    if (oRetired.nRecords == cnRetired) delete TakeOldest(oRetired);
-    oRetired.apRecords[(oRetired.nOldest + oRetired.nRecords++) % cnRetired] = pRecord;
+    if (oRetired.nSlots == cnRetired) delete TakeOldest(oRetired);
+    oRetired.apSlots[(oRetired.nOldest + oRetired.nSlots++) % cnRetired] = SlotOf(pRecord);
   }
 
-  static TpSafeHandle* TakeOldest(StRetired& oRetired) {
-    TpSafeHandle* pRecord = oRetired.apRecords[oRetired.nOldest];
+  static StSlot* TakeOldest(StRetired& oRetired) {
+    StSlot* pSlot = oRetired.apSlots[oRetired.nOldest];
     oRetired.nOldest = (oRetired.nOldest + 1) % cnRetired;
-    --oRetired.nRecords;
-    return pRecord;
+    --oRetired.nSlots;
+    return pSlot;
   }
 
   void Wipe() {
@@ -120,4 +133,10 @@ class TpSafeHandle {
   char m_szSignature1[8] = {};
   T* m_pObject = nullptr;
   char m_szSignature2[8] = {};
+};
+
+template <typename T, const char (&aSignature1)[8], const char (&aSignature2)[8]>
+struct alignas(1024) TpSafeHandle<T, aSignature1, aSignature2>::StSlot {
+  TpSafeHandle aRecords[cnGenerations];
+  size_t nUsed = 0;  ///< records handed out so far, all generations over
 };
