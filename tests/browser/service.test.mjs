@@ -70,6 +70,29 @@ test("the page connects again to a service that was started anew, without being 
   }
 });
 
+test("of several scanners one is chosen, and its picture follows", async () => {
+  const finger = { print: { seed: 5, pattern: "left-loop" }, x: 40, y: 40 };
+  const scene = { scanners: [{ serial: "VT40-AB0001" }, { serial: "VT40-AB0002", fingers: [finger] }] };
+  const station = await serve("--scene", JSON.stringify(scene));
+  try {
+    const page = await open(browser, station.url);
+    await page.locator('#claim[data-whose="mine"]').waitFor();
+    await state(page, "Lay fingers down");
+    await page.selectOption("#scanners", "VT40-AB0002");
+    await page.locator("#serial", { hasText: "VT40-AB0002" }).waitFor();
+    await state(page, "Lift");
+    assert.ok((await live(page)).count > 2000, "the picture of the other scanner's finger is drawn");
+    await shot(page, "two-scanners");
+    await page.selectOption("#scanners", "VT40-AB0001");
+    await page.locator("#serial", { hasText: "VT40-AB0001" }).waitFor();
+    await state(page, "Lay fingers down");
+    assert.deepEqual(page.faults, []);
+    await page.context().close();
+  } finally {
+    await station.stop();
+  }
+});
+
 /** Processor seconds of a process so far. */
 function processorSeconds(pid) {
   const fields = readFileSync(`/proc/${pid}/stat`, "utf8").replace(/^.*\) /, "").split(" ");
