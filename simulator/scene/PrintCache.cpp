@@ -16,7 +16,8 @@ namespace {
 
 using Key = std::tuple<std::string, uint64_t, int, double, double, double, double, int>;
 
-/// Prints that were asked for last and stay when nobody holds them: fingers that are lifted come back. Two hands.
+/// Prints that were asked for last and stay when nobody holds them: fingers that are lifted come back. Two
+/// hands.
 constexpr size_t cnKept = 10;
 
 Key KeyOf(const ClPrintDescription& o) {

@@ -1,4 +1,5 @@
-// Time-outs while somebody sets the wall clock: this program gives the library's reads of it an answer of its own.
+// Time-outs while somebody sets the wall clock: this program gives the library's reads of it an answer of its
+// own.
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <sys/time.h>

@@ -12,8 +12,9 @@
 /// The memory that an application's void* points to.
 ///
 /// Ownership  the record owns the object until DeleteHandle. Records of deleted handles are wiped and stay
-///            readable, so that a handle that was closed is recognised instead of being read from freed memory.
-///            The same pointer is a handle again only after cnRetired * cnGenerations others were deleted.
+///            readable, so that a handle that was closed is recognised instead of being read from freed
+///            memory. The same pointer is a handle again only after cnRetired * cnGenerations others were
+///            deleted.
 /// Threads    thread-safe as long as no handle is used while it is deleted.
 /// Errors     -42 NULL, -43 no handle of this kind.
 template <typename T, const char (&aSignature1)[8], const char (&aSignature2)[8]>
@@ -74,14 +75,14 @@ class TpSafeHandle {
   }
 
  private:
-  /// Closed handles of as many slots stay recognisable; then the slot whose handle was closed first is used again,
-  /// with its next record.
+  /// Closed handles of as many slots stay recognisable; then the slot whose handle was closed first is used
+  /// again, with its next record.
   static constexpr size_t cnRetired = 64;
   static constexpr size_t cnGenerations = 42;
   static constexpr size_t cnSlotSize = 1024;
 
-  /// Room for the handles of one scanner after the other: only the record in use is not wiped. A record finds its
-  /// slot by its address.
+  /// Room for the handles of one scanner after the other: only the record in use is not wiped. A record finds
+  /// its slot by its address.
   struct StSlot;
 
   /// A ring, all of it guarded by the mutex.

@@ -39,8 +39,13 @@ export class Device {
   async load() {
     const { scanners } = await this.connection.call("GET", "/api/scanners");
     $("scanners").replaceChildren(...scanners.map((serial) => make("option", { value: serial, textContent: serial })));
-    $("scanners").value = $("serial").textContent;
     $("scanners").hidden = scanners.length < 2;
+    this.choose($("serial").textContent);
+  }
+
+  /** Shows which scanner is in use; another page may have chosen it. @param {string} serial */
+  choose(serial) {
+    $("scanners").value = serial;
   }
 
   /**

@@ -77,6 +77,7 @@ function showStatus(status) {
   if (["roll", "signature"].includes(before?.mode) && before.mode !== status.mode && !["roll", "signature"].includes(status.mode))
     simulator.choose("slap-right");
   $("serial").textContent = status.serial || "";
+  device.choose(status.serial);
   $("simulated").hidden = !status.simulated;
   $("clients").textContent = status.clients > 1 ? t("link.clients", { clients: status.clients }) : "";
   $("version").textContent = [`vt40 ${status.version}`, status.scanLibrary?.version].filter(Boolean).join(" · ");
