@@ -6,8 +6,9 @@
 
 namespace Simulator {
 
-/// The print of a description, generated or read on first use and shared while anybody holds it. The ten generated
-/// ones that were asked for last stay beyond that, so that fingers that are lifted and laid down again cost nothing.
+/// The print of a description, generated or read on first use and shared while anybody holds it. The ten
+/// generated ones that were asked for last stay beyond that, so that fingers that are lifted and laid down
+/// again cost nothing.
 ///
 /// Threads    thread-safe.
 /// Errors     those of ReadPrintFile.
