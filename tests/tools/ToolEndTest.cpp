@@ -160,4 +160,9 @@ TEST_F(Tool, MistakesInTheLineAreAnsweredWithTheNearestName) {
               std::string::npos);
 }
 
+// The planted libraries are copies of the simulated one, as it was built.
+TEST_F(Tool, LoadsTheScanLibraryThatTheSearchFindsFirstOrNone) {
+  Expect(RunCommand(KLV_CHECKS "/check-search " KLV_TOOL), 0, "15 scenarios");
+}
+
 }  // namespace
