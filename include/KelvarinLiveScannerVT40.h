@@ -20,7 +20,9 @@
  *           (full, roll) and 250 dpi (preview).
  * Threads   All functions may be called from any thread. Calls on one handle may run at the same time, but
  *           for LS_VT40CloseScanner, which must be the last one. An image call that waits for the scanner
- *           holds back a change of the capture mode and LED calls on the same handle until it returns.
+ *           holds back a change of the capture mode and LED calls on the same handle until it returns. When
+ *           the scanner gives no more images it does not use up its time then, but returns
+ *           KLV_ERROR_DISCONNECTED at once.
  * Logging   KELVARIN_SDK_LOG=1 in the environment writes a line for each call to the standard output;
  *           KELVARIN_SDK_LOG_LEVEL (0 to 7) leaves out what is less important.
  */

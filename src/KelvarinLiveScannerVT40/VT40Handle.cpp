@@ -81,7 +81,7 @@ void ClVT40Handle::AssignDevice(unsigned int nDevice) {
   if (m_pLiveCapture == nullptr) m_pLiveCapture = std::make_unique<ClVT40LiveCapture>();
   m_pLiveCapture->SetScanner(&m_oScanAPI);
   m_pLiveCapture->SetupCalibrationData(m_pSetupCalibrationData.get());
-  Lock oLedLock(m_oLedMutex);
+  LedLock oLedLock(m_oLedMutex);
   std::fill_n(m_aStatusLed, cnLeds, static_cast<unsigned char>(0));
   m_aStatusLed[0] = 2;
   SendStatusLeds();
@@ -165,6 +165,7 @@ void ClVT40Handle::SetupCalibrationData() noexcept {
 }
 
 void ClVT40Handle::UnassignDevice() {
+  const Lock oLock = TakeTurn();
   m_pLiveCapture.reset();
   m_pSetupCalibrationData.reset();
   // The property tree is bound to variables of the engine, which is gone now.

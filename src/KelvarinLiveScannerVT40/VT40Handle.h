@@ -63,7 +63,8 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   void OnQueryPropertys(ClParameterContainer& oContainer) override;
 
  private:
-  using Lock = boost::unique_lock<boost::mutex>;
+  using Lock = boost::unique_lock<boost::timed_mutex>;
+  using LedLock = boost::unique_lock<boost::mutex>;
   /// Status LEDs of the scanner.
   static constexpr unsigned int cnLeds = 12;
 
@@ -76,6 +77,9 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   void SetupCalibrationData() noexcept;
 
   // Operations
+  /// m_oMutex, for a call that must not wait long for one that holds it: a frame that cannot come any more is
+  /// waited for no longer.
+  Lock TakeTurn();
   ClVT40LiveCapture& Engine() const;
   const ClCalibrateGeometricData& FullData() const;
   const ClCalibrateGeometricData& PreviewData() const;
@@ -109,7 +113,7 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   std::unique_ptr<ClVT40SetupCalibrationData> m_pSetupCalibrationData;
   std::unique_ptr<ClVT40LiveCapture> m_pLiveCapture;
   ClImage m_oDelivered;  // guarded by m_oMutex; kept between calls so that a delivery allocates nothing
-  boost::mutex m_oMutex;
+  boost::timed_mutex m_oMutex;
   boost::mutex m_oLedMutex;
   unsigned char m_aStatusLed[cnLeds] = {};  // guarded by m_oLedMutex
 };

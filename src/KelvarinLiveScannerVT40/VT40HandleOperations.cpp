@@ -7,6 +7,7 @@
 namespace {
 
 constexpr long cnNoFinger = -15;
+constexpr long cnLookMs = 100;
 
 /// The lowest of the three bits of each status LED in the scanner's word.
 constexpr unsigned int caLedBits[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
@@ -124,8 +125,16 @@ void ClVT40Handle::GetVersionString(char* pszVersion, unsigned int* pnSize) {
   std::memcpy(pszVersion, szText, nNeeded);
 }
 
+ClVT40Handle::Lock ClVT40Handle::TakeTurn() {
+  if (m_pLiveCapture == nullptr) return Lock(m_oMutex);
+  const ClFrameWaits::ClHeldBack oHeldBack(m_pLiveCapture->Waits());
+  Lock oLock(m_oMutex, boost::defer_lock);
+  while (!oLock.timed_lock(boost::posix_time::milliseconds(cnLookMs))) m_pLiveCapture->EndStuckWait();
+  return oLock;
+}
+
 void ClVT40Handle::SetCaptureMode(int nMode) {
-  Lock oLock(m_oMutex);
+  const Lock oLock = TakeTurn();
   if (static_cast<unsigned int>(nMode) >= std::size(caModes)) {
     KLV_RAISE(ClException, "Capture mode not supported.", -103);
   }
@@ -213,11 +222,11 @@ void ClVT40Handle::TriggerScanner() {
 }
 
 void ClVT40Handle::SetLED(unsigned char nIndex, unsigned char nState) {
-  Lock oLock(m_oMutex);
+  const Lock oLock = TakeTurn();
   if (nIndex >= cnLeds) KLV_RAISE(ClException, "Current scanner only supports 11 status LEDs", -35);
   if ((nState & 0xF8) != 0) KLV_RAISE(ClException, "Invalid state parameter", -44);
   Engine();
-  Lock oLedLock(m_oLedMutex);
+  LedLock oLedLock(m_oLedMutex);
   m_aStatusLed[nIndex] = nState;
   SendStatusLeds();
 }
@@ -229,7 +238,7 @@ void ClVT40Handle::OnSetStatusLed(const unsigned int& nValue) {
     return;
   }
   Engine();
-  Lock oLedLock(m_oLedMutex);
+  LedLock oLedLock(m_oLedMutex);
   for (unsigned int n = 0; n < cnLeds; ++n) {
     if ((nValue >> (16 + n) & 1) != 0) m_aStatusLed[n] = nState;
   }

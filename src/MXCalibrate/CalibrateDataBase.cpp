@@ -5,6 +5,7 @@
 
 #include "MXTools/Exception.h"
 #include "MXTools/FileStream.h"
+#include "MXTools/NewFile.h"
 
 namespace {
 
@@ -57,10 +58,12 @@ void ClCalibrateDataBase::Write(ClStream& oStream) const {
 }
 
 void ClCalibrateDataBase::Write(const char* szPath) const {
-  ClFileStream oStream(szPath, "wb");
+  ClNewFile oFile(szPath);
+  ClFileStream oStream(oFile.WrittenName(), "wb");
   Write(oStream);
   // The last bytes are written here, where a failure still raises.
   oStream.Close();
+  oFile.Keep();
 }
 
 void ClCalibrateDataBase::ReadStream(ClStream& oStream) {

@@ -60,6 +60,7 @@ void ClVT40LiveCapture::SetupCalibrationData(ClVTSetupCalibrationDataBase* pData
         m_bSmallImages,
         m_oSensor,
         m_oFull,
+        m_oWaits,
         m_oFrames,
         m_oLiveness,
         m_oRoll,
@@ -78,7 +79,8 @@ void ClVT40LiveCapture::SetCaptureMode(ECaptureMode eMode) {
   StopMode();
   TpLock oSensorLock(m_oSensor);
   try {
-    if (m_eCaptureMode == eCaptureModeOff) m_pScanner->EnableCaptureThread(true);
+    const bool bEnded = m_oSensor.TakeEnded();
+    if (m_eCaptureMode == eCaptureModeOff || bEnded) m_pScanner->EnableCaptureThread(true);
     m_eCaptureMode = eMode;
     m_pMode = MakeMode(eMode);
     if (eMode == eCaptureModeOff) m_pScanner->EnableCaptureThread(false);
@@ -168,7 +170,7 @@ void ClVT40LiveCapture::GetPreviewImage(ClImage& oImage, ECaptureState& eState, 
 }
 
 void ClVT40LiveCapture::GetRollImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
-  const bool bArrived = m_oFrames.WaitForFrame(cnRollWaitSeconds);
+  const bool bArrived = m_oFrames.WaitForFrame(cnRollWaitSeconds, m_oWaits);
   // The state is read between wait and copy, so that "done" always comes with the finished picture.
   eState = m_eDetectState;
   if (!bArrived) KLV_RAISE(ClException, "timeout during rolled image reading", -60);

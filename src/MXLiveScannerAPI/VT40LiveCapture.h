@@ -47,6 +47,10 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   /// switches. The worker of the signature pad goes on.
   void Suspend() KLV_ACQUIRE(m_oSensor) { m_oSensor.lock(); }
   void Resume() KLV_RELEASE(m_oSensor) { m_oSensor.unlock(); }
+  /// Those of its calls that wait for a frame, or for the scanner. A caller who has to wait for the end of one
+  /// is held back; it calls EndStuckWait now and then.
+  ClFrameWaits& Waits() { return m_oWaits; }
+  void EndStuckWait() { m_oSensor.EndStuckWait(); }
   /// True: the engine uses the sensor modes that merge columns.
   bool UseSmallImages() const { return m_bSmallImages; }
 
@@ -74,6 +78,7 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   ClMutex m_oSwitchMutex KLV_ACQUIRED_AFTER(m_oMutex) KLV_ACQUIRED_BEFORE(m_oSensor);
   ClVT40Sensor m_oSensor KLV_ACQUIRED_BEFORE(m_oFull){m_bSmallImages};
   ClFullCapture m_oFull{m_bSmallImages};
+  ClFrameWaits m_oWaits;
   ClFrameBuffer m_oFrames;
   ClLivenessDetector m_oLiveness;
   ClRollAssembly m_oRoll;

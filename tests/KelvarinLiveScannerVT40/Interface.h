@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -63,6 +64,7 @@ struct StFunction {
   std::vector<StArgument> aArguments;
   unsigned nModes = 0;  ///< one bit for each
   std::vector<long> aNumbers;
+  double dSeconds = 0.0;  ///< that it takes at most
   std::vector<StType> aTypes;
   std::function<long(const Values&)> fnCall;
 };
@@ -122,6 +124,19 @@ StFunction Row(const char* szName, TResult (*pfn)(TArguments...), std::vector<St
   return oFunction;
 }
 
+/// Every number that the function may answer, but for the scan library's own.
+inline std::set<long> Documented(const StFunction& oFunction) {
+  std::set<long> aNumbers(oFunction.aNumbers.begin(), oFunction.aNumbers.end());
+  aNumbers.insert(0);
+  for (const StArgument& oArgument : oFunction.aArguments) {
+    aNumbers.insert(oArgument.nNull);
+    aNumbers.insert(oArgument.nRefused);
+    if (oArgument.eRole == eHandle || oArgument.eRole == eClose) aNumbers.insert({-42, -43});
+  }
+  aNumbers.erase(cnOwn);
+  return aNumbers;
+}
+
 inline std::vector<StFunction> Functions() {
   constexpr StArgument HANDLE{eHandle}, COUNT{eCount}, VALUE{eValue}, UNREAD{eUnread, -106};
   constexpr long OWN = cnOwn;
@@ -176,8 +191,9 @@ inline std::vector<StFunction> Functions() {
   StArgument {         \
     eRange, 0, s, l, h \
   }
-#define KLV_EXPORTED(name, arguments, modes, numbers) \
-  aFunctions.push_back(Row(#name, name, {KLV_LIST arguments}, {KLV_LIST modes}, {KLV_LIST numbers}));
+#define KLV_EXPORTED(name, arguments, modes, numbers, milliseconds)                                   \
+  aFunctions.push_back(Row(#name, name, {KLV_LIST arguments}, {KLV_LIST modes}, {KLV_LIST numbers})); \
+  aFunctions.back().dSeconds = milliseconds / 1000.0;
 #include "KelvarinLiveScannerVT40/ExportedFunctions.inc"
 #undef KLV_LIST
 #undef ANY

@@ -91,18 +91,6 @@ class Misuse : public Api {
   int Cases() const { return m_nCases; }
 
  private:
-  std::set<long> Documented(const StFunction& oFunction) const {
-    std::set<long> aNumbers(oFunction.aNumbers.begin(), oFunction.aNumbers.end());
-    aNumbers.insert(0);
-    for (const StArgument& oArgument : oFunction.aArguments) {
-      aNumbers.insert(oArgument.nNull);
-      aNumbers.insert(oArgument.nRefused);
-      if (oArgument.eRole == eHandle || oArgument.eRole == eClose) aNumbers.insert({-42, -43});
-    }
-    aNumbers.erase(cnOwn);
-    return aNumbers;
-  }
-
   /// What good arguments come to while a scanner is open.
   static long Outcome(const StFunction& oFunction) {
     if (oFunction.sName == "LS_VT40OpenScanner") return KLV_ERROR_DEVICE_OPEN_FAIL;

@@ -33,7 +33,7 @@ std::atomic<long> s_nCalls{0};
 std::atomic<long> s_nLive{0};
 std::atomic<std::size_t> s_nLargest{0};
 
-enum EWatch { eOff, eRemember, eFail };
+enum EWatch { eOff, eRemember, eFail, eCount };
 std::atomic<EWatch> s_eWatch{eOff};
 /// Written while nothing is watched.
 StSegment s_aSegments[cnMaxSegments];
@@ -42,6 +42,7 @@ std::uint64_t s_nFailing = 0;
 std::mutex s_oStacksMutex;
 std::uint64_t s_aStacks[cnMaxStacks];  // guarded by s_oStacksMutex
 std::size_t s_nStacks = 0;             // likewise
+std::atomic<long> s_nBefore{0};        // allocations that still find memory
 std::atomic<bool> s_bFailed{false};
 
 int AddSegments(dl_phdr_info* pObject, std::size_t, void* pLibrary) {
@@ -91,6 +92,7 @@ bool IsToFail() {
   const EWatch eWatch = s_eWatch;
   if (eWatch == eOff) return false;
   const std::uint64_t nStack = Stack();
+  if (eWatch == eCount) return nStack != 0 && s_nBefore-- == 0 && !s_bFailed.exchange(true);
   if (eWatch == eRemember) {
     Remember(nStack);
     return false;
@@ -139,13 +141,23 @@ void ForgetLargest() {
   s_nLargest = 0;
 }
 
-void Remember(const char* szLibrary) {
+void Watch(const char* szLibrary) {
   // backtrace loads a library at its first call.
   void* pFrame;
   backtrace(&pFrame, 1);
   s_eWatch = eOff;
   s_nSegments = 0;
   dl_iterate_phdr(AddSegments, const_cast<char*>(szLibrary));
+}
+
+void FailNth(long nWhich) {
+  s_nBefore = nWhich - 1;
+  s_bFailed = false;
+  s_eWatch = eCount;
+}
+
+void Remember(const char* szLibrary) {
+  Watch(szLibrary);
   s_nStacks = 0;
   s_eWatch = eRemember;
 }

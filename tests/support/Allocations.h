@@ -24,9 +24,13 @@ std::size_t Stacks();
 /// From now on the first call on the remembered stack of that number, of [0, Stacks()), finds no memory, and
 /// no other call.
 void FailAt(std::size_t nStack);
+/// The library of which FailNth counts the allocations.
+void Watch(const char* szLibrary);
+/// From now on allocation number nWhich, from 1, of the watched library finds no memory, and no other.
+void FailNth(long nWhich);
 /// Whether that call has come.
 bool HasFailed();
-/// Ends either of the two.
+/// Ends either of them.
 void Ignore();
 
 }  // namespace Allocations

@@ -11,6 +11,7 @@
 #include "MXTools/Exception.h"
 #include "MXTools/File.h"
 #include "MXTools/MemStream.h"
+#include "MXTools/NewFile.h"
 
 namespace {
 
@@ -79,9 +80,14 @@ void ClVTSetupCalibrationDataBase::CopyBlock(const void* pData, unsigned int nSi
 void ClVTSetupCalibrationDataBase::StoreBlock(const char* szDirectory, const char* szName,
                                               const TpArrayStatic<char>& aBlock) {
   if (szDirectory == nullptr) KLV_RAISE(ClException, "directory parameter contains NULL pointer", -44);
-  ClFile oFile((std::string(szDirectory) + "/" + szName).c_str(), "wb");
-  if (oFile.Write(aBlock.Data(), aBlock.Entries()) != aBlock.Entries()) {
-    throw ClExSystem("fwrite", __FILE__, __LINE__);
+  const std::string szPath = ClFile::Normalized((std::string(szDirectory) + "/" + szName).c_str());
+  ClNewFile oNewFile(szPath.c_str());
+  {
+    ClFile oFile(oNewFile.WrittenName(), "wb");
+    if (oFile.Write(aBlock.Data(), aBlock.Entries()) != aBlock.Entries()) {
+      throw ClExSystem("fwrite", __FILE__, __LINE__);
+    }
+    oFile.Flush();
   }
-  oFile.Flush();
+  oNewFile.Keep();
 }

@@ -8,6 +8,7 @@
 #include "MXLiveScannerAPI/VTLiveCaptureBase.h"
 
 class ClFrameBuffer;
+class ClFrameWaits;
 class ClLivenessDetector;
 class ClRollAssembly;
 class ClSignaturePad;
@@ -37,6 +38,7 @@ struct StCaptureRooms {
   const bool bSmallImages;
   ClVT40Sensor& oSensor;
   ClFullCapture& oFull;
+  ClFrameWaits& oWaits;
   ClFrameBuffer& oFrames;  ///< to callers, who may still wait for a frame when the mode is gone
   ClLivenessDetector& oLiveness;
   ClRollAssembly& oRoll;

@@ -1,6 +1,9 @@
 // Three frames between a thread that makes them and one that takes the newest.
 #pragma once
 
+#include <algorithm>
+
+#include "MXLiveScannerAPI/FrameWaits.h"
 #include "MXLiveScannerTools/TpTripleBuffer.h"
 #include "MXTools/FpImage.h"
 
@@ -16,14 +19,16 @@ class ClFrameBuffer : public ClTpTripleBuffer<ClImage> {
     for (ClImage& oImage : m_aImages) oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
   }
 
-  /// Waits for a frame that was not read yet, for nSeconds of the monotonic clock. False when none came.
-  bool WaitForFrame(unsigned int nSeconds) {
+  /// Waits for a frame that was not read yet, for nSeconds of the monotonic clock, or until a wait is in vain.
+  /// False when none came.
+  bool WaitForFrame(unsigned int nSeconds, const ClFrameWaits& oWaits) {
     const auto oEnd = Klv::MonotonicNow() + boost::posix_time::seconds(nSeconds);
+    const boost::posix_time::time_duration oLook = boost::posix_time::milliseconds(cnLookMs);
     for (;;) {
       if (HasNewData()) return true;
       const auto oLeft = oEnd - Klv::MonotonicNow();
-      if (oLeft <= boost::posix_time::time_duration()) return false;
-      WaitNewData(oLeft);
+      if (oLeft <= boost::posix_time::time_duration() || oWaits.AreInVain()) return false;
+      WaitNewData(std::min(oLeft, oLook));
     }
   }
 
@@ -34,5 +39,7 @@ class ClFrameBuffer : public ClTpTripleBuffer<ClImage> {
   }
 
  private:
+  static constexpr long cnLookMs = 100;
+
   ClImage m_aImages[3];
 };

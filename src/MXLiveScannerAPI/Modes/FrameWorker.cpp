@@ -13,23 +13,24 @@ namespace {
 constexpr long cnWakeIntervalMs = 20;
 
 /// No exception may leave a thread: the reason of a failure is printed, and the worker ends.
-void Run(const std::function<void()>& fnBegin, const std::function<void()>& fnPass) noexcept {
+void Run(const ClFrameWorker::StWork& oWork) noexcept {
   // An interruption is noticed only between passes, so that a frame in progress is always finished.
   boost::this_thread::disable_interruption oNoInterruption;
   try {
-    if (fnBegin) fnBegin();
-    while (!boost::this_thread::interruption_requested()) fnPass();
+    if (oWork.fnBegin) oWork.fnBegin();
+    while (!boost::this_thread::interruption_requested()) oWork.fnPass();
   } catch (...) {
     std::puts(Klv::FailureText());
+    oWork.fnFailed();
   }
 }
 
 }  // namespace
 
-void ClFrameWorker::Start(const char* szName, std::function<void()> fnPass, std::function<void()> fnBegin) {
-  m_oThread = boost::thread([szName, fnPass = std::move(fnPass), fnBegin = std::move(fnBegin)] {
+void ClFrameWorker::Start(const char* szName, StWork oWork) {
+  m_oThread = boost::thread([szName, oWork = std::move(oWork)] {
     pthread_setname_np(pthread_self(), szName);
-    Run(fnBegin, fnPass);
+    Run(oWork);
   });
 }
 

@@ -13,9 +13,14 @@ class ClFrameWorker {
   ClFrameWorker(const ClFrameWorker&) = delete;
   ClFrameWorker& operator=(const ClFrameWorker&) = delete;
 
-  /// Calls fnPass again and again until Interrupt, and fnBegin once before. szName, of up to 15 characters,
-  /// is the thread's for debuggers.
-  void Start(const char* szName, std::function<void()> fnPass, std::function<void()> fnBegin = nullptr);
+  struct StWork {
+    std::function<void()> fnPass;             ///< again and again until Interrupt
+    std::function<void()> fnFailed;           ///< once after a failure; raises nothing
+    std::function<void()> fnBegin = nullptr;  ///< once before the first pass
+  };
+
+  /// szName, of up to 15 characters, is the thread's for debuggers.
+  void Start(const char* szName, StWork oWork);
   /// A pass in progress finishes; no other follows.
   void Interrupt() { m_oThread.interrupt(); }
   /// Waits for the end of an interrupted worker, and repeatedly wakes it from whatever it may wait for.

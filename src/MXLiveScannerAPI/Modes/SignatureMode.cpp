@@ -30,13 +30,17 @@ ClSignatureMode::~ClSignatureMode() {
 void ClSignatureMode::Start() {
   const ClCalibrateGeometricData& oPreview = m_oRooms.oSetup.GetGeometricDataPreview(m_oRooms.bSmallImages);
   m_oPreviews.Renew(static_cast<int>(oPreview.m_nTargetWidth), RowsOf(oPreview.m_nTargetHeight));
-  m_oFollowing.Start(
-      "vt40-pen", [this] { FollowPass(); }, [this] { Begin(); });
+  m_oRooms.oWaits.Begin();
+  m_oFollowing.Start("vt40-pen",
+                     {[this] { FollowPass(); }, [this] { m_oRooms.oWaits.Fail(); }, [this] { Begin(); }});
 }
 
 void ClSignatureMode::Stop() {
   m_oFollowing.Interrupt();
-  m_oFollowing.Join([this] { m_oPreviews.InterruptWait(); });
+  m_oFollowing.Join([this] {
+    m_oPreviews.InterruptWait();
+    m_oRooms.oSensor.EndStuckWait();
+  });
 }
 
 void ClSignatureMode::Begin() {
@@ -71,7 +75,7 @@ ClSignatureMode::ECaptureState ClSignatureMode::TakeState() {
 
 void ClSignatureMode::GetPreviewImage(ClImage& oImage, ECaptureState& eState, double& dScore) {
   eState = TakeState();
-  if (!m_oPreviews.WaitForFrame(cnSignatureWaitSeconds)) {
+  if (!m_oPreviews.WaitForFrame(cnSignatureWaitSeconds, m_oRooms.oWaits)) {
     KLV_RAISE(ClException, "timeout during signature image reading", -60);
   }
   TpReadLock<ClImage> oRead(m_oPreviews);

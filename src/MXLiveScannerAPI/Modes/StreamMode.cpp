@@ -23,8 +23,10 @@ void ClStreamMode::Start() {
   // A call that waits for a rolled print holds no lock of the engine: while it reads a frame, this raises,
   // and the frame stays.
   m_oRooms.oFrames.Renew(m_oSize.nWidth, m_oSize.nHeight);
-  m_oRectifying.Start("vt40-rectify", [this] { RectifyPass(); });
-  m_oMasking.Start("vt40-mask", [this] { MaskPass(); });
+  m_oRooms.oWaits.Begin();
+  const auto Failed = [this] { m_oRooms.oWaits.Fail(); };
+  m_oRectifying.Start("vt40-rectify", {[this] { RectifyPass(); }, Failed});
+  m_oMasking.Start("vt40-mask", {[this] { MaskPass(); }, Failed});
 }
 
 void ClStreamMode::Stop() {
@@ -33,6 +35,7 @@ void ClStreamMode::Stop() {
   const auto Wake = [this] {
     m_oRectified.InterruptWait();
     m_oRooms.oFrames.InterruptWait();
+    m_oSensor.EndStuckWait();
   };
   m_oRectifying.Join(Wake);
   m_oMasking.Join(Wake);
@@ -62,6 +65,6 @@ void ClStreamMode::Publish(TpReadLock<ClImage>& oFrame) {
 }
 
 void ClStreamMode::Fetch(ClImage& oImage, unsigned int nSeconds, const char* szTimeOut) {
-  if (!m_oRooms.oFrames.WaitForFrame(nSeconds)) KLV_RAISE(ClException, szTimeOut, -60);
+  if (!m_oRooms.oFrames.WaitForFrame(nSeconds, m_oRooms.oWaits)) KLV_RAISE(ClException, szTimeOut, -60);
   m_oRooms.oFrames.Fetch(oImage);
 }

@@ -8,6 +8,7 @@
 #include "MXLiveScannerAPI/RawSequenceLock.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/Failure.h"
+#include "MXTools/MonotonicClock.h"
 
 namespace {
 
@@ -22,6 +23,8 @@ constexpr unsigned long long cnFirstColour = 0x200;
 constexpr unsigned long long cnSecondColour = 0x400;
 constexpr unsigned long long cnThirdColour = 0x800;
 constexpr unsigned long long cnFourthColour = 0x1000;
+/// A scan library gives up the wait for a sequence after two seconds.
+constexpr int64_t cnStuckMs = 4000;
 
 bool IsSignature(ClVT40Sensor::ERow eRow) {
   return eRow == ClVT40Sensor::eSignature || eRow == ClVT40Sensor::eSignatureHalf;
@@ -92,18 +95,43 @@ void ClVT40Sensor::SetSequence(int nScanMode, unsigned int nEntries,
       m_pScanner->SetCaptureMode(static_cast<Scanner::EScanMode_t>(nScanMode), nEntries, aWords, nLights));
 }
 
+ClRawSequenceLock ClVT40Sensor::NextSequence() {
+  struct StWait {
+    explicit StWait(std::atomic<int64_t>& rSinceMs) : nSinceMs(rSinceMs) {
+      nSinceMs = Klv::MonotonicNow().total_milliseconds();
+    }
+    ~StWait() { nSinceMs = cnNoWait; }
+    std::atomic<int64_t>& nSinceMs;
+  };
+  const StWait oWait(m_nWaitsSinceMs);
+  return ClRawSequenceLock(*m_pScanner);
+}
+
+void ClVT40Sensor::EndStuckWait() {
+  int64_t nSinceMs = m_nWaitsSinceMs;
+  if (nSinceMs == cnNoWait || Klv::MonotonicNow().total_milliseconds() - nSinceMs < cnStuckMs) return;
+  // Whoever takes the moment away ends the wait; the others find none.
+  if (!m_nWaitsSinceMs.compare_exchange_strong(nSinceMs, cnNoWait)) return;
+  m_bEnded = true;
+  try {
+    m_pScanner->EnableCaptureThread(false);
+  } catch (...) {
+    // The call that waits reports what comes of it.
+  }
+}
+
 void ClVT40Sensor::ReadDifference(ClImage& oDifference) {
-  ClRawSequenceLock oSequence(*m_pScanner);
+  ClRawSequenceLock oSequence = NextSequence();
   ClFrameRoad::Difference(oSequence.Data(), oDifference);
   oSequence.Release();
 }
 
 void ClVT40Sensor::SkipSequence() {
-  ClRawSequenceLock(*m_pScanner).Release();
+  NextSequence().Release();
 }
 
 void ClVT40Sensor::ReadLit(ClImage& oLit) {
-  ClRawSequenceLock oSequence(*m_pScanner);
+  ClRawSequenceLock oSequence = NextSequence();
   std::memcpy(oLit.Data(), oSequence.Data(), oLit.DataBytes());
   oSequence.Release();
 }

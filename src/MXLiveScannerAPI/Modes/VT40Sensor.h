@@ -1,12 +1,15 @@
 // The sensor of the ten-finger scanner: its settings, its light, and the sequences that it lends.
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <initializer_list>
 
 #include "MXTools/FpImage.h"
 #include "MXTools/TicketMutex.h"
 
 class ClMXVTScanAPIHandleBase;
+class ClRawSequenceLock;
 class ClVT40SetupCalibrationData;
 
 /// Whoever sets the sensor, or reads sequences while others may set it, holds its lock. The lock serves its
@@ -25,7 +28,9 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   void SetScanner(ClMXVTScanAPIHandleBase* pScanner) { m_pScanner = pScanner; }
   void SetCalibration(ClVT40SetupCalibrationData* pSetup) { m_pSetup = pSetup; }
 
-  void lock() KLV_ACQUIRE() KLV_NOT_ANALYSED { m_oMutex.lock(); }
+  void lock() KLV_ACQUIRE() KLV_NOT_ANALYSED {
+    m_oMutex.lock([this] { EndStuckWait(); });
+  }
   void unlock() KLV_RELEASE() KLV_NOT_ANALYSED { m_oMutex.unlock(); }
   /// For code that runs only while its caller holds the lock, where the compiler cannot see it.
   void AssertHeld() const KLV_ASSERT_CAPABILITY(this) {}
@@ -45,6 +50,12 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   void SkipSequence() KLV_REQUIRES(this);
   /// Waits for the next sequence of one lit frame, and copies it.
   void ReadLit(ClImage& oLit);
+  /// Ends the capture when the scan library has not answered for so long that it will not by itself. For those
+  /// who wait for the end of a call that waits for a sequence; raises nothing.
+  void EndStuckWait();
+  /// Whether the capture has been ended so since the last call.
+  bool TakeEnded() { return m_bEnded.exchange(false); }
+
   /// A new image for the lit frames of the row. Errors: -44 when the scanner's frames have another size.
   void MakeLit(ERow eRow, ClImage& oLit) const;
 
@@ -54,6 +65,10 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
     int nScanMode;
   };
 
+  static constexpr int64_t cnNoWait = -1;
+
+  /// Waits for the next sequence.
+  ClRawSequenceLock NextSequence();
   StSetting SettingOf(ERow eRow) const;
   void SetExposure(unsigned int nExposure);
   void SetSequence(int nScanMode, unsigned int nEntries, std::initializer_list<unsigned long long> aLights,
@@ -63,6 +78,8 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   ClMXVTScanAPIHandleBase* m_pScanner = nullptr;
   ClVT40SetupCalibrationData* m_pSetup = nullptr;
   ClTicketMutex m_oMutex;
+  std::atomic<int64_t> m_nWaitsSinceMs{cnNoWait};
+  std::atomic<bool> m_bEnded{false};
 };
 
 /// Puts the preview's row back on every way out of a capture, so that the workers of the preview never meet

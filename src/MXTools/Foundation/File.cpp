@@ -45,13 +45,18 @@ void ClFile::Close() {
   if (pFile != nullptr && std::fclose(pFile) != 0) throw ClExSystem("fclose", __FILE__, __LINE__);
 }
 
-void ClFile::Open(const char* szName, const char* szMode) {
+std::string ClFile::Normalized(const char* szName) {
   char szNormalized[2048];
   if (FileSystem::NormalizeFilename(szName, szNormalized, sizeof(szNormalized)) != 0) KLV_RAISE_NUMBER(-21);
+  return szNormalized;
+}
+
+void ClFile::Open(const char* szName, const char* szMode) {
+  const std::string szNormalized = Normalized(szName);
   if (szMode == nullptr) KLV_RAISE_NUMBER(-37);
   Close();
-  m_pFile = std::fopen(szNormalized, szMode);
-  if (m_pFile == nullptr) throw ClExFilesystem(szNormalized, -200, __FILE__, __LINE__);
+  m_pFile = std::fopen(szNormalized.c_str(), szMode);
+  if (m_pFile == nullptr) throw ClExFilesystem(szNormalized.c_str(), -200, __FILE__, __LINE__);
 }
 
 long ClFile::Tell() const {

@@ -3,6 +3,7 @@
 
 #include <boost/noncopyable.hpp>
 #include <cstdio>
+#include <string>
 
 /// Ownership  owns the file until it is destroyed or another one is opened.
 /// Threads    thread-bound.
@@ -16,6 +17,8 @@ class ClFile : private boost::noncopyable {
   ClFile(const wchar_t* wszName, const wchar_t* wszMode);
   virtual ~ClFile() noexcept(false);
 
+  /// A name with slashes for its backslashes. Errors: -21 when it is too long.
+  static std::string Normalized(const char* szName);
   void Open(const char* szName, const char* szMode);
   long Tell() const;
   void Seek(long nOffset, int nWhence);

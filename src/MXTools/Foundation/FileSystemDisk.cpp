@@ -12,6 +12,7 @@
 #include "MXTools/File.h"
 #include "MXTools/FileSystem.h"
 #include "MXTools/FindFile.h"
+#include "MXTools/NewFile.h"
 
 namespace FileSystem {
 
@@ -94,14 +95,19 @@ void CopyFile(const char* szFrom, const char* szTo) {
   if (!IsFileExistent(szFrom)) throw ClExFilesystem(szFrom, -200, __FILE__, __LINE__);
   // To open the file for writing would empty it.
   if (IsSameFile(szFrom, szTo)) return;
-  ClFile oFrom(szFrom, "rb");
-  ClFile oTo(szTo, "wb");
-  std::vector<char> aBlock(cnCopyBlock);
-  while (!oFrom.Eof()) {
-    const size_t nRead = oFrom.Read(aBlock.data(), cnCopyBlock);
-    const bool bCut = nRead < cnCopyBlock && !oFrom.Eof();
-    if (bCut || oTo.Write(aBlock.data(), nRead) != nRead) throw ClExSystem("CopyFile", __FILE__, __LINE__);
+  const std::string szNormalized = ClFile::Normalized(szTo);
+  ClNewFile oNewFile(szNormalized.c_str());
+  {
+    ClFile oFrom(szFrom, "rb");
+    ClFile oTo(oNewFile.WrittenName(), "wb");
+    std::vector<char> aBlock(cnCopyBlock);
+    while (!oFrom.Eof()) {
+      const size_t nRead = oFrom.Read(aBlock.data(), cnCopyBlock);
+      const bool bCut = nRead < cnCopyBlock && !oFrom.Eof();
+      if (bCut || oTo.Write(aBlock.data(), nRead) != nRead) throw ClExSystem("CopyFile", __FILE__, __LINE__);
+    }
   }
+  oNewFile.Keep();
 }
 
 }  // namespace FileSystem

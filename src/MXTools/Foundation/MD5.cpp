@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "MXTools/FileStream.h"
+#include "MXTools/NewFile.h"
 
 namespace {
 
@@ -146,8 +147,10 @@ void ClMD5::Make(const char* szFile, unsigned char* pDigest) {
 void ClMD5::Make(const char* szFile, const char* szDigestFile) {
   unsigned char aDigest[cnDigestSize];
   Make(szFile, aDigest);
-  ClFileStream oStream(szDigestFile, "wb");
+  ClNewFile oFile(szDigestFile);
+  ClFileStream oStream(oFile.WrittenName(), "wb");
   oStream.m_bFailureFlag = true;
   oStream.Write(aDigest, cnDigestSize);
   oStream.Close();
+  oFile.Keep();
 }

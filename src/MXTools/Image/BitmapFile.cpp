@@ -5,6 +5,7 @@
 #include "MXTools/Bitmap.h"
 #include "MXTools/Exception.h"
 #include "MXTools/FileStream.h"
+#include "MXTools/NewFile.h"
 #include "MXTools/Stream.h"
 
 namespace {
@@ -289,7 +290,9 @@ void ClBitmap::Store(ClStream& oStream) const {
 }
 
 void ClBitmap::Store(const char* szName) const {
-  ClFileStream oStream(szName, "wb");
+  ClNewFile oFile(szName);
+  ClFileStream oStream(oFile.WrittenName(), "wb");
   Store(oStream);
   oStream.Close();
+  oFile.Keep();
 }

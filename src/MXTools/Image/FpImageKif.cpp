@@ -1,6 +1,7 @@
 // The system's own image container, read and written through any stream.
 #include "MXTools/Exception.h"
 #include "MXTools/FileStream.h"
+#include "MXTools/NewFile.h"
 #include "MXTools/FpImage.h"
 #include "MXTools/Stream.h"
 
@@ -123,7 +124,9 @@ void ClImage::Load(const char* szPath) {
 }
 
 void ClImage::Store(const char* szPath) const {
-  ClFileStream oStream(szPath, "wb");
+  ClNewFile oFile(szPath);
+  ClFileStream oStream(oFile.WrittenName(), "wb");
   Store(oStream);
   oStream.Close();
+  oFile.Keep();
 }

@@ -1,0 +1,356 @@
+// A scan library that answers one of its calls as it should not, at every call of a scanner's life, in every
+// mode. The combinations are made from the table of its functions and from what is called in a clean life.
+#include <dirent.h>
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "Allocations.h"
+#include "Life.h"
+#include "Pace.h"
+#include "SimulatedScanner.h"
+#include "VirtualTime.h"
+#include "format/Functions.h"
+
+namespace {
+
+using namespace Hostile;
+
+/// Starts of threads until one fails; below 0 none does.
+std::atomic<int> s_nStarts{-1};
+long s_nAllocation = 0;
+
+/// The numbers that a scan library answers, and some that none does.
+constexpr long canNumbers[] = {-2,   -43,  -44,  -47,  -50,  -60, -61, -101,       -102,
+                               -200, -203, -206, -701, -702, -1,  1,   -2147483647};
+constexpr unsigned cnSeed = 20;
+constexpr size_t cnSample = 60 / cnSlowness;
+/// The simulated scanner's own answers, whatever is planned.
+const std::set<long> caOwn = {-43, -44, -50, -60};
+
+}  // namespace
+
+extern "C" int pthread_create(pthread_t* phThread, const pthread_attr_t* pAttributes, void* (*pfn)(void*),
+                              void* pArgument) noexcept {
+  static const auto pfnReal = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  if (s_nStarts >= 0 && s_nStarts-- == 0) return EAGAIN;
+  return pfnReal(phThread, pAttributes, pfn, pArgument);
+}
+
+namespace {
+
+struct StCombination {
+  int nMode;
+  StPlan oPlan;
+};
+
+std::string Scene(const char* szSerial) {
+  return std::string(R"({"scanners": [{"serial": ")") + szSerial +
+         R"(", "noise": 0, "fingers": [{"print": {"seed": 3}, "lift": 600}]}]})";
+}
+
+long Entries(const char* szFolder) {
+  long n = 0;
+  DIR* pFolder = opendir(szFolder);
+  while (readdir(pFolder) != nullptr) ++n;
+  closedir(pFolder);
+  return n;
+}
+
+/// What a life may leave none of.
+struct StHeld {
+  long nThreads = Entries("/proc/self/task");
+  long nDescriptors = Entries("/proc/self/fd");
+  long nBlocks = Allocations::Live();
+};
+
+class HostileLibrary : public testing::Test {
+ protected:
+  void SetUp() override {
+    // The scan library is looked for in the working directory first.
+    ASSERT_EQ(chdir(KLV_HOSTILE_FOLDER), 0);
+    const std::string sFile = std::string(KLV_HOSTILE_FOLDER "/") + Recording::cszScanLibrary;
+    void* hLibrary = dlopen(sFile.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(hLibrary, nullptr) << dlerror();
+    m_pControl = reinterpret_cast<decltype(&HostileControl)>(dlsym(hLibrary, "HostileControl"))();
+    m_pLife = std::make_unique<ClLife>(*m_pControl, m_oBook);
+    // Records of closed handles are kept up to a number; after that a life leaves no memory in use.
+    LoadScene(Scene("VT40-AB0001"));
+    ASSERT_EQ(LS_VT40Initialize(nullptr), 0);
+    ASSERT_EQ(VTSimFailCall("VTScanAPICreateHandle", 1, 0, -101), 0);
+    void* h = nullptr;
+    for (int n = 0; n < 100; ++n) ASSERT_EQ(LS_VT40OpenScanner("VT40-AB0001", &h), -101);
+    ASSERT_EQ(LS_VT40Uninitialize(), 0);
+    ASSERT_EQ(VTSimClearFaults(), 0);
+    m_aPicture = m_pLife->Picture();
+  }
+
+  /// What can be planned for a mode, by what is called in a clean life.
+  void Learn(int nMode, std::vector<StCombination>& rCombinations) {
+    LoadScene(Scene("VT40-AB0001"));
+    m_pControl->Plan({});
+    m_pLife->Expect("nothing planned");
+    m_pLife->Live(nMode);
+    const Calls oSeen = m_pControl->Seen();
+    std::set<uint16_t> aFunctions;
+    for (const auto& [oPlace, nCalls] : oSeen) {
+      const auto [nStep, nFunction] = oPlace;
+      aFunctions.insert(nFunction);
+      for (int nAnswer = 0; nAnswer < eAbsent; ++nAnswer) {
+        const EAnswer eAnswer = static_cast<EAnswer>(nAnswer);
+        if (!m_pControl->Fits(nFunction, eAnswer)) continue;
+        for (unsigned nCall = 1; nCall <= std::min(nCalls, 2u); ++nCall)
+          for (const long nNumber : Numbers(eAnswer))
+            rCombinations.push_back({nMode, {nFunction, nStep, nCall, eAnswer, nNumber}});
+      }
+    }
+    for (uint16_t n = Recording::eVTScanAPIInitialize; n <= Recording::eVTScanAPIGetPropertyDoubleA; ++n)
+      rCombinations.push_back({nMode, {n, eInitialise, 1, eAbsent, 0}});
+  }
+
+  static std::vector<long> Numbers(EAnswer eAnswer) {
+    if (eAnswer == eNumber) return {std::begin(canNumbers), std::end(canNumbers)};
+    if (eAnswer == eNumberAfter) return {-60, -101};
+    return {0};
+  }
+
+  /// All combinations in an order without order.
+  std::vector<StCombination> Combinations() {
+    std::vector<StCombination> aCombinations;
+    for (int nMode = 0; nMode < cnModes; ++nMode) Learn(nMode, aCombinations);
+    uint64_t nState = cnSeed;
+    for (size_t n = aCombinations.size(); n > 1; --n) {
+      nState = nState * 6364136223846793005u + 1442695040888963407u;
+      std::swap(aCombinations[n - 1], aCombinations[(nState >> 33) % n]);
+    }
+    return aCombinations;
+  }
+
+  static std::string TextOf(const StCombination& o) {
+    std::ostringstream oText;
+    oText << "mode " << o.nMode << ", " << caszSteps[o.oPlan.nStep] << ", call " << o.oPlan.nCall << " of "
+          << Recording::FunctionName(o.oPlan.nFunction) << ": " << caszAnswers[o.oPlan.eAnswer];
+    if (o.oPlan.nNumber != 0) oText << ' ' << o.oPlan.nNumber;
+    return oText.str();
+  }
+
+  /// The numbers of a scan library that follows a plan.
+  static std::set<long> Own(const StPlan& oPlan) {
+    std::set<long> aOwn = caOwn;
+    aOwn.insert(oPlan.nNumber);
+    return aOwn;
+  }
+
+  /// A life in a mode with what is planned, and then one with nothing.
+  void Try(const std::string& sText, int nMode, const StPlan& oPlan, const std::set<long>& aAny = {}) {
+    LoadScene(Scene("VT40-AB0002"));
+    m_pControl->Plan({});
+    m_pLife->Expect(sText);
+    const StHeld oBefore;
+    const long nBook = m_oBook.nBlocks;
+    const size_t nFindings = m_oBook.aFindings.size();
+    LoadScene(Scene("VT40-AB0001"));
+    m_pControl->Plan(oPlan);
+    m_pLife->Expect(sText, Own(oPlan), aAny, oPlan.eAnswer == eLate ? 1.6 : 0.0);
+    m_pLife->Live(nMode);
+    if (!m_pControl->HasStruck()) ++m_nMissed;
+    Allocations::Ignore();
+    s_nStarts = -1;
+    const VTSimState oState = State();
+    if (oState.bOpen != 0 || oState.bWaiting != 0) m_pLife->Fail("the device stays open");
+    m_pControl->Plan({});
+    m_pLife->Expect(sText);
+    if (m_pLife->Picture() != m_aPicture) m_pLife->Fail("the next picture is another");
+    LoadScene(Scene("VT40-AB0002"));
+    m_pControl->Plan({});
+    // Findings are in memory as well.
+    if (m_oBook.aFindings.size() == nFindings) CheckHeld(oBefore, m_oBook.nBlocks - nBook);
+    ++m_nTried;
+    ++m_mapAnswers[caszAnswers[oPlan.eAnswer]];
+    ++m_mapSteps[caszSteps[oPlan.nStep]];
+    ++m_mapModes["mode " + std::to_string(nMode)];
+  }
+
+  /// Calls fnTry with combinations: a sample of nSample, or those that KELVARIN_TEST_HOSTILE in the environment
+  /// asks for. "part parts first" stands for one of so many parts from its combination number first on. The
+  /// file of KELVARIN_TEST_AT says which is tried.
+  template <typename TTry>
+  void ForEach(size_t nCount, size_t nSample, TTry&& fnTry) {
+    size_t nPart = 0, nParts = std::max(nCount / nSample, size_t{1}), nFirst = 0;
+    const char* szPart = std::getenv("KELVARIN_TEST_HOSTILE");
+    const char* szAt = std::getenv("KELVARIN_TEST_AT");
+    if (szPart != nullptr) std::istringstream(szPart) >> nPart >> nParts >> nFirst;
+    for (size_t n = nPart + nFirst * nParts; n < nCount; n += nParts) {
+      fnTry(n, [&](const std::string& sText) {
+        if (szAt != nullptr) std::ofstream(szAt) << n / nParts << ' ' << sText << '\n';
+      });
+    }
+    Report();
+  }
+
+  static long Preview(void* h) {
+    std::vector<unsigned char> aPixels(800 * 800);
+    double dScore = 0.0;
+    unsigned char bDone = 0;
+    long nResult = 0;
+    return LS_VT40GetPreviewImage(h, aPixels.data(), &dScore, &bDone, &nResult);
+  }
+
+  void CheckHeld(const StHeld& oBefore, long nBook) {
+    StHeld oAfter;
+    // A thread that has been waited for is on the list a little longer.
+    WaitFor([&] { return (oAfter = StHeld()).nThreads == oBefore.nThreads; }, 5.0);
+    const auto Compare = [&](const char* szWhat, long nBefore, long nAfter) {
+      if (nAfter != nBefore) m_pLife->Fail(std::to_string(nAfter - nBefore) + " more " + szWhat);
+    };
+    Compare("threads", oBefore.nThreads, oAfter.nThreads);
+    Compare("descriptors", oBefore.nDescriptors, oAfter.nDescriptors);
+    Compare("blocks of memory", oBefore.nBlocks + nBook, oAfter.nBlocks);
+  }
+
+  void Report() const {
+    for (const std::string& sFinding : m_oBook.aFindings) ADD_FAILURE() << sFinding;
+    const char* szFile = std::getenv("KELVARIN_TEST_RESULTS");
+    if (szFile == nullptr) return;
+    std::ofstream oFile(szFile);
+    oFile << "{\"count\": " << m_nTried << ", \"missed\": " << m_nMissed << ", \"seed\": " << cnSeed;
+    Put(oFile, "answers", m_mapAnswers);
+    Put(oFile, "steps", m_mapSteps);
+    Put(oFile, "modes", m_mapModes);
+    Put(oFile, "seconds", m_oBook.mapSeconds);
+    oFile << ", \"numbers\": {";
+    const char* szComma = "";
+    for (const auto& [sFunction, aNumbers] : m_oBook.mapNumbers) {
+      oFile << szComma << '"' << sFunction << "\": [";
+      szComma = "";
+      for (const long n : aNumbers) oFile << szComma << n, szComma = ", ";
+      oFile << ']';
+      szComma = ", ";
+    }
+    oFile << "}}\n";
+  }
+
+  template <typename TMap>
+  static void Put(std::ostream& rOut, const char* szName, const TMap& rMap) {
+    rOut << ", \"" << szName << "\": {";
+    const char* szComma = "";
+    for (const auto& [sKey, tValue] : rMap)
+      rOut << szComma << '"' << sKey << "\": " << tValue, szComma = ", ";
+    rOut << '}';
+  }
+
+  ClVirtualTime m_oTime;
+  StBook m_oBook;
+  ClControl* m_pControl = nullptr;
+  std::unique_ptr<ClLife> m_pLife;
+  std::vector<unsigned char> m_aPicture;
+  size_t m_nTried = 0;
+  size_t m_nMissed = 0;
+  std::map<std::string, size_t> m_mapAnswers, m_mapSteps, m_mapModes;
+};
+
+TEST_F(HostileLibrary, EndsEachCallOnTimeWithADocumentedNumberAndLeavesNothing) {
+  const std::vector<StCombination> aCombinations = Combinations();
+  ASSERT_TRUE(m_oBook.aFindings.empty()) << m_oBook.aFindings[0];
+  EXPECT_GT(aCombinations.size(), 5000u);
+  ForEach(aCombinations.size(), cnSample, [&](size_t n, const auto& fnSay) {
+    const StCombination& o = aCombinations[n];
+    fnSay(TextOf(o));
+    Try(TextOf(o), o.nMode, o.oPlan);
+  });
+}
+
+TEST_F(HostileLibrary, SurvivesMemoryThatRunsOutWhileAnAnswerIsDealtWith) {
+  const std::vector<StCombination> aCombinations = Combinations();
+  Allocations::Watch("libKelvarinLiveScannerVT40");
+  m_pControl->OnStrike([] { Allocations::FailNth(s_nAllocation); });
+  ForEach(2000, cnSample / 4, [&](size_t n, const auto& fnSay) {
+    // Another order than that of the single faults.
+    const StCombination& o = aCombinations[(n * 7919 + 13) % aCombinations.size()];
+    s_nAllocation = 1 + static_cast<long>(n * 31 % 12);
+    const std::string sText = TextOf(o) + ", no memory at allocation " + std::to_string(s_nAllocation);
+    fnSay(sText);
+    Try(sText, o.nMode, o.oPlan, {KLV_ERROR_OUT_OF_MEMORY, KLV_ERROR_NOT_INITIALIZED});
+  });
+  m_pControl->OnStrike(nullptr);
+}
+
+TEST_F(HostileLibrary, SurvivesEachThreadThatDoesNotStart) {
+  for (int nMode = 0; nMode < cnModes; ++nMode) {
+    LoadScene(Scene("VT40-AB0001"));
+    s_nStarts = 1000;
+    m_pLife->Expect("nothing planned");
+    m_pLife->Live(nMode);
+    const int nStarts = 1000 - s_nStarts;
+    EXPECT_GT(nStarts, 2);
+    for (int n = 0; n < nStarts; ++n) {
+      s_nStarts = n;
+      // What the C++ library raises for it.
+      Try("mode " + std::to_string(nMode) + ", thread " + std::to_string(n), nMode, {}, {-721});
+    }
+  }
+  m_nMissed = 0;
+  Report();
+}
+
+/// A call that waits for frames, in its mode.
+struct StWaiting {
+  int nMode;
+  long (*pfn)(void*, void*, double*, unsigned char*, long*);
+};
+
+TEST_F(HostileLibrary, ACallThatIsHeldBackByOneWithoutFramesDoesNotWaitAsLongAsThat) {
+  const StWaiting aWaiting[] = {{KLV_VT40_CAPTURE_MODE_PREVIEW, LS_VT40GetPreviewImage},
+                                {KLV_VT40_CAPTURE_MODE_FULL, LS_VT40GetImage},
+                                {KLV_VT40_CAPTURE_MODE_ROLL, LS_VT40GetRollImage},
+                                {KLV_VT40_CAPTURE_MODE_SIGNATURE, LS_VT40GetPreviewImage}};
+  long (*const apfnCalls[])(void**) = {
+      [](void** ph) { return LS_VT40SetCaptureMode(*ph, KLV_VT40_CAPTURE_MODE_AUTO); },
+      [](void** ph) { return LS_VT40SetLED(*ph, 1, 1); },
+      [](void** ph) { return LS_VT40SetPropertyLongA(*ph, "STATUS_LED", 0x101); },
+      [](void** ph) { return LS_VT40CloseScanner(ph); }};
+  for (const EAnswer eAnswer : {eNumber, eNever}) {
+    for (const StWaiting& oWaiting : aWaiting) {
+      for (const auto pfnCall : apfnCalls) {
+        LoadScene(Scene("VT40-AB0001"));
+        m_pControl->Plan({Recording::eVTScanAPILockRawSequence, eFrames, 1, eAnswer, -60});
+        ASSERT_EQ(LS_VT40Initialize(nullptr), 0);
+        void* h = nullptr;
+        ASSERT_EQ(LS_VT40OpenScanner("VT40-AB0001", &h), 0);
+        ASSERT_EQ(LS_VT40SetCaptureMode(h, oWaiting.nMode), 0);
+        m_pControl->Enter(eFrames);
+        long nWaited = 0;
+        std::thread oThread([&, hScanner = h] {
+          std::vector<unsigned char> aPixels(1600 * 1600);
+          double dScore = 0.0;
+          unsigned char bDone = 0;
+          long nResult = 0;
+          while (nWaited == 0) nWaited = oWaiting.pfn(hScanner, aPixels.data(), &dScore, &bDone, &nResult);
+        });
+        ASSERT_TRUE(WaitFor([&] { return m_pControl->HasStruck(); }));
+        // This passes when all threads wait.
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        const auto tStart = std::chrono::steady_clock::now();
+        EXPECT_EQ(pfnCall(&h), 0);
+        const std::chrono::duration<double> oTook = std::chrono::steady_clock::now() - tStart;
+        oThread.join();
+        EXPECT_EQ(nWaited, -60);
+        EXPECT_LT(oTook.count(), eAnswer == eNever ? 4.5 : 0.5) << "mode " << oWaiting.nMode;
+        if (h != nullptr) {
+          // The mode before had lost its worker, and in some cases its capture: the next one works.
+          EXPECT_EQ(LS_VT40SetCaptureMode(h, KLV_VT40_CAPTURE_MODE_AUTO), 0);
+          EXPECT_EQ(Preview(h), 0);
+          EXPECT_EQ(LS_VT40CloseScanner(&h), 0);
+        }
+        EXPECT_EQ(LS_VT40Uninitialize(), 0);
+      }
+    }
+  }
+}
+
+}  // namespace
