@@ -212,8 +212,8 @@ KLV_API long LS_VT40GetCaptureMode(void* h, int* pnMode);
  * "finished". Both have the sizes of the signature's two size calls.
  *
  * Errors: KLV_ERROR_BAD_POINTER any pointer NULL; KLV_ERROR_INVALID_STATE not in this mode;
- * KLV_ERROR_DISCONNECTED no image came in time, or the scanner was disconnected; the scan library's own
- * number. */
+ * KLV_ERROR_DISCONNECTED no image came in time, or the scanner was disconnected; KLV_ERROR_UNSUPPORTED, of
+ * LS_VT40GetImage in mode OFF, the scan library is too old; the scan library's own number. */
 KLV_API long LS_VT40GetImage(void* h, void* pImage, double* pdScore, unsigned char* pbDone, long* pnResult);
 KLV_API long LS_VT40GetPreviewImage(void* h, void* pImage, double* pdScore, unsigned char* pbDone,
                                     long* pnResult);

@@ -43,20 +43,23 @@ class ClLife {
     m_dOnTop = dOnTop;
   }
 
-  /// All steps in a mode. A call that fails ends nothing but what cannot go on without it.
-  void Live(int nMode) {
+  /// All steps in a mode. A call that fails ends nothing but what cannot go on without it. Whether the scanner
+  /// was opened.
+  bool Live(int nMode) {
     m_oControl.Enter(eInitialise);
-    if (Try("LS_VT40Initialize", [] { return LS_VT40Initialize(nullptr); }) != 0) return;
+    if (Try("LS_VT40Initialize", [] { return LS_VT40Initialize(nullptr); }) != 0) return false;
     char aszSerials[4][KLV_VT40_SERIAL_SIZE] = {};
     unsigned nCount = 4;
     Try("LS_VT40QueryScanners", [&] { return LS_VT40QueryScanners(aszSerials[0], &nCount); });
     m_oControl.Enter(eOpen);
-    if (Open() == 0) {
+    const bool bOpened = Open() == 0;
+    if (bOpened) {
       Use(nMode);
       m_oControl.Enter(eClose);
       Close();
     }
     Try("LS_VT40Uninitialize", [] { return LS_VT40Uninitialize(); });
+    return bOpened;
   }
 
   /// A picture of a scanner that is opened for it.
