@@ -47,8 +47,8 @@ class ClVT40LiveCapture : public ClVTLiveCaptureBase {
   /// switches. The worker of the signature pad goes on.
   void Suspend() KLV_ACQUIRE(m_oSensor) { m_oSensor.lock(); }
   void Resume() KLV_RELEASE(m_oSensor) { m_oSensor.unlock(); }
-  /// Those of its calls that wait for a frame, or for the scanner. A caller who has to wait for the end of one
-  /// is held back; it calls EndStuckWait now and then.
+  /// Those of its calls that wait for a frame, or for the scanner. A caller who has to wait for the end of
+  /// one is held back; it calls EndStuckWait now and then.
   ClFrameWaits& Waits() { return m_oWaits; }
   void EndStuckWait() { m_oSensor.EndStuckWait(); }
   /// True: the engine uses the sensor modes that merge columns.

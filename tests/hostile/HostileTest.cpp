@@ -183,9 +183,9 @@ class HostileLibrary : public testing::Test {
     ++m_mapModes["mode " + std::to_string(nMode)];
   }
 
-  /// Calls fnTry with the number of a combination and the next one's: a sample of nSample, or those that KELVARIN_TEST_HOSTILE in the environment
-  /// asks for. "part parts first" stands for one of so many parts from its combination number first on. The
-  /// file of KELVARIN_TEST_AT says which is tried.
+  /// Calls fnTry with the number of a combination and the next one's: a sample of nSample, or those that
+  /// KELVARIN_TEST_HOSTILE in the environment asks for. "part parts first" stands for one of so many parts
+  /// from its combination number first on. The file of KELVARIN_TEST_AT says which is tried.
   template <typename TTry>
   void ForEach(size_t nCount, size_t nSample, TTry&& fnTry) {
     size_t nPart = 0, nParts = std::max(nCount / nSample, size_t{1}), nFirst = 0;

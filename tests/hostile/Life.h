@@ -43,8 +43,8 @@ class ClLife {
     m_dOnTop = dOnTop;
   }
 
-  /// All steps in a mode. A call that fails ends nothing but what cannot go on without it. Whether the scanner
-  /// was opened.
+  /// All steps in a mode. A call that fails ends nothing but what cannot go on without it. Whether the
+  /// scanner was opened.
   bool Live(int nMode) {
     m_oControl.Enter(eInitialise);
     if (Try("LS_VT40Initialize", [] { return LS_VT40Initialize(nullptr); }) != 0) return false;

@@ -19,8 +19,8 @@ class ClFrameBuffer : public ClTpTripleBuffer<ClImage> {
     for (ClImage& oImage : m_aImages) oImage.NewWithType(ClImage::eUint8, nWidth, nHeight, 1, 0, 0, true);
   }
 
-  /// Waits for a frame that was not read yet, for nSeconds of the monotonic clock, or until a wait is in vain.
-  /// False when none came.
+  /// Waits for a frame that was not read yet, for nSeconds of the monotonic clock, or until a wait is in
+  /// vain. False when none came.
   bool WaitForFrame(unsigned int nSeconds, const ClFrameWaits& oWaits) {
     const auto oEnd = Klv::MonotonicNow() + boost::posix_time::seconds(nSeconds);
     const boost::posix_time::time_duration oLook = boost::posix_time::milliseconds(cnLookMs);

@@ -50,8 +50,8 @@ class KLV_CAPABILITY("mutex") ClVT40Sensor {
   void SkipSequence() KLV_REQUIRES(this);
   /// Waits for the next sequence of one lit frame, and copies it.
   void ReadLit(ClImage& oLit);
-  /// Ends the capture when the scan library has not answered for so long that it will not by itself. For those
-  /// who wait for the end of a call that waits for a sequence; raises nothing.
+  /// Ends the capture when the scan library has not answered for so long that it will not by itself. For
+  /// those who wait for the end of a call that waits for a sequence; raises nothing.
   void EndStuckWait();
   /// Whether the capture has been ended so since the last call.
   bool TakeEnded() { return m_bEnded.exchange(false); }

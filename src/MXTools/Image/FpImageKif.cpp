@@ -1,8 +1,8 @@
 // The system's own image container, read and written through any stream.
 #include "MXTools/Exception.h"
 #include "MXTools/FileStream.h"
-#include "MXTools/NewFile.h"
 #include "MXTools/FpImage.h"
+#include "MXTools/NewFile.h"
 #include "MXTools/Stream.h"
 
 namespace {
