@@ -90,7 +90,7 @@ void Remember(std::uint64_t nStack) {
 
 bool IsToFail() {
   const EWatch eWatch = s_eWatch;
-  if (eWatch == eOff) return false;
+  if (eWatch == eOff || (eWatch == eCount && s_bFailed)) return false;
   const std::uint64_t nStack = Stack();
   if (eWatch == eCount) return nStack != 0 && s_nBefore-- == 0 && !s_bFailed.exchange(true);
   if (eWatch == eRemember) {
