@@ -11,6 +11,7 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <set>
 
 #include "MXCalibrate/CalibrateGeometricData.h"
 #include "MXTools/Bitmap.h"
@@ -19,6 +20,7 @@
 #include "MXTools/MD5.h"
 #include "Picture.h"
 #include "TemporaryDirectory.h"
+#include "format/BlockWriter.h"
 
 namespace {
 
@@ -56,6 +58,23 @@ size_t fwrite(const void* pData, size_t nSize, size_t nCount, FILE* pFile) {
   const size_t nWritten = pfn(pData, nSize, bStrikes ? nCount / 2 : nCount, pFile);
   if (bStrikes) errno = s_nError;
   return nWritten;
+}
+
+/// So does a read.
+size_t fread(void* pData, size_t nSize, size_t nCount, FILE* pFile) {
+  static const auto pfn = Real(&fread, "fread");
+  const bool bStrikes = Strikes();
+  const size_t nRead = pfn(pData, nSize, bStrikes ? nCount / 2 : nCount, pFile);
+  if (bStrikes) errno = s_nError;
+  return nRead;
+}
+
+/// Without a number a write comes half as far.
+ssize_t write(int nFile, const void* pData, size_t nBytes) {
+  static const auto pfn = Real(&write, "write");
+  const bool bStrikes = Strikes();
+  if (bStrikes && s_nError != 0) return -1;
+  return pfn(nFile, pData, bStrikes ? (nBytes + 1) / 2 : nBytes);
 }
 
 int fflush(FILE* pFile) {
@@ -105,6 +124,12 @@ class FileFault : public testing::Test {
   }
   long Files() const { return std::distance(std::filesystem::directory_iterator(m_oFolder.Path()), {}); }
 
+  static void Arm(int nFailing, int nError) {
+    s_nOperation = 0;
+    s_nError = nError;
+    s_nFailing = nFailing;
+  }
+
   std::vector<StWriter> Writers() {
     m_oImage.NewWithType(ClImage::eUint8, 64, 64, 1, 0, 0, true);
     m_oBitmap.Create(64, 64, 8, 0);
@@ -141,9 +166,7 @@ TEST_F(FileFault, LeavesTheOldFileOrTheNewOne) {
           SCOPED_TRACE(std::string(oWriter.szName) + ", operation " + std::to_string(nFailing));
           Begin(bExists);
           bool bRaised = false;
-          s_nOperation = 0;
-          s_nError = nError;
-          s_nFailing = nFailing;
+          Arm(nFailing, nError);
           try {
             oWriter.fnWrite(m_sFile.c_str());
           } catch (const std::exception&) {
@@ -180,6 +203,73 @@ TEST_F(FileFault, ALinkStaysALink) {
   m_oImage.Store(m_sFile.c_str());
   EXPECT_TRUE(std::filesystem::is_symlink(m_sFile));
   EXPECT_GT(std::filesystem::file_size(m_sSource), 64u);
+}
+
+TEST_F(FileFault, WhatCannotBeReadWholeIsNotTakenForAFile) {
+  const std::vector<std::pair<StWriter, std::function<void(const char*)>>> aReaders = {
+      {{"KIF", [&](const char* sz) { m_oImage.Store(sz); }}, [&](const char* sz) { m_oImage.Load(sz); }},
+      {{"BMP", [&](const char* sz) { m_oBitmap.Store(sz); }}, [&](const char* sz) { m_oBitmap.Load(sz); }},
+      {{"calibration data", [&](const char* sz) { m_oData.Write(sz); }},
+       [&](const char* sz) { m_oData.Read(sz); }}};
+  Writers();
+  for (const auto& [oWriter, fnRead] : aReaders) {
+    Begin(false);
+    oWriter.fnWrite(m_sFile.c_str());
+    const std::string sWhole = Content();
+    int nRaised = 0;
+    for (int nFailing = 1;; ++nFailing) {
+      SCOPED_TRACE(std::string(oWriter.szName) + ", operation " + std::to_string(nFailing));
+      bool bRaised = false;
+      Arm(nFailing, EIO);
+      try {
+        fnRead(m_sFile.c_str());
+      } catch (const std::exception&) {
+        bRaised = true;
+      }
+      s_nFailing = 0;
+      if (s_nOperation < nFailing) break;
+      nRaised += bRaised ? 1 : 0;
+      if (bRaised) continue;
+      oWriter.fnWrite(m_sSource.c_str());
+      EXPECT_EQ(std::filesystem::file_size(m_sSource), sWhole.size());
+    }
+    EXPECT_GT(nRaised, 5) << oWriter.szName;
+    // The next reading works, whatever the last one left.
+    fnRead(m_sFile.c_str());
+    oWriter.fnWrite(m_sFile.c_str());
+    EXPECT_TRUE(Content() == sWhole) << oWriter.szName;
+  }
+}
+
+TEST_F(FileFault, ARecordingEndsWithItsLastWholeBlock) {
+  const std::string sContent(1000, 'x');
+  std::set<size_t> aEnds;
+  std::string sWhole;
+  const auto Record = [&] {
+    std::filesystem::remove(m_sFile);
+    Recording::ClBlockWriter oWriter(open(m_sFile.c_str(), O_WRONLY | O_CREAT, 0666), 0, 1);
+    for (int n = 0; n < 4; ++n) {
+      if (s_nFailing == 0) aEnds.insert(std::filesystem::file_size(m_sFile));
+      oWriter.Write(Recording::eBlockFacts, sContent.data(), sContent.size());
+    }
+    return oWriter.Failure();
+  };
+  Record();
+  sWhole = Content();
+  for (const int nError : {EIO, ENOSPC, EINTR, 0}) {
+    for (int nFailing = 1;; ++nFailing) {
+      Arm(nFailing, nError);
+      const int nFailure = Record();
+      s_nFailing = 0;
+      if (s_nOperation < nFailing) break;
+      const std::string sWritten = Content();
+      const bool bGoesOn = nError == EINTR || nError == 0;
+      EXPECT_EQ(nFailure, bGoesOn ? 0 : nError);
+      EXPECT_EQ(sWritten, sWhole.substr(0, sWritten.size()));
+      EXPECT_TRUE(bGoesOn ? sWritten == sWhole : sWritten.empty() || aEnds.count(sWritten.size()) != 0)
+          << sWritten.size() << " bytes after operation " << nFailing;
+    }
+  }
 }
 
 }  // namespace
