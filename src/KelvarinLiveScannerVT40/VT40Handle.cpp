@@ -165,7 +165,7 @@ void ClVT40Handle::SetupCalibrationData() noexcept {
 }
 
 void ClVT40Handle::UnassignDevice() {
-  const Lock oLock = TakeTurn();
+  const ClTurn oTurn(*this);
   m_pLiveCapture.reset();
   m_pSetupCalibrationData.reset();
   // The property tree is bound to variables of the engine, which is gone now.

@@ -9,6 +9,7 @@
 #include "MXLiveScannerAPI/VT40LiveCapture.h"
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXTools/SDKHandleBase.h"
+#include "MXTools/TicketMutex.h"
 #include "MXTools/TpArrayStatic.h"
 #include "MXVTScanAPI/MXVTScanAPIWrapper.h"
 
@@ -63,8 +64,20 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   void OnQueryPropertys(ClParameterContainer& oContainer) override;
 
  private:
-  using Lock = boost::unique_lock<boost::timed_mutex>;
+  using Lock = TpLock<ClTicketMutex>;
   using LedLock = boost::unique_lock<boost::mutex>;
+  /// m_oMutex for a call that must not wait long for one that holds it: a frame that cannot come any more is
+  /// waited for no longer.
+  class ClTurn {
+   public:
+    explicit ClTurn(ClVT40Handle& oHandle) KLV_NOT_ANALYSED;
+    ClTurn(const ClTurn&) = delete;
+    ClTurn& operator=(const ClTurn&) = delete;
+    ~ClTurn() KLV_NOT_ANALYSED;
+
+   private:
+    ClTicketMutex& m_oMutex;
+  };
   /// Status LEDs of the scanner.
   static constexpr unsigned int cnLeds = 12;
 
@@ -77,9 +90,6 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   void SetupCalibrationData() noexcept;
 
   // Operations
-  /// m_oMutex, for a call that must not wait long for one that holds it: a frame that cannot come any more is
-  /// waited for no longer.
-  Lock TakeTurn();
   ClVT40LiveCapture& Engine() const;
   const ClCalibrateGeometricData& FullData() const;
   const ClCalibrateGeometricData& PreviewData() const;
@@ -112,8 +122,8 @@ class ClVT40Handle : public TSDKHandleBase<ClVT40Handle, ClLiveScannerVT40,
   ClMXVTScanAPIWrapper m_oScanAPI;
   std::unique_ptr<ClVT40SetupCalibrationData> m_pSetupCalibrationData;
   std::unique_ptr<ClVT40LiveCapture> m_pLiveCapture;
-  ClImage m_oDelivered;  // guarded by m_oMutex; kept between calls so that a delivery allocates nothing
-  boost::timed_mutex m_oMutex;
+  ClImage m_oDelivered;    // guarded by m_oMutex; kept between calls so that a delivery allocates nothing
+  ClTicketMutex m_oMutex;  // a change of the mode gets in between two image calls
   boost::mutex m_oLedMutex;
   unsigned char m_aStatusLed[cnLeds] = {};  // guarded by m_oLedMutex
 };

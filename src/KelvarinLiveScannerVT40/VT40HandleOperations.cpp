@@ -7,7 +7,6 @@
 namespace {
 
 constexpr long cnNoFinger = -15;
-constexpr long cnLookMs = 100;
 
 /// The lowest of the three bits of each status LED in the scanner's word.
 constexpr unsigned int caLedBits[] = {0, 9, 12, 15, 18, 21, 36, 33, 30, 27, 24, 3};
@@ -125,16 +124,22 @@ void ClVT40Handle::GetVersionString(char* pszVersion, unsigned int* pnSize) {
   std::memcpy(pszVersion, szText, nNeeded);
 }
 
-ClVT40Handle::Lock ClVT40Handle::TakeTurn() {
-  if (m_pLiveCapture == nullptr) return Lock(m_oMutex);
-  const ClFrameWaits::ClHeldBack oHeldBack(m_pLiveCapture->Waits());
-  Lock oLock(m_oMutex, boost::defer_lock);
-  while (!oLock.timed_lock(boost::posix_time::milliseconds(cnLookMs))) m_pLiveCapture->EndStuckWait();
-  return oLock;
+ClVT40Handle::ClTurn::ClTurn(ClVT40Handle& oHandle) : m_oMutex(oHandle.m_oMutex) {
+  ClVT40LiveCapture* const pEngine = oHandle.m_pLiveCapture.get();
+  if (pEngine == nullptr) {
+    m_oMutex.lock();
+    return;
+  }
+  const ClFrameWaits::ClHeldBack oHeldBack(pEngine->Waits());
+  m_oMutex.lock([pEngine] { pEngine->EndStuckWait(); });
+}
+
+ClVT40Handle::ClTurn::~ClTurn() {
+  m_oMutex.unlock();
 }
 
 void ClVT40Handle::SetCaptureMode(int nMode) {
-  const Lock oLock = TakeTurn();
+  const ClTurn oTurn(*this);
   if (static_cast<unsigned int>(nMode) >= std::size(caModes)) {
     KLV_RAISE(ClException, "Capture mode not supported.", -103);
   }
@@ -222,7 +227,7 @@ void ClVT40Handle::TriggerScanner() {
 }
 
 void ClVT40Handle::SetLED(unsigned char nIndex, unsigned char nState) {
-  const Lock oLock = TakeTurn();
+  const ClTurn oTurn(*this);
   if (nIndex >= cnLeds) KLV_RAISE(ClException, "Current scanner only supports 11 status LEDs", -35);
   if ((nState & 0xF8) != 0) KLV_RAISE(ClException, "Invalid state parameter", -44);
   Engine();
