@@ -22,14 +22,16 @@
 #
 # says where the run-time linker looks for the libraries of an installed target.
 #
-#   klv_fuzz(NAME SOURCES ... DEPS ...)
+#   klv_fuzz(NAME SOURCES ... DEPS ... [REPAIRS])
 #
-# makes a fuzz target: a program that feeds made-up bytes to what it links. The target fuzz_targets builds all of them.
+# makes a fuzz target: a program that feeds made-up bytes to what it links. REPAIRS: it puts the checksums of its inputs right. The target fuzz_readers builds those of readers,
+# fuzz_targets all of them.
 
 add_custom_target(engine_tests)
 add_custom_target(plain_tests)
 add_custom_target(words_tests)
-add_custom_target(fuzz_targets)
+add_custom_target(fuzz_readers)
+add_custom_target(fuzz_targets DEPENDS fuzz_readers)
 
 # The code of tests runs too briefly to be worth the optimiser's time.
 set(KLV_TEST_OPTIONS $<$<CONFIG:Release>:-O1>)
@@ -57,7 +59,7 @@ function(klv_module NAME)
     if(ARG_APART)
       set_target_properties(${NAME} PROPERTIES UNITY_BUILD OFF)
     endif()
-    if(ARG_HOT AND KLV_SANITIZE STREQUAL "thread")
+    if(ARG_HOT AND KLV_SANITIZE MATCHES "thread")
       set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -fno-sanitize=thread)
     elseif(ARG_HOT AND KLV_SANITIZE)
       set_source_files_properties(${ARG_SOURCES} PROPERTIES COMPILE_OPTIONS -O2)
@@ -125,10 +127,37 @@ function(klv_run_path NAME PATHS)
 endfunction()
 
 function(klv_fuzz NAME)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "REPAIRS" "" "SOURCES;DEPS" ${ARGN})
+  if(ARG_REPAIRS)
+    list(APPEND ARG_SOURCES ${CMAKE_SOURCE_DIR}/fuzz/support/Repair.cpp)
+  endif()
   add_executable(${NAME} ${ARG_SOURCES})
   target_include_directories(${NAME} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support)
   target_link_libraries(${NAME} PRIVATE ${ARG_DEPS} fuzz_Support klv_flags)
   target_link_options(${NAME} PRIVATE -fsanitize=fuzzer)
-  add_dependencies(fuzz_targets ${NAME})
+  add_dependencies(fuzz_readers ${NAME})
+endfunction()
+
+function(klv_reliability NAME)
+  set(tests ${CMAKE_SOURCE_DIR}/tests)
+  add_executable(${NAME} ${ARGN}
+    ${tests}/reliability/CallSequence.cpp ${tests}/reliability/QuickClock.cpp ${tests}/reliability/SequenceContent.cpp
+    ${tests}/reliability/SequenceSteps.cpp ${tests}/support/Allocations.cpp)
+  # No compiler is to see through one half of a pair of new and delete.
+  set_source_files_properties(${tests}/support/Allocations.cpp PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  target_include_directories(${NAME} PRIVATE
+    ${tests}/reliability ${tests}/support ${tests}/KelvarinLiveScannerVT40
+    $<TARGET_PROPERTY:MXToolsThreads,INTERFACE_INCLUDE_DIRECTORIES>
+    $<TARGET_PROPERTY:sim_device,INTERFACE_INCLUDE_DIRECTORIES>
+    $<TARGET_PROPERTY:sim_liveness,INTERFACE_INCLUDE_DIRECTORIES>)
+  target_link_libraries(${NAME} PRIVATE
+    KelvarinLiveScannerVT40 KelvarinLiveScannerVT40Table KelvarinVTScanAPI KelvarinFakeFingerDetectionVT40
+    Boost::thread Threads::Threads klv_flags klv_lean ${CMAKE_DL_LIBS})
+  target_compile_options(${NAME} PRIVATE ${KLV_TEST_OPTIONS})
+  if(KLV_SANITIZE)
+    set(text ", ${KLV_SANITIZE}")
+  endif()
+  target_compile_definitions(${NAME} PRIVATE "KLV_SANITIZER_TEXT=\"${text}\"")
+  # What the program replaces counts for the libraries too.
+  set_target_properties(${NAME} PROPERTIES ENABLE_EXPORTS ON)
 endfunction()

@@ -40,6 +40,10 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
+Bytes Repaired(const Bytes& aInput) {
+  return WithRightChecksum(aInput);
+}
+
 void Feed(const Bytes& aRecord) {
   ClBytesStream oStream(aRecord);
   ClCalibrateGeometricData oData;

@@ -66,6 +66,18 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
+/// The geometric record stands after the serial number, a byte and its size.
+Bytes Repaired(const Bytes& aInput) {
+  const auto itSerialEnd = std::find(aInput.begin(), aInput.end(), uint8_t{0});
+  if (aInput.end() - itSerialEnd < 4) return aInput;
+  const auto itRecord = itSerialEnd + 4;
+  const auto nSize = std::min<std::ptrdiff_t>(itRecord[-2] | itRecord[-1] << 8, aInput.end() - itRecord);
+  const Bytes aRecord = WithRightChecksum(Bytes(itRecord, itRecord + nSize));
+  Bytes aRight = aInput;
+  std::copy(aRecord.begin(), aRecord.end(), aRight.begin() + (itRecord - aInput.begin()));
+  return aRight;
+}
+
 void Feed(const Bytes& aInput) {
   ClFuzzInput oInput(aInput);
   const std::string sSerial = oInput.Text();

@@ -1,5 +1,4 @@
-// Feeds recordings, with their checksums put right: what is read is within its file, and a player answers
-// from it or refuses.
+// Feeds recordings: what is read is within its file, and a player answers from it or refuses.
 #include <fcntl.h>
 
 #include "MemoryFile.h"
@@ -42,22 +41,6 @@ void WriteSeed(ClBlockWriter& oWriter) {
   oWriter.Write(eBlockEnd, aEnd.data(), aEnd.size());
 }
 
-/// Checksums of header and blocks as far as the blocks' sizes lead.
-Bytes WithRightSums(Bytes aFile) {
-  if (aFile.size() < cnFileHeader) return aFile;
-  Store(&aFile[28], Checksum(aFile.data(), 28), 4);
-  for (size_t nOffset = cnFileHeader; aFile.size() - nOffset >= cnBlockHeader;) {
-    uint8_t* pBlock = &aFile[nOffset];
-    const uint64_t nStored = Load(pBlock + 8, 4);
-    nOffset += cnBlockHeader;
-    if (nStored > aFile.size() - nOffset) break;
-    Store(pBlock + 20, Checksum(aFile.data() + nOffset, nStored), 4);
-    Store(pBlock + 24, Checksum(pBlock, 24), 4);
-    nOffset += nStored;
-  }
-  return aFile;
-}
-
 void Play(const std::string& sFile) {
   ClPlayer oPlayer({sFile, 0.0, false});
   for (const StCall& oCall : oPlayer.Recording().Calls()) {
@@ -86,8 +69,25 @@ std::vector<Bytes> Seeds() {
   return {oFile.Content()};
 }
 
+/// Checksums of header and blocks as far as the blocks' sizes lead.
+Bytes Repaired(const Bytes& aInput) {
+  Bytes aFile = aInput;
+  if (aFile.size() < cnFileHeader) return aFile;
+  Store(&aFile[28], Checksum(aFile.data(), 28), 4);
+  for (size_t nOffset = cnFileHeader; aFile.size() - nOffset >= cnBlockHeader;) {
+    uint8_t* pBlock = &aFile[nOffset];
+    const uint64_t nStored = Load(pBlock + 8, 4);
+    nOffset += cnBlockHeader;
+    if (nStored > aFile.size() - nOffset) break;
+    Store(pBlock + 20, Checksum(aFile.data() + nOffset, nStored), 4);
+    Store(pBlock + 24, Checksum(pBlock, 24), 4);
+    nOffset += nStored;
+  }
+  return aFile;
+}
+
 void Feed(const Bytes& aInput) {
-  const ClMemoryFile oFile(WithRightSums(aInput));
+  const ClMemoryFile oFile(aInput);
   RefusedWith<ClRecordingError>([&] {
     const ClRecording oRecording(oFile.Path());
     Require(!oRecording.IsWhole() || oRecording.Damage().empty() || oRecording.BlockCount() > 0,

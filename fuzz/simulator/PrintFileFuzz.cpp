@@ -33,9 +33,12 @@ std::vector<Bytes> Seeds() {
   return aSeeds;
 }
 
+Bytes Repaired(const Bytes& aInput) {
+  return WithRightChecksums(aInput);
+}
+
 void Feed(const Bytes& aInput) {
-  const Bytes aFile = WithRightChecksums(aInput);
-  const ClMemoryFile oFile(aFile);
+  const ClMemoryFile oFile(aInput);
   RefusedWith<Simulator::ClSimError>([&] {
     const Simulator::ClPrint oPrint = Simulator::ReadPrintFile(oFile.Path());
     Require(

@@ -15,6 +15,9 @@ using Bytes = std::vector<uint8_t>;
 std::vector<Bytes> Seeds();
 /// Takes one input; each target defines it too.
 void Feed(const Bytes& aInput);
+/// An input with its checksums put right as far as its structure leads. Targets of such inputs define it and
+/// name it in their klv_fuzz (REPAIRS); in others it is NULL.
+__attribute__((weak)) Bytes Repaired(const Bytes& aInput);
 
 inline Bytes BytesOf(const std::string& sText) {
   return Bytes(sText.begin(), sText.end());

@@ -1,10 +1,11 @@
-// PNG files whose checksums are right whatever else has changed, so that the fuzzer gets beyond them.
+// The checksums of PNG files.
 #pragma once
 
 #include <zlib.h>
 
 #include "FuzzTarget.h"
 
+/// The same with the checksums of its chunks put right as far as their lengths lead.
 inline Bytes WithRightChecksums(Bytes aFile) {
   const auto Put = [&](size_t nAt, uint32_t nValue) {
     for (size_t n = 0; n < 4; ++n) aFile[nAt + n] = static_cast<uint8_t>(nValue >> (24 - 8 * n));

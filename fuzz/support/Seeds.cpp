@@ -1,13 +1,14 @@
-// Feeds what the fuzzer makes up, and writes a target's seeds before the fuzzer looks at the arguments.
+// Feeds what the fuzzer makes up, and before the fuzzer looks at the arguments writes a target's seeds or sweeps
+// damage over them.
 #include <cstring>
 #include <fstream>
 
 #include "FuzzTarget.h"
+#include "Sweep.h"
 
-extern "C" int LLVMFuzzerInitialize(int* pnArguments, char*** pppArguments) {
-  char** ppArguments = *pppArguments;
-  if (*pnArguments != 3 || std::strcmp(ppArguments[1], "--seeds") != 0) return 0;
-  const std::string sFolder = ppArguments[2];
+namespace {
+
+void WriteSeeds(const std::string& sFolder) {
   size_t nSeed = 0;
   for (const Bytes& aSeed : Seeds()) {
     std::ofstream oFile(sFolder + "/seed-" + std::to_string(nSeed++), std::ios::binary);
@@ -17,6 +18,21 @@ extern "C" int LLVMFuzzerInitialize(int* pnArguments, char*** pppArguments) {
       std::fprintf(stderr, "can't write seeds into %s\n", sFolder.c_str());
       std::exit(1);
     }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* pnArguments, char*** pppArguments) {
+  char** ppArguments = *pppArguments;
+  if (*pnArguments == 3 && std::strcmp(ppArguments[1], "--seeds") == 0) {
+    WriteSeeds(ppArguments[2]);
+  } else if (*pnArguments == 4 && std::strcmp(ppArguments[1], "--sweep") == 0) {
+    const std::string sProgram = ppArguments[0];
+    SweepSeeds(sProgram.substr(sProgram.rfind('/') + 1),
+               static_cast<unsigned int>(std::strtoul(ppArguments[2], nullptr, 10)), ppArguments[3]);
+  } else {
+    return 0;
   }
   std::exit(0);
 }

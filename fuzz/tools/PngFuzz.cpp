@@ -15,9 +15,12 @@ std::vector<Bytes> Seeds() {
   return {oFile.Content()};
 }
 
+Bytes Repaired(const Bytes& aInput) {
+  return WithRightChecksums(aInput);
+}
+
 void Feed(const Bytes& aInput) {
-  const Bytes aFile = WithRightChecksums(aInput);
-  const ClMemoryFile oFile(aFile);
+  const ClMemoryFile oFile(aInput);
   ClPicture oPicture;
   if (RefusedWith<ClToolError>([&] { oPicture = ReadPng(oFile.Path()); })) return;
   Require(oPicture.aPixels.size() == size_t{oPicture.nWidth} * oPicture.nHeight,

@@ -1,0 +1,116 @@
+// Runs sequences, storms and rounds for as long as is asked for, and writes down what came out.
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "CallSequence.h"
+#include "Storm.h"
+
+// The sanitizers call what is set here before they end a process; without one this is missing.
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*pfnCallback)());
+
+namespace {
+
+using namespace Reliability;
+
+/// A sequence that takes longer than so many seconds hangs.
+constexpr unsigned int cnLongestSequence = 60;
+constexpr size_t cnMostBytes = 40;
+
+uint64_t s_nPlaying = 0;
+
+void SayWhich() {
+  std::fprintf(stderr, "while sequence %llu was played\n", static_cast<unsigned long long>(s_nPlaying));
+}
+
+/// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory that runs out, every third two threads.
+Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
+  static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
+  if (nNumber < s_aPairs.size()) return s_aPairs[nNumber];
+  std::seed_seq oSeed{static_cast<uint32_t>(nSeed), static_cast<uint32_t>(nNumber),
+                      static_cast<uint32_t>(nNumber >> 32)};
+  std::mt19937_64 oRandom(oSeed);
+  Sequence_t aBytes(8 + oRandom() % cnMostBytes);
+  for (uint8_t& rByte : aBytes) rByte = static_cast<uint8_t>(oRandom());
+  aBytes[0] = nNumber % 3 == 0;
+  if (nNumber % 2 == 0) aBytes[1] = 0;
+  aBytes[3] &= 3;
+  if (nNumber % 4 != 0) aBytes[2] = aBytes[3] = 0;
+  return aBytes;
+}
+
+/// Whatever ends the process says in which sequence that was.
+void WatchForTheEnd() {
+  if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(SayWhich);
+  std::signal(SIGABRT, [](int) { SayWhich(); });
+  std::signal(SIGALRM, [](int) {
+    std::fprintf(stderr, "a sequence hangs\n");
+    std::abort();
+  });
+}
+
+StResult Sequences(uint64_t nRuns, uint64_t nSeed, uint64_t nFirst) {
+  WatchForTheEnd();
+  const auto tBegin = std::chrono::steady_clock::now();
+  const auto Seconds = [&] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - tBegin).count();
+  };
+  ClSequencePlayer oPlayer;
+  for (s_nPlaying = nFirst; s_nPlaying < nFirst + nRuns; ++s_nPlaying) {
+    alarm(cnLongestSequence);
+    oPlayer.Play(SequenceOf(nSeed, s_nPlaying));
+    if (s_nPlaying % 1000 == 999)
+      std::fprintf(stderr, "%llu sequences, %.0f s\n", static_cast<unsigned long long>(s_nPlaying + 1),
+                   Seconds());
+  }
+  alarm(0);
+  char szLongest[32];
+  std::snprintf(szLongest, sizeof(szLongest), "%.2f", oPlayer.Longest());
+  const size_t nMissing = oPlayer.Census().Missing();
+  return {"sequences",
+          nRuns,
+          nSeed,
+          Seconds(),
+          0,
+          BuildName() + ", longest call " + szLongest + " s, " + std::to_string(nMissing) +
+              " pairs of function and mode not called",
+          ", " + oPlayer.Census().Json()};
+}
+
+uint64_t Number(const char* szNumber) {
+  return std::strtoull(szNumber, nullptr, 10);
+}
+
+}  // namespace
+
+int main(int nArguments, char** ppArguments) {
+  if (nArguments < 4) {
+    std::fprintf(stderr, "usage: %s sequences|storm|open|initialise COUNT SEED [FILE [FIRST]]\n",
+                 ppArguments[0]);
+    return 2;
+  }
+  const std::string sVerb = ppArguments[1];
+  const uint64_t nCount = Number(ppArguments[2]), nSeed = Number(ppArguments[3]);
+  StResult oResult;
+  if (sVerb == "sequences") {
+    oResult = Sequences(nCount, nSeed, nArguments > 5 ? Number(ppArguments[5]) : 0);
+  } else if (sVerb == "storm") {
+    oResult = Storm(nCount, nSeed);
+  } else if (sVerb == "open") {
+    oResult = OpenAndClose(nCount);
+  } else if (sVerb == "initialise") {
+    oResult = InitializeAndEnd(nCount);
+  } else {
+    std::fprintf(stderr, "no such check: %s\n", ppArguments[1]);
+    return 2;
+  }
+  const bool bWritten = oResult.Report(nArguments > 4 ? ppArguments[4] : "");
+  return bWritten && oResult.nFindings == 0 ? 0 : 1;
+}
