@@ -131,9 +131,9 @@ std::vector<Sequence_t> ClSequencePlayer::Pairs() {
       if (nMode < cnModes) {
         aSequence.insert(aSequence.end(), {nSwitch, 0, 0, static_cast<uint8_t>(nMode)});
       } else {
-        aSequence.insert(aSequence.end(), {nClose, 0, 0});
+        aSequence.insert(aSequence.end(), {nClose, 0, 0, 0});
       }
-      aSequence.insert(aSequence.end(), {static_cast<uint8_t>(nFunction), 0, 0});
+      aSequence.insert(aSequence.end(), {static_cast<uint8_t>(nFunction), 0, 0, 0});
       aPairs.push_back(aSequence);
     }
   }

@@ -47,8 +47,8 @@ const T& One(const T (&aOf)[cnCount], unsigned n) {
 
 const std::string& SceneOf(unsigned n) {
   static const std::string s_aScenes[] = {
-      Scene(R"(, "fingers": [{"print": {"seed": 3, "width": 12, "height": 14}}])"),
       Scene(""),
+      Scene(R"(, "fingers": [{"print": {"seed": 3, "width": 12, "height": 14}}])"),
       Scene(
           R"(, "fingers": [{"print": {"seed": 3, "width": 12, "height": 14}, "touch": 0.1, "lift": 0.9,
                "settle": {"seconds": 0.3, "x": 2, "y": 1, "turn": 3, "pressure": 0.2}, "repeat": 1.4}])"),

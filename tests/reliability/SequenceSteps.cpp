@@ -23,12 +23,26 @@ constexpr unsigned cnScannerEvents = 15;
 constexpr unsigned cnEvents = cnScannerEvents + 8;
 /// One byte in so many chooses the second of two scanners.
 constexpr unsigned cnSecond = 5;
+/// The first of the events after which a scanner has to be opened anew.
+constexpr unsigned cnFirstPlugging = 12;
+/// Opening takes longer than all the rest of a sequence: of the steps that make it necessary, those count
+/// whose next byte is below this.
+constexpr unsigned cnLowest = 32;
+
+bool NeedsOpening(const std::string& sFunction) {
+  return sFunction == "LS_VT40OpenScanner" || sFunction == "LS_VT40CloseScanner" ||
+         sFunction == "LS_VT40Initialize" || sFunction == "LS_VT40Uninitialize";
+}
 
 }  // namespace
 
 void ClSteps::Step() {
   const unsigned nFunctions = static_cast<unsigned>(m_rPlay.aFunctions.size());
   const unsigned n = Byte() % (nFunctions + cnEvents);
+  const bool bPlugging = n >= nFunctions + cnFirstPlugging && n < nFunctions + cnScannerEvents;
+  if (bPlugging || (n < nFunctions && NeedsOpening(m_rPlay.aFunctions[n].sName))) {
+    if (Byte() >= cnLowest) return;
+  }
   if (n < nFunctions) return Call(n);
   Happen(n - nFunctions);
 }
@@ -197,7 +211,6 @@ void ClSteps::Happen(unsigned nEvent) {
   const unsigned n = Byte();
   if (nEvent >= cnScannerEvents) return Fail(nEvent - cnScannerEvents, n);
   // All but plugging is undone by the next scene.
-  constexpr unsigned cnFirstPlugging = 12;
   if (nEvent >= cnFirstPlugging) m_rPlay.bDisturbed = true;
   HappenToScanner(nEvent, szSerial, n);
 }

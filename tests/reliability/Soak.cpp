@@ -56,14 +56,14 @@ void WatchForTheEnd() {
   });
 }
 
-StResult Sequences(uint64_t nRuns, uint64_t nSeed, uint64_t nFirst) {
+StResult Sequences(uint64_t nRuns, uint64_t nSeed, uint64_t nFirst, double dMostSeconds) {
   WatchForTheEnd();
   const auto tBegin = std::chrono::steady_clock::now();
   const auto Seconds = [&] {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - tBegin).count();
   };
   ClSequencePlayer oPlayer;
-  for (s_nPlaying = nFirst; s_nPlaying < nFirst + nRuns; ++s_nPlaying) {
+  for (s_nPlaying = nFirst; s_nPlaying < nFirst + nRuns && Seconds() < dMostSeconds; ++s_nPlaying) {
     alarm(cnLongestSequence);
     oPlayer.Play(SequenceOf(nSeed, s_nPlaying));
     if (s_nPlaying % 1000 == 999)
@@ -98,11 +98,13 @@ int main(int nArguments, char** ppArguments) {
   }
   const std::string sVerb = ppArguments[1];
   const uint64_t nCount = Number(ppArguments[2]), nSeed = Number(ppArguments[3]);
+  const uint64_t nFirst = nArguments > 5 ? Number(ppArguments[5]) : 0;
+  const double dMostSeconds = nArguments > 6 ? std::atof(ppArguments[6]) : 1e9;
   StResult oResult;
   if (sVerb == "sequences") {
-    oResult = Sequences(nCount, nSeed, nArguments > 5 ? Number(ppArguments[5]) : 0);
+    oResult = Sequences(nCount, nSeed, nFirst, dMostSeconds);
   } else if (sVerb == "storm") {
-    oResult = Storm(nCount, nSeed);
+    oResult = Storm(nCount, nSeed, dMostSeconds);
   } else if (sVerb == "open") {
     oResult = OpenAndClose(nCount);
   } else if (sVerb == "initialise") {

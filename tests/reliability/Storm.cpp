@@ -69,7 +69,10 @@ class ClStorm {
     for (StSlot& rSlot : m_aSlots) CloseSlot(rSlot);
   }
 
-  void Run(uint64_t nSwitches, uint64_t nSeed) {
+  void Run(uint64_t nSwitches, uint64_t nSeed, double dMostSeconds) {
+    m_tEnd =
+        std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                                               std::chrono::duration<double>(dMostSeconds));
     std::vector<std::thread> aThreads;
     for (int n = 0; n < cnThreads; ++n)
       aThreads.emplace_back(
@@ -99,7 +102,7 @@ class ClStorm {
   void Work(uint64_t nSwitches, uint64_t nSeed) {
     std::mt19937_64 oRandom(nSeed);
     std::vector<unsigned char> aImage(1600 * 1600);
-    while (m_nSwitches < nSwitches) {
+    while (m_nSwitches < nSwitches && std::chrono::steady_clock::now() < m_tEnd) {
       StSlot& rSlot = m_aSlots[oRandom() % 2];
       const uint64_t nChoice = oRandom() % 100;
       if (nChoice < 2) {
@@ -176,6 +179,7 @@ class ClStorm {
 
   ClFindings& m_rFindings;
   std::array<StSlot, 2> m_aSlots;
+  std::chrono::steady_clock::time_point m_tEnd;  ///< set before the threads begin
   std::atomic<uint64_t> m_nSwitches{0};
   std::atomic<uint64_t> m_nImages{0};
   std::atomic<uint64_t> m_nMissed{0};
@@ -214,7 +218,7 @@ StResult Rounds(const std::string& sRow, uint64_t nRounds, const TRound& fnRound
 
 }  // namespace
 
-StResult Storm(uint64_t nSwitches, uint64_t nSeed) {
+StResult Storm(uint64_t nSwitches, uint64_t nSeed, double dMostSeconds) {
   ClFindings oFindings;
   SetClockScale(cnStormClock);
   const auto tBegin = std::chrono::steady_clock::now();
@@ -226,7 +230,7 @@ StResult Storm(uint64_t nSwitches, uint64_t nSeed) {
   oStorm.Close();
   const StResources oBefore = StResources::Now();
   oStorm.Open();
-  oStorm.Run(nSwitches, nSeed);
+  oStorm.Run(nSwitches, nSeed, dMostSeconds);
   oStorm.Close();
   ExpectEqual(oFindings, oBefore, StResources::Now());
   oFindings.Expect(LS_VT40Uninitialize() == 0, "the library ends");
