@@ -1,5 +1,5 @@
-// Plays made-up sequences of calls on the shared library: numbers are documented ones, and after each sequence
-// the scanner is usable or opens anew.
+// Plays made-up sequences of calls on the shared library: numbers are documented ones, and after each
+// sequence the scanner is usable or opens anew.
 #include "CallSequence.h"
 #include "FuzzTarget.h"
 

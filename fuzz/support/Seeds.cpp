@@ -1,5 +1,5 @@
-// Feeds what the fuzzer makes up, and before the fuzzer looks at the arguments writes a target's seeds or sweeps
-// damage over them.
+// Feeds what the fuzzer makes up, and before the fuzzer looks at the arguments writes a target's seeds or
+// sweeps damage over them.
 #include <cstring>
 #include <fstream>
 

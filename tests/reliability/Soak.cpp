@@ -30,7 +30,8 @@ void SayWhich() {
   std::fprintf(stderr, "while sequence %llu was played\n", static_cast<unsigned long long>(s_nPlaying));
 }
 
-/// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory that runs out, every third two threads.
+/// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory
+/// that runs out, every third two threads.
 Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
   if (nNumber < s_aPairs.size()) return s_aPairs[nNumber];
@@ -75,7 +76,7 @@ StResult Sequences(uint64_t nRuns, uint64_t nSeed, uint64_t nFirst, double dMost
   std::snprintf(szLongest, sizeof(szLongest), "%.2f", oPlayer.Longest());
   const size_t nMissing = oPlayer.Census().Missing();
   return {"sequences",
-          nRuns,
+          s_nPlaying - nFirst,
           nSeed,
           Seconds(),
           0,

@@ -6,8 +6,9 @@
 namespace Reliability {
 
 /// Four threads switch modes, capture, read and set properties, close and open two scanners at random until
-/// the modes were switched so often, or so many seconds have passed. No fault is injected: each switch, closing and opening must succeed,
-/// images may miss their mode or their time, and threads and open files are as before.
+/// the modes were switched so often, or so many seconds have passed. No fault is injected: each switch,
+/// closing and opening must succeed, images may miss their mode or their time, and threads and open files are
+/// as before.
 StResult Storm(uint64_t nSwitches, uint64_t nSeed, double dMostSeconds);
 
 /// Opens a scanner, takes three previews and closes it, so often. Between a tenth of the rounds and the end
