@@ -34,11 +34,11 @@ void SayWhich() {
 /// that runs out, every third two threads.
 Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
-  if (nNumber < s_aPairs.size()) return s_aPairs[nNumber];
+  if (nNumber < s_aPairs.size()) return s_aPairs[static_cast<size_t>(nNumber)];
   std::seed_seq oSeed{static_cast<uint32_t>(nSeed), static_cast<uint32_t>(nNumber),
                       static_cast<uint32_t>(nNumber >> 32)};
   std::mt19937_64 oRandom(oSeed);
-  Sequence_t aBytes(8 + oRandom() % cnMostBytes);
+  Sequence_t aBytes(8 + static_cast<size_t>(oRandom() % cnMostBytes));
   for (uint8_t& rByte : aBytes) rByte = static_cast<uint8_t>(oRandom());
   aBytes[0] = nNumber % 3 == 0;
   if (nNumber % 2 == 0) aBytes[1] = 0;

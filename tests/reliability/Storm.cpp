@@ -103,7 +103,7 @@ class ClStorm {
     std::mt19937_64 oRandom(nSeed);
     std::vector<unsigned char> aImage(1600 * 1600);
     while (m_nSwitches < nSwitches && std::chrono::steady_clock::now() < m_tEnd) {
-      StSlot& rSlot = m_aSlots[oRandom() % 2];
+      StSlot& rSlot = m_aSlots[static_cast<size_t>(oRandom() % 2)];
       const uint64_t nChoice = oRandom() % 100;
       if (nChoice < 2) {
         const std::unique_lock<std::shared_mutex> oLock(rSlot.oMutex);
