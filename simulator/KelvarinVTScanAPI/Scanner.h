@@ -95,7 +95,10 @@ class ClScanner {
   void GroundTruth(uint8_t* pPicture, uint8_t* pCover);
   void GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover);
   void UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover);
-  ClPoint PictureToSensor(double dX, double dY) const { return m_oSensor.Optics().PictureToSensor(dX, dY); }
+  ClPoint PictureToSensor(double dX, double dY);
+  void Optics(VTSimOptics& oOptics);
+  /// The sheet at a time and what is printed on it.
+  std::vector<VTSimSheetField> SheetAt(double dTime, VTSimSheet& oSheet);
   std::vector<VTSimPoint> TargetDots();
   VTSimPen PenAt(double dTime);
   std::vector<VTSimStroke> PenStrokes();
@@ -169,8 +172,7 @@ class ClScanner {
   const Note m_fnNote;
 
   std::mutex m_oLockers;  // one thread waits for sequences at a time
-  std::mutex
-      m_oRender;  // guards m_oSensor (but not its files and optics, which never change) and m_oRendered
+  std::mutex m_oRender;   // guards m_oSensor (but not its files, which never change) and m_oRendered
   ClSensor m_oSensor;
   ClSensorSettings m_oRendered;  // of the sequence in the making
 

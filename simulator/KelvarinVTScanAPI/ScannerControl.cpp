@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "KelvarinVTScanAPI/Scanner.h"
+#include "scene/Sheet.h"
 
 namespace Simulator {
 
@@ -72,6 +73,33 @@ std::vector<VTSimPoint> ClScanner::TargetDots() {
   return aDots;
 }
 
+ClPoint ClScanner::PictureToSensor(double dX, double dY) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  return m_oSensor.Optics().PictureToSensor(dX, dY);
+}
+
+void ClScanner::Optics(VTSimOptics& oOptics) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  const ClOptics& o = m_oSensor.Optics();
+  oOptics.dSpreadX = o.Spread().dX;
+  oOptics.dSpreadY = o.Spread().dY;
+  oOptics.dPixelMmX = o.PixelMm().dX;
+  oOptics.dPixelMmY = o.PixelMm().dY;
+}
+
+std::vector<VTSimSheetField> ClScanner::SheetAt(double dTime, VTSimSheet& oSheet) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  std::vector<VTSimSheetField> aFields;
+  const ClSheetDescription* pSheet = m_oSensor.SheetAt(dTime);
+  oSheet = VTSimSheet{-1, 0.0, 0.0, 0.0};
+  if (!pSheet) return aFields;
+  oSheet = {pSheet->eKind, pSheet->dXMm, pSheet->dYMm, pSheet->dAngle};
+  for (const ClSheetField& o : SheetFields(pSheet->eKind))
+    aFields.push_back(
+        {o.eKind, o.bAlongX, o.dX, o.dY, o.dWidth, o.dHeight, o.dTurn, o.dFrequency, o.dLow, o.dHigh});
+  return aFields;
+}
+
 void ClScanner::GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover) {
   std::lock_guard<std::mutex> oRender(m_oRender);
   m_oSensor.GroundTruth(dTime, pPicture, pCover);
@@ -93,7 +121,7 @@ VTSimPen ClScanner::PenAt(double dTime) {
   oPen.nStroke = oTip.nStroke;
   oPen.dX = MmToPixel(oTip.dXMm);
   oPen.dY = MmToPixel(oTip.dYMm);
-  const ClPoint oSensor = PictureToSensor(oPen.dX, oPen.dY);
+  const ClPoint oSensor = m_oSensor.Optics().PictureToSensor(oPen.dX, oPen.dY);
   oPen.dSensorX = oSensor.dX;
   oPen.dSensorY = oSensor.dY;
   return oPen;

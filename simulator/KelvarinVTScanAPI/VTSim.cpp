@@ -115,6 +115,24 @@ long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* p
   });
 }
 
+long VTSimGetOptics(const char* szSerial, VTSimOptics* pOptics) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedPointer(pOptics);
+    if (pOptics->nStructSize != sizeof(VTSimOptics)) throw ClSimError(eBadValue, "nStructSize is wrong");
+    oScanner.Optics(*pOptics);
+  });
+}
+
+long VTSimGetSheetAt(const char* szSerial, double dTime, VTSimSheet* pSheet, VTSimSheetField* pFields,
+                     unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    NeedPointer(pSheet);
+    const std::vector<VTSimSheetField> aFields = oScanner.SheetAt(dTime, *pSheet);
+    HandOut(aFields.data(), aFields.size(), pFields, pnCount);
+  });
+}
+
 long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen) {
   return On(szSerial, [&](ClScanner& oScanner) {
     NeedTime(dTime);

@@ -117,10 +117,10 @@ VTSIM_API const char* VTSimLastError(void);
 VTSIM_API long VTSimLoadScene(const char* szScene);
 
 /* Replaces what lies on a platen from the next sequence on: JSON text of an object with those keys of a
- * scanner in a scene that say what lies there: fingers, pen, dirt, target, ambient, noise. What is left out
- * is as in a scene that leaves it out. The time line goes on, on which the times of the text are; fingers
- * without times lie there at once. Faults, calibration and settings stay. Text that can't be read changes
- * nothing. */
+ * scanner in a scene that say what lies there: fingers, pen, dirt, target, sheets, ambient, noise. What is
+ * left out is as in a scene that leaves it out. The time line goes on, on which the times of the text are;
+ * fingers without times lie there at once. Faults, calibration and settings stay. Text that can't be read
+ * changes nothing. */
 VTSIM_API long VTSimLay(const char* szSerial, const char* szPlaten);
 
 /* Forgets the loaded scene and all faults, unplugs what is open, and starts afresh from the environment. */
@@ -159,6 +159,62 @@ typedef struct VTSimPoint {
  * included. *pnCount: in, the room; out, the number: 64, or 0 when no target lies there. -702 when the room
  * is too small. */
 VTSIM_API long VTSimGetTargetDots(const char* szSerial, VTSimPoint* pDots, unsigned int* pnCount);
+
+/* How the optics blurs: a Gaussian point spread, by its standard deviations along rows and columns in pixels
+ * of the full sensor, and what such a pixel covers of the platen in the middle. The area of a pixel is not in
+ * the spread. */
+typedef struct VTSimOptics {
+  unsigned int nStructSize; /* in: sizeof(VTSimOptics) */
+  double dSpreadX;
+  double dSpreadY;
+  double dPixelMmX;
+  double dPixelMmY;
+} VTSimOptics;
+
+VTSIM_API long VTSimGetOptics(const char* szSerial, VTSimOptics* pOptics);
+
+/* A sheet that image quality is measured with: its kind (VTSIM_SHEET_..., -1 for none), its middle on the
+ * platen in mm from the left and top edge, and its turn in degrees, counter-clockwise. */
+typedef struct VTSimSheet {
+  int nKind;
+  double dX;
+  double dY;
+  double dAngle;
+} VTSimSheet;
+
+#define VTSIM_SHEET_SINE 0
+#define VTSIM_SHEET_BARS 1
+#define VTSIM_SHEET_EDGES 2
+#define VTSIM_SHEET_GRID 3
+#define VTSIM_SHEET_STEPS 4
+#define VTSIM_SHEET_BRIGHT 5
+#define VTSIM_SHEET_DARK 6
+
+/* Something that is printed on a sheet, in mm from the sheet's middle, x to the right and y down. Lights are
+ * shares of that of a ridge in full contact; the paper has 0.9, that of the dark sheet 0.1. */
+typedef struct VTSimSheetField {
+  int nKind;   /* VTSIM_FIELD_... */
+  int bAlongX; /* whether a wave runs to the right, or down */
+  double dX;   /* the middle */
+  double dY;
+  double dWidth; /* or the diameter of a disc */
+  double dHeight;
+  double dTurn; /* degrees about the middle, counter-clockwise */
+  double
+      dFrequency; /* cycles per mm; 0 without a wave. Bars begin at the edge of the field with a bright one */
+  double dLow;    /* the darkest light, of waves and discs */
+  double dHigh;   /* the brightest light, or that of an even area */
+} VTSimSheetField;
+
+#define VTSIM_FIELD_GREY 0
+#define VTSIM_FIELD_DISC 1
+#define VTSIM_FIELD_SINE 2
+#define VTSIM_FIELD_BARS 3
+
+/* The sheet that lies there at a moment of the scanner's time line, and what is printed on it. *pnCount: in,
+ * the room; out, the number. -702 when the room is too small. */
+VTSIM_API long VTSimGetSheetAt(const char* szSerial, double dTime, VTSimSheet* pSheet,
+                               VTSimSheetField* pFields, unsigned int* pnCount);
 
 /* The pen at a moment of the scanner's time line. In a scene without a pen bDown is 0 and nStroke -1 always.
  * */

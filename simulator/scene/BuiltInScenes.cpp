@@ -2,6 +2,7 @@
 #include "scene/BuiltInScenes.h"
 
 #include "scene/PenScenes.h"
+#include "scene/Random.h"
 #include "scene/RollScenes.h"
 #include "scene/StagedScenes.h"
 #include "scene/TargetContent.h"
@@ -35,6 +36,7 @@ constexpr ClRow caRows[] = {
 
 constexpr const char* caszNames[] = {"empty", "finger", "slap-right", "slap-left", "thumbs"};
 constexpr char cszTarget[] = "target";
+constexpr char cszQuality[] = "quality";
 
 /// Takes ":17" off the name and stores the number. Only digits after the colon are a seed.
 std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
@@ -46,6 +48,24 @@ std::string CutSeed(const std::string& sName, uint64_t& nSeed) {
     return sName;
   nSeed = std::stoull(sSeed);
   return sName.substr(0, nColon);
+}
+
+/// Sheet after sheet for what the sequences take that a host looks at, then a hand. Position and turn of each
+/// sheet are drawn from the seed.
+void StageQuality(uint64_t nSeed, ClScannerDescription& oScanner) {
+  ClRandom oRandom(Mix(nSeed, MixText(cszQuality)));
+  double dUntil = 0.0;
+  for (int n = 0; n < cnSheetKinds; ++n) {
+    ClSheetDescription oSheet;
+    oSheet.eKind = static_cast<ESheet>(n);
+    oSheet.dXMm += oRandom.Range(-1.0, 1.0);
+    oSheet.dYMm += oRandom.Range(-1.0, 1.0);
+    oSheet.dAngle = oRandom.Range(-1.0, 1.0);
+    oSheet.dFrom = dUntil;
+    oSheet.dUntil = dUntil += oSheet.eKind <= eSheetEdges ? 1.0 : 0.5;
+    oScanner.aSheets.push_back(oSheet);
+  }
+  oScanner.aFingers = StillFingers("slap-right");
 }
 
 }  // namespace
@@ -82,6 +102,10 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
     oScanner.oTarget = PlainTarget(nSeed);
     bFound = true;
   }
+  if (sScene == cszQuality) {
+    StageQuality(nSeed, oScanner);
+    bFound = true;
+  }
   if (!bFound) return false;
   oScene = ClSceneDescription();
   oScene.nSeed = nSeed;
@@ -92,7 +116,7 @@ bool FindBuiltInScene(const std::string& sName, ClSceneDescription& oScene) {
 std::string BuiltInSceneNames() {
   std::string sNames = PenSceneNames() + ", ";
   for (const char* szName : caszNames) sNames += std::string(szName) + ", ";
-  return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + cszTarget;
+  return sNames + StagedSceneNames() + ", " + RollSceneNames() + ", " + cszTarget + ", " + cszQuality;
 }
 
 }  // namespace Simulator

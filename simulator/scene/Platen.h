@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "scene/Plane.h"
 
@@ -20,17 +21,22 @@ constexpr double MmToPixel(double dMm) {
   return dMm / cdPixelMm - 0.5;
 }
 
+struct ClSheetDescription;
+
 /// What lies on the glass at one moment, at picture resolution.
 ///
 /// oContact   255 where skin touches the glass, 0 where it doesn't, values between on the flanks of ridges.
 /// oCover     255 where skin is close to the glass, valleys included, 0 where there is none.
 /// bGoesOn    what lies on the edge extends beyond it, where the sensor sees a little more of the glass.
+/// pSheet     the sheet that covers all of it, whose detail is finer than the pixels here; null without one.
 struct ClPlatenMap {
   TpPlane<uint8_t> oContact;
   TpPlane<uint8_t> oCover;
   bool bGoesOn = false;
+  std::shared_ptr<const ClSheetDescription> pSheet;
 
   void Clear() {
+    pSheet.reset();
     bGoesOn = false;
     if (oContact.Empty()) {
       oContact.Resize(cnPictureSide, cnPictureSide);

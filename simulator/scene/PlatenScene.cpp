@@ -5,6 +5,7 @@
 #include "scene/FingerContent.h"
 #include "scene/PenContent.h"
 #include "scene/Random.h"
+#include "scene/SheetContent.h"
 #include "scene/TargetContent.h"
 
 namespace Simulator {
@@ -15,9 +16,13 @@ ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
     m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
   for (const ClDirtDescription& oDirt : oScanner.aDirt)
     m_aContent.push_back(std::make_unique<ClDirtContent>(oDirt));
-  if (oScanner.oPen.aStrokes.empty()) return;
-  m_pPen = std::make_shared<const ClPenPath>(oScanner.oPen.aStrokes);
-  m_aContent.push_back(std::make_unique<ClPenContent>(oScanner.oPen, m_pPen));
+  if (!oScanner.oPen.aStrokes.empty()) {
+    m_pPen = std::make_shared<const ClPenPath>(oScanner.oPen.aStrokes);
+    m_aContent.push_back(std::make_unique<ClPenContent>(oScanner.oPen, m_pPen));
+  }
+  // A sheet covers what is drawn before it; of several sheets the first is on top.
+  for (auto it = oScanner.aSheets.rbegin(); it != oScanner.aSheets.rend(); ++it)
+    m_aContent.push_back(std::make_unique<ClSheetContent>(*it));
 }
 
 uint64_t ClPlatenScene::StateAt(double dSeconds) const {

@@ -132,6 +132,27 @@ struct ClTargetDescription {
   std::vector<unsigned> aDoubled;  ///< printed a second time, to the right
 };
 
+/// The kinds of sheets that image quality is measured with.
+enum ESheet { eSheetSine, eSheetBars, eSheetEdges, eSheetGrid, eSheetSteps, eSheetBright, eSheetDark };
+constexpr int cnSheetKinds = 7;
+
+/// A sheet that covers the platen for a while; nothing else is seen then.
+struct ClSheetDescription {
+  ESheet eKind = eSheetSine;
+  double dXMm = 40.64;  ///< its middle
+  double dYMm = 40.64;
+  double dAngle = 0.0;  ///< degrees, counter-clockwise
+  double dFrom = 0.0;   ///< seconds
+  double dUntil = cdNever;
+};
+
+/// What is wrong with the optics of a scanner, and its calibration does not know.
+struct ClOpticsDescription {
+  double dBlur = 1.0;    ///< factor on the point spread
+  double dBendMm = 0.0;  ///< by which upright lines are bent, to either side
+  double dShade = 0.0;   ///< share of the light that the corners lack besides
+};
+
 /// Room light at a moment; between moments it changes evenly.
 struct ClAmbientPoint {
   double dSeconds;
@@ -164,6 +185,8 @@ struct ClScannerDescription {
   ClPenDescription oPen;
   std::vector<ClDirtDescription> aDirt;
   ClTargetDescription oTarget;
+  std::vector<ClSheetDescription> aSheets;  ///< of several at one moment the first is seen
+  ClOpticsDescription oOptics;
 };
 
 /// One entry of the fault script: calls that fail, or a scanner that comes or goes.

@@ -24,6 +24,7 @@ using Json = nlohmann::json;
 constexpr size_t cnMostScanners = 127;
 constexpr size_t cnMostFingers = 32;
 constexpr size_t cnMostDirt = 1000;
+constexpr size_t cnMostSheets = 100;
 constexpr size_t cnMostAmbient = 1000;
 constexpr size_t cnMostRollMoments = 1000;
 constexpr size_t cnMostEpromBytes = 8192;
@@ -197,6 +198,29 @@ ClTargetDescription ReadTarget(ClObject o) {
   return oTarget;
 }
 
+ClSheetDescription ReadSheet(const Json& oJson, const std::string& sPlace) {
+  ClObject o(oJson, sPlace);
+  ClSheetDescription oSheet;
+  oSheet.eKind =
+      static_cast<ESheet>(o.Choice("kind", 0, {"sine", "bars", "edges", "grid", "steps", "bright", "dark"}));
+  oSheet.dXMm = o.Number("x", oSheet.dXMm, -50.0, 130.0);
+  oSheet.dYMm = o.Number("y", oSheet.dYMm, -50.0, 130.0);
+  oSheet.dAngle = o.Number("angle", oSheet.dAngle, -180.0, 180.0);
+  oSheet.dFrom = o.Number("from", oSheet.dFrom, 0.0, cdLongest);
+  oSheet.dUntil = o.Number("until", oSheet.dUntil, 0.0, cdLongest);
+  o.Done();
+  return oSheet;
+}
+
+ClOpticsDescription ReadOptics(ClObject o) {
+  ClOpticsDescription oOptics;
+  oOptics.dBlur = o.Number("blur", oOptics.dBlur, 0.0, 10.0);
+  oOptics.dBendMm = o.Number("bend", oOptics.dBendMm, 0.0, 2.0);
+  oOptics.dShade = o.Number("shade", oOptics.dShade, 0.0, 0.9);
+  o.Done();
+  return oOptics;
+}
+
 /// One level, or a list of moments.
 void ReadAmbient(ClObject& o, ClScannerDescription& oScanner) {
   const Json* p = o.Find("ambient");
@@ -266,6 +290,9 @@ void ReadPlaten(ClObject& o, const std::string& sFolder, ClScannerDescription& o
     oScanner.aDirt.push_back(ReadDirt(oDirt, sWhere));
   });
   if (const Json* p = o.Find("target")) oScanner.oTarget = ReadTarget(ClObject(*p, o.Place("target")));
+  o.Each("sheets", cnMostSheets, [&](const Json& oSheet, const std::string& sWhere) {
+    oScanner.aSheets.push_back(ReadSheet(oSheet, sWhere));
+  });
 }
 
 ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, const std::string& sFolder) {
@@ -288,6 +315,7 @@ ClScannerDescription ReadScanner(const Json& oJson, const std::string& sPlace, c
         oScanner.mapEprom[szName] = ReadEpromChange(*pFile, oEprom.Place(szName), sFolder);
     oEprom.Done();
   }
+  if (const Json* p = o.Find("optics")) oScanner.oOptics = ReadOptics(ClObject(*p, o.Place("optics")));
   ReadPlaten(o, sFolder, oScanner);
   o.Done();
   return oScanner;

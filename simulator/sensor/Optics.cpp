@@ -17,7 +17,8 @@ constexpr double cdHalfPlatenInch = 0.5 * cdPlatenMm / 25.4;
 
 }  // namespace
 
-ClOptics::ClOptics(uint64_t nSeed) {
+ClOptics::ClOptics(uint64_t nSeed, const ClOpticsDescription& oWrong)
+    : m_dBend(oWrong.dBendMm / cdPixelMm), m_dShade(oWrong.dShade) {
   ClRandom oRandom(Mix(nSeed, 0x4F707469));
   m_dMidX = 0.5 * (cnSensorWidth - 1) + oRandom.Range(-12.0, 12.0);
   m_dMidY = 0.5 * (cnSensorHeight - 1) + oRandom.Range(-10.0, 10.0);
@@ -33,9 +34,21 @@ ClOptics::ClOptics(uint64_t nSeed) {
   m_dFallY = oRandom.Range(0.11, 0.14);
   m_dTiltX = oRandom.Range(-0.003, 0.003);
   m_dTiltY = oRandom.Range(-0.03, 0.03);
+  m_dSpreadX = oWrong.dBlur * oRandom.Range(0.30, 0.45);
+  m_dSpreadY = oWrong.dBlur * oRandom.Range(0.30, 0.45);
+}
+
+ClPoint ClOptics::PixelMm() const noexcept {
+  return {0.5 * cdPlatenMm / m_dScaleX, 0.5 * cdPlatenMm / m_dScaleY};
+}
+
+/// By how much a point lies further to the right: one wave from the top to the bottom of the platen.
+double ClOptics::Bend(double dY) const noexcept {
+  return m_dBend == 0.0 ? 0.0 : m_dBend * Portable::Sin(Portable::cdPi * (dY - cdPictureMid) / cdHalfPicture);
 }
 
 ClPoint ClOptics::PictureToSensor(double dX, double dY) const noexcept {
+  dX += Bend(dY);
   const double dU = (cdPictureMid - dX) / cdHalfPicture, dV = (dY - cdPictureMid) / cdHalfPicture;
   const double dDepth = 1.0 + m_dKeystoneX * dU + m_dKeystoneY * dV;
   const double dA = (dU * m_dCos - dV * m_dSin) / dDepth, dB = (dU * m_dSin + dV * m_dCos) / dDepth;
@@ -58,12 +71,14 @@ ClPoint ClOptics::SensorToPicture(double dX, double dY) const noexcept {
   }
   const double dU = dA * m_dCos + dB * m_dSin, dV = dB * m_dCos - dA * m_dSin;
   const double dDepth = 1.0 / (1.0 - m_dKeystoneX * dU - m_dKeystoneY * dV);
-  return {cdPictureMid - dU * dDepth * cdHalfPicture, cdPictureMid + dV * dDepth * cdHalfPicture};
+  const double dY1 = cdPictureMid + dV * dDepth * cdHalfPicture;
+  return {cdPictureMid - dU * dDepth * cdHalfPicture - Bend(dY1), dY1};
 }
 
 double ClOptics::Illumination(double dX, double dY) const noexcept {
   const double dU = (dX - cdPictureMid) / cdHalfPicture, dV = (dY - cdPictureMid) / cdHalfPicture;
-  return 1.0 - m_dFallX * dU * dU - m_dFallY * dV * dV + m_dTiltX * dU + m_dTiltY * dV;
+  const double dLight = 1.0 - m_dFallX * dU * dU - m_dFallY * dV * dV + m_dTiltX * dU + m_dTiltY * dV;
+  return m_dShade == 0.0 ? dLight : dLight * (1.0 - 0.5 * m_dShade * (dU * dU + dV * dV));
 }
 
 }  // namespace Simulator

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "scene/SceneDescription.h"
+
 namespace Simulator {
 
 struct ClPoint {
@@ -18,8 +20,9 @@ struct ClPoint {
 /// Threads    const operations are thread-safe.
 class ClOptics {
  public:
-  /// The seed stands for the scanner: each seed has its own distortion and light.
-  explicit ClOptics(uint64_t nSeed);
+  /// The seed stands for the scanner: each seed has its own distortion, light and point spread. What is wrong
+  /// with it comes on top.
+  explicit ClOptics(uint64_t nSeed, const ClOpticsDescription& oWrong = ClOpticsDescription());
 
   ClPoint PictureToSensor(double dX, double dY) const noexcept;
   ClPoint SensorToPicture(double dX, double dY) const noexcept;
@@ -29,13 +32,22 @@ class ClOptics {
   /// sides make it.
   double Illumination(double dX, double dY) const noexcept;
 
+  /// Standard deviations of the Gaussian point spread along rows and columns, in pixels of the full sensor.
+  ClPoint Spread() const noexcept { return {m_dSpreadX, m_dSpreadY}; }
+  /// Width and height of a pixel of the full sensor on the platen, in the middle.
+  ClPoint PixelMm() const noexcept;
+
  private:
+  double Bend(double dY) const noexcept;
+
   double m_dMidX, m_dMidY;
   double m_dScaleX, m_dScaleY;
   double m_dKeystoneX, m_dKeystoneY;
   double m_dBarrel;
   double m_dCos, m_dSin;
   double m_dFallX, m_dFallY, m_dTiltX, m_dTiltY;
+  double m_dSpreadX, m_dSpreadY;
+  double m_dBend, m_dShade;  // what the calibration does not know; the bend in pixels of the picture
 };
 
 }  // namespace Simulator

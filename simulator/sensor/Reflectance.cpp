@@ -12,6 +12,7 @@ void ClReflectance::Update(const ClPlatenMap& oMap) {
   if (m_oPicture.Empty()) m_oPicture.Resize(cnPictureSide, cnPictureSide);
   m_oOccupied.Resize(nBlocks, nBlocks, 0);
   m_bGoesOn = oMap.bGoesOn;
+  m_pSheet = oMap.pSheet;
   // The light of the skin leaves a rest up to full light; contact adds its share of that rest.
   constexpr unsigned nValley = static_cast<unsigned>(cdValleyPart * 65536.0);
   for (int y = 0; y < cnPictureSide; ++y) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "scene/Platen.h"
 
@@ -20,6 +21,8 @@ class ClReflectance {
   void Free();
 
   const TpPlane<uint8_t>& Picture() const noexcept { return m_oPicture; }
+  /// The sheet that covers the platen, whose detail the picture does not hold; null without one.
+  const ClSheetDescription* Sheet() const noexcept { return m_pSheet.get(); }
   /// Beyond the edge it is dark, or as bright as on the edge.
   bool GoesOn() const noexcept { return m_bGoesOn; }
 
@@ -30,6 +33,7 @@ class ClReflectance {
  private:
   TpPlane<uint8_t> m_oPicture;
   TpPlane<uint8_t> m_oOccupied;
+  std::shared_ptr<const ClSheetDescription> m_pSheet;
   bool m_bGoesOn = false;
 };
 

@@ -60,11 +60,13 @@ const std::array<const char*, 3>& ClSensor::EpromNames() {
 ClSensor::ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed)
     : m_nDeviceSeed(MixText(oScanner.sSerial.c_str())),
       m_nRevision(RevisionOf(oScanner.sSerial)),
-      m_oOptics(m_nDeviceSeed),
+      m_oOptics(m_nDeviceSeed, oScanner.oOptics),
       m_oNoise(m_nDeviceSeed),
       m_oGains(MeasureGains(m_nDeviceSeed, m_nRevision)) {
-  m_aEprom[0] = EncodeGeometry(MeasureGeometry(m_oOptics));
-  m_aEprom[1] = EncodeBrightness(MeasureBrightness(m_oOptics), oScanner.bLegacyEprom);
+  // The factory calibrated it before anything went wrong.
+  const ClOptics oCalibrated(m_nDeviceSeed);
+  m_aEprom[0] = EncodeGeometry(MeasureGeometry(oCalibrated));
+  m_aEprom[1] = EncodeBrightness(MeasureBrightness(oCalibrated), oScanner.bLegacyEprom);
   m_aEprom[2] = EncodeGains(m_oGains, oScanner.bLegacyEprom);
   ClRandom oRandom(Mix(m_nDeviceSeed, 0x546170));
   for (double& dTap : m_adTap) dTap = oRandom.Range(0.965, 1.035);
@@ -73,6 +75,7 @@ ClSensor::ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed)
 
 void ClSensor::SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed) {
   Lay(oScanner, ClPlatenScene(oScanner));
+  m_oOptics = ClOptics(m_nDeviceSeed, oScanner.oOptics);
   m_nNoiseSeed = Mix(m_nDeviceSeed, nSceneSeed);
   m_eOrder = oScanner.eOrder;
   SetPower(oScanner);
@@ -82,6 +85,7 @@ void ClSensor::Lay(const ClScannerDescription& oScanner, ClPlatenScene oPlaten) 
   m_oScene = std::move(oPlaten);
   ++m_nLaid;
   m_oTarget = oScanner.oTarget;
+  m_aSheets = oScanner.aSheets;
   m_aAmbient = oScanner.aAmbient;
   if (m_aAmbient.empty()) m_aAmbient.push_back({0.0, oScanner.dAmbient});
   m_dNoise = oScanner.dNoise;
@@ -245,6 +249,12 @@ std::vector<ClPoint> ClSensor::TargetDots() const {
   for (const ClPlaceMm& oPlace : Simulator::TargetDots(m_oTarget))
     aDots.push_back(m_oOptics.PictureToSensor(MmToPixel(oPlace.dX), MmToPixel(oPlace.dY)));
   return aDots;
+}
+
+const ClSheetDescription* ClSensor::SheetAt(double dSeconds) const noexcept {
+  for (const ClSheetDescription& o : m_aSheets)
+    if (dSeconds >= o.dFrom && dSeconds < o.dUntil) return &o;
+  return nullptr;
 }
 
 void ClSensor::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover) {

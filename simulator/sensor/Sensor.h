@@ -41,7 +41,7 @@ class ClSensor {
  public:
   ClSensor(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
-  /// Changes what lies on the platen and the noise; optics and calibration stay.
+  /// Changes what lies on the platen, the noise, and what is wrong with the optics; calibration stays.
   void SetScene(const ClScannerDescription& oScanner, uint64_t nSceneSeed);
 
   /// Changes what lies on the platen, the room light and the noise's strength. oPlaten is made of the same
@@ -74,6 +74,9 @@ class ClSensor {
   /// Where the dots of the target fall on the full sensor, in the order of the geometric calibration file;
   /// none without a target.
   std::vector<ClPoint> TargetDots() const;
+
+  /// The sheet that lies there at a time; null without one.
+  const ClSheetDescription* SheetAt(double dSeconds) const noexcept;
 
   const ClOptics& Optics() const noexcept { return m_oOptics; }
   /// A calibration file by name; null when the scanner has none of that name.
@@ -116,6 +119,7 @@ class ClSensor {
   ClPlatenScene m_oScene;
   uint64_t m_nLaid = 0;  // counts scenes and layings, which may look alike to m_oScene and differ in prints
   ClTargetDescription m_oTarget;
+  std::vector<ClSheetDescription> m_aSheets;
   bool m_bUsbPowered = false;
   unsigned m_nNominalExposure = 0;
   std::array<unsigned, 3> m_anNominalGain{};

@@ -2,7 +2,9 @@
 #include "sensor/Signal.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <optional>
 
 #include "sensor/Light.h"
 
@@ -18,7 +20,16 @@ int SamplesDown(int nMerge) {
   return nMerge == 1 ? 1 : nMerge == 2 ? 2 : 3;
 }
 
+/// The deviation of the point spread and of a pixel's area together, on the platen.
+double SpreadMm(double dPixels, double dPixelMm) {
+  return dPixelMm * std::sqrt(dPixels * dPixels + 1.0 / 12.0);
+}
+
 }  // namespace
+
+ClSignal::ClNode ClSignal::Between(const ClNode& a, const ClNode& b, float f) noexcept {
+  return {a.fX + (b.fX - a.fX) * f, a.fY + (b.fY - a.fY) * f, a.fLight + (b.fLight - a.fLight) * f};
+}
 
 void ClSignal::Free() {
   m_oSignal.Free();
@@ -47,13 +58,49 @@ void ClSignal::Render(const ClReflectance& oReflectance, const ClOptics& oOptics
   m_aAbove.resize(nNodes);
   m_aBelow.resize(nNodes);
   m_aSum.resize(m_cnRun);
+  std::optional<ClSheetView> oView;
+  if (oReflectance.Sheet())
+    oView.emplace(*oReflectance.Sheet(), SpreadMm(oOptics.Spread().dX, oOptics.PixelMm().dX),
+                  SpreadMm(oOptics.Spread().dY, oOptics.PixelMm().dY));
   LookThrough(oOptics, oMode, 0, m_aBelow);
   for (int y = 0; y < oMode.nHeight; ++y) {
     if (y % m_cnRun == 0) {
       m_aAbove.swap(m_aBelow);
       LookThrough(oOptics, oMode, y + m_cnRun, m_aBelow);
     }
-    RenderRow(oReflectance, oMode, y);
+    if (oView)
+      RenderSheetRow(*oView, oMode, y);
+    else
+      RenderRow(oReflectance, oMode, y);
+  }
+}
+
+void ClSignal::RenderSheetRow(const ClSheetView& oView, const ClSensorMode& oMode, int nRow) {
+  const float fPixelMm = static_cast<float>(cdPixelMm), fMerge = static_cast<float>(oMode.nMergeX);
+  const float fRidge =
+      static_cast<float>(cdRidgeLevel * cnSignalSteps) / (fMerge * static_cast<float>(oMode.nMergeY));
+  const float fStray = static_cast<float>(cdStrayLevel * cnSignalSteps);
+  uint16_t* pOut = m_oSignal.Row(nRow);
+  for (size_t i = 0; i + 1 < m_aAbove.size(); ++i) {
+    const int nFirst = static_cast<int>(i) * m_cnRun, nCount = std::min(m_cnRun, oMode.nWidth - nFirst);
+    std::array<float, m_cnRun> afSum{};
+    ClNode oLeft{}, oRight{};
+    for (int v = 0; v < oMode.nMergeY; ++v) {
+      const float fDown = (static_cast<float>(nRow % m_cnRun) +
+                           (static_cast<float>(v) + 0.5F) / static_cast<float>(oMode.nMergeY)) /
+                          m_cnRun;
+      oLeft = Between(m_aAbove[i], m_aBelow[i], fDown);
+      oRight = Between(m_aAbove[i + 1], m_aBelow[i + 1], fDown);
+      for (int n = 0; n < nCount * oMode.nMergeX; ++n) {
+        const ClNode o = Between(oLeft, oRight, (static_cast<float>(n) + 0.5F) / (fMerge * m_cnRun));
+        afSum[static_cast<size_t>(n / oMode.nMergeX)] +=
+            oView.LightAt((o.fX + 0.5F) * fPixelMm, (o.fY + 0.5F) * fPixelMm);
+      }
+    }
+    for (int k = 0; k < nCount; ++k) {
+      const float fLight = oLeft.fLight + (oRight.fLight - oLeft.fLight) * static_cast<float>(k) / m_cnRun;
+      pOut[nFirst + k] = static_cast<uint16_t>(fLight * (fStray + fRidge * afSum[static_cast<size_t>(k)]));
+    }
   }
 }
 
@@ -63,9 +110,6 @@ void ClSignal::RenderRow(const ClReflectance& oReflectance, const ClSensorMode& 
   const float fRidge = static_cast<float>(cdRidgeLevel * cnSignalSteps / (255.0 * 256.0 * nAcross * nDown));
   const float fStray = static_cast<float>(cdStrayLevel * cnSignalSteps);
   const int nInBlock = nRow % m_cnRun;
-  const auto Between = [](const ClNode& a, const ClNode& b, float f) {
-    return ClNode{a.fX + (b.fX - a.fX) * f, a.fY + (b.fY - a.fY) * f, a.fLight + (b.fLight - a.fLight) * f};
-  };
   uint16_t* pOut = m_oSignal.Row(nRow);
   for (size_t i = 0; i + 1 < m_aAbove.size(); ++i) {
     const int nFirst = static_cast<int>(i) * m_cnRun, nCount = std::min(m_cnRun, oMode.nWidth - nFirst);

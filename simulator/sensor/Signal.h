@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "scene/Plane.h"
+#include "scene/Sheet.h"
 #include "sensor/Optics.h"
 #include "sensor/Reflectance.h"
 #include "sensor/SensorMode.h"
@@ -15,7 +16,9 @@ namespace Simulator {
 constexpr int cnSignalSteps = 128;
 
 /// The signal image of one sensor mode: reflectance times illumination, seen through the optics. A merged
-/// pixel collects from its whole area, so that merged modes show no aliases.
+/// pixel collects from its whole area, so that merged modes show no aliases. A sheet is seen without the
+/// picture between, through the point spread of the optics: each pixel of the full sensor collects from its
+/// area, and merged ones give the mean of theirs.
 ///
 /// Threads    thread-bound.
 /// Cost       some tens of nanoseconds for a pixel that sees skin, one or two for one that sees bare glass.
@@ -35,9 +38,11 @@ class ClSignal {
     float fX, fY, fLight;
   };
 
+  static ClNode Between(const ClNode& a, const ClNode& b, float f) noexcept;
   void LookThrough(const ClOptics& oOptics, const ClSensorMode& oMode, int nRow,
                    std::vector<ClNode>& aNodes) const;
   void RenderRow(const ClReflectance& oReflectance, const ClSensorMode& oMode, int nRow);
+  void RenderSheetRow(const ClSheetView& oView, const ClSensorMode& oMode, int nRow);
   void Collect(const ClReflectance& oReflectance, const ClNode& oFirst, const ClNode& oLast, double dOffset,
                int nCount, uint32_t* pSum) const noexcept;
 

@@ -19,6 +19,7 @@ TYPES = {
 STRUCTURES = {
     "VTSimState": sim.State, "VTSimBeep": sim.Beep, "VTSimLight": sim.LightWord, "VTSimDisplay": sim.DisplayState,
     "VTSimFrame": sim.SequenceRecord, "VTSimPen": sim.PenState, "VTSimStroke": sim.PenStroke, "VTSimPoint": control._Point,
+    "VTSimOptics": sim.OpticsState, "VTSimSheet": sim.SheetState, "VTSimSheetField": sim.SheetField,
 }  # fmt: skip
 
 

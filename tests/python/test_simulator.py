@@ -60,6 +60,10 @@ def test_laying_replaces_what_lies_there_while_time_goes_on(scanner):
         truth = sim.ground_truth()
         columns.append(np.flatnonzero(truth.mask.any(axis=0)).mean() * 25.4 / 500)
     assert columns == pytest.approx([20, 60], abs=0.5) and sim.state().time > 0
+    sim.lay(sheets=[sim.Sheet("bars", x=41, angle=2)])
+    sheet, fields = sim.sheet_at(sim.state().time)
+    assert (sheet.kind, sheet.x, sheet.angle) == (1, 41, 2) and max(field.frequency for field in fields) == 10
+    assert 0.3 <= sim.optics().spread_x <= 0.45
 
 
 def test_the_truth_of_another_moment_and_of_a_roll_can_be_had(scanner):

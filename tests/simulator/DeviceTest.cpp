@@ -197,6 +197,42 @@ TEST_F(SimulatorTest, ReportsWhereTheTargetsDotsAreWhereOneLies) {
   EXPECT_GT(aDots[56].dY, aDots[0].dY + 70.0);
 }
 
+TEST_F(SimulatorTest, ReportsHowTheOpticsBlursAndWhichSheetLiesThereWhen) {
+  Start(
+      R"({"scanners": [{"serial": "VT40-AB0001", "sheets": [{"kind": "bars", "x": 41, "angle": 2, "from": 1, "until": 2}]},
+                         {"serial": "VT40-AB0002", "optics": {"blur": 2}}]})");
+  VTSimOptics o{sizeof(VTSimOptics), 0, 0, 0, 0}, oWorse = o;
+  ASSERT_EQ(VTSimGetOptics("VT40-AB0001", &o), 0);
+  ASSERT_EQ(VTSimGetOptics("VT40-AB0002", &oWorse), 0);
+  for (const double d : {o.dSpreadX, o.dSpreadY, oWorse.dSpreadX / 2, oWorse.dSpreadY / 2})
+    EXPECT_TRUE(d >= 0.3 && d <= 0.45) << d;
+  EXPECT_NE(o.dSpreadX, oWorse.dSpreadX / 2);
+  // 1052 and 768 pixels to the inch.
+  EXPECT_NEAR(o.dPixelMmX, 0.0240, 0.0002);
+  EXPECT_NEAR(o.dPixelMmY, 0.0328, 0.0003);
+  o.nStructSize = 1;
+  EXPECT_EQ(VTSimGetOptics(nullptr, &o), -44);
+  VTSimSheet oSheet;
+  std::vector<VTSimSheetField> aFields(1024);
+  unsigned nCount = 0;
+  EXPECT_EQ(VTSimGetSheetAt(nullptr, 1.5, &oSheet, aFields.data(), &nCount), -702);
+  ASSERT_LE(nCount, aFields.size());
+  ASSERT_EQ(VTSimGetSheetAt(nullptr, 1.5, &oSheet, aFields.data(), &nCount), 0);
+  EXPECT_EQ(oSheet.nKind, VTSIM_SHEET_BARS);
+  EXPECT_EQ(oSheet.dX, 41.0);
+  EXPECT_EQ(oSheet.dAngle, 2.0);
+  unsigned nWaves = 0;
+  for (unsigned n = 0; n < nCount; ++n)
+    nWaves += aFields[n].nKind == VTSIM_FIELD_BARS && aFields[n].dFrequency == 10.0;
+  EXPECT_EQ(nWaves, 18u);
+  for (const double dTime : {0.9, 2.0}) {
+    nCount = 1024;
+    ASSERT_EQ(VTSimGetSheetAt(nullptr, dTime, &oSheet, aFields.data(), &nCount), 0);
+    EXPECT_EQ(oSheet.nKind, -1);
+    EXPECT_EQ(nCount, 0u);
+  }
+}
+
 TEST_F(SimulatorTest, SaysWhereAPointOfThePictureFallsOnTheSensor) {
   Start(R"({"scanners": [{"target": {}}]})");
   VTSimPoint aDots[64], o;

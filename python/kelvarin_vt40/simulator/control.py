@@ -14,7 +14,7 @@ import numpy.typing as npt
 from .. import errors, library
 from .._native import SCAN_LIBRARY_NAME
 from ..frames import Pixels
-from .scenes import Dirt, Finger, Light, Pen, Platen, Scene, Target, as_json
+from .scenes import Dirt, Finger, Light, Pen, Platen, Scene, Sheet, Target, as_json
 
 # Side of a picture of the ground truth in pixels, at 500 dpi.
 PICTURE_SIDE = 1600
@@ -100,6 +100,29 @@ class PenStroke(ctypes.Structure):
     _fields_ = [("begin", c_double), ("end", c_double)]
 
 
+class OpticsState(ctypes.Structure):
+    """Deviations of the point spread in pixels of the full sensor, and what such a pixel covers in millimetres."""
+
+    _fields_ = [
+        ("_size", c_uint), ("spread_x", c_double), ("spread_y", c_double), ("pixel_x", c_double), ("pixel_y", c_double),
+    ]  # fmt: skip
+
+
+class SheetState(ctypes.Structure):
+    """The kind of a sheet (-1: there is none), its middle on the platen in mm, and its turn in degrees."""
+
+    _fields_ = [("kind", c_int), ("x", c_double), ("y", c_double), ("angle", c_double)]
+
+
+class SheetField(ctypes.Structure):
+    """What is printed on a sheet, in mm from its middle; lights are shares of that of a ridge."""
+
+    _fields_ = [
+        ("kind", c_int), ("along_x", c_int), ("x", c_double), ("y", c_double), ("width", c_double), ("height", c_double),
+        ("turn", c_double), ("frequency", c_double), ("low", c_double), ("high", c_double),
+    ]  # fmt: skip
+
+
 class _Point(ctypes.Structure):
     _fields_ = [("x", c_double), ("y", c_double)]
 
@@ -117,6 +140,8 @@ _FUNCTIONS: Dict[str, Sequence[Any]] = {
     "VTSimGetUnrolledTruth": (_SERIAL, c_double, c_double, *_PICTURE),
     "VTSimPictureToSensor": (_SERIAL, c_double, c_double, POINTER(c_double), POINTER(c_double)),
     "VTSimGetTargetDots": (_SERIAL, c_void_p, _COUNT),
+    "VTSimGetOptics": (_SERIAL, POINTER(OpticsState)),
+    "VTSimGetSheetAt": (_SERIAL, c_double, POINTER(SheetState), c_void_p, _COUNT),
     "VTSimGetPenAt": (_SERIAL, c_double, POINTER(PenState)),
     "VTSimGetPenStrokes": (_SERIAL, c_void_p, _COUNT),
     "VTSimGetState": (_SERIAL, POINTER(State)),
@@ -265,6 +290,7 @@ def lay(
     target: Optional[Target] = None,
     ambient: Union[None, float, Sequence[Light]] = None,
     noise: Optional[float] = None,
+    sheets: Optional[Sequence[Sheet]] = None,
     serial: Optional[str] = None,
 ) -> None:
     """Replaces what lies on a platen from the next frame on, while the time line goes on; ``lay()`` clears it.
@@ -275,12 +301,12 @@ def lay(
     ----------
     *fingers : Finger
         All fingers that lie there from now on.
-    pen, dirt, target, ambient, noise
+    pen, dirt, target, ambient, noise, sheets
         As in a `SimulatedScanner`; what is left out is as there.
     serial : str, optional
         The scanner; the first one of the scene when it is left out, here and in all functions below.
     """
-    platen = Platen(list(fingers), pen, dirt, target, ambient, noise)
+    platen = Platen(list(fingers), pen, dirt, target, ambient, noise, sheets)
     _call("VTSimLay", _bytes(serial), as_json(platen).encode())
 
 
@@ -328,6 +354,19 @@ def target_dots(serial: Optional[str] = None) -> npt.NDArray[np.float64]:
     """The middles of the calibration target's 64 dots on the full sensor: shape (64, 2) for x and y, or (0, 2)."""
     dots = _list(_Point, 64, "VTSimGetTargetDots", _bytes(serial))
     return np.array([(dot.x, dot.y) for dot in dots], np.float64).reshape(-1, 2)
+
+
+def optics(serial: Optional[str] = None) -> OpticsState:
+    """How the optics blurs."""
+    found = OpticsState(_size=ctypes.sizeof(OpticsState))
+    _call("VTSimGetOptics", _bytes(serial), byref(found))
+    return found
+
+
+def sheet_at(time: float, serial: Optional[str] = None) -> Tuple[SheetState, List[SheetField]]:
+    """The sheet that lies there at a time of the time line, and what is printed on it."""
+    sheet = SheetState()
+    return sheet, _list(SheetField, 1024, "VTSimGetSheetAt", _bytes(serial), time, byref(sheet))
 
 
 def pen_at(time: float, serial: Optional[str] = None) -> PenState:

@@ -151,6 +151,27 @@ class Target:
 
 
 @dataclass
+class Sheet:
+    """A sheet that image quality is measured with: "sine", "bars", "edges", "grid", "steps", "bright" or "dark"."""
+
+    kind: str
+    x: Optional[float] = None
+    y: Optional[float] = None
+    angle: Optional[float] = None
+    from_: Optional[float] = None
+    until: Optional[float] = None
+
+
+@dataclass
+class Optics:
+    """What is wrong with the optics of a scanner: a factor on its blur, a bend in mm, a shade of the corners."""
+
+    blur: Optional[float] = None
+    bend: Optional[float] = None
+    shade: Optional[float] = None
+
+
+@dataclass
 class Light:
     """Room light at a moment, 0 to 200 grey levels."""
 
@@ -188,6 +209,7 @@ class Platen:
     target: Optional[Target] = None
     ambient: Union[None, float, Sequence[Light]] = None
     noise: Optional[float] = None
+    sheets: Optional[Sequence[Sheet]] = None
 
 
 @dataclass
@@ -200,6 +222,7 @@ class SimulatedScanner(Platen):
     version: Optional[str] = None
     plane_order: Optional[str] = None  # "mixed", "dark-first", "lit-first"
     eprom: Optional[Eprom] = None
+    optics: Optional[Optics] = None
 
 
 @dataclass
