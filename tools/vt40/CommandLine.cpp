@@ -131,6 +131,24 @@ void AddCalibrate(CLI::App& oApp, StCommandLine& oLine) {
       ->excludes(pFrom);
 }
 
+void AddQuality(CLI::App& oApp, StCommandLine& oLine) {
+  StQualityOptions& oQuality = oLine.oQuality;
+  CLI::App* pQuality =
+      AddCommand(oApp, oLine, "quality",
+                 "Measure image quality on sheets that are laid on the platen one after the other",
+                 [&oLine](ClReport& oReport) { RunQuality(oLine.oCommon, oLine.oQuality, oReport); });
+  const std::vector<std::string> aAll = {"sine", "bars", "edges", "grid", "steps", "bright", "dark", "print"};
+  oQuality.aSheets = aAll;
+  pQuality->add_option("--sheets", oQuality.aSheets, "What to wait for, separated by commas")
+      ->delimiter(',')
+      ->check(CLI::IsMember(aAll))
+      ->capture_default_str();
+  pQuality->add_option("--out", oQuality.sFolder, "Folder for pictures and curves")->capture_default_str();
+  pQuality->add_option("--timeout", oQuality.nTimeout, "Seconds to wait for all of them")
+      ->check(CLI::Range(1, 86400))
+      ->capture_default_str();
+}
+
 void AddSign(CLI::App& oApp, StCommandLine& oLine) {
   StSignOptions& oSign = oLine.oSign;
   CLI::App* pSign = AddCommand(oApp, oLine, "sign", "Let somebody sign on the platen",
@@ -252,6 +270,7 @@ void DescribeCommands(CLI::App& oApp, StCommandLine& oLine) {
   AddCapture(oApp, oLine);
   AddRoll(oApp, oLine);
   AddCalibrate(oApp, oLine);
+  AddQuality(oApp, oLine);
   AddSign(oApp, oLine);
   AddServe(oApp, oLine);
   AddProperty(oApp, oLine);

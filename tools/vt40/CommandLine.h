@@ -15,6 +15,7 @@ struct StCommandLine {
   StCaptureOptions oCapture;
   StRollOptions oRoll;
   StCalibrateOptions oCalibrate;
+  StQualityOptions oQuality;
   StSignOptions oSign;
   StServeOptions oServe;
   StRecordingOptions oRecording;

@@ -41,6 +41,12 @@ struct StCalibrateOptions {
   std::string sCheckFolder;     ///< of the stored data; empty: the scanner's
 };
 
+struct StQualityOptions {
+  std::string sFolder = "out";       ///< for pictures and curves
+  std::vector<std::string> aSheets;  ///< to wait for
+  unsigned int nTimeout = 60;        ///< seconds until all must have been seen
+};
+
 struct StSignOptions {
   StCaptureOptions oCapture;  ///< folder, format and time-out
   double dTime = 2.0;         ///< seconds of the pause that ends a signature; 0: the time-out does
@@ -64,6 +70,8 @@ void RunInfo(const StCommonOptions& oCommon, ClReport& oReport);
 void RunCapture(const StCommonOptions& oCommon, const StCaptureOptions& oOptions, ClReport& oReport);
 void RunRoll(const StCommonOptions& oCommon, const StRollOptions& oOptions, ClReport& oReport);
 void RunCalibrate(const StCommonOptions& oCommon, const StCalibrateOptions& oOptions, ClReport& oReport);
+/// Measures image quality on sheet after sheet.
+void RunQuality(const StCommonOptions& oCommon, const StQualityOptions& oOptions, ClReport& oReport);
 void RunSign(const StCommonOptions& oCommon, const StSignOptions& oOptions, ClReport& oReport);
 void RunPropertyGet(const StCommonOptions& oCommon, const std::string& sName, ClReport& oReport);
 void RunPropertySet(const StCommonOptions& oCommon, const std::string& sName, const std::string& sValue,
