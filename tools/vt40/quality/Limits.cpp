@@ -57,7 +57,7 @@ void AddRows(const StResponse& oResponse, unsigned int nDpi, std::vector<Row>& a
 }
 
 void AddRows(const StGeometry& oGeometry, unsigned int nDpi, std::vector<Row>& aRows) {
-  const std::string sName = std::string("bars") + DirectionOf(oGeometry.bAlongX);
+  const std::string sName = std::string("lines") + DirectionOf(oGeometry.bAlongX);
   Add(aRows, sName + ", distances by what is allowed", "", nDpi, oGeometry.dAcross, Row::eMost, 1);
   Add(aRows, sName + ", distances", "um", nDpi, oGeometry.dAcrossMicrometres, Row::eNone, 0);
   Add(aRows, sName + ", distances", "pixels", nDpi, oGeometry.dAcrossMicrometres / 25400 * nDpi, Row::eNone,
