@@ -120,6 +120,14 @@ float ClSheetView::Step(float fDistance) const noexcept {
   return m_afStep[i] + (m_afStep[i + 1] - m_afStep[i]) * (fAt - static_cast<float>(n));
 }
 
+/// What a strip of that half width covers of the spread. Far from both edges it is all of it.
+float ClSheetView::Cover(float fAt, float fHalf, float fPerSpread) const noexcept {
+  const float fInside = (fHalf - std::fabs(fAt)) * fPerSpread;
+  if (fInside >= static_cast<float>(cdReach)) return 1.0F;
+  if (fInside <= -static_cast<float>(cdReach)) return 0.0F;
+  return Step((fAt + fHalf) * fPerSpread) - Step((fAt - fHalf) * fPerSpread);
+}
+
 float ClSheetView::OverAt(const ClReady& o, float fX, float fY) const noexcept {
   const float fDx = fX - o.fX, fDy = fY - o.fY;
   if (o.bDisc) {
@@ -128,8 +136,7 @@ float ClSheetView::OverAt(const ClReady& o, float fX, float fY) const noexcept {
   }
   // Counter-clockwise turns with y down.
   const float fU = fDx * o.fCos - fDy * o.fSin, fV = fDx * o.fSin + fDy * o.fCos;
-  const float fCover = (Step((fU + o.fHalfX) * o.fPerSpreadX) - Step((fU - o.fHalfX) * o.fPerSpreadX)) *
-                       (Step((fV + o.fHalfY) * o.fPerSpreadY) - Step((fV - o.fHalfY) * o.fPerSpreadY));
+  const float fCover = Cover(fU, o.fHalfX, o.fPerSpreadX) * Cover(fV, o.fHalfY, o.fPerSpreadY);
   if (o.aWave.empty() || fCover == 0.0F) return o.fOver * fCover;
   const float fPhase = (o.bAlongX ? fU + o.fHalfX : fV + o.fHalfY) * o.fPerMm;
   const int n = static_cast<int>(std::floor(fPhase));

@@ -75,6 +75,7 @@ class ClSheetView {
   void Enter(const ClReady& o, double dSpread);
   /// 0 far on the negative side of an edge, 1 far on the positive one; the distance in deviations.
   float Step(float fDistance) const noexcept;
+  float Cover(float fAt, float fHalf, float fPerSpread) const noexcept;
   float OverAt(const ClReady& o, float fX, float fY) const noexcept;
 
   float m_fMidX, m_fMidY, m_fCos, m_fSin, m_fPaper;
