@@ -52,7 +52,9 @@ klv_package(python python3-kelvarin-vt40 python
   "VT40 ten-finger live-scanner, Python package"
   "Gives fingerprints and signatures as numpy arrays.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
-set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "kelvarin-vt40-simulator, python3-matplotlib, python3-pil, python3-zstandard")
+# What the manual's lines use: files of pictures, compressed recordings.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "python3-pil, python3-zstandard")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "kelvarin-vt40-simulator, python3-matplotlib")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
   ${CMAKE_CURRENT_SOURCE_DIR}/python/postinst ${CMAKE_CURRENT_SOURCE_DIR}/python/prerm)
 # Who installs the tool has a scanner, or asks for the simulated one.

@@ -158,8 +158,10 @@ class Frame:
         ImportError
             Pillow (``python3-pil``) is not installed.
         """
-        from PIL import Image as pil
-
+        try:
+            from PIL import Image as pil
+        except ModuleNotFoundError:
+            raise ImportError("Pillow makes files of pictures, and is missing. Install python3-pil.") from None
         image = pil.fromarray(self.pixels)
         image.info["dpi"] = (self.dpi, self.dpi)
         return image

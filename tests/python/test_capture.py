@@ -12,6 +12,7 @@ import kelvarin_vt40 as vt40
 import numpy as np
 import pytest
 from kelvarin_vt40 import simulator as sim
+from PIL import Image
 
 QUIET = sim.Scene([sim.SimulatedScanner(fingers=[sim.Finger()], noise=0)], seed=3)
 
@@ -181,9 +182,11 @@ def test_properties_are_attributes_with_types(scanner):
     assert vt40.version().startswith("1.")
 
 
-def test_a_frame_becomes_a_pillow_image_with_its_resolution(scanner, tmp_path):
-    pil = pytest.importorskip("PIL.Image")
+def test_a_frame_becomes_a_pillow_image_with_its_resolution(scanner, tmp_path, monkeypatch):
     frame = scanner.capture()
     frame.to_pil().save(tmp_path / "print.png", dpi=(frame.dpi, frame.dpi))
-    with pil.open(tmp_path / "print.png") as read:
+    with Image.open(tmp_path / "print.png") as read:
         assert round(read.info["dpi"][0]) == 500 and np.array_equal(np.asarray(read), frame.pixels)
+    monkeypatch.setitem(sys.modules, "PIL", None)
+    with pytest.raises(ImportError, match="python3-pil"):
+        frame.to_pil()
