@@ -62,6 +62,9 @@ class ClLife {
     return bOpened;
   }
 
+  /// Whether the call, of Live before, that selected the mode succeeded.
+  bool Selected() const { return m_bSelected; }
+
   /// A picture of a scanner that is opened for it.
   const std::vector<unsigned char>& Picture() {
     if (Try("LS_VT40Initialize", [] { return LS_VT40Initialize(nullptr); }) != 0)
@@ -129,7 +132,7 @@ class ClLife {
     Try("LS_VT40Beep", [&] { return LS_VT40Beep(m_h, 300, 100); });
     Try("LS_VT40SetDisplayData", [&] { return LS_VT40SetDisplayData(m_h, 0, szText, 1); });
     m_oControl.Enter(eMode);
-    Select(nMode);
+    m_bSelected = Select(nMode) == 0;
     m_oControl.Enter(eFrames);
     Frames(nMode);
     m_oControl.Enter(eCapture);
@@ -175,6 +178,7 @@ class ClLife {
   std::vector<unsigned char> m_aPixels;
   void* m_h = nullptr;
   unsigned char m_bDone = 0;
+  bool m_bSelected = false;
 };
 
 }  // namespace Hostile

@@ -30,7 +30,8 @@ struct StWaiter {
 };
 
 std::atomic<bool> s_bRuns{false};
-std::atomic<int64_t> s_nAhead{0};  ///< of the machine's clock
+std::atomic<bool> s_bCountsWork{false};
+std::atomic<int64_t> s_nAhead{0};  ///< of the processor time
 pthread_mutex_t s_oWaiters = PTHREAD_MUTEX_INITIALIZER;
 StWaiter* s_pWaiters = nullptr;  // guarded by s_oWaiters
 pthread_t s_hMover;
@@ -46,7 +47,7 @@ int64_t MachineNow(clockid_t nClock) {
 }
 
 int64_t Now() {
-  return MachineNow(CLOCK_MONOTONIC) + s_nAhead;
+  return s_bCountsWork ? MachineNow(CLOCK_PROCESS_CPUTIME_ID) + s_nAhead : MachineNow(CLOCK_MONOTONIC);
 }
 
 void MachineSleep(int64_t nNanoseconds) {
@@ -158,6 +159,9 @@ void* MoveOn(void*) {
 }  // namespace
 
 ClVirtualTime::ClVirtualTime() {
+  // Once it has counted work the clock goes on to do so, since it must not go back.
+  if (!s_bCountsWork) s_nAhead = MachineNow(CLOCK_MONOTONIC) - MachineNow(CLOCK_PROCESS_CPUTIME_ID);
+  s_bCountsWork = true;
   s_bRuns = true;
   if (pthread_create(&s_hMover, nullptr, &MoveOn, nullptr) != 0) std::abort();
 }
@@ -172,7 +176,7 @@ extern "C" {
 int clock_gettime(clockid_t nClock, timespec* pTime) noexcept {
   const long nResult = syscall(SYS_clock_gettime, nClock, pTime);
   if (nResult == 0 && nClock == CLOCK_MONOTONIC) {
-    const int64_t nTime = Nanoseconds(*pTime) + s_nAhead;
+    const int64_t nTime = Now();
     *pTime = {static_cast<time_t>(nTime / cnSecond), static_cast<long>(nTime % cnSecond)};
   }
   return static_cast<int>(nResult);
@@ -183,7 +187,7 @@ int pthread_cond_clockwait(pthread_cond_t* pCondition, pthread_mutex_t* pMutex, 
   static const auto pfnReal = Real(&pthread_cond_clockwait, "pthread_cond_clockwait", "GLIBC_2.34");
   const int64_t nUntil = Nanoseconds(*pUntil) + (nClock == CLOCK_MONOTONIC ? 0 : Now() - MachineNow(nClock));
   if (s_bRuns) return WaitUntil(pCondition, pMutex, nUntil);
-  const int64_t nMachine = nUntil - s_nAhead;
+  const int64_t nMachine = nUntil - Now() + MachineNow(CLOCK_MONOTONIC);
   const timespec oUntil{static_cast<time_t>(nMachine / cnSecond), static_cast<long>(nMachine % cnSecond)};
   return pfnReal(pCondition, pMutex, CLOCK_MONOTONIC, &oUntil);
 }
