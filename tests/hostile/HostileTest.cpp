@@ -268,16 +268,17 @@ TEST_F(HostileLibrary, SurvivesMemoryThatRunsOutWhileAnAnswerIsDealtWith) {
 
 TEST_F(HostileLibrary, SurvivesEachThreadThatDoesNotStart) {
   for (int nMode = 0; nMode < cnModes; ++nMode) {
-    // The other modes start their threads as one of these two does.
+    // The other modes start their threads as one of these two does; the gate takes some of them.
     const bool bOfItsOwn = nMode == KLV_VT40_CAPTURE_MODE_AUTO || nMode == KLV_VT40_CAPTURE_MODE_SIGNATURE;
-    if (std::getenv("KELVARIN_TEST_HOSTILE") == nullptr && !bOfItsOwn) continue;
+    const bool bAll = std::getenv("KELVARIN_TEST_HOSTILE") != nullptr;
+    if (!bAll && !bOfItsOwn) continue;
     LoadScene(Scene("VT40-AB0001"));
     s_nStarts = 1000;
     m_pLife->Expect("nothing planned");
     m_pLife->Live(nMode);
     const int nStarts = 1000 - s_nStarts;
     EXPECT_GT(nStarts, 2);
-    for (int n = 0; n < nStarts; ++n) {
+    for (int n = 0; n < nStarts; n += bAll ? 1 : 3) {
       s_nStarts = n;
       // What the C++ library raises for it.
       Try("mode " + std::to_string(nMode) + ", thread " + std::to_string(n), nMode, {}, {-721});
