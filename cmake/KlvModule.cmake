@@ -159,5 +159,5 @@ function(klv_reliability NAME)
   endif()
   target_compile_definitions(${NAME} PRIVATE "KLV_SANITIZER_TEXT=\"${text}\"")
   # What the program replaces counts for the libraries too.
-  set_target_properties(${NAME} PROPERTIES ENABLE_EXPORTS ON)
+  set_target_properties(${NAME} PROPERTIES ENABLE_EXPORTS ON UNITY_BUILD ON)
 endfunction()
