@@ -3,14 +3,13 @@
 
 #include <algorithm>
 
+#include "sensor/Blur.h"
 #include "sensor/Light.h"
 
 namespace Simulator {
 
-void ClReflectance::Update(const ClPlatenMap& oMap) {
-  constexpr int nBlocks = (cnPictureSide + nBlock - 1) / nBlock;
+void ClReflectance::Update(const ClPlatenMap& oMap, double dVarianceX, double dVarianceY) {
   if (m_oPicture.Empty()) m_oPicture.Resize(cnPictureSide, cnPictureSide);
-  m_oOccupied.Resize(nBlocks, nBlocks, 0);
   m_bGoesOn = oMap.bGoesOn;
   m_pSheet = oMap.pSheet;
   // The light of the skin leaves a rest up to full light; contact adds its share of that rest.
@@ -19,15 +18,23 @@ void ClReflectance::Update(const ClPlatenMap& oMap) {
     const uint8_t* pContact = oMap.oContact.Row(y);
     const uint8_t* pCover = oMap.oCover.Row(y);
     uint8_t* pOut = m_oPicture.Row(y);
+    for (int x = 0; x < cnPictureSide; ++x) {
+      const unsigned nSkin = (pCover[x] * nValley + 32768) >> 16;
+      pOut[x] = static_cast<uint8_t>(nSkin + (pContact[x] * (255 - nSkin) + 127) / 255);
+    }
+  }
+  if (!m_pSheet) Blur(m_oPicture, dVarianceX, dVarianceY);
+  FindOccupied();
+}
+
+void ClReflectance::FindOccupied() {
+  constexpr int nBlocks = (cnPictureSide + nBlock - 1) / nBlock;
+  m_oOccupied.Resize(nBlocks, nBlocks, 0);
+  for (int y = 0; y < cnPictureSide; ++y) {
+    const uint8_t* pRow = m_oPicture.Row(y);
     for (int b = 0; b < nBlocks; ++b) {
       unsigned nAny = 0;
-      const int nEnd = std::min(cnPictureSide, (b + 1) * nBlock);
-      for (int x = b * nBlock; x < nEnd; ++x) {
-        const unsigned nSkin = (pCover[x] * nValley + 32768) >> 16;
-        const unsigned nLight = nSkin + (pContact[x] * (255 - nSkin) + 127) / 255;
-        pOut[x] = static_cast<uint8_t>(nLight);
-        nAny |= nLight;
-      }
+      for (int x = b * nBlock; x < std::min(cnPictureSide, (b + 1) * nBlock); ++x) nAny |= pRow[x];
       if (nAny) m_oOccupied.At(b, y / nBlock) = 1;
     }
   }

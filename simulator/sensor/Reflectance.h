@@ -16,8 +16,9 @@ class ClReflectance {
  public:
   static constexpr int nBlock = 32;
 
-  /// From contact and nearness of skin: valleys shine with the part cdValleyPart.
-  void Update(const ClPlatenMap& oMap);
+  /// From contact and nearness of skin: valleys shine with the part cdValleyPart. The spread of the optics is
+  /// given by its variances in pixels of the picture; a sheet is blurred where it is drawn.
+  void Update(const ClPlatenMap& oMap, double dVarianceX, double dVarianceY);
   void Free();
 
   const TpPlane<uint8_t>& Picture() const noexcept { return m_oPicture; }
@@ -31,6 +32,8 @@ class ClReflectance {
   bool Occupied(int nLeft, int nTop, int nRight, int nBottom) const noexcept;
 
  private:
+  void FindOccupied();
+
   TpPlane<uint8_t> m_oPicture;
   TpPlane<uint8_t> m_oOccupied;
   std::shared_ptr<const ClSheetDescription> m_pSheet;

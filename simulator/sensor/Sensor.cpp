@@ -128,7 +128,9 @@ void ClSensor::PrepareSignal(const ClSensorMode& oMode, double dSeconds) {
   if (m_oMap.oContact.Empty() || nState != m_nDrawnState) {
     m_oMap.Clear();
     m_oScene.Draw(dSeconds, m_oMap);
-    m_oReflectance.Update(m_oMap);
+    const ClPoint oSpread = m_oOptics.Spread(), oPixel = m_oOptics.PixelMm();
+    const double dX = oSpread.dX * oPixel.dX / cdPixelMm, dY = oSpread.dY * oPixel.dY / cdPixelMm;
+    m_oReflectance.Update(m_oMap, dX * dX, dY * dY);
     m_nDrawnState = nState;
     ++m_nDrawing;
   }

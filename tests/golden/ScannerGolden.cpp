@@ -122,6 +122,13 @@ void Streams() {
     oRun.AddImage(1600);
   }
   {
+    // A sheet comes to the sensor by another way than what is laid as a picture.
+    ClRun oRun("sheet", R"({"scanners": [{"noise": 0, "sheets": [{"kind": "bars", "angle": 1}]}]})");
+    oRun.Mode(KLV_VT40_CAPTURE_MODE_OFF);
+    oRun.Fetch(LS_VT40GetImage);
+    oRun.AddImage(1600);
+  }
+  {
     ClRun oRun("preview", "settling-slap");
     oRun.HeldMode(KLV_VT40_CAPTURE_MODE_PREVIEW);
     oRun.StepFrames(LS_VT40GetPreviewImage, 800, 12);
