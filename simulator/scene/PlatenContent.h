@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "scene/Platen.h"
+#include "scene/PrintTruth.h"
 
 namespace Simulator {
 
@@ -12,6 +14,24 @@ struct ClPlatenFacts {
   unsigned nFingers = 0;  ///< that touch the glass
   unsigned nMoving = 0;   ///< of these, that come down, come off, slide or change their pressure
 };
+
+/// A point of a print as it lies on the platen, in pixels of the picture; the direction is in radians,
+/// counter-clockwise from the right.
+struct ClMinutia {
+  unsigned nFinger;  ///< of the scene, from 0
+  EPrintPoint ePoint;
+  bool bDown;  ///< the skin there touches the glass
+  double dX, dY;
+  double dDirection;
+};
+
+/// The ridges at a position of the platen; a period of 0 pixels where there are none.
+struct ClRidgeHere {
+  float fDirection = 0.0f;
+  float fPeriod = 0.0f;
+};
+
+constexpr int cnRidgeBlock = 8;
 
 /// Something that can lie on the platen: fingers, and whatever else a scene may know.
 ///
@@ -28,6 +48,13 @@ class ClPlatenContent {
 
   /// Adds the skin that rolled over the glass between two times, as it lies in the unrolled print.
   virtual void DrawUnrolled(double /*dFrom*/, double /*dUntil*/, ClPlatenMap& /*oMap*/) const {}
+
+  /// Adds the points of its prints.
+  virtual void AddMinutiae(double /*dSeconds*/, std::vector<ClMinutia>& /*aMinutiae*/) const {}
+
+  /// Puts the ridges of skin that touches the glass into a map of the whole platen, one value for each
+  /// square of cnRidgeBlock pixels.
+  virtual void AddRidges(double /*dSeconds*/, TpPlane<ClRidgeHere>& /*oRidges*/) const {}
 
   /// Adds its fingers.
   virtual void Count(double dSeconds, ClPlatenFacts& oFacts) const = 0;

@@ -12,6 +12,7 @@ namespace Simulator {
 
 ClPlatenScene::ClPlatenScene(const ClScannerDescription& oScanner) {
   if (oScanner.oTarget.bThere) m_aContent.push_back(std::make_unique<ClTargetContent>(oScanner.oTarget));
+  m_nFirstFinger = m_aContent.size();
   for (const ClFingerDescription& oFinger : oScanner.aFingers)
     m_aContent.push_back(std::make_unique<ClFingerContent>(oFinger));
   for (const ClDirtDescription& oDirt : oScanner.aDirt)
@@ -37,6 +38,19 @@ void ClPlatenScene::Draw(double dSeconds, ClPlatenMap& oMap) const {
 
 void ClPlatenScene::DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const {
   for (const auto& pContent : m_aContent) pContent->DrawUnrolled(dFrom, dUntil, oMap);
+}
+
+void ClPlatenScene::AddMinutiae(double dSeconds, std::vector<ClMinutia>& aMinutiae) const {
+  for (size_t i = 0; i < m_aContent.size(); ++i) {
+    const size_t nFirst = aMinutiae.size();
+    m_aContent[i]->AddMinutiae(dSeconds, aMinutiae);
+    for (size_t k = nFirst; k < aMinutiae.size(); ++k)
+      aMinutiae[k].nFinger = static_cast<unsigned>(i - m_nFirstFinger);
+  }
+}
+
+void ClPlatenScene::AddRidges(double dSeconds, TpPlane<ClRidgeHere>& oRidges) const {
+  for (const auto& pContent : m_aContent) pContent->AddRidges(dSeconds, oRidges);
 }
 
 void ClPlatenScene::Count(double dSeconds, ClPlatenFacts& oFacts) const {

@@ -20,6 +20,8 @@ class ClPlatenScene : public ClPlatenContent {
   uint64_t StateAt(double dSeconds) const override;
   void Draw(double dSeconds, ClPlatenMap& oMap) const override;
   void DrawUnrolled(double dFrom, double dUntil, ClPlatenMap& oMap) const override;
+  void AddMinutiae(double dSeconds, std::vector<ClMinutia>& aMinutiae) const override;
+  void AddRidges(double dSeconds, TpPlane<ClRidgeHere>& oRidges) const override;
   void Count(double dSeconds, ClPlatenFacts& oFacts) const override;
 
   /// The way of the pen; null when the scene has none.
@@ -28,6 +30,7 @@ class ClPlatenScene : public ClPlatenContent {
  private:
   std::shared_ptr<const ClPenPath> m_pPen;
   std::vector<std::unique_ptr<const ClPlatenContent>> m_aContent;
+  size_t m_nFirstFinger = 0;  ///< among the content
 };
 
 }  // namespace Simulator

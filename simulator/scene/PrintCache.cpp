@@ -14,16 +14,18 @@
 namespace Simulator {
 namespace {
 
-using Key = std::tuple<std::string, uint64_t, int, double, double, double, double, int>;
-
 /// Prints that were asked for last and stay when nobody holds them: fingers that are lifted come back. Two
 /// hands.
 constexpr size_t cnKept = 10;
 
-Key KeyOf(const ClPrintDescription& o) {
-  if (!o.sFile.empty()) return Key(o.sFile, 0, 0, 0.0, 0.0, 0.0, 0.0, 0);
-  return Key("", o.nSeed, o.ePattern, o.dWidthMm, o.dHeightMm, o.dRidgePeriodMm, o.dPores, o.eMaterial);
+/// Copies of what a description's key refers to. All prints of one file are alike.
+auto KeyOf(const ClPrintDescription& o) {
+  ClPrintDescription oFile;
+  oFile.sFile = o.sFile;
+  const auto Copy = [](const auto&... oPart) { return std::make_tuple(oPart...); };
+  return std::apply(Copy, (o.sFile.empty() ? o : oFile).Key());
 }
+using Key = decltype(KeyOf(ClPrintDescription()));
 
 }  // namespace
 

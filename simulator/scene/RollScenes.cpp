@@ -23,7 +23,7 @@ class ClRollStage {
   void LayFinger(double dWidthMm) {
     ClPrintDescription& oPrint = m_oFinger.oPrint;
     oPrint.nSeed = m_oRandom.Next() % 100000;
-    oPrint.ePattern = static_cast<EPattern>(m_oRandom.Next() % 4);
+    oPrint.ePattern = static_cast<EPattern>(m_oRandom.Next() % cnPatterns);
     oPrint.dWidthMm = Range(26.0, 30.0);
     oPrint.dHeightMm = Range(21.0, 25.0);
     oPrint.dRidgePeriodMm = Vary(0.457, 0.03);

@@ -42,6 +42,16 @@ struct ClPressDescription {
   double dPressure = 0.6;
 };
 
+/// By how much a finger has moved on and turned after the skin in the middle of the contact stuck to the
+/// glass.
+struct ClStretchDescription {
+  double dXMm = 0.0;
+  double dYMm = 0.0;
+  double dTurn = 0.0;  ///< degrees, counter-clockwise
+
+  bool Any() const noexcept { return dXMm != 0.0 || dYMm != 0.0 || dTurn != 0.0; }
+};
+
 /// A moment of a roll. Between two moments all values change evenly; two entries of one moment make them
 /// jump.
 struct ClRollMoment {
@@ -68,12 +78,14 @@ struct ClFingerDescription {
   double dAngle = 0.0;     ///< degrees, counter-clockwise
   double dPressure = 0.6;  ///< 0 to 1
   double dDryness = 0.1;   ///< 0 to 1
+  double dSweat = 0.0;     ///< 0 to 1: sweat fills valleys, in patches
   double dTouch = -1.0;    ///< seconds; before 0: lies there from the start
   double dLift = cdNever;
   double dTouchSeconds = 0.25;  ///< how long it takes to lie down fully
   double dLiftSeconds = 0.15;   ///< how long it takes to come off
   double dRepeat = 0.0;         ///< seconds from one touch to the next; 0: it comes once
   double dHalo = 0.0;           ///< 0 to 1: how wet the glass is round it
+  ClStretchDescription oStretch;
   ClSettleDescription oSettle;
   ClSlideDescription oSlide;
   ClPressDescription oPress;

@@ -47,11 +47,17 @@ ClPrintDescription ReadPrint(const Json& oJson, const std::string& sPlace, const
     return oPrint;
   }
   oPrint.nSeed = static_cast<uint64_t>(o.Whole("seed", 1, 0, cnMostSeed));
-  oPrint.ePattern =
-      static_cast<EPattern>(o.Choice("pattern", ePatternWhorl, {"left-loop", "right-loop", "whorl", "arch"}));
+  oPrint.ePattern = static_cast<EPattern>(
+      o.Choice("pattern", ePatternWhorl,
+               {"left-loop", "right-loop", "whorl", "arch", "tented-arch", "double-loop", "any"}));
+  oPrint.eSkin = static_cast<ESkin>(o.Choice("skin", eSkinAdult, {"adult", "child", "elderly"}));
+  if (oPrint.eSkin == eSkinChild) oPrint.dWidthMm = 11.5, oPrint.dHeightMm = 16.0;
   oPrint.dWidthMm = o.Number("width", oPrint.dWidthMm, 4.0, 40.0);
   oPrint.dHeightMm = o.Number("height", oPrint.dHeightMm, 4.0, 60.0);
-  oPrint.dRidgePeriodMm = o.Number("ridgePeriod", oPrint.dRidgePeriodMm, 0.3, 0.8);
+  oPrint.dRidgePeriodMm = o.Number("ridgePeriod", 0.0, 0.3, 0.8);
+  oPrint.nCreases = static_cast<int>(o.Whole("creases", -1, 0, 40));
+  oPrint.nScars = static_cast<int>(o.Whole("scars", 0, 0, 10));
+  oPrint.nCuts = static_cast<int>(o.Whole("cuts", 0, 0, 10));
   oPrint.dPores = o.Number("pores", oPrint.dPores, 0.0, 1.0);
   oPrint.eMaterial = static_cast<EMaterial>(
       o.Choice("material", eMaterialSkin, {"skin", "soft-cast", "flat-cast", "halftone"}));
@@ -89,6 +95,15 @@ ClPressDescription ReadPress(ClObject o) {
   oPress.dPressure = o.Number("pressure", 0.9, 0.0, 1.0);
   o.Done();
   return oPress;
+}
+
+ClStretchDescription ReadStretch(ClObject o) {
+  ClStretchDescription oStretch;
+  oStretch.dXMm = o.Number("x", 0.0, -2.0, 2.0);
+  oStretch.dYMm = o.Number("y", 0.0, -2.0, 2.0);
+  oStretch.dTurn = o.Number("turn", 0.0, -20.0, 20.0);
+  o.Done();
+  return oStretch;
 }
 
 ClRollDescription ReadRoll(ClObject o) {
@@ -152,7 +167,9 @@ ClFingerDescription ReadFinger(const Json& oJson, const std::string& sPlace, con
   // A picture of a real print already shows its dryness, and an imitation is not dry at all.
   const bool bSkin = oFinger.oPrint.sFile.empty() && oFinger.oPrint.eMaterial == eMaterialSkin;
   oFinger.dDryness = o.Number("dryness", bSkin ? oFinger.dDryness : 0.0, 0.0, 1.0);
+  oFinger.dSweat = o.Number("sweat", oFinger.dSweat, 0.0, 1.0);
   oFinger.dHalo = o.Number("halo", oFinger.dHalo, 0.0, 1.0);
+  if (const Json* p = o.Find("stretch")) oFinger.oStretch = ReadStretch(ClObject(*p, o.Place("stretch")));
   ReadMotion(o, oFinger);
   o.Done();
   return oFinger;

@@ -27,6 +27,11 @@ void LayHand(ClStage& o, const char* szFingers) {
     oFinger.dAngle += dTurn + o.Vary(0.0, 1.5);
     oFinger.dPressure = o.Vary(0.6, 0.08);
   }
+  // The skin gives way a little as the hand comes down.
+  ClRandom oSkin = o.oRandom;
+  oSkin = ClRandom(Mix(oSkin.Next(), 1));
+  for (ClFingerDescription& oFinger : o.oScanner.aFingers)
+    oFinger.oStretch = {oSkin.Range(-0.3, 0.3), oSkin.Range(-0.4, 0.4), oSkin.Range(-3.0, 3.0)};
 }
 
 void LaySlap(ClStage& o) {
@@ -102,6 +107,7 @@ void Imitate(ClStage& o, uint64_t nSeed) {
   for (ClFingerDescription& oFinger : o.oScanner.aFingers) {
     oFinger.oPrint.eMaterial = caMaterials[static_cast<size_t>(nSeed % 3)];
     oFinger.dDryness = 0.0;
+    oFinger.oStretch = {};
   }
 }
 

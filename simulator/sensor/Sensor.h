@@ -65,6 +65,7 @@ class ClSensor {
   /// Moments of the same number show the same picture.
   uint64_t StateAt(double dSeconds) const;
   ClPlatenFacts Facts(double dSeconds) const;
+  const ClPlatenScene& Scene() const noexcept { return m_oScene; }
   /// The way of the pen; null when the scene has none.
   const ClPenPath* Pen() const noexcept { return m_oScene.Pen(); }
 

@@ -50,7 +50,8 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
        "pen": {"diameter": 0.5, "strokes": [{"at": 1.5, "speed": 9, "line": "straight", "points": [[1, 2], [3, 4, 0.5]]},
                                             {"after": 0.3, "points": [[5, 6]]}]},
        "dirt": [{"x": 1, "y": 2, "width": 3, "length": 4, "angle": 5, "strength": 0.6, "from": 7, "until": 8}],
-       "fingers": [{"print": {"material": "halftone"}, "pressure": 0.7,
+       "fingers": [{"print": {"material": "halftone", "skin": "child", "height": 15, "scars": 2, "cuts": 3, "creases": 4},
+                    "pressure": 0.7, "sweat": 0.6, "stretch": {"x": 1.5, "y": -1, "turn": 8},
                     "settle": {"seconds": 0.5, "x": 1, "y": 2, "turn": 3},
                     "slide": {"start": 1, "until": 2, "speed": 3, "direction": 4, "radius": 5},
                     "roll": {"width": 12, "tilt": 5, "path": [{"strip": -6}, {"at": 1, "strip": 6, "turn": 7},
@@ -66,6 +67,10 @@ TEST(SceneReader, WhatHappensOnThePlatenArrives) {
   const ClFingerDescription& oFinger = o.aFingers[0];
   EXPECT_EQ(oFinger.oPrint.eMaterial, eMaterialHalftone);
   EXPECT_EQ(oFinger.dDryness, 0.0) << "only skin is dry";
+  EXPECT_THAT((Numbers{oFinger.oPrint.dWidthMm, oFinger.oPrint.dHeightMm, 1.0 * oFinger.oPrint.nScars,
+                       1.0 * oFinger.oPrint.nCuts, 1.0 * oFinger.oPrint.nCreases, oFinger.dSweat,
+                       oFinger.oStretch.dXMm, oFinger.oStretch.dYMm, oFinger.oStretch.dTurn}),
+              ElementsAre(11.5, 15, 2, 3, 4, 0.6, 1.5, -1, 8));
   EXPECT_EQ(oFinger.oSettle.dPressure, 0.7) << "without a word it stays while the finger settles";
   // Values that are left out stay as they were a moment before.
   ASSERT_EQ(oFinger.oRoll.aPath.size(), 3u);
@@ -137,6 +142,8 @@ TEST(SceneReader, WhatIsWrongIsRefusedWithItsPlaceAndRange) {
       {R"({"seed": -1})", "\"seed\" is -1"},
       {R"({"seed": 1e30})", "\"seed\" must be a whole number"},
       {R"({"pacing": "fast"})", "is \"fast\" and must be one of"},
+      {R"({"scanners": [{"fingers": [{"stretch": {"turn": 21}}]}]})",
+       "\"scanners[0].fingers[0].stretch.turn\" is 21"},
       {R"({"scanners": [{"fingers": [{"presure": 1}]}]})",
        "\"scanners[0].fingers[0].presure\" is not a known key"},
       {R"({"scanners": [{"fingers": [{"pressure": 1.5}]}]})",
