@@ -99,6 +99,9 @@ class ClScanner {
   void Optics(VTSimOptics& oOptics);
   /// The sheet at a time and what is printed on it.
   std::vector<VTSimSheetField> SheetAt(double dTime, VTSimSheet& oSheet);
+  std::vector<VTSimMinutia> Minutiae(double dTime);
+  /// VTSIM_RIDGE_SIDE squared.
+  std::vector<VTSimRidge> Ridges(double dTime);
   std::vector<VTSimPoint> TargetDots();
   VTSimPen PenAt(double dTime);
   std::vector<VTSimStroke> PenStrokes();

@@ -1,11 +1,23 @@
 // One scanner on the bus: what the control side reads of it and does to it.
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "KelvarinVTScanAPI/Scanner.h"
+#include "portable/Math.h"
 #include "scene/Sheet.h"
 
 namespace Simulator {
+namespace {
+
+/// Radians as degrees from 0 to below dTurn.
+double Degrees(double dRadians, double dTurn) {
+  const double dTurns = dRadians * (180.0 / Portable::cdPi) / dTurn;
+  const double dPart = dTurns - std::floor(dTurns);
+  return dPart < 1.0 ? dPart * dTurn : 0.0;
+}
+
+}  // namespace
 
 void ClScanner::TakeDescription(const ClScannerDescription& oDescription, const ClSceneDescription& oScene) {
   m_bRealTime = oScene.bRealTime;
@@ -108,6 +120,29 @@ void ClScanner::GroundTruthAt(double dTime, uint8_t* pPicture, uint8_t* pCover) 
 void ClScanner::UnrolledTruth(double dFrom, double dUntil, uint8_t* pPicture, uint8_t* pCover) {
   std::lock_guard<std::mutex> oRender(m_oRender);
   m_oSensor.UnrolledTruth(dFrom, dUntil, pPicture, pCover);
+}
+
+std::vector<VTSimMinutia> ClScanner::Minutiae(double dTime) {
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  std::vector<ClMinutia> aFound;
+  m_oSensor.Scene().AddMinutiae(dTime, aFound);
+  std::vector<VTSimMinutia> aMinutiae;
+  for (const ClMinutia& o : aFound)
+    aMinutiae.push_back({o.nFinger, o.ePoint, o.bDown, o.dX, o.dY, Degrees(o.dDirection, 360.0)});
+  return aMinutiae;
+}
+
+std::vector<VTSimRidge> ClScanner::Ridges(double dTime) {
+  static_assert(VTSIM_RIDGE_SIDE * cnRidgeBlock == cnPictureSide, "squares fill the picture");
+  std::lock_guard<std::mutex> oRender(m_oRender);
+  TpPlane<ClRidgeHere> oRidges(VTSIM_RIDGE_SIDE, VTSIM_RIDGE_SIDE);
+  m_oSensor.Scene().AddRidges(dTime, oRidges);
+  std::vector<VTSimRidge> aRidges;
+  for (size_t i = 0; i < oRidges.Count(); ++i) {
+    const ClRidgeHere& o = oRidges.Data()[i];
+    aRidges.push_back({o.fPeriod == 0.0f ? 0.0 : Degrees(o.fDirection, 180.0), o.fPeriod});
+  }
+  return aRidges;
 }
 
 VTSimPen ClScanner::PenAt(double dTime) {

@@ -133,6 +133,22 @@ long VTSimGetSheetAt(const char* szSerial, double dTime, VTSimSheet* pSheet, VTS
   });
 }
 
+long VTSimGetMinutiaeAt(const char* szSerial, double dTime, VTSimMinutia* pMinutiae, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    const std::vector<VTSimMinutia> aMinutiae = oScanner.Minutiae(dTime);
+    HandOut(aMinutiae.data(), aMinutiae.size(), pMinutiae, pnCount);
+  });
+}
+
+long VTSimGetRidgesAt(const char* szSerial, double dTime, VTSimRidge* pRidges, unsigned int* pnCount) {
+  return On(szSerial, [&](ClScanner& oScanner) {
+    NeedTime(dTime);
+    const std::vector<VTSimRidge> aRidges = oScanner.Ridges(dTime);
+    HandOut(aRidges.data(), aRidges.size(), pRidges, pnCount);
+  });
+}
+
 long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen) {
   return On(szSerial, [&](ClScanner& oScanner) {
     NeedTime(dTime);

@@ -224,6 +224,46 @@ VTSIM_API long VTSimGetPenAt(const char* szSerial, double dTime, VTSimPen* pPen)
  * is too small. */
 VTSIM_API long VTSimGetPenStrokes(const char* szSerial, VTSimStroke* pStrokes, unsigned int* pnCount);
 
+/* A point of a generated print that a judge of fingerprints should find. Whole numbers are pixel centres of
+ * the ground-truth picture. The direction is in degrees from 0 to 360, counter-clockwise from the right: into
+ * the ridge that ends; between the branches of a bifurcation; to where the loop of a core opens; along an arm
+ * of a delta. */
+typedef struct VTSimMinutia {
+  unsigned int nFinger; /* of the scene, from 0 */
+  int nKind;            /* VTSIM_MINUTIA_... */
+  int bDown;            /* 1 where the skin touches the glass at that moment, 0 beyond its edge */
+  double dX;
+  double dY;
+  double dDirection;
+} VTSimMinutia;
+
+#define VTSIM_MINUTIA_ENDING 1
+#define VTSIM_MINUTIA_BIFURCATION 2
+#define VTSIM_MINUTIA_CORE 3
+#define VTSIM_MINUTIA_DELTA 4
+
+/* The minutiae, cores and deltas of the fingers that are down at a moment of the time line, where that skin
+ * lies. They are those of the ridges as they have grown: dryness, pores, creases and cuts interrupt ridges
+ * and are not listed. Fingers whose prints come from files have none. *pnCount: in, the room; out, the
+ * number. -702 when the room is too small. The first call for a finger measures it, which takes as long as
+ * making the print. */
+VTSIM_API long VTSimGetMinutiaeAt(const char* szSerial, double dTime, VTSimMinutia* pMinutiae,
+                                  unsigned int* pnCount);
+
+/* Side of the map of ridges; each of its squares has VTSIM_PICTURE_SIDE / VTSIM_RIDGE_SIDE pixels a side. */
+#define VTSIM_RIDGE_SIDE 200
+
+/* The ridges round the middle of a square. */
+typedef struct VTSimRidge {
+  double dDirection; /* degrees from 0 to 180, counter-clockwise from the right */
+  double dPeriod;    /* pixels from ridge to ridge; 0 where no ridges touch the glass */
+} VTSimRidge;
+
+/* Direction and period of the ridges at a moment, row after row from the upper left. *pnCount: in, the room;
+ * out, the number, VTSIM_RIDGE_SIDE squared. -702 when the room is too small. */
+VTSIM_API long VTSimGetRidgesAt(const char* szSerial, double dTime, VTSimRidge* pRidges,
+                                unsigned int* pnCount);
+
 VTSIM_API long VTSimGetState(const char* szSerial, VTSimState* pState);
 
 /* Copies the latest beeps, oldest first (the scanner remembers 256). *pnCount: in, the room; out, the number.

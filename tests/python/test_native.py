@@ -20,6 +20,7 @@ STRUCTURES = {
     "VTSimState": sim.State, "VTSimBeep": sim.Beep, "VTSimLight": sim.LightWord, "VTSimDisplay": sim.DisplayState,
     "VTSimFrame": sim.SequenceRecord, "VTSimPen": sim.PenState, "VTSimStroke": sim.PenStroke, "VTSimPoint": control._Point,
     "VTSimOptics": sim.OpticsState, "VTSimSheet": sim.SheetState, "VTSimSheetField": sim.SheetField,
+    "VTSimMinutia": sim.Minutia, "VTSimRidge": control._Ridge,
 }  # fmt: skip
 
 

@@ -25,9 +25,10 @@ ALL = sim.Scene(
                          sim.Stroke([(5, 5), (6, 9)], after=0.3)], diameter=0.7, strength=0.9),
             fingers=[
                 sim.Finger(
-                    sim.Print(seed=4, pattern="arch", width=15, height=20, ridge_period=0.45, pores=0.4, material="skin"),
+                    sim.Print(seed=4, pattern="arch", width=15, height=20, ridge_period=0.45, pores=0.4, material="skin",
+                              skin="elderly", creases=3, scars=1, cuts=1),
                     x=20, y=40, angle=5, pressure=0.6, dryness=0.1, touch=0.1, lift=5, touch_seconds=0.2, lift_seconds=0.1,
-                    repeat=7, halo=0.1, settle=sim.Settle(x=1, y=1, turn=2, pressure=0.4, seconds=0.5),
+                    repeat=7, halo=0.1, sweat=0.2, stretch=sim.Stretch(x=0.5, y=0.1, turn=3), settle=sim.Settle(x=1, y=1, turn=2, pressure=0.4, seconds=0.5),
                     press=sim.Press(start=1, seconds=0.3, pressure=0.8),
                 ),
                 sim.Finger(x=60, slide=sim.Slide(speed=3, direction=90, start=0, until=1, radius=2)),
@@ -49,6 +50,15 @@ def test_every_part_of_a_scene_is_understood_by_the_simulator(simulated, tmp_pat
     sim.load_scene(tmp_path / "scene.json")
     with vt40.Scanner("VT40-AB0002") as scanner:
         assert scanner.versions.endswith("1.21")
+
+
+def test_minutiae_lie_in_the_skin_that_is_down_and_ridges_with_them():
+    sim.load_scene(sim.Scene([sim.SimulatedScanner(fingers=[sim.Finger(sim.Print(pattern="left-loop"), x=30)])]))
+    points, ridges, mask = sim.minutiae(0), sim.ridges(0), sim.ground_truth(0).mask
+    down = [point for point in points if point.down]
+    assert 15 < len(down) < len(points) and {point.kind for point in points} == {1, 2, 3, 4}
+    assert all(mask[round(point.y), round(point.x)] for point in down)
+    assert ridges.shape == (200, 200, 2) and 7 < np.median(ridges[ridges[..., 1] > 0, 1]) < 11
 
 
 def test_laying_replaces_what_lies_there_while_time_goes_on(scanner):

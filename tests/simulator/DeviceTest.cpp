@@ -233,6 +233,34 @@ TEST_F(SimulatorTest, ReportsHowTheOpticsBlursAndWhichSheetLiesThereWhen) {
   }
 }
 
+TEST_F(SimulatorTest, ListsMinutiaeAndRidgesOfTheFingersThatAreDown) {
+  Start(
+      R"({"scanners": [{"target": {}, "fingers": [{"x": 25, "touch": 1}, {"print": {"pattern": "right-loop"}, "x": 55}]}]})");
+  unsigned nCount = 0;
+  ASSERT_EQ(VTSimGetMinutiaeAt(nullptr, 0.5, nullptr, &nCount), -702) << "one finger is down";
+  std::vector<VTSimMinutia> aOne(nCount);
+  ASSERT_EQ(VTSimGetMinutiaeAt(nullptr, 0.5, aOne.data(), &nCount), 0);
+  int anKinds[5] = {};
+  for (const VTSimMinutia& o : aOne) {
+    EXPECT_EQ(o.nFinger, 1u);
+    EXPECT_TRUE(o.dDirection >= 0.0 && o.dDirection < 360.0);
+    ++anKinds[o.nKind];
+  }
+  EXPECT_TRUE(anKinds[VTSIM_MINUTIA_ENDING] > 5 && anKinds[VTSIM_MINUTIA_BIFURCATION] > 5);
+  EXPECT_TRUE(anKinds[VTSIM_MINUTIA_CORE] == 1 && anKinds[VTSIM_MINUTIA_DELTA] == 1);
+  nCount = 0;
+  ASSERT_EQ(VTSimGetMinutiaeAt(nullptr, 2.0, nullptr, &nCount), -702);
+  EXPECT_GT(nCount, aOne.size() + 10) << "both are";
+  std::vector<VTSimRidge> aRidges(VTSIM_RIDGE_SIDE * VTSIM_RIDGE_SIDE);
+  nCount = VTSIM_RIDGE_SIDE * VTSIM_RIDGE_SIDE - 1;
+  EXPECT_EQ(VTSimGetRidgesAt(nullptr, 0.5, aRidges.data(), &nCount), -702);
+  ASSERT_EQ(VTSimGetRidgesAt(nullptr, 0.5, aRidges.data(), &nCount), 0);
+  // Squares of 0.4064 mm: the middles of the two fingers, of which the first is not there yet.
+  EXPECT_EQ(aRidges[100 * VTSIM_RIDGE_SIDE + 61].dPeriod, 0.0);
+  EXPECT_NEAR(aRidges[100 * VTSIM_RIDGE_SIDE + 135].dPeriod, 9.0, 3.0);
+  EXPECT_EQ(VTSimGetRidgesAt(nullptr, -1.0, aRidges.data(), &nCount), -44);
+}
+
 TEST_F(SimulatorTest, SaysWhereAPointOfThePictureFallsOnTheSensor) {
   Start(R"({"scanners": [{"target": {}}]})");
   VTSimPoint aDots[64], o;

@@ -13,24 +13,26 @@ Threads: all functions are thread-safe. They raise `errors.SimulatorError` with 
 """
 
 from .control import (
-    PICTURE_SIDE, Beep, DisplayState, GroundTruth, LightWord, OpticsState, PenState, PenStroke, SequenceRecord,
-    SheetField, SheetState, State, advance, beeps, call_count, clear_faults, delay_sequence, display, fail_call, fail_randomly, fault_log, ground_truth, hold_sequences,
-    lay, lights, load_scene, optics, pass_sequences, pen_at, pen_strokes, picture_to_sensor, plug, reset, restore_eprom_file,
-    sequences, set_device_version, set_eprom_file, set_library_version, sheet_at, state, target_dots, unplug, unrolled_truth, use,
+    PICTURE_SIDE, RIDGE_SIDE, Beep, DisplayState, GroundTruth, LightWord, Minutia, OpticsState, PenState, PenStroke,
+    SequenceRecord, SheetField, SheetState, State, advance, beeps, call_count, clear_faults, delay_sequence, display,
+    fail_call, fail_randomly, fault_log, ground_truth, hold_sequences, lay, lights, load_scene, minutiae, optics,
+    pass_sequences, pen_at, pen_strokes, picture_to_sensor, plug, reset, restore_eprom_file, ridges, sequences,
+    set_device_version, set_eprom_file, set_library_version, sheet_at, state, target_dots, unplug, unrolled_truth, use,
     wait_for_sequences,
 )  # fmt: skip
 from .scenes import (
-    Dirt, Eprom, EpromFile, FailCall, FailRandomly, Finger, Light, Optics, Pen, Platen, Plug, Press, Print, Rolling, RollMoment,
-    Scene, Settle, Sheet, SimulatedScanner, Slide, Stroke, Target, Unplug,
+    Dirt, Eprom, EpromFile, FailCall, FailRandomly, Finger, Light, Optics, Pen, Platen, Plug, Press, Print, RollMoment,
+    Rolling, Scene, Settle, Sheet, SimulatedScanner, Slide, Stretch, Stroke, Target, Unplug,
 )  # fmt: skip
 
 __all__ = [
-    "PICTURE_SIDE", "Beep", "Dirt", "DisplayState", "Eprom", "EpromFile", "FailCall", "FailRandomly", "Finger",
-    "GroundTruth", "Light", "LightWord", "Optics", "OpticsState", "Pen", "PenState", "PenStroke", "Platen", "Plug", "Press", "Print", "RollMoment",
-    "Rolling", "Scene", "SequenceRecord", "Settle", "Sheet", "SheetField", "SheetState", "SimulatedScanner", "Slide", "State", "Stroke", "Target", "Unplug",
+    "PICTURE_SIDE", "RIDGE_SIDE", "Beep", "Dirt", "DisplayState", "Eprom", "EpromFile", "FailCall", "FailRandomly",
+    "Finger", "GroundTruth", "Light", "LightWord", "Minutia", "Optics", "OpticsState", "Pen", "PenState", "PenStroke",
+    "Platen", "Plug", "Press", "Print", "RollMoment", "Rolling", "Scene", "SequenceRecord", "Settle", "Sheet",
+    "SheetField", "SheetState", "SimulatedScanner", "Slide", "State", "Stretch", "Stroke", "Target", "Unplug",
     "advance", "beeps", "call_count", "clear_faults", "delay_sequence", "display", "fail_call", "fail_randomly",
-    "fault_log", "ground_truth", "hold_sequences", "lay", "lights", "load_scene", "optics", "pass_sequences", "pen_at",
-    "pen_strokes", "picture_to_sensor", "plug", "reset", "restore_eprom_file", "sequences", "set_device_version",
-    "set_eprom_file", "set_library_version", "sheet_at", "state", "target_dots", "unplug", "unrolled_truth", "use",
-    "wait_for_sequences",
+    "fault_log", "ground_truth", "hold_sequences", "lay", "lights", "load_scene", "minutiae", "optics",
+    "pass_sequences", "pen_at", "pen_strokes", "picture_to_sensor", "plug", "reset", "restore_eprom_file", "ridges",
+    "sequences", "set_device_version", "set_eprom_file", "set_library_version", "sheet_at", "state", "target_dots",
+    "unplug", "unrolled_truth", "use", "wait_for_sequences",
 ]  # fmt: skip

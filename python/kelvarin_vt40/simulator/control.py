@@ -19,6 +19,9 @@ from .scenes import Dirt, Finger, Light, Pen, Platen, Scene, Sheet, Target, as_j
 # Side of a picture of the ground truth in pixels, at 500 dpi.
 PICTURE_SIDE = 1600
 
+# Side of the map of ridges, whose squares have 8 pixels a side.
+RIDGE_SIDE = 200
+
 _SIZE_TOO_SMALL = -702
 _TIMED_OUT = -50
 
@@ -123,6 +126,22 @@ class SheetField(ctypes.Structure):
     ]  # fmt: skip
 
 
+class Minutia(ctypes.Structure):
+    """A point of a generated print: `kind` 1 a ridge ending, 2 a bifurcation, 3 a core, 4 a delta.
+
+    `finger` counts the fingers of the scene from 0, `down` is 1 where the skin touches the glass, `x` and `y` are pixels of
+    the ground truth, `direction` is degrees counter-clockwise from the right: into the ridge that ends, between the branches.
+    """
+
+    _fields_ = [
+        ("finger", c_uint), ("kind", c_int), ("down", c_int), ("x", c_double), ("y", c_double), ("direction", c_double),
+    ]  # fmt: skip
+
+
+class _Ridge(ctypes.Structure):
+    _fields_ = [("direction", c_double), ("period", c_double)]
+
+
 class _Point(ctypes.Structure):
     _fields_ = [("x", c_double), ("y", c_double)]
 
@@ -139,6 +158,8 @@ _FUNCTIONS: Dict[str, Sequence[Any]] = {
     "VTSimGetGroundTruthAt": (_SERIAL, c_double, *_PICTURE),
     "VTSimGetUnrolledTruth": (_SERIAL, c_double, c_double, *_PICTURE),
     "VTSimPictureToSensor": (_SERIAL, c_double, c_double, POINTER(c_double), POINTER(c_double)),
+    "VTSimGetMinutiaeAt": (_SERIAL, c_double, c_void_p, _COUNT),
+    "VTSimGetRidgesAt": (_SERIAL, c_double, c_void_p, _COUNT),
     "VTSimGetTargetDots": (_SERIAL, c_void_p, _COUNT),
     "VTSimGetOptics": (_SERIAL, POINTER(OpticsState)),
     "VTSimGetSheetAt": (_SERIAL, c_double, POINTER(SheetState), c_void_p, _COUNT),
@@ -348,6 +369,26 @@ def _list(kind: Type[_T], most: int, name: str, *arguments: Any) -> List[_T]:
     cells = (kind * most)()
     _call(name, *arguments, cells, byref(room))
     return list(cells[: room.value])
+
+
+def minutiae(at: float, serial: Optional[str] = None) -> List[Minutia]:
+    """The minutiae, cores and deltas of the generated prints that are down at a time of the time line."""
+    room = c_uint(0)
+    number = _number("VTSimGetMinutiaeAt", _bytes(serial), at, None, byref(room))
+    if number not in (0, _SIZE_TOO_SMALL):
+        _raise("VTSimGetMinutiaeAt", number)
+    return _list(Minutia, room.value, "VTSimGetMinutiaeAt", _bytes(serial), at)
+
+
+def ridges(at: float, serial: Optional[str] = None) -> npt.NDArray[np.float64]:
+    """Direction in degrees and period in pixels of the ridges at a time: shape (200, 200, 2), a square of 8 pixels each.
+
+    The period is 0 where no generated ridges touch the glass.
+    """
+    result = np.empty((RIDGE_SIDE, RIDGE_SIDE, 2), np.float64)
+    room = c_uint(RIDGE_SIDE * RIDGE_SIDE)
+    _call("VTSimGetRidgesAt", _bytes(serial), at, result.ctypes.data_as(c_void_p), byref(room))
+    return result
 
 
 def target_dots(serial: Optional[str] = None) -> npt.NDArray[np.float64]:

@@ -20,12 +20,25 @@ class Print:
 
     file: Optional[str] = None
     seed: Optional[int] = None
-    pattern: Optional[str] = None  # "left-loop", "right-loop", "whorl", "arch"
+    pattern: Optional[str] = None  # "left-loop", "right-loop", "whorl", "arch", "tented-arch", "double-loop", "any"
     width: Optional[float] = None
     height: Optional[float] = None
     ridge_period: Optional[float] = None
     pores: Optional[float] = None
+    skin: Optional[str] = None  # "adult", "child", "elderly"
+    creases: Optional[int] = None
+    scars: Optional[int] = None
+    cuts: Optional[int] = None
     material: Optional[str] = None  # "skin", or an imitation: "soft-cast", "flat-cast", "halftone"
+
+
+@dataclass
+class Stretch:
+    """By how much the finger has moved on and turned after the middle of the contact stuck to the glass."""
+
+    x: Optional[float] = None
+    y: Optional[float] = None
+    turn: Optional[float] = None
 
 
 @dataclass
@@ -88,12 +101,14 @@ class Finger:
     angle: Optional[float] = None
     pressure: Optional[float] = None
     dryness: Optional[float] = None
+    sweat: Optional[float] = None
     touch: Optional[float] = None
     lift: Optional[float] = None
     touch_seconds: Optional[float] = None
     lift_seconds: Optional[float] = None
     repeat: Optional[float] = None
     halo: Optional[float] = None
+    stretch: Optional[Stretch] = None
     settle: Optional[Settle] = None
     slide: Optional[Slide] = None
     press: Optional[Press] = None
