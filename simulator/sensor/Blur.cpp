@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace Simulator {
 namespace {
@@ -31,9 +30,9 @@ void MixRow(const uint8_t* pBefore, const uint8_t* pHere, const uint8_t* pAfter,
   }
 }
 
-void BlurAlongRows(TpPlane<uint8_t>& oPicture, uint32_t nShare) {
+void BlurAlongRows(TpPlane<uint8_t>& oPicture, uint32_t nShare, std::vector<uint8_t>& aRow) {
   const size_t nWidth = static_cast<size_t>(oPicture.Width());
-  std::vector<uint8_t> aRow(nWidth + 2);
+  aRow.resize(nWidth + 2);
   for (int y = 0; y < oPicture.Height(); ++y) {
     uint8_t* pRow = oPicture.Row(y);
     std::copy_n(pRow, nWidth, aRow.data() + 1);
@@ -43,10 +42,12 @@ void BlurAlongRows(TpPlane<uint8_t>& oPicture, uint32_t nShare) {
   }
 }
 
-void BlurDownColumns(TpPlane<uint8_t>& oPicture, uint32_t nShare) {
+void BlurDownColumns(TpPlane<uint8_t>& oPicture, uint32_t nShare, std::vector<uint8_t>& aBefore,
+                     std::vector<uint8_t>& aHere) {
   const size_t nWidth = static_cast<size_t>(oPicture.Width());
   const int nHeight = oPicture.Height();
-  std::vector<uint8_t> aBefore(oPicture.Row(0), oPicture.Row(0) + nWidth), aHere(nWidth);
+  aBefore.assign(oPicture.Row(0), oPicture.Row(0) + nWidth);
+  aHere.resize(nWidth);
   for (int y = 0; y < nHeight; ++y) {
     uint8_t* pRow = oPicture.Row(y);
     std::copy_n(pRow, nWidth, aHere.data());
@@ -57,10 +58,10 @@ void BlurDownColumns(TpPlane<uint8_t>& oPicture, uint32_t nShare) {
 
 }  // namespace
 
-void Blur(TpPlane<uint8_t>& oPicture, double dVarianceX, double dVarianceY) {
+void ClBlur::Process(TpPlane<uint8_t>& oPicture, double dVarianceX, double dVarianceY) {
   if (oPicture.Empty()) return;
-  for (int n = 0; n < Passes(dVarianceX); ++n) BlurAlongRows(oPicture, Share(dVarianceX));
-  for (int n = 0; n < Passes(dVarianceY); ++n) BlurDownColumns(oPicture, Share(dVarianceY));
+  for (int n = 0; n < Passes(dVarianceX); ++n) BlurAlongRows(oPicture, Share(dVarianceX), m_aRow);
+  for (int n = 0; n < Passes(dVarianceY); ++n) BlurDownColumns(oPicture, Share(dVarianceY), m_aRow, m_aOther);
 }
 
 }  // namespace Simulator

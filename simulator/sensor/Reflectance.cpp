@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "sensor/Blur.h"
 #include "sensor/Light.h"
 
 namespace Simulator {
@@ -23,7 +22,7 @@ void ClReflectance::Update(const ClPlatenMap& oMap, double dVarianceX, double dV
       pOut[x] = static_cast<uint8_t>(nSkin + (pContact[x] * (255 - nSkin) + 127) / 255);
     }
   }
-  if (!m_pSheet) Blur(m_oPicture, dVarianceX, dVarianceY);
+  if (!m_pSheet) m_oBlur.Process(m_oPicture, dVarianceX, dVarianceY);
   FindOccupied();
 }
 

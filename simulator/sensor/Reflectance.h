@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "scene/Platen.h"
+#include "sensor/Blur.h"
 
 namespace Simulator {
 
@@ -34,6 +35,7 @@ class ClReflectance {
  private:
   void FindOccupied();
 
+  ClBlur m_oBlur;
   TpPlane<uint8_t> m_oPicture;
   TpPlane<uint8_t> m_oOccupied;
   std::shared_ptr<const ClSheetDescription> m_pSheet;

@@ -15,7 +15,7 @@ TEST(Blur, APointKeepsItsLightAndGetsTheVariances) {
     // A block of 9 by 9, since single steps of a grey value would be rounded away.
     for (int y = 16; y < 25; ++y)
       for (int x = 16; x < 25; ++x) oPicture.At(x, y) = 250;
-    Blur(oPicture, dX, dY);
+    ClBlur().Process(oPicture, dX, dY);
     double dSum = 0.0, dXX = 0.0, dYY = 0.0;
     for (int y = 0; y < 41; ++y) {
       for (int x = 0; x < 41; ++x) {
@@ -33,7 +33,7 @@ TEST(Blur, APointKeepsItsLightAndGetsTheVariances) {
 
 TEST(Blur, EvenAreasStayAsTheyAreUpToTheEdge) {
   TpPlane<uint8_t> oPicture(5, 4, 77);
-  Blur(oPicture, 1.3, 0.7);
+  ClBlur().Process(oPicture, 1.3, 0.7);
   for (size_t n = 0; n < oPicture.Count(); ++n) EXPECT_EQ(oPicture.Data()[n], 77);
 }
 

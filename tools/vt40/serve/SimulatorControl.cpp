@@ -67,10 +67,11 @@ void ClSimulatorControl::Check(long nResult) const {
 
 const std::vector<std::string>& ClSimulatorControl::Scenes() {
   static const std::vector<std::string> s_aScenes = {
-      "empty",        "finger",       "slap-right",  "slap-left",  "thumbs",       "settling-slap",
-      "sliding-slap", "early-lift",   "dirty",       "dirty-slap", "fake-finger",  "roll-right",
-      "roll-left",    "roll-slipped", "roll-fast",   "roll-back",  "roll-twisted", "roll-short",
-      "signature",    "dot",          "swipe-right", "swipe-left", "resting-hand", "target"};
+      "empty",         "finger",       "slap-right",   "slap-left",    "thumbs",
+      "settling-slap", "sliding-slap", "early-lift",   "dirty",        "dirty-slap",
+      "fake-finger",   "roll-right",   "roll-left",    "roll-slipped", "roll-fast",
+      "roll-back",     "roll-twisted", "roll-short",   "signature",    "dot",
+      "swipe-right",   "swipe-left",   "resting-hand", "target",       "quality"};
   return s_aScenes;
 }
 
