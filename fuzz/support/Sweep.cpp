@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr unsigned int cnMostSeconds = 20;
+constexpr unsigned int cnMostSeconds = 60;
 
 double SecondsSince(std::chrono::steady_clock::time_point tBegin) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - tBegin).count();

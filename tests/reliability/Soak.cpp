@@ -21,7 +21,7 @@ namespace {
 using namespace Reliability;
 
 /// A sequence that takes longer than so many seconds hangs.
-constexpr unsigned int cnLongestSequence = 60;
+constexpr unsigned int cnLongestSequence = 240;
 constexpr size_t cnMostBytes = 40;
 
 uint64_t s_nPlaying = 0;
