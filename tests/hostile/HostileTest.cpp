@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -26,7 +27,7 @@ long s_nAllocation = 0;
 constexpr long canNumbers[] = {-2,   -43,  -44,  -47,  -50,  -60, -61, -101,       -102,
                                -200, -203, -206, -701, -702, -1,  1,   -2147483647};
 constexpr unsigned cnSeed = 20;
-constexpr size_t cnSample = 30 / cnSlowness;
+constexpr size_t cnSample = std::max(1, 12 / cnSlowness);
 /// The simulated scanner's own answers, whatever is planned.
 const std::set<long> caOwn = {-43, -44, -50, -60, -701, -702};
 
