@@ -7,6 +7,7 @@
 #include "GuardedCall.h"
 #include "HostileFixture.h"
 #include "Life.h"
+#include "Pace.h"
 
 namespace {
 
@@ -75,7 +76,10 @@ TEST_F(HangingScanner, ACallThatIsHeldBackByOneWithoutFramesDoesNotWaitAsLongAsT
 
 TEST_F(HangingScanner, EachFunctionReturnsInItsTimeInEachMode) {
   std::map<std::string, double> mapSeconds;
-  for (int nMode = 0; nMode < cnModes; ++nMode) {
+  // Sanitizers look for slips of the code, which every third mode shows as well: automatic, single shot,
+  // signature.
+  constexpr int cnStep = cnSlowness == 1 ? 1 : 3;
+  for (int nMode = 0; nMode < cnModes; nMode += cnStep) {
     LoadScene(Scene("VT40-AB0001"));
     m_pControl->Plan({});
     // One more, for the function that gives one up.
