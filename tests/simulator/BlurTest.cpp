@@ -22,6 +22,7 @@ TEST(Blur, APointKeepsItsLightAndGetsTheVariances) {
         dSum += oPicture.At(x, y);
         dXX += oPicture.At(x, y) * (x - 20.0) * (x - 20.0);
         dYY += oPicture.At(x, y) * (y - 20.0) * (y - 20.0);
+        EXPECT_EQ(oPicture.At(x, y), oPicture.At(x, 40 - y)) << x << ", " << y;
       }
     }
     EXPECT_NEAR(dSum, 250.0 * 81.0, 60.0);
