@@ -127,6 +127,7 @@ std::vector<VTSimMinutia> ClScanner::Minutiae(double dTime) {
   std::vector<ClMinutia> aFound;
   m_oSensor.Scene().AddMinutiae(dTime, aFound);
   std::vector<VTSimMinutia> aMinutiae;
+  aMinutiae.reserve(aFound.size());
   for (const ClMinutia& o : aFound)
     aMinutiae.push_back({o.nFinger, o.ePoint, o.bDown, o.dX, o.dY, Degrees(o.dDirection, 360.0)});
   return aMinutiae;

@@ -64,9 +64,10 @@ const ClRidgeKernels& ClRidgeKernels::Odd() {
 
 int ClRidgeKernels::Nearest(double dDirection, double dPeriod) {
   const double dTurn = dDirection / Portable::cdPi;
-  const int nDirection = static_cast<int>((dTurn - std::floor(dTurn)) * cnDirections + 0.5) % cnDirections;
+  const int nDirection =
+      static_cast<int>(std::lround((dTurn - std::floor(dTurn)) * cnDirections)) % cnDirections;
   const int nPeriod =
-      std::clamp(static_cast<int>((dPeriod - cdLeastPeriod) / cdPeriodStep + 0.5), 0, cnPeriods - 1);
+      std::clamp(static_cast<int>(std::lround((dPeriod - cdLeastPeriod) / cdPeriodStep)), 0, cnPeriods - 1);
   return nPeriod * cnDirections + nDirection;
 }
 

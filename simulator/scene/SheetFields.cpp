@@ -1,4 +1,6 @@
 // What is printed on the sheets that image quality is measured with.
+#include <cmath>
+
 #include "portable/Math.h"
 #include "scene/Sheet.h"
 
@@ -73,10 +75,14 @@ void Squares(double dX, double dY, std::vector<ClSheetField>& aFields) {
 void Lines(std::vector<ClSheetField>& aFields) {
   // Dark lines that cross would be twice as dark: the lines down are made of pieces between those across.
   const double dLength = 2 * cdLineReach + cdLineWidth;
-  for (double d = -cdLineReach; d <= cdLineReach; d += cdLinePitch) {
+  const int nGaps = static_cast<int>(std::lround(2 * cdLineReach / cdLinePitch));
+  for (int n = 0; n <= nGaps; ++n) {
+    const double d = n * cdLinePitch - cdLineReach;
     aFields.push_back(Grey(0, d, dLength, cdLineWidth, cdSheetDark));
-    for (double dGap = -cdLineReach; dGap < cdLineReach; dGap += cdLinePitch)
-      aFields.push_back(Grey(d, dGap + cdLinePitch / 2, cdLineWidth, cdLinePitch - cdLineWidth, cdSheetDark));
+    for (int nGap = 0; nGap < nGaps; ++nGap) {
+      const double dMiddle = (nGap + 0.5) * cdLinePitch - cdLineReach;
+      aFields.push_back(Grey(d, dMiddle, cdLineWidth, cdLinePitch - cdLineWidth, cdSheetDark));
+    }
   }
 }
 

@@ -17,7 +17,7 @@ int Passes(double dVariance) {
 
 /// The share of each neighbour, of cnWhole.
 uint32_t Share(double dVariance) {
-  return static_cast<uint32_t>(0.5 * dVariance / Passes(dVariance) * cnWhole + 0.5);
+  return static_cast<uint32_t>(std::lround(0.5 * dVariance / Passes(dVariance) * cnWhole));
 }
 
 /// pOut may be pHere.

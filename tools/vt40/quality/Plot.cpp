@@ -64,12 +64,14 @@ class ClPlot {
 
   void Axes(double dStepX, double dStepY) {
     char szText[32];
-    for (double d = 0; d <= m_dEndX * 1.0001; d += dStepX) {
+    for (int n = 0; n * dStepX <= m_dEndX * 1.0001; ++n) {
+      const double d = n * dStepX;
       Line(X(d), Y(0), X(d), Y(m_dEndY), 225, false, 1);
       std::snprintf(szText, sizeof(szText), "%g", d);
       Text(static_cast<int>(X(d)) - 4, cnPlotHeight - cnMargin + 8, szText, 0);
     }
-    for (double d = 0; d <= m_dEndY * 1.0001; d += dStepY) {
+    for (int n = 0; n * dStepY <= m_dEndY * 1.0001; ++n) {
+      const double d = n * dStepY;
       Line(X(0), Y(d), X(m_dEndX), Y(d), 225, false, 1);
       std::snprintf(szText, sizeof(szText), "%g", std::round(100 * d) / 100);
       Text(8, static_cast<int>(Y(d)) - 5, szText, 0);
