@@ -60,8 +60,9 @@ size_t fwrite(const void* pData, size_t nSize, size_t nCount, FILE* pFile) {
   return nWritten;
 }
 
-/// So does a read.
-size_t fread(void* pData, size_t nSize, size_t nCount, FILE* pFile) {
+/// So does a read. The C library's header has a body of that name, so that it goes by another in here.
+size_t ReadHalf(void* pData, size_t nSize, size_t nCount, FILE* pFile) __asm__("fread");
+size_t ReadHalf(void* pData, size_t nSize, size_t nCount, FILE* pFile) {
   static const auto pfn = Real(&fread, "fread");
   const bool bStrikes = Strikes();
   const size_t nRead = pfn(pData, nSize, bStrikes ? nCount / 2 : nCount, pFile);
