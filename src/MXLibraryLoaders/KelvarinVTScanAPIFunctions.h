@@ -4,7 +4,7 @@
 #include "MXTools/BitmapInfoHeader.h"
 
 /// Sensor modes as the scan library counts them.
-enum EVTScanMode_t : int {};
+using EVTScanMode_t = int;
 
 /// Calls REQUIRED or OPTIONAL with name, result and arguments of each function, in the order of binding.
 ///

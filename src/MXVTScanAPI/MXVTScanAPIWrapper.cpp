@@ -22,7 +22,7 @@ EVTScanMode_t ToLibraryMode(ClMXVTScanAPIHandleBase::EScanMode_t eMode) {
   const int nMode = static_cast<int>(eMode);
   if (std::find(std::begin(caScanModes), std::end(caScanModes), nMode) == std::end(caScanModes))
     KLV_RAISE(ClException, "invalid scan mode in VTScanAPISetResolution", -44);
-  return static_cast<EVTScanMode_t>(nMode);
+  return nMode;
 }
 
 }  // namespace
