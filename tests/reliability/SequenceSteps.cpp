@@ -25,9 +25,9 @@ constexpr unsigned cnEvents = cnScannerEvents + 8;
 constexpr unsigned cnSecond = 5;
 /// The first of the events after which a scanner has to be opened anew.
 constexpr unsigned cnFirstPlugging = 12;
-/// Opening takes longer than all the rest of a sequence: of the steps that make it necessary, those count
-/// whose next byte is below this.
-constexpr unsigned cnLowest = 32;
+/// Opening takes twenty times as long as the rest of a sequence: of the steps that make it necessary, those
+/// count whose next byte is below this.
+constexpr unsigned cnLowest = 8;
 
 bool NeedsOpening(const std::string& sFunction) {
   return sFunction == "LS_VT40OpenScanner" || sFunction == "LS_VT40CloseScanner" ||
@@ -221,8 +221,11 @@ void ClSteps::HappenToScanner(unsigned nEvent, const char* szSerial, unsigned n)
   switch (nEvent) {
     case 0:
     case 1:
+      if (LosesFirst(n)) {
+        if (Byte() >= cnLowest) return;
+        m_rPlay.bDisturbed = true;
+      }
       VTSimLoadScene(SceneOf(n).c_str());
-      if (LosesFirst(n)) m_rPlay.bDisturbed = true;
       return;
     case 2:
       VTSimHoldSequences(szSerial, 1);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "CallSequence.h"
+#include "SequenceContent.h"
 #include "Storm.h"
 
 // The sanitizers call what is set here before they end a process; without one this is missing.
@@ -31,7 +32,7 @@ void SayWhich() {
 }
 
 /// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory
-/// that runs out, every third two threads.
+/// that runs out, every third two threads; one in 64 begins with another scanner, which has to be opened.
 Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
   if (nNumber < s_aPairs.size()) return s_aPairs[static_cast<size_t>(nNumber)];
@@ -41,7 +42,7 @@ Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   Sequence_t aBytes(8 + static_cast<size_t>(oRandom() % cnMostBytes));
   for (uint8_t& rByte : aBytes) rByte = static_cast<uint8_t>(oRandom());
   aBytes[0] = nNumber % 3 == 0;
-  if (nNumber % 2 == 0) aBytes[1] = 0;
+  if (nNumber % 2 == 0 || (nNumber % 64 != 1 && LosesFirst(aBytes[1]))) aBytes[1] = 0;
   aBytes[3] &= 3;
   if (nNumber % 4 != 0) aBytes[2] = aBytes[3] = 0;
   return aBytes;
