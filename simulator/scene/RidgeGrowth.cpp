@@ -44,7 +44,8 @@ ClRidgeGrowth::ClRidgeGrowth(const ClPrintDescription& oDescription, const ClRid
       m_nStride(m_nWidth + 2 * cnMargin),
       m_bScars(oDescription.nScars > 0) {
   ChoosePlaces(oFlow, oOutline, oMarks);
-  Grow(Mix(oDescription.nSeed, 2));
+  // A seed with another pattern is another finger, also where both flow alike.
+  Grow(Mix(Mix(oDescription.nSeed, 2), static_cast<uint64_t>(PatternOf(oDescription))));
 }
 
 void ClRidgeGrowth::ChoosePlaces(const ClRidgeFlow& oFlow, const ClPrintOutline& oOutline,
