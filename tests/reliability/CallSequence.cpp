@@ -17,7 +17,7 @@ namespace {
 /// 15 seconds become a twentieth of one.
 constexpr int cnClockScale = 300;
 /// So many sequences share an open scanner if none of them disturbs it.
-constexpr unsigned cnMostShared = 64;
+constexpr unsigned cnMostShared = 256;
 constexpr size_t cnHead = 4;
 constexpr char cszLibrary[] = "libKelvarinLiveScannerVT40";
 
@@ -79,7 +79,10 @@ void ClSequencePlayer::Restore() {
     Begin();
   } else {
     Require(VTSimLoadScene(SceneOf(0).c_str()) == 0, VTSimLastError());
+    // Nobody looks at the frames.
+    VTSimHoldSequences(nullptr, 1);
     CheckUsable();
+    VTSimHoldSequences(nullptr, 0);
   }
 }
 

@@ -27,7 +27,7 @@ constexpr unsigned cnSecond = 5;
 constexpr unsigned cnFirstPlugging = 12;
 /// Opening takes twenty times as long as the rest of a sequence: of the steps that make it necessary, those
 /// count whose next byte is below this.
-constexpr unsigned cnLowest = 8;
+constexpr unsigned cnLowest = 4;
 
 bool NeedsOpening(const std::string& sFunction) {
   return sFunction == "LS_VT40OpenScanner" || sFunction == "LS_VT40CloseScanner" ||
