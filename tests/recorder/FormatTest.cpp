@@ -224,12 +224,12 @@ TEST(Format, AFieldThatGoesBeyondItsCallIsRefused) {
 TEST(Blur, RidgesGoAndLightAndAreaStay) {
   constexpr uint32_t cnWidth = 960, cnHeight = 240;
   std::vector<uint8_t> aFrame(cnWidth * cnHeight);
-  // A finger from column 300 to 700 with ridges five samples apart, over two taps that differ by 40.
+  // A finger from column 300 to 700 with ridges twelve samples apart, over two taps that differ by 40.
   for (uint32_t y = 0; y < cnHeight; ++y)
     for (uint32_t x = 0; x < cnWidth; ++x)
-      aFrame[y * cnWidth + x] = static_cast<uint8_t>((x < 300 || x >= 700        ? 20
-                                                      : (x / 5 * 5 + y) % 10 < 5 ? 80
-                                                                                 : 160) +
+      aFrame[y * cnWidth + x] = static_cast<uint8_t>((x < 300 || x >= 700 ? 20
+                                                      : x % 12 < 6        ? 80
+                                                                          : 160) +
                                                      (x % 2 == 0 ? 0 : 40));
   ClBlur().BlurFrames(aFrame.data(), aFrame.size(), cnWidth, cnHeight);
   const auto At = [&](uint32_t x, uint32_t y) { return static_cast<int>(aFrame[y * cnWidth + x]); };
