@@ -241,9 +241,9 @@ KLV_API long LS_VT40GetRollImage(void* h, void* pImage, double* pdScore, unsigne
  * the needed size on return.
  * Errors: KLV_ERROR_INVALID_PARAMETER pszName NULL, another kind of property, or no number;
  * KLV_ERROR_UNKNOWN_PARAMETER; KLV_ERROR_READ_ONLY; KLV_ERROR_OUT_OF_RANGE; -24 pnSize NULL;
- * KLV_ERROR_BUFFER_TOO_SMALL; -20 pszValue NULL; -23 pnValue or pdValue NULL; KLV_ERROR_INVALID_STATE not
- * in the current mode; -101 a name of more than 255 characters. After a failure of LS_VT40GetPropertyA the
- * text is empty. */
+ * KLV_ERROR_BUFFER_TOO_SMALL; -20 pszValue NULL; KLV_ERROR_BAD_POINTER the same where "Version" is read and
+ * *pnSize suffices; -23 pnValue or pdValue NULL; KLV_ERROR_INVALID_STATE not in the current mode; -101 a name
+ * of more than 255 characters. After a failure of LS_VT40GetPropertyA the text is empty. */
 KLV_API long LS_VT40GetPropertyA(void* h, const char* pszName, char* pszValue, unsigned int* pnSize);
 KLV_API long LS_VT40SetPropertyA(void* h, const char* pszName, const char* pszValue);
 KLV_API long LS_VT40GetPropertyLongA(void* h, const char* pszName, long* pnValue);

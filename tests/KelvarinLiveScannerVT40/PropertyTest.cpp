@@ -10,6 +10,7 @@ TEST_F(OpenScanner, PropertiesAreReadAndSetInEveryForm) {
   unsigned int nSize = 0;
   EXPECT_EQ(LS_VT40GetPropertyA(m_h, "Version", nullptr, &nSize), KLV_ERROR_BUFFER_TOO_SMALL);
   EXPECT_EQ(nSize, 11u);
+  EXPECT_EQ(LS_VT40GetPropertyA(m_h, "Version", nullptr, &nSize), KLV_ERROR_BAD_POINTER);
   EXPECT_EQ(LS_VT40GetPropertyA(m_h, "Version", szValue, &nSize), 0);
   EXPECT_STREQ(szValue, "1.5.1421.5");
   EXPECT_EQ(LS_VT40SetPropertyA(m_h, "Version", "2"), KLV_ERROR_READ_ONLY);
