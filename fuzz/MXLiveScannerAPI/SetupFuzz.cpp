@@ -1,4 +1,5 @@
 // Feeds serial numbers and calibration blocks to the set-up of a scanner, in the order in which it is opened.
+#include <cmath>
 #include <memory>
 
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
@@ -60,6 +61,26 @@ std::vector<Bytes> Seeds() {
       aSeeds.push_back(aSeed);
     }
   }
+  // Records of another target, source or grid.
+  using Simulator::ClGeometry;
+  for (const auto pfnSpoil : std::initializer_list<void (*)(ClGeometry&)>{
+           [](ClGeometry& r) { r.nTargetWidth = 100; }, [](ClGeometry& r) { r.nSourceWidth = 0; },
+           [](ClGeometry& r) { r.nTargetHeight = 100; }, [](ClGeometry& r) { r.nSourceHeight = 0; },
+           [](ClGeometry& r) { r.aTarget[9].dX = std::nan(""); },
+           [](ClGeometry& r) { r.nSourceHeight = 1u << 20; }, [](ClGeometry& r) { r.aTarget.clear(); },
+           [](ClGeometry& r) { r.aTarget.pop_back(), r.aActual.pop_back(); },
+           [](ClGeometry& r) { r.aActual.pop_back(); },
+           [](ClGeometry& r) { r.aActual.push_back(r.aActual[0]); }}) {
+    for (const char* szSerial : {"VT40-AA0001", "VT40-AB0001"}) {
+      ClGeometry oGeometry = Simulator::MeasureGeometry(Simulator::ClOptics(3));
+      pfnSpoil(oGeometry);
+      Bytes aSeed = BytesOf(szSerial);
+      aSeed.insert(aSeed.end(), {0, 0});
+      ClFuzzInput::PutBlock(aSeed, Simulator::EncodeGeometry(oGeometry));
+      aSeeds.push_back(aSeed);
+    }
+  }
+  for (const char* szSerial : {"VT40-1B0001", "VT40-A~0001", "VT40-A"}) aSeeds.push_back(BytesOf(szSerial));
   Bytes aOneFinger = BytesOf("VT41AB0001");
   aOneFinger.insert(aOneFinger.end(), {0, 0, 0, 0, 0, 128, 2, 0, 0, 240, 0, 0, 0});
   aSeeds.push_back(aOneFinger);

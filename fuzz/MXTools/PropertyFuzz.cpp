@@ -66,8 +66,8 @@ std::string TextOf(ClProperties& oProperties, const std::string& sName) {
 std::vector<Bytes> Seeds() {
   std::vector<Bytes> aSeeds;
   for (const char* szSeed :
-       {"i -12", "u 0xFF", "l 9223372036854775807", "b 255", "w 1e3", "d -2.5e-3", "d inf", "in.s 10",
-        ".in.c 11", "in.t text", "in.e On", "Version 2", "in ", "nothing.at.all 1"})
+       {"i -12", "u 0xFF", "l 9223372036854775807", "b 255", "w 1e3", "d -2.5e-3", "d inf", "l nan", "u -0",
+        "d 0", "in.s 10", ".in.c 11", "in.t text", "in.e On", "Version 2", "in ", "nothing.at.all 1"})
     aSeeds.push_back(BytesOf(szSeed, ' '));
   return aSeeds;
 }

@@ -11,14 +11,52 @@ using namespace Recording;
 
 namespace {
 
-void WriteCall(ClBlockWriter& oWriter, ClCallRecord& oCall, uint32_t nDevice) {
-  oCall.SetHead(1, nDevice, 1000, 2000, 0);
+void WriteCall(ClBlockWriter& oWriter, ClCallRecord& oCall, uint32_t nDevice, int64_t nResult = 0) {
+  oCall.SetHead(1, nDevice, 1000, 2000, nResult);
   std::vector<uint8_t> aCall(oCall.Bytes(), oCall.Bytes() + oCall.Size());
   for (size_t i = 0; i < oCall.AttachmentCount(); ++i) {
     const StAttachment& o = oCall.Attachments()[i];
     Store(&aCall[o.nField], oWriter.WriteCompressed(eBlockData, o.pData, static_cast<size_t>(o.nBytes)), 4);
   }
   oWriter.Write(eBlockCall, aCall.data(), aCall.size());
+}
+
+/// Settings, with the frames that come in each.
+void WriteStream(ClBlockWriter& oWriter) {
+  ClCallRecord oOpen(eVTScanAPICreateHandle);
+  oOpen.AddNumber(0, eGiven, 7);
+  WriteCall(oWriter, oOpen, 1);
+  ClCallRecord oMode(eVTScanAPISetCaptureMode);
+  oMode.AddNumber(1, eGiven, 4);
+  oMode.AddNumber(2, eGiven, 2);
+  oMode.AddBytes(3, eGiven, "0123456789abcdef", 16);
+  ClCallRecord oResolution(eVTScanAPISetResolution);
+  oResolution.AddNumber(1, eGiven, 5);
+  ClCallRecord oLights(eVTScanAPISetCaptureSequenceEx);
+  oLights.AddNumber(1, eGiven, 1);
+  oLights.AddBytes(2, eGiven, "0123", 4);
+  ClCallRecord oCapture(eVTScanAPIEnableCapture);
+  oCapture.AddNumber(1, eGiven, 1);
+  for (ClCallRecord* pCall : {&oMode, &oCapture, &oResolution, &oLights}) {
+    WriteCall(oWriter, *pCall, 1);
+    ClCallRecord oSequence(eVTScanAPILockRawSequence);
+    const Bytes aFrame(100, 5);
+    oSequence.AddFrames(1, eGot, aFrame.data(), aFrame.size(), 10, 10);
+    oSequence.AddNumber(eAddedMode, eGot, 4);
+    oSequence.AddNumber(eAddedWidth, eGot, 10);
+    oSequence.AddNumber(eAddedHeight, eGot, 10);
+    WriteCall(oWriter, oSequence, 1);
+  }
+  for (ClCallRecord* pCall : {&oMode, &oCapture, &oResolution, &oLights}) WriteCall(oWriter, *pCall, 1, -60);
+  ClCallRecord oNone(eVTScanAPIGetImageSequence);
+  oNone.AddNumber(eAddedWidth, eGot, 0);
+  WriteCall(oWriter, oNone, 1);
+  ClCallRecord oNumber(eVTScanAPIGetPropertyDoubleA);
+  oNumber.AddText(1, eGiven, "dValue");
+  oNumber.AddReal(2, eGot, 1.5);
+  WriteCall(oWriter, oNumber, 1);
+  const Bytes aEnd(32, 0);
+  oWriter.Write(eBlockEnd, aEnd.data(), aEnd.size());
 }
 
 void WriteSeed(ClBlockWriter& oWriter) {
@@ -59,14 +97,18 @@ void Play(const std::string& sFile) {
 }  // namespace
 
 std::vector<Bytes> Seeds() {
-  const ClMemoryFile oFile;
-  {
+  std::vector<Bytes> aSeeds;
+  for (const auto pfnWrite : {WriteSeed, WriteStream}) {
+    const ClMemoryFile oFile;
     const int nFile = open(oFile.Path().c_str(), O_WRONLY | O_CLOEXEC);
     Require(nFile >= 0, "the seed can be written");
-    ClBlockWriter oWriter(nFile, eFileSimulated, 1);
-    WriteSeed(oWriter);
+    {
+      ClBlockWriter oWriter(nFile, eFileSimulated, 1);
+      pfnWrite(oWriter);
+    }
+    aSeeds.push_back(oFile.Content());
   }
-  return {oFile.Content()};
+  return aSeeds;
 }
 
 /// Checksums of header and blocks as far as the blocks' sizes lead.

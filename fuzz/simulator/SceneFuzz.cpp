@@ -56,8 +56,34 @@ std::vector<Bytes> Seeds() {
                {"after": 0.3, "points": [[5, 6], [7, 8], [9, 3]]}]}}]})",
           R"({"scanners": [{"dirt": [{"x": 1, "y": 2, "width": 3, "length": 4, "angle": 5, "strength": 0.6, "from": 7,
                "until": 8}], "target": {"seed": 2, "x": 3, "y": 4, "angle": 1, "radius": 2, "uneven": 0.1, "dust": 9,
-               "scratches": 3, "missing": [3, 63], "doubled": [1]}}]})"})
+               "scratches": 3, "missing": [3, 63], "doubled": [1]}}]})",
+          R"({"faults": [{"call": "VTScanAPIGetVersion", "first": 2, "repeat": 0, "result": -101},
+               {"random": "VTScanAPIBeep", "probability": 0.1, "result": -60}, {"random": "*", "probability": 0},
+               {"unplug": "VT40-AB0001", "at": 3.5}, {"plug": "VT40-AB0001", "at": 6}]})",
+          R"({"scanners": [{"ambient": 4, "eprom": {"GEOCAL": {"flip": [3, 40]}, "GAINSET": {"missing": true}},
+               "optics": {"blur": 1.5, "bend": 0.1, "shade": 0.2},
+               "sheets": [{"kind": "bars", "x": 40, "y": 41, "angle": 1, "from": 1, "until": 2}, {"kind": "steps"}]},
+               {"serial": "VT40-AB0002", "fingers": [{"print": {"skin": "child", "pattern": "any"}}]}]})",
+          R"({"scanners": [{"fingers": [{"print": {"file": "/nowhere/print.png"}}]}]})"})
     aSeeds.push_back(BytesOf(szScene));
+  // Each is refused for one reason.
+  for (const char* szScanner : {R"("pen": {"strokes": [{"points": [[1, 2], [3]]}]})",
+                                R"("pen": {"strokes": [{"points": [[1, 2], [3, "4"]]}]})",
+                                R"("pen": {"strokes": [{"points": [[1, 2], [-60, 4]]}]})",
+                                R"("pen": {"strokes": [{"points": [[1, 2], [3, 4, -1]]}]})",
+                                R"("fingers": [{"slide": {"start": 2, "until": 1}}])",
+                                R"("fingers": [{"touch": 2, "lift": 1}])", R"("target": {"missing": ["x"]})",
+                                R"("target": {"missing": [64]})", R"("eprom": {"GEOCAL": {"flip": ["x"]}})",
+                                R"("ambient": [{"at": 2}, {"at": 1}])", R"("serial": "A"}, {"serial": "A")"})
+    aSeeds.push_back(BytesOf(R"({"scanners": [{)" + std::string(szScanner) + "}]}"));
+  for (const char* szRest :
+       {R"("faults": [{"call": "nothing"}])", R"("faults": [{"call": "x", "plug": "y"}])",
+        R"("pacing": "never")", R"("seed": -1)", R"("pacing": "real")"})
+    aSeeds.push_back(BytesOf("{" + std::string(szRest) + "}"));
+  aSeeds.push_back(BytesOf(R"({"libraryVersion": ")" + std::string(256, 'v') + R"("})"));
+  for (const char* szKey : {"version", "serial"})
+    aSeeds.push_back(
+        BytesOf(R"({"scanners": [{")" + std::string(szKey) + R"(": ")" + std::string(256, 'v') + R"("}]})"));
   return aSeeds;
 }
 

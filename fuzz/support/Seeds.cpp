@@ -10,7 +10,8 @@ namespace {
 
 void WriteSeeds(const std::string& sFolder) {
   size_t nSeed = 0;
-  for (const Bytes& aSeed : Seeds()) {
+  for (const Bytes& aRaw : Seeds()) {
+    const Bytes aSeed = Repaired != nullptr ? Repaired(aRaw) : aRaw;
     std::ofstream oFile(sFolder + "/seed-" + std::to_string(nSeed++), std::ios::binary);
     oFile.write(reinterpret_cast<const char*>(aSeed.data()), static_cast<std::streamsize>(aSeed.size()));
     oFile.close();

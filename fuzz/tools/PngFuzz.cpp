@@ -8,11 +8,15 @@ std::vector<Bytes> Seeds() {
   ClPicture oPicture;
   oPicture.nWidth = 6;
   oPicture.nHeight = 4;
-  oPicture.nPelsX = oPicture.nPelsY = 19685;
   for (unsigned int n = 0; n < 24; ++n) oPicture.aPixels.push_back(static_cast<unsigned char>(10 * n));
-  const ClMemoryFile oFile;
-  WritePng(oPicture, oFile.Path(), {"software", "serial", "mode", true});
-  return {oFile.Content()};
+  std::vector<Bytes> aSeeds;
+  for (const unsigned int nPels : {19685u, 0u}) {
+    oPicture.nPelsX = oPicture.nPelsY = nPels;
+    const ClMemoryFile oFile;
+    WritePng(oPicture, oFile.Path(), {"software", "serial", "mode", true});
+    aSeeds.push_back(oFile.Content());
+  }
+  return aSeeds;
 }
 
 Bytes Repaired(const Bytes& aInput) {
