@@ -49,7 +49,7 @@ void ClDetection::Uninitialize() {
 void* ClDetection::Create() {
   std::lock_guard<std::mutex> oLock(m_oMutex);
   if (m_nInitialized == 0) throw ClSimError(eNotInitialized, "the library is not initialised");
-  return *m_aContexts.insert(&m_aHandles.emplace_back()).first;
+  return *m_aContexts.insert(m_oHandles.Next()).first;
 }
 
 void ClDetection::CheckLocked(void* hDetection) const {

@@ -2,13 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <mutex>
 #include <set>
 #include <string>
 
 #include "KelvarinFakeFingerDetectionVT40/FDSim.h"
 #include "boundary/FaultScript.h"
+#include "boundary/HandleValues.h"
 
 namespace Simulator {
 
@@ -58,7 +58,7 @@ class ClDetection {
   ClFaultScript m_oFaults;
   std::mutex m_oMutex;  // guards all that follows
   unsigned m_nInitialized = 0;
-  std::deque<char> m_aHandles;  // a handle is the address of a byte that is never given back
+  ClHandleValues m_oHandles;
   std::set<void*> m_aContexts;
   unsigned m_nScores = 0;
   unsigned m_nWidth = 0;

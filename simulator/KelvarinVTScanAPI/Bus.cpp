@@ -84,7 +84,7 @@ void* ClBus::Open(unsigned nId) {
   const ClScanner::Session nSession = pScanner->Open();
   try {
     std::lock_guard<std::mutex> oLock(m_oMutex);
-    void* hDevice = &m_aHandles.emplace_back();
+    void* hDevice = m_oHandles.Next();
     m_mapDevices[hDevice] = {pScanner, nSession};
     return hDevice;
   } catch (...) {

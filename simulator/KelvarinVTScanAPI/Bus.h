@@ -1,7 +1,6 @@
 // All scanners of the process: the scene, who has opened what, and how often the library was initialised.
 #pragma once
 
-#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -10,6 +9,7 @@
 
 #include "KelvarinVTScanAPI/Scanner.h"
 #include "boundary/FaultScript.h"
+#include "boundary/HandleValues.h"
 
 namespace Simulator {
 
@@ -80,7 +80,7 @@ class ClBus {
   std::map<void*, ClDevice> m_mapDevices;
   std::string m_sLibraryVersion = "1.20";
   unsigned m_nNextId = 0x1100;
-  std::deque<char> m_aHandles;  // a handle is the address of a byte that is never given back
+  ClHandleValues m_oHandles;
 };
 
 }  // namespace Simulator

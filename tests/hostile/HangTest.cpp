@@ -74,6 +74,21 @@ TEST_F(HangingScanner, ACallThatIsHeldBackByOneWithoutFramesDoesNotWaitAsLongAsT
   }
 }
 
+TEST_F(HangingScanner, ASingleShotEndsAWaitThatDoesNotEndByItself) {
+  LoadScene(Scene("VT40-AB0001"));
+  m_pControl->Plan({Recording::eVTScanAPILockRawSequence, eCapture, 1, eNever, 0});
+  ASSERT_EQ(LS_VT40Initialize(nullptr), 0);
+  void* h = nullptr;
+  ASSERT_EQ(LS_VT40OpenScanner("VT40-AB0001", &h), 0);
+  m_pControl->Enter(eCapture);
+  const auto tStart = std::chrono::steady_clock::now();
+  EXPECT_EQ(Image(LS_VT40GetImage, h), -60);
+  EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - tStart).count(), 4.5);
+  EXPECT_EQ(Image(LS_VT40GetImage, h), 0);
+  EXPECT_EQ(LS_VT40CloseScanner(&h), 0);
+  EXPECT_EQ(LS_VT40Uninitialize(), 0);
+}
+
 TEST_F(HangingScanner, EachFunctionReturnsInItsTimeInEachMode) {
   std::map<std::string, double> mapSeconds;
   // Sanitizers look for slips of the code, which every third mode shows as well: automatic, single shot,

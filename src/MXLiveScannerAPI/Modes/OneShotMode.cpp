@@ -10,7 +10,15 @@ void ClOneShotMode::GetImage(ClImage& oImage, ECaptureState& eState, double& dSc
   TpLock oFullLock(m_oFull);
   m_oScanner.EnableCaptureThread(true);
   TpUndo oUndo([this] { m_oScanner.EnableCaptureThread(false); });
-  m_oFull.Shoot(m_oSensor);
+  {
+    // No other thread waits for this one, which would end the wait of a scan library that does not by itself.
+    ClHelperThread oShooting([this] {
+      m_oSensor.AssertHeld();
+      m_oFull.AssertHeld();
+      m_oFull.Shoot(m_oSensor);
+    });
+    oShooting.Join([this] { m_oSensor.EndStuckWait(); });
+  }
   {
     // The picture is rectified while the capture sequence is being closed.
     ClHelperThread oRectifying([this] {

@@ -24,10 +24,26 @@ class ClHelperThread {
 
   void Join() {
     Wait();
-    if (m_pFailure != nullptr) std::rethrow_exception(std::exchange(m_pFailure, nullptr));
+    Raise();
+  }
+
+  /// Waits too, and calls fnWake before it does and now and then while it does; fnWake raises nothing.
+  template <typename TWake>
+  void Join(TWake&& fnWake) {
+    boost::this_thread::disable_interruption oNoInterruption;
+    do {
+      fnWake();
+    } while (!m_oThread.timed_join(boost::posix_time::milliseconds(cnWakeIntervalMs)));
+    Raise();
   }
 
  private:
+  static constexpr int cnWakeIntervalMs = 10;
+
+  void Raise() {
+    if (m_pFailure != nullptr) std::rethrow_exception(std::exchange(m_pFailure, nullptr));
+  }
+
   void Wait() {
     // The work uses members of its owner, so that an interruption of the caller must not end the wait early.
     boost::this_thread::disable_interruption oNoInterruption;
