@@ -99,4 +99,20 @@ TEST_F(AllocationFailure, EndsWithItsNumberAndLeavesNothing) {
   EXPECT_GT(nTold, nTried / 2) << "of " << nTried;
 }
 
+TEST_F(AllocationFailure, ASwitchToTheSignaturePadThatFailsLeavesItsPropertyFree) {
+  LoadScene(Scene(cszSerial));
+  ASSERT_EQ(Open(), 0);
+  Allocations::Watch("libKelvarinLiveScannerVT40");
+  long nSwitched = -1, nAllocation = 0;
+  while (nSwitched != 0 && !HasFailure()) {
+    nAllocation += cnSlowness;
+    Allocations::FailNth(nAllocation);
+    nSwitched = LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_SIGNATURE);
+    Allocations::Ignore();
+    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_OFF), 0);
+    EXPECT_EQ(LS_VT40SetPropertyLongA(m_h, "nSignatureSensorMode", nAllocation % 2), 0);
+  }
+  EXPECT_GT(nAllocation, 10);
+}
+
 }  // namespace

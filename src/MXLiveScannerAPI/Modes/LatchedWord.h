@@ -16,11 +16,26 @@ class ClLatchedWord {
     } while (!m_nWord.compare_exchange_weak(nBefore, nValue));
     return true;
   }
-  /// Holds the value until Release.
-  uint32_t Hold() { return static_cast<uint32_t>(m_nWord |= cnHeld); }
-  void Release() { m_nWord &= ~cnHeld; }
 
  private:
+  friend class ClLatch;
+
   static constexpr uint64_t cnHeld = uint64_t{1} << 32;
   std::atomic<uint64_t> m_nWord{0};
+};
+
+/// Holds a word, of one user at a time, for as long as it stands.
+class ClLatch {
+ public:
+  explicit ClLatch(ClLatchedWord& rWord)
+      : m_rWord(rWord), m_nValue(static_cast<uint32_t>(rWord.m_nWord |= ClLatchedWord::cnHeld)) {}
+  ClLatch(const ClLatch&) = delete;
+  ClLatch& operator=(const ClLatch&) = delete;
+  ~ClLatch() { m_rWord.m_nWord &= ~ClLatchedWord::cnHeld; }
+
+  uint32_t Value() const { return m_nValue; }
+
+ private:
+  ClLatchedWord& m_rWord;
+  const uint32_t m_nValue;
 };

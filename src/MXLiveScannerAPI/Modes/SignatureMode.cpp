@@ -20,12 +20,8 @@ constexpr double cdSqrtTwoPi = 2.5066282746310002;
 
 ClSignatureMode::ClSignatureMode(const StCaptureRooms& oRooms)
     : m_oRooms(oRooms),
-      m_eRow(oRooms.oSettings.oSensorMode.Hold() != 0 ? ClVT40Sensor::eSignatureHalf
-                                                      : ClVT40Sensor::eSignature) {}
-
-ClSignatureMode::~ClSignatureMode() {
-  m_oRooms.oSettings.oSensorMode.Release();
-}
+      m_oSensorMode(oRooms.oSettings.oSensorMode),
+      m_eRow(m_oSensorMode.Value() != 0 ? ClVT40Sensor::eSignatureHalf : ClVT40Sensor::eSignature) {}
 
 void ClSignatureMode::Start() {
   const ClCalibrateGeometricData& oPreview = m_oRooms.oSetup.GetGeometricDataPreview(m_oRooms.bSmallImages);

@@ -27,7 +27,6 @@ class ClSignatureMode : public ClCaptureMode {
  public:
   /// Holds the sensor mode of the settings until its destruction.
   explicit ClSignatureMode(const StCaptureRooms& oRooms);
-  ~ClSignatureMode() override;
 
   std::optional<ClVT40Sensor::ERow> Row() const override { return m_eRow; }
   void Start() override;
@@ -53,6 +52,7 @@ class ClSignatureMode : public ClCaptureMode {
   static void DrawInk(StInk& oInk, ClImage& oStrokes, ClImage& oImage, double dSigma);
 
   const StCaptureRooms& m_oRooms;
+  const ClLatch m_oSensorMode;
   const ClVT40Sensor::ERow m_eRow;
   ClFrameBuffer m_oPreviews;
   StInk m_oPreviewInk;
