@@ -274,6 +274,7 @@ TEST_F(HostileLibrary, EndsEachCallOnTimeWithADocumentedNumberAndLeavesNothing) 
   ASSERT_TRUE(m_oBook.aFindings.empty()) << m_oBook.aFindings[0];
   EXPECT_GT(aCombinations.size(), 5000u);
   std::vector<std::string> aTexts;
+  aTexts.reserve(aCombinations.size());
   for (const StCombination& o : aCombinations) aTexts.push_back(TextOf(o));
   ForEach(aTexts, cnSample, [&](size_t n, size_t nNext) {
     const StCombination& o = aCombinations[n];
