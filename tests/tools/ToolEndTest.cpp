@@ -150,6 +150,7 @@ TEST_F(Tool, MistakesInTheLineAreAnsweredWithTheNearestName) {
   Expect(Run("capture --simluate"), 2, "did you mean \"--simulate\"?");
   Expect(Run("--simulate capture"), 2, "\"--simulate\" must stand after \"capture\"");
   Expect(Run("capture --record x"), 2, "\"--record\" must stand before the command");
+  Expect(Run("list capture"), 2, "\"capture\" is unknown; see vt40 list --help");
   Expect(Run("capture --frames 3 --mode auto"), 2, "--frames: has no effect with --mode auto");
   Expect(Run("capture --count 3"), 2, "--count: has no effect with --mode preview");
   Expect(Run("capture --min-score 3 --mode auto"), 2, "--min-score");

@@ -153,9 +153,12 @@ std::string DescribeMistake(const CLI::App& oApp, const CLI::ParseError& oError)
   if (aUnknown.empty()) return std::string(oError.what()) + "; see " + sHelp;
   const std::string sUnknown = aUnknown.front().substr(0, aUnknown.front().find('='));
   const std::string sNearest = Nearest(oCommand, sUnknown);
-  // The option is known, and stands on the wrong side of the command.
-  if (sNearest == sUnknown) return "\"" + sUnknown + "\" must stand after \"" + oCommand.get_name() + "\"";
-  if (Nearest(oApp, sUnknown) == sUnknown) return "\"" + sUnknown + "\" must stand before the command";
+  // An option may be known, and stand on the wrong side of the command; a second command is no such case.
+  const bool bOption = sUnknown.rfind("--", 0) == 0;
+  if (bOption && sNearest == sUnknown)
+    return "\"" + sUnknown + "\" must stand after \"" + oCommand.get_name() + "\"";
+  if (bOption && Nearest(oApp, sUnknown) == sUnknown)
+    return "\"" + sUnknown + "\" must stand before the command";
   return "\"" + sUnknown + "\" is unknown" +
          (sNearest.empty() ? "; see " + sHelp : "; did you mean \"" + sNearest + "\"?");
 }
