@@ -99,10 +99,20 @@ void ClSequencePlayer::CheckUsable() {
   }
 }
 
+/// The mode in which a sequence begins; below 0 it stays "off".
+void ClSequencePlayer::Select(int nMode) {
+  StSlot& rSlot = m_oPlay.aSlots[0];
+  if (nMode < 0 || rSlot.h == nullptr) return;
+  const long nSelected = LS_VT40SetCaptureMode(rSlot.h, nMode);
+  Require(nSelected == 0, "a mode can be selected, and answers " + std::to_string(nSelected));
+  rSlot.nMode = nMode;
+}
+
 void ClSequencePlayer::Play(const Sequence_t& aSequence) {
   if (aSequence.size() <= cnHead) return;
   const uint8_t* pSteps = aSequence.data() + cnHead;
   const uint8_t* pEnd = aSequence.data() + aSequence.size();
+  Select(aSequence[0] / 2 % (cnModes + 1) - 1);
   if (aSequence[1] != 0) VTSimLoadScene(SceneOf(aSequence[1]).c_str());
   if (LosesFirst(aSequence[1])) m_oPlay.bDisturbed = true;
   const long nFailing = aSequence[2] | long{aSequence[3]} << 8;

@@ -10,8 +10,9 @@ namespace Reliability {
 
 using Sequence_t = std::vector<uint8_t>;
 
-/// A sequence begins with four bytes: whether the rest is halved between two threads, the scene, and which
-/// allocation of the library fails (0: none). Each step after them is a byte that chooses a function or an
+/// A sequence begins with four bytes: whether the rest is halved between two threads (lowest bit) and the mode
+/// in which it begins (the other bits, 0: "off"); the scene; and which allocation of the library fails (0:
+/// none). Each step after them is a byte that chooses a function or an
 /// event, and the bytes of its arguments; where the bytes end, zeros follow.
 ///
 /// Every number that comes back must be one that the function is documented to return, and after the sequence
@@ -40,6 +41,7 @@ class ClSequencePlayer {
   void Restore();
   void CheckUsable();
   void Close(void* h);
+  void Select(int nMode);
 
   StPlay m_oPlay;
   unsigned m_nPlayed = 0;

@@ -13,9 +13,10 @@ using namespace Interface;
 
 constexpr const char* caszSerials[] = {"VT40-AB0001", "VT40-AB0002"};
 
-/// Two scanners; prints are small, so that they are drawn quickly.
+/// Two scanners; prints are small and optics without faults, so that they are drawn quickly.
 std::string Scene(const std::string& sFirst) {
-  return R"({"scanners": [{"serial": "VT40-AB0001")" + sFirst + R"(}, {"serial": "VT40-AB0002"}]})";
+  return R"({"scanners": [{"serial": "VT40-AB0001", "noise": 0, "optics": {"blur": 0})" + sFirst +
+         R"(}, {"serial": "VT40-AB0002", "noise": 0}]})";
 }
 
 constexpr long canFailures[] = {-60, -101, -50, -2, -777, -43, -102, -1};

@@ -23,7 +23,7 @@ using namespace Reliability;
 
 /// A sequence that takes longer than so many seconds hangs.
 constexpr unsigned int cnLongestSequence = 240;
-constexpr size_t cnMostBytes = 40;
+constexpr size_t cnMostBytes = 120;
 
 uint64_t s_nPlaying = 0;
 
@@ -32,7 +32,8 @@ void SayWhich() {
 }
 
 /// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory
-/// that runs out, every third two threads; one in 64 begins with another scanner, which has to be opened.
+/// that runs out, every third two threads, seven of eight begin in a mode; one in 64
+/// begins with another scanner, which has to be opened.
 Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
   if (nNumber < s_aPairs.size()) return s_aPairs[static_cast<size_t>(nNumber)];
@@ -41,7 +42,7 @@ Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   std::mt19937_64 oRandom(oSeed);
   Sequence_t aBytes(8 + static_cast<size_t>(oRandom() % cnMostBytes));
   for (uint8_t& rByte : aBytes) rByte = static_cast<uint8_t>(oRandom());
-  aBytes[0] = nNumber % 3 == 0;
+  aBytes[0] = static_cast<uint8_t>((nNumber % 3 == 0) | (aBytes[0] & ~1));
   if (nNumber % 2 == 0 || (nNumber % 64 != 1 && LosesFirst(aBytes[1]))) aBytes[1] = 0;
   aBytes[3] &= 3;
   if (nNumber % 4 != 0) aBytes[2] = aBytes[3] = 0;
