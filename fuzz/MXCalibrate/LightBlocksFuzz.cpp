@@ -35,6 +35,8 @@ void FeedBrightness(const Bytes& aBlock) {
   // In the positional form fewer points stand elsewhere, and more have no room.
   if (oData.NumberOfSamplePoints() != cnPoints) return;
   const Bytes aStored = Stored(oData);
+  // Values that spell the tag of the other form are taken for it.
+  if (StartsWithTag(aStored, "CBD")) return;
   ClCalibrateBrightnessData oAgain;
   Read(oAgain, aStored);
   Require(Stored(oAgain) == aStored, "brightness that is written reads again");
@@ -49,6 +51,7 @@ void FeedGains(const Bytes& aBlock) {
     return;
   }
   const Bytes aStored = Stored(oData);
+  if (StartsWithTag(aStored, "CGD")) return;
   ClCalibrateGainData oAgain;
   Read(oAgain, aStored);
   Require(Stored(oAgain) == aStored, "gains that are written read again");

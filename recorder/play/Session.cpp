@@ -19,6 +19,13 @@ void NoteSize(StSession& oSession, const StCall& oCall) {
                                                            static_cast<uint32_t>(nHeight)};
 }
 
+/// What passes between two times, at most the longest gap. A damaged recording has any times.
+int64_t Gap(int64_t nFrom, int64_t nTo) {
+  if (nTo <= nFrom) return 0;
+  const uint64_t nGap = static_cast<uint64_t>(nTo) - static_cast<uint64_t>(nFrom);
+  return static_cast<int64_t>(std::min(nGap, static_cast<uint64_t>(cnLongestGap)));
+}
+
 bool HasFrames(const StCall& oCall) {
   const StField* pField = oCall.Find(1, eGot);
   return pField != nullptr && pField->eType == eFieldData && pField->nBlock != cnDroppedData;
@@ -70,9 +77,8 @@ std::unique_ptr<StSession> MakeSession(const std::vector<StRecorded>& aCalls) {
     // What failed because the capture was being ended says nothing of the device; what was dropped is a lost
     // frame.
     if (oCall.nResult != 0 ? !bCapture : !HasFrames(oCall)) continue;
-    const int64_t nGap = bAny ? oCall.nEnd - nLast : oCall.nEnd - oCall.nBegin;
     pSession->mapStreams[oSetting.Name()].aEvents.push_back(
-        {&oCall, oRecorded.nOrder, std::clamp(nGap, int64_t{0}, cnLongestGap)});
+        {&oCall, oRecorded.nOrder, Gap(bAny ? nLast : oCall.nBegin, oCall.nEnd)});
     nLast = oCall.nEnd;
     bAny = true;
   }
