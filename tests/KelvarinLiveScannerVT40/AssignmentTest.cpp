@@ -60,13 +60,19 @@ TEST_F(Assignment, FirmwareFromTwoZeroSevenOnIsAskedForItsPowerSource) {
   }
 }
 
-TEST_F(Assignment, ThePowerSourceDecidesOnTheExposure) {
+TEST_F(Assignment, ThePowerSourceAndTheModeDecideOnTheExposure) {
   for (const bool bUsb : {true, false}) {
     LoadScene(std::string(R"({"scanners": [{"serial": "VT40-AB0001", "usbPowered": )") +
               (bUsb ? "true}]}" : "false}]}"));
     ASSERT_EQ(Open(), 0);
-    ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_PREVIEW), 0);
-    EXPECT_EQ(State().nExposure, bUsb ? 400u : 300u);
+    const unsigned int nPreview = bUsb ? 400 : 300;
+    for (const auto& [nMode, nExposure] : {std::pair(KLV_VT40_CAPTURE_MODE_PREVIEW, nPreview),
+                                           std::pair(KLV_VT40_CAPTURE_MODE_ROLL, 4 * nPreview),
+                                           std::pair(KLV_VT40_CAPTURE_MODE_FULL, 2 * nPreview),
+                                           std::pair(KLV_VT40_CAPTURE_MODE_SIGNATURE, nPreview / 3)}) {
+      ASSERT_EQ(LS_VT40SetCaptureMode(m_h, nMode), 0);
+      EXPECT_EQ(State().nExposure, nExposure) << "mode " << nMode;
+    }
     ASSERT_EQ(LS_VT40CloseScanner(&m_h), 0);
   }
 }
