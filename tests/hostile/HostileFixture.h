@@ -30,7 +30,7 @@ class HostileScanner : public testing::Test {
   /// A finger that lies still.
   static std::string Scene(const char* szSerial) {
     return std::string(R"({"scanners": [{"serial": ")") + szSerial +
-           R"(", "noise": 0, "fingers": [{"print": {"seed": 3}, "lift": 600}]}]})";
+           R"(", "noise": 0, "fingers": [{"print": {"seed": 3}, "lift": 1000000}]}]})";
   }
 
   using ImageCall = long (*)(void*, void*, double*, unsigned char*, long*);

@@ -145,8 +145,10 @@ class ClLife {
     if (!bPreview) Preview();
   }
 
+  /// A call that has waited out its time is not repeated.
   void Frames(int nMode) {
     m_bDone = 0;
+    long nNumber = 0;
     switch (nMode) {
       case KLV_VT40_CAPTURE_MODE_AUTO:
       case KLV_VT40_CAPTURE_MODE_AUTO_LIVE:
@@ -154,14 +156,15 @@ class ClLife {
         }
         break;
       case KLV_VT40_CAPTURE_MODE_ROLL:
-        for (int n = 0; n < 2; ++n) Image("LS_VT40GetRollImage", LS_VT40GetRollImage);
+        for (int n = 0; n < 2 && nNumber != KLV_ERROR_DISCONNECTED; ++n)
+          nNumber = Image("LS_VT40GetRollImage", LS_VT40GetRollImage);
         break;
       case KLV_VT40_CAPTURE_MODE_FULL:
         Image("LS_VT40GetImage", LS_VT40GetImage);
         break;
       case KLV_VT40_CAPTURE_MODE_PREVIEW:
       case KLV_VT40_CAPTURE_MODE_SIGNATURE:
-        for (int n = 0; n < 2; ++n) Preview();
+        for (int n = 0; n < 2 && nNumber != KLV_ERROR_DISCONNECTED; ++n) nNumber = Preview();
         break;
       default:
         break;

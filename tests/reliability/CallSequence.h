@@ -10,10 +10,10 @@ namespace Reliability {
 
 using Sequence_t = std::vector<uint8_t>;
 
-/// A sequence begins with four bytes: whether the rest is halved between two threads (lowest bit) and the mode
-/// in which it begins (the other bits, 0: "off"); the scene; and which allocation of the library fails (0:
-/// none). Each step after them is a byte that chooses a function or an
-/// event, and the bytes of its arguments; where the bytes end, zeros follow.
+/// A sequence begins with four bytes: whether the rest is halved between two threads (lowest bit) and the
+/// mode in which it begins (the other bits, 0: "off"); the scene; and which allocation of the library
+/// fails (0: none). Each step after them is a byte that chooses a function or an event, and the bytes of
+/// its arguments; where the bytes end, zeros follow.
 ///
 /// Every number that comes back must be one that the function is documented to return, and after the sequence
 /// the scanner must be usable, or can be opened anew. Whatever breaks that ends the process.

@@ -32,8 +32,8 @@ void SayWhich() {
 }
 
 /// Sequence nNumber of a seed: first each function in each mode, then random bytes. Every fourth has memory
-/// that runs out, every third two threads, seven of eight begin in a mode; one in 64
-/// begins with another scanner, which has to be opened.
+/// that runs out, every third two threads, seven of eight begin in a mode; one in 64 begins with another
+/// scanner, which has to be opened.
 Sequence_t SequenceOf(uint64_t nSeed, uint64_t nNumber) {
   static const std::vector<Sequence_t> s_aPairs = ClSequencePlayer::Pairs();
   if (nNumber < s_aPairs.size()) return s_aPairs[static_cast<size_t>(nNumber)];
