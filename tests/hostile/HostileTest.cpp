@@ -27,6 +27,8 @@ long s_nAllocation = 0;
 constexpr long canNumbers[] = {-2,   -43,  -44,  -47,  -50,  -60, -61, -101,       -102,
                                -200, -203, -206, -701, -702, -1,  1,   -2147483647};
 constexpr unsigned cnSeed = 20;
+/// Pairs of an answer and an allocation that fails.
+constexpr size_t cnPairs = 2000;
 constexpr size_t cnSample = std::max(1, 12 / cnSlowness);
 /// After so many lives at most the next opening is shown to work.
 constexpr unsigned cnMostUnproven = 8;
@@ -296,17 +298,22 @@ TEST_F(HostileLibrary, EndsEachCallOnTimeWithADocumentedNumberAndLeavesNothing) 
 }
 
 TEST_F(HostileLibrary, SurvivesMemoryThatRunsOutWhileAnAnswerIsDealtWith) {
-  const std::vector<StCombination> aCombinations = Combinations();
-  const auto Combination = [&](size_t n) { return aCombinations[(n * 7919 + 13) % aCombinations.size()]; };
+  std::vector<std::pair<uint64_t, StCombination>> aPairs;
+  for (const StCombination& o : Combinations()) aPairs.emplace_back(PlaceOf(TextOf(o)), o);
+  std::sort(aPairs.begin(), aPairs.end(), [](const auto& o1, const auto& o2) { return o1.first < o2.first; });
+  ASSERT_GE(aPairs.size(), cnPairs);
+  aPairs.resize(cnPairs);
+  const auto AllocationOf = [&](size_t n) { return static_cast<long>(1 + aPairs[n].first % 12); };
   std::vector<std::string> aTexts;
-  for (size_t n = 0; n < 2000; ++n)
-    aTexts.push_back(TextOf(Combination(n)) + ", no memory at allocation " + std::to_string(1 + n * 31 % 12));
+  for (size_t n = 0; n < cnPairs; ++n)
+    aTexts.push_back(TextOf(aPairs[n].second) + ", no memory at allocation " +
+                     std::to_string(AllocationOf(n)));
   Allocations::Watch("libKelvarinLiveScannerVT40");
   m_pControl->OnStrike([] { Allocations::FailNth(s_nAllocation); });
   ForEach(aTexts, (cnSample + 3) / 4, [&](size_t n, bool bMore) {
-    s_nAllocation = static_cast<long>(1 + n * 31 % 12);
-    Try(aTexts[n], Combination(n).nMode, Combination(n).oPlan,
-        {KLV_ERROR_OUT_OF_MEMORY, KLV_ERROR_NOT_INITIALIZED}, bMore);
+    s_nAllocation = AllocationOf(n);
+    const StCombination& o = aPairs[n].second;
+    Try(aTexts[n], o.nMode, o.oPlan, {KLV_ERROR_OUT_OF_MEMORY, KLV_ERROR_NOT_INITIALIZED}, bMore);
   });
   m_pControl->OnStrike(nullptr);
 }
