@@ -31,7 +31,7 @@ constexpr unsigned cnSeed = 20;
 constexpr size_t cnPairs = 2000;
 constexpr size_t cnSample = std::max(1, 12 / cnSlowness);
 /// After so many lives at most the next opening is shown to work.
-constexpr unsigned cnMostUnproven = 8;
+constexpr unsigned cnMostUnproven = 16;
 /// The simulated scanner's own answers, whatever is planned.
 const std::set<long> caOwn = {-43, -44, -50, -60, -701, -702};
 
@@ -169,7 +169,7 @@ class HostileLibrary : public HostileScanner {
     const size_t nFindings = m_oBook.aFindings.size();
     LoadScene(Scene("VT40-AB0001"));
     m_pControl->Plan(oPlan);
-    m_pLife->Expect(sText, Own(oPlan), aAny, oPlan.eAnswer == eLate ? 1.6 : 0.0);
+    m_pLife->Expect(sText, Own(oPlan), aAny, oPlan.eAnswer == eLate ? 0.6 : 0.0);
     const bool bOpened = m_pLife->Live(nMode);
     if (!bOpened && aAny.empty() && Opens(oPlan))
       m_pLife->Fail("the opening before the fault fails" + Unproven());

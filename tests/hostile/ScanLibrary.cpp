@@ -19,7 +19,7 @@ namespace Hostile {
 
 using namespace Recording;
 
-constexpr auto coLateness = std::chrono::milliseconds(1500);
+constexpr auto coLateness = std::chrono::milliseconds(500);
 /// The time after which whoever waits for the test itself has waited in vain.
 constexpr auto coLongest = std::chrono::seconds(120);
 
