@@ -30,7 +30,7 @@ constexpr unsigned cnSeed = 20;
 /// Pairs of an answer and an allocation that fails.
 constexpr size_t cnPairs = 2000;
 constexpr size_t cnSample = std::max(1, 12 / cnSlowness);
-/// After so many lives at most the next opening is shown to work.
+/// After so many lives at most the next picture is shown to be the same.
 constexpr unsigned cnMostUnproven = 16;
 /// The simulated scanner's own answers, whatever is planned.
 const std::set<long> caOwn = {-43, -44, -50, -60, -701, -702};
@@ -158,7 +158,8 @@ class HostileLibrary : public HostileScanner {
   }
 
   /// A life in a mode with what is planned. That the next opening works, and gives the same picture, is shown
-  /// by a life with nothing planned, which may wait for the lives to come: each that opens shows it as well.
+  /// by a life with nothing planned, which may wait for some lives to come: those of them that open show
+  /// before it that an opening works.
   void Try(const std::string& sText, int nMode, const StPlan& oPlan, const std::set<long>& aAny = {},
            bool bMayWait = false) {
     LoadScene(Scene("VT40-AB0002"));
@@ -173,7 +174,6 @@ class HostileLibrary : public HostileScanner {
     const bool bOpened = m_pLife->Live(nMode);
     if (!bOpened && aAny.empty() && Opens(oPlan))
       m_pLife->Fail("the opening before the fault fails" + Unproven());
-    if (bOpened) m_nUnproven = 0;
     if (m_nUnproven++ == 0) m_pFirstUnproven = &sText;
     if (!m_pControl->HasStruck()) ++m_nMissed;
     Allocations::Ignore();
@@ -279,7 +279,7 @@ class HostileLibrary : public HostileScanner {
   std::unique_ptr<ClLife> m_pLife;
   std::vector<unsigned char> m_aPicture;
   size_t m_nTried = 0;
-  unsigned m_nUnproven = 0;                       ///< lives since an opening last worked
+  unsigned m_nUnproven = 0;                       ///< lives since the last picture
   const std::string* m_pFirstUnproven = nullptr;  ///< the first of them
   size_t m_nMissed = 0;
   std::map<std::string, size_t> m_mapAnswers, m_mapSteps, m_mapModes;
