@@ -29,7 +29,7 @@ class HostileScanner : public testing::Test {
 
   /// A finger that lies still.
   static std::string Scene(const char* szSerial) {
-    return std::string(R"({"scanners": [{"serial": ")") + szSerial +
+    return std::string(R"({"pacing": "real", "scanners": [{"serial": ")") + szSerial +
            R"(", "noise": 0, "fingers": [{"print": {"seed": 3}, "lift": 1000000}]}]})";
   }
 

@@ -17,7 +17,7 @@ namespace {
 /// 15 seconds become a twentieth of one.
 constexpr int cnClockScale = 300;
 /// So many sequences share an open scanner if none of them disturbs it.
-constexpr unsigned cnMostShared = 256;
+constexpr unsigned cnMostShared = 1024;
 constexpr size_t cnHead = 4;
 constexpr char cszLibrary[] = "libKelvarinLiveScannerVT40";
 
@@ -69,8 +69,8 @@ void ClSequencePlayer::End() {
 
 void ClSequencePlayer::Restore() {
   Allocations::Ignore();
-  VTSimHoldSequences(nullptr, 0);
-  VTSimHoldSequences(SerialOf(true), 0);
+  // Frames would flow once nothing holds them back any more; whether this works is asked afterwards.
+  for (StSlot& rSlot : m_oPlay.aSlots) LS_VT40SetCaptureMode(rSlot.h, KLV_VT40_CAPTURE_MODE_OFF);
   VTSimClearFaults();
   FDSimReset();
   FDSimOrderScore(-1.0);
@@ -80,9 +80,9 @@ void ClSequencePlayer::Restore() {
   } else {
     Require(VTSimLoadScene(SceneOf(0).c_str()) == 0, VTSimLastError());
     // Nobody looks at the frames.
-    VTSimHoldSequences(nullptr, 1);
+    for (StSlot& rSlot : m_oPlay.aSlots) VTSimHoldSequences(rSlot.szSerial, 1);
     CheckUsable();
-    VTSimHoldSequences(nullptr, 0);
+    VTSimClearFaults();
   }
 }
 
@@ -112,10 +112,14 @@ void ClSequencePlayer::Play(const Sequence_t& aSequence) {
   if (aSequence.size() <= cnHead) return;
   const uint8_t* pSteps = aSequence.data() + cnHead;
   const uint8_t* pEnd = aSequence.data() + aSequence.size();
+  const unsigned nFlow = aSequence[3] / 4u;
+  m_oPlay.bHeld = nFlow != 0;
+  for (const StSlot& rSlot : m_oPlay.aSlots) m_oPlay.Flow(rSlot.szSerial, 0);
   Select(aSequence[0] / 2 % (cnModes + 1) - 1);
   if (aSequence[1] != 0) VTSimLoadScene(SceneOf(aSequence[1]).c_str());
+  for (const StSlot& rSlot : m_oPlay.aSlots) m_oPlay.Flow(rSlot.szSerial, nFlow - 1);
   if (LosesFirst(aSequence[1])) m_oPlay.bDisturbed = true;
-  const long nFailing = aSequence[2] | long{aSequence[3]} << 8;
+  const long nFailing = aSequence[2] | long{aSequence[3] % 4} << 8;
   if (nFailing != 0) Allocations::FailNth(nFailing);
   if ((aSequence[0] & 1) == 0) {
     ClSteps(m_oPlay, pSteps, pEnd).Run();
@@ -137,16 +141,17 @@ std::vector<Sequence_t> ClSequencePlayer::Pairs() {
   };
   const uint8_t nSwitch = NumberOfFunction("LS_VT40SetCaptureMode");
   const uint8_t nClose = NumberOfFunction("LS_VT40CloseScanner");
+  const auto Put = [&](Sequence_t& rSequence, size_t nFunction, uint8_t nLast) {
+    rSequence.push_back(static_cast<uint8_t>(nFunction));
+    if (ClSteps::NeedsOpening(aFunctions[nFunction].sName)) rSequence.insert(rSequence.end(), {1, 0});
+    rSequence.insert(rSequence.end(), {0, 0, nLast});
+  };
   std::vector<Sequence_t> aPairs;
   for (size_t nFunction = 0; nFunction < aFunctions.size(); ++nFunction) {
     for (int nMode = 0; nMode <= cnModes; ++nMode) {
       Sequence_t aSequence(cnHead);
-      if (nMode < cnModes) {
-        aSequence.insert(aSequence.end(), {nSwitch, 0, 0, static_cast<uint8_t>(nMode)});
-      } else {
-        aSequence.insert(aSequence.end(), {nClose, 0, 0, 0});
-      }
-      aSequence.insert(aSequence.end(), {static_cast<uint8_t>(nFunction), 0, 0, 0});
+      Put(aSequence, nMode < cnModes ? nSwitch : nClose, static_cast<uint8_t>(nMode < cnModes ? nMode : 0));
+      Put(aSequence, nFunction, 0);
       aPairs.push_back(aSequence);
     }
   }

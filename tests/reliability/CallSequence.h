@@ -11,9 +11,11 @@ namespace Reliability {
 using Sequence_t = std::vector<uint8_t>;
 
 /// A sequence begins with four bytes: whether the rest is halved between two threads (lowest bit) and the
-/// mode in which it begins (the other bits, 0: "off"); the scene; and which allocation of the library
-/// fails (0: none). Each step after them is a byte that chooses a function or an event, and the bytes of
-/// its arguments; where the bytes end, zeros follow.
+/// mode in which it begins (the other bits, 0: "off"); the scene; and, as 16 bits with the low byte first,
+/// which allocation of the library fails (the low ten bits, 0: none) and whether frames flow (the six others,
+/// 0) or are held back but for that number less one, and for what events let through. Each step after them is
+/// a byte that chooses a function or an event, and the bytes of its arguments; where the bytes end, zeros
+/// follow.
 ///
 /// Every number that comes back must be one that the function is documented to return, and after the sequence
 /// the scanner must be usable, or can be opened anew. Whatever breaks that ends the process.

@@ -25,13 +25,6 @@ class ClCensus {
     return m_aCalls[nFunction * cnColumns + static_cast<size_t>(nMode)];
   }
 
-  /// The pairs of function and mode that were never called.
-  size_t Missing() const {
-    size_t nMissing = 0;
-    for (size_t n = 0; n < m_aFunctions.size() * cnColumns; ++n) nMissing += m_aCalls[n] == 0;
-    return nMissing;
-  }
-
   /// A member of a JSON object: the counts of each function, in the order of the modes.
   std::string Json() const {
     std::string sText = "\"calls\": {";

@@ -25,23 +25,35 @@ constexpr unsigned cnEvents = cnScannerEvents + 8;
 constexpr unsigned cnSecond = 5;
 /// The first of the events after which a scanner has to be opened anew.
 constexpr unsigned cnFirstPlugging = 12;
-/// Opening takes twenty times as long as the rest of a sequence: of the steps that make it necessary, those
-/// count whose next byte is below this.
-constexpr unsigned cnLowest = 4;
 
-bool NeedsOpening(const std::string& sFunction) {
+/// Frames take most of a sequence's time: where they are held back, an event lets one of them through if its
+/// byte modulo this is 0.
+constexpr unsigned cnRareFrame = 8;
+
+}  // namespace
+
+void StPlay::Flow(const char* szSerial, unsigned nFrames) const {
+  VTSimHoldSequences(szSerial, bHeld);
+  if (bHeld) VTSimPassSequences(szSerial, nFrames);
+}
+
+bool ClSteps::NeedsOpening(const std::string& sFunction) {
   return sFunction == "LS_VT40OpenScanner" || sFunction == "LS_VT40CloseScanner" ||
          sFunction == "LS_VT40Initialize" || sFunction == "LS_VT40Uninitialize";
 }
 
-}  // namespace
+/// Opening takes twenty times as long as the rest of a sequence: of the steps that make it necessary, those
+/// count that are followed by a byte of 1 and another of less than 64. Zeros follow the end of a sequence.
+bool ClSteps::IsRare() {
+  return Byte() == 1 && Byte() < 64;
+}
 
 void ClSteps::Step() {
   const unsigned nFunctions = static_cast<unsigned>(m_rPlay.aFunctions.size());
   const unsigned n = Byte() % (nFunctions + cnEvents);
   const bool bPlugging = n >= nFunctions + cnFirstPlugging && n < nFunctions + cnScannerEvents;
   if (bPlugging || (n < nFunctions && NeedsOpening(m_rPlay.aFunctions[n].sName))) {
-    if (Byte() >= cnLowest) return;
+    if (!IsRare()) return;
   }
   if (n < nFunctions) return Call(n);
   Happen(n - nFunctions);
@@ -222,10 +234,11 @@ void ClSteps::HappenToScanner(unsigned nEvent, const char* szSerial, unsigned n)
     case 0:
     case 1:
       if (LosesFirst(n)) {
-        if (Byte() >= cnLowest) return;
+        if (!IsRare()) return;
         m_rPlay.bDisturbed = true;
       }
       VTSimLoadScene(SceneOf(n).c_str());
+      for (const StSlot& rSlot : m_rPlay.aSlots) m_rPlay.Flow(rSlot.szSerial, n % cnRareFrame == 0);
       return;
     case 2:
       VTSimHoldSequences(szSerial, 1);
@@ -233,11 +246,11 @@ void ClSteps::HappenToScanner(unsigned nEvent, const char* szSerial, unsigned n)
       return;
     case 3:
     case 4:
-      VTSimHoldSequences(szSerial, 0);
+      m_rPlay.Flow(szSerial, n % cnRareFrame == 0);
       return;
     case 5:
     case 6:
-      VTSimPassSequences(szSerial, n % 8);
+      VTSimPassSequences(szSerial, m_rPlay.bHeld ? n % cnRareFrame == 0 : n % 8);
       return;
     case 7:
       VTSimDelaySequence(szSerial, n % 8);
@@ -270,6 +283,7 @@ void ClSteps::Fail(unsigned nEvent, unsigned n) {
   constexpr double cdProbability = 0.1;
   if (nEvent < 2) {
     VTSimClearFaults();
+    for (const StSlot& rSlot : m_rPlay.aSlots) m_rPlay.Flow(rSlot.szSerial, n % cnRareFrame == 0);
     return;
   }
   const long nResult = FailureOf(Byte());

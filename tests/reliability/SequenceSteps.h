@@ -23,6 +23,11 @@ struct StPlay {
   /// Something has happened that a switch of the mode does not undo.
   std::atomic<bool> bDisturbed{false};
   std::atomic<double> dLongest{0.0};
+  /// Frames are held back but for those that are let through; set before the steps.
+  bool bHeld = false;
+
+  /// Lets frames of a scanner flow, or holds them back but for some.
+  void Flow(const char* szSerial, unsigned nFrames) const;
 };
 
 /// Threads  thread-bound.
@@ -36,11 +41,15 @@ class ClSteps {
     while (m_p != m_pEnd) Step();
   }
 
+  /// Whether a scanner has to be opened after a call; two bytes, 1 and one below 64, let such a call happen.
+  static bool NeedsOpening(const std::string& sFunction);
+
  private:
   using Function = Interface::StFunction;
   using Values = Interface::Values;
 
   unsigned Byte() { return m_p != m_pEnd ? *m_p++ : 0; }
+  bool IsRare();
   uint8_t* Room(size_t nBytes);
   void Step();
 
