@@ -9,6 +9,8 @@ namespace {
 
 using namespace Simulator;
 
+constexpr unsigned int cnMostSide = cnLeastSide + 16;
+
 template <typename TCall>
 void Try(TCall&& fnCall) {
   RefusedWith<ClSimError>(fnCall);
@@ -21,7 +23,7 @@ std::vector<Bytes> Seeds() {
   for (const char* szSeed :
        {"FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60|dScore", "=1|nScores", "|version"}) {
     Bytes aSeed = BytesOf(szSeed, '|');
-    aSeed.insert(aSeed.end(), {0, 80, 80, 7, 250, 30, 30, 200});
+    aSeed.insert(aSeed.end(), {0, 72, 72, 7, 250, 30, 30, 200});
     aSeeds.push_back(aSeed);
   }
   return aSeeds;
@@ -39,7 +41,8 @@ void Feed(const Bytes& aInput) {
   const std::string sName = oInput.Text();
   Try([&] { oDetection.Text(hDetection, sName); });
   Try([&] { oDetection.Refuse(hDetection, sName); });
-  const unsigned int nWidth = oInput.Byte(), nHeight = oInput.Byte();
+  // The score takes longer than all the rest: sides go little beyond the least.
+  const unsigned int nWidth = oInput.Byte() % cnMostSide, nHeight = oInput.Byte() % cnMostSide;
   // The input is laid out again and again until the picture is full.
   Bytes aPattern = oInput.Rest();
   aPattern.push_back(0);
