@@ -9,7 +9,7 @@ namespace {
 
 using namespace Simulator;
 
-constexpr unsigned int cnMostSide = cnLeastSide + 16;
+constexpr unsigned int cnMostSide = 2 * cnLeastSide;
 
 template <typename TCall>
 void Try(TCall&& fnCall) {
@@ -23,7 +23,7 @@ std::vector<Bytes> Seeds() {
   for (const char* szSeed :
        {"FD_VT40Initialize=-101,FD_VT40GetFakeFingerDetectionScore=-60|dScore", "=1|nScores", "|version"}) {
     Bytes aSeed = BytesOf(szSeed, '|');
-    aSeed.insert(aSeed.end(), {0, 72, 72, 7, 250, 30, 30, 200});
+    aSeed.insert(aSeed.end(), {0, 80, 80, 7, 250, 30, 30, 200});
     aSeeds.push_back(aSeed);
   }
   return aSeeds;
@@ -41,8 +41,9 @@ void Feed(const Bytes& aInput) {
   const std::string sName = oInput.Text();
   Try([&] { oDetection.Text(hDetection, sName); });
   Try([&] { oDetection.Refuse(hDetection, sName); });
-  // The score takes longer than all the rest: sides go little beyond the least.
-  const unsigned int nWidth = oInput.Byte() % cnMostSide, nHeight = oInput.Byte() % cnMostSide;
+  // The score takes longer than all the rest: sides end at twice the least.
+  const unsigned int nWidth = std::min(oInput.Byte(), cnMostSide);
+  const unsigned int nHeight = std::min(oInput.Byte(), cnMostSide);
   // The input is laid out again and again until the picture is full.
   Bytes aPattern = oInput.Rest();
   aPattern.push_back(0);
