@@ -144,6 +144,16 @@ TEST_F(AutoScanner, LivenessDistinguishesSkinFromImitations) {
   }
 }
 
+TEST_F(AutoScanner, AScannerOfTheFirstRevisionDrawsItsScore) {
+  LoadScene(R"({"scanners": [{"serial": "VT40-AA0001", "fingers": [{}]}]})");
+  ASSERT_EQ(Open("VT40-AA0001"), 0);
+  ASSERT_EQ(LS_VT40SetCaptureMode(m_h, KLV_VT40_CAPTURE_MODE_AUTO_LIVE), 0);
+  ASSERT_EQ(PollUntil(true, cnFewFrames).nError, 0);
+  const double dScore = Image().dScore;
+  EXPECT_GE(dScore, 15.0);
+  EXPECT_LT(dScore, 90.0);
+}
+
 TEST_F(AutoScanner, ALivenessLibraryThatDoesNotStartLeavesTheOtherModes) {
   for (const char* szFunction : {"FD_VT40Initialize", "FD_VT40CreateFakeDetectionVT40Handle"}) {
     SCOPED_TRACE(szFunction);

@@ -83,6 +83,8 @@ TEST_F(Api, OpensTheNamedScannerAndNoOther) {
   void* hSecond = nullptr;
   EXPECT_EQ(LS_VT40OpenScanner("VT40-AC0002", &hSecond), KLV_ERROR_DEVICE_OPEN_FAIL);
   EXPECT_EQ(hSecond, nullptr);
+  ASSERT_EQ(VTSimFailCall("VTScanAPIQueryDevices", 1, 1, -778), 0);
+  EXPECT_EQ(LS_VT40OpenScanner("VT40-AB0001", &hSecond), -101) << "the devices cannot be listed";
   EXPECT_EQ(LS_VT40OpenScanner("VT40-AB0001", &hSecond), 0);
   EXPECT_EQ(LS_VT40CloseScanner(&hSecond), 0);
 }

@@ -84,6 +84,7 @@ TEST(FileNames, ABufferOfEverySizeGetsTheWholeTextOrNothingAfterItsEnd) {
       {"", "/a/c/d", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "../c/d", sz, n); }},
       {"", "/x/y", [](char* sz, unsigned int n) { MakeAbsolutePath("/a/b/", "/x/y", sz, n); }},
       {"", "../../x", [](char* sz, unsigned int n) { MakeRelativePath("/a/b/", "/x", sz, n); }},
+      {"", "c/d", [](char* sz, unsigned int n) { MakeRelativePath("/a/b/", "c/d", sz, n); }},
       {"ab", "ab/c/", [](char* sz, unsigned int n) { AddPath(sz, n, "c"); }},
       {"ab.c", "ab.html", [](char* sz, unsigned int n) { ChangeExtension("html", sz, n); }},
       {"", "/s/d", [](char* sz, unsigned int n) {
