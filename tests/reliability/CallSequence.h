@@ -34,8 +34,9 @@ class ClSequencePlayer {
   /// For each function and each mode, and the state without a scanner, a sequence that calls it there.
   static std::vector<Sequence_t> Pairs();
   const ClCensus& Census() const { return m_oPlay.oCensus; }
-  /// The longest call so far, in seconds.
+  /// The longest call so far, in seconds, and its name.
   double Longest() const { return m_oPlay.dLongest; }
+  const std::string& LongestName() const { return m_oPlay.sLongest; }
 
  private:
   void Begin();

@@ -37,6 +37,13 @@ void StPlay::Flow(const char* szSerial, unsigned nFrames) const {
   if (bHeld) VTSimPassSequences(szSerial, nFrames);
 }
 
+void StPlay::Took(const std::string& sFunction, double dSeconds) {
+  const std::lock_guard<std::mutex> oLock(oLongestMutex);
+  if (dSeconds <= dLongest) return;
+  dLongest = dSeconds;
+  sLongest = sFunction;
+}
+
 bool ClSteps::NeedsOpening(const std::string& sFunction) {
   return sFunction == "LS_VT40OpenScanner" || sFunction == "LS_VT40CloseScanner" ||
          sFunction == "LS_VT40Initialize" || sFunction == "LS_VT40Uninitialize";
@@ -90,7 +97,7 @@ void ClSteps::MakeCall(size_t nFunction, StSlot& rSlot) {
   const auto tBegin = std::chrono::steady_clock::now();
   const long nNumber = oFunction.fnCall(aValues);
   const double dSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - tBegin).count();
-  if (dSeconds > m_rPlay.dLongest) m_rPlay.dLongest = dSeconds;
+  m_rPlay.Took(oFunction.sName, dSeconds);
   Require(IsDocumented(oFunction, nNumber), oFunction.sName + " answers " + std::to_string(nNumber));
   Follow(oFunction, aValues, nNumber, rSlot);
 }

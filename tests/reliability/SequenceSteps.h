@@ -22,12 +22,15 @@ struct StPlay {
   std::atomic<void*> hStale{nullptr};
   /// Something has happened that a switch of the mode does not undo.
   std::atomic<bool> bDisturbed{false};
-  std::atomic<double> dLongest{0.0};
+  std::mutex oLongestMutex;
+  double dLongest = 0.0;  ///< the longest call, in seconds; guarded by oLongestMutex, as its name
+  std::string sLongest;
   /// Frames are held back but for those that are let through; set before the steps.
   bool bHeld = false;
 
   /// Lets frames of a scanner flow, or holds them back but for some.
   void Flow(const char* szSerial, unsigned nFrames) const;
+  void Took(const std::string& sFunction, double dSeconds);
 };
 
 /// Threads  thread-bound.

@@ -84,7 +84,8 @@ StResult Sequences(uint64_t nRuns, uint64_t nSeed, uint64_t nFirst, double dMost
           Seconds(),
           0,
           BuildName(),
-          std::string(", \"longest\": ") + szLongest + ", " + oPlayer.Census().Json()};
+          std::string(", \"longest\": ") + szLongest + ", \"longestCall\": \"" + oPlayer.LongestName() +
+              "\", " + oPlayer.Census().Json()};
 }
 
 uint64_t Number(const char* szNumber) {
