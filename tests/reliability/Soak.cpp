@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -96,7 +95,7 @@ uint64_t Number(const char* szNumber) {
 
 int main(int nArguments, char** ppArguments) {
   if (nArguments < 4) {
-    std::fprintf(stderr, "usage: %s sequences|storm|open|initialise COUNT SEED [FILE [FIRST]]\n",
+    std::fprintf(stderr, "usage: %s sequences|storm|open|initialise COUNT SEED [FILE [FIRST [SECONDS]]]\n",
                  ppArguments[0]);
     return 2;
   }
