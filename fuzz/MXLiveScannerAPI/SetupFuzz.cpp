@@ -1,6 +1,8 @@
 // Feeds serial numbers and calibration blocks to the set-up of a scanner, in the order in which it is opened.
 #include <cmath>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "MXLiveScannerAPI/VT40SetupCalibrationData.h"
 #include "MXLiveScannerAPI/VT4SetupCalibrationData.h"
@@ -10,8 +12,50 @@
 
 namespace {
 
-/// Drawing the references takes a second, which only few inputs are to spend.
+using Setup = std::shared_ptr<ClVTSetupCalibrationDataBase>;
+
+constexpr char cszFirstRevision[] = "VT40-AA0001";
+constexpr char cszLaterRevision[] = "VT40-AB0001";
+
+/// Of the inputs that ask for something slow, the first ones get it, and after them one in so many.
+class ClRation {
+ public:
+  ClRation(unsigned int nFirst, unsigned int nEach) : m_nFirst(nFirst), m_nEach(nEach) {}
+  bool Take() { return m_nAsked++ < m_nFirst || m_nAsked % m_nEach == 0; }
+
+ private:
+  const unsigned int m_nFirst;
+  const unsigned int m_nEach;
+  unsigned int m_nAsked = 0;
+};
+
+/// Asks for references to be drawn, which takes a second.
 constexpr unsigned int cnDrawBrightness = 0xB1;
+ClRation s_oDraws(16, 4096);
+/// Making a set-up takes a hundred times as long as feeding it: those for the serial numbers of the seeds are
+/// fed by many inputs each. Gains of all records before stay in a set-up, so that it is not kept for ever.
+constexpr unsigned int cnInputsPerSetup = 256;
+ClRation s_oOtherSerials(256, 64);
+
+Setup SetupOf(const std::string& sSerial) {
+  struct StKept {
+    Setup pSetup;
+    unsigned int nFed = 0;
+  };
+  static std::map<std::string, StKept> s_mapKept = {{cszFirstRevision, {}}, {cszLaterRevision, {}}};
+  const auto Make = [&] { return Setup(ClVTSetupCalibrationDataBase::GetSetupObject(sSerial.c_str())); };
+  const auto it = s_mapKept.find(sSerial);
+  if (it == s_mapKept.end()) return s_oOtherSerials.Take() ? Make() : nullptr;
+  StKept& rKept = it->second;
+  if (rKept.nFed++ % cnInputsPerSetup == 0) rKept.pSetup = Make();
+  return rKept.pSetup;
+}
+
+Bytes RecordOf(ClVT40SetupCalibrationData& rSetup) {
+  TpArrayStatic<char> aRecord;
+  rSetup.GetGeometricData(aRecord);
+  return Bytes(aRecord.Data(), aRecord.Data() + aRecord.Entries());
+}
 
 unsigned int Size(const Bytes& aBlock) {
   return static_cast<unsigned int>(aBlock.size());
@@ -23,16 +67,16 @@ void SetUpTenFingers(ClVT40SetupCalibrationData& rSetup, ClFuzzInput& rInput) {
   const Bytes aGains = rInput.Block();
   const Bytes aBrightness = rInput.Rest();
   Refused([&] { rSetup.UpdateGainData(aGains.data(), Size(aGains)); });
+  const Bytes aBefore = RecordOf(rSetup);
   if (Refused([&] { rSetup.UpdateGeometricData(aGeometry.data(), Size(aGeometry)); })) {
-    Require(!rSetup.GetGeometricDataFull(false).IsValid(), "refused geometry leaves none");
+    Require(RecordOf(rSetup) == aBefore, "refused geometry changes nothing");
     return;
   }
-  // The set-up accepts the record that is in use.
-  TpArrayStatic<char> aRecord;
-  rSetup.GetGeometricData(aRecord);
-  ClVT40SetupCalibrationData oSame("VT40-AA0001", false);
-  oSame.UpdateGeometricData(aRecord.Data(), aRecord.Entries());
-  if (nDraw == cnDrawBrightness)
+  // Another set-up accepts the record that is in use.
+  static ClVT40SetupCalibrationData s_oSame(cszFirstRevision, false);
+  const Bytes aRecord = RecordOf(rSetup);
+  s_oSame.UpdateGeometricData(aRecord.data(), Size(aRecord));
+  if (nDraw == cnDrawBrightness && s_oDraws.Take())
     Refused([&] { rSetup.UpdateBrightnessData(aBrightness.data(), Size(aBrightness)); });
 }
 
@@ -52,7 +96,7 @@ std::vector<Bytes> Seeds() {
   std::vector<Bytes> aSeeds;
   for (const bool bLegacy : {true, false}) {
     for (const Bytes& aGeometry : GeometryBlocks()) {
-      Bytes aSeed = BytesOf(bLegacy ? "VT40-AA0001" : "VT40-AB0001");
+      Bytes aSeed = BytesOf(bLegacy ? cszFirstRevision : cszLaterRevision);
       aSeed.insert(aSeed.end(), {0, static_cast<uint8_t>(aSeeds.empty() ? cnDrawBrightness : 0)});
       ClFuzzInput::PutBlock(aSeed, aGeometry);
       ClFuzzInput::PutBlock(aSeed, GainBlock(bLegacy));
@@ -71,7 +115,7 @@ std::vector<Bytes> Seeds() {
            [](ClGeometry& r) { r.aTarget.pop_back(), r.aActual.pop_back(); },
            [](ClGeometry& r) { r.aActual.pop_back(); },
            [](ClGeometry& r) { r.aActual.push_back(r.aActual[0]); }}) {
-    for (const char* szSerial : {"VT40-AA0001", "VT40-AB0001"}) {
+    for (const char* szSerial : {cszFirstRevision, cszLaterRevision}) {
       ClGeometry oGeometry = Simulator::MeasureGeometry(Simulator::ClOptics(3));
       pfnSpoil(oGeometry);
       Bytes aSeed = BytesOf(szSerial);
@@ -102,8 +146,8 @@ Bytes Repaired(const Bytes& aInput) {
 void Feed(const Bytes& aInput) {
   ClFuzzInput oInput(aInput);
   const std::string sSerial = oInput.Text();
-  std::unique_ptr<ClVTSetupCalibrationDataBase> pSetup;
-  if (Refused([&] { pSetup.reset(ClVTSetupCalibrationDataBase::GetSetupObject(sSerial.c_str())); })) return;
+  Setup pSetup;
+  if (Refused([&] { pSetup = SetupOf(sSerial); })) return;
   if (auto* pTen = dynamic_cast<ClVT40SetupCalibrationData*>(pSetup.get())) {
     SetUpTenFingers(*pTen, oInput);
   } else if (auto* pOne = dynamic_cast<ClVT4SetupCalibrationData*>(pSetup.get())) {
