@@ -328,4 +328,18 @@ TEST_F(HostileLibrary, SurvivesEachThreadThatDoesNotStart) {
   Report();
 }
 
+TEST_F(HostileScanner, AScanLibraryTooOldForASingleShotIsNamed) {
+  for (const uint16_t nFunction : {Recording::eVTScanAPISetCaptureMode, Recording::eVTScanAPILockRawSequence,
+                                   Recording::eVTScanAPIReleaseRawSequence}) {
+    LoadScene(Scene("VT40-AB0001"));
+    m_pControl->Plan({nFunction, 0, 1, eAbsent, 0});
+    ASSERT_EQ(LS_VT40Initialize(nullptr), 0);
+    void* h = nullptr;
+    EXPECT_EQ(LS_VT40OpenScanner("VT40-AB0001", &h), 0);
+    EXPECT_EQ(Image(LS_VT40GetImage, h), KLV_ERROR_UNSUPPORTED) << Recording::FunctionName(nFunction);
+    EXPECT_EQ(LS_VT40CloseScanner(&h), 0);
+    EXPECT_EQ(LS_VT40Uninitialize(), 0);
+  }
+}
+
 }  // namespace
