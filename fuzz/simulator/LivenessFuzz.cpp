@@ -9,7 +9,7 @@ namespace {
 
 using namespace Simulator;
 
-// The score takes longer than all the rest: at this side it has just places enough, 72 x 72 of 5000.
+// The score, which takes longer than all the rest, needs 5000 places: a picture of this side has 72 x 72.
 constexpr unsigned int cnMostSide = 104;
 
 template <typename TCall>
